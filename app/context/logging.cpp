@@ -1,0 +1,3 @@
+#include "app/context/logging.h"
+
+Q_LOGGING_CATEGORY(lcTessavo, "tessavo")

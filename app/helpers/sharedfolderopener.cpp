@@ -1,0 +1,184 @@
+#include "app/helpers/sharedfolderopener.h"
+
+#include "platform/pathform.h"
+
+#include <QDeadlineTimer>
+#include <QFutureWatcher>
+#include <QProcess>
+#include <QThreadPool>
+#include <QUrl>
+#include <QtConcurrentRun>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int foldersAtOnce = 5;
+constexpr int threadExpiryMs = 60000;
+constexpr int hostTimeoutMs = 1000;
+constexpr int openTimeoutMs = 10000;
+constexpr int startTimeoutMs = 3000;
+constexpr int terminateTimeoutMs = 1000;
+
+using Flag = std::atomic<bool>;
+
+/// False when the program still runs after \a timeoutMs, or when nobody waits for it any more.
+bool waitForEnd(QProcess &process, int timeoutMs, const Flag &abandoned)
+{
+    constexpr qint64 sliceMs = 100;
+    const QDeadlineTimer deadline(timeoutMs);
+    while (process.state() != QProcess::NotRunning) {
+        if (abandoned || deadline.hasExpired())
+            return false;
+        process.waitForFinished(int(std::min(sliceMs, deadline.remainingTime())));
+    }
+    return true;
+}
+
+void start(QProcess &process, const platform::Command &command)
+{
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.start(command.program, command.arguments);
+}
+
+void end(QProcess &process)
+{
+    process.terminate();
+    if (!process.waitForFinished(terminateTimeoutMs)) {
+        process.kill();
+        process.waitForFinished(terminateTimeoutMs);
+    }
+}
+
+bool endedWell(const QProcess &process)
+{
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
+QString hostOf(const QString &path)
+{
+    return QUrl(SharedFolderOpener::normalizePath(path)).host();
+}
+
+bool hostAnswers(const FolderCommands &commands, const QString &path, int timeoutMs,
+                 const Flag &abandoned)
+{
+    const QString host = hostOf(path);
+    if (host.isEmpty())
+        return false;
+    QProcess process;
+    start(process, commands.ping(host, timeoutMs));
+    if (!process.waitForStarted(startTimeoutMs))
+        return false;
+    if (!waitForEnd(process, timeoutMs, abandoned)) {
+        end(process);
+        return false;
+    }
+    return endedWell(process);
+}
+
+FolderOpening showFolder(const FolderCommands &commands, const QString &path, int timeoutMs,
+                         const Flag &abandoned)
+{
+    QProcess process;
+    start(process, commands.showFolder(platform::toLocalPath(path)));
+    if (!process.waitForStarted(startTimeoutMs))
+        return {false, QStringLiteral("无法启动系统文件管理器")};
+    if (!waitForEnd(process, timeoutMs, abandoned)) {
+        end(process);
+        return {false, QStringLiteral("操作超时：请检查网络或服务器状态")};
+    }
+    if (endedWell(process))
+        return {true, {}};
+    return {false, QString::fromLocal8Bit(process.readAllStandardError()).trimmed()};
+}
+
+FolderOpening openFolder(const FolderCommands &commands, const QString &path, const Flag &abandoned)
+{
+    if (path.trimmed().isEmpty())
+        return {false, QStringLiteral("没有可以打开的文件夹")};
+    const bool isNetworkPath =
+        SharedFolderOpener::normalizePath(path).startsWith(QLatin1String("smb://"));
+    if (isNetworkPath && !hostAnswers(commands, path, hostTimeoutMs, abandoned)) {
+        return {false, QStringLiteral("无法连接到 %1：请检查网络或服务器状态").arg(hostOf(path))};
+    }
+    if (abandoned)
+        return {};
+    return showFolder(commands, path, openTimeoutMs, abandoned);
+}
+
+} // namespace
+
+SharedFolderOpener::SharedFolderOpener(QObject *parent, FolderCommands commands)
+    : QObject(parent)
+    , commands_(std::move(commands))
+    , abandoned_(std::make_shared<Flag>(false))
+    , pool_(new QThreadPool)
+{
+    pool_->setObjectName(QStringLiteral("folder opening"));
+    pool_->setMaxThreadCount(foldersAtOnce);
+    pool_->setExpiryTimeout(threadExpiryMs);
+}
+
+SharedFolderOpener::~SharedFolderOpener()
+{
+    *abandoned_ = true;
+    pool_->clear();
+    // A pool waits for its threads when it goes, and a program that hangs on a dead share would
+    // freeze the closing window. The process itself ends when the last one is through.
+    QThreadPool::globalInstance()->start([pool = pool_] { delete pool; });
+}
+
+void SharedFolderOpener::open(const QString &path)
+{
+    if (isProcessing(path))
+        return;
+    processing_.insert(normalizePath(path));
+    emit stateChanged(path, true);
+
+    auto *watcher = new QFutureWatcher<FolderOpening>(this);
+    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, path] {
+        const FolderOpening result = watcher->result();
+        watcher->deleteLater();
+        markDone(path);
+        emit finished(result.success, result.errorText);
+    });
+    watcher->setFuture(
+        QtConcurrent::run(pool_, [commands = commands_, path, abandoned = abandoned_] {
+            return openFolder(commands, path, *abandoned);
+        }));
+}
+
+QString SharedFolderOpener::normalizePath(const QString &path)
+{
+    const QLatin1String scheme("file://");
+    QString normalized = path;
+    if (normalized.startsWith(scheme, Qt::CaseInsensitive))
+        normalized.remove(0, scheme.size());
+    normalized.replace(QLatin1Char('\\'), QLatin1Char('/'));
+    if (normalized.startsWith(QLatin1String("//")))
+        normalized.prepend(QLatin1String("smb:"));
+    return normalized;
+}
+
+bool SharedFolderOpener::isProcessing(const QString &path) const
+{
+    return processing_.contains(normalizePath(path));
+}
+
+void SharedFolderOpener::markDone(const QString &path)
+{
+    processing_.remove(normalizePath(path));
+    emit stateChanged(path, false);
+}
+
+bool SharedFolderOpener::isHostReachable(const QString &path, int timeoutMs) const
+{
+    return hostAnswers(commands_, path, timeoutMs, *abandoned_);
+}
+
+FolderOpening SharedFolderOpener::openInExplorer(const QString &path, int timeoutMs) const
+{
+    return showFolder(commands_, path, timeoutMs, *abandoned_);
+}

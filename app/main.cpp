@@ -1,0 +1,19 @@
+#include "app/context/k.h"
+#include "platform/power.h"
+
+#include <QApplication>
+#include <QIcon>
+
+int main(int argc, char *argv[])
+{
+    // No organisation: the settings folder is to be named after the program alone.
+    QCoreApplication::setApplicationName(QStringLiteral("tessavo_tools"));
+    QApplication application(argc, argv);
+    platform::keepAwake();
+    QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application,
+                     [] { platform::allowSleep(); });
+    K::instance()->initApplication(&application);
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
+    K::instance()->openStartWindow(0);
+    return QApplication::exec();
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "app/shell/tools.h"
+#include "widgets/framelesswindow.h"
+
+#include <QHash>
+#include <QJsonObject>
+#include <QPointer>
+#include <QString>
+#include <QVector>
+
+class QVBoxLayout;
+
+/// The launcher: one card per tool. A double click opens the tool's window, or brings it to the
+/// front; there is at most one window per card. Tool windows belong to themselves: they outlive the
+/// launcher and are deleted when they close.
+class ChooseTools : public FramelessWindow
+{
+    Q_OBJECT
+
+public:
+    /// \a tools: for tests; otherwise all of the program.
+    explicit ChooseTools(QWidget *parent = nullptr, const QVector<Tool> &tools = allTools());
+
+    /// The service's reply to the login, without its "code".
+    void setLoginReply(const QJsonObject &reply) { loginReply_ = reply; }
+    const QJsonObject &loginReply() const { return loginReply_; }
+
+private slots:
+    void onToolClicked();
+    void onToolDoubleClicked(const QString &name);
+    void onCloseButtonClicked();
+    void onMinimizeButtonClicked();
+
+private:
+    QWidget *header() const;
+    QWidget *cards();
+    QWidget *footer() const;
+    void placeOnScreen();
+    void open(const Tool &tool);
+
+    QVector<Tool> tools_;
+    QHash<QString, QPointer<FramelessWindow>> windows_; ///< by label; empty while closed
+    QJsonObject loginReply_;
+};

@@ -1,0 +1,54 @@
+#include "app/shell/startwindow.h"
+
+#include "app/account/loginnew.h"
+#include "app/account/loginreply.h"
+#include "app/context/accountcontext.h"
+#include "app/context/k.h"
+#include "app/context/logging.h"
+#include "app/shell/choosetools.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr int loginMode = 0;
+
+void openLogin(QObject *context)
+{
+    auto *login = new LoginNew;
+    login->setAttribute(Qt::WA_DeleteOnClose);
+    QObject::connect(login, &LoginNew::loggedIn, context, [](const QJsonObject &reply) {
+        auto *launcher = new ChooseTools;
+        launcher->setAttribute(Qt::WA_DeleteOnClose);
+        launcher->setLoginReply(reply);
+        launcher->show();
+    });
+    login->show();
+}
+
+} // namespace
+
+QString urlHostIn(const QStringList &arguments)
+{
+    QString address;
+    for (int i = 0; i + 1 < arguments.size(); ++i) {
+        if (arguments.at(i) == QLatin1String("--url-host"))
+            address = arguments.at(i + 1);
+    }
+    return address;
+}
+
+void K::openStartWindow(int mode)
+{
+    if (mode == loginMode) {
+        openLogin(this);
+        return;
+    }
+    const QString address = urlHostIn(QCoreApplication::arguments());
+    if (!address.isNull())
+        AccountContext::baseUrl = address;
+    enterSavedAccount(LoginReply::readSaved(loadLoginData()));
+    // Mode 1 is the design distribution on its own. Its window, shown maximised from here, is not
+    // part of the program yet.
+    qCWarning(lcTessavo) << "no window for start mode" << mode;
+}

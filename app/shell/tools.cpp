@@ -1,0 +1,42 @@
+#include "app/shell/tools.h"
+
+#include "fileimport/importfiles.h"
+
+namespace {
+
+constexpr int originals = 0;
+constexpr int retouched = 1;
+
+QString icon(const char *name)
+{
+    return QStringLiteral(":/choosetools/image/choosetools/%1.svg").arg(QLatin1String(name));
+}
+
+FramelessWindow *importFiles(const QString &label, int mode)
+{
+    auto *window = new ImportFiles;
+    window->setWindowTitle(label);
+    window->setMode(mode);
+    return window;
+}
+
+} // namespace
+
+const QVector<Tool> &allTools()
+{
+    static const QString importOriginals = QStringLiteral("导入原片");
+    static const QString importRetouched = QStringLiteral("导入精修片");
+    static const QVector<Tool> tools{
+        {importOriginals, icon("tools_dr_yp"),
+         [] { return importFiles(importOriginals, originals); }},
+        {QStringLiteral("下载原始档"), icon("tools_xz_ysd")},
+        {QStringLiteral("导片工具"), icon("tools_dr_qxp")},
+        {QStringLiteral("下载选片结果"), icon("tools_xz_xpjg")},
+        {importRetouched, icon("tools_dr_jxp"),
+         [] { return importFiles(importRetouched, retouched); }},
+        {QStringLiteral("设计分件"), icon("tools_sjfj")},
+        {QStringLiteral("下载照片交付"), icon("tools_xz_zpjf")},
+        {QStringLiteral("批量删除"), icon("tools_batchdel")},
+    };
+    return tools;
+}

@@ -1,0 +1,22 @@
+# What every target of the program is compiled with: the standard, warnings as errors, Qt's strict
+# switches and, when asked for, sanitizers.
+add_library(tessavo_strict INTERFACE)
+target_compile_features(tessavo_strict INTERFACE cxx_std_17)
+target_compile_options(tessavo_strict INTERFACE -Wall -Wextra -Wpedantic -Werror)
+target_compile_definitions(tessavo_strict INTERFACE
+    QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
+    QT_NO_NARROWING_CONVERSIONS_IN_CONNECT QT_DEPRECATED_WARNINGS
+    QT_DISABLE_DEPRECATED_BEFORE=0x050F00)
+target_include_directories(tessavo_strict INTERFACE ${PROJECT_SOURCE_DIR})
+if(TESSAVO_SANITIZE)
+    target_compile_options(tessavo_strict INTERFACE
+        -fsanitize=${TESSAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    target_link_options(tessavo_strict INTERFACE -fsanitize=${TESSAVO_SANITIZE})
+endif()
+
+# tessavo_room(NAME SOURCES ... LIBRARIES ...): one static library of the house.
+function(tessavo_room name)
+    cmake_parse_arguments(ROOM "" "" "SOURCES;LIBRARIES" ${ARGN})
+    add_library(${name} STATIC ${ROOM_SOURCES})
+    target_link_libraries(${name} PUBLIC tessavo_strict ${ROOM_LIBRARIES})
+endfunction()

@@ -1,0 +1,389 @@
+#include "demo/answers.h"
+
+#include "demo/share.h"
+
+#include <QDate>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <utility>
+
+namespace demo {
+
+namespace {
+
+// The members of an order in an answer, all of them text.
+struct OrderField
+{
+    const char *name;
+    QString Order::*value;
+};
+
+const OrderField orderFields[] = {
+    {"id", &Order::id},
+    {"order_photo_id", &Order::photoSetId},
+    {"orderpayforkey", &Order::number},
+    {"servicetimes", &Order::service},
+    {"shopid", &Order::shopId},
+    {"storesname", &Order::shopName},
+    {"mname", &Order::manName},
+    {"wname", &Order::womanName},
+    {"mphone", &Order::manPhone},
+    {"wphone", &Order::womanPhone},
+    {"comboname", &Order::package},
+    {"order_price", &Order::price},
+    {"photonum", &Order::photoCount},
+    {"shotdate", &Order::shotDate},
+    {"sampledate", &Order::sampleDate},
+    {"selectphototime", &Order::selectionTime},
+    {"role1", &Order::photographer},
+    {"role1name", &Order::photographer},
+    {"role2", &Order::makeUpArtist},
+    {"role2name", &Order::makeUpArtist},
+    {"role7id", &Order::role7Id},
+    {"selectphotoname", &Order::consultant},
+    {"tiaosename", &Order::retoucher},
+    {"issample", &Order::isSample},
+    {"netpath", &Order::netPath},
+    {"picpathnew", &Order::folderPath},
+    {"imagesize_small", &Order::sizeSmall},
+    {"imagesize_middle", &Order::sizeMiddle},
+    {"imagesize_big", &Order::sizeBig},
+};
+
+// How many photos of a kind the service has on its books.
+const struct
+{
+    const char *name;
+    PhotoKind kind;
+} orderCounts[] = {
+    {"number_yuanpian", PhotoKind::Original},
+    {"number_yuanshidang", PhotoKind::Raw},
+    {"number_jingxiu", PhotoKind::Retouched},
+};
+
+QString text(const char *value)
+{
+    return QString::fromUtf8(value);
+}
+
+QString field(const Fields &fields, const char *name)
+{
+    return fields.value(text(name));
+}
+
+QJsonObject verdict(const QString &code, const QString &message)
+{
+    return {{QStringLiteral("code"), code},
+            {QStringLiteral("message"), message},
+            {QStringLiteral("msg"), message}};
+}
+
+QJsonObject success()
+{
+    return verdict(QStringLiteral("1"), QStringLiteral("操作成功"));
+}
+
+QJsonArray photoEntries(const QVector<Photo> &photos, const QString &serviceUrl)
+{
+    QJsonArray entries;
+    for (const Photo &photo : photos) {
+        entries.append(QJsonObject{{QStringLiteral("id"), photo.id},
+                                   {QStringLiteral("img_name"), photo.name},
+                                   {QStringLiteral("type"), photo.type},
+                                   {QStringLiteral("localpath"), photo.localPath},
+                                   {QStringLiteral("url"), QString(serviceUrl + photo.urlPath)}});
+    }
+    return entries;
+}
+
+QJsonArray nameEntries(const QStringList &names)
+{
+    QJsonArray entries;
+    for (const QString &name : names)
+        entries.append(QJsonObject{{QStringLiteral("name"), name}});
+    return entries;
+}
+
+// Sizes come as numbers or as text.
+bool readAnnounced(const QString &json, QVector<AnnouncedFile> *files)
+{
+    const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8());
+    if (!document.isArray())
+        return false;
+    const QJsonArray entries = document.array();
+    for (const QJsonValue &entry : entries) {
+        const QString name = entry[QStringLiteral("name")].toString();
+        const qint64 size = entry[QStringLiteral("size")].toVariant().toLongLong();
+        if (name.isEmpty())
+            return false;
+        files->append({name, size});
+    }
+    return true;
+}
+
+} // namespace
+
+Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std::move(paths))
+{
+}
+
+QJsonObject Answers::refusal(const QString &message)
+{
+    return verdict(QStringLiteral("0"), message);
+}
+
+// Actions that belong here as the tools for them come: order/orderphotodetail,
+// public/save_goodsfoldernamerule, order/download_success, order/getorder_pics, order/delete_pics,
+// order/delimages, order/delmv, order/delete_pic_before, order/delete_pic_after,
+// order/getbarcodegen.
+QJsonObject Answers::answer(const Fields &query, const Fields &fields)
+{
+    const QString action = field(query, "m") + QLatin1Char('/') + field(query, "a");
+    if (field(query, "g") != QStringLiteral("OrvelleDPc"))
+        return refusal(QStringLiteral("未知的操作: %1/%2").arg(field(query, "g"), action));
+    if (field(fields, "token") != QStringLiteral("5f0c2a9e7d41b6839a0e4c7b21f3d8a6"))
+        return refusal(QStringLiteral("登录凭证无效"));
+    if (action == QStringLiteral("public/dologin"))
+        return login(fields);
+    if (action == QStringLiteral("public/switch_shop"))
+        return switchShop(fields);
+
+    const QString problem = identityProblem(fields);
+    if (!problem.isEmpty())
+        return refusal(problem);
+    if (action == QStringLiteral("order/get_persons"))
+        return persons(fields);
+    if (action == QStringLiteral("order/order_list") ||
+        action == QStringLiteral("order/order_list_type_1"))
+        return orderList(fields);
+    if (action == QStringLiteral("order/saveorderphotopath"))
+        return registerFolder(fields);
+    if (action == QStringLiteral("order/savepicpath") ||
+        action == QStringLiteral("order/savepicpathmv"))
+        return registerFile(fields);
+    if (action == QStringLiteral("order/savepicpath_batch"))
+        return registerBatch(fields);
+    return refusal(QStringLiteral("未知的操作: %1").arg(action));
+}
+
+// username, password → SUPERID, EID (both of the first branch), UID, shop_data.
+QJsonObject Answers::login(const Fields &fields) const
+{
+    const Account *account =
+        studio_.accountByLogin(field(fields, "username"), field(fields, "password"));
+    if (!account)
+        return refusal(QStringLiteral("账号或密码错误"));
+
+    const QVector<Shop> shops = studio_.shopsOf(*account);
+    QJsonArray shopData;
+    for (const Shop &shop : shops) {
+        shopData.append(QJsonObject{{QStringLiteral("id"), shop.id},
+                                    {QStringLiteral("name"), shop.name},
+                                    {QStringLiteral("goodsfoldernamerule"), shop.namingRule},
+                                    {QStringLiteral("importpublicpath"), shop.publicRoot}});
+    }
+    QJsonObject reply = success();
+    reply[QStringLiteral("SUPERID")] = shops.first().superId;
+    reply[QStringLiteral("EID")] = account->employeeIds.value(shops.first().id);
+    reply[QStringLiteral("UID")] = account->uid;
+    reply[QStringLiteral("shop_data")] = shopData;
+    return reply;
+}
+
+// shopid → SUPERID, EID of that branch, importpublicpath (empty when the branch has none).
+QJsonObject Answers::switchShop(const Fields &fields) const
+{
+    const Account *account = studio_.accountByUid(field(fields, "uid"));
+    if (!account)
+        return refusal(QStringLiteral("请先登录"));
+    const Shop *shop = studio_.shop(field(fields, "shopid"));
+    if (!shop)
+        return refusal(QStringLiteral("分店不存在"));
+    if (!account->employeeIds.contains(shop->id))
+        return refusal(QStringLiteral("没有该分店的权限"));
+    QJsonObject reply = success();
+    reply[QStringLiteral("SUPERID")] = shop->superId;
+    reply[QStringLiteral("EID")] = account->employeeIds.value(shop->id);
+    reply[QStringLiteral("importpublicpath")] = shop->publicRoot;
+    return reply;
+}
+
+// → persons: id, name.
+QJsonObject Answers::persons(const Fields &fields) const
+{
+    QJsonArray persons;
+    for (const Person &person : studio_.shop(field(fields, "shopid"))->persons) {
+        persons.append(
+            QJsonObject{{QStringLiteral("id"), person.id}, {QStringLiteral("name"), person.name}});
+    }
+    QJsonObject reply = success();
+    reply[QStringLiteral("persons")] = persons;
+    return reply;
+}
+
+// keyword, searchtype (1 text, 4 and 6 shoot date, 5 selection date), role7id → data, openypml,
+// delyp.
+QJsonObject Answers::orderList(const Fields &fields) const
+{
+    const QString searchType = field(fields, "searchtype");
+    const QString keyword = field(fields, "keyword");
+    SearchBy by = SearchBy::Text;
+    if (searchType == QStringLiteral("4") || searchType == QStringLiteral("6"))
+        by = SearchBy::ShotDate;
+    else if (searchType == QStringLiteral("5"))
+        by = SearchBy::SelectionDate;
+    else if (searchType != QStringLiteral("1"))
+        return refusal(QStringLiteral("未知的搜索类型: %1").arg(searchType));
+    const QDate date = QDate::fromString(keyword, Qt::ISODate);
+    if (by != SearchBy::Text && !date.isValid())
+        return refusal(QStringLiteral("日期格式不正确: %1").arg(keyword));
+
+    QJsonArray data;
+    for (const Order &order :
+         studio_.search(field(fields, "shopid"), by, keyword, date, field(fields, "role7id")))
+        data.append(orderObject(order));
+    QJsonObject reply = success();
+    reply[QStringLiteral("data")] = data;
+    reply[QStringLiteral("openypml")] = QStringLiteral("1");
+    reply[QStringLiteral("delyp")] = QStringLiteral("1");
+    return reply;
+}
+
+QJsonObject Answers::orderObject(const Order &order) const
+{
+    QJsonObject object;
+    for (const OrderField &member : orderFields)
+        object[text(member.name)] = order.*member.value;
+    for (const auto &count : orderCounts)
+        object[text(count.name)] = QString::number(order.registered.value(count.kind).size());
+    object[QStringLiteral("images")] = photoEntries(order.chosenPhotos, serviceUrl_);
+    object[QStringLiteral("images_taipian")] = photoEntries(order.trialPhotos, serviceUrl_);
+    return object;
+}
+
+// order_photo_id, path → nothing beyond success.
+QJsonObject Answers::registerFolder(const Fields &fields)
+{
+    QString problem;
+    Order *order = orderOf(fields, &problem);
+    if (!order)
+        return refusal(problem);
+    if (field(fields, "path").isEmpty())
+        return refusal(QStringLiteral("导片路径为空"));
+    order->folderPath = field(fields, "path");
+    return success();
+}
+
+// order_photo_id, path, size → nothing beyond success.
+QJsonObject Answers::registerFile(const Fields &fields)
+{
+    QString problem;
+    Order *order = orderOf(fields, &problem);
+    if (!order)
+        return refusal(problem);
+    if (field(fields, "path").isEmpty())
+        return refusal(QStringLiteral("照片路径为空"));
+    order->registeredFiles << field(fields, "path");
+    return success();
+}
+
+// order_photo_id, localpath, type (1: imgnames and rawimgnames, 5: imgnames), the lists as JSON
+// [{name, size}] → for each list what was announced and what lies on the share in that size.
+QJsonObject Answers::registerBatch(const Fields &fields)
+{
+    struct List
+    {
+        QString name;
+        QString folder;
+        PhotoKind kind;
+    };
+    static const QMap<QString, QVector<List>> listsOfType = {
+        {QStringLiteral("1"),
+         {{QStringLiteral("imgnames"), QStringLiteral("原片"), PhotoKind::Original},
+          {QStringLiteral("rawimgnames"), QStringLiteral("原始档"), PhotoKind::Raw}}},
+        {QStringLiteral("5"),
+         {{QStringLiteral("imgnames"), QStringLiteral("精修片"), PhotoKind::Retouched}}},
+    };
+
+    QString problem;
+    Order *order = orderOf(fields, &problem);
+    if (!order)
+        return refusal(problem);
+    const QString folder = paths_.toDisk(field(fields, "localpath"));
+    if (folder.isEmpty())
+        return refusal(QStringLiteral("导片路径为空"));
+    const auto lists = listsOfType.constFind(field(fields, "type"));
+    if (lists == listsOfType.constEnd())
+        return refusal(QStringLiteral("未知的照片类型: %1").arg(field(fields, "type")));
+
+    QJsonObject reply = success();
+    QMap<PhotoKind, QStringList> seen;
+    for (const List &list : *lists) {
+        QVector<AnnouncedFile> announced;
+        if (!readAnnounced(fields.value(list.name), &announced))
+            return refusal(QStringLiteral("照片清单格式不正确: %1").arg(list.name));
+        QStringList names;
+        for (const AnnouncedFile &file : announced)
+            names << file.name;
+        seen[list.kind] = Share::present(folder + QLatin1Char('/') + list.folder, announced);
+        reply[QStringLiteral("local_") + list.name] = nameEntries(names);
+        reply[QStringLiteral("server_") + list.name] = nameEntries(seen.value(list.kind));
+    }
+    for (auto kind = seen.constBegin(); kind != seen.constEnd(); ++kind)
+        order->registered[kind.key()] = kind.value();
+    return reply;
+}
+
+// uid, shopid, and where they are sent: eid, superid, personid, person_id.
+QString Answers::identityProblem(const Fields &fields) const
+{
+    if (!studio_.accountByUid(field(fields, "uid")))
+        return QStringLiteral("请先登录");
+    if (!studio_.shop(field(fields, "shopid")))
+        return QStringLiteral("分店不存在");
+    for (const char *employee : {"eid", "personid", "person_id"}) {
+        if (!studio_.belongTogether(field(fields, "uid"), field(fields, "shopid"),
+                                    field(fields, employee), field(fields, "superid")))
+            return QStringLiteral("分店与员工不匹配，请重新选择分店");
+    }
+    return QString();
+}
+
+Order *Answers::orderOf(const Fields &fields, QString *problem) const
+{
+    Order *order = studio_.orderByPhotoSet(field(fields, "order_photo_id"));
+    if (!order) {
+        *problem = QStringLiteral("订单照片不存在: %1").arg(field(fields, "order_photo_id"));
+        return nullptr;
+    }
+    if (order->shopId != field(fields, "shopid")) {
+        *problem = QStringLiteral("订单不属于该分店");
+        return nullptr;
+    }
+    if (fields.contains(QStringLiteral("orderid")) && field(fields, "orderid") != order->id) {
+        *problem = QStringLiteral("订单与订单照片不一致");
+        return nullptr;
+    }
+    return order;
+}
+
+QString changeOrder(Order &order, const QJsonObject &fields)
+{
+    Order changed = order;
+    for (auto wanted = fields.begin(); wanted != fields.end(); ++wanted) {
+        bool known = false;
+        for (const OrderField &member : orderFields) {
+            if (wanted.key() == text(member.name)) {
+                changed.*member.value = wanted->toString();
+                known = true;
+            }
+        }
+        if (!known || !wanted->isString())
+            return QStringLiteral("not a text field of an order: %1").arg(wanted.key());
+    }
+    order = changed;
+    return QString();
+}
+
+} // namespace demo

@@ -1,0 +1,148 @@
+#include "fileimport/importfilecopyrunnable.h"
+
+#include "platform/fileaccess.h"
+#include "platform/pathform.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+#include <exception>
+
+ImportFileCopyRunnable::ImportFileCopyRunnable(ImportFile file, CopyFunction copy)
+    : file_(std::move(file)), copy_(std::move(copy))
+{
+    setAutoDelete(false);
+}
+
+ImportFileCopyRunnable::~ImportFileCopyRunnable()
+{
+    const std::lock_guard<std::mutex> untilRunHasReturned(running_);
+}
+
+void ImportFileCopyRunnable::cancel()
+{
+    cancelled_ = true;
+}
+
+bool ImportFileCopyRunnable::isCancelled() const
+{
+    return cancelled_;
+}
+
+void ImportFileCopyRunnable::run()
+{
+    const std::lock_guard<std::mutex> running(running_);
+    Ending ending = Ending::Finished;
+    try {
+        ending = process();
+    } catch (const std::exception &exception) {
+        qDebug().noquote()
+            << QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
+        ending = failed(QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what())));
+    } catch (...) {
+        qDebug().noquote() << QStringLiteral("未知异常");
+        ending = failed(QStringLiteral("未知异常"));
+    }
+    if (ending == Ending::Cancelled)
+        emit copyCancelled(file_);
+    else
+        emit copyFinished(file_);
+}
+
+ImportFileCopyRunnable::Ending ImportFileCopyRunnable::process()
+{
+    if (isCancelled())
+        return cancelled();
+    const QString problem = sourceProblem();
+    if (!problem.isEmpty())
+        return failed(problem);
+    if (isCancelled())
+        return cancelled();
+    const QString target =
+        platform::toLocalPath(file_.targetFolder) + QLatin1Char('/') + file_.targetName();
+    const QFileInfo existing(target);
+    if ((existing.exists() || existing.isSymLink()) && !platform::mayBeRemoved(target))
+        return failed(QStringLiteral("无法覆盖已存在的文件: %1").arg(target));
+    if (isCancelled())
+        return cancelled();
+    return copyTo(target);
+}
+
+QString ImportFileCopyRunnable::sourceProblem() const
+{
+    const QFileInfo source(file_.sourcePath);
+    if (!source.exists())
+        return QStringLiteral("原文件不存在: %1").arg(file_.sourcePath);
+    if (!source.isFile())
+        return QStringLiteral("路径不是文件: %1").arg(file_.sourcePath);
+    if (!source.isReadable())
+        return QStringLiteral("原文件无法读取: %1").arg(file_.sourcePath);
+    if (source.size() == 0)
+        return QStringLiteral("文件大小为0KB，无法导入");
+    return {};
+}
+
+ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &target)
+{
+    platform::TransferControl control;
+    control.cancelled = [this] { return isCancelled(); };
+    control.progress = [this](qint64 bytes) { bytesCopied_ = bytes; };
+    switch (copy_(file_.sourcePath, target, control)) {
+    case CopyOutcome::Copied:
+        break;
+    case CopyOutcome::Cancelled:
+        return cancelled();
+    case CopyOutcome::Failed:
+        return isCancelled() ? cancelled()
+                             : failed(QStringLiteral("文件拷贝失败(可能是磁盘已满或权限受限)"));
+    case CopyOutcome::Empty:
+        return isCancelled() ? cancelled() : failed(QStringLiteral("文件拷贝后大小为0KB"));
+    case CopyOutcome::SizeDiffers:
+        return failed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
+    }
+
+    // From here on the target holds the whole photo; taking it away again because of a late
+    // cancellation would lose the file that it may have replaced.
+    const QFileInfo copy(target);
+    if (!copy.exists())
+        return failed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
+    if (copy.size() != QFileInfo(file_.sourcePath).size()) {
+        QFile::remove(target);
+        return failed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
+    }
+    file_.state = ImportFile::Imported;
+    file_.message = QStringLiteral("拷贝成功");
+    qDebug().noquote() << QStringLiteral("文件拷贝成功: %1 -> %2").arg(file_.sourcePath, target);
+    return Ending::Finished;
+}
+
+ImportFileCopyRunnable::Ending ImportFileCopyRunnable::cancelled()
+{
+    file_.state = ImportFile::Failed;
+    file_.message = QStringLiteral("任务已取消");
+    return Ending::Cancelled;
+}
+
+ImportFileCopyRunnable::Ending ImportFileCopyRunnable::failed(const QString &message)
+{
+    file_.state = ImportFile::Failed;
+    file_.message = message;
+    return Ending::Finished;
+}
+
+bool ImportFileCopyRunnable::ensureFolder(const QString &folder, QString *error)
+{
+    if (QFileInfo(folder).isDir())
+        return true;
+    if (!QDir().mkpath(folder)) {
+        *error = QStringLiteral("创建目录失败: %1").arg(folder);
+        return false;
+    }
+    if (!QFileInfo(folder).isDir()) {
+        *error = QStringLiteral("目录创建后验证失败: %1").arg(folder);
+        return false;
+    }
+    qDebug().noquote() << QStringLiteral("目录创建成功: %1").arg(folder);
+    return true;
+}

@@ -1,0 +1,584 @@
+#include "fileimport/importfiles.h"
+
+#include "app/helpers/macwindowmanager.h"
+#include "fileimport/filebuttondelegate.h"
+#include "fileimport/importorderpanel.h"
+#include "fileimport/importrequests.h"
+#include "fileimport/importrules.h"
+#include "net/background.h"
+#include "widgets/confirmdialog.h"
+#include "widgets/filedialog.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/messagebox.h"
+#include "widgets/ordersearchbar.h"
+#include "widgets/servicenotice.h"
+#include "widgets/tables.h"
+#include "widgets/theme.h"
+#include "widgets/toast.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int progressIntervalMs = 250;
+constexpr int toastMs = 2000;
+
+QString importingText()
+{
+    return QStringLiteral("导片中...");
+}
+
+} // namespace
+
+ImportFiles::ImportFiles(QWidget *parent)
+    : FramelessWindow(parent)
+    , identity_(orderqueries::Identity::fromAccount())
+    , switchCall_(this)
+    , searchCall_(this)
+    , panel_(new ImportOrderPanel(&orders_))
+    , fileTable_(new EmptyStateTable)
+    , overlay_(new LoadingOverlay(this))
+{
+    qRegisterMetaType<ImportFile>();
+    qRegisterMetaType<ImportOrder>();
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    auto *right = new QWidget;
+    buildRight(right);
+    splitter->addWidget(panel_);
+    splitter->addWidget(right);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    setContent(splitter);
+
+    progressTimer_.setInterval(progressIntervalMs);
+    connect(&progressTimer_, &QTimer::timeout, this, &ImportFiles::refreshProgress);
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool success, const QString &error) {
+                Q_UNUSED(success)
+                if (!error.isEmpty())
+                    Toast::show(this, error, toastMs);
+            });
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        ++choice_;
+        overlay_->hideOverlay();
+    });
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connectPanel();
+    setMode(int(ImportMode::Originals));
+}
+
+ImportFiles::~ImportFiles()
+{
+    // The tables outlive the models they show by a moment.
+    disconnect(panel_, nullptr, this, nullptr);
+}
+
+void ImportFiles::setMode(int mode)
+{
+    mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
+    run_ = std::make_unique<ImportRun>(mode_);
+    connectRun();
+}
+
+void ImportFiles::buildRight(QWidget *right)
+{
+    auto *heading = new QLabel(QStringLiteral("待导入文件列表"));
+    heading->setStyleSheet(theme::headingStyle());
+    fileTable_->setObjectName(QStringLiteral("fileTable"));
+    prepareTable(fileTable_);
+    fileTable_->setModel(&files_);
+    fileTable_->setEmptyText(QStringLiteral("请在左侧选择订单，再选择或拖入要导入的文件"));
+    fileTable_->setMouseTracking(true);
+    auto *buttons = new FileButtonDelegate(fileTable_);
+    fileTable_->setItemDelegateForColumn(ImportFileTableModel::ActionColumn, buttons);
+    fileTable_->setItemDelegateForColumn(ImportFileTableModel::TargetColumn,
+                                         new ElidedTextDelegate(Qt::ElideMiddle, fileTable_));
+    connect(buttons, &FileButtonDelegate::retryClicked, this, &ImportFiles::onRetryImportClicked);
+    auto *retry = new QAction(QStringLiteral("重新导入"), fileTable_);
+    retry->setShortcut(Qt::CTRL + Qt::Key_R);
+    retry->setShortcutContext(Qt::WidgetShortcut);
+    fileTable_->addAction(retry);
+    fileTable_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(retry, &QAction::triggered, this,
+            [this] { onRetryImportClicked(fileTable_->currentIndex().row()); });
+    QHeaderView *header = fileTable_->horizontalHeader();
+    const int width = header->defaultSectionSize();
+    fileTable_->setColumnWidth(ImportFileTableModel::FileNameColumn, 2 * width);
+    fileTable_->setColumnWidth(ImportFileTableModel::StateColumn, 2 * width);
+    header->setStretchLastSection(true);
+
+    auto *layout = new QVBoxLayout(right);
+    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(heading);
+    layout->addWidget(fileTable_, 1);
+}
+
+void ImportFiles::connectPanel()
+{
+    OrderSearchBar *searchBar = panel_->searchBar();
+    connect(searchBar, &OrderSearchBar::searchRequested, this, &ImportFiles::onSearchClick);
+    connect(searchBar, &OrderSearchBar::searchTypeChanged, this, &ImportFiles::onSearchTypeChanged);
+    connect(searchBar, &OrderSearchBar::branchChosen, this, &ImportFiles::onBranchSelectionChanged);
+    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, [this] {
+        searchCall_.cancel();
+        panel_->overlay()->hideOverlay();
+        panel_->searchBar()->setBusy(false);
+    });
+    connect(panel_, &ImportOrderPanel::selectionChanged, this,
+            &ImportFiles::onOrderTableSelectionChanged);
+    connect(panel_, &ImportOrderPanel::orderNumberClicked, this,
+            &ImportFiles::onOrderNumberClicked);
+    connect(panel_, &ImportOrderPanel::actionClicked, this,
+            [this](int row, OrderActionsDelegate::Action action) {
+                if (action == OrderActionsDelegate::SelectFiles)
+                    onSelectFilesClicked(row);
+                else if (action == OrderActionsDelegate::ClearFiles)
+                    onClearFilesClicked(row);
+                else
+                    onOpenDirClicked(row);
+            });
+    connect(panel_, &ImportOrderPanel::registerAgainClicked, this,
+            &ImportFiles::onRegisterAgainClicked);
+    connect(panel_, &ImportOrderPanel::filesDropped, this, &ImportFiles::onFilesDropped);
+    connect(panel_, &ImportOrderPanel::startClicked, this, &ImportFiles::onStartAllClicked);
+}
+
+void ImportFiles::connectRun()
+{
+    const ImportRun *run = run_.get();
+    connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
+    connect(run, &ImportRun::orderStateChanged, this,
+            [this](const QString &orderId, PhotoState state) {
+                orders_.change(orders_.rowOf(orderId),
+                               [state](ImportOrder &order) { order.photoState = state; });
+            });
+    connect(run, &ImportRun::orderStarted, this, [this](const QString &orderId) {
+        if (orders_.hasRow(orders_.rowOf(orderId)))
+            emit startImportFiles(orders_.order(orders_.rowOf(orderId)));
+    });
+    connect(run, &ImportRun::orderRegistered, this, &ImportFiles::onOrderRegistered);
+    connect(run, &ImportRun::orderLeftUnregistered, this, [this](const QString &orderId) {
+        orders_.change(orders_.rowOf(orderId),
+                       [](ImportOrder &order) { order.unregistered = true; });
+    });
+    connect(run, &ImportRun::switchedOff, this, [this] { setImporting(false); });
+    // Boxes wait for their answer; the run must not wait inside its own signal.
+    connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit,
+            Qt::QueuedConnection);
+    connect(
+        run, &ImportRun::mismatchFound, this,
+        [this](const QString &orderId, const QString &notice) {
+            Q_UNUSED(orderId)
+            MessageBox::warning(this, notice, MessageBox::defaultTitle(), QMessageBox::Ok,
+                                Qt::RichText);
+        },
+        Qt::QueuedConnection);
+    connect(
+        run, &ImportRun::allImported, this,
+        [this] { MessageBox::information(this, QStringLiteral("导入完成！")); },
+        Qt::QueuedConnection);
+    connect(run, &ImportRun::tasksEnded, this, [this] {
+        if (isClosingLater())
+            finishClosing();
+    });
+}
+
+void ImportFiles::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        reqShopInfo();
+    }
+}
+
+FramelessWindow::CloseAnswer ImportFiles::closeRequested()
+{
+    searchCall_.cancel();
+    switchCall_.cancel();
+    ++choice_;
+    if (run_->isBusy())
+        stopAllImports();
+    return run_->hasLiveTasks() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+// Branch and order search.
+
+void ImportFiles::reqShopInfo()
+{
+    panel_->searchBar()->setBranches(AccountContext::shopList, identity_.shopId);
+    switchToBranch(identity_.shopId);
+}
+
+void ImportFiles::onBranchSelectionChanged(int index)
+{
+    const QString shopId = panel_->searchBar()->branchId(index);
+    if (run_->isBusy()) {
+        panel_->searchBar()->selectBranch(identity_.shopId);
+        MessageBox::warning(this, importingText());
+        return;
+    }
+    qDebug() << "选择了分店:" << shopId;
+    AccountContext::selectedShopId = shopId;
+    switchToBranch(shopId);
+}
+
+void ImportFiles::switchToBranch(const QString &shopId)
+{
+    searchCall_.cancel(); // what the former branch answers is not wanted any more
+    panel_->searchBar()->setBusy(true);
+    panel_->overlay()->showText(QStringLiteral("正在切换分店..."), false);
+    switchCall_.start(
+        orderqueries::switchShopAction, orderqueries::switchShopBody(shopId),
+        [this, shopId](const ServiceReply &reply) { onBranchSwitched(shopId, reply); });
+}
+
+void ImportFiles::onBranchSwitched(const QString &shopId, const ServiceReply &reply)
+{
+    panel_->searchBar()->setBusy(false);
+    panel_->overlay()->hideOverlay();
+    const orderqueries::ShopSwitch shop = orderqueries::readShopSwitch(reply.object);
+    if (!reply.isSuccess() || shop.employeeId.isEmpty() || shop.superId.isEmpty()) {
+        panel_->searchBar()->selectBranch(identity_.shopId);
+        panel_->setEmptyText(QStringLiteral("分店未切换，请重新选择分店"));
+        showFailure(reply,
+                    reply.isSuccess() ? QStringLiteral("分店信息不完整，请稍后重试") : reply.msg);
+        return;
+    }
+    identity_ = {shopId, shop.superId, shop.employeeId};
+    publicPath_ = shop.importPublicPath;
+    for (const ShopRecord &record : qAsConst(AccountContext::shopList)) {
+        if (publicPath_.isEmpty() && record.id == shopId)
+            publicPath_ = record.importPublicPath;
+    }
+    panel_->searchBar()->selectBranch(shopId);
+    panel_->searchBar()->resetKeyword();
+    reqOrderList();
+}
+
+void ImportFiles::onSearchTypeChanged(int type)
+{
+    Q_UNUSED(type) // the search bar shows the field that the type needs
+}
+
+void ImportFiles::onSearchClick()
+{
+    if (run_->isBusy()) {
+        MessageBox::warning(this, importingText());
+        return;
+    }
+    reqOrderList();
+}
+
+void ImportFiles::reqOrderList()
+{
+    panel_->searchBar()->setBusy(true);
+    panel_->overlay()->showText(QStringLiteral("正在查询订单..."));
+    searchCall_.start(orderqueries::orderListAction,
+                      orderqueries::orderListBody(panel_->searchBar()->search(), identity_),
+                      [this](const ServiceReply &reply) { onOrderList(reply); });
+}
+
+void ImportFiles::onOrderList(const ServiceReply &reply)
+{
+    panel_->searchBar()->setBusy(false);
+    panel_->overlay()->hideOverlay();
+    if (!reply.isSuccess()) {
+        panel_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
+        showFailure(reply, reply.message);
+        return;
+    }
+    const QString nothingFound = QStringLiteral("未检索到订单");
+    panel_->setEmptyText(nothingFound);
+    const importrequests::OrderList list = importrequests::readOrders(reply.object, publicPath_);
+    if (list.isList)
+        showOrders(list.orders);
+    if (list.elements == 0)
+        MessageBox::warning(this, nothingFound);
+    else if (list.orders.isEmpty())
+        Toast::show(this, QStringLiteral("未搜到订单!"), toastMs);
+}
+
+void ImportFiles::showOrders(const QVector<ImportOrder> &orders)
+{
+    panel_->keepPlaceWhile([&] { orders_.setOrders(orders); });
+}
+
+void ImportFiles::showFailure(const ServiceReply &reply, const QString &refusal)
+{
+    showServiceFailure(this, reply, refusal);
+}
+
+// What the rows of the order table do.
+
+const ImportOrder *ImportFiles::shownOrder() const
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    return row >= 0 ? &orders_.order(row) : nullptr;
+}
+
+void ImportFiles::onOrderTableSelectionChanged()
+{
+    const int row = panel_->selectedRow();
+    if (!orders_.hasRow(row)) {
+        shownOrderId_.clear();
+        files_.clear();
+        return;
+    }
+    shownOrderId_ = orders_.order(row).id;
+    files_.setFiles(orders_.order(row).files);
+    emit orderSelectionChanged(orders_.order(row));
+}
+
+void ImportFiles::onOrderNumberClicked(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+    Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+}
+
+bool ImportFiles::mayChoose(int row)
+{
+    if (importing_) {
+        MessageBox::warning(this, importingText());
+        return false;
+    }
+    if (!orders_.hasRow(row))
+        return false;
+    const ImportOrder &order = orders_.order(row);
+    if (order.importPath.isEmpty() && order.importPublicPath.isEmpty()) {
+        MessageBox::information(
+            this, order.displayName() +
+                      QStringLiteral(" 没有设置本地云导片路径, 请在后台设置本地云导片路径！"));
+        return false;
+    }
+    return true;
+}
+
+void ImportFiles::onSelectFilesClicked(int row)
+{
+    if (!mayChoose(row))
+        return;
+    const QStringList paths =
+        FileDialog::openFiles(this, QStringLiteral("选择要导入的文件"),
+                              importrules::dialogFilter(mode_), QStringLiteral("import"));
+    takeFiles(row, paths, false);
+}
+
+void ImportFiles::onFilesDropped(int row, const QStringList &paths)
+{
+    if (mayChoose(row))
+        takeFiles(row, paths, true);
+}
+
+void ImportFiles::takeFiles(int row, const QStringList &paths, bool dropped)
+{
+    if (paths.isEmpty() || !agreesToSharedFolder(row))
+        return;
+    setChosenFiles(row, {});
+    orders_.change(row,
+                   [](ImportOrder &order) { order.importPath = importrules::importPathOf(order); });
+    const ImportOrder &order = orders_.order(row);
+    const ChoiceRequest request{mode_, order.importPath, row, paths, dropped};
+    overlay_->showText(QStringLiteral("正在检查文件..."));
+    inBackground(
+        this, [request] { return prepareChoice(request); },
+        [this, choice = ++choice_, orderId = order.id](const ChoiceResult &result) {
+            if (choice != choice_)
+                return;
+            overlay_->hideOverlay();
+            onChoicePrepared(orderId, result);
+        });
+}
+
+bool ImportFiles::agreesToSharedFolder(int row)
+{
+    const QVector<int> others = importrules::ordersSharingFolder(orders_.orders(), row);
+    if (others.isEmpty())
+        return true;
+    QString text =
+        QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？\n%1\n\n%2")
+            .arg(importrules::importPathOf(orders_.order(row)), orders_.order(row).displayName());
+    for (const int other : others)
+        text += QLatin1Char('\n') + orders_.order(other).displayName();
+    return ConfirmDialog::ask(this, text, ConfirmDialog::Enter::Cancels);
+}
+
+void ImportFiles::onChoicePrepared(const QString &orderId, const ChoiceResult &result)
+{
+    if (!result.folderError.isEmpty()) {
+        MessageBox::warning(this, result.folderError);
+        return;
+    }
+    if (result.ignored > 0)
+        Toast::show(this, QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored), toastMs);
+    const QVector<QStringList> clashes = importrules::sameTargetGroups(result.files);
+    if (!clashes.isEmpty()) {
+        MessageBox::warning(this, importrules::sameTargetNotice(clashes));
+        return;
+    }
+    const int row = orders_.rowOf(orderId);
+    if (row < 0 || result.files.isEmpty())
+        return;
+    if (mode_ == ImportMode::Retouched) {
+        const QStringList unchosen =
+            importrules::unchosenNames(result.files, orders_.order(row).selectedNames);
+        if (!unchosen.isEmpty() &&
+            !ConfirmDialog::ask(this, importrules::unchosenQuestion(unchosen)))
+            return;
+    }
+    setChosenFiles(row, result.files);
+}
+
+void ImportFiles::setChosenFiles(int row, const QVector<ImportFile> &files)
+{
+    orders_.change(row, [&files](ImportOrder &order) {
+        order.files = files;
+        order.everChosen = true;
+        order.unregistered = false;
+        order.photoState = files.isEmpty() ? PhotoState::NotChosen : PhotoState::Chosen;
+    });
+    if (orders_.order(row).id == shownOrderId_)
+        files_.setFiles(files);
+}
+
+void ImportFiles::onClearFilesClicked(int row)
+{
+    if (importing_) {
+        MessageBox::warning(this, importingText());
+        return;
+    }
+    if (!orders_.hasRow(row))
+        return;
+    setChosenFiles(row, {});
+    qDebug() << "订单" << orders_.order(row).displayNumber() << "已清空文件";
+}
+
+void ImportFiles::onOpenDirClicked(int row)
+{
+    if (orders_.hasRow(row) && !orders_.order(row).importPath.isEmpty())
+        folderOpener_.open(orders_.order(row).importPath);
+}
+
+// The import.
+
+void ImportFiles::onStartAllClicked()
+{
+    importing_ = !importing_;
+    if (!importing_) {
+        stopAllImports();
+        setImporting(false);
+        return;
+    }
+    // When there is nothing to start the flag stays on until the button is pressed again.
+    const QString title = QStringLiteral("提示");
+    if (orders_.orders().isEmpty()) {
+        MessageBox::warning(this, QStringLiteral("没有订单可导入"), title);
+        return;
+    }
+    if (!run_->start(orders_.orders(), identity_)) {
+        MessageBox::warning(this, QStringLiteral("请先为订单选择要导入的文件"), title);
+        return;
+    }
+    // A reply that comes now must not replace the orders under the run.
+    switchCall_.cancel();
+    searchCall_.cancel();
+    panel_->overlay()->hideOverlay();
+    panel_->searchBar()->setBusy(false);
+    panel_->searchBar()->selectBranch(identity_.shopId);
+    emit startImportAllFiles(orders_.orders().toList());
+    setImporting(true);
+}
+
+void ImportFiles::stopAllImports()
+{
+    run_->stopAllImports();
+}
+
+void ImportFiles::setImporting(bool importing)
+{
+    importing_ = importing;
+    panel_->setRunning(importing);
+    if (importing) {
+        rate_.clear();
+        clock_.start();
+        progressTimer_.start();
+        refreshProgress();
+    } else {
+        progressTimer_.stop();
+        panel_->hideProgress();
+    }
+}
+
+void ImportFiles::refreshProgress()
+{
+    const ImportProgress progress = run_->progress();
+    rate_.add(clock_.elapsed(), progress.bytesDone);
+    panel_->showProgress(progress, rate_);
+}
+
+void ImportFiles::onFileChanged(const QString &orderId, const ImportFile &file)
+{
+    const int position = orders_.applyFile(orders_.rowOf(orderId), file);
+    if (orderId == shownOrderId_)
+        files_.updateRow(position, file.state, file.message);
+}
+
+void ImportFiles::onRetryImportClicked(int row)
+{
+    const ImportOrder *order = shownOrder();
+    if (order && row >= 0 && row < order->files.size() &&
+        order->files.at(row).state == ImportFile::Failed)
+        run_->retry(*order, row, identity_);
+}
+
+void ImportFiles::onRegisterAgainClicked(int row)
+{
+    if (orders_.hasRow(row) && orders_.order(row).unregistered)
+        run_->registerAgain(orders_.order(row), identity_);
+}
+
+void ImportFiles::askForResubmit(const QString &orderId, const QString &question,
+                                 const QString &certificateError)
+{
+    if (!certificateError.isEmpty())
+        showCertificateRefused(this, certificateError);
+    const auto answer = MessageBox::warning(this, question, MessageBox::defaultTitle(),
+                                            QMessageBox::Yes | QMessageBox::Cancel);
+    run_->answerResubmit(orderId, answer == QMessageBox::Yes);
+}
+
+void ImportFiles::onOrderRegistered(const QString &orderId, const RegistrationResult &result)
+{
+    orders_.change(orders_.rowOf(orderId), [this, &result](ImportOrder &order) {
+        order.unregistered = false;
+        if (mode_ == ImportMode::Retouched) {
+            order.numberJingxiu = result.images;
+            return;
+        }
+        order.numberYuanpian = result.images;
+        order.numberYuanshidang = result.rawImages;
+    });
+}
+
+void ImportFiles::upImportPhotoInfo(const ImportOrder &order, const ImportFile &file)
+{
+    callService(this, importrequests::photoAction,
+                importrequests::photoBody(mode_, order, file, identity_),
+                [](const ServiceReply &reply) {
+                    if (!reply.isSuccess())
+                        qDebug() << "照片路径提交失败:" << reply.message;
+                });
+}

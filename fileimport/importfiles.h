@@ -1,0 +1,114 @@
+#pragma once
+
+#include "app/helpers/sharedfolderopener.h"
+#include "fileimport/filechoice.h"
+#include "fileimport/importfiletablemodel.h"
+#include "fileimport/importordertablemodel.h"
+#include "fileimport/importrecords.h"
+#include "fileimport/importrun.h"
+#include "net/orderqueries.h"
+#include "net/servicecall.h"
+#include "widgets/framelesswindow.h"
+
+#include <QElapsedTimer>
+#include <QList>
+#include <QTimer>
+
+#include <memory>
+
+class EmptyStateTable;
+class ImportOrderPanel;
+class LoadingOverlay;
+
+/// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
+/// search orders, choose files for them, copy the files into the orders' folders and register them
+/// with the service. What it decides lives in importrules, importrequests and ImportRun.
+class ImportFiles : public FramelessWindow
+{
+    Q_OBJECT
+
+public:
+    explicit ImportFiles(QWidget *parent = nullptr);
+    ~ImportFiles() override;
+
+    /// 0 originals, 1 retouched photos; before the window is shown.
+    void setMode(int mode);
+
+signals:
+    void orderSelectionChanged(const ImportOrder &order);
+    void startImportFiles(const ImportOrder &order);
+    void startImportAllFiles(const QList<ImportOrder> &orders);
+
+public slots:
+    void reqShopInfo();
+    void reqOrderList();
+    void onSearchClick();
+    void onBranchSelectionChanged(int index);
+    void onSearchTypeChanged(int type);
+    void onOrderTableSelectionChanged();
+    // Rows are positions in the list of orders.
+    void onOrderNumberClicked(int row);
+    void onSelectFilesClicked(int row);
+    void onClearFilesClicked(int row);
+    void onOpenDirClicked(int row);
+    void onFilesDropped(int row, const QStringList &paths);
+    /// \a row is a row of the file table.
+    void onRetryImportClicked(int row);
+    void onStartAllClicked();
+    /// Registers one photo by itself; an import registers whole orders instead.
+    void upImportPhotoInfo(const ImportOrder &order, const ImportFile &file);
+    void stopAllImports();
+
+protected:
+    CloseAnswer closeRequested() override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void buildRight(QWidget *right);
+    void connectPanel();
+    void connectRun();
+
+    void switchToBranch(const QString &shopId);
+    void onBranchSwitched(const QString &shopId, const ServiceReply &reply);
+    void onOrderList(const ServiceReply &reply);
+    void showOrders(const QVector<ImportOrder> &orders);
+    /// Tells what a failed call means for the user. \a refusal is the service's own text.
+    void showFailure(const ServiceReply &reply, const QString &refusal);
+
+    bool mayChoose(int row);
+    void takeFiles(int row, const QStringList &paths, bool dropped);
+    bool agreesToSharedFolder(int row);
+    void onChoicePrepared(const QString &orderId, const ChoiceResult &result);
+    void setChosenFiles(int row, const QVector<ImportFile> &files);
+
+    void onFileChanged(const QString &orderId, const ImportFile &file);
+    void askForResubmit(const QString &orderId, const QString &question,
+                        const QString &certificateError);
+    void onOrderRegistered(const QString &orderId, const RegistrationResult &result);
+    void onRegisterAgainClicked(int row);
+    void setImporting(bool importing);
+    void refreshProgress();
+    const ImportOrder *shownOrder() const;
+
+    ImportMode mode_ = ImportMode::Originals;
+    orderqueries::Identity identity_;
+    QString publicPath_; ///< public import root of the branch
+    bool importing_ = false;
+    bool opened_ = false;
+    QString shownOrderId_;
+    int choice_ = 0; ///< number of the choice being prepared; a cancelled one is no longer it
+
+    ImportOrderTableModel orders_;
+    ImportFileTableModel files_;
+    LatestCall switchCall_;
+    LatestCall searchCall_;
+    std::unique_ptr<ImportRun> run_;
+    SharedFolderOpener folderOpener_;
+    QTimer progressTimer_;
+    QElapsedTimer clock_;
+    TransferRate rate_;
+
+    ImportOrderPanel *panel_;
+    EmptyStateTable *fileTable_;
+    LoadingOverlay *overlay_;
+};

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "fileimport/importprogress.h"
+#include "fileimport/orderactionsdelegate.h"
+
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+
+class ImportOrderTableModel;
+class LoadingOverlay;
+class OrderSearchBar;
+class OrderTableView;
+class QAction;
+class QLabel;
+class QModelIndex;
+class QProgressBar;
+class QPushButton;
+class QSortFilterProxyModel;
+
+/// The left half of the import window: search bar, order table, progress and the start button. It
+/// decides nothing. All rows in its signals are positions in the model's list, however the table is
+/// sorted.
+class ImportOrderPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent = nullptr);
+
+    OrderSearchBar *searchBar() const { return searchBar_; }
+    /// Covers the table alone, so that the search bar stays usable.
+    LoadingOverlay *overlay() const { return overlay_; }
+    void setEmptyText(const QString &text);
+
+    /// Position of the selected order; -1 without one.
+    int selectedRow() const;
+    /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
+    void keepPlaceWhile(const std::function<void()> &change);
+
+    /// Whether the start button stops instead.
+    void setRunning(bool running);
+    void showProgress(const ImportProgress &progress, const TransferRate &rate);
+    void hideProgress();
+
+signals:
+    void selectionChanged();
+    void orderNumberClicked(int row);
+    void actionClicked(int row, OrderActionsDelegate::Action action);
+    void registerAgainClicked(int row);
+    void filesDropped(int row, const QStringList &paths);
+    void startClicked();
+
+private:
+    void buildTable();
+    void buildLayout();
+    void addActions();
+    void addRowAction(const QString &text, const QKeySequence &shortcut,
+                      std::function<void(int row)> act);
+    void showContextMenu(const QPoint &position);
+    void fitColumnsOnce();
+    int sourceRow(int viewRow) const;
+
+    ImportOrderTableModel *model_;
+    QSortFilterProxyModel *proxy_;
+    OrderSearchBar *searchBar_;
+    OrderTableView *table_;
+    LoadingOverlay *overlay_;
+    QLabel *progressLabel_;
+    QProgressBar *progressBar_;
+    QPushButton *startButton_;
+    QAction *registerAgain_ = nullptr;
+    bool columnsFit_ = false;
+};

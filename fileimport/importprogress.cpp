@@ -1,0 +1,68 @@
+#include "fileimport/importprogress.h"
+
+#include <QLocale>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qint64 rateWindowMs = 5000;
+
+QString dataSize(double bytes)
+{
+    static const QLocale plain = QLocale::c();
+    return plain.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeTraditionalFormat);
+}
+
+QString clockText(qint64 seconds)
+{
+    constexpr qint64 hour = 3600;
+    constexpr qint64 minute = 60;
+    const QString tail = QStringLiteral("%1:%2")
+                             .arg(seconds % hour / minute, 2, 10, QLatin1Char('0'))
+                             .arg(seconds % minute, 2, 10, QLatin1Char('0'));
+    return seconds < hour ? tail : QStringLiteral("%1:%2").arg(seconds / hour).arg(tail);
+}
+
+} // namespace
+
+void TransferRate::add(qint64 ms, qint64 bytesDone)
+{
+    if (!samples_.empty() && bytesDone < samples_.back().bytes)
+        samples_.clear(); // a file that failed takes its bytes back
+    samples_.push_back({ms, bytesDone});
+    while (samples_.size() > 2 && samples_.at(1).ms <= ms - rateWindowMs)
+        samples_.pop_front();
+}
+
+void TransferRate::clear()
+{
+    samples_.clear();
+}
+
+double TransferRate::bytesPerSecond() const
+{
+    if (samples_.size() < 2 || samples_.back().ms == samples_.front().ms)
+        return 0;
+    return double(samples_.back().bytes - samples_.front().bytes) * 1000.0 /
+           double(samples_.back().ms - samples_.front().ms);
+}
+
+qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
+{
+    const double rate = bytesPerSecond();
+    return rate > 0 ? qint64(double(std::max<qint64>(bytesLeft, 0)) / rate + 0.5) : -1;
+}
+
+QString progressText(const ImportProgress &progress, const TransferRate &rate)
+{
+    QString text = QStringLiteral("文件 %1/%2 · %3 / %4 · %5/s")
+                       .arg(progress.filesDone)
+                       .arg(progress.filesTotal)
+                       .arg(dataSize(double(progress.bytesDone)),
+                            dataSize(double(progress.bytesTotal)), dataSize(rate.bytesPerSecond()));
+    const qint64 left = rate.secondsLeft(progress.bytesTotal - progress.bytesDone);
+    if (left >= 0)
+        text += QStringLiteral(" · 剩余 ") + clockText(left);
+    return text;
+}

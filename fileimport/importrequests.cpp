@@ -1,0 +1,193 @@
+#include "fileimport/importrequests.h"
+
+#include "net/formbody.h"
+#include "net/replyfields.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QSet>
+
+namespace importrequests {
+
+namespace {
+
+QString namesAsJson(const QVector<FolderEntry> &entries)
+{
+    QJsonArray array;
+    for (const FolderEntry &entry : entries) {
+        array.append(QJsonObject{{QStringLiteral("name"), entry.name},
+                                 {QStringLiteral("size"), entry.size}});
+    }
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+}
+
+ImportOrder readOrder(const QJsonObject &element)
+{
+    const auto text = [&element](const char *key) {
+        return reply::text(element, QString::fromLatin1(key));
+    };
+    const auto count = [&element](const char *key) {
+        return reply::number(element, QString::fromLatin1(key));
+    };
+    ImportOrder order;
+    static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element);
+    order.comboName = text("comboname");
+    order.sampleDate = text("sampledate");
+    order.orderPrice = text("order_price");
+    order.role1Name = text("role1name");
+    order.role2Name = text("role2name");
+    if (order.role1Name.isEmpty())
+        order.role1Name = order.role1;
+    if (order.role2Name.isEmpty())
+        order.role2Name = order.role2;
+    order.numberYuanshidang = count("number_yuanshidang");
+    order.numberYuanpian = count("number_yuanpian");
+    order.numberJingxiu = count("number_jingxiu");
+    for (const orderqueries::PhotoEntry &photo : qAsConst(order.images))
+        order.selectedNames.append(photo.imgName);
+    order.importPath = order.netPath;
+    return order;
+}
+
+/// What is in one list and not in the other, either way.
+QStringList difference(const QStringList &local, const QStringList &server)
+{
+    const QSet<QString> known(server.cbegin(), server.cend());
+    const QSet<QString> announced(local.cbegin(), local.cend());
+    QStringList differing;
+    for (const QString &name : local) {
+        if (!known.contains(name))
+            differing.append(name);
+    }
+    for (const QString &name : server) {
+        if (!announced.contains(name))
+            differing.append(name);
+    }
+    return differing;
+}
+
+QString noticeSection(const QString &heading, const QStringList &names)
+{
+    if (names.isEmpty())
+        return {};
+    return heading + QStringLiteral("<br/><span style=\"font-size: 23px; color: #FF0000;\">") +
+           names.join(QStringLiteral(", ")).toHtmlEscaped() + QStringLiteral("</span>");
+}
+
+} // namespace
+
+OrderList readOrders(const QJsonObject &reply, const QString &publicPath)
+{
+    const QJsonValue data = reply.value(QLatin1String("data"));
+    OrderList list{data.isArray(), data.toArray().size(), {}};
+    const QString openypml = reply::text(reply, QStringLiteral("openypml"));
+    const QString delyp = reply::text(reply, QStringLiteral("delyp"));
+    QSet<QString> ids;
+    for (const QJsonObject &element : reply::objects(reply, QStringLiteral("data"))) {
+        ImportOrder order = readOrder(element);
+        if (order.id.isEmpty() || ids.contains(order.id))
+            continue;
+        ids.insert(order.id);
+        order.openypml = openypml;
+        order.delyp = delyp;
+        order.importPublicPath = publicPath;
+        order.rowIndex = list.orders.size();
+        list.orders.append(order);
+    }
+    return list;
+}
+
+QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderContents &contents,
+                     const orderqueries::Identity &identity)
+{
+    FormBody body;
+    body.add(QStringLiteral("shopid"), identity.shopId)
+        .add(QStringLiteral("imgnames"), namesAsJson(contents.images));
+    if (mode == ImportMode::Retouched) {
+        body.add(QStringLiteral("type"), QStringLiteral("5"));
+    } else {
+        body.add(QStringLiteral("rawimgnames"), namesAsJson(contents.rawImages))
+            .add(QStringLiteral("type"), QStringLiteral("1"));
+    }
+    return body.add(QStringLiteral("order_photo_id"), order.orderPhotoId)
+        .add(QStringLiteral("eid"), identity.employeeId)
+        .add(QStringLiteral("superid"), identity.superId)
+        .add(QStringLiteral("personid"), identity.employeeId)
+        .add(QStringLiteral("person_id"), identity.employeeId)
+        .add(QStringLiteral("orderid"), order.id)
+        .add(QStringLiteral("localpath"), order.importPath)
+        .bytes();
+}
+
+static QByteArray withAccount(FormBody body, const orderqueries::Identity &identity)
+{
+    return body.add(QStringLiteral("shopid"), identity.shopId)
+        .add(QStringLiteral("eid"), identity.employeeId)
+        .add(QStringLiteral("superid"), identity.superId)
+        .add(QStringLiteral("personid"), identity.employeeId)
+        .bytes();
+}
+
+QByteArray orderPathBody(const ImportOrder &order, const orderqueries::Identity &identity)
+{
+    FormBody body;
+    body.add(QStringLiteral("order_photo_id"), order.orderPhotoId)
+        .add(QStringLiteral("person_id"), identity.employeeId)
+        .add(QStringLiteral("path"), order.importPath);
+    return withAccount(body, identity);
+}
+
+QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile &file,
+                     const orderqueries::Identity &identity)
+{
+    static const QStringList photoSuffixes = {QStringLiteral("jpg"), QStringLiteral("JPG"),
+                                              QStringLiteral("jpeg"), QStringLiteral("JPEG")};
+    QString type = QStringLiteral("5");
+    if (mode == ImportMode::Originals)
+        type = photoSuffixes.contains(file.suffix) ? QStringLiteral("2") : QStringLiteral("1");
+    FormBody body;
+    body.add(QStringLiteral("order_photo_id"), order.orderPhotoId)
+        .add(QStringLiteral("person_id"), identity.employeeId)
+        .add(QStringLiteral("size"), QString::number(file.size))
+        .add(QStringLiteral("path"), joinWirePath(file.targetFolder, file.targetName()))
+        .add(QStringLiteral("type"), type);
+    return withAccount(body, identity);
+}
+
+BatchReply readBatchReply(const QJsonObject &reply)
+{
+    const auto names = [&reply](const char *key) {
+        return reply::texts(reply, QString::fromLatin1(key), QStringLiteral("name"));
+    };
+    return {names("local_imgnames"), names("server_imgnames"), names("local_rawimgnames"),
+            names("server_rawimgnames")};
+}
+
+QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
+{
+    const QStringList images = difference(reply.localImages, reply.serverImages);
+    const QStringList rawImages = mode == ImportMode::Originals
+                                      ? difference(reply.localRawImages, reply.serverRawImages)
+                                      : QStringList();
+    if (images.isEmpty() && rawImages.isEmpty())
+        return {};
+
+    const QString title =
+        QStringLiteral("<span style=\"font-size: 26px; font-weight: 600; color: #000; \"> 订单: ") +
+        (order.orderPayForKey + QLatin1Char('-') + order.serviceTimes).toHtmlEscaped();
+    if (mode == ImportMode::Retouched) {
+        return title +
+               noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: "
+                                            "550 \">以下精修照片需要重新导入:</span>"),
+                             images);
+    }
+    return title +
+           noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
+                                        "\">以下原片需要重新导入:</span>"),
+                         images) +
+           noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
+                                        "\">以下原始档需要重新导入:</span>"),
+                         rawImages);
+}
+
+} // namespace importrequests

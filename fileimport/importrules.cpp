@@ -1,0 +1,148 @@
+#include "fileimport/importrules.h"
+
+#include "net/paths.h"
+
+#include <QDir>
+#include <QHash>
+#include <QSet>
+
+namespace importrules {
+
+namespace {
+
+const QString originalsFolder = QStringLiteral("原片");
+const QString rawFolder = QStringLiteral("原始档");
+const QString retouchedFolder = QStringLiteral("精修片");
+
+/// Paths that name one folder on a Windows share compare equal.
+QString folderKey(const QString &wirePath)
+{
+    QString key = wirePath;
+    key.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    while (key.endsWith(QLatin1Char('\\')))
+        key.chop(1);
+    return key.toCaseFolded();
+}
+
+} // namespace
+
+QString dialogFilter(ImportMode mode)
+{
+    if (mode == ImportMode::Retouched)
+        return QStringLiteral("图片文件 (*.jpg *.jpeg);;所有文件 (*.*)");
+    return QStringLiteral(
+        "图片文件 (*.jpg *.jpeg *raw *.cr2 *.cr3 *.nef *.arw *.raf);;所有文件 (*.*)");
+}
+
+bool takesDropped(ImportMode mode, const QString &fileName)
+{
+    const QString filter = dialogFilter(mode).section(QStringLiteral(";;"), 0, 0);
+    const int open = filter.indexOf(QLatin1Char('('));
+    const QString patterns = filter.mid(open + 1, filter.indexOf(QLatin1Char(')')) - open - 1);
+    return QDir::match(patterns.split(QLatin1Char(' ')), fileName);
+}
+
+QStringList subFolders(ImportMode mode)
+{
+    if (mode == ImportMode::Retouched)
+        return {retouchedFolder};
+    return {originalsFolder, rawFolder};
+}
+
+QString subFolderFor(ImportMode mode, const QString &suffix)
+{
+    if (mode == ImportMode::Retouched)
+        return retouchedFolder;
+    static const QStringList photoSuffixes = {QStringLiteral("jpg"), QStringLiteral("JPG"),
+                                              QStringLiteral("jpeg"), QStringLiteral("JPGE")};
+    return photoSuffixes.contains(suffix) ? originalsFolder : rawFolder;
+}
+
+QStringList announcedPatterns(const QString &subFolder)
+{
+    if (subFolder == rawFolder) {
+        return {QStringLiteral("*.raw"), QStringLiteral("*.cr2"), QStringLiteral("*.cr3"),
+                QStringLiteral("*.nef"), QStringLiteral("*.arw"), QStringLiteral("*.raf")};
+    }
+    return {QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
+            QStringLiteral("*.JPEG")};
+}
+
+QString importPathOf(const ImportOrder &order)
+{
+    return composeImportPath({
+        {QStringLiteral("importPath"), order.importPath},
+        {QStringLiteral("importPublicPath"), order.importPublicPath},
+        {QStringLiteral("shotdate_year"), order.shotDate.year},
+        {QStringLiteral("shotdate_month"), order.shotDate.month},
+        {QStringLiteral("shotdate_day"), order.shotDate.day},
+        {QStringLiteral("orderNumber"), order.orderPayForKey},
+        {QStringLiteral("photoNum"), order.serviceTimes},
+        {QStringLiteral("mname"), order.mname},
+        {QStringLiteral("wname"), order.wname},
+    });
+}
+
+QStringList unchosenNames(const QVector<ImportFile> &files, const QStringList &chosenNames)
+{
+    const QSet<QString> chosen(chosenNames.cbegin(), chosenNames.cend());
+    QStringList unchosen;
+    for (const ImportFile &file : files) {
+        if (!chosen.contains(file.baseName + QLatin1Char('.') + file.suffix.toLower()))
+            unchosen.append(file.fileName());
+    }
+    return unchosen;
+}
+
+QString unchosenQuestion(const QStringList &names)
+{
+    QString question =
+        QStringLiteral("要上传的精修照片与客人选中的照片名不一致，确认要继续上传吗？\n"
+                       "下列是不一致的照片：");
+    for (const QString &name : names)
+        question += QLatin1Char('\n') + name;
+    return question;
+}
+
+QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)
+{
+    QHash<QString, QStringList> sources;
+    QStringList targetsInOrder;
+    for (const ImportFile &file : files) {
+        const QString target = folderKey(joinWirePath(file.targetFolder, file.targetName()));
+        QStringList &group = sources[target];
+        if (group.isEmpty())
+            targetsInOrder.append(target);
+        group.append(file.sourcePath);
+    }
+    QVector<QStringList> groups;
+    for (const QString &target : qAsConst(targetsInOrder)) {
+        if (sources.value(target).size() > 1)
+            groups.append(sources.value(target));
+    }
+    return groups;
+}
+
+QString sameTargetNotice(const QVector<QStringList> &groups)
+{
+    QString notice =
+        QStringLiteral("下列文件导入后文件名相同，会互相覆盖。请去掉多余的文件后重新选择：");
+    for (const QStringList &group : groups)
+        notice += QStringLiteral("\n\n") + group.join(QLatin1Char('\n'));
+    return notice;
+}
+
+QVector<int> ordersSharingFolder(const QVector<ImportOrder> &orders, int index)
+{
+    const QString folder = folderKey(importPathOf(orders.at(index)));
+    QVector<int> sharing;
+    for (int other = 0; other < orders.size(); ++other) {
+        const ImportOrder &order = orders.at(other);
+        const bool hasFolder = !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
+        if (other != index && hasFolder && folderKey(importPathOf(order)) == folder)
+            sharing.append(other);
+    }
+    return sharing;
+}
+
+} // namespace importrules

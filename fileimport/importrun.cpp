@@ -1,0 +1,389 @@
+#include "fileimport/importrun.h"
+
+#include "fileimport/importfilecopyrunnable.h"
+#include "fileimport/importrequests.h"
+#include "net/servicecall.h"
+
+#include <QDebug>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int filesAtOnce = 4;
+/// Tasks given to the pool ahead of time: its threads never idle while the interface is busy, and
+/// an order of thousands of files does not become thousands of objects.
+constexpr int tasksAhead = 2 * filesAtOnce;
+constexpr int stopPatienceMs = 5000;
+
+} // namespace
+
+ImportRun::ImportRun(ImportMode mode, QObject *parent) : QObject(parent), mode_(mode)
+{
+    pool_.setObjectName(QStringLiteral("import-copy"));
+    pool_.setMaxThreadCount(filesAtOnce);
+    stopTimer_.setSingleShot(true);
+    stopTimer_.setInterval(stopPatienceMs);
+    connect(&stopTimer_, &QTimer::timeout, this,
+            [] { qDebug() << "部分任务未能在超时时间内完成"; });
+}
+
+ImportRun::~ImportRun()
+{
+    for (const Task &task : qAsConst(tasks_))
+        task.runnable->cancel();
+    pool_.clear();
+    pool_.waitForDone();
+    for (const Task &task : qAsConst(tasks_))
+        delete task.runnable;
+}
+
+bool ImportRun::start(const QVector<ImportOrder> &orders, const orderqueries::Identity &identity)
+{
+    if (isRunning())
+        return false;
+    for (const ImportOrder &order : orders) {
+        if (!order.hasUnfinishedFile())
+            continue;
+        sequence_.append(order.id);
+        orders_.insert(order.id, order);
+    }
+    if (sequence_.isEmpty())
+        return false;
+    identity_ = identity;
+    current_.clear();
+    startNextOrder();
+    return true;
+}
+
+void ImportRun::startNextOrder()
+{
+    const int from = current_.isEmpty() ? 0 : sequence_.indexOf(current_) + 1;
+    for (int index = from; index < sequence_.size(); ++index) {
+        if (orders_.value(sequence_.at(index)).hasUnfinishedFile()) {
+            startOrder(sequence_.at(index));
+            return;
+        }
+        qDebug() << "检测下一个订单文件的数量";
+    }
+    switchOff();
+    emit allImported();
+}
+
+void ImportRun::startOrder(const QString &orderId)
+{
+    current_ = orderId;
+    pending_.clear();
+    ImportOrder &order = orders_[orderId];
+    order.unregistered = false;
+    for (int index = order.files.size() - 1; index >= 0; --index) {
+        ImportFile &file = order.files[index];
+        if (file.state == ImportFile::Imported)
+            continue;
+        if (file.state != ImportFile::Waiting) {
+            file.state = ImportFile::Waiting;
+            file.message.clear();
+            emit fileChanged(orderId, file);
+        }
+        if (!isLive(orderId, file.sourcePath))
+            pending_.append(index);
+    }
+    emit orderStarted(orderId);
+    updateOrderState(orderId);
+    feedPool();
+}
+
+void ImportRun::feedPool()
+{
+    while (!pending_.isEmpty() && tasks_.size() < tasksAhead)
+        startTask(current_, pending_.takeLast());
+}
+
+void ImportRun::startTask(const QString &orderId, int fileIndex)
+{
+    auto *runnable = new ImportFileCopyRunnable(orders_.value(orderId).files.at(fileIndex));
+    connect(
+        runnable, &ImportFileCopyRunnable::copyFinished, this,
+        [this, runnable](const ImportFile &file) { onFileCopyFinished(runnable, file); },
+        Qt::QueuedConnection);
+    connect(
+        runnable, &ImportFileCopyRunnable::copyCancelled, this,
+        [this, runnable](const ImportFile &file) { onFileCopyCancelled(runnable, file); },
+        Qt::QueuedConnection);
+    tasks_.append({runnable, orderId, false});
+    pool_.start(runnable);
+}
+
+ImportRun::Task ImportRun::takeTask(ImportFileCopyRunnable *runnable)
+{
+    const auto found = std::find_if(tasks_.begin(), tasks_.end(), [runnable](const Task &task) {
+        return task.runnable == runnable;
+    });
+    Q_ASSERT(found != tasks_.end()); // a task is in the list until its one signal has come
+    const Task task = *found;
+    tasks_.erase(found);
+    delete runnable;
+    return task;
+}
+
+void ImportRun::onFileCopyFinished(ImportFileCopyRunnable *runnable, const ImportFile &file)
+{
+    const Task task = takeTask(runnable);
+    qDebug().noquote() << QStringLiteral("文件拷贝完成: %1, 状态: %2, 信息: %3")
+                              .arg(file.sourcePath,
+                                   file.state == ImportFile::Imported ? QStringLiteral("成功")
+                                                                      : QStringLiteral("失败"),
+                                   file.message);
+    if (!task.abandoned) {
+        storeResult(task.orderId, file);
+        afterResult(task.orderId, file);
+    } else if (!isCurrent(task.orderId) && !isLive(task.orderId, file.sourcePath)) {
+        // Otherwise the file was started anew, and the new attempt speaks for it.
+        storeResult(task.orderId, file);
+        updateOrderState(task.orderId);
+    }
+    afterLastTask();
+}
+
+void ImportRun::onFileCopyCancelled(ImportFileCopyRunnable *runnable, const ImportFile &file)
+{
+    onFileCopyFinished(runnable, file);
+}
+
+void ImportRun::afterLastTask()
+{
+    if (!tasks_.isEmpty())
+        return;
+    if (stopTimer_.isActive()) {
+        stopTimer_.stop();
+        qDebug() << "所有导入任务已停止";
+    }
+    emit tasksEnded();
+}
+
+void ImportRun::storeResult(const QString &orderId, const ImportFile &file)
+{
+    for (ImportFile &own : orders_[orderId].files) {
+        if (own.sourcePath == file.sourcePath) {
+            own.state = file.state;
+            own.message = file.message;
+            break;
+        }
+    }
+    emit fileChanged(orderId, file);
+}
+
+void ImportRun::afterResult(const QString &orderId, const ImportFile &file)
+{
+    const ImportOrder order = orders_.value(orderId);
+    if (file.state == ImportFile::Imported && file.fileIndex == 0)
+        upImportOrderPath(order);
+    if (isCurrent(orderId))
+        feedPool();
+    updateOrderState(orderId);
+    if (order.countOf(ImportFile::Waiting) == 0 && !isCopying(orderId))
+        importNextOrder(orderId);
+}
+
+void ImportRun::upImportOrderPath(const ImportOrder &order)
+{
+    // Nothing hangs on the answer: the batch registration at the end names the folder again.
+    callService(this, importrequests::orderPathAction,
+                importrequests::orderPathBody(order, identity_), [](const ServiceReply &reply) {
+                    if (!reply.isSuccess())
+                        qDebug() << "导片路径提交失败:" << reply.message;
+                });
+}
+
+void ImportRun::importNextOrder(const QString &orderId)
+{
+    const ImportOrder order = orders_.value(orderId);
+    qDebug() << "获取导的文件数量是：" << order.files.size() << " -- " << order.rowIndex;
+    dropRegistration(orderId);
+    auto *registration = new OrderRegistration(mode_, order, identity_, this);
+    registrations_.insert(orderId, registration);
+    connect(registration, &OrderRegistration::registered, this,
+            [this, orderId](const RegistrationResult &result) { onRegistered(orderId, result); });
+    connect(registration, &OrderRegistration::failed, this,
+            [this, orderId](const QString &question, const QString &certificateError) {
+                emit resubmitNeeded(orderId, question, certificateError);
+            });
+    registration->start();
+}
+
+void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &result)
+{
+    const ImportOrder order = orders_.value(orderId);
+    dropRegistration(orderId);
+    orders_[orderId].unregistered = false;
+    updateOrderState(orderId);
+    const bool inRun = isCurrent(orderId);
+    const QString notice = importrequests::mismatchNotice(mode_, order, result.reply);
+    emit orderRegistered(orderId, result);
+    if (!notice.isEmpty()) {
+        if (inRun)
+            switchOff();
+        emit mismatchFound(orderId, notice);
+        return;
+    }
+    // A file of the order that is being retried meanwhile registers the order again when it is
+    // done.
+    if (inRun)
+        startNextOrder();
+}
+
+void ImportRun::dropRegistration(const QString &orderId)
+{
+    if (OrderRegistration *registration = registrations_.take(orderId))
+        registration->deleteLater();
+}
+
+void ImportRun::leaveUnregistered(const QString &orderId)
+{
+    dropRegistration(orderId);
+    orders_[orderId].unregistered = true;
+    emit orderLeftUnregistered(orderId);
+    updateOrderState(orderId);
+}
+
+void ImportRun::answerResubmit(const QString &orderId, bool again)
+{
+    OrderRegistration *registration = registrations_.value(orderId);
+    if (!registration)
+        return; // stopped while the question stood
+    if (again) {
+        registration->start();
+        return;
+    }
+    leaveUnregistered(orderId);
+    stopAllImports();
+}
+
+void ImportRun::stopAllImports()
+{
+    qDebug().noquote() << QStringLiteral("停止所有导入任务，当前任务数: %1").arg(tasks_.size());
+    const QString stopped = current_;
+    pending_.clear();
+    QVector<Task> running;
+    for (const Task &task : qAsConst(tasks_)) {
+        if (pool_.tryTake(task.runnable)) {
+            delete task.runnable; // never started: its file keeps waiting
+            continue;
+        }
+        task.runnable->cancel();
+        running.append({task.runnable, task.orderId, true});
+    }
+    const bool hadTasks = !tasks_.isEmpty();
+    tasks_ = running;
+    const QStringList registering = registrations_.keys();
+    for (const QString &orderId : registering)
+        leaveUnregistered(orderId);
+    switchOff();
+    if (!stopped.isEmpty())
+        updateOrderState(stopped);
+    if (!tasks_.isEmpty()) {
+        stopTimer_.start();
+    } else {
+        qDebug() << "所有导入任务已停止";
+        if (hadTasks)
+            emit tasksEnded();
+    }
+}
+
+void ImportRun::switchOff()
+{
+    if (!isRunning())
+        return;
+    sequence_.clear();
+    current_.clear();
+    pending_.clear();
+    emit switchedOff();
+}
+
+void ImportRun::retry(const ImportOrder &order, int fileIndex,
+                      const orderqueries::Identity &identity)
+{
+    if (fileIndex < 0 || fileIndex >= order.files.size() ||
+        isLive(order.id, order.files.at(fileIndex).sourcePath))
+        return;
+    qDebug() << "重新导入文件:" << order.files.at(fileIndex).sourcePath;
+    if (!isRunning())
+        identity_ = identity;
+    ImportOrder &own = orders_[order.id];
+    own = order;
+    own.unregistered = false;
+    ImportFile &file = own.files[fileIndex];
+    file.state = ImportFile::Waiting;
+    file.message.clear();
+    file.fileIndex = fileIndex;
+    emit fileChanged(order.id, file);
+    startTask(order.id, fileIndex);
+    updateOrderState(order.id);
+}
+
+void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Identity &identity)
+{
+    if (registrations_.contains(order.id) || isCopying(order.id))
+        return;
+    if (!isRunning())
+        identity_ = identity;
+    orders_.insert(order.id, order);
+    importNextOrder(order.id);
+}
+
+void ImportRun::updateOrderState(const QString &orderId)
+{
+    const ImportOrder order = orders_.value(orderId);
+    const bool waiting = order.countOf(ImportFile::Waiting) > 0;
+    const bool goesOn = isCopying(orderId) || (isCurrent(orderId) && waiting);
+    PhotoState state = PhotoState::Failed;
+    if (goesOn)
+        state = PhotoState::Importing;
+    else if (!waiting && !order.unregistered && order.countOf(ImportFile::Failed) == 0)
+        state = PhotoState::Done;
+    emit orderStateChanged(orderId, state);
+}
+
+bool ImportRun::isLive(const QString &orderId, const QString &sourcePath) const
+{
+    return std::any_of(tasks_.cbegin(), tasks_.cend(), [&](const Task &task) {
+        return !task.abandoned && task.orderId == orderId &&
+               task.runnable->file().sourcePath == sourcePath;
+    });
+}
+
+bool ImportRun::isCopying(const QString &orderId) const
+{
+    return std::any_of(tasks_.cbegin(), tasks_.cend(), [&orderId](const Task &task) {
+        return task.orderId == orderId && !task.abandoned;
+    });
+}
+
+ImportProgress ImportRun::progress() const
+{
+    ImportProgress progress;
+    QStringList counted = sequence_;
+    if (counted.isEmpty()) {
+        for (const Task &task : tasks_) {
+            if (!counted.contains(task.orderId))
+                counted.append(task.orderId);
+        }
+    }
+    for (const QString &orderId : qAsConst(counted)) {
+        const auto order = orders_.constFind(orderId);
+        if (order == orders_.cend())
+            continue;
+        for (const ImportFile &file : order->files) {
+            ++progress.filesTotal;
+            progress.bytesTotal += file.size;
+            if (file.state == ImportFile::Waiting)
+                continue;
+            ++progress.filesDone;
+            if (file.state == ImportFile::Imported)
+                progress.bytesDone += file.size;
+        }
+    }
+    for (const Task &task : tasks_)
+        progress.bytesDone += task.runnable->bytesCopied();
+    return progress;
+}

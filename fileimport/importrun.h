@@ -1,0 +1,113 @@
+#pragma once
+
+#include "fileimport/importprogress.h"
+#include "fileimport/importrecords.h"
+#include "fileimport/orderregistration.h"
+
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+#include <QThreadPool>
+#include <QTimer>
+#include <QVector>
+
+class ImportFileCopyRunnable;
+
+/// The order of steps of an import: copies the files of one order after the other (up to four files
+/// at once), registers each order when none of its files is waiting or being copied, and goes on.
+///
+/// A run works on its own copy of the orders; results name the order by its id and the file by its
+/// source path, so it does not matter what the window shows meanwhile. Succeeded and failed are
+/// counted from the states of the files. Files can also be retried outside a run: their order is
+/// registered when it is complete, and nothing else starts.
+///
+/// Lives on the interface thread and never blocks; copying and listing happen on workers.
+/// Destroying it while hasLiveTasks() waits for them: release it on tasksEnded() instead.
+class ImportRun : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ImportRun(ImportMode mode, QObject *parent = nullptr);
+    ~ImportRun() override;
+
+    /// Starts importing every order that has a file not yet imported. False, and nothing happens,
+    /// when there is none.
+    bool start(const QVector<ImportOrder> &orders, const orderqueries::Identity &identity);
+    /// Cancels everything; what was not started stays waiting, nothing is registered any more.
+    void stopAllImports();
+    /// Copies one file of \a order anew.
+    void retry(const ImportOrder &order, int fileIndex, const orderqueries::Identity &identity);
+    /// Registers an order whose files are copied but which the service was not told of.
+    void registerAgain(const ImportOrder &order, const orderqueries::Identity &identity);
+    /// The answer to resubmitNeeded(): try again, or stop the import.
+    void answerResubmit(const QString &orderId, bool again);
+
+    bool isRunning() const { return !sequence_.isEmpty(); }
+    bool hasLiveTasks() const { return !tasks_.isEmpty(); }
+    /// Whether anything goes on that a new search would pull the ground from under.
+    bool isBusy() const { return isRunning() || hasLiveTasks() || !registrations_.isEmpty(); }
+    /// Over all orders of the run; of the retried files' orders when there is no run.
+    ImportProgress progress() const;
+
+signals:
+    void orderStarted(const QString &orderId);
+    /// A file changed its state or message.
+    void fileChanged(const QString &orderId, const ImportFile &file);
+    void orderStateChanged(const QString &orderId, PhotoState state);
+    void orderRegistered(const QString &orderId, const RegistrationResult &result);
+    /// The files are copied, but the service was not told.
+    void orderLeftUnregistered(const QString &orderId);
+    /// What the service found differs from what was announced; the run is over.
+    void mismatchFound(const QString &orderId, const QString &notice);
+    /// Ask \a question and call answerResubmit().
+    void resubmitNeeded(const QString &orderId, const QString &question,
+                        const QString &certificateError);
+    /// Every order of the run is imported.
+    void allImported();
+    /// The run is over, for whatever reason.
+    void switchedOff();
+    /// The last copy task has ended.
+    void tasksEnded();
+
+private:
+    struct Task
+    {
+        ImportFileCopyRunnable *runnable = nullptr;
+        QString orderId;
+        bool abandoned = false; ///< stopped: its result changes its own file and nothing else
+    };
+
+    void startNextOrder();
+    void startOrder(const QString &orderId);
+    void feedPool();
+    void startTask(const QString &orderId, int fileIndex);
+    void onFileCopyFinished(ImportFileCopyRunnable *runnable, const ImportFile &file);
+    void onFileCopyCancelled(ImportFileCopyRunnable *runnable, const ImportFile &file);
+    Task takeTask(ImportFileCopyRunnable *runnable);
+    void afterLastTask();
+    void storeResult(const QString &orderId, const ImportFile &file);
+    void afterResult(const QString &orderId, const ImportFile &file);
+    void upImportOrderPath(const ImportOrder &order);
+    void importNextOrder(const QString &orderId);
+    void onRegistered(const QString &orderId, const RegistrationResult &result);
+    void dropRegistration(const QString &orderId);
+    void leaveUnregistered(const QString &orderId);
+    void switchOff();
+    void updateOrderState(const QString &orderId);
+    bool isCurrent(const QString &orderId) const { return isRunning() && orderId == current_; }
+    bool isLive(const QString &orderId, const QString &sourcePath) const;
+    bool isCopying(const QString &orderId) const;
+
+    ImportMode mode_;
+    orderqueries::Identity identity_;
+    QHash<QString, ImportOrder> orders_; ///< by order id
+    QStringList sequence_;               ///< the run's orders; empty while there is no run
+    QString current_;                    ///< the run's order being copied or registered
+    QVector<int> pending_;               ///< file indexes of the current order, last one first
+    QVector<Task> tasks_;
+    QHash<QString, OrderRegistration *> registrations_; ///< by order id
+    QThreadPool pool_;
+    QTimer stopTimer_; ///< reports tasks that outlast a stop
+};

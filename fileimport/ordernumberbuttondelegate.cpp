@@ -1,0 +1,43 @@
+#include "fileimport/ordernumberbuttondelegate.h"
+
+#include "widgets/colours.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyle>
+
+void OrderNumberButtonDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                                      const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.text.clear();
+    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+
+    const bool hovered = option.state.testFlag(QStyle::State_MouseOver);
+    QFont font = cell.font;
+    font.setUnderline(hovered);
+    const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, cell.widget) + 1;
+    const QRect room = option.rect.adjusted(margin, 0, -margin, 0);
+    painter->save();
+    painter->setFont(font);
+    painter->setPen(QColor(hovered ? colours::linkHover : colours::link));
+    painter->drawText(
+        room, Qt::AlignCenter,
+        QFontMetrics(font).elidedText(index.data().toString(), Qt::ElideMiddle, room.width()));
+    painter->restore();
+}
+
+bool OrderNumberButtonDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
+                                            const QStyleOptionViewItem &option,
+                                            const QModelIndex &index)
+{
+    if (event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+        emit orderNumberClicked(index.row(), index.data().toString());
+        return true;
+    }
+    return QStyledItemDelegate::editorEvent(event, model, option, index);
+}

@@ -1,0 +1,83 @@
+#include "fileimport/ordertableview.h"
+
+#include "app/context/k.h"
+#include "widgets/colours.h"
+
+#include <QDropEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QUrl>
+
+namespace {
+
+QStringList localPaths(const QMimeData *data)
+{
+    QStringList paths;
+    const QList<QUrl> urls = data->urls();
+    for (const QUrl &url : urls) {
+        if (url.isLocalFile())
+            paths.append(url.toLocalFile());
+    }
+    return paths;
+}
+
+} // namespace
+
+OrderTableView::OrderTableView(QWidget *parent) : EmptyStateTable(parent)
+{
+    setAcceptDrops(true);
+}
+
+void OrderTableView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void OrderTableView::dragMoveEvent(QDragMoveEvent *event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    markRow(index);
+    // Only a copy is ever made of what is dropped, whatever the source proposes.
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(index.isValid() && event->mimeData()->hasUrls());
+}
+
+void OrderTableView::dragLeaveEvent(QDragLeaveEvent *event)
+{
+    Q_UNUSED(event)
+    markRow({});
+}
+
+void OrderTableView::dropEvent(QDropEvent *event)
+{
+    markRow({});
+    const QModelIndex index = indexAt(event->pos());
+    const QStringList paths = localPaths(event->mimeData());
+    if (!index.isValid() || paths.isEmpty())
+        return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    selectRow(index.row());
+    emit filesDropped(index.row(), paths);
+}
+
+void OrderTableView::paintEvent(QPaintEvent *event)
+{
+    EmptyStateTable::paintEvent(event);
+    if (!dropRow_.isValid())
+        return;
+    const int line = K::scaledPx(2);
+    QRect row = visualRect(dropRow_);
+    row.setLeft(0);
+    row.setRight(viewport()->width() - 1);
+    QPainter painter(viewport());
+    painter.setPen(QPen(colours::toColor(colours::accent), line));
+    painter.drawRect(row.adjusted(line / 2, line / 2, -line / 2, -line / 2));
+}
+
+void OrderTableView::markRow(const QModelIndex &index)
+{
+    dropRow_ = index;
+    viewport()->update();
+}

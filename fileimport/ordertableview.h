@@ -1,0 +1,32 @@
+#pragma once
+
+#include "widgets/tables.h"
+
+#include <QPersistentModelIndex>
+#include <QStringList>
+
+/// The order table: files and folders from outside can be dropped on an order's row, which is
+/// marked while they hover over it.
+class OrderTableView : public EmptyStateTable
+{
+    Q_OBJECT
+
+public:
+    explicit OrderTableView(QWidget *parent = nullptr);
+
+signals:
+    /// \a row is the row of the view; \a paths are local files and folders.
+    void filesDropped(int row, const QStringList &paths);
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dragLeaveEvent(QDragLeaveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void markRow(const QModelIndex &index);
+
+    QPersistentModelIndex dropRow_;
+};

@@ -1,0 +1,197 @@
+#include "net/basereq.h"
+
+#include "app/context/accountcontext.h"
+#include "app/context/installation.h"
+#include "app/context/logging.h"
+
+#include <QDebug>
+#include <QFileInfo>
+#include <QHash>
+#include <QNetworkAccessManager>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslSocket>
+#include <QUrl>
+
+namespace {
+
+QByteArray withSessionFields(const QByteArray &body)
+{
+    return body + "&token=" + AccountContext::apiToken.toUtf8() +
+           "&version=" + AccountContext::appVersion.toUtf8() +
+           "&architecture=" + AccountContext::architecture.toUtf8() +
+           "&uid=" + AccountContext::uid.toUtf8() + "&device=windows";
+}
+
+QString serviceUrl(const QString &action)
+{
+    const QString group = action == QLatin1String("&m=Version&a=check_update")
+                              ? QStringLiteral("g=publicapi")
+                              : AccountContext::groupParam;
+    return AccountContext::indexUrl + group + action;
+}
+
+QSslConfiguration tlsSettings()
+{
+    const Installation &installation = Installation::current();
+    QSslConfiguration settings = QSslConfiguration::defaultConfiguration();
+    settings.setProtocol(QSsl::TlsV1_2OrLater);
+    settings.setPeerVerifyMode(installation.verifiesCertificates ? QSslSocket::VerifyPeer
+                                                                 : QSslSocket::VerifyNone);
+    if (!installation.caFile.isEmpty()) {
+        const auto extra = QSslCertificate::fromPath(installation.caFile);
+        if (extra.isEmpty())
+            qCWarning(lcTessavo) << "no certificates in" << installation.caFile;
+        settings.setCaCertificates(settings.caCertificates() + extra);
+    }
+    return settings;
+}
+
+QString mimeOfContent(const QByteArray &image)
+{
+    if (image.startsWith("\377\330\377"))
+        return QStringLiteral("image/jpeg");
+    if (image.startsWith("\x89PNG\r\n\x1a\n"))
+        return QStringLiteral("image/png");
+    if (image.startsWith("GIF87a") || image.startsWith("GIF89a"))
+        return QStringLiteral("image/gif");
+    if (image.startsWith("RIFF") && image.contains("WEBP"))
+        return QStringLiteral("image/webp");
+    if (image.startsWith("BM"))
+        return QStringLiteral("image/bmp");
+    return {};
+}
+
+QString mimeOfSuffix(const QString &url)
+{
+    const QString suffix = QFileInfo(QUrl(url).path()).suffix().toLower();
+    return QStringLiteral("image/") +
+           (suffix == QLatin1String("jpg") ? QStringLiteral("jpeg") : suffix);
+}
+
+} // namespace
+
+BaseReq::BaseReq(QObject *parent) : QObject(parent)
+{
+    if (!QSslSocket::supportsSsl())
+        qDebug() << "需要的SSL版本:" << QSslSocket::sslLibraryVersionString();
+    manager_ = new QNetworkAccessManager(this);
+    applyTlsSettings(&request_);
+    request_.setHeader(QNetworkRequest::ContentTypeHeader,
+                       QStringLiteral("application/x-www-form-urlencoded"));
+}
+
+BaseReq::~BaseReq() = default;
+
+void BaseReq::applyTlsSettings(QNetworkRequest *request)
+{
+    // Reading the system's certificates is slow and the installation does not change.
+    static const QSslConfiguration settings = tlsSettings();
+    request->setSslConfiguration(settings);
+}
+
+void BaseReq::sendRequest(const QString &action, const QByteArray &body, ServiceCallback callback)
+{
+    callback_ = std::move(callback);
+    const QByteArray fullBody = withSessionFields(body);
+    request_.setHeader(QNetworkRequest::ContentLengthHeader, fullBody.size());
+    const QString url = serviceUrl(action);
+    qDebug() << "url: " << url;
+    qDebug() << "paras: " << fullBody;
+    request_.setUrl(QUrl(url));
+    watch(manager_->post(request_, fullBody));
+    connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
+}
+
+void BaseReq::sendGetRequest(const QString &url, ServiceCallback callback)
+{
+    callback_ = std::move(callback);
+    qDebug() << "url: " << url;
+    QNetworkRequest request;
+    applyTlsSettings(&request);
+    request.setUrl(QUrl(url));
+    watch(manager_->get(request));
+    connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
+}
+
+void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
+{
+    imageCallback_ = std::move(callback);
+    QNetworkRequest request;
+    applyTlsSettings(&request);
+    request.setUrl(QUrl(url));
+    watch(manager_->get(request));
+    connect(reply_, &QNetworkReply::finished, this, [this] { imageDownloadFinished(reply_); });
+}
+
+void BaseReq::watch(QNetworkReply *reply)
+{
+    requestDone_ = 0;
+    certificateError_.clear();
+    reply_ = reply;
+    connect(reply, &QNetworkReply::sslErrors, this, [](const QList<QSslError> &errors) {
+        for (const QSslError &error : errors)
+            qCWarning(lcTessavo) << "certificate:" << error.errorString();
+    });
+}
+
+void BaseReq::noteCertificateError(QNetworkReply *reply)
+{
+    if (reply->error() == QNetworkReply::SslHandshakeFailedError)
+        certificateError_ = reply->errorString();
+}
+
+void BaseReq::serviceRequestFinished(QNetworkReply *reply)
+{
+    if (!reply)
+        return; // a reply that a later request on this object has replaced
+    reply_.clear();
+    bool ok = false;
+    QJsonDocument document;
+    if (reply->error() == QNetworkReply::NoError) {
+        document = QJsonDocument::fromJson(reply->readAll());
+        ok = document.isObject();
+    }
+    noteCertificateError(reply);
+    reply->deleteLater();
+    requestDone_ = 1;
+    callback_(ok, document); // last: the callback may delete this object
+}
+
+void BaseReq::imageDownloadFinished(QNetworkReply *reply)
+{
+    if (!reply)
+        return;
+    reply_.clear();
+    noteCertificateError(reply);
+    reply->deleteLater();
+    requestDone_ = 1;
+    if (!imageCallback_) {
+        qDebug() << "警告：imageCallback 为空";
+        return;
+    }
+    if (reply->error() != QNetworkReply::NoError) {
+        imageCallback_(false, QString(), QStringLiteral("图片下载失败:") + reply->errorString());
+        return;
+    }
+    imageCallback_(true, imageDataUrl(reply->readAll(), reply->request().url().toString()),
+                   QString());
+}
+
+void BaseReq::abortRequest()
+{
+    qDebug() << "abort1";
+    Q_UNUSED(reply_->isRunning())
+    qDebug() << "abort2";
+    qDebug() << (reply_->isFinished() ? "true" : "false");
+    reply_->abort();
+    qDebug() << "abort3";
+}
+
+QString imageDataUrl(const QByteArray &image, const QString &url)
+{
+    QString mime = mimeOfContent(image);
+    if (mime.isEmpty())
+        mime = mimeOfSuffix(url);
+    return QStringLiteral("data:%1;base64,%2").arg(mime, QString::fromLatin1(image.toBase64()));
+}

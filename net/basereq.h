@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonDocument>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+
+class QNetworkAccessManager;
+
+/// One call to the studio-management service, or one image fetch.
+///
+/// Serves one request at a time; create one per call, with the calling window as parent: when the
+/// parent dies the call dies with it and its callback never runs. Calls return at once, callbacks
+/// run later on the thread that created the object. There are no time-outs and no retries.
+class BaseReq : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// \a ok is false, and the document null, when there was no usable answer: network or TLS
+    /// failure, an HTTP error, or a body that is no JSON; for a JSON array \a ok is false as well.
+    using ServiceCallback = std::function<void(bool ok, const QJsonDocument &document)>;
+    /// On failure \a dataUrl is empty and \a error says why.
+    using ImageCallback =
+        std::function<void(bool ok, const QString &dataUrl, const QString &error)>;
+
+    explicit BaseReq(QObject *parent = nullptr);
+    ~BaseReq() override;
+
+    /// Posts \a body, with the fixed session fields appended, to the service's entry point.
+    /// \a action is the module-and-action part of the query, such as "&m=public&a=dologin".
+    void sendRequest(const QString &action, const QByteArray &body, ServiceCallback callback);
+
+    /// The same reply handling for a plain GET of a full address.
+    void sendGetRequest(const QString &url, ServiceCallback callback);
+
+    /// Fetches an image and hands it over as a data URL.
+    void downloadImageAsDataUrl(const QString &url, ImageCallback callback);
+
+    /// Ends the request in flight; its callback then runs with ok = false. Only after a request.
+    void abortRequest();
+
+    /// Why the last request was refused by us: the server's certificate is not trusted. Empty when
+    /// that was not the reason.
+    const QString &certificateError() const { return certificateError_; }
+
+    /// Lets every request made from \a request on trust what the installation says is to be
+    /// trusted.
+    static void applyTlsSettings(QNetworkRequest *request);
+
+private slots:
+    void serviceRequestFinished(QNetworkReply *reply);
+    void imageDownloadFinished(QNetworkReply *reply);
+
+private:
+    void watch(QNetworkReply *reply);
+    void noteCertificateError(QNetworkReply *reply);
+
+    int requestDone_ = 1; ///< 0 while a request is in flight
+    QPointer<QNetworkReply> reply_;
+    QNetworkRequest request_;
+    QNetworkAccessManager *manager_;
+    ServiceCallback callback_;
+    ImageCallback imageCallback_;
+    QString certificateError_;
+};
+
+/// \a image wrapped as a data URL. The kind is told by the first bytes, otherwise by the suffix of
+/// \a url.
+QString imageDataUrl(const QByteArray &image, const QString &url);

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/filetransfer.h"
+
+#include <QString>
+
+/// How copying one file ended.
+enum class CopyOutcome {
+    Copied,      ///< the target holds the whole source, on the medium
+    Cancelled,   ///< on request
+    Failed,      ///< could not be read, written or renamed; the disk may be full
+    Empty,       ///< the copy had 0 bytes
+    SizeDiffers, ///< the copy is not as large as the source is now
+};
+
+/// Copies \a source onto \a target, replacing a file that stands there: the one way in which this
+/// program copies a file anywhere.
+///
+/// The bytes go into a temporary name in the target's folder, are flushed to the medium and
+/// checked, and only then renamed. So the target name never holds a partial file, and unless the
+/// outcome is Copied an earlier file under that name is untouched and nothing is left behind. Keeps
+/// the time of modification and drops a read-only mark. Blocks; for worker threads.
+CopyOutcome copyFile(const QString &source, const QString &target,
+                     const platform::TransferControl &control = {});
+
+/// A name for a file being written into \a folder until it is whole; no listing of photos takes it.
+QString temporaryPathIn(const QString &folder);
+
+/// Removes temporary files that a killed process left in \a folder, once they are older than a day,
+/// and nothing else. Blocks; for worker threads.
+void removeStaleTemporaries(const QString &folder);

@@ -1,0 +1,155 @@
+#include "net/orderqueries.h"
+
+#include "net/formbody.h"
+#include "net/replyfields.h"
+
+#include <algorithm>
+
+namespace orderqueries {
+
+namespace {
+
+QString isoDate(const QDate &date)
+{
+    return date.toString(QStringLiteral("yyyy-MM-dd"));
+}
+
+int sizeOr(const QJsonObject &element, const QString &key, int otherwise)
+{
+    const int size = reply::number(element, key, otherwise);
+    return size > 0 ? size : otherwise;
+}
+
+QVector<PhotoEntry> readPhotos(const QJsonObject &element, const QString &key)
+{
+    QVector<PhotoEntry> photos;
+    for (const QJsonObject &photo : reply::objects(element, key)) {
+        photos.append({reply::text(photo, QStringLiteral("img_name")),
+                       reply::text(photo, QStringLiteral("url")),
+                       reply::text(photo, QStringLiteral("localpath")),
+                       reply::text(photo, QStringLiteral("id")),
+                       reply::text(photo, QStringLiteral("type"))});
+    }
+    return photos;
+}
+
+} // namespace
+
+Identity Identity::fromAccount()
+{
+    const bool chosenIsKnown = std::any_of(
+        AccountContext::shopList.cbegin(), AccountContext::shopList.cend(),
+        [](const ShopRecord &shop) { return shop.id == AccountContext::selectedShopId; });
+    return {chosenIsKnown ? AccountContext::selectedShopId : AccountContext::shopId,
+            AccountContext::superId, AccountContext::eid};
+}
+
+QByteArray switchShopBody(const QString &shopId)
+{
+    return FormBody().add(QStringLiteral("shopid"), shopId).bytes();
+}
+
+static FormBody &addIdentity(FormBody &body, const Identity &identity)
+{
+    return body.add(QStringLiteral("shopid"), identity.shopId)
+        .add(QStringLiteral("eid"), identity.employeeId)
+        .add(QStringLiteral("superid"), identity.superId)
+        .add(QStringLiteral("personid"), identity.employeeId);
+}
+
+QByteArray personsBody(const Identity &identity)
+{
+    FormBody body;
+    return addIdentity(body, identity).bytes();
+}
+
+QByteArray orderListBody(const OrderSearch &search, const Identity &identity,
+                         const QString &role7id)
+{
+    QString keyword = search.text;
+    QString searchType = QStringLiteral("1");
+    if (search.type == OrderSearch::ShootingDate) {
+        keyword = isoDate(search.shootingDate);
+        searchType = QStringLiteral("4");
+    } else if (search.type == OrderSearch::SelectionDate) {
+        keyword = isoDate(search.selectionDate);
+        searchType = QStringLiteral("5");
+    }
+    FormBody body;
+    body.add(QStringLiteral("keyword"), keyword).add(QStringLiteral("searchtype"), searchType);
+    if (!role7id.isNull())
+        body.add(QStringLiteral("role7id"), role7id);
+    body.add(QStringLiteral("ratio"), QStringLiteral("90"));
+    return addIdentity(body, identity).bytes();
+}
+
+ShopSwitch readShopSwitch(const QJsonObject &reply)
+{
+    return {reply::text(reply, QStringLiteral("SUPERID")),
+            reply::text(reply, QStringLiteral("EID")),
+            reply::text(reply, QStringLiteral("importpublicpath"))};
+}
+
+QVector<Person> readPersons(const QJsonObject &reply)
+{
+    QVector<Person> persons;
+    for (const QJsonObject &person : reply::objects(reply, QStringLiteral("persons"))) {
+        persons.append({reply::text(person, QStringLiteral("id")),
+                        reply::text(person, QStringLiteral("name"))});
+    }
+    return persons;
+}
+
+OrderInfo readOrderInfo(const QJsonObject &element)
+{
+    const auto text = [&element](const char *key) {
+        return reply::text(element, QString::fromLatin1(key));
+    };
+    OrderInfo order;
+    order.id = text("id");
+    order.orderPhotoId = text("order_photo_id");
+    order.orderPayForKey = text("orderpayforkey");
+    order.serviceTimes = text("servicetimes");
+    order.mname = text("mname");
+    order.wname = text("wname");
+    order.mphone = text("mphone");
+    order.wphone = text("wphone");
+    order.selectPhotoTime = text("selectphototime");
+    order.role1 = text("role1");
+    order.role2 = text("role2");
+    order.selectPhotoName = text("selectphotoname");
+    order.isSample = text("issample");
+    order.tiaoseName = text("tiaosename");
+    order.storesName = text("storesname");
+    order.shotDateText = text("shotdate");
+    order.shotDate = parseShootDate(order.shotDateText);
+    order.netPath = text("netpath");
+    order.smallSize = sizeOr(element, QStringLiteral("imagesize_small"), order.smallSize);
+    order.middleSize = sizeOr(element, QStringLiteral("imagesize_middle"), order.middleSize);
+    order.bigSize = sizeOr(element, QStringLiteral("imagesize_big"), order.bigSize);
+    order.picPathNew = text("picpathnew");
+    order.images = readPhotos(element, QStringLiteral("images"));
+    order.imagesTaipian = readPhotos(element, QStringLiteral("images_taipian"));
+    return order;
+}
+
+QList<ShopRecord> readShops(const QJsonObject &loginReply, bool withRules)
+{
+    QList<ShopRecord> shops;
+    for (const QJsonObject &shop : reply::objects(loginReply, QStringLiteral("shop_data"))) {
+        shops.append(
+            {reply::text(shop, QStringLiteral("id")), reply::text(shop, QStringLiteral("name")),
+             withRules ? reply::text(shop, QStringLiteral("goodsfoldernamerule")) : QString(),
+             reply::text(shop, QStringLiteral("importpublicpath"))});
+    }
+    return shops;
+}
+
+QMap<QString, QString> switchedShopMap(const Identity &identity)
+{
+    return {{QStringLiteral("shopid"), identity.shopId},
+            {QStringLiteral("superid"), identity.superId},
+            {QStringLiteral("managerid"), identity.employeeId}};
+}
+
+} // namespace orderqueries

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "app/context/accountcontext.h"
+#include "net/paths.h"
+
+#include <QByteArray>
+#include <QDate>
+#include <QJsonObject>
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// Switching branch, listing staff and searching orders: the bodies of the three requests every
+/// tool shares and the records read from their replies. Pure functions; no network here.
+namespace orderqueries {
+
+inline const QString switchShopAction = QStringLiteral("&m=public&a=switch_shop");
+inline const QString personsAction = QStringLiteral("&m=order&a=get_persons");
+inline const QString orderListAction = QStringLiteral("&m=order&a=order_list");
+
+/// Who a tool window acts as: seeded from the account context when the window opens, replaced by
+/// its own branch switch.
+struct Identity
+{
+    QString shopId;
+    QString superId;
+    QString employeeId; ///< goes out as "eid", "personid" and "person_id" alike
+
+    /// What a window that opens now starts with: the branch chosen last, otherwise the login's
+    /// first.
+    static Identity fromAccount();
+};
+
+/// What the order search panel asks for. The dates count only for the types that search by them.
+struct OrderSearch
+{
+    enum Type { BasicInformation = 0, ShootingDate = 1, SelectionDate = 2 };
+
+    int type = BasicInformation;
+    QString text;
+    QDate shootingDate;
+    QDate selectionDate;
+};
+
+/// A reply to a branch switch.
+struct ShopSwitch
+{
+    QString superId;
+    QString employeeId;
+    QString importPublicPath;
+};
+
+struct Person
+{
+    QString id;
+    QString name;
+};
+
+/// One photo of an order as the service lists it.
+struct PhotoEntry
+{
+    QString imgName;
+    QString url;
+    QString localPath;
+    QString id;
+    QString type;
+};
+
+/// One order of a search reply. Paths are in Windows form.
+struct OrderInfo
+{
+    QString id;
+    QString orderPhotoId;   ///< id of the order's photo set
+    QString orderPayForKey; ///< the number users know the order by
+    QString serviceTimes;
+    QString mname;
+    QString wname;
+    QString mphone;
+    QString wphone;
+    QString selectPhotoTime;
+    QString role1; ///< photographer
+    QString role2; ///< make-up artist
+    QString selectPhotoName;
+    QString isSample;
+    QString tiaoseName;
+    QString storesName;
+    QString shotDateText; ///< as the service wrote it
+    ShootDate shotDate;
+    QString netPath;
+    int smallSize = 90; ///< long side of the size variants, pixels
+    int middleSize = 190;
+    int bigSize = 1920;
+    QString picPathNew;
+    QVector<PhotoEntry> images;
+    QVector<PhotoEntry> imagesTaipian;
+};
+
+QByteArray switchShopBody(const QString &shopId);
+QByteArray personsBody(const Identity &identity);
+/// The search as photo import and order file import word it. \a role7id is the person filter's
+/// value; a null text leaves that field out, an empty one sends it empty.
+QByteArray orderListBody(const OrderSearch &search, const Identity &identity,
+                         const QString &role7id = QString());
+
+ShopSwitch readShopSwitch(const QJsonObject &reply);
+QVector<Person> readPersons(const QJsonObject &reply);
+OrderInfo readOrderInfo(const QJsonObject &element);
+
+/// The shops of a login reply. \a withRules is false for saved login data, whose records carry
+/// none.
+QList<ShopRecord> readShops(const QJsonObject &loginReply, bool withRules = true);
+
+/// The map that a tool hands its owner after a switch: "shopid", "superid", "managerid".
+QMap<QString, QString> switchedShopMap(const Identity &identity);
+
+} // namespace orderqueries

@@ -1,0 +1,72 @@
+#include "net/safename.h"
+
+#include "platform/pathform.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace {
+
+bool isIllegal(QChar character)
+{
+    static const QString forbidden = QStringLiteral("<>:\"/\\|?*");
+    return character < QLatin1Char(' ') || character == QChar(0x7F) ||
+           forbidden.contains(character);
+}
+
+/// Windows opens a device under these names, whatever suffix follows.
+bool isDeviceName(const QString &baseName)
+{
+    static const QStringList devices = {
+        QStringLiteral("CON"),    QStringLiteral("PRN"),    QStringLiteral("AUX"),
+        QStringLiteral("NUL"),    QStringLiteral("CONIN$"), QStringLiteral("CONOUT$"),
+        QStringLiteral("CLOCK$"),
+    };
+    const QString name = baseName.trimmed().toUpper();
+    if (devices.contains(name))
+        return true;
+    static const QString portDigits = QStringLiteral("0123456789¹²³");
+    return name.size() == 4 &&
+           (name.startsWith(QLatin1String("COM")) || name.startsWith(QLatin1String("LPT"))) &&
+           portDigits.contains(name.at(3));
+}
+
+QString withoutTrailingDotsAndBlanks(QString name)
+{
+    while (name.endsWith(QLatin1Char('.')) || name.endsWith(QLatin1Char(' ')))
+        name.chop(1);
+    return name;
+}
+
+/// Cuts \a name before its suffix until it fits; never through the middle of a character.
+QString shortened(const QString &name)
+{
+    constexpr int longestSuffix = 16;
+    const int dot = name.lastIndexOf(QLatin1Char('.'));
+    const bool hasSuffix = dot > 0 && name.size() - dot <= longestSuffix;
+    const QString suffix = hasSuffix ? name.mid(dot) : QString();
+    QString base = hasSuffix ? name.left(dot) : name;
+    while (!base.isEmpty() && !platform::nameFits(base + suffix)) {
+        base.chop(1);
+        if (!base.isEmpty() && base.at(base.size() - 1).isHighSurrogate())
+            base.chop(1);
+    }
+    return withoutTrailingDotsAndBlanks(base) + suffix;
+}
+
+} // namespace
+
+QString safeFileName(const QString &name)
+{
+    QString safe = name;
+    std::replace_if(safe.begin(), safe.end(), isIllegal, QLatin1Char('_'));
+    safe = withoutTrailingDotsAndBlanks(safe);
+    if (!platform::nameFits(safe))
+        safe = shortened(safe);
+    const int dot = safe.indexOf(QLatin1Char('.'));
+    const QString base = dot < 0 ? safe : safe.left(dot);
+    if (isDeviceName(base))
+        safe.insert(base.size(), QLatin1Char('_'));
+    return safe.isEmpty() ? QStringLiteral("_") : safe;
+}

@@ -1,0 +1,67 @@
+#include "net/servicecall.h"
+
+#include "net/basereq.h"
+#include "net/replyfields.h"
+
+namespace {
+
+ServiceReply readReply(bool ok, const QJsonDocument &document, const QString &certificateError)
+{
+    ServiceReply result;
+    if (!ok) {
+        if (!certificateError.isEmpty()) {
+            result.outcome = ServiceReply::Outcome::CertificateRefused;
+            result.message = certificateError;
+        }
+        return result;
+    }
+    result.object = document.object();
+    result.outcome = reply::isSuccess(result.object) ? ServiceReply::Outcome::Success
+                                                     : ServiceReply::Outcome::Refused;
+    result.message = reply::text(result.object, QStringLiteral("message"));
+    result.msg = reply::text(result.object, QStringLiteral("msg"));
+    return result;
+}
+
+} // namespace
+
+void callService(QObject *owner, const QString &action, const QByteArray &body,
+                 ServiceHandler handler)
+{
+    auto *request = new BaseReq(owner);
+    request->sendRequest(
+        action, body,
+        [request, handler = std::move(handler)](bool ok, const QJsonDocument &document) {
+            const ServiceReply result = readReply(ok, document, request->certificateError());
+            request->deleteLater();
+            handler(result);
+        });
+}
+
+LatestCall::LatestCall(QObject *owner) : QObject(owner)
+{
+}
+
+void LatestCall::start(const QString &action, const QByteArray &body, ServiceHandler handler)
+{
+    cancel();
+    auto *request = new BaseReq(this);
+    request_ = request;
+    request->sendRequest(
+        action, body,
+        [this, request, handler = std::move(handler)](bool ok, const QJsonDocument &document) {
+            request->deleteLater();
+            if (request_ != request)
+                return;
+            request_.clear();
+            handler(readReply(ok, document, request->certificateError()));
+        });
+}
+
+void LatestCall::cancel()
+{
+    BaseReq *request = request_;
+    request_.clear();
+    if (request)
+        request->abortRequest();
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+
+namespace platform {
+
+/// Whether the file at \a path may be written to. A file that carries a read-only mark (elsewhere
+/// than on Windows: none of whose write bits is set) may not, not even by an administrator, so that
+/// a photo somebody protected stays protected. False for what does not exist. Touches the disk.
+bool mayBeWritten(const QString &path);
+
+/// Whether the entry at \a path may be removed, or replaced by a rename: it is a file or a link to
+/// one, not a folder, and carries no read-only mark. False for what does not exist. Touches the
+/// disk.
+bool mayBeRemoved(const QString &path);
+
+} // namespace platform

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace platform {
+
+/// What a transfer asks and tells while it runs; both members may be empty. They are called on the
+/// thread that copies, every few megabytes.
+struct TransferControl
+{
+    std::function<bool()> cancelled;
+    std::function<void(qint64 bytesCopied)> progress;
+};
+
+enum class TransferResult { Done, Cancelled, Failed };
+
+/// Copies the bytes of \a source into \a target, which must not exist yet, by the system's fastest
+/// way, keeps the time of modification, drops a read-only mark and returns only when the bytes are
+/// on the medium. A target that was begun is left behind unless the result is Done: removing it is
+/// the caller's. Blocks; for worker threads.
+TransferResult transferFile(const QString &source, const QString &target,
+                            const TransferControl &control);
+
+/// Brings what was written to \a path onto the medium. Blocks; for worker threads.
+bool flushToMedium(const QString &path);
+
+/// Renames \a temporary onto \a target in the same folder, replacing a file that stands there, and
+/// returns when the rename is on the medium. False when the rename failed (both stay as they were)
+/// or could not be confirmed to be on the medium.
+bool replaceFile(const QString &temporary, const QString &target);
+
+} // namespace platform

@@ -1,0 +1,185 @@
+#include "platform/filetransfer.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QVarLengthArray>
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#ifdef Q_OS_LINUX
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
+
+namespace platform {
+
+namespace {
+
+constexpr size_t stepBytes = 4 * 1024 * 1024; // between two looks at the cancel flag
+constexpr size_t bufferBytes = 256 * 1024;
+
+/// An open file, closed on every way out.
+class Descriptor
+{
+public:
+    Descriptor(const QString &path, int flags)
+        : fd_(open(QFile::encodeName(path).constData(), flags | O_CLOEXEC, 0666))
+    {
+    }
+    ~Descriptor()
+    {
+        if (fd_ >= 0)
+            close(fd_);
+    }
+    Q_DISABLE_COPY_MOVE(Descriptor)
+
+    bool isOpen() const { return fd_ >= 0; }
+    operator int() const { return fd_; }
+
+private:
+    int fd_;
+};
+
+bool writeAll(int to, const char *data, ssize_t size)
+{
+    while (size > 0) {
+        const ssize_t written = write(to, data, size_t(size));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0)
+            return false;
+        data += written;
+        size -= written;
+    }
+    return true;
+}
+
+/// Copies up to one step through memory; returns the bytes copied, 0 at the end, -1 on failure.
+ssize_t copyStepByHand(int from, int to)
+{
+    QVarLengthArray<char, bufferBytes> buffer(bufferBytes);
+    ssize_t copied = 0;
+    while (size_t(copied) < stepBytes) {
+        const ssize_t got = read(from, buffer.data(), size_t(buffer.size()));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0 || !writeAll(to, buffer.constData(), got))
+            return -1;
+        if (got == 0)
+            break;
+        copied += got;
+    }
+    return copied;
+}
+
+/// Like copyStepByHand(), inside the kernel where the file systems can do it. \a byHand is set once
+/// they cannot; both files stand where the next step goes on.
+ssize_t copyStep(int from, int to, bool *byHand)
+{
+#ifdef Q_OS_LINUX
+    if (!*byHand) {
+        const ssize_t copied = copy_file_range(from, nullptr, to, nullptr, stepBytes, 0);
+        if (copied > 0)
+            return copied;
+        if (copied < 0 && errno == EINTR)
+            return copyStep(from, to, byHand);
+        if (copied < 0 && errno != EXDEV && errno != EINVAL && errno != ENOSYS &&
+            errno != EOPNOTSUPP && errno != EBADF && errno != EPERM)
+            return -1;
+        // Some file systems answer 0 in mid-file; reading decides whether this is the end.
+        *byHand = true;
+    }
+#else
+    *byHand = true;
+#endif
+    return copyStepByHand(from, to);
+}
+
+bool cloned(int from, int to)
+{
+#ifdef Q_OS_LINUX
+    return ioctl(to, FICLONE, from) == 0;
+#else
+    Q_UNUSED(from)
+    Q_UNUSED(to)
+    return false;
+#endif
+}
+
+/// Starts writing back what was just copied, so that the flush at the end finds little left to do.
+void startWriteBack(int to, off_t offset, off_t bytes)
+{
+#ifdef Q_OS_LINUX
+    sync_file_range(to, offset, bytes, SYNC_FILE_RANGE_WRITE);
+#else
+    Q_UNUSED(to)
+    Q_UNUSED(offset)
+    Q_UNUSED(bytes)
+#endif
+}
+
+TransferResult copyBytes(int from, int to, const TransferControl &control)
+{
+    bool byHand = false;
+    qint64 total = 0;
+    for (;;) {
+        if (control.cancelled && control.cancelled())
+            return TransferResult::Cancelled;
+        const ssize_t copied = copyStep(from, to, &byHand);
+        if (copied < 0)
+            return TransferResult::Failed;
+        if (copied == 0)
+            return TransferResult::Done;
+        startWriteBack(to, total, copied);
+        total += copied;
+        if (control.progress)
+            control.progress(total);
+    }
+}
+
+} // namespace
+
+TransferResult transferFile(const QString &source, const QString &target,
+                            const TransferControl &control)
+{
+    const Descriptor from(source, O_RDONLY);
+    struct stat info
+    {
+    };
+    if (!from.isOpen() || fstat(from, &info) != 0 || !S_ISREG(info.st_mode))
+        return TransferResult::Failed;
+    const Descriptor to(target, O_WRONLY | O_CREAT | O_EXCL);
+    if (!to.isOpen())
+        return TransferResult::Failed;
+
+    if (!cloned(from, to)) {
+        const TransferResult result = copyBytes(from, to, control);
+        if (result != TransferResult::Done)
+            return result;
+    }
+    const timespec times[2] = {info.st_atim, info.st_mtim};
+    // A share that keeps no times is no reason to refuse the photo.
+    if (futimens(to, times) != 0 && (errno == ENOSPC || errno == EIO || errno == EDQUOT))
+        return TransferResult::Failed;
+    return fsync(to) == 0 ? TransferResult::Done : TransferResult::Failed;
+}
+
+bool flushToMedium(const QString &path)
+{
+    const Descriptor file(path, O_RDONLY);
+    // Folders of some shares cannot be flushed and say EINVAL; their server does it.
+    return file.isOpen() && (fsync(file) == 0 || errno == EINVAL);
+}
+
+bool replaceFile(const QString &temporary, const QString &target)
+{
+    if (rename(QFile::encodeName(temporary).constData(), QFile::encodeName(target).constData()) !=
+        0)
+        return false;
+    return flushToMedium(QFileInfo(target).path());
+}
+
+} // namespace platform

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace platform {
+
+/// A program of the system and what it is called with.
+struct Command
+{
+    QString program;
+    QStringList arguments;
+};
+
+/// Shows the folder \a path in the system's file manager.
+Command folderCommand(const QString &path);
+
+/// Asks \a host for one sign of life within \a timeoutMs; exit code 0 means that it answered.
+Command pingCommand(const QString &host, int timeoutMs);
+
+} // namespace platform

@@ -1,0 +1,20 @@
+#include "platform/folderopening.h"
+
+#include <QtMath>
+
+namespace platform {
+
+Command folderCommand(const QString &path)
+{
+    return {QStringLiteral("xdg-open"), {path}};
+}
+
+Command pingCommand(const QString &host, int timeoutMs)
+{
+    // This ping counts in whole seconds.
+    return {QStringLiteral("ping"),
+            {QStringLiteral("-c"), QStringLiteral("1"), QStringLiteral("-W"),
+             QString::number(qCeil(timeoutMs / 1000.0)), QStringLiteral("--"), host}};
+}
+
+} // namespace platform

@@ -1,0 +1,8 @@
+#include "widgets/contextmenu.h"
+
+#include "widgets/theme.h"
+
+ContextMenu::ContextMenu(QWidget *parent) : QMenu(parent)
+{
+    setStyleSheet(theme::menuStyle());
+}

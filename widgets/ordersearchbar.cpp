@@ -1,0 +1,204 @@
+#include "widgets/ordersearchbar.h"
+
+#include "app/context/k.h"
+#include "widgets/datepicker.h"
+#include "widgets/inputs.h"
+#include "widgets/theme.h"
+#include "widgets/toast.h"
+
+#include <QBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+
+using orderqueries::OrderSearch;
+
+namespace {
+
+constexpr int narrowestInput = 140;
+constexpr int narrowestBranch = 110;
+constexpr int widestBranch = 220;
+
+} // namespace
+
+OrderSearchBar::OrderSearchBar(QWidget *parent)
+    : QWidget(parent)
+    , searchRow_(new QWidget(this))
+    , typeBox_(new ComboBox(this))
+    , keywordEdit_(new LineEdit(this))
+    , shootingDate_(new DatePicker(QStringLiteral("点击选择拍照日期"), this))
+    , selectionDate_(new DatePicker(QStringLiteral("点击选择选片日期"), this))
+    , searchButton_(new QPushButton(QStringLiteral("搜索"), this))
+    , branchBox_(new ComboBox(this))
+    , rows_(new QBoxLayout(QBoxLayout::LeftToRight, this))
+{
+    typeBox_->setObjectName(QStringLiteral("searchTypeBox"));
+    typeBox_->addItems(
+        {QStringLiteral("基本信息"), QStringLiteral("拍照日期"), QStringLiteral("选片日期")});
+    keywordEdit_->setObjectName(QStringLiteral("keywordEdit"));
+    keywordEdit_->setPlaceholderText(QStringLiteral("搜索订单号、姓名、电话..."));
+    keywordEdit_->setClearable(true);
+    shootingDate_->setObjectName(QStringLiteral("shootingDate"));
+    selectionDate_->setObjectName(QStringLiteral("selectionDate"));
+    searchButton_->setObjectName(QStringLiteral("searchButton"));
+    searchButton_->setStyleSheet(theme::primaryButtonStyle());
+    branchBox_->setObjectName(QStringLiteral("branchBox"));
+    branchBox_->setToolTip(QStringLiteral("分店"));
+    branchBox_->setAccessibleName(branchBox_->toolTip());
+    branchBox_->setMinimumWidth(K::scaledPx(narrowestBranch));
+
+    auto *label = new QLabel(QStringLiteral("搜索类型:"), this);
+    label->setBuddy(typeBox_);
+    auto *row = new QHBoxLayout(searchRow_);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(theme::spacing());
+    row->addWidget(label);
+    row->addWidget(typeBox_);
+    for (QWidget *input :
+         {static_cast<QWidget *>(keywordEdit_), static_cast<QWidget *>(shootingDate_),
+          static_cast<QWidget *>(selectionDate_)}) {
+        input->setMinimumWidth(K::scaledPx(narrowestInput));
+        input->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+        row->addWidget(input, 1);
+    }
+    row->addWidget(searchButton_);
+
+    rows_->setContentsMargins(0, 0, 0, 0);
+    rows_->setSpacing(theme::spacing());
+    rows_->addWidget(searchRow_, 1);
+    rows_->addWidget(branchBox_);
+    setStyleSheet(theme::windowStyle());
+    showInputFor(OrderSearch::BasicInformation);
+    connectParts();
+}
+
+void OrderSearchBar::connectParts()
+{
+    connect(typeBox_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this](int type) {
+        showInputFor(type);
+        emit searchTypeChanged(type);
+    });
+    connect(keywordEdit_, &QLineEdit::returnPressed, this, &OrderSearchBar::requestSearch);
+    connect(shootingDate_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
+    connect(selectionDate_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
+    connect(searchButton_, &QPushButton::clicked, this, &OrderSearchBar::requestSearch);
+    connect(branchBox_, qOverload<int>(&QComboBox::activated), this, [this](int index) {
+        if (index == branchIndex_)
+            return;
+        branchIndex_ = index;
+        emit branchChosen(index);
+    });
+}
+
+OrderSearch OrderSearchBar::search() const
+{
+    OrderSearch search;
+    search.type = typeBox_->currentIndex();
+    search.text = keywordEdit_->text();
+    search.shootingDate = shootingDate_->chosenDate();
+    search.selectionDate = selectionDate_->chosenDate();
+    return search;
+}
+
+void OrderSearchBar::resetKeyword()
+{
+    keywordEdit_->clear();
+    typeBox_->setCurrentIndex(OrderSearch::BasicInformation);
+}
+
+void OrderSearchBar::setBranches(const QList<ShopRecord> &branches, const QString &selectedId)
+{
+    branchBox_->clear();
+    for (const ShopRecord &branch : branches)
+        branchBox_->addItem(branch.name, branch.id);
+    branchIndex_ = branchBox_->currentIndex();
+    selectBranch(selectedId);
+    arrange();
+}
+
+void OrderSearchBar::selectBranch(const QString &id)
+{
+    const int index = branchBox_->findData(id);
+    if (index < 0)
+        return;
+    branchIndex_ = index;
+    branchBox_->setCurrentIndex(index);
+}
+
+QString OrderSearchBar::branchId(int index) const
+{
+    return branchBox_->itemData(index).toString();
+}
+
+QString OrderSearchBar::selectedBranchId() const
+{
+    return branchId(branchBox_->currentIndex());
+}
+
+void OrderSearchBar::setBusy(bool busy)
+{
+    busy_ = busy;
+    // A disabled button hands its focus on, to the branches of all things.
+    if (busy && searchButton_->hasFocus())
+        inputFor(typeBox_->currentIndex())->setFocus();
+    searchButton_->setEnabled(!busy);
+    searchButton_->setText(busy ? QStringLiteral("搜索中...") : QStringLiteral("搜索"));
+}
+
+void OrderSearchBar::requestSearch()
+{
+    if (busy_)
+        return;
+    auto *picker = qobject_cast<DatePicker *>(inputFor(typeBox_->currentIndex()));
+    if (picker && !picker->isChosen()) {
+        Toast::show(this, picker->prompt());
+        picker->setFocus();
+        picker->openCalendar();
+        return;
+    }
+    emit searchRequested();
+}
+
+QWidget *OrderSearchBar::inputFor(int type) const
+{
+    if (type == OrderSearch::ShootingDate)
+        return shootingDate_;
+    if (type == OrderSearch::SelectionDate)
+        return selectionDate_;
+    return keywordEdit_;
+}
+
+void OrderSearchBar::showInputFor(int type)
+{
+    QWidget *wanted = inputFor(type);
+    for (QWidget *input :
+         {static_cast<QWidget *>(keywordEdit_), static_cast<QWidget *>(shootingDate_),
+          static_cast<QWidget *>(selectionDate_)})
+        input->setVisible(input == wanted);
+    arrange();
+}
+
+/// Decided by the width alone, never by the present arrangement, so that it cannot flicker.
+void OrderSearchBar::arrange()
+{
+    const int branchWidth = qMin(branchBox_->sizeHint().width(), K::scaledPx(widestBranch));
+    branchBox_->setMaximumWidth(QWIDGETSIZE_MAX);
+    const int oneRow = searchRow_->sizeHint().width() + rows_->spacing() + branchWidth;
+    const bool fits = oneRow <= width();
+    rows_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    if (fits)
+        branchBox_->setMaximumWidth(branchWidth);
+}
+
+QSize OrderSearchBar::minimumSizeHint() const
+{
+    const int width =
+        qMax(searchRow_->minimumSizeHint().width(), branchBox_->minimumSizeHint().width());
+    return {width, rows_->minimumSize().height()};
+}
+
+void OrderSearchBar::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    arrange();
+}

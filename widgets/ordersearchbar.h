@@ -1,0 +1,68 @@
+#pragma once
+
+#include "app/context/accountcontext.h"
+#include "net/orderqueries.h"
+
+#include <QList>
+#include <QWidget>
+
+class ComboBox;
+class DatePicker;
+class LineEdit;
+class QBoxLayout;
+class QPushButton;
+
+/// What to search for, and in which branch. Announces what the user asks for and keeps what was
+/// typed; the window that owns it talks to the service. A date search without a date does not
+/// search but opens the calendar. Where it is narrow it takes two rows.
+class OrderSearchBar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OrderSearchBar(QWidget *parent = nullptr);
+
+    orderqueries::OrderSearch search() const;
+    /// Back to the basic information with nothing typed. Dates already chosen stay.
+    void resetKeyword();
+
+    void setBranches(const QList<ShopRecord> &branches, const QString &selectedId);
+    /// Announces nothing; an id that is not listed changes nothing.
+    void selectBranch(const QString &id);
+    /// Empty for an index that does not exist.
+    QString branchId(int index) const;
+    QString selectedBranchId() const;
+
+    /// True while a search runs: asking for another is not possible then.
+    void setBusy(bool busy);
+    bool isBusy() const { return busy_; }
+
+    QSize minimumSizeHint() const override;
+
+signals:
+    void searchRequested();
+    void searchTypeChanged(int type);
+    /// The user chose another branch.
+    void branchChosen(int index);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    void requestSearch();
+    void showInputFor(int type);
+    void arrange();
+    void connectParts();
+    QWidget *inputFor(int type) const;
+
+    QWidget *searchRow_;
+    ComboBox *typeBox_;
+    LineEdit *keywordEdit_;
+    DatePicker *shootingDate_;
+    DatePicker *selectionDate_;
+    QPushButton *searchButton_;
+    ComboBox *branchBox_;
+    QBoxLayout *rows_;
+    int branchIndex_ = -1;
+    bool busy_ = false;
+};

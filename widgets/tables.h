@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+#include <QTableView>
+
+/// Gives \a table the program's look and habits: whole rows are selected, rows alternate, long
+/// texts are elided with a tool tip, Tab leaves the table, the user sorts only where the caller
+/// turns it on. Call it once, before delegates for single columns are set.
+void prepareTable(QTableView *table);
+
+/// Makes the columns as wide as their header and the rows in view ask for, none wider than
+/// \a widest pixels. For the moment when the first rows have come; later the widths are the user's.
+void fitColumns(QTableView *table, int widest);
+
+/// Text with "…" where it does not fit: at the end, or in the middle for paths. The whole text is
+/// then the tool tip. Colours given by the model stay on selected rows.
+class ElidedTextDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    explicit ElidedTextDelegate(Qt::TextElideMode mode = Qt::ElideRight, QObject *parent = nullptr);
+
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
+
+private:
+    Qt::TextElideMode mode_;
+};
+
+/// A table that says in its middle why it is empty.
+class EmptyStateTable : public QTableView
+{
+    Q_OBJECT
+
+public:
+    explicit EmptyStateTable(QWidget *parent = nullptr);
+
+    void setEmptyText(const QString &text);
+    const QString &emptyText() const { return emptyText_; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QString emptyText_;
+};

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <QRgb>
+#include <QSize>
+#include <QString>
+
+/// The look that all windows share: style sheets and sizes, made of the colours by meaning and of
+/// design pixels times the interface scale. Nothing is cached: what is asked for after the scale
+/// has changed has the new scale. Sizes are pixels of the screen.
+namespace theme {
+
+// Sizes of texts.
+int textSize();
+int headingSize();
+
+// Sizes of things.
+int rowHeight();     ///< of a table
+int controlHeight(); ///< buttons and inputs
+int spacing();       ///< between neighbours
+int margin();        ///< between a window's edge and its content
+int radius();        ///< corners of buttons and inputs
+int hairline();      ///< thin borders
+int focusWidth();    ///< the ring around what has the focus
+int titleBarHeight();
+int titleButtonSize();
+int titleButtonSpacing();
+int gripWidth();      ///< how far from the edge a window is grabbed for resizing
+int checkBoxSize();   ///< the box alone
+int iconSize();       ///< small symbols inside inputs
+int noticeIconSize(); ///< the symbol of a message box
+int spinnerSize();
+int scrollBarWidth();
+QSize calendarSize();
+
+/// For a whole window: text size, tool tips, scroll bars. Its child widgets inherit it.
+QString windowStyle();
+QString titleBarStyle();
+/// White, black text, blue buttons.
+QString messageBoxStyle();
+
+/// The one button of a window that does its main work.
+QString primaryButtonStyle();
+/// A button beside the primary one: outlined instead of filled.
+QString secondaryButtonStyle();
+/// A filled button with white text.
+QString buttonStyle(QRgb background, QRgb hover);
+/// The button that starts a run, and its look while pressing it stops the run.
+QString startButtonStyle();
+QString stopButtonStyle();
+/// The login button once the login has succeeded.
+QString loginSucceededStyle();
+
+QString inputStyle();
+/// A line edit that lies on a frame drawn by its dialog.
+QString translucentInputStyle();
+QString comboStyle();
+QString dateEditStyle();
+QString calendarStyle();
+QString tableStyle();
+QString splitterStyle();
+QString scrollBarStyle();
+QString menuStyle();
+QString progressBarStyle();
+/// A label that heads a part of a window.
+QString headingStyle();
+/// The large mark that says how something ended.
+QString resultMarkStyle(QRgb colour);
+
+} // namespace theme
