@@ -86,7 +86,6 @@ void DatePicker::clicked()
 void DatePicker::openCalendar()
 {
     dateBefore_ = date();
-    picked_ = false;
     if (QCalendarWidget *calendar = calendarWidget()) {
         qDebug() << "尝试使用内置日历控件";
         const bool shown = openOwnCalendar(calendar);
@@ -123,10 +122,6 @@ bool DatePicker::openOwnCalendar(QCalendarWidget *calendar)
     if (popup != ownPopup_) {
         ownPopup_ = popup;
         popup->installEventFilter(this);
-        const auto pick = [this] { picked_ = true; };
-        connect(calendar, &QCalendarWidget::selectionChanged, this, pick);
-        connect(calendar, &QCalendarWidget::clicked, this, pick);
-        connect(calendar, &QCalendarWidget::activated, this, pick);
     }
     place(popup);
     popup->show();
@@ -176,9 +171,13 @@ bool DatePicker::eventFilter(QObject *watched, QEvent *event)
     if (watched == lineEdit() && event->type() == QEvent::MouseButtonRelease &&
         static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton && isEnabled())
         clicked();
-    // Closing the date edit's own calendar without a choice hands over whatever it pointed at.
-    if (watched == ownPopup_ && event->type() == QEvent::Hide && !picked_)
+    // The date follows the arrow keys inside the date edit's own calendar; Escape takes that back.
+    if (watched == ownPopup_ && event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::Cancel)) {
+        ownPopup_->close();
         setDate(dateBefore_);
+        return true;
+    }
     return QDateEdit::eventFilter(watched, event);
 }
 

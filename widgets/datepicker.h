@@ -50,6 +50,5 @@ private:
     QString prompt_;
     QPointer<QWidget> ownPopup_;
     QPointer<QWidget> separatePopup_;
-    QDate dateBefore_;    ///< what the calendar was opened with
-    bool picked_ = false; ///< something was picked since it was opened
+    QDate dateBefore_; ///< what the calendar was opened with
 };
