@@ -1,5 +1,6 @@
 #include "fileimport/importfiles.h"
 
+#include "app/context/k.h"
 #include "app/helpers/macwindowmanager.h"
 #include "fileimport/filebuttondelegate.h"
 #include "fileimport/importorderpanel.h"
@@ -29,6 +30,11 @@ namespace {
 
 constexpr int progressIntervalMs = 250;
 constexpr int toastMs = 2000;
+constexpr int nameColumnPx = 130;
+constexpr int stateColumnPx = 130;
+constexpr int actionColumnPx = 100;
+/// The orders need more room than the files when the window opens; both then grow alike.
+constexpr int ordersShare = 64;
 
 QString importingText()
 {
@@ -57,6 +63,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
+    splitter->setSizes({ordersShare, 100 - ordersShare});
     setContent(splitter);
 
     progressTimer_.setInterval(progressIntervalMs);
@@ -112,10 +119,9 @@ void ImportFiles::buildRight(QWidget *right)
     connect(retry, &QAction::triggered, this,
             [this] { onRetryImportClicked(fileTable_->currentIndex().row()); });
     QHeaderView *header = fileTable_->horizontalHeader();
-    const int width = header->defaultSectionSize();
-    fileTable_->setColumnWidth(ImportFileTableModel::FileNameColumn, 2 * width);
-    fileTable_->setColumnWidth(ImportFileTableModel::StateColumn, 2 * width);
-    header->setStretchLastSection(true);
+    header->resizeSection(ImportFileTableModel::FileNameColumn, K::scaledPx(nameColumnPx));
+    header->resizeSection(ImportFileTableModel::StateColumn, K::scaledPx(stateColumnPx));
+    header->resizeSection(ImportFileTableModel::ActionColumn, K::scaledPx(actionColumnPx));
 
     auto *layout = new QVBoxLayout(right);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());

@@ -20,7 +20,10 @@
 
 namespace {
 
-constexpr int widestColumnPx = 260;
+constexpr int numberColumnPx = 92; // room for the usual; the user widens what is longer
+constexpr int nameColumnPx = 66;
+constexpr int countColumnPx = 52;
+constexpr int stateColumnPx = 104;
 constexpr int pathColumnPx = 220;
 constexpr int progressBarPx = 4;
 constexpr int progressSteps = 1000;
@@ -54,6 +57,7 @@ void ImportOrderPanel::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
     prepareTable(table_);
+    wrapHeaders(table_);
     table_->setModel(proxy_);
     table_->setSortingEnabled(true);
     table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
@@ -67,9 +71,7 @@ void ImportOrderPanel::buildTable()
     table_->setItemDelegateForColumn(ImportOrderTableModel::ActionsColumn, actions);
     table_->setItemDelegateForColumn(ImportOrderTableModel::PathColumn,
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
-    table_->setColumnWidth(ImportOrderTableModel::ActionsColumn,
-                           OrderActionsDelegate::cellWidth(font()));
-    table_->setColumnWidth(ImportOrderTableModel::PathColumn, K::scaledPx(pathColumnPx));
+    setColumnWidths();
 
     connect(number, &OrderNumberButtonDelegate::orderNumberClicked, this,
             [this](int row) { emit orderNumberClicked(sourceRow(row)); });
@@ -176,20 +178,23 @@ void ImportOrderPanel::keepPlaceWhile(const std::function<void()> &change)
     }
     table_->verticalScrollBar()->setValue(scrolledDown);
     table_->horizontalScrollBar()->setValue(scrolledRight);
-    fitColumnsOnce();
     if (row < 0)
         emit selectionChanged();
 }
 
-void ImportOrderPanel::fitColumnsOnce()
+void ImportOrderPanel::setColumnWidths()
 {
-    if (columnsFit_ || model_->rowCount() == 0)
-        return;
-    columnsFit_ = true;
-    fitColumns(table_, K::scaledPx(widestColumnPx));
-    table_->setColumnWidth(ImportOrderTableModel::ActionsColumn,
-                           OrderActionsDelegate::cellWidth(table_->font()));
-    table_->setColumnWidth(ImportOrderTableModel::PathColumn, K::scaledPx(pathColumnPx));
+    using Model = ImportOrderTableModel;
+    for (const int names :
+         {Model::ManColumn, Model::WomanColumn, Model::PhotographerColumn, Model::MakeUpColumn})
+        table_->setColumnWidth(names, K::scaledPx(nameColumnPx));
+    for (const int counts :
+         {Model::OriginalsColumn, Model::RawColumn, Model::RetouchedColumn, Model::ChosenColumn})
+        table_->setColumnWidth(counts, K::scaledPx(countColumnPx));
+    table_->setColumnWidth(Model::NumberColumn, K::scaledPx(numberColumnPx));
+    table_->setColumnWidth(Model::StateColumn, K::scaledPx(stateColumnPx));
+    table_->setColumnWidth(Model::ActionsColumn, OrderActionsDelegate::cellWidth(table_->font()));
+    table_->setColumnWidth(Model::PathColumn, K::scaledPx(pathColumnPx));
 }
 
 int ImportOrderPanel::sourceRow(int viewRow) const

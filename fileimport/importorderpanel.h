@@ -59,7 +59,7 @@ private:
     void addRowAction(const QString &text, const QKeySequence &shortcut,
                       std::function<void(int row)> act);
     void showContextMenu(const QPoint &position);
-    void fitColumnsOnce();
+    void setColumnWidths();
     int sourceRow(int viewRow) const;
 
     ImportOrderTableModel *model_;
@@ -71,5 +71,4 @@ private:
     QProgressBar *progressBar_;
     QPushButton *startButton_;
     QAction *registerAgain_ = nullptr;
-    bool columnsFit_ = false;
 };

@@ -105,6 +105,7 @@ ComboBox::ComboBox(QWidget *parent) : QComboBox(parent)
     setStyleSheet(theme::comboStyle());
     setMinimumHeight(theme::controlHeight());
     setFocusPolicy(Qt::StrongFocus);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
 }
 
 void ComboBox::showPopup()

@@ -1,6 +1,5 @@
 #include "widgets/loadingoverlay.h"
 
-#include "app/context/k.h"
 #include "widgets/colours.h"
 #include "widgets/framelesswindow.h"
 #include "widgets/spinner.h"
@@ -17,7 +16,6 @@
 
 namespace {
 
-constexpr int barWidth = 240;
 constexpr int barSteps = 1000;
 
 } // namespace
@@ -41,7 +39,7 @@ LoadingOverlay::LoadingOverlay(QWidget *parent)
     mark_->setAlignment(Qt::AlignCenter);
     bar_->setTextVisible(false);
     bar_->setRange(0, barSteps);
-    bar_->setFixedWidth(K::scaledPx(barWidth));
+    bar_->setFixedWidth(theme::progressBarWidth());
     cancelButton_->setObjectName(QStringLiteral("loadingCancelButton"));
     cancelButton_->setStyleSheet(theme::secondaryButtonStyle());
 

@@ -1,6 +1,5 @@
 #include "widgets/noticedialog.h"
 
-#include "app/context/k.h"
 #include "widgets/colours.h"
 #include "widgets/theme.h"
 #include "widgets/titlebar.h"
@@ -19,8 +18,6 @@
 
 namespace {
 
-constexpr int narrowestText = 220;
-constexpr int widestText = 480;
 constexpr double screenShare = 0.6; ///< of the screen's height, for the text at most
 /// A text longer than this fills the largest box anyway and need not be measured whole.
 constexpr int measuredCharacters = 4000;
@@ -164,12 +161,12 @@ QAbstractScrollArea *NoticeDialog::textArea(const QString &text, Qt::TextFormat 
         measured.setPlainText(text.left(measuredCharacters));
         area = edit;
     }
-    const QSize natural = naturalSize(&measured, K::scaledPx(widestText));
+    const QSize natural = naturalSize(&measured, theme::widestNotice());
     const QScreen *screen = QGuiApplication::primaryScreen();
     const int tallest =
-        screen ? int(screen->availableSize().height() * screenShare) : K::scaledPx(widestText);
+        screen ? int(screen->availableSize().height() * screenShare) : theme::widestNotice();
     const bool scrolls = natural.height() > tallest || (!rich && text.size() > measuredCharacters);
-    const int width = qMax(natural.width(), K::scaledPx(narrowestText)) + theme::focusWidth();
+    const int width = qMax(natural.width(), theme::narrowestNotice()) + theme::focusWidth();
     // A bar that appeared for a missing pixel would take the width and wrap the text anew.
     area->setVerticalScrollBarPolicy(scrolls ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAlwaysOff);
     area->setFixedHeight(scrolls ? tallest : natural.height() + theme::focusWidth());

@@ -1,6 +1,5 @@
 #include "widgets/ordersearchbar.h"
 
-#include "app/context/k.h"
 #include "widgets/datepicker.h"
 #include "widgets/inputs.h"
 #include "widgets/theme.h"
@@ -12,14 +11,6 @@
 #include <QSignalBlocker>
 
 using orderqueries::OrderSearch;
-
-namespace {
-
-constexpr int narrowestInput = 140;
-constexpr int narrowestBranch = 110;
-constexpr int widestBranch = 220;
-
-} // namespace
 
 OrderSearchBar::OrderSearchBar(QWidget *parent)
     : QWidget(parent)
@@ -45,7 +36,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     branchBox_->setObjectName(QStringLiteral("branchBox"));
     branchBox_->setToolTip(QStringLiteral("分店"));
     branchBox_->setAccessibleName(branchBox_->toolTip());
-    branchBox_->setMinimumWidth(K::scaledPx(narrowestBranch));
+    branchBox_->setMinimumWidth(theme::narrowestChoice());
 
     auto *label = new QLabel(QStringLiteral("搜索类型:"), this);
     label->setBuddy(typeBox_);
@@ -57,7 +48,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     for (QWidget *input :
          {static_cast<QWidget *>(keywordEdit_), static_cast<QWidget *>(shootingDate_),
           static_cast<QWidget *>(selectionDate_)}) {
-        input->setMinimumWidth(K::scaledPx(narrowestInput));
+        input->setMinimumWidth(theme::narrowestInput());
         input->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         row->addWidget(input, 1);
     }
@@ -181,7 +172,7 @@ void OrderSearchBar::showInputFor(int type)
 /// Decided by the width alone, never by the present arrangement, so that it cannot flicker.
 void OrderSearchBar::arrange()
 {
-    const int branchWidth = qMin(branchBox_->sizeHint().width(), K::scaledPx(widestBranch));
+    const int branchWidth = qMin(branchBox_->sizeHint().width(), theme::widestChoice());
     branchBox_->setMaximumWidth(QWIDGETSIZE_MAX);
     const int oneRow = searchRow_->sizeHint().width() + rows_->spacing() + branchWidth;
     const bool fits = oneRow <= width();

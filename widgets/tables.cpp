@@ -52,6 +52,7 @@ void prepareTable(QTableView *table)
     columns->setHighlightSections(false);
     columns->setMinimumSectionSize(theme::rowHeight());
     columns->setFixedHeight(theme::rowHeight());
+    columns->setDefaultSectionSize(theme::columnWidth());
     columns->setResizeContentsPrecision(measuredRows);
     columns->setTextElideMode(Qt::ElideRight);
     columns->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -66,6 +67,14 @@ void fitColumns(QTableView *table, int widest)
         const int wanted = table->columnWidth(column) + theme::spacing();
         table->setColumnWidth(column, qMin(wanted, widest));
     }
+}
+
+void wrapHeaders(QTableView *table)
+{
+    QHeaderView *columns = table->horizontalHeader();
+    columns->setTextElideMode(Qt::ElideNone); // what is elided would not wrap
+    columns->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
+    columns->setFixedHeight(theme::rowHeight() * 3 / 2);
 }
 
 ElidedTextDelegate::ElidedTextDelegate(Qt::TextElideMode mode, QObject *parent)

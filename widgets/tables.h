@@ -12,6 +12,9 @@ void prepareTable(QTableView *table);
 /// \a widest pixels. For the moment when the first rows have come; later the widths are the user's.
 void fitColumns(QTableView *table, int widest);
 
+/// Lets the header's texts take two lines, so that columns of small numbers can be narrow.
+void wrapHeaders(QTableView *table);
+
 /// Text with "…" where it does not fit: at the end, or in the middle for paths. The whole text is
 /// then the tool tip. Colours given by the model stay on selected rows.
 class ElidedTextDelegate : public QStyledItemDelegate

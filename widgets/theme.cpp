@@ -180,6 +180,41 @@ QSize calendarSize()
     return {K::scaledPx(290), K::scaledPx(230)};
 }
 
+int columnWidth()
+{
+    return K::scaledPx(100);
+}
+
+int narrowestInput()
+{
+    return K::scaledPx(140);
+}
+
+int narrowestChoice()
+{
+    return K::scaledPx(110);
+}
+
+int widestChoice()
+{
+    return K::scaledPx(220);
+}
+
+int narrowestNotice()
+{
+    return K::scaledPx(220);
+}
+
+int widestNotice()
+{
+    return K::scaledPx(480);
+}
+
+int progressBarWidth()
+{
+    return K::scaledPx(240);
+}
+
 QString windowStyle()
 {
     return scaled(QStringLiteral("* { font-size: @text; }"

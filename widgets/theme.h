@@ -31,6 +31,13 @@ int noticeIconSize(); ///< the symbol of a message box
 int spinnerSize();
 int scrollBarWidth();
 QSize calendarSize();
+int columnWidth();     ///< of a table before it has content
+int narrowestInput();  ///< a search field that still can be read
+int narrowestChoice(); ///< a combo box of names of any length
+int widestChoice();
+int narrowestNotice(); ///< the text of a message box
+int widestNotice();
+int progressBarWidth();
 
 /// For a whole window: text size, tool tips, scroll bars. Its child widgets inherit it.
 QString windowStyle();

@@ -25,6 +25,7 @@ TitleBar::TitleBar(QWidget *parent) : QWidget(parent), titleLabel_(new QLabel(th
     layout->setContentsMargins(theme::margin(), 0, theme::spacing(), 0);
     layout->setSpacing(theme::titleButtonSpacing());
     layout->addWidget(titleLabel_, 1);
+    layout->addStretch(); // keeps the buttons at the right where no title is shown
     minimizeButton_ =
         addButton(QStringLiteral("−"), QStringLiteral("minimizeButton"), QStringLiteral("最小化"));
     closeButton_ =

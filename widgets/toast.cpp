@@ -1,6 +1,5 @@
 #include "widgets/toast.h"
 
-#include "app/context/k.h"
 #include "widgets/colours.h"
 #include "widgets/theme.h"
 

@@ -27,11 +27,7 @@ QString encoded(const QString &password)
 /// password is told that it is wrong, and sees only dots.
 QString decoded(const QString &text)
 {
-    const auto result =
-        QByteArray::fromBase64Encoding(text.toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
-    if (!result)
-        return {};
-    const QString password = QString::fromUtf8(*result);
+    const QString password = QString::fromUtf8(QByteArray::fromBase64(text.toLatin1()));
     return encoded(password) == text ? password : QString();
 }
 

@@ -2,6 +2,7 @@
 #include "app/account/loginnew.h"
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
+#include "net/servicecall.h"
 #include "tests/support/democlient.h"
 #include "widgets/customcheckboxnew.h"
 #include "widgets/inputs.h"
@@ -150,7 +151,9 @@ void TestLoginNew::isRefused()
 {
     Window window;
     window.type(QStringLiteral("demo01"), QStringLiteral("wrong"));
-    QTest::keyClick(window.password(), Qt::Key_Return);
+    auto *remember = window.child<CustomCheckBoxNew>("rememberPasswordBox");
+    QTest::keyClick(remember, Qt::Key_Return);
+    QVERIFY(!remember->isChecked());
     QTRY_VERIFY(window.isIdle());
     const auto shown = MessageBox::takeShown();
     QCOMPARE(shown.size(), 1);
@@ -241,6 +244,7 @@ void TestLoginNew::isCancelled()
     QTRY_COMPARE(demo_.requests(dologin).size(), 1);
     QTest::keyClick(window.password(), Qt::Key_Escape);
     QVERIFY(window.isIdle());
+    QVERIFY(!window.login.findChild<LatestCall *>()->isActive());
     window.press();
     QTRY_COMPARE(demo_.requests(dologin).size(), 2);
     QTest::mouseClick(window.cancel(), Qt::LeftButton);

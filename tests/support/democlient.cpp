@@ -1,6 +1,7 @@
 #include "tests/support/democlient.h"
 
 #include "app/context/accountcontext.h"
+#include "net/basereq.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -66,6 +67,7 @@ QByteArray DemoClient::call(const QString &path, const QByteArray *body)
     QNetworkAccessManager manager;
     QNetworkRequest request(QUrl(AccountContext::baseUrl + QStringLiteral("/demo/") + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    BaseReq::applyTlsSettings(&request);
     QNetworkReply *reply = body ? manager.post(request, *body) : manager.get(request);
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);

@@ -1,0 +1,101 @@
+#include "bench/benchapplication.h"
+
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <ctime>
+
+namespace {
+
+constexpr int eventsKept = 5;
+
+double threadCpuMs()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return double(time.tv_sec) * 1e3 + double(time.tv_nsec) / 1e6;
+}
+
+} // namespace
+
+void BenchApplication::startWatching()
+{
+    longest_.clear();
+    watching_ = true;
+}
+
+QVector<BenchApplication::Cost> BenchApplication::stopWatching()
+{
+    watching_ = false;
+    return longest_;
+}
+
+bool BenchApplication::runUntil(const std::function<bool()> &done, int timeoutMs)
+{
+    if (done())
+        return true;
+    QEventLoop loop;
+    bool held = false;
+    afterEvent_ = [&] {
+        if (!held && done()) {
+            held = true;
+            loop.quit();
+        }
+    };
+    QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+    loop.exec();
+    afterEvent_ = nullptr;
+    return held;
+}
+
+bool BenchApplication::notify(QObject *receiver, QEvent *event)
+{
+    if (QThread::currentThread() != thread())
+        return QApplication::notify(receiver, event);
+    const int level = thread()->loopLevel();
+    if (level == loopLevel_)
+        return deliver(receiver, event); // part of the event that sent it
+
+    const int outerLevel = loopLevel_;
+    loopLevel_ = level;
+    waited_ = false;
+    // Neither may be left to ask afterwards.
+    Cost cost;
+    cost.type = event->type();
+    cost.receiver = receiver->metaObject()->className();
+    const double cpuBefore = threadCpuMs();
+    QElapsedTimer wall;
+    wall.start();
+    const bool result = deliver(receiver, event);
+    cost.wallMs = double(wall.nsecsElapsed()) / 1e6;
+    cost.cpuMs = threadCpuMs() - cpuBefore;
+    if (watching_ && !waited_)
+        add(cost);
+    waited_ = outerLevel >= 0; // for the event this one's loop runs in
+    loopLevel_ = outerLevel;
+    if (afterEvent_)
+        afterEvent_();
+    return result;
+}
+
+bool BenchApplication::deliver(QObject *receiver, QEvent *event)
+{
+    const bool isPaint = event->type() == QEvent::Paint;
+    const bool result = QApplication::notify(receiver, event);
+    if (isPaint && painted)
+        painted(receiver);
+    return result;
+}
+
+void BenchApplication::add(const Cost &cost)
+{
+    const auto place = std::find_if(longest_.begin(), longest_.end(), [&cost](const Cost &other) {
+        return other.cpuMs < cost.cpuMs;
+    });
+    longest_.insert(place, cost);
+    if (longest_.size() > eventsKept)
+        longest_.removeLast();
+}

@@ -1,0 +1,8 @@
+#pragma once
+
+class Guide;
+
+/// Each tool's part of the tour, in the order in which main() walks them.
+void tourLogin(Guide &guide);
+void tourImportOriginals(Guide &guide);
+void tourImportRetouched(Guide &guide);
