@@ -44,7 +44,7 @@ private:
 
     bool watching_ = false;
     QVector<Cost> longest_;
-    int loopLevel_ = -1;    ///< event loop of the event being timed; -1 outside of any
-    bool waited_ = false;   ///< whether that event ran a loop of its own
+    int loopLevel_ = -1;  ///< event loop of the event being timed; -1 outside of any
+    bool waited_ = false; ///< whether that event ran a loop of its own
     std::function<void()> afterEvent_;
 };

@@ -62,8 +62,7 @@ void makePhotos(const QString &folder, int count, int bytes)
         if (!photo.open(QIODevice::WriteOnly) ||
             photo.write(reinterpret_cast<const char *>(words.constData()), bytes) != bytes ||
             !photo.flush())
-            qFatal("%s: %s", qUtf8Printable(photo.fileName()),
-                   qUtf8Printable(photo.errorString()));
+            qFatal("%s: %s", qUtf8Printable(photo.fileName()), qUtf8Printable(photo.errorString()));
     }
 }
 
@@ -78,8 +77,8 @@ QStringList photoPaths(const QString &folder, int count)
 
 void logTo(const QString &file)
 {
-    logFile = open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC,
-                   0666);
+    logFile =
+        open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (logFile < 0)
         qFatal("%s cannot be written", qUtf8Printable(file));
     qInstallMessageHandler(writeLog);

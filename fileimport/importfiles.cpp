@@ -30,11 +30,10 @@ namespace {
 
 constexpr int progressIntervalMs = 250;
 constexpr int toastMs = 2000;
-constexpr int nameColumnPx = 130;
+constexpr int nameColumnPx = 120;
 constexpr int stateColumnPx = 130;
-constexpr int actionColumnPx = 100;
-/// The orders need more room than the files when the window opens; both then grow alike.
-constexpr int ordersShare = 64;
+constexpr int actionColumnPx = 96;
+constexpr int narrowestRightPx = 390; // the retry buttons are always in sight
 
 QString importingText()
 {
@@ -63,7 +62,6 @@ ImportFiles::ImportFiles(QWidget *parent)
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
-    splitter->setSizes({ordersShare, 100 - ordersShare});
     setContent(splitter);
 
     progressTimer_.setInterval(progressIntervalMs);
@@ -123,6 +121,7 @@ void ImportFiles::buildRight(QWidget *right)
     header->resizeSection(ImportFileTableModel::StateColumn, K::scaledPx(stateColumnPx));
     header->resizeSection(ImportFileTableModel::ActionColumn, K::scaledPx(actionColumnPx));
 
+    right->setMinimumWidth(K::scaledPx(narrowestRightPx));
     auto *layout = new QVBoxLayout(right);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());

@@ -193,7 +193,10 @@ void ImportOrderPanel::setColumnWidths()
         table_->setColumnWidth(counts, K::scaledPx(countColumnPx));
     table_->setColumnWidth(Model::NumberColumn, K::scaledPx(numberColumnPx));
     table_->setColumnWidth(Model::StateColumn, K::scaledPx(stateColumnPx));
-    table_->setColumnWidth(Model::ActionsColumn, OrderActionsDelegate::cellWidth(table_->font()));
+    // The style sheet's text size reaches the table's font only when it is shown.
+    QFont font = table_->font();
+    font.setPixelSize(theme::textSize());
+    table_->setColumnWidth(Model::ActionsColumn, OrderActionsDelegate::cellWidth(font));
     table_->setColumnWidth(Model::PathColumn, K::scaledPx(pathColumnPx));
 }
 

@@ -132,7 +132,8 @@ LoginNew::LoginNew(QWidget *parent)
 
 LoginNew::~LoginNew()
 {
-    // A field that dies with the focus loses it first, when nothing of this class is left to hear it.
+    // A field that dies with the focus loses it first, when nothing of this class is left to hear
+    // it.
     accountEdit_->disconnect(this);
     passwordEdit_->disconnect(this);
 }

@@ -58,226 +58,215 @@ class TestLoginNew : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void logsIn();
-    void remembersOnlyWhenAsked();
-    void fillsInWhatWasSaved();
-    void isRefused();
-    void asksForWhatIsMissing_data();
-    void asksForWhatIsMissing();
-    void sendsOneRequestAtATime();
-    void staysSilentWithoutAnAnswer_data();
-    void staysSilentWithoutAnAnswer();
-    void isCancelled();
-    void opensNothingOnceClosed();
-    void goesThroughTheFieldsByKeyboard();
+    void init()
+    {
+        demo_.reset();
+        MessageBox::setScripted(true);
+        MessageBox::takeShown();
+        QFile::remove(CredentialsFile().path());
+        QDir(AccountContext::dataFolder).removeRecursively();
+        AccountContext::shopList.clear();
+        AccountContext::shopId.clear();
+        AccountContext::uid.clear();
+    }
+
+    void logsIn()
+    {
+        Window window;
+        window.type(QStringLiteral("  demo01 "), QStringLiteral("abc123 "));
+        QTest::mouseClick(window.child<CustomCheckBoxNew>("rememberPasswordBox"), Qt::LeftButton);
+        window.press();
+        QVERIFY(window.cancel()->isVisible());
+        QTRY_COMPARE(window.button()->text(), success);
+        QVERIFY(window.loggedIn.isEmpty());
+        QVERIFY(!window.cancel()->isVisible());
+        QCOMPARE(AccountContext::uid, QStringLiteral("9001"));
+        QCOMPARE(AccountContext::shopList.size(), 3);
+        QCOMPARE(AccountContext::shopId, AccountContext::shopList.first().id);
+        window.press(); // busy to the end
+
+        QTRY_COMPARE(window.loggedIn.size(), 1);
+        const auto reply = window.loggedIn.first().first().toJsonObject();
+        QVERIFY(reply.contains(QStringLiteral("shop_data")));
+        QVERIFY(!reply.contains(QStringLiteral("code")));
+        QCOMPARE(K::instance()->loadLoginData(), reply);
+        const Credentials saved = CredentialsFile().read();
+        QCOMPARE(saved.account, QStringLiteral("  demo01 "));
+        QCOMPARE(saved.password, QStringLiteral("abc123 "));
+        QTRY_VERIFY(!window.login.isVisible());
+
+        const QJsonArray requests = demo_.requests(dologin);
+        QCOMPARE(requests.size(), 1);
+        QVERIFY(requests.first()[QStringLiteral("body")].toString().startsWith(
+            QStringLiteral("username=demo01&password=abc123&token=")));
+    }
+
+    void remembersOnlyWhenAsked()
+    {
+        demo_.misbehave(dologin, QStringLiteral("missing-fields"),
+                        {{QStringLiteral("fields"), QJsonArray{QStringLiteral("shop_data")}}});
+        AccountContext::shopId = QStringLiteral("before");
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.press();
+        QVERIFY(!QFile::exists(CredentialsFile().path())); // only a success writes it then
+        QTRY_COMPARE(window.loggedIn.size(), 1);
+        QCOMPARE(CredentialsFile().read().account, QStringLiteral("demo01"));
+        QCOMPARE(CredentialsFile().read().password, QString());
+        QVERIFY(AccountContext::shopList.isEmpty());
+        QCOMPARE(AccountContext::shopId, QStringLiteral("before"));
+    }
+
+    void fillsInWhatWasSaved()
+    {
+        for (const bool remembered : {true, false}) {
+            CredentialsFile().write(
+                {QStringLiteral("demo02"), QStringLiteral("secret"), remembered});
+            Window window;
+            QCOMPARE(window.account()->text(), QStringLiteral("demo02"));
+            QCOMPARE(window.password()->text(), remembered ? QStringLiteral("secret") : QString());
+            QCOMPARE(window.child<CustomCheckBoxNew>("rememberPasswordBox")->isChecked(),
+                     remembered);
+            QTRY_VERIFY(window.password()->hasFocus());
+        }
+    }
+
+    void isRefused()
+    {
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("wrong"));
+        auto *remember = window.child<CustomCheckBoxNew>("rememberPasswordBox");
+        remember->setFocus();
+        QTest::keyClick(remember, Qt::Key_Return); // logs in, and leaves the box as it is
+        QVERIFY(!remember->isChecked());
+        QTRY_VERIFY(window.isIdle());
+        const auto shown = MessageBox::takeShown();
+        QCOMPARE(shown.size(), 1);
+        QCOMPARE(shown.first().kind, MessageBox::Kind::Warning);
+        QCOMPARE(shown.first().title, QStringLiteral("温馨提示"));
+        QCOMPARE(shown.first().text, QStringLiteral("账号或密码错误"));
+        QVERIFY(window.loggedIn.isEmpty());
+        QVERIFY(AccountContext::uid.isEmpty());
+
+        window.password()->clear();
+        QTest::keyClicks(window.password(), QStringLiteral("abc123"));
+        QTest::keyClick(window.password(), Qt::Key_Return);
+        QTRY_COMPARE(window.button()->text(), success);
+    }
+
+    void asksForWhatIsMissing_data()
+    {
+        QTest::addColumn<QString>("account");
+        QTest::addColumn<QString>("password");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("nothing") << ""
+                                 << ""
+                                 << "请输入账号";
+        QTest::newRow("blank account") << "  "
+                                       << "abc123"
+                                       << "请输入账号";
+        QTest::newRow("blank password") << "demo01"
+                                        << " \u3000"
+                                        << "请输入密码";
+    }
+
+    void asksForWhatIsMissing()
+    {
+        QFETCH(QString, account);
+        QFETCH(QString, password);
+        Window window;
+        window.account()->setText(account);
+        window.password()->setText(password);
+        QTest::keyClick(window.account(), Qt::Key_Enter);
+        const auto shown = MessageBox::takeShown();
+        QCOMPARE(shown.size(), 1);
+        QTEST(shown.first().text, "text");
+        QVERIFY(window.isIdle());
+        QVERIFY(demo_.requests().isEmpty());
+    }
+
+    void sendsOneRequestAtATime()
+    {
+        demo_.misbehave(dologin, QStringLiteral("hold"));
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        QTest::mouseDClick(window.button(), Qt::LeftButton);
+        QTest::keyClick(window.password(), Qt::Key_Return);
+        QTRY_COMPARE(demo_.requests(dologin).size(), 1);
+        window.press();
+        demo_.release();
+        QTRY_COMPARE(window.loggedIn.size(), 1);
+        QCOMPARE(demo_.requests(dologin).size(), 1);
+    }
+
+    void staysSilentWithoutAnAnswer_data()
+    {
+        QTest::addColumn<QString>("kind");
+        for (const char *kind : {"drop", "http-error", "broken-json", "html", "empty", "array"})
+            QTest::newRow(kind) << kind;
+    }
+
+    void staysSilentWithoutAnAnswer()
+    {
+        QFETCH(QString, kind);
+        demo_.misbehave(dologin, kind);
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.press();
+        QVERIFY(!window.isIdle());
+        QTRY_VERIFY(window.isIdle());
+        QVERIFY(MessageBox::takeShown().isEmpty());
+        window.press();
+        QTRY_COMPARE(window.button()->text(), success);
+    }
+
+    void isCancelled()
+    {
+        demo_.misbehave(dologin, QStringLiteral("hold"), {{QStringLiteral("times"), 2}});
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.press();
+        QTRY_COMPARE(demo_.requests(dologin).size(), 1);
+        QTest::keyClick(window.password(), Qt::Key_Escape);
+        QVERIFY(window.isIdle());
+        QVERIFY(!window.login.findChild<LatestCall *>()->isActive());
+        window.press();
+        QTRY_COMPARE(demo_.requests(dologin).size(), 2);
+        QTest::mouseClick(window.cancel(), Qt::LeftButton);
+        QVERIFY(window.isIdle());
+        demo_.release();
+        window.press(); // the answers given up do not disturb the next
+        QTRY_COMPARE(window.button()->text(), success);
+    }
+
+    void opensNothingOnceClosed()
+    {
+        Window window;
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.press();
+        QTRY_VERIFY(window.child<QTimer>("successShown")->isActive());
+        QTest::mouseClick(window.child<QWidget>("closeButton"), Qt::LeftButton);
+        QVERIFY(!window.login.isVisible());
+        QVERIFY(!window.child<QTimer>("successShown")->isActive());
+    }
+
+    void goesThroughTheFieldsByKeyboard()
+    {
+        Window window;
+        QTRY_VERIFY(window.account()->hasFocus());
+        QStringList order;
+        for (int i = 0; i < 6; ++i) {
+            order.append(QApplication::focusWidget()->objectName());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(order.join(QLatin1Char(' ')),
+                 QStringLiteral("accountEdit passwordEdit rememberPasswordBox loginButton"
+                                " minimizeButton closeButton"));
+    }
 
 private:
     DemoClient demo_;
 };
-
-void TestLoginNew::init()
-{
-    demo_.reset();
-    MessageBox::setScripted(true);
-    MessageBox::takeShown();
-    QFile::remove(CredentialsFile().path());
-    QDir(AccountContext::dataFolder).removeRecursively();
-    AccountContext::shopList.clear();
-    AccountContext::shopId.clear();
-    AccountContext::uid.clear();
-}
-
-void TestLoginNew::logsIn()
-{
-    Window window;
-    window.type(QStringLiteral("  demo01 "), QStringLiteral("abc123 "));
-    QTest::mouseClick(window.child<CustomCheckBoxNew>("rememberPasswordBox"), Qt::LeftButton);
-    window.press();
-    QVERIFY(window.cancel()->isVisible());
-    QTRY_COMPARE(window.button()->text(), success);
-    QVERIFY(window.loggedIn.isEmpty());
-    QVERIFY(!window.cancel()->isVisible());
-    QCOMPARE(AccountContext::uid, QStringLiteral("9001"));
-    QCOMPARE(AccountContext::shopList.size(), 3);
-    QCOMPARE(AccountContext::shopId, AccountContext::shopList.first().id);
-    window.press(); // busy to the end
-
-    QTRY_COMPARE(window.loggedIn.size(), 1);
-    const auto reply = window.loggedIn.first().first().toJsonObject();
-    QVERIFY(reply.contains(QStringLiteral("shop_data")));
-    QVERIFY(!reply.contains(QStringLiteral("code")));
-    QCOMPARE(K::instance()->loadLoginData(), reply);
-    const Credentials saved = CredentialsFile().read();
-    QCOMPARE(saved.account, QStringLiteral("  demo01 "));
-    QCOMPARE(saved.password, QStringLiteral("abc123 "));
-    QTRY_VERIFY(!window.login.isVisible());
-
-    const QJsonArray requests = demo_.requests(dologin);
-    QCOMPARE(requests.size(), 1);
-    QVERIFY(requests.first()[QStringLiteral("body")].toString().startsWith(
-        QStringLiteral("username=demo01&password=abc123&token=")));
-}
-
-void TestLoginNew::remembersOnlyWhenAsked()
-{
-    demo_.misbehave(dologin, QStringLiteral("missing-fields"),
-                    {{QStringLiteral("fields"), QJsonArray{QStringLiteral("shop_data")}}});
-    AccountContext::shopId = QStringLiteral("before");
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-    window.press();
-    QVERIFY(!QFile::exists(CredentialsFile().path())); // only a success writes it then
-    QTRY_COMPARE(window.loggedIn.size(), 1);
-    QCOMPARE(CredentialsFile().read().account, QStringLiteral("demo01"));
-    QCOMPARE(CredentialsFile().read().password, QString());
-    QVERIFY(AccountContext::shopList.isEmpty());
-    QCOMPARE(AccountContext::shopId, QStringLiteral("before"));
-}
-
-void TestLoginNew::fillsInWhatWasSaved()
-{
-    for (const bool remembered : {true, false}) {
-        CredentialsFile().write({QStringLiteral("demo02"), QStringLiteral("secret"), remembered});
-        Window window;
-        QCOMPARE(window.account()->text(), QStringLiteral("demo02"));
-        QCOMPARE(window.password()->text(), remembered ? QStringLiteral("secret") : QString());
-        QCOMPARE(window.child<CustomCheckBoxNew>("rememberPasswordBox")->isChecked(), remembered);
-        QTRY_VERIFY(window.password()->hasFocus());
-    }
-}
-
-void TestLoginNew::isRefused()
-{
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("wrong"));
-    auto *remember = window.child<CustomCheckBoxNew>("rememberPasswordBox");
-    QTest::keyClick(remember, Qt::Key_Return);
-    QVERIFY(!remember->isChecked());
-    QTRY_VERIFY(window.isIdle());
-    const auto shown = MessageBox::takeShown();
-    QCOMPARE(shown.size(), 1);
-    QCOMPARE(shown.first().kind, MessageBox::Kind::Warning);
-    QCOMPARE(shown.first().title, QStringLiteral("温馨提示"));
-    QCOMPARE(shown.first().text, QStringLiteral("账号或密码错误"));
-    QVERIFY(window.loggedIn.isEmpty());
-    QVERIFY(AccountContext::uid.isEmpty());
-
-    window.password()->clear();
-    QTest::keyClicks(window.password(), QStringLiteral("abc123"));
-    QTest::keyClick(window.password(), Qt::Key_Return);
-    QTRY_COMPARE(window.button()->text(), success);
-}
-
-void TestLoginNew::asksForWhatIsMissing_data()
-{
-    QTest::addColumn<QString>("account");
-    QTest::addColumn<QString>("password");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("nothing") << ""
-                             << ""
-                             << "请输入账号";
-    QTest::newRow("blank account") << "  "
-                                   << "abc123"
-                                   << "请输入账号";
-    QTest::newRow("blank password") << "demo01"
-                                    << " \u3000"
-                                    << "请输入密码";
-}
-
-void TestLoginNew::asksForWhatIsMissing()
-{
-    QFETCH(QString, account);
-    QFETCH(QString, password);
-    Window window;
-    window.account()->setText(account);
-    window.password()->setText(password);
-    QTest::keyClick(window.account(), Qt::Key_Enter);
-    const auto shown = MessageBox::takeShown();
-    QCOMPARE(shown.size(), 1);
-    QTEST(shown.first().text, "text");
-    QVERIFY(window.isIdle());
-    QVERIFY(demo_.requests().isEmpty());
-}
-
-void TestLoginNew::sendsOneRequestAtATime()
-{
-    demo_.misbehave(dologin, QStringLiteral("hold"));
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-    QTest::mouseDClick(window.button(), Qt::LeftButton);
-    QTest::keyClick(window.password(), Qt::Key_Return);
-    QTRY_COMPARE(demo_.requests(dologin).size(), 1);
-    window.press();
-    demo_.release();
-    QTRY_COMPARE(window.loggedIn.size(), 1);
-    QCOMPARE(demo_.requests(dologin).size(), 1);
-}
-
-void TestLoginNew::staysSilentWithoutAnAnswer_data()
-{
-    QTest::addColumn<QString>("kind");
-    for (const char *kind : {"drop", "http-error", "broken-json", "html", "empty", "array"})
-        QTest::newRow(kind) << kind;
-}
-
-void TestLoginNew::staysSilentWithoutAnAnswer()
-{
-    QFETCH(QString, kind);
-    demo_.misbehave(dologin, kind);
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-    window.press();
-    QVERIFY(!window.isIdle());
-    QTRY_VERIFY(window.isIdle());
-    QVERIFY(MessageBox::takeShown().isEmpty());
-    window.press();
-    QTRY_COMPARE(window.button()->text(), success);
-}
-
-void TestLoginNew::isCancelled()
-{
-    demo_.misbehave(dologin, QStringLiteral("hold"), {{QStringLiteral("times"), 2}});
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-    window.press();
-    QTRY_COMPARE(demo_.requests(dologin).size(), 1);
-    QTest::keyClick(window.password(), Qt::Key_Escape);
-    QVERIFY(window.isIdle());
-    QVERIFY(!window.login.findChild<LatestCall *>()->isActive());
-    window.press();
-    QTRY_COMPARE(demo_.requests(dologin).size(), 2);
-    QTest::mouseClick(window.cancel(), Qt::LeftButton);
-    QVERIFY(window.isIdle());
-    demo_.release();
-    window.press(); // the answers given up do not disturb the next
-    QTRY_COMPARE(window.button()->text(), success);
-}
-
-void TestLoginNew::opensNothingOnceClosed()
-{
-    Window window;
-    window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-    window.press();
-    QTRY_VERIFY(window.child<QTimer>("successShown")->isActive());
-    QTest::mouseClick(window.child<QWidget>("closeButton"), Qt::LeftButton);
-    QVERIFY(!window.login.isVisible());
-    QVERIFY(!window.child<QTimer>("successShown")->isActive());
-}
-
-void TestLoginNew::goesThroughTheFieldsByKeyboard()
-{
-    Window window;
-    QTRY_VERIFY(window.account()->hasFocus());
-    QStringList order;
-    for (int i = 0; i < 6; ++i) {
-        order.append(QApplication::focusWidget()->objectName());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    }
-    QCOMPARE(order.join(QLatin1Char(' ')),
-             QStringLiteral("accountEdit passwordEdit rememberPasswordBox loginButton"
-                            " minimizeButton closeButton"));
-}
 
 QTEST_MAIN(TestLoginNew)
 #include "test_loginnew.moc"

@@ -12,6 +12,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTableView>
 #include <QtTest>
@@ -162,8 +163,17 @@ void tourImportOriginals(Guide &guide)
     QFile::remove(away); // of a tour that ended early
     guide.check(QFile::rename(photos.at(2), away),
                 QStringLiteral("one file vanishes from the card"));
+    guide.studio().misbehave(QStringLiteral("savepicpath_batch"), QStringLiteral("hold"));
     guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("import-finished-box"));
     guide.click(hand.window(), "startButton");
+    guide.waitFor([&] { return guide.studio().state().value(QStringLiteral("held")).toInt() == 1; },
+                  QStringLiteral("the first order is copied"));
+    const auto *progress = hand.window()->findChild<QLabel *>(QStringLiteral("progressLabel"));
+    guide.waitFor(
+        [&] { return progress->text().contains(QStringLiteral("%1/").arg(photos.size())); },
+        QStringLiteral("the progress tells so"));
+    guide.picture(hand.window(), QStringLiteral("import-running"));
+    guide.studio().release();
     guide.check(guide.boxText() == QStringLiteral("导入完成！"),
                 QStringLiteral("the end is announced"));
     guide.check(hand.cell(first, Column::StateColumn) ==

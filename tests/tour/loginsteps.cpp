@@ -26,5 +26,6 @@ void tourLogin(Guide &guide)
     guide.check(AccountContext::shopList.size() == 3, QStringLiteral("it has three branches"));
     guide.picture(login, QStringLiteral("login-succeeded"));
     auto *launcher = guide.waitForWindow<ChooseTools>(QStringLiteral("the launcher opens"));
+    launcher->resize(K::scaledPx(760), K::scaledPx(560)); // a virtual screen is small
     guide.picture(launcher, QStringLiteral("launcher"));
 }
