@@ -15,7 +15,6 @@
 #include <QMetaEnum>
 #include <QNetworkReply>
 #include <QTableView>
-#include <QTemporaryDir>
 
 #include <cstdio>
 #include <malloc.h>
@@ -78,7 +77,7 @@ double residentMb()
     malloc_trim(0);
     QFile file(QStringLiteral("/proc/self/statm"));
     if (!file.open(QIODevice::ReadOnly))
-        qFatal("%s", qUtf8Printable(file.errorString()));
+        throw bench::Failure(file.errorString());
     const qint64 pages = file.readAll().split(' ').value(1).toLongLong();
     return double(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
 }
@@ -114,17 +113,18 @@ public:
     int rows() { return table()->model()->rowCount(); }
     QString text(int column) { return table()->model()->index(0, column).data().toString(); }
 
-    void await(const char *what, const std::function<bool()> &done)
+    void await(const QString &what, const std::function<bool()> &done)
     {
         if (application_->runUntil(done, patienceMs))
             return;
+        QString problem = QStringLiteral("waited in vain for ") + what;
         for (const MessageBox::Shown &box : MessageBox::takeShown())
-            std::fprintf(stderr, "box: %s\n", qUtf8Printable(box.text));
-        qFatal("waited in vain: %s", what);
+            problem += QLatin1Char('\n') + box.text;
+        throw bench::Failure(problem);
     }
     void awaitOrders()
     {
-        await("orders", [this] { return rows() > 0; });
+        await(QStringLiteral("orders"), [this] { return rows() > 0; });
     }
     /// Until animations have ended and everything is painted.
     void settle()
@@ -141,7 +141,7 @@ public:
         QMetaObject::invokeMethod(
             &window_, [this] { window_.onSelectFilesClicked(0); }, Qt::QueuedConnection);
         const QString wanted = QString::number(count);
-        await("chosen files", [&] { return text(Column::ChosenColumn) == wanted; });
+        await(QStringLiteral("chosen files"), [&] { return text(Column::ChosenColumn) == wanted; });
     }
 
 private:
@@ -206,7 +206,7 @@ double msUntilTable(BenchApplication *application, int orders,
     application->painted = [&](QObject *widget) {
         painted = painted || (widget == desk.table()->viewport() && desk.rows() == orders);
     };
-    desk.await("painted orders", [&] {
+    desk.await(QStringLiteral("painted orders"), [&] {
         if (reply)
             return painted;
         const auto replies = desk.window()->findChildren<QNetworkReply *>();
@@ -238,7 +238,7 @@ void measureTable(BenchApplication *application, const Settings &settings)
         already = desk.rows();
     }
     if (already > settings.orders)
-        qFatal("the demo service has %d orders already", already);
+        throw bench::Failure(QStringLiteral("there are %1 orders already").arg(already));
     demo.addOrders(settings.orders - already, AccountContext::shopId);
     QVector<double> times;
     QVector<double> costs;
@@ -266,7 +266,7 @@ double importSeconds(Desk *desk, const Settings &settings)
     QMetaObject::invokeMethod(desk->window(), &ImportFiles::onStartAllClicked,
                               Qt::QueuedConnection);
     QStringList boxes;
-    desk->await("end of the import", [&boxes] {
+    desk->await(QStringLiteral("end of the import"), [&boxes] {
         for (const MessageBox::Shown &box : MessageBox::takeShown())
             boxes.append(box.text);
         return !boxes.isEmpty();
@@ -274,7 +274,7 @@ double importSeconds(Desk *desk, const Settings &settings)
     const double seconds = double(clock.nsecsElapsed()) / 1e9;
     if (boxes != QStringList(QStringLiteral("导入完成！")) ||
         desk->text(Column::OriginalsColumn).toInt() != settings.imported)
-        qFatal("not imported: %s", qUtf8Printable(boxes.join(QLatin1Char('\n'))));
+        throw bench::Failure(QStringLiteral("not imported: ") + boxes.join(QLatin1Char('\n')));
     return seconds;
 }
 
@@ -325,15 +325,13 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "A number makes no sense; see --help\n");
         return 2;
     }
-    bench::needDemoService();
-    const auto folder = bench::makeFolder(settings.folder);
-    bench::logTo(folder->filePath(QStringLiteral("program.log")));
-    K::instance()->initApplication(&application);
-    QApplication::setQuitOnLastWindowClosed(false);
-    MessageBox::setScripted(true);
-    logIn();
-    measureMemory(&application, settings, folder->path());
-    measureTable(&application, settings);
-    measureImport(&application, settings, folder->path());
-    return 0;
+    return bench::runIn(settings.folder, [&](const QString &folder) {
+        K::instance()->initApplication(&application);
+        QApplication::setQuitOnLastWindowClosed(false);
+        MessageBox::setScripted(true);
+        logIn();
+        measureMemory(&application, settings, folder);
+        measureTable(&application, settings);
+        measureImport(&application, settings, folder);
+    });
 }

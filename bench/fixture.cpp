@@ -7,7 +7,6 @@
 #include <QVector>
 
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -17,11 +16,21 @@ namespace {
 
 int logFile = -1;
 
+/// The program's log lines are part of what is measured, but nobody wants to read them here.
 void writeLog(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     const QByteArray line = qFormatLogMessage(type, context, text).toUtf8() + '\n';
-    const int to = type == QtDebugMsg || type == QtInfoMsg ? logFile : STDERR_FILENO;
+    const int to = type == QtFatalMsg ? STDERR_FILENO : logFile;
     [[maybe_unused]] const ssize_t written = write(to, line.constData(), size_t(line.size()));
+}
+
+void logTo(const QString &file)
+{
+    logFile =
+        open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (logFile < 0)
+        throw Failure(QStringLiteral("%1 cannot be written").arg(file));
+    qInstallMessageHandler(writeLog);
 }
 
 QString photoPath(const QString &folder, int index)
@@ -31,23 +40,25 @@ QString photoPath(const QString &folder, int index)
 
 } // namespace
 
-void needDemoService()
+int runIn(const QString &parent, const std::function<void(const QString &folder)> &bench)
 {
-    if (qEnvironmentVariableIsSet("TESSAVO_SERVICE_URL"))
-        return;
-    std::fprintf(stderr, "Start this beside the demo service, as bench/run does:\n"
-                         "tessavo-demo-service --no-pictures --data FOLDER --run -- BENCH ...\n");
-    std::exit(2);
-}
-
-std::unique_ptr<QTemporaryDir> makeFolder(const QString &parent)
-{
+    if (!qEnvironmentVariableIsSet("TESSAVO_SERVICE_URL")) {
+        std::fprintf(stderr, "Start this beside the demo service, as bench/run does:\n"
+                             "tessavo-demo-service --no-pictures --data FOLDER --run -- BENCH\n");
+        return 2;
+    }
     QDir().mkpath(parent);
-    auto folder = std::make_unique<QTemporaryDir>(parent + QStringLiteral("/bench-XXXXXX"));
-    if (!folder->isValid())
-        qFatal("no folder in %s: %s", qUtf8Printable(parent),
-               qUtf8Printable(folder->errorString()));
-    return folder;
+    const QTemporaryDir folder(parent + QStringLiteral("/bench-XXXXXX"));
+    try {
+        if (!folder.isValid())
+            throw Failure(folder.errorString());
+        logTo(folder.filePath(QStringLiteral("program.log")));
+        bench(folder.path());
+    } catch (const Failure &failure) {
+        std::fprintf(stderr, "The bench failed: %s\n", failure.what());
+        return 1;
+    }
+    return 0;
 }
 
 void makePhotos(const QString &folder, int count, int bytes)
@@ -62,7 +73,7 @@ void makePhotos(const QString &folder, int count, int bytes)
         if (!photo.open(QIODevice::WriteOnly) ||
             photo.write(reinterpret_cast<const char *>(words.constData()), bytes) != bytes ||
             !photo.flush())
-            qFatal("%s: %s", qUtf8Printable(photo.fileName()), qUtf8Printable(photo.errorString()));
+            throw Failure(photo.fileName() + QStringLiteral(": ") + photo.errorString());
     }
 }
 
@@ -75,21 +86,12 @@ QStringList photoPaths(const QString &folder, int count)
     return paths;
 }
 
-void logTo(const QString &file)
-{
-    logFile =
-        open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (logFile < 0)
-        qFatal("%s cannot be written", qUtf8Printable(file));
-    qInstallMessageHandler(writeLog);
-}
-
 void syncDisk(const QString &folder)
 {
     const int directory =
         open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (directory < 0 || syncfs(directory) != 0)
-        qFatal("%s cannot be synced", qUtf8Printable(folder));
+        throw Failure(QStringLiteral("%1 cannot be synced").arg(folder));
     close(directory);
 }
 

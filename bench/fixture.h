@@ -3,28 +3,29 @@
 #include <QString>
 #include <QStringList>
 
-#include <memory>
+#include <functional>
+#include <stdexcept>
 
-class QTemporaryDir;
-
-/// What both drivers work on and in. Functions that fail end the program with a message.
+/// What both drivers work on and in. Functions that cannot do what they say throw a Failure.
 namespace bench {
 
-/// Ends the program unless it runs beside the demo service.
-void needDemoService();
+/// The bench itself went wrong, so that its figures would mean nothing. Thrown so that the folders
+/// of gigabytes go on the way out; never out of a slot.
+class Failure : public std::runtime_error
+{
+public:
+    explicit Failure(const QString &message) : std::runtime_error(message.toStdString()) {}
+};
 
-/// A folder of its own below \a parent, which is made if missing; removed with everything in it.
-std::unique_ptr<QTemporaryDir> makeFolder(const QString &parent);
+/// Runs \a bench beside the demo service, in a folder of its own below \a parent, which is removed
+/// at the end. Returns the exit code of the program.
+int runIn(const QString &parent, const std::function<void(const QString &folder)> &bench);
 
 /// \a count files of \a bytes random bytes each; those that any disk would store smaller than they
 /// are measure nothing.
 void makePhotos(const QString &folder, int count, int bytes);
 /// Their paths, in order.
 QStringList photoPaths(const QString &folder, int count);
-
-/// From here on the program's debug lines are written to \a file, line by line, as a user's are to
-/// the console: they are part of what is measured, but nobody wants to read them here.
-void logTo(const QString &file);
 
 /// Waits until everything written to the disk that holds \a folder is on it.
 void syncDisk(const QString &folder);

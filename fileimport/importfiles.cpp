@@ -185,13 +185,18 @@ void ImportFiles::connectRun()
         run, &ImportRun::mismatchFound, this,
         [this](const QString &orderId, const QString &notice) {
             Q_UNUSED(orderId)
+            if (isClosingLater())
+                return;
             MessageBox::warning(this, notice, MessageBox::defaultTitle(), QMessageBox::Ok,
                                 Qt::RichText);
         },
         Qt::QueuedConnection);
     connect(
         run, &ImportRun::allImported, this,
-        [this] { MessageBox::information(this, QStringLiteral("导入完成！")); },
+        [this] {
+            if (!isClosingLater())
+                MessageBox::information(this, QStringLiteral("导入完成！"));
+        },
         Qt::QueuedConnection);
     connect(run, &ImportRun::tasksEnded, this, [this] {
         if (isClosingLater())
@@ -558,6 +563,8 @@ void ImportFiles::onRegisterAgainClicked(int row)
 void ImportFiles::askForResubmit(const QString &orderId, const QString &question,
                                  const QString &certificateError)
 {
+    if (!run_->isRegistering(orderId))
+        return; // stopped, or closed, before the question could be asked
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
     const auto answer = MessageBox::warning(this, question, MessageBox::defaultTitle(),

@@ -44,6 +44,8 @@ public:
     /// The answer to resubmitNeeded(): try again, or stop the import.
     void answerResubmit(const QString &orderId, bool again);
 
+    /// Whether a registration of the order is under way or waits for answerResubmit().
+    bool isRegistering(const QString &orderId) const { return registrations_.contains(orderId); }
     bool isRunning() const { return !sequence_.isEmpty(); }
     bool hasLiveTasks() const { return !tasks_.isEmpty(); }
     /// Whether anything goes on that a new search would pull the ground from under.

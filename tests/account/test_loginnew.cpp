@@ -78,7 +78,6 @@ private slots:
         window.press();
         QVERIFY(window.cancel()->isVisible());
         QTRY_COMPARE(window.button()->text(), success);
-        QVERIFY(window.loggedIn.isEmpty());
         QVERIFY(!window.cancel()->isVisible());
         QCOMPARE(AccountContext::uid, QStringLiteral("9001"));
         QCOMPARE(AccountContext::shopList.size(), 3);
@@ -243,11 +242,13 @@ private slots:
     {
         Window window;
         window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        auto *shown = window.child<QTimer>("successShown");
+        shown->setInterval(3600 * 1000);
         window.press();
-        QTRY_VERIFY(window.child<QTimer>("successShown")->isActive());
+        QTRY_VERIFY(shown->isActive());
         QTest::mouseClick(window.child<QWidget>("closeButton"), Qt::LeftButton);
         QVERIFY(!window.login.isVisible());
-        QVERIFY(!window.child<QTimer>("successShown")->isActive());
+        QVERIFY(!shown->isActive());
     }
 
     void goesThroughTheFieldsByKeyboard()

@@ -1,0 +1,31 @@
+#include "app/context/installation.h"
+#include "net/servicecall.h"
+
+#include <QtTest>
+
+/// Against a service with a certificate of its own making; run once for each way in which an
+/// installation can be set up.
+class TestCertificates : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void trustsWhatTheInstallationSays();
+};
+
+void TestCertificates::trustsWhatTheInstallationSays()
+{
+    const Installation &installation = Installation::current();
+    const bool trusted = !installation.caFile.isEmpty() || !installation.verifiesCertificates;
+    QVector<ServiceReply> replies;
+    callService(this, QStringLiteral("&m=public&a=dologin"), "username=demo01&password=abc123",
+                [&replies](const ServiceReply &reply) { replies.append(reply); });
+    QTRY_COMPARE(replies.size(), 1);
+    QCOMPARE(
+        int(replies.first().outcome),
+        int(trusted ? ServiceReply::Outcome::Success : ServiceReply::Outcome::CertificateRefused));
+    QCOMPARE(replies.first().message.isEmpty(), false); // the reason, or the service's own word
+}
+
+QTEST_GUILESS_MAIN(TestCertificates)
+#include "test_certificates.moc"
