@@ -12,6 +12,8 @@
 ImportFileCopyRunnable::ImportFileCopyRunnable(ImportFile file, CopyFunction copy)
     : file_(std::move(file)), copy_(std::move(copy))
 {
+    // Hands the members over to the thread that takes the mutex in run(), whatever the pool does.
+    const std::lock_guard<std::mutex> handOver(running_);
     setAutoDelete(false);
 }
 
