@@ -51,7 +51,7 @@ double TransferRate::bytesPerSecond() const
 qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
 {
     const double rate = bytesPerSecond();
-    return rate > 0 ? qint64(double(std::max<qint64>(bytesLeft, 0)) / rate + 0.5) : -1;
+    return rate > 0 ? qRound64(double(std::max<qint64>(bytesLeft, 0)) / rate) : -1;
 }
 
 QString progressText(const ImportProgress &progress, const TransferRate &rate)

@@ -336,12 +336,9 @@ void ImportRun::updateOrderState(const QString &orderId)
     const ImportOrder order = orders_.value(orderId);
     const bool waiting = order.countOf(ImportFile::Waiting) > 0;
     const bool goesOn = isCopying(orderId) || (isCurrent(orderId) && waiting);
-    PhotoState state = PhotoState::Failed;
-    if (goesOn)
-        state = PhotoState::Importing;
-    else if (!waiting && !order.unregistered && order.countOf(ImportFile::Failed) == 0)
-        state = PhotoState::Done;
-    emit orderStateChanged(orderId, state);
+    const bool complete = !waiting && !order.unregistered && order.countOf(ImportFile::Failed) == 0;
+    const PhotoState ended = complete ? PhotoState::Done : PhotoState::Failed;
+    emit orderStateChanged(orderId, goesOn ? PhotoState::Importing : ended);
 }
 
 bool ImportRun::isLive(const QString &orderId, const QString &sourcePath) const

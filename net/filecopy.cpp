@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr qint64 secondsUntilStale = 24 * 60 * 60;
+constexpr qint64 secondsUntilStale = qint64(24) * 60 * 60;
 
 /// Removes the temporary file on every way out; after a successful rename there is none.
 class TemporaryFile

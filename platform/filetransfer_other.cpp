@@ -18,8 +18,8 @@ namespace platform {
 
 namespace {
 
-constexpr size_t stepBytes = 4 * 1024 * 1024; // between two looks at the cancel flag
-constexpr size_t bufferBytes = 256 * 1024;
+constexpr size_t stepBytes = size_t(4) * 1024 * 1024; // between two looks at the cancel flag
+constexpr size_t bufferBytes = size_t(256) * 1024;
 
 /// An open file, closed on every way out.
 class Descriptor

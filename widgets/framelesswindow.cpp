@@ -38,7 +38,7 @@ FramelessWindow::FramelessWindow(QWidget *parent)
     connect(titleBar_, &TitleBar::minimizeRequested, this, &FramelessWindow::minimizeRequested);
     connect(titleBar_, &TitleBar::closeRequested, this, &QWidget::close);
     connect(this, &QWidget::windowTitleChanged, titleBar_, &TitleBar::setTitle);
-    auto *closeKeys = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_F4), this);
+    auto *closeKeys = new QShortcut(QKeySequence(Qt::ALT + Qt::Key_F4), this);
     connect(closeKeys, &QShortcut::activated, this, &QWidget::close);
 }
 

@@ -10,7 +10,7 @@ GlyphButton::GlyphButton(Glyph glyph, QWidget *parent) : QAbstractButton(parent)
 {
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::NoFocus);
-    resize(sizeHint());
+    resize(GlyphButton::sizeHint());
 }
 
 void GlyphButton::setGlyph(Glyph glyph)

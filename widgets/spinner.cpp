@@ -15,7 +15,7 @@ constexpr int sixteenths = 16; ///< QPainter counts angles in sixteenths of a de
 
 Spinner::Spinner(QWidget *parent) : QWidget(parent)
 {
-    setFixedSize(sizeHint());
+    setFixedSize(Spinner::sizeHint());
     turning_.setStartValue(0);
     turning_.setEndValue(360);
     turning_.setDuration(turnMs);

@@ -12,7 +12,7 @@
 namespace {
 
 /// Far more than the file ever holds.
-constexpr qint64 largestFile = 64 * 1024;
+constexpr qint64 largestFile = qint64(64) * 1024;
 
 const QLatin1String accountKey("username=");
 const QLatin1String passwordKey("password=");

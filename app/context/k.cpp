@@ -24,7 +24,7 @@ constexpr float designDpi = 96.0F;
 constexpr double unscaledEnlargement = 1.2;
 constexpr int loginDataStreamVersion = QDataStream::Qt_4_4;
 /// More than any login reply holds; a damaged length field must not ask for gigabytes.
-constexpr qint64 largestLoginData = 64 * 1024 * 1024;
+constexpr qint64 largestLoginData = qint64(64) * 1024 * 1024;
 
 QString loginDataPath()
 {
