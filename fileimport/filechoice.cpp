@@ -45,7 +45,8 @@ QString makeFolders(const ChoiceRequest &request)
 {
     QString error;
     QStringList folders{request.importPath};
-    for (const QString &name : importrules::subFolders(request.mode))
+    const auto subFolders = importrules::subFolders(request.mode);
+    for (const QString &name : subFolders)
         folders.append(joinWirePath(request.importPath, name));
     for (const QString &folder : qAsConst(folders)) {
         const QString local = platform::toLocalPath(folder);

@@ -83,7 +83,8 @@ OrderList readOrders(const QJsonObject &reply, const QString &publicPath)
     const QString openypml = reply::text(reply, QStringLiteral("openypml"));
     const QString delyp = reply::text(reply, QStringLiteral("delyp"));
     QSet<QString> ids;
-    for (const QJsonObject &element : reply::objects(reply, QStringLiteral("data"))) {
+    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    for (const QJsonObject &element : elements) {
         ImportOrder order = readOrder(element);
         if (order.id.isEmpty() || ids.contains(order.id))
             continue;

@@ -23,7 +23,8 @@ int sizeOr(const QJsonObject &element, const QString &key, int otherwise)
 QVector<PhotoEntry> readPhotos(const QJsonObject &element, const QString &key)
 {
     QVector<PhotoEntry> photos;
-    for (const QJsonObject &photo : reply::objects(element, key)) {
+    const auto elements = reply::objects(element, key);
+    for (const QJsonObject &photo : elements) {
         photos.append({reply::text(photo, QStringLiteral("img_name")),
                        reply::text(photo, QStringLiteral("url")),
                        reply::text(photo, QStringLiteral("localpath")),
@@ -93,7 +94,8 @@ ShopSwitch readShopSwitch(const QJsonObject &reply)
 QVector<Person> readPersons(const QJsonObject &reply)
 {
     QVector<Person> persons;
-    for (const QJsonObject &person : reply::objects(reply, QStringLiteral("persons"))) {
+    const auto elements = reply::objects(reply, QStringLiteral("persons"));
+    for (const QJsonObject &person : elements) {
         persons.append({reply::text(person, QStringLiteral("id")),
                         reply::text(person, QStringLiteral("name"))});
     }
@@ -136,7 +138,8 @@ OrderInfo readOrderInfo(const QJsonObject &element)
 QList<ShopRecord> readShops(const QJsonObject &loginReply, bool withRules)
 {
     QList<ShopRecord> shops;
-    for (const QJsonObject &shop : reply::objects(loginReply, QStringLiteral("shop_data"))) {
+    const auto elements = reply::objects(loginReply, QStringLiteral("shop_data"));
+    for (const QJsonObject &shop : elements) {
         shops.append(
             {reply::text(shop, QStringLiteral("id")), reply::text(shop, QStringLiteral("name")),
              withRules ? reply::text(shop, QStringLiteral("goodsfoldernamerule")) : QString(),

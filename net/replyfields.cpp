@@ -41,7 +41,8 @@ QVector<QJsonObject> objects(const QJsonObject &object, const QString &key)
 QStringList texts(const QJsonObject &object, const QString &key, const QString &field)
 {
     QStringList found;
-    for (const QJsonObject &element : objects(object, key)) {
+    const auto elements = objects(object, key);
+    for (const QJsonObject &element : elements) {
         const QString value = text(element, field);
         if (!value.isEmpty())
             found.append(value);

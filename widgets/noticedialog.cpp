@@ -180,7 +180,8 @@ void NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
     row->setSpacing(theme::spacing());
     row->addStretch();
     QPushButton *agreeing = nullptr;
-    for (const ButtonText &each : buttonTexts()) {
+    const auto texts = buttonTexts();
+    for (const ButtonText &each : texts) {
         if (!buttons.testFlag(each.button))
             continue;
         auto *button = new QPushButton(each.text, this);

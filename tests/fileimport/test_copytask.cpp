@@ -274,7 +274,7 @@ void TestCopyTask::mayBeDeletedByItsSignal()
             });
         connect(
             task, &ImportFileCopyRunnable::copyFinished, this,
-            [task, &ended] {
+            [task, &ended] { // clazy:exclude=lambda-in-connect
                 delete task;
                 ++ended;
             },

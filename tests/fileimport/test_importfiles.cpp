@@ -178,7 +178,8 @@ QStringList TestImportFiles::makePhotos(int count, int bytes, const QString &suf
 
 const QStringList &TestImportFiles::boxes()
 {
-    for (const MessageBox::Shown &box : MessageBox::takeShown())
+    const auto shown = MessageBox::takeShown();
+    for (const MessageBox::Shown &box : shown)
         boxes_.append(box.text);
     return boxes_;
 }
@@ -209,7 +210,8 @@ void TestImportFiles::searchesByEnter()
 {
     open(0);
     auto *keyword = searchBar()->findChildren<QLineEdit *>().first();
-    for (QLineEdit *edit : searchBar()->findChildren<QLineEdit *>()) {
+    const auto edits = searchBar()->findChildren<QLineEdit *>();
+    for (QLineEdit *edit : edits) {
         if (edit->isVisible() &&
             edit->placeholderText() == QStringLiteral("搜索订单号、姓名、电话..."))
             keyword = edit;
@@ -309,7 +311,7 @@ void TestImportFiles::startWithNothingChosenKeepsTheFlag()
 {
     open(0);
     QTest::mouseClick(startButton(), Qt::LeftButton);
-    QCOMPARE(MessageBox::takeShown().first().title, QStringLiteral("提示"));
+    QCOMPARE(MessageBox::takeShown().constFirst().title, QStringLiteral("提示"));
     QCOMPARE(startButton()->text(), QStringLiteral("开始全部导入"));
     clickAction(QStringLiteral("TS10001-1"), OrderActionsDelegate::SelectFiles);
     clickAction(QStringLiteral("TS10001-1"), OrderActionsDelegate::ClearFiles);

@@ -3,8 +3,10 @@
 #include "net/background.h"
 #include "platform/pathform.h"
 #include "tests/support/democlient.h"
+#include "tests/support/smalldisk.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -34,12 +36,15 @@ private slots:
     void failedRegistrations_data();
     void failedRegistrations();
     void aFolderThatCannotBeListedIsNotAnnounced();
+    void aFullDiskFailsWhatDoesNotFit();
+    void aShareThatGoesAwayFailsTheFilesAndAsks();
     void aMismatchEndsTheRun();
     void startWithNothingToDo();
 
 private:
     /// An order of the demo studio with \a count readable files;
-    ImportOrder makeOrder(int number, int count, ImportMode mode = ImportMode::Originals);
+    ImportOrder makeOrder(int number, int count, int bytes = 1000);
+    QString orderFolder(int number);
     void start(const QVector<ImportOrder> &orders);
     void removeSource(const QString &orderId, int index);
     void restoreSource(const QString &orderId, int index);
@@ -103,7 +108,13 @@ void TestImportRun::cleanup()
     diskPool()->waitForDone();
 }
 
-ImportOrder TestImportRun::makeOrder(int number, int count, ImportMode mode)
+QString TestImportRun::orderFolder(int number)
+{
+    return demo_.state().value(QStringLiteral("share")).toString() +
+           QStringLiteral("/test/%1").arg(number);
+}
+
+ImportOrder TestImportRun::makeOrder(int number, int count, int bytes)
 {
     const QJsonArray known = demo_.state().value(QStringLiteral("orders")).toArray();
     const QJsonObject studios = known.at(number).toObject();
@@ -112,11 +123,8 @@ ImportOrder TestImportRun::makeOrder(int number, int count, ImportMode mode)
     order.orderPhotoId = studios.value(QStringLiteral("order_photo_id")).toString();
     order.orderPayForKey = studios.value(QStringLiteral("orderpayforkey")).toString();
     order.serviceTimes = studios.value(QStringLiteral("servicetimes")).toString();
-    const QString share = demo_.state().value(QStringLiteral("share")).toString();
-    order.importPath = QString(share + QStringLiteral("/test/") + order.id)
-                           .replace(QLatin1Char('/'), QLatin1Char('\\'));
+    order.importPath = orderFolder(number).replace(QLatin1Char('/'), QLatin1Char('\\'));
     ChoiceRequest request;
-    request.mode = mode;
     request.importPath = order.importPath;
     request.orderIndex = number;
     for (int index = 0; index < count; ++index) {
@@ -125,7 +133,7 @@ ImportOrder TestImportRun::makeOrder(int number, int count, ImportMode mode)
                 .arg(order.id)
                 .arg(index)
                 .arg(index % 4 == 3 ? QStringLiteral("cr2") : QStringLiteral("jpg"))));
-        if (!photo.open(QIODevice::WriteOnly) || photo.write(QByteArray(1000 + index, 'p')) < 0)
+        if (!photo.open(QIODevice::WriteOnly) || photo.write(QByteArray(bytes + index, 'p')) < 0)
             qFatal("fixture not written");
         request.paths.append(photo.fileName());
     }
@@ -363,6 +371,50 @@ void TestImportRun::aFolderThatCannotBeListedIsNotAnnounced()
     QCOMPARE(requests(batch), 0);
     run_->answerResubmit(order.id, false);
     QVERIFY(!run_->isRunning());
+}
+
+void TestImportRun::aFullDiskFailsWhatDoesNotFit()
+{
+    SmallDisk disk(orderFolder(0), 1);
+    if (!disk.isMounted())
+        QSKIP("mounting a small disk needs administrator rights");
+    constexpr int photoBytes = 300 * 1024;
+    const ImportOrder order = makeOrder(0, 7, photoBytes);
+    start({order});
+    QTRY_COMPARE(allImported_, 1);
+    int imported = 0;
+    for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
+        imported += file.state == ImportFile::Imported;
+        if (file.state != ImportFile::Imported)
+            QCOMPARE(file.message, QStringLiteral("文件拷贝失败(可能是磁盘已满或权限受限)"));
+    }
+    QVERIFY(imported >= 1 && imported <= 3);
+    // What lies there is whole, and only what is whole was announced.
+    QDirIterator files(orderFolder(0), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    int found = 0;
+    for (; files.hasNext(); ++found) {
+        files.next();
+        QVERIFY(files.fileInfo().size() >= photoBytes);
+    }
+    QCOMPARE(found, imported);
+    QVERIFY(notices_.isEmpty());
+}
+
+void TestImportRun::aShareThatGoesAwayFailsTheFilesAndAsks()
+{
+    SmallDisk disk(orderFolder(0), 4);
+    if (!disk.isMounted())
+        QSKIP("mounting a small disk needs administrator rights");
+    const ImportOrder order = makeOrder(0, 5);
+    disk.vanish();
+    start({order});
+    QTRY_COMPARE(questions_.size(), 1);
+    QVERIFY(questions_.first().startsWith(QStringLiteral("导片目录无法访问: ")));
+    QCOMPARE(states(order.id).count(ImportFile::Failed), 5);
+    QCOMPARE(requests(batch), 0);
+    run_->answerResubmit(order.id, false);
+    QVERIFY(!run_->isBusy());
+    QCOMPARE(unregistered_, QStringList(order.id));
 }
 
 void TestImportRun::aMismatchEndsTheRun()

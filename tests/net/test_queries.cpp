@@ -59,7 +59,7 @@ void TestQueries::searchBodies_data()
     QTest::newRow("shooting") << 1 << QString() << "keyword=2024-03-07&searchtype=4" + tail;
     QTest::newRow("selection") << 2 << QString() << "keyword=2024-12-30&searchtype=5" + tail;
     QTest::newRow("other") << 9 << QString() << "keyword=李 四&searchtype=1" + tail;
-    QTest::newRow("everybody") << 0 << QStringLiteral("")
+    QTest::newRow("everybody") << 0 << QString::fromLatin1("")
                                << "keyword=李 四&searchtype=1&role7id=" + tail;
     QTest::newRow("somebody") << 0 << QStringLiteral("31")
                               << "keyword=李 四&searchtype=1&role7id=31" + tail;
@@ -152,7 +152,7 @@ void TestQueries::readsShops()
     QCOMPARE(shops.first().goodsfoldernamerule, QStringLiteral("[]"));
     QCOMPARE(shops.first().importPublicPath, QStringLiteral("\\\\nas\\3"));
     QCOMPARE(shops.last().importPublicPath, QString());
-    QCOMPARE(readShops(login, false).first().goodsfoldernamerule, QString());
+    QCOMPARE(readShops(login, false).constFirst().goodsfoldernamerule, QString());
     QVERIFY(readShops(parsed(R"({"shop_data": {"id": 3}})")).isEmpty());
 }
 

@@ -62,7 +62,8 @@ public:
 private:
     template <typename Window> static Window *visibleWindow()
     {
-        for (QWidget *widget : topLevelWidgets()) {
+        const auto widgets = topLevelWidgets();
+        for (QWidget *widget : widgets) {
             auto *window = qobject_cast<Window *>(widget);
             if (window && window->isVisible())
                 return window;

@@ -124,7 +124,8 @@ QStringList cardFiles(Guide &guide, const QStringList &patterns)
 {
     const QDir card(guide.material(QStringLiteral("camera-card/DCIM/100TESSA")));
     QStringList paths;
-    for (const QString &name : card.entryList(patterns, QDir::Files, QDir::Name))
+    const auto names = card.entryList(patterns, QDir::Files, QDir::Name);
+    for (const QString &name : names)
         paths.append(card.filePath(name));
     return paths;
 }
@@ -208,7 +209,8 @@ void tourImportRetouched(Guide &guide)
     const QString order = QStringLiteral("TS10001-1");
     const QDir folder(guide.material(QStringLiteral("retouched")));
     QStringList retouched;
-    for (const QString &name : folder.entryList(QDir::Files, QDir::Name))
+    const auto names = folder.entryList(QDir::Files, QDir::Name);
+    for (const QString &name : names)
         retouched.append(folder.filePath(name));
     guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("retouched-names-differ"));
     hand.pressChoose(order, retouched);
