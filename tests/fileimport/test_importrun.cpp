@@ -43,8 +43,7 @@ private slots:
 
 private:
     /// An order of the demo studio with \a count readable files;
-    ImportOrder makeOrder(int number, int count, int bytes = 1000);
-    QString orderFolder(int number);
+    ImportOrder makeOrder(int number, int count, int bytes = 1000, const QString &folder = {});
     void start(const QVector<ImportOrder> &orders);
     void removeSource(const QString &orderId, int index);
     void restoreSource(const QString &orderId, int index);
@@ -108,13 +107,7 @@ void TestImportRun::cleanup()
     diskPool()->waitForDone();
 }
 
-QString TestImportRun::orderFolder(int number)
-{
-    return demo_.state().value(QStringLiteral("share")).toString() +
-           QStringLiteral("/test/%1").arg(number);
-}
-
-ImportOrder TestImportRun::makeOrder(int number, int count, int bytes)
+ImportOrder TestImportRun::makeOrder(int number, int count, int bytes, const QString &folder)
 {
     const QJsonArray known = demo_.state().value(QStringLiteral("orders")).toArray();
     const QJsonObject studios = known.at(number).toObject();
@@ -123,7 +116,10 @@ ImportOrder TestImportRun::makeOrder(int number, int count, int bytes)
     order.orderPhotoId = studios.value(QStringLiteral("order_photo_id")).toString();
     order.orderPayForKey = studios.value(QStringLiteral("orderpayforkey")).toString();
     order.serviceTimes = studios.value(QStringLiteral("servicetimes")).toString();
-    order.importPath = orderFolder(number).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    const QString share = demo_.state().value(QStringLiteral("share")).toString();
+    order.importPath =
+        folder.isEmpty() ? QString(share + QStringLiteral("/test/") + order.id) : folder;
+    order.importPath.replace(QLatin1Char('/'), QLatin1Char('\\'));
     ChoiceRequest request;
     request.importPath = order.importPath;
     request.orderIndex = number;
@@ -375,11 +371,12 @@ void TestImportRun::aFolderThatCannotBeListedIsNotAnnounced()
 
 void TestImportRun::aFullDiskFailsWhatDoesNotFit()
 {
-    SmallDisk disk(orderFolder(0), 1);
+    const QString folder = card_->filePath(QStringLiteral("disk"));
+    SmallDisk disk(folder, 1);
     if (!disk.isMounted())
         QSKIP("mounting a small disk needs administrator rights");
     constexpr int photoBytes = 300 * 1024;
-    const ImportOrder order = makeOrder(0, 7, photoBytes);
+    const ImportOrder order = makeOrder(0, 7, photoBytes, folder);
     start({order});
     QTRY_COMPARE(allImported_, 1);
     int imported = 0;
@@ -390,7 +387,7 @@ void TestImportRun::aFullDiskFailsWhatDoesNotFit()
     }
     QVERIFY(imported >= 1 && imported <= 3);
     // What lies there is whole, and only what is whole was announced.
-    QDirIterator files(orderFolder(0), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     int found = 0;
     for (; files.hasNext(); ++found) {
         files.next();
@@ -402,10 +399,11 @@ void TestImportRun::aFullDiskFailsWhatDoesNotFit()
 
 void TestImportRun::aShareThatGoesAwayFailsTheFilesAndAsks()
 {
-    SmallDisk disk(orderFolder(0), 4);
+    const QString folder = card_->filePath(QStringLiteral("disk"));
+    SmallDisk disk(folder, 4);
     if (!disk.isMounted())
         QSKIP("mounting a small disk needs administrator rights");
-    const ImportOrder order = makeOrder(0, 5);
+    const ImportOrder order = makeOrder(0, 5, 1000, folder);
     disk.vanish();
     start({order});
     QTRY_COMPARE(questions_.size(), 1);
