@@ -155,7 +155,9 @@ void ImportFiles::connectPanel()
             });
     connect(panel_, &ImportOrderPanel::registerAgainClicked, this,
             &ImportFiles::onRegisterAgainClicked);
-    connect(panel_, &ImportOrderPanel::filesDropped, this, &ImportFiles::onFilesDropped);
+    // A box shown while the drop is going on would freeze the program that the files come from.
+    connect(panel_, &ImportOrderPanel::filesDropped, this, &ImportFiles::onFilesDropped,
+            Qt::QueuedConnection);
     connect(panel_, &ImportOrderPanel::startClicked, this, &ImportFiles::onStartAllClicked);
 }
 
@@ -261,11 +263,12 @@ void ImportFiles::onBranchSwitched(const QString &shopId, const ServiceReply &re
     const orderqueries::ShopSwitch shop = orderqueries::readShopSwitch(reply.object);
     if (!reply.isSuccess() || shop.employeeId.isEmpty() || shop.superId.isEmpty()) {
         panel_->searchBar()->selectBranch(identity_.shopId);
-        panel_->setEmptyText(QStringLiteral("分店未切换，请重新选择分店"));
+        panel_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
         showFailure(reply,
                     reply.isSuccess() ? QStringLiteral("分店信息不完整，请稍后重试") : reply.msg);
         return;
     }
+    switched_ = true;
     identity_ = {shopId, shop.superId, shop.employeeId};
     publicPath_ = shop.importPublicPath;
     for (const ShopRecord &record : qAsConst(AccountContext::shopList)) {
@@ -288,7 +291,10 @@ void ImportFiles::onSearchClick()
         MessageBox::warning(this, importingText());
         return;
     }
-    reqOrderList();
+    if (switched_)
+        reqOrderList();
+    else
+        switchToBranch(identity_.shopId); // what failed when the window opened; a search follows
 }
 
 void ImportFiles::reqOrderList()
@@ -486,6 +492,8 @@ void ImportFiles::onOpenDirClicked(int row)
 
 void ImportFiles::onStartAllClicked()
 {
+    if (overlay_->isVisible())
+        return; // the shortcut reaches us while files are being looked at
     importing_ = !importing_;
     if (!importing_) {
         stopAllImports();

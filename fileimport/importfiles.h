@@ -95,6 +95,7 @@ private:
     QString publicPath_; ///< public import root of the branch
     bool importing_ = false;
     bool opened_ = false;
+    bool switched_ = false; ///< whether the service has confirmed the branch
     QString shownOrderId_;
     int choice_ = 0; ///< number of the choice being prepared; a cancelled one is no longer it
 

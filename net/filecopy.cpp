@@ -1,12 +1,13 @@
 #include "net/filecopy.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QUuid>
+
+#include <algorithm>
 
 namespace {
 
@@ -60,10 +61,9 @@ QString temporaryPathIn(const QString &folder)
            QLatin1String(".part");
 }
 
-void removeStaleTemporaries(const QString &folder)
+void removeStaleTemporaries(const QString &folder, const QDateTime &now)
 {
     static const QRegularExpression ours(QStringLiteral("^~\\$[0-9a-f]{32}\\.part$"));
-    const QDateTime now = QDateTime::currentDateTimeUtc();
     // Files that start like this are hidden ones for some systems.
     QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
     while (files.hasNext()) {
@@ -71,11 +71,10 @@ void removeStaleTemporaries(const QString &folder)
         const QFileInfo file = files.fileInfo();
         if (!ours.match(file.fileName()).hasMatch())
             continue;
-        // The copied file's own times were kept; only the time of the last status change tells when
-        // it was begun here.
-        const QDateTime touched =
-            file.metadataChangeTime().isValid() ? file.metadataChangeTime() : file.birthTime();
-        if (touched.isValid() && touched.toUTC().secsTo(now) > secondsUntilStale)
+        // The source's time of modification was kept; when the copy was begun only the others tell,
+        // and not every share keeps all of them.
+        const QDateTime begun = std::max(file.metadataChangeTime(), file.birthTime());
+        if (begun.isValid() && begun.secsTo(now) > secondsUntilStale)
             QFile::remove(file.filePath());
     }
 }

@@ -2,6 +2,7 @@
 
 #include "platform/filetransfer.h"
 
+#include <QDateTime>
 #include <QString>
 
 /// How copying one file ended.
@@ -28,4 +29,5 @@ QString temporaryPathIn(const QString &folder);
 
 /// Removes temporary files that a killed process left in \a folder, once they are older than a day,
 /// and nothing else. Blocks; for worker threads.
-void removeStaleTemporaries(const QString &folder);
+void removeStaleTemporaries(const QString &folder,
+                            const QDateTime &now = QDateTime::currentDateTimeUtc());

@@ -7,93 +7,71 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+namespace {
+
+QString told(const Credentials &credentials)
+{
+    return QStringLiteral("%1|%2|%3")
+        .arg(credentials.account, credentials.password)
+        .arg(credentials.remembered);
+}
+
+} // namespace
+
 class TestCredentials : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void writesAndReads_data()
-    {
-        QTest::addColumn<QString>("account");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<bool>("remembered");
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("remembered")
-            << "demo01"
-            << "abc123" << true << QByteArray("username=demo01\npassword=YWJjMTIz\nremember=1\n");
-        QTest::newRow("not remembered")
-            << "demo01"
-            << "" << false << QByteArray("username=demo01\nremember=0\n");
-        QTest::newRow("untrimmed")
-            << "  demo 01 "
-            << " p " << true << QByteArray("username=  demo 01 \npassword=IHAg\nremember=1\n");
-        QTest::newRow("Chinese password")
-            << "a=b"
-            << "密码" << true << QByteArray("username=a=b\npassword=5a+G56CB\nremember=1\n");
-    }
-
     void writesAndReads()
     {
-        QFETCH(QString, account);
-        QFETCH(QString, password);
-        QFETCH(bool, remembered);
-        QTemporaryDir folder;
-        const CredentialsFile file(folder.filePath(QStringLiteral("not/yet/there")));
-        QCOMPARE(file.read().account, QString());
-        QVERIFY(file.write({account, password, remembered}));
-        QFile written(file.path());
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QTEST(written.readAll(), "bytes");
-        const Credentials read = file.read();
-        QCOMPARE(read.account, account);
-        QCOMPARE(read.password, password);
-        QCOMPARE(read.remembered, remembered);
-        QCOMPARE(QFileInfo(file.path()).dir().entryList(QDir::Files).size(), 1);
+        const struct
+        {
+            Credentials credentials;
+            QByteArray bytes;
+        } rows[] = {{{QStringLiteral("demo01"), QStringLiteral("abc123"), true},
+                     "username=demo01\npassword=YWJjMTIz\nremember=1\n"},
+                    {{QStringLiteral("demo01"), QString(), false}, "username=demo01\nremember=0\n"},
+                    {{QStringLiteral("  demo 01 "), QStringLiteral(" p "), true},
+                     "username=  demo 01 \npassword=IHAg\nremember=1\n"},
+                    {{QStringLiteral("a=b"), QStringLiteral("密码"), true},
+                     "username=a=b\npassword=5a+G56CB\nremember=1\n"}};
+        for (const auto &row : rows) {
+            QTemporaryDir folder;
+            const CredentialsFile file(folder.filePath(QStringLiteral("not/yet/there")));
+            QCOMPARE(told(file.read()), QStringLiteral("||0"));
+            QVERIFY(file.write(row.credentials));
+            QFile written(file.path());
+            QVERIFY(written.open(QIODevice::ReadOnly));
+            QCOMPARE(written.readAll(), row.bytes);
+            QCOMPARE(told(file.read()), told(row.credentials));
+            QCOMPARE(QFileInfo(file.path()).dir().entryList(QDir::Files).size(), 1);
+        }
     }
 
     void readsDamagedFiles_data()
     {
         QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("account");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<bool>("remembered");
+        QTest::addColumn<QString>("expected"); // account, password, remembered
+        const auto row = [](const char *name, const QByteArray &bytes, const char *expected) {
+            QTest::newRow(name) << bytes << expected;
+        };
+        row("empty", "", "||0");
+        row("other order, line ends and keys",
+            "remember=1\r\nenterprise_id=7\r\npassword=YWJjMTIz\r\nusername=a\r\n", "a|abc123|1");
+        row("remember is not 1", "username=a\npassword=YWJjMTIz\nremember=10\n", "a||0");
+        row("keys are case-sensitive", "Username=a\n username=b\nremember=1\n", "||1");
+        row("cut in the password", "username=a\npassword=YWJj", "a||0");
+        row("cut in the account", "username=demo", "demo||0");
+        row("binary", QByteArray("\xff\xfe\0\0username=a\0\n", 16), "||0");
         const auto with = [](const QByteArray &password) {
             return "username=a\npassword=" + password + "\nremember=1\n";
         };
-        QTest::newRow("empty") << QByteArray() << ""
-                               << "" << false;
-        QTest::newRow("other order, line ends and keys")
-            << QByteArray("remember=1\r\nenterprise_id=7\r\npassword=YWJjMTIz\r\nusername=a\r\n")
-            << "a"
-            << "abc123" << true;
-        QTest::newRow("remember is not 1")
-            << QByteArray("username=a\npassword=YWJjMTIz\nremember=10\n") << "a"
-            << "" << false;
-        QTest::newRow("keys are case-sensitive")
-            << QByteArray("Username=a\n username=b\nremember=1\n") << ""
-            << "" << true;
-        QTest::newRow("cut in the password") << QByteArray("username=a\npassword=YWJj") << "a"
-                                             << "" << false;
-        QTest::newRow("cut in the account") << QByteArray("username=demo") << "demo"
-                                            << "" << false;
-        QTest::newRow("length not Base64") << with("YWJjMT") << "a"
-                                           << "" << true;
-        QTest::newRow("characters not Base64") << with("YWJj*MTIz") << "a"
-                                               << "" << true;
-        QTest::newRow("blank in front") << with(" YWJjMTIz") << "a"
-                                        << "" << true;
-        QTest::newRow("data behind the padding") << with("YWI=MTIz") << "a"
-                                                 << "" << true;
-        QTest::newRow("text not Latin") << with("密码密码") << "a"
-                                        << "" << true;
-        QTest::newRow("bytes not UTF-8") << with("/v8=") << "a"
-                                         << "" << true;
-        QTest::newRow("half a character") << with("5a8=") << "a"
-                                          << "" << true;
-        QTest::newRow("binary") << QByteArray("\xff\xfe\0\0username=a\0\n", 16) << ""
-                                << "" << false;
-        QTest::newRow("huge") << with(QByteArray(1000000, 'A')) << ""
-                              << "" << false;
+        row("huge", with(QByteArray(1000000, 'A')), "||0");
+        row("characters not Base64", with("YWJj*MTIz"), "a||1");
+        row("data behind the padding", with("YWI=MTIz"), "a||1");
+        row("bytes not UTF-8", with("/v8="), "a||1");
+        row("half a character", with("5a8="), "a||1");
     }
 
     void readsDamagedFiles()
@@ -102,13 +80,9 @@ private slots:
         QTemporaryDir folder;
         const CredentialsFile file(folder.path());
         QFile damaged(file.path());
-        QVERIFY(damaged.open(QIODevice::WriteOnly));
-        damaged.write(bytes);
+        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(bytes) == bytes.size());
         damaged.close();
-        const Credentials read = file.read();
-        QTEST(read.account, "account");
-        QTEST(read.password, "password");
-        QTEST(read.remembered, "remembered");
+        QTEST(told(file.read()), "expected");
     }
 
     void keepsTheSecretToItsOwner()
@@ -125,8 +99,7 @@ private slots:
             QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
         QVERIFY(!(QFile::permissions(file.path()) & others));
 #endif
-        QCOMPARE(file.read().password, QStringLiteral("secret"));
-        QCOMPARE(file.read().account, QStringLiteral("a password=eA=="));
+        QCOMPARE(told(file.read()), QStringLiteral("a password=eA==|secret|1"));
     }
 
     void cannotWrite()
@@ -142,20 +115,15 @@ private slots:
     {
         QTest::addColumn<QByteArray>("reply");
         QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("identity"); // super id, eid, uid, shop id
-        QTest::addColumn<QString>("shops");
+        QTest::addColumn<QString>("expected"); // super id, eid, uid, shop id; the shops
         const QByteArray whole = R"({"SUPERID":"1","EID":"2","UID":"3","shop_data":[)"
                                  R"({"id":"101","name":"一店","goodsfoldernamerule":"[1]"},)"
                                  R"({"id":102,"name":"二店"},"nonsense"]})";
-        QTest::newRow("login") << whole << false << "1 2 3 101"
-                               << "101 一店 [1];102 二店 ;";
-        QTest::newRow("saved login") << whole << true << "1 2 3 before"
-                                     << "101 一店 ;102 二店 ;";
-        QTest::newRow("no shops") << QByteArray(R"({"SUPERID":1,"EID":2,"UID":3})") << false
-                                  << "1 2 3 before"
-                                  << "";
-        QTest::newRow("nothing") << QByteArray("{}") << true << "   before"
-                                 << "";
+        const QByteArray withoutShops = R"({"SUPERID":1,"EID":2,"UID":3})";
+        QTest::newRow("login") << whole << false << "1 2 3 101;101 一店 [1];102 二店 ";
+        QTest::newRow("saved login") << whole << true << "1 2 3 before;101 一店 ;102 二店 ";
+        QTest::newRow("no shops") << withoutShops << false << "1 2 3 before";
+        QTest::newRow("nothing") << QByteArray("{}") << true << "   before";
     }
 
     void entersTheAccount()
@@ -169,14 +137,12 @@ private slots:
             enterSavedAccount(LoginReply::readSaved(object));
         else
             enterAccount(LoginReply::read(object));
-        const QString identity = QStringList({AccountContext::superId, AccountContext::eid,
-                                              AccountContext::uid, AccountContext::shopId})
-                                     .join(QLatin1Char(' '));
-        QTEST(identity, "identity");
-        QString shops;
+        QString now = QStringLiteral("%1 %2 %3 %4")
+                          .arg(AccountContext::superId, AccountContext::eid, AccountContext::uid,
+                               AccountContext::shopId);
         for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
-            shops += QStringLiteral("%1 %2 %3;").arg(shop.id, shop.name, shop.goodsfoldernamerule);
-        QTEST(shops, "shops");
+            now += QStringLiteral(";%1 %2 %3").arg(shop.id, shop.name, shop.goodsfoldernamerule);
+        QTEST(now, "expected");
     }
 };
 

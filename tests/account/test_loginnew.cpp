@@ -4,15 +4,13 @@
 #include "app/context/k.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
+#include "tests/widgets/shownwindow.h"
 #include "widgets/customcheckboxnew.h"
-#include "widgets/inputs.h"
 #include "widgets/messagebox.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTest>
 #include <QTimer>
 
 namespace {
@@ -23,11 +21,7 @@ const QString success = QStringLiteral("✓ 登录成功");
 /// The window as its user sees it.
 struct Window
 {
-    Window()
-    {
-        login.show();
-        QApplication::setActiveWindow(&login);
-    }
+    Window() { showActive(&login); }
 
     template <typename Child> Child *child(const char *name)
     {
@@ -35,6 +29,7 @@ struct Window
     }
     LineEdit *account() { return child<LineEdit>("accountEdit"); }
     LineEdit *password() { return child<LineEdit>("passwordEdit"); }
+    CustomCheckBoxNew *remember() { return child<CustomCheckBoxNew>("rememberPasswordBox"); }
     QPushButton *button() { return child<QPushButton>("loginButton"); }
     QPushButton *cancel() { return child<QPushButton>("cancelButton"); }
 
@@ -42,9 +37,15 @@ struct Window
     {
         account()->clear();
         QTest::keyClicks(account(), accountText);
+        password()->clear();
         QTest::keyClicks(password(), passwordText);
     }
     void press() { QTest::mouseClick(button(), Qt::LeftButton); }
+    void logIn()
+    {
+        type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        press();
+    }
     bool isIdle() { return button()->text() == QStringLiteral("登录") && !cancel()->isVisible(); }
 
     LoginNew login;
@@ -74,7 +75,7 @@ private slots:
     {
         Window window;
         window.type(QStringLiteral("  demo01 "), QStringLiteral("abc123 "));
-        QTest::mouseClick(window.child<CustomCheckBoxNew>("rememberPasswordBox"), Qt::LeftButton);
+        QTest::mouseClick(window.remember(), Qt::LeftButton);
         window.press();
         QVERIFY(window.cancel()->isVisible());
         QTRY_COMPARE(window.button()->text(), success);
@@ -106,8 +107,7 @@ private slots:
                         {{QStringLiteral("fields"), QJsonArray{QStringLiteral("shop_data")}}});
         AccountContext::shopId = QStringLiteral("before");
         Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-        window.press();
+        window.logIn();
         QVERIFY(!QFile::exists(CredentialsFile().path())); // only a success writes it then
         QTRY_COMPARE(window.loggedIn.size(), 1);
         QCOMPARE(CredentialsFile().read().account, QStringLiteral("demo01"));
@@ -118,14 +118,13 @@ private slots:
 
     void fillsInWhatWasSaved()
     {
+        const QString password = QStringLiteral("secret");
         for (const bool remembered : {true, false}) {
-            CredentialsFile().write(
-                {QStringLiteral("demo02"), QStringLiteral("secret"), remembered});
+            CredentialsFile().write({QStringLiteral("demo02"), password, remembered});
             Window window;
             QCOMPARE(window.account()->text(), QStringLiteral("demo02"));
-            QCOMPARE(window.password()->text(), remembered ? QStringLiteral("secret") : QString());
-            QCOMPARE(window.child<CustomCheckBoxNew>("rememberPasswordBox")->isChecked(),
-                     remembered);
+            QCOMPARE(window.password()->text(), remembered ? password : QString());
+            QCOMPARE(window.remember()->isChecked(), remembered);
             QTRY_VERIFY(window.password()->hasFocus());
         }
     }
@@ -134,10 +133,9 @@ private slots:
     {
         Window window;
         window.type(QStringLiteral("demo01"), QStringLiteral("wrong"));
-        auto *remember = window.child<CustomCheckBoxNew>("rememberPasswordBox");
-        remember->setFocus();
-        QTest::keyClick(remember, Qt::Key_Return); // logs in, and leaves the box as it is
-        QVERIFY(!remember->isChecked());
+        window.remember()->setFocus();
+        keyToFocus(Qt::Key_Return); // logs in, and leaves the box as it is
+        QVERIFY(!window.remember()->isChecked());
         QTRY_VERIFY(window.isIdle());
         const auto shown = MessageBox::takeShown();
         QCOMPARE(shown.size(), 1);
@@ -147,41 +145,29 @@ private slots:
         QVERIFY(window.loggedIn.isEmpty());
         QVERIFY(AccountContext::uid.isEmpty());
 
-        window.password()->clear();
-        QTest::keyClicks(window.password(), QStringLiteral("abc123"));
+        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
         QTest::keyClick(window.password(), Qt::Key_Return);
         QTRY_COMPARE(window.button()->text(), success);
     }
 
-    void asksForWhatIsMissing_data()
-    {
-        QTest::addColumn<QString>("account");
-        QTest::addColumn<QString>("password");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("nothing") << ""
-                                 << ""
-                                 << "请输入账号";
-        QTest::newRow("blank account") << "  "
-                                       << "abc123"
-                                       << "请输入账号";
-        QTest::newRow("blank password") << "demo01"
-                                        << " \u3000"
-                                        << "请输入密码";
-    }
-
     void asksForWhatIsMissing()
     {
-        QFETCH(QString, account);
-        QFETCH(QString, password);
-        Window window;
-        window.account()->setText(account);
-        window.password()->setText(password);
-        QTest::keyClick(window.account(), Qt::Key_Enter);
-        const auto shown = MessageBox::takeShown();
-        QCOMPARE(shown.size(), 1);
-        QTEST(shown.first().text, "text");
-        QVERIFY(window.isIdle());
-        QVERIFY(demo_.requests().isEmpty());
+        const QString noAccount = QStringLiteral("请输入账号");
+        const QString blank = QStringLiteral(" \u3000");
+        for (const auto &[account, password, text] :
+             {std::tuple(QString(), QString(), noAccount),
+              {blank, QStringLiteral("abc123"), noAccount},
+              {QStringLiteral("demo01"), blank, QStringLiteral("请输入密码")}}) {
+            Window window;
+            window.account()->setText(account);
+            window.password()->setText(password);
+            QTest::keyClick(window.account(), Qt::Key_Enter);
+            const auto shown = MessageBox::takeShown();
+            QCOMPARE(shown.size(), 1);
+            QCOMPARE(shown.first().text, text);
+            QVERIFY(window.isIdle());
+            QVERIFY(demo_.requests().isEmpty());
+        }
     }
 
     void sendsOneRequestAtATime()
@@ -198,33 +184,25 @@ private slots:
         QCOMPARE(demo_.requests(dologin).size(), 1);
     }
 
-    void staysSilentWithoutAnAnswer_data()
-    {
-        QTest::addColumn<QString>("kind");
-        for (const char *kind : {"drop", "http-error", "broken-json", "html", "empty", "array"})
-            QTest::newRow(kind) << kind;
-    }
-
     void staysSilentWithoutAnAnswer()
     {
-        QFETCH(QString, kind);
-        demo_.misbehave(dologin, kind);
-        Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-        window.press();
-        QVERIFY(!window.isIdle());
-        QTRY_VERIFY(window.isIdle());
-        QVERIFY(MessageBox::takeShown().isEmpty());
-        window.press();
-        QTRY_COMPARE(window.button()->text(), success);
+        for (const char *kind : {"drop", "http-error", "broken-json", "html", "empty", "array"}) {
+            demo_.misbehave(dologin, QLatin1String(kind));
+            Window window;
+            window.logIn();
+            QVERIFY(!window.isIdle());
+            QTRY_VERIFY2(window.isIdle(), kind);
+            QVERIFY(MessageBox::takeShown().isEmpty());
+            window.press();
+            QTRY_COMPARE(window.button()->text(), success);
+        }
     }
 
     void isCancelled()
     {
         demo_.misbehave(dologin, QStringLiteral("hold"), {{QStringLiteral("times"), 2}});
         Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
-        window.press();
+        window.logIn();
         QTRY_COMPARE(demo_.requests(dologin).size(), 1);
         QTest::keyClick(window.password(), Qt::Key_Escape);
         QVERIFY(window.isIdle());
@@ -241,10 +219,9 @@ private slots:
     void opensNothingOnceClosed()
     {
         Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
         auto *shown = window.child<QTimer>("successShown");
         shown->setInterval(3600 * 1000);
-        window.press();
+        window.logIn();
         QTRY_VERIFY(shown->isActive());
         QTest::mouseClick(window.child<QWidget>("closeButton"), Qt::LeftButton);
         QVERIFY(!window.login.isVisible());
@@ -255,12 +232,7 @@ private slots:
     {
         Window window;
         QTRY_VERIFY(window.account()->hasFocus());
-        QStringList order;
-        for (int i = 0; i < 6; ++i) {
-            order.append(QApplication::focusWidget()->objectName());
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        }
-        QCOMPARE(order.join(QLatin1Char(' ')),
+        QCOMPARE(tabOrder(6),
                  QStringLiteral("accountEdit passwordEdit rememberPasswordBox loginButton"
                                 " minimizeButton closeButton"));
     }

@@ -48,6 +48,7 @@ private slots:
     void clashingNamesAreNotTaken();
     void theLaterBranchSwitchWins();
     void aRefusedSwitchKeepsTheBranch();
+    void aSwitchThatFailedAtOpeningCanBeTriedAgain();
     void badSearchReplies_data();
     void badSearchReplies();
     void selectionSurvivesARefresh();
@@ -435,6 +436,17 @@ void TestImportFiles::aRefusedSwitchKeepsTheBranch()
     EXPECT_BOXES(QStringList(QStringLiteral("分店已停用")));
     QCOMPARE(branchBox()->currentText(), QStringLiteral("一店"));
     QCOMPARE(table()->model()->rowCount(), orders);
+}
+
+void TestImportFiles::aSwitchThatFailedAtOpeningCanBeTriedAgain()
+{
+    demo_.misbehave(QStringLiteral("switch_shop"), QStringLiteral("drop"));
+    window_ = new ImportFiles;
+    window_->show();
+    QTRY_COMPARE(Toast::currentText(window_), QStringLiteral("网络连接失败，请稍后重试"));
+    QCOMPARE(demo_.requests(QStringLiteral("order_list")).size(), 0);
+    window_->onSearchClick();
+    QTRY_VERIFY(table()->model()->rowCount() > 0);
 }
 
 void TestImportFiles::badSearchReplies_data()

@@ -251,15 +251,17 @@ void TestFileCopy::aKilledCopyLeavesNoTarget()
 
 void TestFileCopy::removesOnlyItsOwnOldLeftovers()
 {
-    // Ages are told by the time of the last status change, which nobody can set back; so a fresh
-    // one of ours stays, and others stay whatever their age.
     const QString ours = QFileInfo(temporaryPathIn(folder_->path())).fileName();
-    for (const QString &name : {ours, QStringLiteral("~$letter.docx"), QStringLiteral("~$12.part"),
-                                QStringLiteral("a.part")})
+    const QStringList others = {QStringLiteral("a.part"), QStringLiteral("~$12.part"),
+                                QStringLiteral("~$letter.docx")};
+    for (const QString &name : others)
         write(name, 10);
-    const QStringList before = entries();
-    removeStaleTemporaries(folder_->path());
-    QCOMPARE(entries(), before);
+    write(ours, 10);
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    removeStaleTemporaries(folder_->path(), now.addSecs(23 * 60 * 60));
+    QCOMPARE(entries().size(), 4);
+    removeStaleTemporaries(folder_->path(), now.addSecs(25 * 60 * 60));
+    QCOMPARE(entries(), others);
 }
 
 void TestFileCopy::readOnlyFilesArePreserved()

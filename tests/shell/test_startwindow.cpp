@@ -29,23 +29,16 @@ class TestStartWindow : public QObject
     Q_OBJECT
 
 private slots:
-    void findsTheAddress_data()
-    {
-        QTest::addColumn<QString>("arguments");
-        QTest::addColumn<QString>("address");
-        QTest::newRow("none") << "tool --login-data x" << QString();
-        QTest::newRow("given") << "tool --url-host https://a --parent-window 7"
-                               << "https://a";
-        QTest::newRow("twice") << "tool --url-host https://a --url-host https://b"
-                               << "https://b";
-        QTest::newRow("nothing follows") << "tool --url-host" << QString();
-        QTest::newRow("other case") << "tool --URL-host https://a" << QString();
-    }
-
     void findsTheAddress()
     {
-        QFETCH(QString, arguments);
-        QTEST(urlHostIn(arguments.split(QLatin1Char(' '))), "address");
+        const QString address = QStringLiteral("https://a");
+        for (const auto &[arguments, found] :
+             {std::pair(QStringLiteral("tool --login-data x"), QString()),
+              {QStringLiteral("tool --url-host https://a --parent-window 7"), address},
+              {QStringLiteral("tool --url-host https://b --url-host https://a"), address},
+              {QStringLiteral("tool --url-host"), QString()},
+              {QStringLiteral("tool --URL-host https://a"), QString()}})
+            QCOMPARE(urlHostIn(arguments.split(QLatin1Char(' '))), found);
     }
 
     void startsFromSavedLoginData()
@@ -74,8 +67,7 @@ private slots:
         QTRY_VERIFY(topLevel<ChooseTools>());
         QPointer<ChooseTools> launcher = topLevel<ChooseTools>();
         QVERIFY(launcher->isVisible());
-        QCOMPARE(launcher->loginReply().value(QStringLiteral("UID")).toString(),
-                 AccountContext::uid);
+        QCOMPARE(launcher->loginReply()[QStringLiteral("UID")].toString(), AccountContext::uid);
         QTRY_VERIFY(!login);
         launcher->close();
         QTRY_VERIFY(!launcher);

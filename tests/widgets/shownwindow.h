@@ -1,23 +1,11 @@
 #pragma once
 
+#include "widgets/framelesswindow.h"
 #include "widgets/inputs.h"
 
 #include <QApplication>
 #include <QTest>
 #include <QVBoxLayout>
-
-/// Content with two fields, so that focus and tab order can be told.
-inline QWidget *twoFields()
-{
-    auto *content = new QWidget;
-    auto *layout = new QVBoxLayout(content);
-    for (const QString &name : {QStringLiteral("first"), QStringLiteral("second")}) {
-        auto *field = new LineEdit;
-        field->setObjectName(name);
-        layout->addWidget(field);
-    }
-    return content;
-}
 
 inline void showActive(QWidget *window)
 {
@@ -26,8 +14,39 @@ inline void showActive(QWidget *window)
     QVERIFY(QTest::qWaitForWindowActive(window));
 }
 
+/// With the fields "first" and "second", so that focus and tab order can be told.
+inline void showWithFields(FramelessWindow *window)
+{
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    for (const char *name : {"first", "second"}) {
+        auto *field = new LineEdit;
+        field->setObjectName(QLatin1String(name));
+        layout->addWidget(field);
+    }
+    window->setContent(content);
+    window->setGeometry(50, 50, 400, 300);
+    showActive(window);
+}
+
 inline QString focusName()
 {
     const QWidget *focus = QApplication::focusWidget();
     return focus ? focus->objectName() : QString();
+}
+
+inline void keyToFocus(Qt::Key key)
+{
+    QTest::keyClick(QApplication::focusWidget(), key);
+}
+
+/// The names that have the focus now and after each of \a steps - 1 tabs.
+inline QString tabOrder(int steps)
+{
+    QStringList names;
+    for (; steps > 0; --steps) {
+        names.append(focusName());
+        keyToFocus(Qt::Key_Tab);
+    }
+    return names.join(QLatin1Char(' '));
 }

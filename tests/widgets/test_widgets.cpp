@@ -2,7 +2,6 @@
 #include "widgets/confirmdialog.h"
 #include "widgets/edgegrip.h"
 #include "widgets/filedialog.h"
-#include "widgets/framelesswindow.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/titlebar.h"
@@ -17,10 +16,6 @@
 #include <QWindow>
 
 #include <functional>
-
-Q_DECLARE_METATYPE(QMessageBox::StandardButton)
-Q_DECLARE_METATYPE(QMessageBox::StandardButtons)
-Q_DECLARE_METATYPE(Qt::Edges)
 
 namespace {
 
@@ -75,81 +70,44 @@ private slots:
         MessageBox::takeShown();
     }
 
-    void resizingStopsAtTheSmallestSize_data()
-    {
-        QTest::addColumn<Qt::Edges>("edges");
-        QTest::addColumn<QPoint>("delta");
-        QTest::addColumn<QRect>("result");
-        const auto edge = [](Qt::Edge one) { return Qt::Edges(one); };
-        QTest::newRow("right") << edge(Qt::RightEdge) << QPoint(30, 9) << QRect(100, 100, 230, 100);
-        QTest::newRow("left, too far")
-            << edge(Qt::LeftEdge) << QPoint(500, 0) << QRect(250, 100, 50, 100);
-        QTest::newRow("top, too far")
-            << edge(Qt::TopEdge) << QPoint(0, 500) << QRect(100, 160, 200, 40);
-        QTest::newRow("corner") << (Qt::TopEdge | Qt::LeftEdge) << QPoint(-10, -20)
-                                << QRect(90, 80, 210, 120);
-        QTest::newRow("corner, too far")
-            << (Qt::BottomEdge | Qt::RightEdge) << QPoint(-999, -999) << QRect(100, 100, 50, 40);
-    }
-
     void resizingStopsAtTheSmallestSize()
     {
-        QFETCH(Qt::Edges, edges);
-        QFETCH(QPoint, delta);
-        QTEST(resizedBy(QRect(100, 100, 200, 100), edges, delta, QSize(50, 40)), "result");
+        const auto resized = [](Qt::Edges edges, const QPoint &by) {
+            return resizedBy(QRect(100, 100, 200, 100), edges, by, QSize(50, 40));
+        };
+        QCOMPARE(resized(Qt::RightEdge, {30, 9}), QRect(100, 100, 230, 100));
+        QCOMPARE(resized(Qt::LeftEdge, {500, 0}), QRect(250, 100, 50, 100));
+        QCOMPARE(resized(Qt::TopEdge, {0, 500}), QRect(100, 160, 200, 40));
+        QCOMPARE(resized(Qt::TopEdge | Qt::LeftEdge, {-10, -20}), QRect(90, 80, 210, 120));
     }
 
-    void windowMovesAndMaximises()
+    void titleBarAndEdges()
     {
         FramelessWindow window;
-        window.setContent(twoFields());
-        window.setGeometry(50, 50, 400, 300);
-        showActive(&window);
+        QSignalSpy minimise(&window, &FramelessWindow::minimizeRequested);
+        showWithFields(&window);
+        QCOMPARE(tabOrder(4), QStringLiteral("first second minimizeButton closeButton"));
         TitleBar *bar = window.titleBar();
-        const QPoint grab = bar->mapTo(&window, bar->rect().center());
-        drag(&window, grab, QPoint(40, 30));
+        drag(&window, bar->mapTo(&window, bar->rect().center()), QPoint(40, 30));
         QTRY_COMPARE(window.pos(), QPoint(90, 80));
+        const auto grip = [&window] {
+            const QPoint corner(window.width() - 2, window.height() - 2);
+            return qobject_cast<EdgeGrip *>(window.childAt(corner));
+        };
+        QVERIFY(grip());
+        QCOMPARE(grip()->cursor().shape(), Qt::SizeFDiagCursor);
+        drag(&window, QPoint(398, 298), QPoint(-60, -40));
+        QTRY_COMPARE(window.geometry(), QRect(90, 80, 340, 260));
 
         QTest::mouseDClick(bar, Qt::LeftButton);
         QTRY_VERIFY(window.isMaximized());
         QTest::mouseDClick(bar, Qt::LeftButton);
         QTRY_VERIFY(!window.isMaximized());
         window.setResizable(false);
+        QVERIFY(!grip());
         QTest::mouseDClick(bar, Qt::LeftButton);
         QVERIFY(!window.isMaximized());
-    }
 
-    void edgesResize()
-    {
-        FramelessWindow window;
-        window.setContent(twoFields());
-        window.setGeometry(50, 50, 400, 300);
-        showActive(&window);
-        const QPoint corner(window.width() - 2, window.height() - 2);
-        auto *grip = qobject_cast<EdgeGrip *>(window.childAt(corner));
-        QVERIFY(grip);
-        QCOMPARE(grip->cursor().shape(), Qt::SizeFDiagCursor);
-        drag(&window, corner, QPoint(-60, -40));
-        QTRY_COMPARE(window.geometry(), QRect(50, 50, 340, 260));
-        window.setResizable(false);
-        QVERIFY(!qobject_cast<EdgeGrip *>(
-            window.childAt(QPoint(window.width() - 2, window.height() - 2))));
-    }
-
-    void titleButtonsComeLastInTabOrder()
-    {
-        FramelessWindow window;
-        window.setContent(twoFields());
-        QSignalSpy minimise(&window, &FramelessWindow::minimizeRequested);
-        showActive(&window);
-        QStringList order;
-        for (int i = 0; i < 4; ++i) {
-            order.append(focusName());
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        }
-        QCOMPARE(order,
-                 QStringList({QStringLiteral("first"), QStringLiteral("second"),
-                              QStringLiteral("minimizeButton"), QStringLiteral("closeButton")}));
         QTest::mouseClick(window.titleBar()->minimizeButton(), Qt::LeftButton);
         QCOMPARE(minimise.count(), 1);
         QVERIFY(!window.isMinimized());
@@ -166,18 +124,15 @@ private slots:
 
         window->next = ToldWindow::CloseAnswer::Refuse;
         QTest::mouseClick(window->titleBar()->closeButton(), Qt::LeftButton);
-        QVERIFY(window->isVisible());
-        QCOMPARE(closed.count(), 0);
+        QVERIFY(window->isVisible() && closed.isEmpty());
 
         window->next = ToldWindow::CloseAnswer::CloseLater;
         QTest::mouseClick(window->titleBar()->closeButton(), Qt::LeftButton);
         QVERIFY(!window->isVisible());
-        QCOMPARE(closed.count(), 1);
         window->close();
         QCOMPARE(closed.count(), 1);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QVERIFY2(window, "deleted before its work had ended");
-
         window->finishClosing();
         QTRY_VERIFY(!window);
     }
@@ -201,46 +156,32 @@ private slots:
         QVERIFY2(worked, "the program ended while the window still had work to do");
     }
 
-    void boxAnswers_data()
-    {
-        using Box = QMessageBox;
-        QTest::addColumn<QMessageBox::StandardButtons>("buttons");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QMessageBox::StandardButton>("answer");
-        const Box::StandardButtons yesCancel = Box::Yes | Box::Cancel;
-        QTest::newRow("Escape cancels") << yesCancel << int(Qt::Key_Escape) << Box::Cancel;
-        QTest::newRow("Enter agrees") << yesCancel << int(Qt::Key_Return) << Box::Yes;
-        QTest::newRow("only Ok, Escape")
-            << Box::StandardButtons(Box::Ok) << int(Qt::Key_Escape) << Box::Ok;
-        QTest::newRow("Yes or No, Escape")
-            << (Box::Yes | Box::No) << int(Qt::Key_Escape) << Box::No;
-    }
-
     void boxAnswers()
     {
-        QFETCH(QMessageBox::StandardButtons, buttons);
-        QFETCH(int, key);
-        QObject context;
-        onNextBox(&context, [key](NoticeDialog *box) { QTest::keyClick(box, Qt::Key(key)); });
-        QTEST(MessageBox::question(nullptr, QStringLiteral("？"), MessageBox::defaultTitle(),
-                                   buttons),
-              "answer");
-    }
-
-    void boxShowsPlainTextAndChineseButtons()
-    {
+        using Box = QMessageBox;
+        const struct
+        {
+            Box::StandardButtons buttons;
+            Qt::Key key;
+            Box::StandardButton answer;
+        } rows[] = {{Box::Yes | Box::Cancel, Qt::Key_Escape, Box::Cancel},
+                    {Box::Yes | Box::Cancel, Qt::Key_Return, Box::Yes},
+                    {Box::Ok, Qt::Key_Escape, Box::Ok},
+                    {Box::Yes | Box::No, Qt::Key_Escape, Box::No}};
         QWidget parent;
-        QString shown;
+        for (const auto &row : rows) {
+            onNextBox(&parent, [&row](NoticeDialog *box) { QTest::keyClick(box, row.key); });
+            QCOMPARE(MessageBox::question(&parent, QStringLiteral("？"), {}, row.buttons),
+                     row.answer);
+        }
         QStringList texts;
-        onNextBox(&parent, [&](NoticeDialog *box) {
-            shown = box->findChild<QPlainTextEdit *>()->toPlainText();
-            texts = QStringList(
-                {box->button(QMessageBox::Yes)->text(), box->button(QMessageBox::Cancel)->text()});
-            QTest::mouseClick(box->button(QMessageBox::Yes), Qt::LeftButton);
+        onNextBox(&parent, [&texts](NoticeDialog *box) {
+            texts = QStringList({box->findChild<QPlainTextEdit *>()->toPlainText(),
+                                 box->button(Box::Yes)->text(), box->button(Box::Cancel)->text()});
+            QTest::mouseClick(box->button(Box::Yes), Qt::LeftButton);
         });
-        QCOMPARE(MessageBox::question(&parent, QStringLiteral("<b>A&B</b>")), QMessageBox::Yes);
-        QCOMPARE(shown, QStringLiteral("<b>A&B</b>"));
-        QCOMPARE(texts, QStringList({QStringLiteral("是"), QStringLiteral("取消")}));
+        QCOMPARE(MessageBox::question(&parent, QStringLiteral("<b>A&B</b>")), Box::Yes);
+        QCOMPARE(texts.join(QLatin1Char(' ')), QStringLiteral("<b>A&B</b> 是 取消"));
     }
 
     void boxWhoseParentDiesGivesTheSafeAnswer()
@@ -252,15 +193,12 @@ private slots:
 
     void longConfirmationStaysOnTheScreen()
     {
-        QString text = QStringLiteral("下列是不一致的照片：");
-        for (int i = 0; i < 3000; ++i)
-            text += QStringLiteral("\nIMG_%1.jpg").arg(i);
-        QObject context;
-        QSize size;
+        const QString text = QStringLiteral("IMG_0001.jpg\n").repeated(3000);
+        int height = 0;
         QString focus;
         bool scrolls = false;
-        onNextBox(&context, [&](NoticeDialog *box) {
-            size = box->size();
+        onNextBox(this, [&](NoticeDialog *box) {
+            height = box->height();
             scrolls = box->findChild<QPlainTextEdit *>()->verticalScrollBar()->maximum() > 0;
             focus = qobject_cast<QPushButton *>(box->focusWidget())->text();
             QTest::keyClick(box, Qt::Key_Return);
@@ -268,7 +206,7 @@ private slots:
         QVERIFY(!ConfirmDialog::ask(nullptr, text, ConfirmDialog::Enter::Cancels));
         QCOMPARE(focus, QStringLiteral("取消"));
         QVERIFY(scrolls);
-        QVERIFY(size.height() < QGuiApplication::primaryScreen()->availableSize().height());
+        QVERIFY(height < QGuiApplication::primaryScreen()->availableSize().height());
     }
 
     void scriptedBoxes()
@@ -282,11 +220,10 @@ private slots:
         QCOMPARE(MessageBox::warning(nullptr, QStringLiteral("四"), QStringLiteral("提示")),
                  QMessageBox::Ok);
         const QList<MessageBox::Shown> shown = MessageBox::takeShown();
-        QStringList told;
+        QString told;
         for (const MessageBox::Shown &box : shown)
-            told.append(box.title + box.text);
-        QCOMPARE(told, QStringList({QStringLiteral("温馨提示一"), QStringLiteral("温馨提示二"),
-                                    QStringLiteral("温馨提示三"), QStringLiteral("提示四")}));
+            told += box.title + box.text;
+        QCOMPARE(told, QStringLiteral("温馨提示一温馨提示二温馨提示三提示四"));
         QCOMPARE(int(shown.at(1).kind), int(MessageBox::Kind::Confirmation));
         QVERIFY(MessageBox::takeShown().isEmpty());
     }
@@ -305,8 +242,7 @@ private slots:
     void toastReplacesAndGoes()
     {
         FramelessWindow window;
-        window.setContent(twoFields());
-        showActive(&window);
+        showWithFields(&window);
         auto *shortLived = new QWidget(&window);
         Toast::show(shortLived, QStringLiteral("一"), 60000);
         Toast::show(&window, QStringLiteral("二\n行"), 60000);
@@ -323,11 +259,8 @@ private slots:
     void overlayTakesKeysAndMouse()
     {
         FramelessWindow window;
-        window.setContent(twoFields());
-        window.resize(400, 300);
-        showActive(&window);
+        showWithFields(&window);
         auto *field = window.findChild<LineEdit *>(QStringLiteral("first"));
-        field->setFocus();
         LoadingOverlay overlay(&window);
         QSignalSpy cancelled(&overlay, &LoadingOverlay::cancelled);
         overlay.showText(QStringLiteral("正在刷新中..."));
@@ -335,14 +268,14 @@ private slots:
         window.resize(500, 400);
         QTRY_COMPARE(overlay.geometry(), window.contentArea());
         field->setFocus();
-        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("x"));
+        keyToFocus(Qt::Key_X);
         QVERIFY(field->text().isEmpty());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        keyToFocus(Qt::Key_Tab);
         QCOMPARE(focusName(), QStringLiteral("loadingCancelButton"));
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        keyToFocus(Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), static_cast<QWidget *>(&overlay));
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        keyToFocus(Qt::Key_Escape);
+        keyToFocus(Qt::Key_Escape);
         QCOMPARE(cancelled.count(), 1);
         overlay.showText(QStringLiteral("再试"), false);
         QTest::keyClick(&overlay, Qt::Key_Escape);
