@@ -106,7 +106,8 @@ private slots:
         QCOMPARE(picker.text(), QStringLiteral("点击选择拍照日期"));
         const QRegularExpression clicked(QStringLiteral("^日期选择器被点击，控件:"));
         QTest::ignoreMessage(QtDebugMsg, clicked);
-        for (const QString &line : lines.split(QLatin1Char('\n')))
+        const QStringList expected = lines.split(QLatin1Char('\n'));
+        for (const QString &line : expected)
             QTest::ignoreMessage(QtDebugMsg, line.toUtf8().constData());
         QTest::mouseClick(picker.findChild<QLineEdit *>(), Qt::LeftButton);
         const auto press = [](const QList<Qt::Key> &keys) {
