@@ -299,10 +299,12 @@ void measureImport(BenchApplication *application, const Settings &settings, cons
         durations.append(importSeconds(&desk, settings));
         const auto events = application->stopWatching();
         costs.append(events.first().cpuMs);
-        bench::line(QStringLiteral("  round %1: %2 s, %3 files/s, longest events:")
+        bench::line(QStringLiteral("  round %1: %2 s, %3 files/s, %4 s of processor time on the "
+                                   "interface thread; longest events:")
                         .arg(round + 1)
                         .arg(bench::number(durations.last(), 2),
-                             bench::number(settings.imported / durations.last(), 0)));
+                             bench::number(settings.imported / durations.last(), 0),
+                             bench::number(application->cpuMs() / 1e3, 2)));
         printEvents(events);
     }
     bench::line(QStringLiteral("median duration: %1 s, %2 files/s")

@@ -24,6 +24,7 @@ double threadCpuMs()
 void BenchApplication::startWatching()
 {
     longest_.clear();
+    cpuMs_ = 0;
     watching_ = true;
 }
 
@@ -92,6 +93,7 @@ bool BenchApplication::deliver(QObject *receiver, QEvent *event)
 
 void BenchApplication::add(const Cost &cost)
 {
+    cpuMs_ += cost.cpuMs;
     const auto place = std::find_if(longest_.begin(), longest_.end(), [&cost](const Cost &other) {
         return other.cpuMs < cost.cpuMs;
     });

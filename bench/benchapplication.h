@@ -30,6 +30,9 @@ public:
     /// The events since startWatching() that took most processor time, the longest first.
     QVector<Cost> stopWatching();
 
+    /// Processor time of all events since startWatching().
+    double cpuMs() const { return cpuMs_; }
+
     /// Serves events until \a done is true, which is asked after each; false after \a timeoutMs.
     bool runUntil(const std::function<bool()> &done, int timeoutMs);
 
@@ -43,6 +46,7 @@ private:
     void add(const Cost &cost);
 
     bool watching_ = false;
+    double cpuMs_ = 0;
     QVector<Cost> longest_;
     int loopLevel_ = -1;  ///< event loop of the event being timed; -1 outside of any
     bool waited_ = false; ///< whether that event ran a loop of its own
