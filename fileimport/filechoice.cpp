@@ -83,5 +83,6 @@ ChoiceResult prepareChoice(const ChoiceRequest &request)
         file.size = info.size();
         result.files.append(file);
     }
+    result.clashes = importrules::sameTargetGroups(result.files);
     return result;
 }

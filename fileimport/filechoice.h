@@ -20,7 +20,8 @@ struct ChoiceRequest
 struct ChoiceResult
 {
     QVector<ImportFile> files;
-    int ignored = 0; ///< dropped files that the filter leaves out
+    QVector<QStringList> clashes; ///< sources that would land on one target, grouped
+    int ignored = 0;              ///< dropped files that the filter leaves out
     QString
         folderError; ///< not empty: the order's folders could not be made, nothing is to be taken
 };

@@ -135,11 +135,7 @@ void ImportFiles::connectPanel()
     connect(searchBar, &OrderSearchBar::searchRequested, this, &ImportFiles::onSearchClick);
     connect(searchBar, &OrderSearchBar::searchTypeChanged, this, &ImportFiles::onSearchTypeChanged);
     connect(searchBar, &OrderSearchBar::branchChosen, this, &ImportFiles::onBranchSelectionChanged);
-    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, [this] {
-        searchCall_.cancel();
-        panel_->overlay()->hideOverlay();
-        panel_->searchBar()->setBusy(false);
-    });
+    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, &ImportFiles::endSearch);
     connect(panel_, &ImportOrderPanel::selectionChanged, this,
             &ImportFiles::onOrderTableSelectionChanged);
     connect(panel_, &ImportOrderPanel::orderNumberClicked, this,
@@ -167,8 +163,10 @@ void ImportFiles::connectRun()
     connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
     connect(run, &ImportRun::orderStateChanged, this,
             [this](const QString &orderId, PhotoState state) {
-                orders_.change(orders_.rowOf(orderId),
-                               [state](ImportOrder &order) { order.photoState = state; });
+                const int row = orders_.rowOf(orderId);
+                // Told after every file; the row is announced only when something is new.
+                if (orders_.hasRow(row) && orders_.order(row).photoState != state)
+                    orders_.change(row, [state](ImportOrder &order) { order.photoState = state; });
             });
     connect(run, &ImportRun::orderStarted, this, [this](const QString &orderId) {
         if (orders_.hasRow(orders_.rowOf(orderId)))
@@ -217,7 +215,7 @@ void ImportFiles::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
-    searchCall_.cancel();
+    endSearch();
     switchCall_.cancel();
     ++choice_;
     if (run_->isBusy())
@@ -248,7 +246,7 @@ void ImportFiles::onBranchSelectionChanged(int index)
 
 void ImportFiles::switchToBranch(const QString &shopId)
 {
-    searchCall_.cancel(); // what the former branch answers is not wanted any more
+    endSearch(); // what the former branch answers is not wanted any more
     panel_->searchBar()->setBusy(true);
     panel_->overlay()->showText(QStringLiteral("正在切换分店..."), false);
     switchCall_.start(
@@ -299,6 +297,7 @@ void ImportFiles::onSearchClick()
 
 void ImportFiles::reqOrderList()
 {
+    endSearch();
     panel_->searchBar()->setBusy(true);
     panel_->overlay()->showText(QStringLiteral("正在查询订单..."));
     searchCall_.start(orderqueries::orderListAction,
@@ -308,27 +307,42 @@ void ImportFiles::reqOrderList()
 
 void ImportFiles::onOrderList(const ServiceReply &reply)
 {
-    panel_->searchBar()->setBusy(false);
-    panel_->overlay()->hideOverlay();
     if (!reply.isSuccess()) {
+        endSearch();
         panel_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
         showFailure(reply, reply.message);
         return;
     }
+    inBackground(
+        this,
+        [object = reply.object, publicPath = publicPath_] {
+            return importrequests::readOrders(object, publicPath);
+        },
+        [this, search = search_](const importrequests::OrderList &list) {
+            if (search == search_)
+                showSearchResult(list);
+        });
+}
+
+void ImportFiles::showSearchResult(const importrequests::OrderList &list)
+{
+    endSearch();
     const QString nothingFound = QStringLiteral("未检索到订单");
     panel_->setEmptyText(nothingFound);
-    const importrequests::OrderList list = importrequests::readOrders(reply.object, publicPath_);
     if (list.isList)
-        showOrders(list.orders);
+        panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
     if (list.elements == 0)
         MessageBox::warning(this, nothingFound);
     else if (list.orders.isEmpty())
         Toast::show(this, QStringLiteral("未搜到订单!"), toastMs);
 }
 
-void ImportFiles::showOrders(const QVector<ImportOrder> &orders)
+void ImportFiles::endSearch()
 {
-    panel_->keepPlaceWhile([&] { orders_.setOrders(orders); });
+    searchCall_.cancel();
+    ++search_; // a list that is still being read is not wanted any more
+    panel_->searchBar()->setBusy(false);
+    panel_->overlay()->hideOverlay();
 }
 
 void ImportFiles::showFailure(const ServiceReply &reply, const QString &refusal)
@@ -440,9 +454,8 @@ void ImportFiles::onChoicePrepared(const QString &orderId, const ChoiceResult &r
     }
     if (result.ignored > 0)
         Toast::show(this, QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored), toastMs);
-    const QVector<QStringList> clashes = importrules::sameTargetGroups(result.files);
-    if (!clashes.isEmpty()) {
-        MessageBox::warning(this, importrules::sameTargetNotice(clashes));
+    if (!result.clashes.isEmpty()) {
+        MessageBox::warning(this, importrules::sameTargetNotice(result.clashes));
         return;
     }
     const int row = orders_.rowOf(orderId);
@@ -512,9 +525,7 @@ void ImportFiles::onStartAllClicked()
     }
     // A reply that comes now must not replace the orders under the run.
     switchCall_.cancel();
-    searchCall_.cancel();
-    panel_->overlay()->hideOverlay();
-    panel_->searchBar()->setBusy(false);
+    endSearch();
     panel_->searchBar()->selectBranch(identity_.shopId);
     emit startImportAllFiles(orders_.orders().toList());
     setImporting(true);

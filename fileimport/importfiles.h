@@ -71,7 +71,9 @@ private:
     void switchToBranch(const QString &shopId);
     void onBranchSwitched(const QString &shopId, const ServiceReply &reply);
     void onOrderList(const ServiceReply &reply);
-    void showOrders(const QVector<ImportOrder> &orders);
+    void showSearchResult(const importrequests::OrderList &list);
+    /// Abandons the search that is going on, if there is one.
+    void endSearch();
     /// Tells what a failed call means for the user. \a refusal is the service's own text.
     void showFailure(const ServiceReply &reply, const QString &refusal);
 
@@ -97,6 +99,7 @@ private:
     bool opened_ = false;
     bool switched_ = false; ///< whether the service has confirmed the branch
     QString shownOrderId_;
+    int search_ = 0; ///< number of the search whose result is wanted
     int choice_ = 0; ///< number of the choice being prepared; a cancelled one is no longer it
 
     ImportOrderTableModel orders_;

@@ -13,7 +13,7 @@ namespace {
 constexpr int filesAtOnce = 4;
 /// Tasks given to the pool ahead of time: its threads never idle while the interface is busy, and
 /// an order of thousands of files does not become thousands of objects.
-constexpr int tasksAhead = 2 * filesAtOnce;
+constexpr int tasksAhead = 16 * filesAtOnce;
 constexpr int stopPatienceMs = 5000;
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "app/context/installation.h"
 #include "app/context/logging.h"
+#include "net/background.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -14,6 +15,9 @@
 #include <QUrl>
 
 namespace {
+
+/// Larger replies, such as a list of thousands of orders, would hold the interface up.
+constexpr int parsedAtOnceBytes = 256 * 1024;
 
 QByteArray withSessionFields(const QByteArray &body)
 {
@@ -146,16 +150,20 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
     if (!reply)
         return; // a reply that a later request on this object has replaced
     reply_.clear();
-    bool ok = false;
-    QJsonDocument document;
-    if (reply->error() == QNetworkReply::NoError) {
-        document = QJsonDocument::fromJson(reply->readAll());
-        ok = document.isObject();
-    }
+    const bool answered = reply->error() == QNetworkReply::NoError;
+    const QByteArray body = answered ? reply->readAll() : QByteArray();
     noteCertificateError(reply);
     reply->deleteLater();
     requestDone_ = 1;
-    callback_(ok, document); // last: the callback may delete this object
+    // Last in each way: the callback may delete this object.
+    const auto handOver = [this](const QJsonDocument &document) {
+        callback_(document.isObject(), document);
+    };
+    if (body.size() <= parsedAtOnceBytes)
+        handOver(QJsonDocument::fromJson(body));
+    else
+        inBackground(
+            this, [body] { return QJsonDocument::fromJson(body); }, handOver);
 }
 
 void BaseReq::imageDownloadFinished(QNetworkReply *reply)
@@ -180,6 +188,8 @@ void BaseReq::imageDownloadFinished(QNetworkReply *reply)
 
 void BaseReq::abortRequest()
 {
+    if (!reply_)
+        return; // answered already
     qDebug() << "abort1";
     Q_UNUSED(reply_->isRunning())
     qDebug() << "abort2";

@@ -42,7 +42,8 @@ public:
     /// Fetches an image and hands it over as a data URL.
     void downloadImageAsDataUrl(const QString &url, ImageCallback callback);
 
-    /// Ends the request in flight; its callback then runs with ok = false. Only after a request.
+    /// Ends the request in flight; its callback then runs with ok = false. Nothing happens once the
+    /// answer is there.
     void abortRequest();
 
     /// Why the last request was refused by us: the server's certificate is not trusted. Empty when

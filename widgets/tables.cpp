@@ -116,6 +116,20 @@ EmptyStateTable::EmptyStateTable(QWidget *parent) : QTableView(parent)
 {
 }
 
+/// The framework repaints the whole table for more than one changed cell; while an import changes
+/// row after row that would keep the interface busy with nothing else.
+void EmptyStateTable::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                                  const QVector<int> &roles)
+{
+    if (!topLeft.isValid() || topLeft.row() != bottomRight.row() ||
+        topLeft.column() == bottomRight.column()) {
+        QTableView::dataChanged(topLeft, bottomRight, roles);
+        return;
+    }
+    for (int column = topLeft.column(); column <= bottomRight.column(); ++column)
+        update(topLeft.sibling(topLeft.row(), column));
+}
+
 void EmptyStateTable::setEmptyText(const QString &text)
 {
     emptyText_ = text;

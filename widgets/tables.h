@@ -46,6 +46,8 @@ public:
     const QString &emptyText() const { return emptyText_; }
 
 protected:
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                     const QVector<int> &roles = {}) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:

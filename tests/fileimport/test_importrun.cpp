@@ -266,7 +266,7 @@ void TestImportRun::retryWhileItsOrderIsRegisteredRegistersAgain()
 
 void TestImportRun::stopLeavesWaitingAndCancelledFiles()
 {
-    const ImportOrder order = makeOrder(0, 20);
+    const ImportOrder order = makeOrder(0, 100);
     start({order});
     run_->stopAllImports(); // before the interface thread has seen any result
     QVERIFY(!run_->isRunning());
@@ -274,7 +274,7 @@ void TestImportRun::stopLeavesWaitingAndCancelledFiles()
     const QList<int> after = states(order.id);
     const int imported = after.count(ImportFile::Imported);
     const int failed = after.count(ImportFile::Failed);
-    QVERIFY(after.count(ImportFile::Waiting) >= 12); // never given to the pool
+    QVERIFY(after.count(ImportFile::Waiting) >= 36); // never given to the pool
     for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
         if (file.state == ImportFile::Failed)
             QCOMPARE(file.message, QStringLiteral("任务已取消"));
