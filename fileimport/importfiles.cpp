@@ -1,8 +1,7 @@
 #include "fileimport/importfiles.h"
 
-#include "app/context/k.h"
 #include "app/helpers/macwindowmanager.h"
-#include "fileimport/filebuttondelegate.h"
+#include "fileimport/importfilepanel.h"
 #include "fileimport/importorderpanel.h"
 #include "fileimport/importrequests.h"
 #include "fileimport/importrules.h"
@@ -13,27 +12,18 @@
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/servicenotice.h"
-#include "widgets/tables.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
-#include <QHeaderView>
-#include <QLabel>
 #include <QSplitter>
-#include <QVBoxLayout>
 
 namespace {
 
 constexpr int progressIntervalMs = 250;
 constexpr int toastMs = 2000;
-constexpr int nameColumnPx = 120;
-constexpr int stateColumnPx = 130;
-constexpr int actionColumnPx = 96;
-constexpr int narrowestRightPx = 390; // the retry buttons are always in sight
 
 QString importingText()
 {
@@ -44,21 +34,16 @@ QString importingText()
 
 ImportFiles::ImportFiles(QWidget *parent)
     : FramelessWindow(parent)
-    , identity_(orderqueries::Identity::fromAccount())
-    , switchCall_(this)
-    , searchCall_(this)
     , panel_(new ImportOrderPanel(&orders_))
-    , fileTable_(new EmptyStateTable)
+    , filePanel_(new ImportFilePanel(&files_))
     , overlay_(new LoadingOverlay(this))
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
     auto *splitter = new QSplitter(Qt::Horizontal);
     splitter->setStyleSheet(theme::splitterStyle());
-    auto *right = new QWidget;
-    buildRight(right);
     splitter->addWidget(panel_);
-    splitter->addWidget(right);
+    splitter->addWidget(filePanel_);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
@@ -78,6 +63,9 @@ ImportFiles::ImportFiles(QWidget *parent)
     });
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connect(&branch_, &BranchSession::switched, this, &ImportFiles::onBranchSwitched);
+    connect(&branch_, &BranchSession::switchFailed, this, &ImportFiles::onBranchSwitchFailed);
+    connect(&branch_, &BranchSession::searched, this, &ImportFiles::onOrderList);
     connectPanel();
     setMode(int(ImportMode::Originals));
 }
@@ -93,40 +81,6 @@ void ImportFiles::setMode(int mode)
     mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
     run_ = std::make_unique<ImportRun>(mode_);
     connectRun();
-}
-
-void ImportFiles::buildRight(QWidget *right)
-{
-    auto *heading = new QLabel(QStringLiteral("待导入文件列表"));
-    heading->setStyleSheet(theme::headingStyle());
-    fileTable_->setObjectName(QStringLiteral("fileTable"));
-    prepareTable(fileTable_);
-    fileTable_->setModel(&files_);
-    fileTable_->setEmptyText(QStringLiteral("请在左侧选择订单，再选择或拖入要导入的文件"));
-    fileTable_->setMouseTracking(true);
-    auto *buttons = new FileButtonDelegate(fileTable_);
-    fileTable_->setItemDelegateForColumn(ImportFileTableModel::ActionColumn, buttons);
-    fileTable_->setItemDelegateForColumn(ImportFileTableModel::TargetColumn,
-                                         new ElidedTextDelegate(Qt::ElideMiddle, fileTable_));
-    connect(buttons, &FileButtonDelegate::retryClicked, this, &ImportFiles::onRetryImportClicked);
-    auto *retry = new QAction(QStringLiteral("重新导入"), fileTable_);
-    retry->setShortcut(Qt::CTRL + Qt::Key_R);
-    retry->setShortcutContext(Qt::WidgetShortcut);
-    fileTable_->addAction(retry);
-    fileTable_->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(retry, &QAction::triggered, this,
-            [this] { onRetryImportClicked(fileTable_->currentIndex().row()); });
-    QHeaderView *header = fileTable_->horizontalHeader();
-    header->resizeSection(ImportFileTableModel::FileNameColumn, K::scaledPx(nameColumnPx));
-    header->resizeSection(ImportFileTableModel::StateColumn, K::scaledPx(stateColumnPx));
-    header->resizeSection(ImportFileTableModel::ActionColumn, K::scaledPx(actionColumnPx));
-
-    right->setMinimumWidth(K::scaledPx(narrowestRightPx));
-    auto *layout = new QVBoxLayout(right);
-    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
-    layout->setSpacing(theme::spacing());
-    layout->addWidget(heading);
-    layout->addWidget(fileTable_, 1);
 }
 
 void ImportFiles::connectPanel()
@@ -154,6 +108,7 @@ void ImportFiles::connectPanel()
     // A box shown while the drop is going on would freeze the program that the files come from.
     connect(panel_, &ImportOrderPanel::filesDropped, this, &ImportFiles::onFilesDropped,
             Qt::QueuedConnection);
+    connect(filePanel_, &ImportFilePanel::retryClicked, this, &ImportFiles::onRetryImportClicked);
     connect(panel_, &ImportOrderPanel::startClicked, this, &ImportFiles::onStartAllClicked);
 }
 
@@ -216,7 +171,7 @@ void ImportFiles::showEvent(QShowEvent *event)
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
     endSearch();
-    switchCall_.cancel();
+    branch_.cancel();
     ++choice_;
     if (run_->isBusy())
         stopAllImports();
@@ -227,15 +182,15 @@ FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 
 void ImportFiles::reqShopInfo()
 {
-    panel_->searchBar()->setBranches(AccountContext::shopList, identity_.shopId);
-    switchToBranch(identity_.shopId);
+    panel_->searchBar()->setBranches(AccountContext::shopList, branch_.identity().shopId);
+    switchToBranch(branch_.identity().shopId);
 }
 
 void ImportFiles::onBranchSelectionChanged(int index)
 {
     const QString shopId = panel_->searchBar()->branchId(index);
     if (run_->isBusy()) {
-        panel_->searchBar()->selectBranch(identity_.shopId);
+        panel_->searchBar()->selectBranch(branch_.identity().shopId);
         MessageBox::warning(this, importingText());
         return;
     }
@@ -246,36 +201,26 @@ void ImportFiles::onBranchSelectionChanged(int index)
 
 void ImportFiles::switchToBranch(const QString &shopId)
 {
-    endSearch(); // what the former branch answers is not wanted any more
+    endSearch();
     panel_->searchBar()->setBusy(true);
     panel_->overlay()->showText(QStringLiteral("正在切换分店..."), false);
-    switchCall_.start(
-        orderqueries::switchShopAction, orderqueries::switchShopBody(shopId),
-        [this, shopId](const ServiceReply &reply) { onBranchSwitched(shopId, reply); });
+    branch_.switchTo(shopId);
 }
 
-void ImportFiles::onBranchSwitched(const QString &shopId, const ServiceReply &reply)
+void ImportFiles::onBranchSwitched()
 {
-    panel_->searchBar()->setBusy(false);
-    panel_->overlay()->hideOverlay();
-    const orderqueries::ShopSwitch shop = orderqueries::readShopSwitch(reply.object);
-    if (!reply.isSuccess() || shop.employeeId.isEmpty() || shop.superId.isEmpty()) {
-        panel_->searchBar()->selectBranch(identity_.shopId);
-        panel_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
-        showFailure(reply,
-                    reply.isSuccess() ? QStringLiteral("分店信息不完整，请稍后重试") : reply.msg);
-        return;
-    }
-    switched_ = true;
-    identity_ = {shopId, shop.superId, shop.employeeId};
-    publicPath_ = shop.importPublicPath;
-    for (const ShopRecord &record : qAsConst(AccountContext::shopList)) {
-        if (publicPath_.isEmpty() && record.id == shopId)
-            publicPath_ = record.importPublicPath;
-    }
-    panel_->searchBar()->selectBranch(shopId);
+    endSearch();
+    panel_->searchBar()->selectBranch(branch_.identity().shopId);
     panel_->searchBar()->resetKeyword();
     reqOrderList();
+}
+
+void ImportFiles::onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal)
+{
+    endSearch();
+    panel_->searchBar()->selectBranch(branch_.identity().shopId);
+    panel_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
+    showServiceFailure(this, reply, refusal);
 }
 
 void ImportFiles::onSearchTypeChanged(int type)
@@ -289,10 +234,11 @@ void ImportFiles::onSearchClick()
         MessageBox::warning(this, importingText());
         return;
     }
-    if (switched_)
+    if (branch_.isConfirmed())
         reqOrderList();
     else
-        switchToBranch(identity_.shopId); // what failed when the window opened; a search follows
+        switchToBranch(
+            branch_.identity().shopId); // what failed when the window opened; a search follows
 }
 
 void ImportFiles::reqOrderList()
@@ -300,9 +246,7 @@ void ImportFiles::reqOrderList()
     endSearch();
     panel_->searchBar()->setBusy(true);
     panel_->overlay()->showText(QStringLiteral("正在查询订单..."));
-    searchCall_.start(orderqueries::orderListAction,
-                      orderqueries::orderListBody(panel_->searchBar()->search(), identity_),
-                      [this](const ServiceReply &reply) { onOrderList(reply); });
+    branch_.search(panel_->searchBar()->search());
 }
 
 void ImportFiles::onOrderList(const ServiceReply &reply)
@@ -310,12 +254,12 @@ void ImportFiles::onOrderList(const ServiceReply &reply)
     if (!reply.isSuccess()) {
         endSearch();
         panel_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
-        showFailure(reply, reply.message);
+        showServiceFailure(this, reply, reply.message);
         return;
     }
     inBackground(
         this,
-        [object = reply.object, publicPath = publicPath_] {
+        [object = reply.object, publicPath = branch_.publicPath()] {
             return importrequests::readOrders(object, publicPath);
         },
         [this, search = search_](const importrequests::OrderList &list) {
@@ -339,15 +283,10 @@ void ImportFiles::showSearchResult(const importrequests::OrderList &list)
 
 void ImportFiles::endSearch()
 {
-    searchCall_.cancel();
+    branch_.cancelSearch();
     ++search_; // a list that is still being read is not wanted any more
     panel_->searchBar()->setBusy(false);
     panel_->overlay()->hideOverlay();
-}
-
-void ImportFiles::showFailure(const ServiceReply &reply, const QString &refusal)
-{
-    showServiceFailure(this, reply, refusal);
 }
 
 // What the rows of the order table do.
@@ -519,14 +458,14 @@ void ImportFiles::onStartAllClicked()
         MessageBox::warning(this, QStringLiteral("没有订单可导入"), title);
         return;
     }
-    if (!run_->start(orders_.orders(), identity_)) {
+    if (!run_->start(orders_.orders(), branch_.identity())) {
         MessageBox::warning(this, QStringLiteral("请先为订单选择要导入的文件"), title);
         return;
     }
     // A reply that comes now must not replace the orders under the run.
-    switchCall_.cancel();
+    branch_.cancel();
     endSearch();
-    panel_->searchBar()->selectBranch(identity_.shopId);
+    panel_->searchBar()->selectBranch(branch_.identity().shopId);
     emit startImportAllFiles(orders_.orders().toList());
     setImporting(true);
 }
@@ -570,13 +509,13 @@ void ImportFiles::onRetryImportClicked(int row)
     const ImportOrder *order = shownOrder();
     if (order && row >= 0 && row < order->files.size() &&
         order->files.at(row).state == ImportFile::Failed)
-        run_->retry(*order, row, identity_);
+        run_->retry(*order, row, branch_.identity());
 }
 
 void ImportFiles::onRegisterAgainClicked(int row)
 {
     if (orders_.hasRow(row) && orders_.order(row).unregistered)
-        run_->registerAgain(orders_.order(row), identity_);
+        run_->registerAgain(orders_.order(row), branch_.identity());
 }
 
 void ImportFiles::askForResubmit(const QString &orderId, const QString &question,
@@ -607,7 +546,7 @@ void ImportFiles::onOrderRegistered(const QString &orderId, const RegistrationRe
 void ImportFiles::upImportPhotoInfo(const ImportOrder &order, const ImportFile &file)
 {
     callService(this, importrequests::photoAction,
-                importrequests::photoBody(mode_, order, file, identity_),
+                importrequests::photoBody(mode_, order, file, branch_.identity()),
                 [](const ServiceReply &reply) {
                     if (!reply.isSuccess())
                         qDebug() << "照片路径提交失败:" << reply.message;

@@ -6,8 +6,7 @@
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrecords.h"
 #include "fileimport/importrun.h"
-#include "net/orderqueries.h"
-#include "net/servicecall.h"
+#include "net/branchsession.h"
 #include "widgets/framelesswindow.h"
 
 #include <QElapsedTimer>
@@ -16,7 +15,7 @@
 
 #include <memory>
 
-class EmptyStateTable;
+class ImportFilePanel;
 class ImportOrderPanel;
 class LoadingOverlay;
 
@@ -64,18 +63,16 @@ protected:
     void showEvent(QShowEvent *event) override;
 
 private:
-    void buildRight(QWidget *right);
     void connectPanel();
     void connectRun();
 
     void switchToBranch(const QString &shopId);
-    void onBranchSwitched(const QString &shopId, const ServiceReply &reply);
+    void onBranchSwitched();
+    void onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal);
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
     /// Abandons the search that is going on, if there is one.
     void endSearch();
-    /// Tells what a failed call means for the user. \a refusal is the service's own text.
-    void showFailure(const ServiceReply &reply, const QString &refusal);
 
     bool mayChoose(int row);
     void takeFiles(int row, const QStringList &paths, bool dropped);
@@ -93,19 +90,15 @@ private:
     const ImportOrder *shownOrder() const;
 
     ImportMode mode_ = ImportMode::Originals;
-    orderqueries::Identity identity_;
-    QString publicPath_; ///< public import root of the branch
     bool importing_ = false;
     bool opened_ = false;
-    bool switched_ = false; ///< whether the service has confirmed the branch
     QString shownOrderId_;
     int search_ = 0; ///< number of the search whose result is wanted
     int choice_ = 0; ///< number of the choice being prepared; a cancelled one is no longer it
 
     ImportOrderTableModel orders_;
     ImportFileTableModel files_;
-    LatestCall switchCall_;
-    LatestCall searchCall_;
+    BranchSession branch_;
     std::unique_ptr<ImportRun> run_;
     SharedFolderOpener folderOpener_;
     QTimer progressTimer_;
@@ -113,6 +106,6 @@ private:
     TransferRate rate_;
 
     ImportOrderPanel *panel_;
-    EmptyStateTable *fileTable_;
+    ImportFilePanel *filePanel_;
     LoadingOverlay *overlay_;
 };

@@ -1,0 +1,61 @@
+#include "fileimport/importfilepanel.h"
+
+#include "app/context/k.h"
+#include "fileimport/filebuttondelegate.h"
+#include "fileimport/importfiletablemodel.h"
+#include "widgets/tables.h"
+#include "widgets/theme.h"
+
+#include <QAction>
+#include <QHeaderView>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int nameColumnPx = 120;
+constexpr int stateColumnPx = 130;
+constexpr int actionColumnPx = 96;
+constexpr int narrowestPx = 390; // the retry buttons are always in sight
+
+} // namespace
+
+ImportFilePanel::ImportFilePanel(ImportFileTableModel *model, QWidget *parent)
+    : QWidget(parent), table_(new EmptyStateTable(this))
+{
+    setMinimumWidth(K::scaledPx(narrowestPx));
+    buildTable(model);
+    auto *heading = new QLabel(QStringLiteral("待导入文件列表"));
+    heading->setStyleSheet(theme::headingStyle());
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(heading);
+    layout->addWidget(table_, 1);
+}
+
+void ImportFilePanel::buildTable(ImportFileTableModel *model)
+{
+    table_->setObjectName(QStringLiteral("fileTable"));
+    prepareTable(table_);
+    table_->setModel(model);
+    table_->setEmptyText(QStringLiteral("请在左侧选择订单，再选择或拖入要导入的文件"));
+    auto *buttons = new FileButtonDelegate(table_);
+    table_->setItemDelegateForColumn(ImportFileTableModel::ActionColumn, buttons);
+    table_->setItemDelegateForColumn(ImportFileTableModel::TargetColumn,
+                                     new ElidedTextDelegate(Qt::ElideMiddle, table_));
+    connect(buttons, &FileButtonDelegate::retryClicked, this, &ImportFilePanel::retryClicked);
+
+    auto *retry = new QAction(QStringLiteral("重新导入"), table_);
+    retry->setShortcut(Qt::CTRL + Qt::Key_R);
+    retry->setShortcutContext(Qt::WidgetShortcut);
+    table_->addAction(retry);
+    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(retry, &QAction::triggered, this,
+            [this] { emit retryClicked(table_->currentIndex().row()); });
+
+    QHeaderView *header = table_->horizontalHeader();
+    header->resizeSection(ImportFileTableModel::FileNameColumn, K::scaledPx(nameColumnPx));
+    header->resizeSection(ImportFileTableModel::StateColumn, K::scaledPx(stateColumnPx));
+    header->resizeSection(ImportFileTableModel::ActionColumn, K::scaledPx(actionColumnPx));
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "net/orderqueries.h"
+#include "net/servicecall.h"
+
+#include <QObject>
+#include <QString>
+
+/// Whom one tool window acts as, and what it asks the service in that name: switching the branch
+/// and searching orders. Seeded from the account context when the window opens, replaced by its own
+/// switches alone. The latest switch wins, and so does the latest search; a switch ends a search.
+class BranchSession : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit BranchSession(QObject *parent = nullptr);
+
+    /// Changes only with switched().
+    const orderqueries::Identity &identity() const { return identity_; }
+    /// Public import root of the branch, in Windows form; may be empty.
+    const QString &publicPath() const { return publicPath_; }
+    /// Whether the service has confirmed the branch.
+    bool isConfirmed() const { return confirmed_; }
+
+    void switchTo(const QString &shopId);
+    /// \a role7id: see orderqueries::orderListBody().
+    void search(const orderqueries::OrderSearch &search, const QString &role7id = QString());
+    /// Abandons what is under way; nothing more is heard of it.
+    void cancel();
+    void cancelSearch();
+
+signals:
+    void switched();
+    /// The branch stays what it was. \a refusal is what to tell the user when the service answered.
+    void switchFailed(const ServiceReply &reply, const QString &refusal);
+    /// The answer to the latest search, good or bad.
+    void searched(const ServiceReply &reply);
+
+private:
+    void onSwitchReply(const QString &shopId, const ServiceReply &reply);
+
+    orderqueries::Identity identity_;
+    QString publicPath_;
+    bool confirmed_ = false;
+    LatestCall switchCall_;
+    LatestCall searchCall_;
+};
