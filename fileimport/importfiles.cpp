@@ -89,7 +89,7 @@ void ImportFiles::connectPanel()
     connect(searchBar, &OrderSearchBar::searchRequested, this, &ImportFiles::onSearchClick);
     connect(searchBar, &OrderSearchBar::searchTypeChanged, this, &ImportFiles::onSearchTypeChanged);
     connect(searchBar, &OrderSearchBar::branchChosen, this, &ImportFiles::onBranchSelectionChanged);
-    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, &ImportFiles::endSearch);
+    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, &ImportFiles::onWaitingCancelled);
     connect(panel_, &ImportOrderPanel::selectionChanged, this,
             &ImportFiles::onOrderTableSelectionChanged);
     connect(panel_, &ImportOrderPanel::orderNumberClicked, this,
@@ -203,7 +203,7 @@ void ImportFiles::switchToBranch(const QString &shopId)
 {
     endSearch();
     panel_->searchBar()->setBusy(true);
-    panel_->overlay()->showText(QStringLiteral("正在切换分店..."), false);
+    panel_->overlay()->showText(QStringLiteral("正在切换分店..."));
     branch_.switchTo(shopId);
 }
 
@@ -223,6 +223,13 @@ void ImportFiles::onBranchSwitchFailed(const ServiceReply &reply, const QString 
     showServiceFailure(this, reply, refusal);
 }
 
+void ImportFiles::onWaitingCancelled()
+{
+    branch_.cancel();
+    endSearch();
+    panel_->searchBar()->selectBranch(branch_.identity().shopId);
+}
+
 void ImportFiles::onSearchTypeChanged(int type)
 {
     Q_UNUSED(type) // the search bar shows the field that the type needs
@@ -234,11 +241,12 @@ void ImportFiles::onSearchClick()
         MessageBox::warning(this, importingText());
         return;
     }
-    if (branch_.isConfirmed())
+    if (branch_.isConfirmed()) {
         reqOrderList();
-    else
-        switchToBranch(
-            branch_.identity().shopId); // what failed when the window opened; a search follows
+        return;
+    }
+    // The switch at opening failed, or was cancelled; when it succeeds a search follows.
+    switchToBranch(branch_.identity().shopId);
 }
 
 void ImportFiles::reqOrderList()

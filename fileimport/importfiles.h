@@ -71,6 +71,7 @@ private:
     void onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal);
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
+    void onWaitingCancelled();
     /// Abandons the search that is going on, if there is one.
     void endSearch();
 

@@ -49,6 +49,7 @@ private slots:
     void theLaterBranchSwitchWins();
     void aRefusedSwitchKeepsTheBranch();
     void aSwitchThatFailedAtOpeningCanBeTriedAgain();
+    void aSwitchThatHangsCanBeCancelled();
     void badSearchReplies_data();
     void badSearchReplies();
     void selectionSurvivesARefresh();
@@ -447,6 +448,28 @@ void TestImportFiles::aSwitchThatFailedAtOpeningCanBeTriedAgain()
     QCOMPARE(demo_.requests(QStringLiteral("order_list")).size(), 0);
     window_->onSearchClick();
     QTRY_VERIFY(table()->model()->rowCount() > 0);
+}
+
+void TestImportFiles::aSwitchThatHangsCanBeCancelled()
+{
+    open(0);
+    const int orders = table()->model()->rowCount();
+    demo_.misbehave(QStringLiteral("switch_shop"), QStringLiteral("hold"));
+    demo_.clearRequests();
+    searchBar()->selectBranch(QStringLiteral("102"));
+    window_->onBranchSelectionChanged(1);
+    QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
+    auto *overlay = table()->findChild<LoadingOverlay *>();
+    QVERIFY(overlay->isVisible());
+    QTest::mouseClick(overlay->findChild<QPushButton *>(), Qt::LeftButton);
+    QVERIFY(!overlay->isVisible());
+    demo_.release();
+    demo_.state();
+    QCOMPARE(branchBox()->currentText(), QStringLiteral("一店"));
+    QCOMPARE(table()->model()->rowCount(), orders);
+    QCOMPARE(demo_.requests(QStringLiteral("order_list")).size(), 0);
+    window_->onSearchClick();
+    QTRY_COMPARE(demo_.requests(QStringLiteral("order_list")).size(), 1);
 }
 
 void TestImportFiles::badSearchReplies_data()
