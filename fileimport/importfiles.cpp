@@ -218,7 +218,7 @@ void ImportFiles::onBranchSwitched()
 void ImportFiles::onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal)
 {
     endSearch();
-    panel_->searchBar()->selectBranch(branch_.identity().shopId);
+    keepBranch();
     panel_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
     showServiceFailure(this, reply, refusal);
 }
@@ -227,6 +227,13 @@ void ImportFiles::onWaitingCancelled()
 {
     branch_.cancel();
     endSearch();
+    keepBranch();
+}
+
+void ImportFiles::keepBranch()
+{
+    // Tools opened later are not to begin in a branch that was refused here.
+    AccountContext::selectedShopId = branch_.identity().shopId;
     panel_->searchBar()->selectBranch(branch_.identity().shopId);
 }
 

@@ -72,6 +72,8 @@ private:
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
     void onWaitingCancelled();
+    /// Back to the branch that the service confirmed last.
+    void keepBranch();
     /// Abandons the search that is going on, if there is one.
     void endSearch();
 

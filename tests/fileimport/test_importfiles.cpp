@@ -436,6 +436,7 @@ void TestImportFiles::aRefusedSwitchKeepsTheBranch()
     window_->onBranchSelectionChanged(1);
     EXPECT_BOXES(QStringList(QStringLiteral("分店已停用")));
     QCOMPARE(branchBox()->currentText(), QStringLiteral("一店"));
+    QCOMPARE(AccountContext::selectedShopId, QStringLiteral("101"));
     QCOMPARE(table()->model()->rowCount(), orders);
 }
 
