@@ -9,7 +9,8 @@
 
 namespace demo {
 
-// The contract: what the service answers to each action. answers.cpp is the one place to read it.
+// The contract: what the service answers to each action. answers.cpp lists the actions and
+// answers the common ones; each tool's own are in a file beside it.
 //
 // Every answer carries `code` (text, "1" is success), `message` and `msg`. A request that is
 // refused changes nothing. Not thread-safe; reads the studio's share on disk while it compares
@@ -25,8 +26,6 @@ public:
 
     // query: the g, m and a of the address; fields: the decoded form.
     QJsonObject answer(const Fields &query, const Fields &fields);
-
-    static QJsonObject refusal(const QString &message);
 
 private:
     QJsonObject login(const Fields &fields) const;

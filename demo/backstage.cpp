@@ -1,5 +1,6 @@
 #include "demo/backstage.h"
 
+#include "demo/answerparts.h"
 #include "demo/orderbook.h"
 
 #include <QDate>
@@ -118,9 +119,8 @@ Backstage::Reply Backstage::handle(const QByteArray &query, const QByteArray &co
         }
     }
 
-    QJsonObject answer = misbehaviour && !misbehaviour->acts()
-                             ? Answers::refusal(misbehaviour->message)
-                             : answers_.answer(address, fields);
+    QJsonObject answer = misbehaviour && !misbehaviour->acts() ? refusal(misbehaviour->message)
+                                                               : answers_.answer(address, fields);
     const QJsonObject previous = lastAnswers_.value(action, answer);
     lastAnswers_.insert(action, answer);
     if (misbehaviour && misbehaviour->kind == Misbehaviour::Kind::Stale)

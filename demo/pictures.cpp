@@ -1,5 +1,7 @@
 #include "demo/pictures.h"
 
+#include "demo/orientationtag.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
@@ -131,17 +133,6 @@ QByteArray jpeg(const QImage &image)
     return writer.write(image) ? bytes : QByteArray();
 }
 
-// Qt turns the pixels instead of writing the tag, so the tag goes in by hand: "turn by 90 degrees".
-QByteArray withQuarterTurnTag(QByteArray bytes)
-{
-    static const QByteArray segment = QByteArray::fromHex("ffe10022457869660000"
-                                                          "4d4d002a00000008"
-                                                          "0001011200030000000100060000"
-                                                          "00000000");
-    constexpr int startOfImageSize = 2;
-    return bytes.insert(startOfImageSize, segment);
-}
-
 QByteArray rawStandIn(QRandomGenerator &random)
 {
     QVector<quint32> words(70000 + random.bounded(30000));
@@ -176,7 +167,7 @@ QString makeCameraCard(const QString &folder)
                 return jpeg(landscape(random));
             const QImage upright = portrait(random);
             if (number % 4 == 0 && number != photoCount)
-                return withQuarterTurnTag(jpeg(upright.transformed(QTransform().rotate(-90))));
+                return withOrientation(jpeg(upright.transformed(QTransform().rotate(-90))), 6);
             return jpeg(upright);
         });
         if (!problem.isEmpty())

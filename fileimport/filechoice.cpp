@@ -2,7 +2,7 @@
 
 #include "fileimport/importfilecopyrunnable.h"
 #include "fileimport/importrules.h"
-#include "net/filecopy.h"
+#include "net/filewriting.h"
 #include "net/paths.h"
 #include "platform/pathform.h"
 

@@ -1,38 +1,13 @@
 #include "net/filecopy.h"
 
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
+#include "net/filewriting.h"
+
 #include <QFileInfo>
-#include <QRegularExpression>
-#include <QUuid>
-
-#include <algorithm>
-
-namespace {
-
-constexpr qint64 secondsUntilStale = qint64(24) * 60 * 60;
-
-/// Removes the temporary file on every way out; after a successful rename there is none.
-class TemporaryFile
-{
-public:
-    explicit TemporaryFile(QString path) : path_(std::move(path)) {}
-    ~TemporaryFile() { QFile::remove(path_); }
-    Q_DISABLE_COPY_MOVE(TemporaryFile)
-
-    const QString &path() const { return path_; }
-
-private:
-    QString path_;
-};
-
-} // namespace
 
 CopyOutcome copyFile(const QString &source, const QString &target,
                      const platform::TransferControl &control)
 {
-    const TemporaryFile temporary(temporaryPathIn(QFileInfo(target).path()));
+    const TemporaryFile temporary(QFileInfo(target).path());
     switch (platform::transferFile(source, temporary.path(), control)) {
     case platform::TransferResult::Done:
         break;
@@ -53,28 +28,4 @@ CopyOutcome copyFile(const QString &source, const QString &target,
         return CopyOutcome::Cancelled;
     return platform::replaceFile(temporary.path(), target) ? CopyOutcome::Copied
                                                            : CopyOutcome::Failed;
-}
-
-QString temporaryPathIn(const QString &folder)
-{
-    return folder + QLatin1String("/~$") + QUuid::createUuid().toString(QUuid::Id128) +
-           QLatin1String(".part");
-}
-
-void removeStaleTemporaries(const QString &folder, const QDateTime &now)
-{
-    static const QRegularExpression ours(QStringLiteral("^~\\$[0-9a-f]{32}\\.part$"));
-    // Files that start like this are hidden ones for some systems.
-    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
-    while (files.hasNext()) {
-        files.next();
-        const QFileInfo file = files.fileInfo();
-        if (!ours.match(file.fileName()).hasMatch())
-            continue;
-        // The source's time of modification was kept; when the copy was begun only the others tell,
-        // and not every share keeps all of them.
-        const QDateTime begun = std::max(file.metadataChangeTime(), file.birthTime());
-        if (begun.isValid() && begun.secsTo(now) > secondsUntilStale)
-            QFile::remove(file.filePath());
-    }
 }

@@ -2,7 +2,6 @@
 
 #include "platform/filetransfer.h"
 
-#include <QDateTime>
 #include <QString>
 
 /// How copying one file ended.
@@ -23,11 +22,3 @@ enum class CopyOutcome {
 /// the time of modification and drops a read-only mark. Blocks; for worker threads.
 CopyOutcome copyFile(const QString &source, const QString &target,
                      const platform::TransferControl &control = {});
-
-/// A name for a file being written into \a folder until it is whole; no listing of photos takes it.
-QString temporaryPathIn(const QString &folder);
-
-/// Removes temporary files that a killed process left in \a folder, once they are older than a day,
-/// and nothing else. Blocks; for worker threads.
-void removeStaleTemporaries(const QString &folder,
-                            const QDateTime &now = QDateTime::currentDateTimeUtc());

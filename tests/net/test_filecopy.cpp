@@ -1,4 +1,5 @@
 #include "net/filecopy.h"
+#include "net/filewriting.h"
 #include "platform/fileaccess.h"
 #include "tests/support/smalldisk.h"
 
@@ -6,6 +7,8 @@
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <stdexcept>
 
 #ifdef Q_OS_UNIX
 #include <sys/wait.h>
@@ -31,6 +34,8 @@ private slots:
     void aKilledCopyLeavesNoTarget();
     void removesOnlyItsOwnOldLeftovers();
     void readOnlyFilesArePreserved();
+    void writesWholeFilesOrNone_data();
+    void writesWholeFilesOrNone();
 
 private:
     QString path(const QString &name) const { return folder_->filePath(name); }
@@ -274,6 +279,44 @@ void TestFileCopy::readOnlyFilesArePreserved()
     QVERIFY(!platform::mayBeRemoved(path(QStringLiteral("t"))));
     QVERIFY(!platform::mayBeRemoved(folder_->path()));
     QVERIFY(!platform::mayBeRemoved(path(QStringLiteral("gone"))));
+}
+
+void TestFileCopy::writesWholeFilesOrNone_data()
+{
+    QTest::addColumn<QString>("writing");
+    QTest::addColumn<bool>("written");
+    QTest::newRow("whole") << "whole" << true;
+    QTest::newRow("gives up half-way") << "half" << false;
+    QTest::newRow("writes nothing") << "nothing" << false;
+    QTest::newRow("throws") << "throw" << false;
+}
+
+void TestFileCopy::writesWholeFilesOrNone()
+{
+    QFETCH(QString, writing);
+    QFETCH(bool, written);
+    const QByteArray earlier = write(QStringLiteral("sheet.txt"), 100);
+    const QByteArray later("later");
+    const auto make = [&](const QString &temporary) {
+        if (writing == QLatin1String("nothing"))
+            return true;
+        QFile file(temporary);
+        if (!file.open(QIODevice::WriteOnly) || file.write(later) != later.size())
+            return false;
+        file.close();
+        if (writing == QLatin1String("throw"))
+            throw std::runtime_error("no more");
+        return writing == QLatin1String("whole");
+    };
+    bool result = false;
+    try {
+        result = writeWholeFile(path(QStringLiteral("sheet.txt")), make);
+    } catch (const std::runtime_error &) {
+        QCOMPARE(writing, QStringLiteral("throw"));
+    }
+    QCOMPARE(result, written);
+    QCOMPARE(read(QStringLiteral("sheet.txt")), written ? later : earlier);
+    QCOMPARE(entries(), QStringList{QStringLiteral("sheet.txt")});
 }
 
 QTEST_GUILESS_MAIN(TestFileCopy)

@@ -1,0 +1,53 @@
+#include "net/filewriting.h"
+
+#include "platform/filetransfer.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QUuid>
+
+#include <algorithm>
+
+namespace {
+
+constexpr qint64 secondsUntilStale = qint64(24) * 60 * 60;
+
+} // namespace
+
+TemporaryFile::~TemporaryFile()
+{
+    QFile::remove(path_);
+}
+
+bool writeWholeFile(const QString &target, const std::function<bool(const QString &)> &write)
+{
+    const TemporaryFile temporary(QFileInfo(target).path());
+    return write(temporary.path()) && platform::flushToMedium(temporary.path()) &&
+           platform::replaceFile(temporary.path(), target);
+}
+
+QString temporaryPathIn(const QString &folder)
+{
+    return folder + QLatin1String("/~$") + QUuid::createUuid().toString(QUuid::Id128) +
+           QLatin1String(".part");
+}
+
+void removeStaleTemporaries(const QString &folder, const QDateTime &now)
+{
+    static const QRegularExpression ours(QStringLiteral("^~\\$[0-9a-f]{32}\\.part$"));
+    // Files that start like this are hidden ones for some systems.
+    QDirIterator files(folder, QDir::Files | QDir::Hidden | QDir::NoSymLinks);
+    while (files.hasNext()) {
+        files.next();
+        const QFileInfo file = files.fileInfo();
+        if (!ours.match(file.fileName()).hasMatch())
+            continue;
+        // The source's time of modification was kept; when the copy was begun only the others tell,
+        // and not every share keeps all of them.
+        const QDateTime begun = std::max(file.metadataChangeTime(), file.birthTime());
+        if (begun.isValid() && begun.secsTo(now) > secondsUntilStale)
+            QFile::remove(file.filePath());
+    }
+}
