@@ -14,4 +14,9 @@ bool mayBeWritten(const QString &path);
 /// disk.
 bool mayBeRemoved(const QString &path);
 
+/// Whether another program holds the file at \a path: on Windows has it open, so that it can be
+/// neither written nor removed; elsewhere has locked it or is running it. False for what does not
+/// exist or cannot be opened for other reasons. Touches the disk.
+bool isInUse(const QString &path);
+
 } // namespace platform

@@ -2,6 +2,9 @@
 
 #include <QFile>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,6 +36,21 @@ bool mayBeRemoved(const QString &path)
     if (lstat(name.constData(), &info) != 0 || S_ISDIR(info.st_mode))
         return false;
     return S_ISLNK(info.st_mode) || (info.st_mode & anyWriteBit) != 0;
+}
+
+bool isInUse(const QString &path)
+{
+    const int file = open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return errno == ETXTBSY;
+    // Two kinds of locks that know nothing of each other; what is taken here ends with the close.
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    const bool regionLocked = fcntl(file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    const bool wholeLocked = flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    close(file);
+    return regionLocked || wholeLocked;
 }
 
 } // namespace platform

@@ -18,4 +18,17 @@ bool mayBeRemoved(const QString &path)
     return mayBeWritten(path);
 }
 
+bool isInUse(const QString &path)
+{
+    constexpr DWORD noSharing = 0;
+    HANDLE file = CreateFileW(longPath(path).c_str(), GENERIC_READ | GENERIC_WRITE, noSharing,
+                              nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        const DWORD error = GetLastError();
+        return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION;
+    }
+    CloseHandle(file);
+    return false;
+}
+
 } // namespace platform
