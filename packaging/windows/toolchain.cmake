@@ -1,0 +1,17 @@
+# Building for 64-bit Windows on Debian with mingw-w64 (posix threads, as std::thread wants them).
+# QT_WIN64 is the folder with Qt for Windows.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+set(triple x86_64-w64-mingw32)
+set(CMAKE_C_COMPILER ${triple}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${triple}-g++-posix)
+set(CMAKE_RC_COMPILER ${triple}-windres)
+set(CMAKE_FIND_ROOT_PATH /usr/${triple})
+set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES QT_WIN64)
+if(QT_WIN64)
+    list(APPEND CMAKE_FIND_ROOT_PATH ${QT_WIN64})
+endif()
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
