@@ -180,7 +180,7 @@ QJsonObject Backstage::state() const
     for (const Order &order : studio_.orders())
         orders.append(orderState(order));
     return {{QStringLiteral("held"), held_},
-            {QStringLiteral("share"), share_.root()},
+            {QStringLiteral("share"), paths_.toClient(share_.root())},
             {QStringLiteral("orders"), orders}};
 }
 

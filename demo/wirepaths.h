@@ -12,6 +12,8 @@ public:
     explicit WirePaths(QString prefix = QString());
 
     QString toWire(const QString &absoluteDiskPath) const;
+    // The same with slashes, as the client's own disk calls take it, too.
+    QString toClient(const QString &absoluteDiskPath) const { return prefix_ + absoluteDiskPath; }
     // Accepts both kinds of slashes, with or without the prefix in either case.
     QString toDisk(const QString &wirePath) const;
 

@@ -7,13 +7,42 @@ namespace platform {
 
 namespace {
 
+/// What a running copy tells its caller: every byte once, whatever the system tells when.
+class Progress
+{
+public:
+    explicit Progress(const TransferControl &control) : control_(control) {}
+
+    bool cancelled() const { return control_.cancelled && control_.cancelled(); }
+
+    void reached(qint64 bytes)
+    {
+        if (bytes <= told_)
+            return;
+        told_ = bytes;
+        if (control_.progress)
+            control_.progress(bytes);
+    }
+
+private:
+    const TransferControl &control_;
+    qint64 told_ = 0;
+};
+
 DWORD CALLBACK onProgress(LARGE_INTEGER, LARGE_INTEGER transferred, LARGE_INTEGER, LARGE_INTEGER,
                           DWORD, DWORD, HANDLE, HANDLE, LPVOID data)
 {
-    const auto *control = static_cast<const TransferControl *>(data);
-    if (control->progress)
-        control->progress(transferred.QuadPart);
-    return control->cancelled && control->cancelled() ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
+    auto *progress = static_cast<Progress *>(data);
+    progress->reached(transferred.QuadPart);
+    return progress->cancelled() ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
+}
+
+qint64 sizeOf(const std::wstring &path)
+{
+    WIN32_FILE_ATTRIBUTE_DATA data;
+    if (!GetFileAttributesExW(path.c_str(), GetFileExInfoStandard, &data))
+        return 0;
+    return qint64((quint64(data.nFileSizeHigh) << 32) | data.nFileSizeLow);
 }
 
 } // namespace
@@ -22,8 +51,10 @@ TransferResult transferFile(const QString &source, const QString &target,
                             const TransferControl &control)
 {
     const std::wstring to = longPath(target);
-    auto *data = const_cast<TransferControl *>(&control); // the call hands it back untouched
-    if (!CopyFileExW(longPath(source).c_str(), to.c_str(), onProgress, data, nullptr,
+    Progress progress(control);
+    if (progress.cancelled())
+        return TransferResult::Cancelled;
+    if (!CopyFileExW(longPath(source).c_str(), to.c_str(), onProgress, &progress, nullptr,
                      COPY_FILE_FAIL_IF_EXISTS)) {
         return GetLastError() == ERROR_REQUEST_ABORTED ? TransferResult::Cancelled
                                                        : TransferResult::Failed;
@@ -33,7 +64,11 @@ TransferResult transferFile(const QString &source, const QString &target,
         return TransferResult::Failed;
     if (attributes & FILE_ATTRIBUTE_READONLY)
         SetFileAttributesW(to.c_str(), attributes & ~DWORD(FILE_ATTRIBUTE_READONLY));
-    return flushToMedium(target) ? TransferResult::Done : TransferResult::Failed;
+    if (!flushToMedium(target))
+        return TransferResult::Failed;
+    // Not every system that runs this program tells how far a copy is.
+    progress.reached(sizeOf(to));
+    return progress.cancelled() ? TransferResult::Cancelled : TransferResult::Done;
 }
 
 bool flushToMedium(const QString &path)

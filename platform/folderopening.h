@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -17,5 +18,8 @@ Command folderCommand(const QString &path);
 
 /// Asks \a host for one sign of life within \a timeoutMs; exit code 0 means that it answered.
 Command pingCommand(const QString &host, int timeoutMs);
+
+/// What such a program wrote, as text.
+QString textOf(const QByteArray &output);
 
 } // namespace platform

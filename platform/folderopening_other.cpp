@@ -17,4 +17,9 @@ Command pingCommand(const QString &host, int timeoutMs)
              QString::number(qCeil(timeoutMs / 1000.0)), QStringLiteral("--"), host}};
 }
 
+QString textOf(const QByteArray &output)
+{
+    return QString::fromLocal8Bit(output);
+}
+
 } // namespace platform

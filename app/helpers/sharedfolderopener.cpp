@@ -91,7 +91,7 @@ FolderOpening showFolder(const FolderCommands &commands, const QString &path, in
     }
     if (endedWell(process))
         return {true, {}};
-    return {false, QString::fromLocal8Bit(process.readAllStandardError()).trimmed()};
+    return {false, platform::textOf(process.readAllStandardError()).trimmed()};
 }
 
 FolderOpening openFolder(const FolderCommands &commands, const QString &path, const Flag &abandoned)

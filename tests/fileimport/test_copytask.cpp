@@ -1,4 +1,5 @@
 #include "fileimport/importfilecopyrunnable.h"
+#include "platform/pathform.h"
 #include "tests/support/smalldisk.h"
 
 #include <QDir>
@@ -62,6 +63,15 @@ private:
     {
         return folder_->filePath(QStringLiteral("to/") + name);
     }
+    /// The same as it is told: the folder as it came, in the form of this machine.
+    QString toldTarget(const QString &name) const
+    {
+        return platform::toLocalPath(wireFolder()) + QLatin1Char('/') + name;
+    }
+    QString wireFolder() const
+    {
+        return folder_->filePath(QStringLiteral("to")).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    }
     QByteArray targetContent(const QString &name) const;
 
     std::unique_ptr<QTemporaryDir> folder_;
@@ -103,8 +113,7 @@ ImportFile TestCopyTask::makeFile(const QString &name, const QByteArray &content
     file.sourcePath = source.fileName();
     file.baseName = QFileInfo(name).completeBaseName();
     file.suffix = QFileInfo(name).suffix();
-    file.targetFolder =
-        folder_->filePath(QStringLiteral("to")).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    file.targetFolder = wireFolder();
     return file;
 }
 
@@ -172,7 +181,8 @@ void TestCopyTask::targetsThatMayNotBeReplaced()
     }
     ImportFileCopyRunnable task(makeFile(QStringLiteral("a.jpg"), "photo"));
     const Ended ended = run(task);
-    QCOMPARE(ended.file.message, QStringLiteral("无法覆盖已存在的文件: %1").arg(path));
+    QCOMPARE(ended.file.message,
+             QStringLiteral("无法覆盖已存在的文件: %1").arg(toldTarget(QStringLiteral("a.jpg"))));
     QCOMPARE(targetContent(QStringLiteral("a.jpg")), QByteArray(isFolder ? "none" : "protected"));
     QCOMPARE(task.bytesCopied(), qint64(0));
 }
@@ -204,7 +214,7 @@ void TestCopyTask::copyResults()
     QCOMPARE(ended.signalCount, 1);
     QCOMPARE(ended.file.state, qint32(ImportFile::Failed));
     QCOMPARE(ended.file.message,
-             message.replace(QStringLiteral("%1"), target(QStringLiteral("a.jpg"))));
+             message.replace(QStringLiteral("%1"), toldTarget(QStringLiteral("a.jpg"))));
 }
 
 void TestCopyTask::cancelledAtAnyPointNothingChanges()
@@ -231,8 +241,8 @@ void TestCopyTask::cancelledAtAnyPointNothingChanges()
         QVERIFY(atLook < never);
     }
     // Before the first step, before and after looking at the target, in mid-copy, before the
-    // rename.
-    QVERIFY(points >= 6);
+    // rename; how often in mid-copy is the system's affair.
+    QVERIFY(points >= 5);
     QVERIFY(targetContent(QStringLiteral("a.jpg")) != "earlier");
 }
 
@@ -250,7 +260,8 @@ void TestCopyTask::fullDisk()
 
 void TestCopyTask::unsafeNamesBecomeSafe()
 {
-    ImportFile file = makeFile(QStringLiteral("nul.jpg"), "photo");
+    ImportFile file = makeFile(QStringLiteral("a.jpg"), "photo");
+    file.baseName = QStringLiteral("nul");
     ImportFileCopyRunnable device(file);
     QCOMPARE(run(device).file.state, qint32(ImportFile::Imported));
     QCOMPARE(targetContent(QStringLiteral("nul_.jpg")), QByteArray("photo"));

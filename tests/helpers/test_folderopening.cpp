@@ -1,5 +1,6 @@
 #include "app/helpers/sharedfolderopener.h"
 
+#include <QCoreApplication>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
@@ -12,32 +13,34 @@ QString text(const char *utf8)
     return QString::fromUtf8(utf8);
 }
 
-platform::Command shell(const QString &script)
+platform::Command standIn(const QString &behaviour)
 {
-    return {QStringLiteral("sh"), {QStringLiteral("-c"), script}};
+    return {QCoreApplication::applicationDirPath() + QStringLiteral("/tessavo-standin"),
+            {behaviour}};
 }
 
-const QString succeeds = QStringLiteral("exit 0");
-const QString hangs = QStringLiteral("exec sleep 600");
+const QString succeeds = QStringLiteral("succeed");
+const QString fails = QStringLiteral("fail");
+const QString hangs = QStringLiteral("hang");
 const QString share = QStringLiteral("\\\\nas\\photos");
 const QString local = QStringLiteral("C:\\photos");
 
-FolderCommands commands(const QString &showScript, const QString &pingScript)
+FolderCommands commands(const QString &showing, const QString &pinging)
 {
-    return {[showScript](const QString &) { return shell(showScript); },
-            [pingScript](const QString &, int) { return shell(pingScript); }};
+    return {[showing](const QString &) { return standIn(showing); },
+            [pinging](const QString &, int) { return standIn(pinging); }};
 }
 
 /// Tells when a folder is about to be shown, and lets that go on when told.
 struct Gate
 {
-    FolderCommands commands(const QString &script)
+    FolderCommands commands(const QString &behaviour)
     {
-        return {[this, script](const QString &path) {
+        return {[this, behaviour](const QString &path) {
                     shown = path;
                     asked.release();
                     mayGoOn.acquire();
-                    return shell(script);
+                    return standIn(behaviour);
                 },
                 {}};
     }
@@ -71,24 +74,24 @@ private slots:
         const struct
         {
             const char *path;
-            QString script;
+            QString behaviour;
             const char *host;
             bool reachable;
         } rows[] = {{"\\\\nas\\photos", succeeds, "nas", true},
-                    {"\\\\nas\\photos", QStringLiteral("exit 1"), "nas", false},
+                    {"\\\\nas\\photos", fails, "nas", false},
                     {"\\\\nas\\photos", hangs, "nas", false},
                     {"\\\\studio_2\\100% #1\\a&b", succeeds, "studio_2", true},
                     {"\\\\192.168.1.20\\photos", succeeds, "192.168.1.20", true},
                     {"C:\\photos", succeeds, "", false}};
         for (const auto &row : rows) {
             // What hangs hangs for good; the others must not be cut short by a slow machine.
-            const int timeoutMs = row.script == hangs ? 200 : 60000;
+            const int timeoutMs = row.behaviour == hangs ? 200 : 60000;
             QString asked;
             int askedFor = timeoutMs;
             const auto ping = [&](const QString &host, int milliseconds) {
                 asked = host;
                 askedFor = milliseconds;
-                return shell(row.script);
+                return standIn(row.behaviour);
             };
             const SharedFolderOpener opener(nullptr, {{}, ping});
             QCOMPARE(opener.isHostReachable(text(row.path), timeoutMs), row.reachable);
@@ -103,21 +106,21 @@ private slots:
         const char notStarted[] = "无法启动系统文件管理器";
         const struct
         {
-            const char *script;
+            const char *behaviour;
             bool success;
             const char *errorText;
             int timeoutMs = 60000;
-        } rows[] = {{"echo noise >&2", true, ""},
-                    {"echo 没有权限 >&2; exit 3", false, "没有权限"},
-                    {"exit 1", false, ""},
-                    {"kill -9 $$", false, ""},
-                    {"exec sleep 600", false, timedOut, 200},
-                    {"trap '' TERM; while :; do read x </dev/zero; done", false, timedOut, 200},
+        } rows[] = {{"succeed with noise", true, ""},
+                    {"complain", false, "没有权限"},
+                    {"fail", false, ""},
+                    {"crash", false, ""},
+                    {"hang", false, timedOut, 200},
+                    {"hang stubbornly", false, timedOut, 200},
                     {nullptr, false, notStarted}};
         for (const auto &row : rows) {
             const auto show = [&row](const QString &) {
-                return row.script ? shell(text(row.script))
-                                  : platform::Command{QStringLiteral("/nowhere/explorer"), {}};
+                return row.behaviour ? standIn(text(row.behaviour))
+                                     : platform::Command{QStringLiteral("/nowhere/explorer"), {}};
             };
             const SharedFolderOpener opener(nullptr, {show, {}});
             const FolderOpening result = opener.openInExplorer(local, row.timeoutMs);
@@ -159,7 +162,7 @@ private slots:
         Gate gate;
         gate.mayGoOn.release(2);
         FolderCommands stand = gate.commands(succeeds);
-        stand.ping = commands({}, QStringLiteral("exit 1")).ping;
+        stand.ping = commands({}, fails).ping;
         SharedFolderOpener opener(nullptr, stand);
         QSignalSpy finished(&opener, &SharedFolderOpener::finished);
         opener.open(share);
@@ -182,16 +185,16 @@ private slots:
 
     void goesWithoutWaiting()
     {
-        for (const QString &script : {succeeds, hangs}) {
+        for (const QString &behaviour : {succeeds, hangs}) {
             Gate gate;
-            gate.mayGoOn.release(script == hangs ? 1 : 0);
-            auto *opener = new SharedFolderOpener(nullptr, gate.commands(script));
+            gate.mayGoOn.release(behaviour == hangs ? 1 : 0);
+            auto *opener = new SharedFolderOpener(nullptr, gate.commands(behaviour));
             opener->open(local);
             gate.asked.acquire();
             delete opener; // would never return if it waited
             gate.mayGoOn.release();
             // What hangs is ended: below the ten seconds after which it would have been anyway.
-            const int soonMs = script == hangs ? 7000 : 60000;
+            const int soonMs = behaviour == hangs ? 7000 : 60000;
             QVERIFY(QThreadPool::globalInstance()->waitForDone(soonMs));
         }
     }

@@ -143,7 +143,12 @@ void TestFileCopy::cancelledAtAnyStepLeavesTheEarlierFile()
     QCOMPARE(copyFile(path(QStringLiteral("source")), path(QStringLiteral("other")), counting),
              CopyOutcome::Copied);
     QVERIFY(QFile::remove(path(QStringLiteral("other"))));
-    QVERIFY(looks >= 4); // before each of the three steps, and before the rename
+    // Before each of the three steps, and before the rename; Windows has steps of its own.
+#ifdef Q_OS_WIN
+    QVERIFY(looks >= 3);
+#else
+    QVERIFY(looks >= 4);
+#endif
 
     for (int cancelAt = 1; cancelAt <= looks; ++cancelAt) {
         int look = 0;
@@ -210,15 +215,13 @@ void TestFileCopy::noticesThatTheSourceGrew()
 {
     write(QStringLiteral("source"), 5 * 1024 * 1024);
     platform::TransferControl control;
-    int looks = 0;
-    control.cancelled = [&] {
-        // The look after the last byte was copied: the camera goes on writing.
-        if (++looks == 3) {
+    control.progress = [&](qint64 copied) {
+        // All that there was is copied: the camera goes on writing.
+        if (copied == qint64(5) * 1024 * 1024) {
             QFile source(path(QStringLiteral("source")));
             if (source.open(QIODevice::Append))
                 source.write(QByteArray(100, 'x'));
         }
-        return false;
     };
     const CopyOutcome outcome =
         copyFile(path(QStringLiteral("source")), path(QStringLiteral("t")), control);
