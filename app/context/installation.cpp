@@ -1,6 +1,56 @@
 #include "app/context/installation.h"
 
+#include "app/context/inifile.h"
 #include "app/context/logging.h"
+#include "platform/programfile.h"
+
+#include <QFileInfo>
+#include <QUrl>
+
+namespace {
+
+bool isServiceAddress(const QString &text)
+{
+    const QUrl url(text, QUrl::StrictMode);
+    return url.isValid() && !url.host().isEmpty() && !url.hasQuery() && !url.hasFragment() &&
+           (url.scheme() == QLatin1String("https") || url.scheme() == QLatin1String("http"));
+}
+
+/// The first of what the environment and the file say that is an address.
+QString serviceAddress(const QStringList &said)
+{
+    for (const QString &text : said) {
+        QString address = text.trimmed();
+        if (address.isEmpty())
+            continue;
+        while (address.endsWith(QLatin1Char('/')))
+            address.chop(1);
+        if (isServiceAddress(address))
+            return address;
+        qCWarning(lcTessavo) << "no address of a service:" << text;
+    }
+    return QStringLiteral(TESSAVO_DEFAULT_SERVICE_URL);
+}
+
+/// A path in the file is meant from where the file lies, wherever the program is started.
+QString besideFile(const QString &path, const QString &iniFile)
+{
+    if (path.isEmpty() || QFileInfo(path).isAbsolute())
+        return path;
+    return QFileInfo(iniFile).path() + QLatin1Char('/') + path;
+}
+
+bool verifies(const QString &environment, const QString &file)
+{
+    const QLatin1String none("none");
+    if (!environment.isEmpty())
+        return environment != none;
+    if (!file.isEmpty() && file != none && file != QLatin1String("yes"))
+        qCWarning(lcTessavo) << "tls-verify is neither yes nor none:" << file;
+    return file != none;
+}
+
+} // namespace
 
 const Installation &Installation::current()
 {
@@ -8,18 +58,25 @@ const Installation &Installation::current()
     return settings;
 }
 
-Installation Installation::read()
+Installation Installation::read(const QString &iniFile)
 {
+    const QMap<QString, QString> file =
+        iniFile.isEmpty() ? QMap<QString, QString>() : readIniFile(iniFile);
     Installation settings;
-    settings.serviceUrl = qEnvironmentVariable("TESSAVO_SERVICE_URL").trimmed();
-    if (settings.serviceUrl.isEmpty())
-        settings.serviceUrl = QStringLiteral(TESSAVO_DEFAULT_SERVICE_URL);
-    while (settings.serviceUrl.endsWith(QLatin1Char('/')))
-        settings.serviceUrl.chop(1);
+    settings.serviceUrl = serviceAddress(
+        {qEnvironmentVariable("TESSAVO_SERVICE_URL"), file.value(QStringLiteral("service/url"))});
     settings.caFile = qEnvironmentVariable("TESSAVO_CA_FILE").trimmed();
-    settings.verifiesCertificates =
-        qEnvironmentVariable("TESSAVO_TLS_VERIFY") != QLatin1String("none");
+    if (settings.caFile.isEmpty())
+        settings.caFile = besideFile(file.value(QStringLiteral("service/ca-file")), iniFile);
+    settings.verifiesCertificates = verifies(qEnvironmentVariable("TESSAVO_TLS_VERIFY"),
+                                             file.value(QStringLiteral("service/tls-verify")));
     if (!settings.verifiesCertificates)
-        qCWarning(lcTessavo) << "TESSAVO_TLS_VERIFY=none: server certificates are not verified";
+        qCWarning(lcTessavo) << "TLS verification is off: any server certificate is accepted";
     return settings;
+}
+
+QString Installation::standardFile()
+{
+    const QString folder = platform::programFolder();
+    return folder.isEmpty() ? QString() : folder + QStringLiteral("/tessavo-tools.ini");
 }

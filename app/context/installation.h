@@ -2,20 +2,33 @@
 
 #include <QString>
 
-/// What the installation, not the user, decides: where the service is and whom to trust. Read from
-/// the environment once, before there is an application object; safe from any thread afterwards.
+/// What the installation, not the user, decides: where the service is and whom to trust. Read once,
+/// before there is an application object; safe from any thread afterwards.
+///
+/// Each setting comes from the environment; what is not set there from the file tessavo-tools.ini
+/// in the program's folder, which the installer writes and the program only reads:
+///
+///     [service]
+///     url = https://studio.example
+///     ca-file = studio.pem
+///     tls-verify = none
+///
+/// A value that makes no sense counts as not set; a log line says so.
 struct Installation
 {
-    /// TESSAVO_SERVICE_URL, otherwise the address compiled in; without a trailing slash.
+    /// TESSAVO_SERVICE_URL or `url`, otherwise the address compiled in; without a trailing slash.
     QString serviceUrl;
-    /// TESSAVO_CA_FILE: certificates (PEM) trusted besides the system's; empty for none.
+    /// TESSAVO_CA_FILE or `ca-file` (when relative, from the program's folder): certificates (PEM)
+    /// trusted besides the system's; empty for none.
     QString caFile;
-    /// False when TESSAVO_TLS_VERIFY is "none": any certificate will do, as studios with
-    /// self-signed ones need.
+    /// False when TESSAVO_TLS_VERIFY or `tls-verify` is "none": any certificate will do, as studios
+    /// with self-signed ones need. In the file "yes" says expressly what holds anyway.
     bool verifiesCertificates = true;
 
     static const Installation &current();
 
-    /// Reads the environment as it is now.
-    static Installation read();
+    /// Reads the environment and the file as they are now.
+    static Installation read(const QString &iniFile = standardFile());
+
+    static QString standardFile();
 };

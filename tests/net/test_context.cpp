@@ -19,7 +19,9 @@ private slots:
     void damagedLoginData_data();
     void damagedLoginData();
     void entryPointKeepsTheFirstAddress();
+    void readsTheInstallation_data();
     void readsTheInstallation();
+    void looksBesideTheProgram();
 };
 
 void TestContext::scales_data()
@@ -111,16 +113,63 @@ void TestContext::entryPointKeepsTheFirstAddress()
     AccountContext::baseUrl = before;
 }
 
+void TestContext::readsTheInstallation_data()
+{
+    QTest::addColumn<QByteArray>("environment"); // url, ca-file, tls-verify
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("expected"); // the same; <> is the folder, - the address compiled in
+    const auto row = [](const char *name, const char *environment, const QByteArray &file,
+                        const char *expected) {
+        QTest::newRow(name) << QByteArray(environment) << file << QString::fromUtf8(expected);
+    };
+    const QByteArray whole = "; made by the installer\r\n[Service]\r\nURL = https://a.example/\r\n"
+                             "ca-file = \"certs\\a,b.pem\"\r\ntls-verify = none\r\n";
+    row("nothing", "||", "", "-||1");
+    row("file", "||", whole, "https://a.example|<>/certs\\a,b.pem|0");
+    row("with a mark", "||", "\xef\xbb\xbf" + whole, "https://a.example|<>/certs\\a,b.pem|0");
+    const QString marked = QStringLiteral("\ufeff[service]\nurl=http://x\n");
+    row("UTF-16", "||",
+        QByteArray(reinterpret_cast<const char *>(marked.utf16()), marked.size() * 2),
+        "http://x||1");
+    row("environment", " https://b.example:8443// | /c.pem |yes", whole,
+        "https://b.example:8443|/c.pem|1");
+    row("only none is none", "||None", whole, "https://a.example|<>/certs\\a,b.pem|1");
+    row("no verification", "||none", "[service]\ntls-verify=yes\n", "-||0");
+    row("absolute path", "||", "[service]\nca-file=//nas/x/c.pem\n", "-|//nas/x/c.pem|1");
+    row("no address", "studio.example||", "[service]\nurl=ftp://x\n", "-||1");
+    row("address in the file is none", "||", "[service]\nurl=https://\ntls-verify=off\n", "-||1");
+    row("bad in the environment", "nonsense||", whole, "https://a.example|<>/certs\\a,b.pem|0");
+    row("other section", "||", "url=https://x\n[other]\nurl=https://y\nnonsense\n", "-||1");
+}
+
 void TestContext::readsTheInstallation()
 {
-    qputenv("TESSAVO_SERVICE_URL", " https://studio.example/ ");
-    qputenv("TESSAVO_TLS_VERIFY", "None");
-    QCOMPARE(Installation::read().serviceUrl, QStringLiteral("https://studio.example"));
-    QVERIFY(Installation::read().verifiesCertificates);
-    qputenv("TESSAVO_TLS_VERIFY", "none");
-    QVERIFY(!Installation::read().verifiesCertificates);
-    qunsetenv("TESSAVO_SERVICE_URL");
-    QVERIFY(Installation::read().serviceUrl.startsWith(QStringLiteral("https://")));
+    QFETCH(QByteArray, environment);
+    QFETCH(QByteArray, file);
+    QTemporaryDir folder;
+    QFile ini(folder.filePath(QStringLiteral("tessavo-tools.ini")));
+    if (!file.isEmpty()) {
+        QVERIFY(ini.open(QIODevice::WriteOnly));
+        ini.write(file);
+        ini.close();
+    }
+    const QList<QByteArray> set = environment.split('|');
+    qputenv("TESSAVO_SERVICE_URL", set.at(0));
+    qputenv("TESSAVO_CA_FILE", set.at(1));
+    qputenv("TESSAVO_TLS_VERIFY", set.at(2));
+    const Installation read = Installation::read(ini.fileName());
+    QString told = QStringLiteral("%1|%2|%3")
+                       .arg(read.serviceUrl, read.caFile)
+                       .arg(int(read.verifiesCertificates));
+    told.replace(folder.path(), QStringLiteral("<>"));
+    told.replace(QStringLiteral(TESSAVO_DEFAULT_SERVICE_URL), QStringLiteral("-"));
+    QTEST(told, "expected");
+}
+
+void TestContext::looksBesideTheProgram()
+{
+    QCOMPARE(Installation::standardFile(),
+             QCoreApplication::applicationDirPath() + QStringLiteral("/tessavo-tools.ini"));
 }
 
 QTEST_GUILESS_MAIN(TestContext)
