@@ -32,3 +32,4 @@ set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/tessavo-tools.rc PROPERT
     OBJECT_DEPENDS "${icon};${CMAKE_CURRENT_SOURCE_DIR}/tessavo-tools.manifest"
     COMPILE_OPTIONS "-c;65001")
 target_sources(tessavo-tools PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/tessavo-tools.rc ${icon})
+target_link_options(tessavo-tools PRIVATE $<$<CONFIG:Release>:-s>)

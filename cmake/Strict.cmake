@@ -13,6 +13,12 @@ if(TESSAVO_SANITIZE)
         -fsanitize=${TESSAVO_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     target_link_options(tessavo_strict INTERFACE -fsanitize=${TESSAVO_SANITIZE})
 endif()
+if(WIN32)
+    # Two builds of one source give the same program, wherever and whenever they are made.
+    target_compile_options(tessavo_strict INTERFACE -ffile-prefix-map=${PROJECT_BINARY_DIR}=build
+        -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+    target_link_options(tessavo_strict INTERFACE -Wl,--no-insert-timestamp)
+endif()
 
 # tessavo_room(NAME SOURCES ... LIBRARIES ...): one static library of the house.
 function(tessavo_room name)

@@ -5,6 +5,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -85,6 +86,10 @@ void TestFileCopy::copies_data()
     QTest::newRow("one step") << 4 * 1024 * 1024 << "a.jpg";
     QTest::newRow("steps and a bit") << 9 * 1024 * 1024 + 7 << "a.jpg";
     QTest::newRow("odd name") << 1000 << QStringLiteral("婚 #1 100%&+😀.jpg");
+    QTest::newRow("deep folder")
+        << 1000
+        << QString(100, QLatin1Char('d')).append(QLatin1Char('/')).repeated(3) +
+               QStringLiteral("婚.jpg");
     QTest::newRow("long name") << 1000 << QString(200, QLatin1Char('n')) + QStringLiteral(".jpg");
 }
 
@@ -93,6 +98,7 @@ void TestFileCopy::copies()
     QFETCH(int, bytes);
     QFETCH(QString, name);
     const QByteArray content = write(QStringLiteral("source"), bytes);
+    QVERIFY(QDir().mkpath(QFileInfo(path(name)).path()));
     qint64 told = 0;
     platform::TransferControl control;
     control.progress = [&told](qint64 copied) {
@@ -102,7 +108,11 @@ void TestFileCopy::copies()
     QCOMPARE(copyFile(path(QStringLiteral("source")), path(name), control), CopyOutcome::Copied);
     QCOMPARE(told, qint64(bytes));
     QCOMPARE(read(name), content);
-    QCOMPARE(entries().size(), 2);
+    QDirIterator files(folder_->path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    int count = 0;
+    for (; files.hasNext(); files.next())
+        ++count;
+    QCOMPARE(count, 2);
 }
 
 void TestFileCopy::keepsTimeAndDropsReadOnlyMark()
