@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QFileInfo>
 #include <QString>
 
 #include <string>
@@ -21,7 +22,8 @@ inline std::wstring longPath(const QString &path)
     const bool hasDriveAndRoot =
         native.size() > 2 && native.at(1) == QLatin1Char(':') && native.at(2) == QLatin1Char('\\');
     if (!hasDriveAndRoot)
-        native = QDir::toNativeSeparators(QDir(path).absolutePath());
+        native = QDir::toNativeSeparators(
+            QFileInfo(QDir::fromNativeSeparators(native)).absoluteFilePath());
     return (extended + native).toStdWString();
 }
 

@@ -31,7 +31,7 @@ private slots:
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray bytes = file.readAll();
-        const QString pdf = QString::fromLatin1(bytes.constData(), bytes.size());
+        const QString pdf(QLatin1String(bytes.constData(), bytes.size()));
         QVERIFY(pdf.startsWith(QStringLiteral("%PDF-")));
         QVERIFY(pdf.trimmed().endsWith(QStringLiteral("%%EOF")));
         const QRegularExpression box(
