@@ -1,5 +1,6 @@
 #include "app/context/k.h"
 #include "platform/power.h"
+#include "widgets/theme.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -13,6 +14,7 @@ int main(int argc, char *argv[])
     QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application,
                      [] { platform::allowSleep(); });
     K::instance()->initApplication(&application);
+    theme::applyApplicationFont();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
     K::instance()->openStartWindow(0);
     return QApplication::exec();

@@ -3,6 +3,7 @@
 #include "app/context/k.h"
 #include "widgets/colours.h"
 
+#include <QApplication>
 #include <QRegularExpression>
 
 namespace theme {
@@ -84,6 +85,11 @@ QString inputFrame(const QString &selector)
 }
 
 } // namespace
+
+void applyApplicationFont()
+{
+    QApplication::setFont(QGuiApplication::font());
+}
 
 int textSize()
 {

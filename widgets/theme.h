@@ -39,6 +39,10 @@ int narrowestNotice(); ///< the text of a message box
 int widestNotice();
 int progressBarWidth();
 
+/// Gives every widget the application font, those included for which Windows has fonts of its own
+/// (tables, menus, status bars). Called once, after K::initApplication().
+void applyApplicationFont();
+
 /// For a whole window: text size, tool tips, scroll bars. Its child widgets inherit it.
 QString windowStyle();
 QString titleBarStyle();

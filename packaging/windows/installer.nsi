@@ -189,6 +189,34 @@ Function checkAddress
     Push 1
 FunctionEnd
 
+; Takes $Service from the parameters in $R0. ${GetOptions} would end an address at its first slash.
+Function serviceArgument
+    StrCpy $Service ""
+    StrCpy $1 0
+    ${Do}
+        StrCpy $0 $R0 9 $1
+        ${If} $0 == ""
+            Return
+        ${EndIf}
+        ${If} $0 == "/SERVICE="
+            ${ExitDo}
+        ${EndIf}
+        IntOp $1 $1 + 1
+    ${Loop}
+    IntOp $1 $1 + 9
+    ${Do}
+        StrCpy $0 $R0 1 $1
+        ${If} $0 == ""
+        ${OrIf} $0 == " "
+            ${ExitDo}
+        ${EndIf}
+        ${If} $0 != '"'
+            StrCpy $Service "$Service$0"
+        ${EndIf}
+        IntOp $1 $1 + 1
+    ${Loop}
+FunctionEnd
+
 Function .onInit
     ${GetParameters} $R0
     StrCpy $Everybody 0
@@ -203,8 +231,7 @@ Function .onInit
     ${IfNot} ${Errors}
         StrCpy $DesktopIcon 1
     ${EndIf}
-    ClearErrors
-    ${GetOptions} $R0 "/SERVICE=" $Service
+    Call serviceArgument
     !insertmacro useContext
     ; A folder named with /D= stands in $INSTDIR already.
     ${If} $INSTDIR == ""

@@ -1,6 +1,7 @@
 #include "app/context/k.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
+#include "widgets/theme.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -42,6 +43,7 @@ int main(int argc, char *argv[])
         qInstallMessageHandler(onlyTrouble);
 
     K::instance()->initApplication(&application);
+    theme::applyApplicationFont();
     // A virtual screen reports a density of its own; the tour says what it shows.
     K::uiScale = parser.value(scale).toFloat();
 
