@@ -328,7 +328,6 @@ Section
     ${If} $Service != ""
         ClearErrors
         WriteINIStr "$INSTDIR\${SETTINGS}" "service" "url" "$Service"
-        FlushINI "$INSTDIR\${SETTINGS}"
         ${If} ${Errors}
             MessageBox MB_OK|MB_ICONEXCLAMATION "$(notWritten)" /SD IDOK
             SetErrorLevel 2
