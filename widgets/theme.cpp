@@ -4,6 +4,7 @@
 #include "widgets/colours.h"
 
 #include <QApplication>
+#include <QFont>
 #include <QRegularExpression>
 
 namespace theme {
