@@ -17,8 +17,7 @@
 //   POST /demo/misbehave            misbehaviour.h; answered with 400 and a message when wrong
 //   POST /demo/release              lets held and delayed requests go
 //   POST /demo/reset                state, record and misbehaviour as at the start, share emptied
-//   GET  /demo/state                held (waiting requests), share (folder, as the client reaches
-//   it),
+//   GET  /demo/state                held (waiting requests), share (folder, by the client's name),
 //                                   orders with what was registered for them
 //   POST /demo/orders               {"add": N, "shopid": …} or {"id" or "order_photo_id": …,
 //                                   "fields": {"netpath": …}}
