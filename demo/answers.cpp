@@ -81,9 +81,8 @@ Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std:
 }
 
 // Actions that belong here as the tools for them come: order/orderphotodetail,
-// public/save_goodsfoldernamerule, order/download_success, order/getorder_pics, order/delete_pics,
-// order/delimages, order/delmv, order/delete_pic_before, order/delete_pic_after,
-// order/getbarcodegen.
+// public/save_goodsfoldernamerule, order/download_success, order/delimages, order/delmv,
+// order/delete_pic_before, order/delete_pic_after, order/getbarcodegen.
 QJsonObject Answers::answer(const Fields &query, const Fields &fields)
 {
     const QString action = field(query, "m") + QLatin1Char('/') + field(query, "a");
@@ -111,6 +110,10 @@ QJsonObject Answers::answer(const Fields &query, const Fields &fields)
         return registerFile(fields);
     if (action == QStringLiteral("order/savepicpath_batch"))
         return registerBatch(fields);
+    if (action == QStringLiteral("order/getorder_pics"))
+        return importedPhotos(fields);
+    if (action == QStringLiteral("order/delete_pics"))
+        return deletePhotos(fields);
     return refusal(QStringLiteral("未知的操作: %1").arg(action));
 }
 
@@ -203,7 +206,7 @@ QJsonObject Answers::orderObject(const Order &order) const
     for (const OrderField &member : orderFields)
         object[text(member.name)] = order.*member.value;
     for (const auto &count : orderCounts)
-        object[text(count.name)] = QString::number(order.registered.value(count.kind).size());
+        object[text(count.name)] = QString::number(order.registeredNames(count.kind).size());
     object[QStringLiteral("images")] = photoEntries(order.chosenPhotos, serviceUrl_);
     object[QStringLiteral("images_taipian")] = photoEntries(order.trialPhotos, serviceUrl_);
     return object;

@@ -35,6 +35,8 @@ private:
     QJsonObject registerFolder(const Fields &fields);
     QJsonObject registerFile(const Fields &fields);
     QJsonObject registerBatch(const Fields &fields);
+    QJsonObject importedPhotos(const Fields &fields) const;
+    QJsonObject deletePhotos(const Fields &fields);
 
     QString identityProblem(const Fields &fields) const;
     // The order that the fields name, or null and the reason.

@@ -2,6 +2,7 @@
 
 #include "demo/answerparts.h"
 #include "demo/orderbook.h"
+#include "demo/pictures.h"
 
 #include <QDate>
 #include <QJsonDocument>
@@ -27,9 +28,9 @@ QJsonObject orderState(const Order &order)
             {QStringLiteral("netpath"), order.netPath},
             {QStringLiteral("folderpath"), order.folderPath},
             {QStringLiteral("files"), texts(order.registeredFiles)},
-            {QStringLiteral("yuanpian"), texts(order.registered.value(PhotoKind::Original))},
-            {QStringLiteral("yuanshidang"), texts(order.registered.value(PhotoKind::Raw))},
-            {QStringLiteral("jingxiu"), texts(order.registered.value(PhotoKind::Retouched))}};
+            {QStringLiteral("yuanpian"), texts(order.registeredNames(PhotoKind::Original))},
+            {QStringLiteral("yuanshidang"), texts(order.registeredNames(PhotoKind::Raw))},
+            {QStringLiteral("jingxiu"), texts(order.registeredNames(PhotoKind::Retouched))}};
 }
 
 } // namespace
@@ -98,25 +99,13 @@ Backstage::Reply Backstage::handle(const QByteArray &query, const QByteArray &co
     const std::optional<Misbehaviour> misbehaviour = misbehaviours_.take(action);
     Reply reply;
     reply.kind = misbehaviour ? misbehaviour->kindName : QString();
-    log_.add({action, query, body, fields, QString::fromUtf8(contentType), reply.kind});
+    log_.add({action, query, body, fields, QString::fromUtf8(contentType), reply.kind, {}});
     if (misbehaviour) {
         wait(lock, *misbehaviour);
-        switch (misbehaviour->kind) {
-        case Misbehaviour::Kind::Drop:
-            reply.form = Reply::Form::HeadOnly;
+        if (breakOff(*misbehaviour, &reply))
             return reply;
-        case Misbehaviour::Kind::DropSilent:
-            reply.form = Reply::Form::Nothing;
-            return reply;
-        case Misbehaviour::Kind::HttpError:
-            reply.status = misbehaviour->status;
-            return reply;
-        case Misbehaviour::Kind::Html:
+        if (misbehaviour->kind == Misbehaviour::Kind::Html)
             reply.contentType = "text/html";
-            break;
-        default:
-            break;
-        }
     }
 
     QJsonObject answer = misbehaviour && !misbehaviour->acts() ? refusal(misbehaviour->message)
@@ -128,6 +117,93 @@ Backstage::Reply Backstage::handle(const QByteArray &query, const QByteArray &co
     reply.body = misbehaviour ? misbehaviour->distort(answer)
                               : QJsonDocument(answer).toJson(QJsonDocument::Compact);
     return reply;
+}
+
+// The ways to end a request that no answer is needed for.
+bool Backstage::breakOff(const Misbehaviour &misbehaviour, Reply *reply)
+{
+    switch (misbehaviour.kind) {
+    case Misbehaviour::Kind::Drop:
+        reply->form = Reply::Form::HeadOnly;
+        return true;
+    case Misbehaviour::Kind::DropSilent:
+        reply->form = Reply::Form::Nothing;
+        return true;
+    case Misbehaviour::Kind::HttpError:
+        reply->status = misbehaviour.status;
+        return true;
+    default:
+        return false;
+    }
+}
+
+// What is sent in place of the picture; false when the picture is to be sent.
+bool Backstage::spoilPicture(const Misbehaviour &misbehaviour, const QString &path, Reply *reply)
+{
+    const QByteArray jpegBegin = "\xff\xd8\xff\xe0";
+    switch (misbehaviour.kind) {
+    case Misbehaviour::Kind::Html:
+        reply->contentType = "text/html";
+        reply->body = misbehaviour.distort({});
+        return true;
+    case Misbehaviour::Kind::Empty:
+        return true;
+    case Misbehaviour::Kind::NotAPicture:
+        reply->body = "no picture at all";
+        return true;
+    case Misbehaviour::Kind::HugePicture:
+        reply->body = hugePicture();
+        return true;
+    case Misbehaviour::Kind::HugeBody:
+    case Misbehaviour::Kind::EndlessBody:
+        reply->form = misbehaviour.kind == Misbehaviour::Kind::HugeBody ? Reply::Form::Huge
+                                                                        : Reply::Form::Endless;
+        reply->body = jpegBegin;
+        return true;
+    case Misbehaviour::Kind::RedirectLoop:
+    case Misbehaviour::Kind::Redirect:
+        reply->status = 302;
+        reply->location = misbehaviour.kind == Misbehaviour::Kind::Redirect
+                              ? misbehaviour.message.toUtf8()
+                              : path.toUtf8();
+        return true;
+    default:
+        return breakOff(misbehaviour, reply);
+    }
+}
+
+Backstage::Reply Backstage::picture(const QString &path, const QByteArray &userAgent)
+{
+    const QString id = path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0);
+    Reply reply;
+    reply.contentType = "image/jpeg";
+    std::optional<PhotoFile> photo;
+    {
+        std::unique_lock<std::mutex> lock(mutex_);
+        const auto misbehaviour = misbehaviours_.take(QStringLiteral("image"));
+        reply.kind = misbehaviour ? misbehaviour->kindName : QString();
+        log_.add({QStringLiteral("image"), path.toUtf8(), {}, {}, {}, reply.kind, userAgent});
+        if (misbehaviour) {
+            wait(lock, *misbehaviour);
+            if (spoilPicture(*misbehaviour, path, &reply))
+                return reply;
+        }
+        photo = studio_.findPhoto(id);
+    }
+    // Pictures take their time, and the other requests need not wait for them.
+    if (photo && !photo->path.isEmpty())
+        reply.body = smallPicture(paths_.toDisk(photo->path));
+    if (photo && !photo->isRegistered && reply.body.isEmpty())
+        reply.body = inventedPicture(id);
+    if (reply.body.isEmpty())
+        reply.status = 404;
+    return reply;
+}
+
+bool Backstage::pause()
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    return !wake_.wait_for(lock, std::chrono::milliseconds(50), [this] { return closed_; });
 }
 
 QJsonArray Backstage::requests(const QString &action) const

@@ -26,13 +26,16 @@ class Backstage
 public:
     struct Reply
     {
-        enum class Form { Whole, HeadOnly, Nothing };
+        // HeadOnly and Nothing end the connection early; Huge and Endless say how the body goes on
+        // after its first bytes.
+        enum class Form { Whole, HeadOnly, Nothing, Huge, Endless };
 
-        Form form = Form::Whole; // anything less ends the connection early
+        Form form = Form::Whole;
         int status = 200;
         QByteArray contentType = "application/json; charset=utf-8";
         QByteArray body;
-        QString kind; // misbehaviour that was met, for the log line
+        QByteArray location; // of a redirect
+        QString kind;        // misbehaviour that was met, for the log line
     };
 
     // orders: how many to begin with, the notable ones among them.
@@ -46,6 +49,11 @@ public:
 
     Reply handle(const QByteArray &query, const QByteArray &contentType, const QByteArray &body);
 
+    // path: of a photo, such as "/photos/17.jpg".
+    Reply picture(const QString &path, const QByteArray &userAgent);
+    // Waits a moment; false when the service is closing.
+    bool pause();
+
     QJsonArray requests(const QString &action) const;
     void clearRequests();
     QString misbehave(const QJsonObject &told);
@@ -57,6 +65,8 @@ public:
 
 private:
     void fill();
+    static bool breakOff(const Misbehaviour &misbehaviour, Reply *reply);
+    static bool spoilPicture(const Misbehaviour &misbehaviour, const QString &path, Reply *reply);
     void wait(std::unique_lock<std::mutex> &lock, const Misbehaviour &misbehaviour);
 
     const Share share_;

@@ -10,6 +10,7 @@
 #include <QJsonDocument>
 #include <QSaveFile>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <httplib.h>
@@ -20,6 +21,8 @@ namespace {
 // Requests that are held keep their thread, and everything else must go on beside them.
 constexpr size_t threadCount = 32;
 constexpr int readTimeoutSeconds = 60;
+constexpr size_t hugeBodySize = 200 * 1024 * 1024;
+constexpr size_t pieceSize = 256 * 1024;
 const char host[] = "127.0.0.1";
 
 QByteArray bytes(const std::string &text)
@@ -55,6 +58,14 @@ bool readBody(const httplib::ContentReader &reader, httplib::Response &response,
     if (!whole)
         response.status = 400;
     return whole;
+}
+
+// The next piece of a body that begins with some bytes and goes on without meaning.
+bool sendPiece(const QByteArray &begin, size_t offset, size_t left, httplib::DataSink &sink)
+{
+    const QByteArray filler(static_cast<int>(std::min(left, pieceSize)), '\0');
+    const QByteArray &piece = offset == 0 ? begin : filler;
+    return sink.is_writable() && sink.write(piece.constData(), static_cast<size_t>(piece.size()));
 }
 
 bool useCertificates(SSL_CTX &context, const demo::Certificates &certificates)
@@ -95,6 +106,8 @@ private:
     void addControl(const char *path, const Control &control);
     void answer(const httplib::Request &request, httplib::Response &response,
                 const QByteArray &body);
+    void send(const httplib::Request &request, httplib::Response &response,
+              const demo::Backstage::Reply &reply);
 
     Options options_;
     demo::Backstage backstage_;
@@ -218,6 +231,12 @@ void DemoService::Front::addRoutes()
                       if (readBody(reader, response, &body))
                           answer(request, response, body);
                   });
+    server_->Get("/photos/.*",
+                 [this](const httplib::Request &request, httplib::Response &response) {
+                     send(request, response,
+                          backstage_.picture(QString::fromStdString(request.path),
+                                             bytes(request.get_header_value("User-Agent"))));
+                 });
     server_->Get(
         "/demo/requests", [this](const httplib::Request &request, httplib::Response &response) {
             const demo::Fields query = demo::decodeForm(queryOf(request));
@@ -252,7 +271,15 @@ void DemoService::Front::answer(const httplib::Request &request, httplib::Respon
         fprintf(stderr, "%s %d bytes -> %d, %d bytes %s\n", query.constData(), body.size(),
                 reply.status, reply.body.size(), reply.kind.toUtf8().constData());
     }
+    send(request, response, reply);
+}
+
+void DemoService::Front::send(const httplib::Request &request, httplib::Response &response,
+                              const demo::Backstage::Reply &reply)
+{
     response.status = reply.status;
+    if (!reply.location.isEmpty())
+        response.set_header("Location", reply.location.toStdString());
     switch (reply.form) {
     case demo::Backstage::Reply::Form::Whole:
         setContent(response, reply.body, reply.contentType);
@@ -261,6 +288,20 @@ void DemoService::Front::answer(const httplib::Request &request, httplib::Respon
         // A body that fails at its first byte makes the library give the connection up.
         response.set_content_provider(1, reply.contentType.constData(),
                                       [](size_t, size_t, httplib::DataSink &) { return false; });
+        break;
+    case demo::Backstage::Reply::Form::Huge:
+        response.set_content_provider(
+            hugeBodySize, reply.contentType.constData(),
+            [begin = reply.body](size_t offset, size_t left, httplib::DataSink &sink) {
+                return sendPiece(begin, offset, left, sink);
+            });
+        break;
+    case demo::Backstage::Reply::Form::Endless:
+        response.set_chunked_content_provider(
+            reply.contentType.constData(),
+            [this, begin = reply.body](size_t offset, httplib::DataSink &sink) {
+                return backstage_.pause() && sendPiece(begin, offset, 1, sink);
+            });
         break;
     case demo::Backstage::Reply::Form::Nothing:
         demo::dropConnection(request.local_port, request.remote_port);

@@ -22,6 +22,7 @@
 //   POST /demo/orders               {"add": N, "shopid": …} or {"id" or "order_photo_id": …,
 //                                   "fields": {"netpath": …}}
 // A POST that went well answers {"code":"1"}.
+// GET /photos/ID.jpg is a small picture of what lies on disk for a registered or chosen photo.
 //
 // Everything a client sees lies below the data folder: `share` (the studio's file share),
 // `camera-card` and `retouched` (material to import), `tls/ca.pem`. Texts returned by members are

@@ -29,6 +29,12 @@ const QMap<QString, Misbehaviour::Kind> &kinds()
         {QStringLiteral("missing-fields"), Kind::MissingFields},
         {QStringLiteral("data-wrong-type"), Kind::DataWrongType},
         {QStringLiteral("stale"), Kind::Stale},
+        {QStringLiteral("not-a-picture"), Kind::NotAPicture},
+        {QStringLiteral("huge-picture"), Kind::HugePicture},
+        {QStringLiteral("huge-body"), Kind::HugeBody},
+        {QStringLiteral("endless-body"), Kind::EndlessBody},
+        {QStringLiteral("redirect-loop"), Kind::RedirectLoop},
+        {QStringLiteral("redirect"), Kind::Redirect},
     };
     return map;
 }
@@ -119,6 +125,12 @@ QByteArray Misbehaviour::distort(QJsonObject answer) const
     case Kind::DropSilent:
     case Kind::Refuse:
     case Kind::Stale:
+    case Kind::NotAPicture:
+    case Kind::HugePicture:
+    case Kind::HugeBody:
+    case Kind::EndlessBody:
+    case Kind::RedirectLoop:
+    case Kind::Redirect:
         break;
     }
     return compact(answer);

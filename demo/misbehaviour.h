@@ -30,6 +30,13 @@ struct Misbehaviour
         MissingFields, // the right answer without some members
         DataWrongType, // the right answer, some members of another type
         Stale,         // what the request before this one got
+        // Of pictures only; anything else is answered as if nothing had been told.
+        NotAPicture,  // text under a picture's content type
+        HugePicture,  // few bytes, 20,000 × 20,000 pixels
+        HugeBody,     // 200 MB that begin like a picture
+        EndlessBody,  // a byte now and then, for ever
+        RedirectLoop, // to the same address
+        Redirect,     // to the address in the message
     };
 
     Kind kind = Kind::Delay;
@@ -56,9 +63,11 @@ class Misbehaviours
 public:
     // {"action": …, "kind": "delay" | "hold" | "http-error" | "drop" | "drop-silent" |
     // "broken-json" | "html" | "empty" | "array" | "truncated-utf8" | "refuse" | "code-number" |
-    // "missing-fields" | "data-wrong-type" | "stale" | "none", "times": 1, "delay": ms,
-    // "message": …, "status": 500, "fields": […]}. "none" takes back what is lined up for the
-    // action. Returns an empty text, or what is wrong with it; then nothing changes.
+    // "missing-fields" | "data-wrong-type" | "stale" | "not-a-picture" | "huge-picture" |
+    // "huge-body" | "endless-body" | "redirect-loop" | "redirect" | "none", "times": 1,
+    // "delay": ms, "message": …, "status": 500, "fields": […]}. The action of a picture is "image".
+    // "none" takes back what is lined up for the action. Returns an empty text, or what is wrong
+    // with it; then nothing changes.
     //
     // Every arrival counts as one time. Qt sends a request again, up to three times and without
     // telling anybody, when the connection ends before the first byte of an answer: "drop-silent"

@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
+#include <QImageReader>
 #include <QImageWriter>
 #include <QLinearGradient>
 #include <QPainter>
@@ -21,6 +22,7 @@ namespace {
 constexpr int longSide = 1500;
 constexpr int shortSide = 1000;
 constexpr int jpegQuality = 88;
+constexpr int smallSide = 400; // of what the service shows of a photo
 
 QColor hue(int degrees, int saturation, int value)
 {
@@ -198,6 +200,39 @@ QString makeRetouched(const QString &folder, const QStringList &names)
 }
 
 } // namespace
+
+QByteArray inventedPicture(const QString &seed)
+{
+    const uint number = qHash(seed, 0);
+    QRandomGenerator random(number);
+    const QImage picture = number % 2 == 0 ? landscape(random) : portrait(random);
+    return jpeg(
+        picture.scaled(smallSide, smallSide, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+}
+
+QByteArray smallPicture(const QString &file)
+{
+    QImageReader reader(file);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    if (reader.size().isValid())
+        reader.setScaledSize(reader.size().scaled(smallSide, smallSide, Qt::KeepAspectRatio));
+    const QImage picture = reader.read();
+    return picture.isNull() ? QByteArray() : jpeg(picture);
+}
+
+QByteArray hugePicture()
+{
+    static const QByteArray png = [] {
+        QImage picture(20000, 20000, QImage::Format_Mono);
+        picture.fill(1);
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        picture.save(&buffer, "png");
+        return bytes;
+    }();
+    return png;
+}
 
 QString makeMaterial(const QString &folder, const QStringList &chosen)
 {

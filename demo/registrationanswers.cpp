@@ -36,6 +36,34 @@ bool readAnnounced(const QString &json, QVector<AnnouncedFile> *files)
     return true;
 }
 
+// What a file registered by itself is: told by its type, otherwise by its suffix.
+PhotoKind kindOfFile(const Fields &fields)
+{
+    const bool isVideo = fields.contains(QStringLiteral("photonames"));
+    const QString type = field(fields, "type");
+    if (isVideo)
+        return type == QStringLiteral("3") ? PhotoKind::RetouchedVideo : PhotoKind::TrialVideo;
+    if (type == QStringLiteral("5"))
+        return PhotoKind::Retouched;
+    if (type == QStringLiteral("1"))
+        return PhotoKind::Raw;
+    static const QStringList raw = {QStringLiteral("raw"), QStringLiteral("cr2"),
+                                    QStringLiteral("cr3"), QStringLiteral("nef"),
+                                    QStringLiteral("arw"), QStringLiteral("raf")};
+    const QString suffix = field(fields, "path").section(QLatin1Char('.'), -1).toLower();
+    return type.isEmpty() && raw.contains(suffix) ? PhotoKind::Raw : PhotoKind::Original;
+}
+
+// Photos that were imported into a folder "all" have their variants in folders beside it.
+QString variantPath(const QString &path, const QString &folder)
+{
+    const QString all = QStringLiteral("\\all\\");
+    const int place = path.lastIndexOf(all);
+    if (place < 0)
+        return QString();
+    return QString(path).replace(place, all.size(), QStringLiteral("\\%1\\").arg(folder));
+}
+
 } // namespace
 
 // order_photo_id, path → nothing beyond success.
@@ -51,7 +79,7 @@ QJsonObject Answers::registerFolder(const Fields &fields)
     return success();
 }
 
-// order_photo_id, path, size → nothing beyond success.
+// order_photo_id, path, size, and for some type and photonames → nothing beyond success.
 QJsonObject Answers::registerFile(const Fields &fields)
 {
     QString problem;
@@ -60,6 +88,14 @@ QJsonObject Answers::registerFile(const Fields &fields)
         return refusal(problem);
     if (field(fields, "path").isEmpty())
         return refusal(QStringLiteral("照片路径为空"));
+    RegisteredPhoto photo;
+    photo.kind = kindOfFile(fields);
+    photo.localPath = field(fields, "path");
+    photo.localPath.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    photo.name = photo.localPath.section(QLatin1Char('\\'), -1);
+    photo.localPath90 = variantPath(photo.localPath, QStringLiteral("90"));
+    photo.localPath1920 = variantPath(photo.localPath, QStringLiteral("1920"));
+    studio_.registerPhoto(*order, photo);
     order->registeredFiles << field(fields, "path");
     return success();
 }
@@ -87,6 +123,7 @@ QJsonObject Answers::registerBatch(const Fields &fields)
     if (!order)
         return refusal(problem);
     const QString folder = paths_.toDisk(field(fields, "localpath"));
+    const QString wireFolder = paths_.toWire(folder);
     if (folder.isEmpty())
         return refusal(QStringLiteral("导片路径为空"));
     const auto lists = listsOfType.constFind(field(fields, "type"));
@@ -94,7 +131,7 @@ QJsonObject Answers::registerBatch(const Fields &fields)
         return refusal(QStringLiteral("未知的照片类型: %1").arg(field(fields, "type")));
 
     QJsonObject reply = success();
-    QMap<PhotoKind, QStringList> seen;
+    QVector<QPair<List, QStringList>> seen;
     for (const List &list : *lists) {
         QVector<AnnouncedFile> announced;
         if (!readAnnounced(fields.value(list.name), &announced))
@@ -102,12 +139,16 @@ QJsonObject Answers::registerBatch(const Fields &fields)
         QStringList names;
         for (const AnnouncedFile &file : announced)
             names << file.name;
-        seen[list.kind] = Share::present(folder + QLatin1Char('/') + list.folder, announced);
+        const QStringList present =
+            Share::present(folder + QLatin1Char('/') + list.folder, announced);
+        seen.append({list, present});
         reply[QStringLiteral("local_") + list.name] = nameEntries(names);
-        reply[QStringLiteral("server_") + list.name] = nameEntries(seen.value(list.kind));
+        reply[QStringLiteral("server_") + list.name] = nameEntries(present);
     }
-    for (auto kind = seen.constBegin(); kind != seen.constEnd(); ++kind)
-        order->registered[kind.key()] = kind.value();
+    for (const auto &[list, names] : qAsConst(seen)) {
+        studio_.registerFolder(*order, list.kind, wireFolder + QLatin1Char('\\') + list.folder,
+                               names);
+    }
     return reply;
 }
 

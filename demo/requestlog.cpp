@@ -20,7 +20,8 @@ QJsonArray RequestLog::toJson(const QString &action) const
                         {QStringLiteral("body64"), QString::fromLatin1(request.body.toBase64())},
                         {QStringLiteral("fields"), fields},
                         {QStringLiteral("contentType"), request.contentType},
-                        {QStringLiteral("misbehaviour"), request.misbehaviour}});
+                        {QStringLiteral("misbehaviour"), request.misbehaviour},
+                        {QStringLiteral("userAgent"), QString::fromLatin1(request.userAgent)}});
     }
     return array;
 }

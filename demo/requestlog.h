@@ -17,6 +17,7 @@ struct RecordedRequest
     Fields fields;
     QString contentType;
     QString misbehaviour; // kind that this request met, empty for none
+    QByteArray userAgent; // of pictures only
 };
 
 // What clients sent, in the order of arrival. Not thread-safe.
@@ -26,7 +27,7 @@ public:
     void add(const RecordedRequest &request) { requests_.append(request); }
     void clear() { requests_.clear(); }
     // An empty action gives all. Members: action, query, body (text), body64, fields, contentType,
-    // misbehaviour.
+    // misbehaviour, userAgent. A picture has the action "image" and its path as the query.
     QJsonArray toJson(const QString &action) const;
 
 private:

@@ -1,5 +1,8 @@
 #include "demo/studio.h"
 
+#include <QHash>
+#include <QSet>
+
 #include <algorithm>
 
 namespace demo {
@@ -44,6 +47,23 @@ bool matches(const Order &order, SearchBy by, const QString &text, const QDate &
 }
 
 } // namespace
+
+QString RegisteredPhoto::urlPath() const
+{
+    if (kind != PhotoKind::Original && kind != PhotoKind::Retouched)
+        return QString();
+    return QStringLiteral("/photos/%1.jpg").arg(id);
+}
+
+QStringList Order::registeredNames(PhotoKind kind) const
+{
+    QStringList names;
+    for (const RegisteredPhoto &photo : registered) {
+        if (photo.kind == kind)
+            names << photo.name;
+    }
+    return names;
+}
 
 Studio::Studio(const QMap<QString, QString> &publicRoots)
 {
@@ -134,6 +154,75 @@ QVector<Order> Studio::search(const QString &shopId, SearchBy by, const QString 
                    matches(order, by, text, date);
         });
     return found;
+}
+
+QString Studio::newPhotoId()
+{
+    return QStringLiteral("9%1").arg(++lastPhotoId_, 7, 10, QLatin1Char('0'));
+}
+
+void Studio::registerPhoto(Order &order, RegisteredPhoto photo)
+{
+    RegisteredPhoto *known = firstOf(order.registered, [&](const RegisteredPhoto &other) {
+        return other.localPath == photo.localPath;
+    });
+    photo.id = known ? known->id : newPhotoId();
+    if (known)
+        *known = photo;
+    else
+        order.registered.append(photo);
+}
+
+void Studio::registerFolder(Order &order, PhotoKind kind, const QString &folder,
+                            const QStringList &names)
+{
+    const QString prefix = folder + QLatin1Char('\\');
+    QHash<QString, RegisteredPhoto> known;
+    QVector<RegisteredPhoto> registered;
+    for (const RegisteredPhoto &photo : qAsConst(order.registered)) {
+        if (photo.kind == kind && photo.localPath == prefix + photo.name)
+            known.insert(photo.name, photo);
+        else
+            registered.append(photo);
+    }
+    for (const QString &name : names) {
+        RegisteredPhoto photo = known.value(name);
+        if (photo.id.isEmpty())
+            photo.id = newPhotoId();
+        photo.kind = kind;
+        photo.name = name;
+        photo.localPath = prefix + name;
+        registered.append(photo);
+    }
+    order.registered = registered;
+}
+
+bool Studio::forgetPhotos(Order &order, const QStringList &ids)
+{
+    const QSet<QString> gone(ids.begin(), ids.end());
+    QVector<RegisteredPhoto> left;
+    for (const RegisteredPhoto &photo : qAsConst(order.registered)) {
+        if (!gone.contains(photo.id))
+            left.append(photo);
+    }
+    if (order.registered.size() - left.size() != gone.size())
+        return false;
+    order.registered = left;
+    return true;
+}
+
+std::optional<PhotoFile> Studio::findPhoto(const QString &id) const
+{
+    const auto hasId = [&id](const auto &photo) { return photo.id == id; };
+    for (const Order &order : orders_) {
+        if (const RegisteredPhoto *photo = firstOf(order.registered, hasId))
+            return PhotoFile{photo->localPath, true};
+        for (const QVector<Photo> *photos : {&order.chosenPhotos, &order.trialPhotos}) {
+            if (const Photo *photo = firstOf(*photos, hasId))
+                return PhotoFile{photo->localPath, false};
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace demo

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <optional>
+
 namespace demo {
 
 struct Person
@@ -42,7 +44,28 @@ struct Photo
     QString localPath;
 };
 
-enum class PhotoKind { Original, Raw, Retouched };
+enum class PhotoKind { Original, Raw, Retouched, TrialVideo, RetouchedVideo };
+
+// A file that a client registered for an order: what the service has on its books of it.
+struct RegisteredPhoto
+{
+    QString id; // unique among all photos of the studio and not used again; empty: yet to be given
+    PhotoKind kind = PhotoKind::Original;
+    QString name;
+    QString localPath;   // wire form
+    QString localPath90; // of its smaller variants, empty when there are none
+    QString localPath1920;
+    bool downloaded = false;
+
+    QString urlPath() const; // below the service's address; empty for what has no picture
+};
+
+// Where a photo lies.
+struct PhotoFile
+{
+    QString path;      // wire form; empty when nobody said
+    bool isRegistered; // a chosen photo may have been chosen long before this disk existed
+};
 
 // One service of one order. Everything is text because the service sends text; paths are in wire
 // form.
@@ -77,8 +100,10 @@ struct Order
     QString folderPath; // where the client said that the photos lie
     QVector<Photo> chosenPhotos;
     QVector<Photo> trialPhotos;
-    QMap<PhotoKind, QStringList> registered; // names seen on disk by the last registration
-    QStringList registeredFiles;             // paths that came one by one
+    QVector<RegisteredPhoto> registered;
+    QStringList registeredFiles; // paths that came one by one
+
+    QStringList registeredNames(PhotoKind kind) const;
 };
 
 enum class SearchBy { Text, ShotDate, SelectionDate };
@@ -109,10 +134,24 @@ public:
     QVector<Order> search(const QString &shopId, SearchBy by, const QString &text,
                           const QDate &date, const QString &role7Id) const;
 
+    // Puts the photo on the order's books; one that is there under the same path keeps its id.
+    void registerPhoto(Order &order, RegisteredPhoto photo);
+    // From now on these are the order's photos of the kind that lie in the folder (wire form).
+    void registerFolder(Order &order, PhotoKind kind, const QString &folder,
+                        const QStringList &names);
+    // Takes photos off the books. False, and nothing happens, when one of the ids is not the
+    // order's.
+    bool forgetPhotos(Order &order, const QStringList &ids);
+    // Registered or chosen, of whatever order.
+    std::optional<PhotoFile> findPhoto(const QString &id) const;
+
 private:
+    QString newPhotoId();
+
     QVector<Shop> shops_;
     QVector<Account> accounts_;
     QVector<Order> orders_;
+    int lastPhotoId_ = 0;
 };
 
 } // namespace demo

@@ -1,6 +1,9 @@
 #include "demo/demoservice.h"
 
+#include <QBuffer>
 #include <QFileInfo>
+#include <QImage>
+#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -206,11 +209,6 @@ private slots:
         QCOMPARE(answer.code(), QStringLiteral("1"));
         QCOMPARE(answer["local_imgnames"].toArray().size(), 1);
 
-        post("order&a=savepicpath", "size=10&path=\\a.jpg" + firstOrder);
-        post("order&a=savepicpathmv", "size=10&path=\\a.mp4" + firstOrder);
-        QCOMPARE(firstOrderState()[u"files"].toArray(),
-                 (QJsonArray{QStringLiteral("\\a.jpg"), QStringLiteral("\\a.mp4")}));
-
         const QJsonValue order = search("TS10001", flagship)["data"][0];
         QTEST(QStringLiteral("%1 %2 %3/%4/%5")
                   .arg(listed(answer["server_imgnames"], "name"),
@@ -219,6 +217,85 @@ private slots:
                        order[u"number_yuanshidang"].toString(),
                        order[u"number_jingxiu"].toString()),
               "expected");
+    }
+
+    void booksKeepIds()
+    {
+        const QString share = folder_.path() + QStringLiteral("/share");
+        const QByteArray folder = QString(share).replace(u'/', u'\\').toUtf8();
+        QVERIFY(QDir().mkpath(share + QStringLiteral("/原片")));
+        QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(share + QStringLiteral("/原片/a.jpg")));
+        QVERIFY(writeFile(share + QStringLiteral("/原片/b.jpg"), 10));
+        QVERIFY(writeFile(share + QStringLiteral("/原始档/c.cr2"), 10));
+        const qint64 size = QFileInfo(share + QStringLiteral("/原片/a.jpg")).size();
+        const auto announce = [&](const QByteArray &names) {
+            post("order&a=savepicpath_batch",
+                 quoted("type=1&localpath=" + folder + "&imgnames=[" + names +
+                        "]&rawimgnames=[{'name':'c.cr2','size':10}]" + firstOrder));
+        };
+        const QByteArray both =
+            "{'name':'a.jpg','size':" + QByteArray::number(size) + "},{'name':'b.jpg','size':10}";
+        announce(both);
+        announce(both);
+        const Answer listing = post("order&a=getorder_pics", "timestamp=17" + firstOrder);
+        QCOMPARE(listing["timestamp"].toString(), QStringLiteral("17"));
+        const QJsonValue photos = listing["images_yuanpian"];
+        QCOMPARE(listed(photos, "img_name"), QStringLiteral("a.jpg,b.jpg"));
+        QCOMPARE(listed(photos, "id"), QStringLiteral("90000001,90000002"));
+        QCOMPARE(photos[0][u"localpath"].toString(), utf8(folder + "\\原片\\a.jpg"));
+        QCOMPARE(listed(listing["images_yuanshidang"], "url"), QString());
+        QCOMPARE(get(photos[0][u"url"].toString()).width(), 400);
+        QVERIFY(get(photos[1][u"url"].toString()).isNull()); // no picture on disk
+        QVERIFY(
+            !get(search("TS10001", flagship)["data"][0][u"images"][0][u"url"].toString()).isNull());
+
+        const auto remove = [&](const QByteArray &ids) {
+            return post("order&a=delete_pics", "timestamp=18&ids=" + ids + firstOrder).code();
+        };
+        QCOMPARE(remove("90000001,4"), QStringLiteral("0"));
+        QCOMPARE(remove("90000001,90000003"), QStringLiteral("1"));
+        QCOMPARE(remove("90000001"), QStringLiteral("0"));
+        QVERIFY(QFileInfo::exists(share + QStringLiteral("/原片/a.jpg")));
+        announce(both);
+        QCOMPARE(listed(post("order&a=getorder_pics", firstOrder.mid(1))["images_yuanpian"], "id"),
+                 QStringLiteral("90000004,90000002"));
+
+        post("order&a=savepicpath", "size=10&path=\\all\\d.jpg" + firstOrder);
+        post("order&a=savepicpathmv", "size=10&type=2&photonames=e&path=\\e.mp4" + firstOrder);
+        QCOMPARE(firstOrderState()[u"files"].toArray(),
+                 (QJsonArray{QStringLiteral("\\all\\d.jpg"), QStringLiteral("\\e.mp4")}));
+        QCOMPARE(listed(post("order&a=getorder_pics", firstOrder.mid(1))["images_yuanpian"],
+                        "localpath_90"),
+                 QStringLiteral(",,\\90\\d.jpg"));
+    }
+
+    void misbehavesWithPictures()
+    {
+        const QString url = search("TS10001", flagship)["data"][0][u"images"][0][u"url"].toString();
+        const auto next = [&](const char *kind) {
+            service_->misbehave({{QStringLiteral("action"), QStringLiteral("image")},
+                                 {QStringLiteral("kind"), QLatin1String(kind)}});
+            return network_.get(QNetworkRequest(QUrl(url)));
+        };
+        for (const auto &[kind, error, pictureWidth] :
+             {std::tuple<const char *, int, int>("not-a-picture", QNetworkReply::NoError, -1),
+              {"huge-picture", QNetworkReply::NoError, 20000},
+              {"redirect-loop", QNetworkReply::NoError, -1},
+              {"http-error", QNetworkReply::InternalServerError, -1}}) {
+            Answer answer = finished(next(kind));
+            QCOMPARE(answer.error, error);
+            QBuffer body(&answer.body);
+            QCOMPARE(QImageReader(&body).size().width(), pictureWidth);
+            QCOMPARE(service_->requests(QStringLiteral("image")).last()[u"misbehaviour"].toString(),
+                     QLatin1String(kind));
+        }
+        for (const char *kind : {"huge-body", "endless-body"}) {
+            QNetworkReply *reply = next(kind);
+            QTRY_VERIFY(reply->bytesAvailable() > 5);
+            reply->abort();
+            reply->deleteLater();
+        }
+        QVERIFY(!get(url).isNull());
     }
 
     void misbehaves_data()
@@ -369,6 +446,10 @@ private:
         return {reply->error(), reply->readAll()};
     }
 
+    QImage get(const QString &url)
+    {
+        return QImage::fromData(finished(network_.get(QNetworkRequest(QUrl(url)))).body);
+    }
     Answer post(const QByteArray &action, const QByteArray &body)
     {
         return finished(send(*service_, action, body));
