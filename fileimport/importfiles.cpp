@@ -4,10 +4,8 @@
 #include "fileimport/importfilepanel.h"
 #include "fileimport/importorderpanel.h"
 #include "fileimport/importrequests.h"
-#include "fileimport/importrules.h"
+#include "fileimport/orderfilechooser.h"
 #include "net/background.h"
-#include "widgets/confirmdialog.h"
-#include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
@@ -36,7 +34,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     : FramelessWindow(parent)
     , panel_(new ImportOrderPanel(&orders_))
     , filePanel_(new ImportFilePanel(&files_))
-    , overlay_(new LoadingOverlay(this))
+    , chooser_(new OrderFileChooser(this, &orders_))
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
@@ -57,10 +55,7 @@ ImportFiles::ImportFiles(QWidget *parent)
                 if (!error.isEmpty())
                     Toast::show(this, error, toastMs);
             });
-    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
-        ++choice_;
-        overlay_->hideOverlay();
-    });
+    connect(chooser_, &OrderFileChooser::filesChanged, this, &ImportFiles::onFilesChosen);
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     connect(&branch_, &BranchSession::switched, this, &ImportFiles::onBranchSwitched);
@@ -79,6 +74,7 @@ ImportFiles::~ImportFiles()
 void ImportFiles::setMode(int mode)
 {
     mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
+    chooser_->setMode(mode_);
     run_ = std::make_unique<ImportRun>(mode_);
     connectRun();
 }
@@ -172,7 +168,7 @@ FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
     endSearch();
     branch_.cancel();
-    ++choice_;
+    chooser_->cancel();
     if (run_->isBusy())
         stopAllImports();
     return run_->hasLiveTasks() ? CloseAnswer::CloseLater : CloseAnswer::Close;
@@ -333,119 +329,36 @@ void ImportFiles::onOrderNumberClicked(int row)
     Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
 }
 
-bool ImportFiles::mayChoose(int row)
+bool ImportFiles::refusesWhileImporting()
 {
-    if (importing_) {
+    if (importing_)
         MessageBox::warning(this, importingText());
-        return false;
-    }
-    if (!orders_.hasRow(row))
-        return false;
-    const ImportOrder &order = orders_.order(row);
-    if (order.importPath.isEmpty() && order.importPublicPath.isEmpty()) {
-        MessageBox::information(
-            this, order.displayName() +
-                      QStringLiteral(" 没有设置本地云导片路径, 请在后台设置本地云导片路径！"));
-        return false;
-    }
-    return true;
+    return importing_;
 }
 
 void ImportFiles::onSelectFilesClicked(int row)
 {
-    if (!mayChoose(row))
-        return;
-    const QStringList paths =
-        FileDialog::openFiles(this, QStringLiteral("选择要导入的文件"),
-                              importrules::dialogFilter(mode_), QStringLiteral("import"));
-    takeFiles(row, paths, false);
+    if (!refusesWhileImporting())
+        chooser_->choose(row);
 }
 
 void ImportFiles::onFilesDropped(int row, const QStringList &paths)
 {
-    if (mayChoose(row))
-        takeFiles(row, paths, true);
+    if (!refusesWhileImporting())
+        chooser_->take(row, paths);
 }
 
-void ImportFiles::takeFiles(int row, const QStringList &paths, bool dropped)
+void ImportFiles::onFilesChosen(int row)
 {
-    if (paths.isEmpty() || !agreesToSharedFolder(row))
-        return;
-    setChosenFiles(row, {});
-    orders_.change(row,
-                   [](ImportOrder &order) { order.importPath = importrules::importPathOf(order); });
-    const ImportOrder &order = orders_.order(row);
-    const ChoiceRequest request{mode_, order.importPath, row, paths, dropped};
-    overlay_->showText(QStringLiteral("正在检查文件..."));
-    inBackground(
-        this, [request] { return prepareChoice(request); },
-        [this, choice = ++choice_, orderId = order.id](const ChoiceResult &result) {
-            if (choice != choice_)
-                return;
-            overlay_->hideOverlay();
-            onChoicePrepared(orderId, result);
-        });
-}
-
-bool ImportFiles::agreesToSharedFolder(int row)
-{
-    const QVector<int> others = importrules::ordersSharingFolder(orders_.orders(), row);
-    if (others.isEmpty())
-        return true;
-    QString text =
-        QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？\n%1\n\n%2")
-            .arg(importrules::importPathOf(orders_.order(row)), orders_.order(row).displayName());
-    for (const int other : others)
-        text += QLatin1Char('\n') + orders_.order(other).displayName();
-    return ConfirmDialog::ask(this, text, ConfirmDialog::Enter::Cancels);
-}
-
-void ImportFiles::onChoicePrepared(const QString &orderId, const ChoiceResult &result)
-{
-    if (!result.folderError.isEmpty()) {
-        MessageBox::warning(this, result.folderError);
-        return;
-    }
-    if (result.ignored > 0)
-        Toast::show(this, QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored), toastMs);
-    if (!result.clashes.isEmpty()) {
-        MessageBox::warning(this, importrules::sameTargetNotice(result.clashes));
-        return;
-    }
-    const int row = orders_.rowOf(orderId);
-    if (row < 0 || result.files.isEmpty())
-        return;
-    if (mode_ == ImportMode::Retouched) {
-        const QStringList unchosen =
-            importrules::unchosenNames(result.files, orders_.order(row).selectedNames);
-        if (!unchosen.isEmpty() &&
-            !ConfirmDialog::ask(this, importrules::unchosenQuestion(unchosen)))
-            return;
-    }
-    setChosenFiles(row, result.files);
-}
-
-void ImportFiles::setChosenFiles(int row, const QVector<ImportFile> &files)
-{
-    orders_.change(row, [&files](ImportOrder &order) {
-        order.files = files;
-        order.everChosen = true;
-        order.unregistered = false;
-        order.photoState = files.isEmpty() ? PhotoState::NotChosen : PhotoState::Chosen;
-    });
     if (orders_.order(row).id == shownOrderId_)
-        files_.setFiles(files);
+        files_.setFiles(orders_.order(row).files);
 }
 
 void ImportFiles::onClearFilesClicked(int row)
 {
-    if (importing_) {
-        MessageBox::warning(this, importingText());
+    if (refusesWhileImporting() || !orders_.hasRow(row))
         return;
-    }
-    if (!orders_.hasRow(row))
-        return;
-    setChosenFiles(row, {});
+    chooser_->clear(row);
     qDebug() << "订单" << orders_.order(row).displayNumber() << "已清空文件";
 }
 
@@ -459,7 +372,7 @@ void ImportFiles::onOpenDirClicked(int row)
 
 void ImportFiles::onStartAllClicked()
 {
-    if (overlay_->isVisible())
+    if (chooser_->isBusy())
         return; // the shortcut reaches us while files are being looked at
     importing_ = !importing_;
     if (!importing_) {

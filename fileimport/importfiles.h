@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/helpers/sharedfolderopener.h"
-#include "fileimport/filechoice.h"
 #include "fileimport/importfiletablemodel.h"
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrecords.h"
@@ -17,7 +16,7 @@
 
 class ImportFilePanel;
 class ImportOrderPanel;
-class LoadingOverlay;
+class OrderFileChooser;
 
 /// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
 /// search orders, choose files for them, copy the files into the orders' folders and register them
@@ -77,11 +76,8 @@ private:
     /// Abandons the search that is going on, if there is one.
     void endSearch();
 
-    bool mayChoose(int row);
-    void takeFiles(int row, const QStringList &paths, bool dropped);
-    bool agreesToSharedFolder(int row);
-    void onChoicePrepared(const QString &orderId, const ChoiceResult &result);
-    void setChosenFiles(int row, const QVector<ImportFile> &files);
+    bool refusesWhileImporting();
+    void onFilesChosen(int row);
 
     void onFileChanged(const QString &orderId, const ImportFile &file);
     void askForResubmit(const QString &orderId, const QString &question,
@@ -97,7 +93,6 @@ private:
     bool opened_ = false;
     QString shownOrderId_;
     int search_ = 0; ///< number of the search whose result is wanted
-    int choice_ = 0; ///< number of the choice being prepared; a cancelled one is no longer it
 
     ImportOrderTableModel orders_;
     ImportFileTableModel files_;
@@ -110,5 +105,5 @@ private:
 
     ImportOrderPanel *panel_;
     ImportFilePanel *filePanel_;
-    LoadingOverlay *overlay_;
+    OrderFileChooser *chooser_;
 };
