@@ -5,6 +5,7 @@
 #include "fileimport/importorderpanel.h"
 #include "fileimport/importrequests.h"
 #include "fileimport/orderfilechooser.h"
+#include "fileimport/originalview.h"
 #include "net/background.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
@@ -34,6 +35,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     : FramelessWindow(parent)
     , panel_(new ImportOrderPanel(&orders_))
     , filePanel_(new ImportFilePanel(&files_))
+    , rightHalf_(new QSplitter(Qt::Vertical))
     , chooser_(new OrderFileChooser(this, &orders_))
 {
     qRegisterMetaType<ImportFile>();
@@ -41,7 +43,10 @@ ImportFiles::ImportFiles(QWidget *parent)
     auto *splitter = new QSplitter(Qt::Horizontal);
     splitter->setStyleSheet(theme::splitterStyle());
     splitter->addWidget(panel_);
-    splitter->addWidget(filePanel_);
+    rightHalf_->setStyleSheet(theme::splitterStyle());
+    rightHalf_->setChildrenCollapsible(false);
+    rightHalf_->addWidget(filePanel_);
+    splitter->addWidget(rightHalf_);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
@@ -75,8 +80,24 @@ void ImportFiles::setMode(int mode)
 {
     mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
     chooser_->setMode(mode_);
+    showPhotoView(mode_ == ImportMode::Originals);
     run_ = std::make_unique<ImportRun>(mode_);
     connectRun();
+}
+
+void ImportFiles::showPhotoView(bool shown)
+{
+    if (shown == (photos_ != nullptr))
+        return;
+    if (!shown) {
+        delete photos_;
+        photos_ = nullptr;
+        return;
+    }
+    photos_ = new OriginalView;
+    rightHalf_->addWidget(photos_);
+    rightHalf_->setStretchFactor(1, 1);
+    connect(photos_, &OriginalView::stopped, this, &ImportFiles::finishClosingWhenIdle);
 }
 
 void ImportFiles::connectPanel()
@@ -149,10 +170,7 @@ void ImportFiles::connectRun()
                 MessageBox::information(this, QStringLiteral("导入完成！"));
         },
         Qt::QueuedConnection);
-    connect(run, &ImportRun::tasksEnded, this, [this] {
-        if (isClosingLater())
-            finishClosing();
-    });
+    connect(run, &ImportRun::tasksEnded, this, &ImportFiles::finishClosingWhenIdle);
 }
 
 void ImportFiles::showEvent(QShowEvent *event)
@@ -171,7 +189,20 @@ FramelessWindow::CloseAnswer ImportFiles::closeRequested()
     chooser_->cancel();
     if (run_->isBusy())
         stopAllImports();
-    return run_->hasLiveTasks() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+    if (photos_)
+        photos_->stop();
+    return hasLiveWork() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+bool ImportFiles::hasLiveWork() const
+{
+    return run_->hasLiveTasks() || (photos_ && !photos_->isStopped());
+}
+
+void ImportFiles::finishClosingWhenIdle()
+{
+    if (isClosingLater() && !hasLiveWork())
+        finishClosing();
 }
 
 // Branch and order search.
@@ -314,10 +345,15 @@ void ImportFiles::onOrderTableSelectionChanged()
     if (!orders_.hasRow(row)) {
         shownOrderId_.clear();
         files_.clear();
+        if (photos_)
+            photos_->setOrder({});
         return;
     }
     shownOrderId_ = orders_.order(row).id;
     files_.setFiles(orders_.order(row).files);
+    if (photos_) {
+        photos_->setOrder(photorequests::orderMap(orders_.order(row), branch_.identity().shopId));
+    }
     emit orderSelectionChanged(orders_.order(row));
 }
 
@@ -469,6 +505,8 @@ void ImportFiles::onOrderRegistered(const QString &orderId, const RegistrationRe
         order.numberYuanpian = result.images;
         order.numberYuanshidang = result.rawImages;
     });
+    if (photos_ && orderId == shownOrderId_)
+        photos_->requestListing();
 }
 
 void ImportFiles::upImportPhotoInfo(const ImportOrder &order, const ImportFile &file)

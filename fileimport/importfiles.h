@@ -17,6 +17,8 @@
 class ImportFilePanel;
 class ImportOrderPanel;
 class OrderFileChooser;
+class OriginalView;
+class QSplitter;
 
 /// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
 /// search orders, choose files for them, copy the files into the orders' folders and register them
@@ -64,6 +66,9 @@ protected:
 private:
     void connectPanel();
     void connectRun();
+    void showPhotoView(bool shown);
+    bool hasLiveWork() const;
+    void finishClosingWhenIdle();
 
     void switchToBranch(const QString &shopId);
     void onBranchSwitched();
@@ -105,5 +110,7 @@ private:
 
     ImportOrderPanel *panel_;
     ImportFilePanel *filePanel_;
+    QSplitter *rightHalf_;
+    OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;
 };

@@ -1,6 +1,9 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+
+#include <optional>
 
 namespace platform {
 
@@ -11,5 +14,10 @@ QString toLocalPath(const QString &wirePath);
 
 /// Whether \a name is short enough to be one component of a path on this machine.
 bool nameFits(const QString &name);
+
+/// What \a wirePath names below the root it hangs on: a drive, a share, or elsewhere than on
+/// Windows the machine's own root. Empty for a root itself; nothing when the path is not absolute
+/// on this machine, or names a device. Looks at the text alone.
+std::optional<QStringList> componentsBelowRoot(const QString &wirePath);
 
 } // namespace platform

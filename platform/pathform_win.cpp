@@ -13,4 +13,23 @@ bool nameFits(const QString &name)
     return name.size() <= longestName;
 }
 
+std::optional<QStringList> componentsBelowRoot(const QString &wirePath)
+{
+    const QString path = QString(wirePath).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    const QStringList components = path.split(QLatin1Char('\\'), Qt::SkipEmptyParts);
+    if (path.startsWith(QLatin1String("\\\\"))) {
+        constexpr int hostAndShare = 2;
+        const QString host = components.value(0);
+        const bool isDevice = host == QLatin1String("?") || host == QLatin1String(".");
+        if (isDevice || components.size() < hostAndShare)
+            return std::nullopt;
+        return components.mid(hostAndShare);
+    }
+    const bool hasDrive = path.size() > 2 && path.at(0).isLetter() &&
+                          path.at(1) == QLatin1Char(':') && path.at(2) == QLatin1Char('\\');
+    if (!hasDrive)
+        return std::nullopt;
+    return components.mid(1);
+}
+
 } // namespace platform

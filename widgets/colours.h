@@ -62,6 +62,16 @@ inline constexpr QRgb stopBorder = 0xffd4625e;
 inline constexpr QRgb stopHover = 0xffef8a8a;
 inline constexpr QRgb stopPressed = 0xffd4625e;
 
+// The grid of photos: cells, and what stands where a picture is not there, or not yet.
+inline constexpr QRgb photoPending = 0xfff5f5f5;
+inline constexpr QRgb photoName = 0xff666666;
+inline constexpr QRgb photoFailed = 0xffffe6e6;
+inline constexpr QRgb photoFailedBorder = 0xffffcccc;
+inline constexpr QRgb photoFailedText = 0xffcc0000;
+inline constexpr QRgb photoSelection = 0xff007aff;
+inline constexpr QRgb photoSelectionHover = 0xff0056b3;
+inline constexpr QRgb photoUnselected = 0xe6ffffff;
+
 // Login, account verification and launcher.
 inline constexpr QRgb loginSucceeded = 0xff27ae60;
 inline constexpr QRgb dialogHeading = 0xff1d1d1f;

@@ -1,0 +1,111 @@
+#include "fileimport/deletefilerunnable.h"
+
+#include "platform/fileaccess.h"
+#include "platform/pathform.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <exception>
+
+namespace {
+
+/// ".." in any spelling that a file system takes for it: Windows drops dots and blanks at the end.
+bool leadsUp(const QString &component)
+{
+    const bool dotsAlone = std::all_of(component.cbegin(), component.cend(), [](QChar character) {
+        return character == QLatin1Char('.') || character == QLatin1Char(' ');
+    });
+    return dotsAlone && component.count(QLatin1Char('.')) > 1;
+}
+
+} // namespace
+
+bool namesOneFile(const QString &wirePath)
+{
+    const auto components = platform::componentsBelowRoot(wirePath);
+    if (!components || components->isEmpty())
+        return false;
+    const QChar last = wirePath.back();
+    return last != QLatin1Char('\\') && last != QLatin1Char('/') &&
+           std::none_of(components->cbegin(), components->cend(), leadsUp);
+}
+
+DeleteFileRunnable::DeleteFileRunnable(PhotoEntry photo, StopFlag stopped, RemoveFunction remove)
+    : photo_(std::move(photo)), stopped_(std::move(stopped)), remove_(std::move(remove))
+{
+    // It gets no events, and is deleted by whichever thread has run it.
+    moveToThread(nullptr);
+}
+
+DeleteFileRunnable::~DeleteFileRunnable()
+{
+    qDebug() << "DeleteFileRunnable 析构";
+}
+
+void DeleteFileRunnable::run()
+{
+    DeleteFileResult result;
+    try {
+        result = process();
+    } catch (const std::exception &exception) {
+        result = {false, QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what())),
+                  photo_};
+        qDebug().noquote() << result.message;
+    } catch (...) {
+        result = {false, QStringLiteral("未知异常"), photo_};
+        qDebug().noquote() << result.message;
+    }
+    emit deleteFinished(result);
+}
+
+DeleteFileResult DeleteFileRunnable::process() const
+{
+    if (*stopped_)
+        return {false, QStringLiteral("任务已中止，不执行删除"), photo_};
+    QStringList problems;
+    if (photo_.localPath.isEmpty()) {
+        problems.append(photo_.imgName + QStringLiteral(" 文件路径为空"));
+    } else {
+        problems.append(removeOne(platform::toLocalPath(photo_.localPath), photo_.imgName,
+                                  QStringLiteral(" 删除失败:")));
+    }
+    const bool success = problems.constFirst().isEmpty();
+    for (QString path : photo_.variants) {
+        path.replace(QLatin1Char('\\'), QLatin1Char('/'));
+        if (namesOneFile(path) && !QFileInfo(path).isDir())
+            problems.append(removeOne(path, path, QStringLiteral(" 删除失败 ")));
+        else
+            problems.append(path + QStringLiteral(" 的路径错误"));
+    }
+    problems.removeAll(QString());
+    return {success, problems.join(QLatin1Char('\n')), photo_};
+}
+
+QString DeleteFileRunnable::removeOne(const QString &path, const QString &name,
+                                      const QString &failedText) const
+{
+    const QFileInfo file(path);
+    if (!file.exists() && !file.isSymLink())
+        return name + QStringLiteral(" 文件不存在");
+    if (!platform::mayBeRemoved(path))
+        return name + QStringLiteral(" 没有删除权限");
+    QString error;
+    if (!remove_(path, &error)) {
+        qDebug() << "文件删除失败:" << path << "错误:" << error;
+        return name + failedText + error;
+    }
+    qDebug() << "文件删除成功:" << path;
+    return {};
+}
+
+bool DeleteFileRunnable::removeFile(const QString &path, QString *error)
+{
+    QFile file(path);
+    if (file.remove())
+        return true;
+    *error = file.errorString();
+    return false;
+}

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "fileimport/photodeletion.h"
+#include "fileimport/photorequests.h"
+#include "net/servicecall.h"
+
+#include <QString>
+#include <QVector>
+#include <QWidget>
+
+class LoadingOverlay;
+class QLabel;
+class QPushButton;
+class ThumbnailTableView;
+
+/// The photos and raw files that the service has on its books as imported for one order: shows them
+/// and deletes some, first on the service, then on disk. F5 refreshes, Delete deletes.
+///
+/// Before it is destroyed stop() is called and stopped() waited for; otherwise its destructor waits
+/// for what its threads are doing.
+class OriginalView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit OriginalView(QWidget *parent = nullptr);
+    ~OriginalView() override;
+
+    /// The order to show; an empty map shows none.
+    void setOrder(const photorequests::OrderMap &order);
+    /// Lists the order's photos anew, covered meanwhile. Nothing happens without an order or during
+    /// a deletion.
+    void refresh();
+    /// The same while the view, and the keyboard, stay as they are.
+    void requestListing();
+    void deleteSelected();
+
+    /// Ends what is going on, without waiting. No box is shown any more.
+    void stop();
+    bool isStopped() const;
+
+signals:
+    /// Nothing goes on any more.
+    void stopped();
+
+private:
+    void build();
+    QPushButton *addButton(const QString &text, const char *name, const QString &style);
+
+    void onListing(const ServiceReply &reply, const QString &timestamp);
+    void abandonListing();
+    void showListing(const QVector<PhotoEntry> &entries);
+    void endRefreshing();
+    void showEmpty(const QString &why);
+    void showCount();
+
+    QVector<PhotoEntry> selectedEntries() const;
+    void onSubmitFailed(const ServiceReply &reply);
+    void onDeleted(const DeletionSummary &summary);
+
+    photorequests::OrderMap order_;
+    QString lastTimestamp_;   ///< of the latest listing request
+    int listingNumber_ = 0;   ///< tells a listing that is still being read from the latest one
+    bool refreshing_ = false; ///< the overlay tells of a refresh
+    bool ready_ = true;       ///< no deletion is under way
+    bool listingDue_ = false; ///< an order was chosen during a deletion
+    bool stopping_ = false;
+    LatestCall listing_;
+    PhotoDeletion deletion_;
+
+    QLabel *title_;
+    QLabel *count_;
+    QPushButton *refreshButton_ = nullptr;
+    QPushButton *selectAllButton_ = nullptr;
+    QPushButton *clearButton_ = nullptr;
+    QPushButton *deleteButton_ = nullptr;
+    ThumbnailTableView *grid_;
+    LoadingOverlay *overlay_;
+};

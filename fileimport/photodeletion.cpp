@@ -1,0 +1,157 @@
+#include "fileimport/photodeletion.h"
+
+#include "net/background.h"
+#include "platform/pathform.h"
+
+#include <QDateTime>
+#include <QDebug>
+#include <QFileInfo>
+#include <QPointer>
+#include <QTimer>
+
+namespace {
+
+constexpr int filesAtOnce = 4;
+constexpr int stopPatienceMs = 5000;
+
+void tellPoolIsSlow()
+{
+    qDebug() << "警告：线程池未能在5秒内完成所有任务";
+}
+
+} // namespace
+
+DeletionPlan planDeletion(const QVector<PhotoEntry> &selected)
+{
+    DeletionPlan plan;
+    for (const PhotoEntry &entry : selected) {
+        const QString &path = entry.localPath;
+        const bool isFile = path.isEmpty() ||
+                            (namesOneFile(path) && !QFileInfo(platform::toLocalPath(path)).isDir());
+        if (isFile)
+            plan.entries.append(entry);
+        else
+            plan.refusals.append(entry.imgName + QStringLiteral(" 的路径错误"));
+    }
+    return plan;
+}
+
+PhotoDeletion::PhotoDeletion(DeleteFileRunnable::RemoveFunction remove, QObject *parent)
+    : QObject(parent), remove_(std::move(remove)), call_(this)
+{
+    qRegisterMetaType<DeleteFileResult>();
+    pool_.setObjectName(QStringLiteral("photo-deletion"));
+    pool_.setMaxThreadCount(filesAtOnce);
+}
+
+PhotoDeletion::~PhotoDeletion()
+{
+    qDebug() << "开始清理线程池...";
+    if (stopped_)
+        *stopped_ = true;
+    pool_.clear();
+    if (pool_.waitForDone(stopPatienceMs))
+        qDebug() << "线程池已安全清理";
+    else
+        tellPoolIsSlow();
+}
+
+bool PhotoDeletion::start(const photorequests::OrderMap &order, const QVector<PhotoEntry> &entries)
+{
+    if (busy_)
+        return false;
+    busy_ = true;
+    summary_ = {};
+    resultText_.clear();
+    total_ = 0;
+    stopped_ = std::make_shared<std::atomic<bool>>(false);
+    inBackground(
+        this, [entries] { return planDeletion(entries); },
+        [this, order, run = ++run_](const DeletionPlan &plan) {
+            if (run == run_)
+                onPlanned(order, plan);
+        });
+    return true;
+}
+
+void PhotoDeletion::onPlanned(const photorequests::OrderMap &order, const DeletionPlan &plan)
+{
+    summary_.messages = plan.refusals;
+    if (plan.entries.isEmpty()) {
+        finish();
+        return;
+    }
+    QStringList ids;
+    for (const PhotoEntry &entry : plan.entries)
+        ids.append(entry.id);
+    const QString now = QString::number(QDateTime::currentMSecsSinceEpoch());
+    call_.start(photorequests::deleteAction, photorequests::deleteBody(order, ids, now),
+                [this, entries = plan.entries](const ServiceReply &reply) {
+                    if (reply.isSuccess()) {
+                        onAgreed(entries);
+                        return;
+                    }
+                    busy_ = false;
+                    const QPointer<PhotoDeletion> alive(this); // boxes may be shown meanwhile
+                    emit submitFailed(reply);
+                    if (alive)
+                        emit ended();
+                });
+}
+
+void PhotoDeletion::onAgreed(const QVector<PhotoEntry> &entries)
+{
+    total_ = entries.size();
+    emit progressed(0, total_);
+    qDebug() << "开始删除" << total_ << "个文件";
+    for (const PhotoEntry &entry : entries) {
+        auto *task = new DeleteFileRunnable(entry, stopped_, remove_);
+        connect(task, &DeleteFileRunnable::deleteFinished, this, &PhotoDeletion::onDeleteFinished,
+                Qt::QueuedConnection);
+        pool_.start(task);
+    }
+}
+
+void PhotoDeletion::onDeleteFinished(const DeleteFileResult &result)
+{
+    ++(result.success ? summary_.succeeded : summary_.failed);
+    resultText_ += QLatin1Char('\n') + result.message;
+    if (!result.message.isEmpty())
+        summary_.messages.append(result.message);
+    const int done = summary_.succeeded + summary_.failed;
+    emit progressed(done, total_);
+    if (done == total_)
+        finish();
+}
+
+void PhotoDeletion::finish()
+{
+    qDebug() << "删除完成 - 成功:" << summary_.succeeded << " 失败:" << summary_.failed;
+    qDebug() << "删除失败的信息:" << resultText_;
+    busy_ = false;
+    const DeletionSummary summary = summary_;
+    const QPointer<PhotoDeletion> alive(this); // boxes may be shown meanwhile
+    emit finished(summary);
+    if (alive)
+        emit ended();
+}
+
+void PhotoDeletion::stop()
+{
+    if (!busy_)
+        return;
+    *stopped_ = true;
+    const int done = summary_.succeeded + summary_.failed;
+    if (done < total_) {
+        // The tasks answer, those that had not begun at once; the last answer ends it.
+        QTimer::singleShot(stopPatienceMs, this, [this] {
+            if (busy_)
+                tellPoolIsSlow();
+        });
+        return;
+    }
+    ++run_;
+    call_.cancel();
+    busy_ = false;
+    emit ended();
+}

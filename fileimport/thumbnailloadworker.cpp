@@ -1,0 +1,131 @@
+#include "fileimport/thumbnailloadworker.h"
+
+#include "fileimport/thumbnaildecoding.h"
+#include "net/basereq.h"
+
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QTimer>
+#include <QUrl>
+
+namespace {
+
+const char cancelledProperty[] = "cancelled";
+
+bool isRemote(const QUrl &url)
+{
+    // Anything else, such as "file", is no business of the service's.
+    return url.isValid() && !url.host().isEmpty() &&
+           (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"));
+}
+
+} // namespace
+
+ThumbnailLoadWorker::ThumbnailLoadWorker(const QSize &photoSize, const ThumbnailLimits &limits)
+    : photoSize_(photoSize), limits_(limits)
+{
+}
+
+ThumbnailLoadWorker::~ThumbnailLoadWorker()
+{
+    // The replies end with the manager and would still tell.
+    for (QNetworkReply *reply : qAsConst(active_))
+        reply->disconnect(this);
+}
+
+void ThumbnailLoadWorker::loadPhoto(const QString &name, const QString &icon, int index)
+{
+    const Load load{name, index};
+    if (name.isEmpty()) {
+        loadIcon(icon, load);
+        return;
+    }
+    if (!isRemote(QUrl(name))) {
+        emit photoLoadFailed(name, index);
+        return;
+    }
+    waiting_.append(load);
+    startNext();
+}
+
+void ThumbnailLoadWorker::loadIcon(const QString &icon, const Load &load)
+{
+    auto known = icons_.find(icon);
+    if (known == icons_.end()) {
+        const QImage image(icon);
+        known = icons_.insert(
+            icon, image.isNull() ? QPixmap()
+                                 : QPixmap::fromImage(image.scaled(photoSize_, Qt::KeepAspectRatio,
+                                                                   Qt::SmoothTransformation)));
+    }
+    if (known->isNull())
+        emit photoLoadFailed(load.name, load.index);
+    else
+        emit photoLoaded(*known, load.name, load.index);
+}
+
+void ThumbnailLoadWorker::startNext()
+{
+    while (!waiting_.isEmpty() && active_.size() < limits_.fetchesAtOnce)
+        fetch(waiting_.takeLast());
+}
+
+void ThumbnailLoadWorker::fetch(const Load &load)
+{
+    if (!manager_)
+        manager_ = new QNetworkAccessManager(this);
+    QNetworkRequest request{QUrl(load.name)};
+    BaseReq::applyTlsSettings(&request);
+    request.setRawHeader("User-Agent", "Mozilla/5.0");
+    // Asked for packed, a few bytes could unpack into any number before anybody has counted them.
+    request.setRawHeader("Accept-Encoding", "identity");
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
+                         QNetworkRequest::NoLessSafeRedirectPolicy);
+    request.setMaximumRedirectsAllowed(limits_.redirects);
+    QNetworkReply *reply = manager_->get(request);
+    active_.append(reply);
+
+    auto *timer = new QTimer(reply);
+    timer->setSingleShot(true);
+    connect(timer, &QTimer::timeout, reply, &QNetworkReply::abort);
+    timer->start(limits_.timeMs);
+    const auto abortWhenTooLarge = [reply, largest = limits_.bodyBytes] {
+        const qint64 announced = reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+        if (qMax(announced, reply->bytesAvailable()) > largest)
+            reply->abort();
+    };
+    connect(reply, &QNetworkReply::metaDataChanged, reply, abortWhenTooLarge);
+    connect(reply, &QNetworkReply::readyRead, reply, abortWhenTooLarge);
+    connect(reply, &QNetworkReply::finished, this,
+            [this, reply, load] { onFinished(reply, load); });
+}
+
+void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
+{
+    active_.removeOne(reply);
+    reply->deleteLater();
+    startNext();
+    if (reply->property(cancelledProperty).toBool())
+        return;
+    QImage image;
+    if (reply->error() == QNetworkReply::NoError)
+        image = decodeThumbnail(reply->readAll(), photoSize_);
+    if (image.isNull())
+        emit photoLoadFailed(load.name, load.index);
+    else
+        emit photoLoaded(QPixmap::fromImage(image), load.name, load.index);
+}
+
+void ThumbnailLoadWorker::cancelAllRequests()
+{
+    waiting_.clear();
+    for (QNetworkReply *reply : qAsConst(active_)) {
+        if (reply->property(cancelledProperty).toBool())
+            continue;
+        reply->setProperty(cancelledProperty, true);
+        // It may finish, so that its connection can be used again, but not keep others waiting.
+        auto *timer = reply->findChild<QTimer *>();
+        timer->start(qMin(limits_.graceMs, timer->remainingTime()));
+    }
+    emit requestsCancelled();
+}

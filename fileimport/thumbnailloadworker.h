@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPixmap>
+#include <QSize>
+#include <QString>
+#include <QVector>
+
+class QNetworkAccessManager;
+class QNetworkReply;
+
+/// What fetching one image may cost; whatever asks for more counts as not loadable.
+struct ThumbnailLimits
+{
+    qint64 bodyBytes = 32 * 1024 * 1024;
+    int timeMs = 30000; ///< from the request to the last byte
+    int graceMs = 3000; ///< left to a fetch whose list has gone
+    int fetchesAtOnce = 6;
+    int redirects = 5;
+};
+
+/// Fetches and decodes the images of the grid's cells, one decode at a time. Lives on a thread of
+/// its own, where it is deleted, too; slots and signals are queued. The image asked for last comes
+/// first: it belongs to what is on the screen now.
+///
+/// Every request is answered by one photoLoaded() or photoLoadFailed(), unless it is cancelled:
+/// nothing of a cancelled request comes after requestsCancelled().
+class ThumbnailLoadWorker : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Images are scaled to fit into \a photoSize pixels.
+    explicit ThumbnailLoadWorker(const QSize &photoSize, const ThumbnailLimits &limits = {});
+    ~ThumbnailLoadWorker() override;
+
+public slots:
+    /// \a name is the remote address of the image; without one \a icon, a file, is shown.
+    void loadPhoto(const QString &name, const QString &icon, int index);
+    void cancelAllRequests();
+
+signals:
+    void photoLoaded(const QPixmap &pixmap, const QString &name, int index);
+    void photoLoadFailed(const QString &name, int index);
+    /// What came before this belongs to cancelled requests.
+    void requestsCancelled();
+
+private:
+    struct Load
+    {
+        QString name;
+        int index = -1;
+    };
+
+    void loadIcon(const QString &icon, const Load &load);
+    void startNext();
+    void fetch(const Load &load);
+    void onFinished(QNetworkReply *reply, const Load &load);
+
+    const QSize photoSize_;
+    const ThumbnailLimits limits_;
+    QNetworkAccessManager *manager_ = nullptr; ///< made on the worker's own thread
+    QVector<Load> waiting_;
+    QList<QNetworkReply *> active_; ///< cancelled ones, too, until they have finished
+    QHash<QString, QPixmap> icons_;
+};

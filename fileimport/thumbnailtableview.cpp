@@ -1,0 +1,478 @@
+#include "fileimport/thumbnailtableview.h"
+
+#include "fileimport/photocell.h"
+#include "widgets/colours.h"
+#include "widgets/theme.h"
+
+#include <QDebug>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int columns = 5;
+constexpr int batchSize = 8;
+constexpr int batchIntervalMs = 50;
+constexpr int visibilityIntervalMs = 100;
+constexpr int retiredAtOnce = 40; // cells deleted between two events
+constexpr int farAway = 1000 * 1000;
+
+int pitch(int cell)
+{
+    return cell + theme::spacing();
+}
+
+int rowHeight()
+{
+    return pitch(PhotoCell::cellSize().height());
+}
+
+} // namespace
+
+ThumbnailTableView::ThumbnailTableView(QWidget *parent, const ThumbnailLimits &limits)
+    : QAbstractScrollArea(parent), limits_(limits), content_(new QWidget(viewport()))
+{
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(QStringLiteral("已导入照片"));
+    verticalScrollBar()->setSingleStep(rowHeight() / 4);
+    horizontalScrollBar()->setSingleStep(PhotoCell::cellSize().width() / 4);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this,
+            &ThumbnailTableView::onScrollValueChanged);
+
+    visibilityTimer_.setSingleShot(true);
+    visibilityTimer_.setInterval(visibilityIntervalMs);
+    connect(&visibilityTimer_, &QTimer::timeout, this, &ThumbnailTableView::loadVisiblePhotos);
+    batchTimer_.setInterval(batchIntervalMs);
+    connect(&batchTimer_, &QTimer::timeout, this, &ThumbnailTableView::createPhotoItemsBatch);
+    retiredTimer_.setInterval(batchIntervalMs);
+    connect(&retiredTimer_, &QTimer::timeout, this, &ThumbnailTableView::deleteRetired);
+    thread_.setObjectName(QStringLiteral("thumbnails"));
+    connect(&thread_, &QThread::finished, this, &ThumbnailTableView::stopped);
+}
+
+ThumbnailTableView::~ThumbnailTableView()
+{
+    stop();
+    thread_.wait();
+}
+
+void ThumbnailTableView::startWorker()
+{
+    auto *worker = new ThumbnailLoadWorker(PhotoCell::photoSize(), limits_);
+    worker->moveToThread(&thread_);
+    connect(&thread_, &QThread::finished, worker, &QObject::deleteLater);
+    connect(this, &ThumbnailTableView::loadPhotoRequest, worker, &ThumbnailLoadWorker::loadPhoto);
+    connect(this, &ThumbnailTableView::cancelAllPhotoRequests, worker,
+            &ThumbnailLoadWorker::cancelAllRequests);
+    connect(worker, &ThumbnailLoadWorker::photoLoaded, this, &ThumbnailTableView::onPhotoLoaded);
+    connect(worker, &ThumbnailLoadWorker::photoLoadFailed, this,
+            &ThumbnailTableView::onPhotoLoadFailed);
+    connect(worker, &ThumbnailLoadWorker::requestsCancelled, this, [this] { --pendingCancels_; });
+    thread_.start();
+}
+
+void ThumbnailTableView::stop()
+{
+    if (ending_)
+        return;
+    ending_ = true;
+    visibilityTimer_.stop();
+    batchTimer_.stop();
+    ++pendingCancels_;
+    emit cancelAllPhotoRequests();
+    thread_.quit();
+}
+
+// The list and its cells.
+
+void ThumbnailTableView::setEntries(const QVector<PhotoEntry> &entries)
+{
+    entries_ = entries;
+    ++generation_;
+    visibilityTimer_.stop();
+    batchTimer_.stop();
+    if (thread_.isRunning() && !ending_) {
+        ++pendingCancels_;
+        emit cancelAllPhotoRequests();
+    }
+    retireCells();
+    current_ = anchor_ = 0;
+    const bool hadSelection = !selected_.isEmpty();
+    selected_.clear();
+    updateScrollBars();
+    placeContent();
+    viewport()->update();
+    qDebug() << "缩略图刷新了：" << entries_.isEmpty();
+    if (hadSelection)
+        emit selectedCountChanged(0);
+    if (entries_.isEmpty() || ending_)
+        return;
+    batchGeneration_ = generation_;
+    batchTimer_.start();
+}
+
+void ThumbnailTableView::retireCells()
+{
+    if (cells_.isEmpty())
+        return;
+    // Hiding or deleting thousands of cells at once would hold the interface up.
+    content_->move(0, -farAway);
+    retired_.append(content_);
+    retiredTimer_.start();
+    cells_.clear();
+    content_ = new QWidget(viewport());
+    content_->show();
+}
+
+void ThumbnailTableView::deleteRetired()
+{
+    for (int left = retiredAtOnce; left > 0 && !retired_.isEmpty(); --left) {
+        QWidget *content = retired_.constLast();
+        const QObjectList &cells = content->children();
+        if (cells.isEmpty()) {
+            delete content;
+            retired_.removeLast();
+        } else {
+            delete cells.last();
+        }
+    }
+    if (retired_.isEmpty())
+        retiredTimer_.stop();
+}
+
+void ThumbnailTableView::createPhotoItemsBatch()
+{
+    if (batchGeneration_ != generation_)
+        return;
+    const int end = qMin(cells_.size() + batchSize, entries_.size());
+    for (int index = cells_.size(); index < end; ++index) {
+        auto *cell = new PhotoCell(entries_.at(index), index, content_);
+        cell->move(cellPosition(index));
+        cell->selectButton()->setChecked(selected_.contains(index));
+        cell->setCurrent(index == current_ && hasFocus());
+        connect(cell->selectButton(), &QAbstractButton::toggled, this,
+                &ThumbnailTableView::onPhotoSelectionChanged);
+        cell->installEventFilter(this);
+        cell->selectButton()->installEventFilter(this);
+        cells_.append(cell);
+        cell->show();
+    }
+    updateScrollBars();
+    placeContent();
+    if (cells_.size() == entries_.size()) {
+        batchTimer_.stop();
+        loadVisiblePhotos();
+    } else if (!visibilityTimer_.isActive()) {
+        visibilityTimer_.start();
+    }
+}
+
+void ThumbnailTableView::setEmptyText(const QString &text)
+{
+    emptyText_ = text;
+    viewport()->update();
+}
+
+// Images.
+
+void ThumbnailTableView::loadVisiblePhotos()
+{
+    if (!isVisible() || cells_.isEmpty() || ending_)
+        return;
+    if (!thread_.isRunning())
+        startWorker();
+    const int top = verticalScrollBar()->value();
+    const int bottom = top + viewport()->height() + 1;
+    const int first = qMax(0, top / rowHeight() * columns);
+    const int end = qMin(cells_.size(), (bottom / rowHeight() + 1) * columns);
+    // The worker takes the latest first, so that these come from top to bottom.
+    for (int index = end - 1; index >= first; --index) {
+        PhotoCell *cell = cells_.at(index);
+        const int cellTop = cellPosition(index).y();
+        if (cell->isLoaded || cell->isRequested || !cell->isVisible() ||
+            cellTop + cell->height() <= top || cellTop >= bottom)
+            continue;
+        cell->isRequested = true;
+        emit loadPhotoRequest(entries_.at(index).url, entries_.at(index).icon, index);
+    }
+}
+
+/// The cell that waits for this image; null for images of an earlier list.
+PhotoCell *ThumbnailTableView::awaiting(const QString &name, int index) const
+{
+    PhotoCell *cell = cells_.value(index);
+    const bool waits = pendingCancels_ == 0 && cell && cell->isRequested && !cell->isLoaded;
+    return waits && entries_.at(index).url == name ? cell : nullptr;
+}
+
+void ThumbnailTableView::onPhotoLoaded(const QPixmap &pixmap, const QString &name, int index)
+{
+    PhotoCell *cell = awaiting(name, index);
+    if (!cell)
+        return;
+    cell->photoLabel()->showPicture(pixmap);
+    cell->isLoaded = true;
+}
+
+void ThumbnailTableView::onPhotoLoadFailed(const QString &name, int index)
+{
+    if (PhotoCell *cell = awaiting(name, index))
+        cell->photoLabel()->showFailed();
+}
+
+// Scrolling and painting.
+
+QPoint ThumbnailTableView::cellPosition(int index) const
+{
+    const QSize cell = PhotoCell::cellSize();
+    return {index % columns * pitch(cell.width()), index / columns * rowHeight()};
+}
+
+QSize ThumbnailTableView::contentSize() const
+{
+    const int rows = (cells_.size() + columns - 1) / columns;
+    return {columns * pitch(PhotoCell::cellSize().width()) - theme::spacing(),
+            qMax(0, rows * rowHeight() - theme::spacing())};
+}
+
+void ThumbnailTableView::updateScrollBars()
+{
+    const QSize content = contentSize();
+    const QSize view = viewport()->size();
+    verticalScrollBar()->setRange(0, qMax(0, content.height() - view.height()));
+    verticalScrollBar()->setPageStep(view.height());
+    horizontalScrollBar()->setRange(0,
+                                    cells_.isEmpty() ? 0 : qMax(0, content.width() - view.width()));
+    horizontalScrollBar()->setPageStep(view.width());
+}
+
+void ThumbnailTableView::placeContent()
+{
+    const QSize content = contentSize();
+    const int margin = qMax(0, (viewport()->width() - content.width()) / 2);
+    content_->setGeometry(QRect(
+        QPoint(margin - horizontalScrollBar()->value(), -verticalScrollBar()->value()), content));
+}
+
+int ThumbnailTableView::rowsPerPage() const
+{
+    return qMax(1, viewport()->height() / rowHeight());
+}
+
+void ThumbnailTableView::scrollContentsBy(int, int)
+{
+    placeContent();
+}
+
+void ThumbnailTableView::onScrollValueChanged(int)
+{
+    // Not at once: what is scrolled past is not to be fetched.
+    if (!visibilityTimer_.isActive())
+        visibilityTimer_.start();
+}
+
+void ThumbnailTableView::resizeEvent(QResizeEvent *event)
+{
+    QAbstractScrollArea::resizeEvent(event);
+    updateScrollBars();
+    placeContent();
+    visibilityTimer_.start();
+}
+
+void ThumbnailTableView::showEvent(QShowEvent *event)
+{
+    QAbstractScrollArea::showEvent(event);
+    visibilityTimer_.start();
+}
+
+void ThumbnailTableView::paintEvent(QPaintEvent *)
+{
+    QPainter painter(viewport());
+    painter.fillRect(viewport()->rect(), colours::toColor(colours::surface));
+    if (!entries_.isEmpty())
+        return;
+    painter.setPen(colours::toColor(colours::placeholder));
+    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, emptyText_);
+}
+
+// Selection.
+
+QVector<int> ThumbnailTableView::selectedIndexes() const
+{
+    QVector<int> indexes(selected_.cbegin(), selected_.cend());
+    std::sort(indexes.begin(), indexes.end());
+    return indexes;
+}
+
+void ThumbnailTableView::checkButton(int index, bool checked)
+{
+    if (PhotoCell *cell = cells_.value(index))
+        cell->selectButton()->setChecked(checked);
+}
+
+/// True when that is a change. Does not tell the count.
+bool ThumbnailTableView::select(int index, bool selected)
+{
+    if (selected_.contains(index) == selected)
+        return false;
+    if (selected)
+        selected_.insert(index);
+    else
+        selected_.remove(index);
+    changingMany_ = true;
+    checkButton(index, selected);
+    changingMany_ = false;
+    emit selectionChanged(index, selected);
+    return true;
+}
+
+void ThumbnailTableView::onPhotoSelectionChanged()
+{
+    auto *button = qobject_cast<PhotoSelectButton *>(sender());
+    if (!button || changingMany_)
+        return;
+    const auto *cell = static_cast<PhotoCell *>(button->parentWidget());
+    if (cell->parentWidget() != content_ || !select(cell->index(), button->isChecked()))
+        return;
+    emit selectedCountChanged(selected_.size());
+}
+
+void ThumbnailTableView::setAllSelected(bool selected)
+{
+    changingMany_ = true;
+    for (int index = 0; index < entries_.size(); ++index) {
+        if (selected)
+            selected_.insert(index);
+        checkButton(index, selected);
+    }
+    changingMany_ = false;
+    if (!selected)
+        selected_.clear();
+    emit selectedCountChanged(selected_.size());
+}
+
+void ThumbnailTableView::selectAll()
+{
+    setAllSelected(true);
+}
+
+void ThumbnailTableView::clearSelection()
+{
+    setAllSelected(false);
+}
+
+void ThumbnailTableView::selectRange(int from, int to)
+{
+    bool changed = false;
+    for (int index = qMin(from, to); index <= qMax(from, to) && index < entries_.size(); ++index)
+        changed = select(index, true) || changed;
+    if (changed)
+        emit selectedCountChanged(selected_.size());
+}
+
+// Mouse and keyboard.
+
+bool ThumbnailTableView::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool pressed =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    if (!pressed && event->type() != QEvent::MouseButtonRelease)
+        return QAbstractScrollArea::eventFilter(watched, event);
+    auto *mouse = static_cast<QMouseEvent *>(event);
+    if (mouse->button() != Qt::LeftButton)
+        return false;
+    auto *cell = qobject_cast<PhotoCell *>(watched);
+    if (!cell) // the button itself; whole cells are one thing to the user
+        cell = static_cast<PhotoCell *>(static_cast<QWidget *>(watched)->parentWidget());
+    if (pressed) {
+        setFocus(Qt::MouseFocusReason);
+        return true; // taken, so that the release comes here, too
+    }
+    const QPoint point = cell->mapFromGlobal(mouse->globalPos());
+    if (!cell->rect().contains(point) || cell->parentWidget() != content_)
+        return true;
+    setCurrent(cell->index());
+    if (mouse->modifiers() & Qt::ShiftModifier) {
+        selectRange(anchor_, cell->index());
+    } else {
+        anchor_ = cell->index();
+        cell->selectButton()->toggle();
+    }
+    return true;
+}
+
+void ThumbnailTableView::focusInEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusInEvent(event);
+    setCurrent(current_);
+}
+
+void ThumbnailTableView::focusOutEvent(QFocusEvent *event)
+{
+    QAbstractScrollArea::focusOutEvent(event);
+    if (PhotoCell *cell = cells_.value(current_))
+        cell->setCurrent(false);
+}
+
+void ThumbnailTableView::setCurrent(int index)
+{
+    if (PhotoCell *before = cells_.value(current_))
+        before->setCurrent(false);
+    current_ = index;
+    if (PhotoCell *now = cells_.value(current_))
+        now->setCurrent(hasFocus());
+}
+
+void ThumbnailTableView::moveTo(int index, bool selecting)
+{
+    if (cells_.isEmpty())
+        return;
+    setCurrent(qBound(0, index, cells_.size() - 1));
+    if (selecting)
+        selectRange(anchor_, current_);
+    else
+        anchor_ = current_;
+    const int top = cellPosition(current_).y();
+    const int lowest = top + PhotoCell::cellSize().height() - viewport()->height();
+    QScrollBar *bar = verticalScrollBar();
+    bar->setValue(qMin(top, qMax(lowest, bar->value())));
+}
+
+void ThumbnailTableView::keyPressEvent(QKeyEvent *event)
+{
+    if (event->matches(QKeySequence::SelectAll)) {
+        selectAll();
+        return;
+    }
+    const bool selecting = event->modifiers() & Qt::ShiftModifier;
+    const int page = rowsPerPage() * columns;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        return moveTo(current_ - 1, selecting);
+    case Qt::Key_Right:
+        return moveTo(current_ + 1, selecting);
+    case Qt::Key_Up:
+        return moveTo(current_ < columns ? current_ : current_ - columns, selecting);
+    case Qt::Key_Down:
+        return moveTo(current_ + columns < cells_.size() ? current_ + columns : current_,
+                      selecting);
+    case Qt::Key_PageUp:
+        return moveTo(current_ - page, selecting);
+    case Qt::Key_PageDown:
+        return moveTo(current_ + page, selecting);
+    case Qt::Key_Home:
+        return moveTo(0, selecting);
+    case Qt::Key_End:
+        return moveTo(cells_.size() - 1, selecting);
+    case Qt::Key_Space:
+        checkButton(current_, !selected_.contains(current_));
+        return;
+    default:
+        QAbstractScrollArea::keyPressEvent(event);
+    }
+}
