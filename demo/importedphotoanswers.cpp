@@ -3,6 +3,8 @@
 
 #include <QJsonArray>
 
+#include <algorithm>
+
 // What is answered about photos that are on the books: listing them and taking them off.
 
 namespace demo {
@@ -32,9 +34,12 @@ QJsonObject Answers::importedPhotos(const Fields &fields) const
     reply[QStringLiteral("timestamp")] = field(fields, "timestamp");
     if (!order)
         return reply;
+    QVector<RegisteredPhoto> byName = order->registered;
+    std::sort(byName.begin(), byName.end(),
+              [](const RegisteredPhoto &a, const RegisteredPhoto &b) { return a.name < b.name; });
     QJsonArray photos;
     QJsonArray rawFiles;
-    for (const RegisteredPhoto &photo : order->registered) {
+    for (const RegisteredPhoto &photo : qAsConst(byName)) {
         if (photo.kind == PhotoKind::Original)
             photos.append(listed(photo, serviceUrl_));
         else if (photo.kind == PhotoKind::Raw)

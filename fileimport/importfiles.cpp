@@ -96,7 +96,8 @@ void ImportFiles::showPhotoView(bool shown)
     }
     photos_ = new OriginalView;
     rightHalf_->addWidget(photos_);
-    rightHalf_->setStretchFactor(1, 1);
+    for (int part = 0; part < rightHalf_->count(); ++part)
+        rightHalf_->setStretchFactor(part, 1);
     connect(photos_, &OriginalView::stopped, this, &ImportFiles::finishClosingWhenIdle);
 }
 

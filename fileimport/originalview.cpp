@@ -111,15 +111,19 @@ void OriginalView::build()
     deleteButton_ = addButton(QStringLiteral("删除"), "deletePhotosButton",
                               theme::buttonStyle(colours::clearAction, colours::clearActionHover));
     auto *head = new QHBoxLayout;
-    head->setSpacing(theme::spacing());
     head->addWidget(title_, 1);
     head->addWidget(count_);
-    for (QPushButton *button : {refreshButton_, selectAllButton_, clearButton_, deleteButton_})
-        head->addWidget(button);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(theme::spacing());
+    for (QPushButton *button : {refreshButton_, selectAllButton_, clearButton_})
+        buttons->addWidget(button);
+    buttons->addStretch(1);
+    buttons->addWidget(deleteButton_);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());
     layout->addLayout(head);
+    layout->addLayout(buttons);
     layout->addWidget(grid_, 1);
 
     const auto addKey = [this](const QKeySequence &key, auto slot) {

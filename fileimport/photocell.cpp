@@ -45,6 +45,7 @@ PhotoLabel::PhotoLabel(QWidget *parent) : QLabel(parent)
 {
     setAlignment(Qt::AlignCenter);
     setTextFormat(Qt::PlainText);
+    ensurePolished(); // the style would overwrite the colour of the text
     showPending();
 }
 
@@ -128,8 +129,8 @@ PhotoCell::PhotoCell(const PhotoEntry &entry, int index, QWidget *parent)
     nameLabel->setAlignment(Qt::AlignCenter);
     nameLabel->setGeometry(padding(), height() - padding() - K::scaledPx(nameHeightPx),
                            width() - 2 * padding(), K::scaledPx(nameHeightPx));
-    setTextColour(nameLabel, colours::photoName);
     nameLabel->ensurePolished();
+    setTextColour(nameLabel, colours::photoName);
     nameLabel->setText(
         nameLabel->fontMetrics().elidedText(entry.imgName, Qt::ElideMiddle, nameLabel->width()));
     setAccessibleName(entry.imgName);

@@ -29,6 +29,7 @@ struct DeletionSummary
     int failed = 0;
     QStringList messages; ///< what is left to be deleted by hand, and why
 };
+Q_DECLARE_METATYPE(DeletionSummary)
 
 /// The order of steps of deleting photos: the service first, and the disk only when it agreed, up
 /// to four photos at once. One deletion at a time.

@@ -39,6 +39,7 @@ ThumbnailTableView::ThumbnailTableView(QWidget *parent, const ThumbnailLimits &l
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(QStringLiteral("已导入照片"));
+    setMinimumWidth(contentSize().width() + theme::scrollBarWidth());
     verticalScrollBar()->setSingleStep(rowHeight() / 4);
     horizontalScrollBar()->setSingleStep(PhotoCell::cellSize().width() / 4);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this,
