@@ -29,8 +29,8 @@ ThumbnailLoadWorker::ThumbnailLoadWorker(const QSize &photoSize, const Thumbnail
 ThumbnailLoadWorker::~ThumbnailLoadWorker()
 {
     // The replies end with the manager and would still tell.
-    for (QNetworkReply *reply : qAsConst(active_))
-        reply->disconnect(this);
+    for (auto reply = active_.keyBegin(); reply != active_.keyEnd(); ++reply)
+        (*reply)->disconnect(this);
 }
 
 void ThumbnailLoadWorker::loadPhoto(const QString &name, const QString &icon, int index)
@@ -52,7 +52,7 @@ void ThumbnailLoadWorker::loadIcon(const QString &icon, const Load &load)
 {
     auto known = icons_.find(icon);
     if (known == icons_.end()) {
-        const QImage image(icon);
+        const QImage image = icon.isEmpty() ? QImage() : QImage(icon);
         known = icons_.insert(
             icon, image.isNull() ? QPixmap()
                                  : QPixmap::fromImage(image.scaled(photoSize_, Qt::KeepAspectRatio,
@@ -83,9 +83,8 @@ void ThumbnailLoadWorker::fetch(const Load &load)
                          QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(limits_.redirects);
     QNetworkReply *reply = manager_->get(request);
-    active_.append(reply);
-
     auto *timer = new QTimer(reply);
+    active_.insert(reply, timer);
     timer->setSingleShot(true);
     connect(timer, &QTimer::timeout, reply, &QNetworkReply::abort);
     timer->start(limits_.timeMs);
@@ -102,7 +101,7 @@ void ThumbnailLoadWorker::fetch(const Load &load)
 
 void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
 {
-    active_.removeOne(reply);
+    active_.remove(reply);
     reply->deleteLater();
     startNext();
     if (reply->property(cancelledProperty).toBool())
@@ -119,13 +118,13 @@ void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
 void ThumbnailLoadWorker::cancelAllRequests()
 {
     waiting_.clear();
-    for (QNetworkReply *reply : qAsConst(active_)) {
-        if (reply->property(cancelledProperty).toBool())
+    for (auto fetch = active_.cbegin(); fetch != active_.cend(); ++fetch) {
+        if (fetch.key()->property(cancelledProperty).toBool())
             continue;
-        reply->setProperty(cancelledProperty, true);
+        fetch.key()->setProperty(cancelledProperty, true);
         // It may finish, so that its connection can be used again, but not keep others waiting.
-        auto *timer = reply->findChild<QTimer *>();
-        timer->start(qMin(limits_.graceMs, timer->remainingTime()));
+        QTimer *timer = fetch.value();
+        timer->start(qBound(0, timer->remainingTime(), limits_.graceMs));
     }
     emit requestsCancelled();
 }

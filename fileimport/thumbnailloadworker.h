@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QHash>
-#include <QList>
 #include <QObject>
 #include <QPixmap>
 #include <QSize>
@@ -10,6 +9,7 @@
 
 class QNetworkAccessManager;
 class QNetworkReply;
+class QTimer;
 
 /// What fetching one image may cost; whatever asks for more counts as not loadable.
 struct ThumbnailLimits
@@ -63,6 +63,7 @@ private:
     const ThumbnailLimits limits_;
     QNetworkAccessManager *manager_ = nullptr; ///< made on the worker's own thread
     QVector<Load> waiting_;
-    QList<QNetworkReply *> active_; ///< cancelled ones, too, until they have finished
+    /// With what limits their time; cancelled ones, too, until they have finished.
+    QHash<QNetworkReply *, QTimer *> active_;
     QHash<QString, QPixmap> icons_;
 };

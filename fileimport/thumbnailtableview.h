@@ -36,6 +36,7 @@ public:
     PhotoEntry entry(int index) const { return entries_.value(index); }
     /// Tells why the grid is empty, while it is.
     void setEmptyText(const QString &text);
+    const QString &emptyText() const { return emptyText_; }
 
     /// In the order of the list.
     QVector<int> selectedIndexes() const;

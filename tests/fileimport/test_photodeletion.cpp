@@ -1,8 +1,8 @@
 #include "app/context/accountcontext.h"
-#include "fileimport/importrecords.h"
 #include "fileimport/photodeletion.h"
 #include "fileimport/photorequests.h"
 #include "net/background.h"
+#include "tests/fileimport/registering.h"
 #include "tests/support/democlient.h"
 
 #include <QJsonDocument>
@@ -73,11 +73,7 @@ void TestPhotoDeletion::init()
     demo_.reset();
     AccountContext::uid = QStringLiteral("9001");
     folder_ = std::make_unique<QTemporaryDir>();
-    ImportOrder order;
-    order.id = QStringLiteral("50001");
-    order.orderPhotoId = QStringLiteral("800001");
-    order.delyp = QStringLiteral("1");
-    order_ = orderMap(order, QStringLiteral("101"));
+    order_ = firstOrder();
     logged.clear();
 }
 
@@ -90,30 +86,14 @@ void TestPhotoDeletion::cleanup()
 
 PhotoEntry TestPhotoDeletion::registered(const QString &name)
 {
-    QFile file(folder_->filePath(name));
-    if (!file.open(QIODevice::WriteOnly))
-        qFatal("fixture not written");
-    const QByteArray path = QUrl::toPercentEncoding(wire(name));
-    PhotoEntry found;
-    const auto ask = [&](const QString &action, const QByteArray &body) {
-        ServiceReply answer;
-        bool answered = false;
-        callService(this, action, body, [&](const ServiceReply &reply) {
-            answer = reply;
-            answered = true;
-        });
-        if (!QTest::qWaitFor([&] { return answered; }, 20000))
-            qFatal("no answer");
-        return answer;
-    };
-    ask(QStringLiteral("&m=order&a=savepicpath"), listBody(order_, {}) + "&path=" + path);
-    const auto entries = readListing(ask(listAction, listBody(order_, {})).object);
+    registerFile(folder_->filePath(name), {});
+    const auto entries = listedEntries();
+    demo_.clearRequests();
     for (const PhotoEntry &entry : entries) {
         if (entry.imgName == name)
-            found = entry;
+            return entry;
     }
-    demo_.clearRequests();
-    return found;
+    qFatal("not on the books");
 }
 
 void TestPhotoDeletion::start(PhotoDeletion *deletion, const QVector<PhotoEntry> &entries)
