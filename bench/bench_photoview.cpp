@@ -15,8 +15,11 @@
 #include <QFile>
 #include <QJsonArray>
 #include <QScrollBar>
+#include <QSet>
+#include <QTimer>
 #include <QUrl>
 
+#include <algorithm>
 #include <cstdio>
 #include <malloc.h>
 #include <unistd.h>
@@ -84,15 +87,12 @@ public:
         grid_.setStyleSheet(theme::windowStyle());
         grid_.resize(K::scaledPx(600), K::scaledPx(500));
         grid_.show();
-        QObject::connect(&grid_, &ThumbnailTableView::loadPhotoRequest, &grid_,
-                         [this] { ++requests_; });
         QObject::connect(grid_.verticalScrollBar(), &QScrollBar::valueChanged, &grid_,
                          [this] { look(); });
     }
 
     ThumbnailTableView *grid() { return &grid_; }
     QScrollBar *bar() { return grid_.verticalScrollBar(); }
-    int requests() const { return requests_; }
     int seen() const { return seen_.size(); }
 
     void await(const QString &what, const std::function<bool()> &done)
@@ -116,47 +116,53 @@ public:
         bench::line(QStringLiteral("    (%1 ms of the wall clock)")
                         .arg(bench::number(costs.first().wallMs, 1)));
     }
+    bool showsPictures() const
+    {
+        const auto visible = visibleCells();
+        return std::all_of(visible.cbegin(), visible.cend(),
+                           [this](int index) { return grid_.cell(index)->isLoaded; });
+    }
     /// Notes which cells are on the screen.
     void look()
     {
-        if (grid_.createdCells() == 0)
-            return;
-        const int pitch = grid_.cell(qMin(5, grid_.createdCells() - 1))->y();
-        const int rows = (bar()->value() + grid_.viewport()->height()) / pitch;
-        const int end = qMin((rows + 1) * 5, grid_.createdCells());
-        for (int index = bar()->value() / pitch * 5; index < end; ++index)
+        const auto visible = visibleCells();
+        for (const int index : visible)
             seen_.insert(index);
-    }
-    bool showsPictures() const
-    {
-        const int top = grid_.verticalScrollBar()->value();
-        for (int index = grid_.createdCells() - 1; index >= 0; --index) {
-            const PhotoCell *cell = grid_.cell(index);
-            if (cell->y() < top + grid_.viewport()->height() && cell->y() + cell->height() > top &&
-                !cell->isLoaded)
-                return false;
-        }
-        return true;
     }
 
 private:
+    QVector<int> visibleCells() const
+    {
+        constexpr int columns = 5;
+        QVector<int> visible;
+        if (grid_.createdCells() <= columns)
+            return visible;
+        const int pitch = grid_.cell(columns)->y();
+        const int top = grid_.verticalScrollBar()->value();
+        const int rows = (top + grid_.viewport()->height()) / pitch + 1;
+        for (int index = top / pitch * columns; index < qMin(rows * columns, grid_.createdCells());
+             ++index)
+            visible.append(index);
+        return visible;
+    }
+
     BenchApplication *application_;
-    int requests_ = 0;
     QSet<int> seen_;
     ThumbnailTableView grid_;
 };
 
+/// From top to bottom, one step at each tick at which \a mayGoOn.
 void scrollThrough(Desk *desk, int step, const std::function<bool()> &mayGoOn)
 {
+    constexpr int tickMs = 8;
+    QTimer ticks;
+    QObject::connect(&ticks, &QTimer::timeout, desk->grid(), [&] {
+        if (mayGoOn())
+            desk->bar()->setValue(desk->bar()->value() + step);
+    });
     desk->measure(
-        QStringLiteral("scrolling by %1 pixels").arg(step), [] {},
-        [desk, step, mayGoOn] {
-            if (!mayGoOn())
-                return false;
-            const int before = desk->bar()->value();
-            desk->bar()->setValue(before + step);
-            return before == desk->bar()->maximum();
-        });
+        QStringLiteral("scrolling by %1 pixels").arg(step), [&ticks] { ticks.start(tickMs); },
+        [desk] { return desk->bar()->value() == desk->bar()->maximum(); });
 }
 
 void measureGrid(BenchApplication *application, const QString &url, int count, float scale)
@@ -165,6 +171,7 @@ void measureGrid(BenchApplication *application, const QString &url, int count, f
     bench::line(QStringLiteral("%1 photos at %2 %").arg(count).arg(qRound(double(scale) * 100)));
     const double before = residentMb();
     const auto entries = entriesWith(url, count);
+    DemoClient().clearRequests();
     auto desk = std::make_unique<Desk>(application);
     ThumbnailTableView *grid = desk->grid();
     desk->measure(
@@ -177,14 +184,14 @@ void measureGrid(BenchApplication *application, const QString &url, int count, f
     const double withCells = residentMb();
 
     scrollThrough(desk.get(), desk->bar()->pageStep() / 4, [] { return true; });
-    bench::judge(QStringLiteral("  images asked for, of those seen"), desk->requests(),
-                 desk->seen(), QString(), 0);
+    const auto requests = [] { return DemoClient().requests(QStringLiteral("image")).size(); };
+    bench::judge(QStringLiteral("  images asked for, of those seen"), requests(), desk->seen(),
+                 QString(), 0);
     desk->bar()->setValue(0);
-    int looks = 0;
-    scrollThrough(desk.get(), desk->bar()->pageStep(),
-                  [&] { return ++looks % 8 == 0 && desk->showsPictures(); });
-    bench::judge(QStringLiteral("  images asked for after every page was looked at"),
-                 desk->requests(), count, QString(), 0);
+    scrollThrough(desk.get(), desk->bar()->pageStep(), [&] { return desk->showsPictures(); });
+    desk->await(QStringLiteral("last pictures"), [&] { return desk->showsPictures(); });
+    bench::judge(QStringLiteral("  images asked for after every page was looked at"), requests(),
+                 count, QString(), 0);
     const double withPictures = residentMb();
     bench::line(QStringLiteral("  resident: %1 MB before, %2 MB with cells, %3 MB with all images")
                     .arg(bench::number(before, 1), bench::number(withCells, 1),

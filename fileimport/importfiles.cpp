@@ -179,6 +179,9 @@ void ImportFiles::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
+        // The grid of photos wants its half; otherwise the orders may have what the files leave.
+        if (photos_)
+            qobject_cast<QSplitter *>(content())->setSizes({width() / 2, width() / 2});
         reqShopInfo();
     }
 }

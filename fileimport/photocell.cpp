@@ -20,12 +20,25 @@ int padding()
     return K::scaledPx(paddingPx);
 }
 
-void setTextColour(QWidget *widget, QRgb colour)
+/// A file's name, shortened in its middle where it does not fit.
+class NameLabel : public QLabel
 {
-    QPalette palette = widget->palette();
-    palette.setColor(QPalette::WindowText, colours::toColor(colour));
-    widget->setPalette(palette);
-}
+public:
+    NameLabel(const QString &name, QWidget *parent) : QLabel(parent)
+    {
+        setTextFormat(Qt::PlainText);
+        setText(name);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(colours::toColor(colours::photoName));
+        painter.drawText(rect(), Qt::AlignCenter,
+                         fontMetrics().elidedText(text(), Qt::ElideMiddle, width()));
+    }
+};
 
 /// A filled frame whose border lies inside \a rect.
 void paintFrame(QPainter *painter, const QRect &rect, QRgb fill, QRgb border, int width)
@@ -45,7 +58,6 @@ PhotoLabel::PhotoLabel(QWidget *parent) : QLabel(parent)
 {
     setAlignment(Qt::AlignCenter);
     setTextFormat(Qt::PlainText);
-    ensurePolished(); // the style would overwrite the colour of the text
     showPending();
 }
 
@@ -62,7 +74,6 @@ void PhotoLabel::showFailed()
 void PhotoLabel::showText(Content content, const QString &text)
 {
     content_ = content;
-    setTextColour(this, content == Content::Failed ? colours::photoFailedText : colours::muted);
     setText(text);
 }
 
@@ -74,13 +85,16 @@ void PhotoLabel::showPicture(const QPixmap &picture)
 
 void PhotoLabel::paintEvent(QPaintEvent *event)
 {
-    if (content_ != Content::Picture) {
-        QPainter painter(this);
-        const bool failed = content_ == Content::Failed;
-        paintFrame(&painter, rect(), failed ? colours::photoFailed : colours::photoPending,
-                   failed ? colours::photoFailedBorder : colours::divider, theme::hairline());
+    if (content_ == Content::Picture) {
+        QLabel::paintEvent(event);
+        return;
     }
-    QLabel::paintEvent(event);
+    QPainter painter(this);
+    const bool failed = content_ == Content::Failed;
+    paintFrame(&painter, rect(), failed ? colours::photoFailed : colours::photoPending,
+               failed ? colours::photoFailedBorder : colours::divider, theme::hairline());
+    painter.setPen(colours::toColor(failed ? colours::photoFailedText : colours::muted));
+    painter.drawText(rect(), Qt::AlignCenter, text());
 }
 
 PhotoSelectButton::PhotoSelectButton(QWidget *parent) : QAbstractButton(parent)
@@ -124,15 +138,9 @@ PhotoCell::PhotoCell(const PhotoEntry &entry, int index, QWidget *parent)
     const int button = K::scaledPx(buttonPx);
     selectButton_->setGeometry(width() - 2 * padding() - button, 2 * padding(), button, button);
 
-    auto *nameLabel = new QLabel(this);
-    nameLabel->setTextFormat(Qt::PlainText);
-    nameLabel->setAlignment(Qt::AlignCenter);
+    auto *nameLabel = new NameLabel(entry.imgName, this);
     nameLabel->setGeometry(padding(), height() - padding() - K::scaledPx(nameHeightPx),
                            width() - 2 * padding(), K::scaledPx(nameHeightPx));
-    nameLabel->ensurePolished();
-    setTextColour(nameLabel, colours::photoName);
-    nameLabel->setText(
-        nameLabel->fontMetrics().elidedText(entry.imgName, Qt::ElideMiddle, nameLabel->width()));
     setAccessibleName(entry.imgName);
     setToolTip(Qt::convertFromPlainText(entry.imgName + QLatin1Char('\n') + kindText(entry.kind)));
 

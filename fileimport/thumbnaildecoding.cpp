@@ -43,3 +43,14 @@ QImage decodeThumbnail(const QByteArray &body, const QSize &size)
     return picture.scaled(fitted(picture.size(), size), Qt::IgnoreAspectRatio,
                           Qt::SmoothTransformation);
 }
+
+QByteArray packThumbnail(const QImage &thumbnail)
+{
+    constexpr int quality = 92;
+    QByteArray packed;
+    QBuffer buffer(&packed);
+    buffer.open(QIODevice::WriteOnly);
+    const bool isPhoto = !thumbnail.hasAlphaChannel();
+    thumbnail.save(&buffer, isPhoto ? "jpeg" : "png", isPhoto ? quality : -1);
+    return packed;
+}

@@ -13,3 +13,6 @@ constexpr qint64 largestOtherPixels = 24 * 1000 * 1000;
 /// Null when it is no picture of a kind that photos come in, or one that would take too much memory
 /// to decode, which its header tells. Any thread.
 QImage decodeThumbnail(const QByteArray &body, const QSize &size);
+
+/// A thumbnail in few bytes, to be decoded again. Any thread.
+QByteArray packThumbnail(const QImage &thumbnail);

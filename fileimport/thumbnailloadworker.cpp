@@ -44,8 +44,21 @@ void ThumbnailLoadWorker::loadPhoto(const QString &name, const QString &icon, in
         emit photoLoadFailed(name, index);
         return;
     }
+    const auto known = kept_.constFind(name);
+    if (known != kept_.cend()) {
+        tell(decodeThumbnail(*known, photoSize_), load);
+        return;
+    }
     waiting_.append(load);
     startNext();
+}
+
+void ThumbnailLoadWorker::tell(const QImage &image, const Load &load)
+{
+    if (image.isNull())
+        emit photoLoadFailed(load.name, load.index);
+    else
+        emit photoLoaded(QPixmap::fromImage(image), load.name, load.index);
 }
 
 void ThumbnailLoadWorker::loadIcon(const QString &icon, const Load &load)
@@ -109,15 +122,15 @@ void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
     QImage image;
     if (reply->error() == QNetworkReply::NoError)
         image = decodeThumbnail(reply->readAll(), photoSize_);
-    if (image.isNull())
-        emit photoLoadFailed(load.name, load.index);
-    else
-        emit photoLoaded(QPixmap::fromImage(image), load.name, load.index);
+    if (!image.isNull())
+        kept_.insert(load.name, packThumbnail(image));
+    tell(image, load);
 }
 
 void ThumbnailLoadWorker::cancelAllRequests()
 {
     waiting_.clear();
+    kept_.clear();
     for (auto fetch = active_.cbegin(); fetch != active_.cend(); ++fetch) {
         if (fetch.key()->property(cancelledProperty).toBool())
             continue;

@@ -11,7 +11,7 @@ class QNetworkAccessManager;
 class QNetworkReply;
 class QTimer;
 
-/// What fetching one image may cost; whatever asks for more counts as not loadable.
+/// What the images of a grid may cost. One that asks for more counts as not loadable.
 struct ThumbnailLimits
 {
     qint64 bodyBytes = 32 * 1024 * 1024;
@@ -19,11 +19,13 @@ struct ThumbnailLimits
     int graceMs = 3000; ///< left to a fetch whose list has gone
     int fetchesAtOnce = 6;
     int redirects = 5;
+    int picturesHeld = 400; ///< by cells, as long as the pages around the screen show fewer
 };
 
 /// Fetches and decodes the images of the grid's cells, one decode at a time. Lives on a thread of
 /// its own, where it is deleted, too; slots and signals are queued. The image asked for last comes
-/// first: it belongs to what is on the screen now.
+/// first: it belongs to what is on the screen now. Until everything is cancelled an image is
+/// fetched once, however often it is asked for: the worker keeps what came, in few bytes.
 ///
 /// Every request is answered by one photoLoaded() or photoLoadFailed(), unless it is cancelled:
 /// nothing of a cancelled request comes after requestsCancelled().
@@ -54,6 +56,7 @@ private:
         int index = -1;
     };
 
+    void tell(const QImage &image, const Load &load);
     void loadIcon(const QString &icon, const Load &load);
     void startNext();
     void fetch(const Load &load);
@@ -66,4 +69,5 @@ private:
     /// With what limits their time; cancelled ones, too, until they have finished.
     QHash<QNetworkReply *, QTimer *> active_;
     QHash<QString, QPixmap> icons_;
+    QHash<QString, QByteArray> kept_; ///< thumbnails that came, by address
 };

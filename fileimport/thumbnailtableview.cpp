@@ -126,6 +126,7 @@ void ThumbnailTableView::retireCells()
     retired_.append(content_);
     retiredTimer_.start();
     cells_.clear();
+    pictured_.clear();
     content_ = new QWidget(viewport());
     content_->show();
 }
@@ -187,6 +188,7 @@ void ThumbnailTableView::loadVisiblePhotos()
         return;
     if (!thread_.isRunning())
         startWorker();
+    releaseFarPictures();
     const int top = verticalScrollBar()->value();
     const int bottom = top + viewport()->height() + 1;
     const int first = qMax(0, top / rowHeight() * columns);
@@ -218,6 +220,26 @@ void ThumbnailTableView::onPhotoLoaded(const QPixmap &pixmap, const QString &nam
         return;
     cell->photoLabel()->showPicture(pixmap);
     cell->isLoaded = true;
+    pictured_.insert(index);
+}
+
+/// Keeps the images of the pages around the screen.
+void ThumbnailTableView::releaseFarPictures()
+{
+    if (pictured_.size() <= limits_.picturesHeld)
+        return;
+    const int middle = (verticalScrollBar()->value() + viewport()->height() / 2) / rowHeight();
+    const int reach = qMax(limits_.picturesHeld / columns / 3, 2 * rowsPerPage());
+    for (auto index = pictured_.begin(); index != pictured_.end();) {
+        if (qAbs(*index / columns - middle) <= reach) {
+            ++index;
+            continue;
+        }
+        PhotoCell *cell = cells_.at(*index);
+        cell->photoLabel()->showPending();
+        cell->isLoaded = cell->isRequested = false;
+        index = pictured_.erase(index);
+    }
 }
 
 void ThumbnailTableView::onPhotoLoadFailed(const QString &name, int index)
@@ -346,11 +368,14 @@ void ThumbnailTableView::onPhotoSelectionChanged()
 void ThumbnailTableView::setAllSelected(bool selected)
 {
     changingMany_ = true;
+    // One repaint for all: each cell by itself looks for siblings that might lie over it.
+    content_->setUpdatesEnabled(false);
     for (int index = 0; index < entries_.size(); ++index) {
         if (selected)
             selected_.insert(index);
         checkButton(index, selected);
     }
+    content_->setUpdatesEnabled(true);
     changingMany_ = false;
     if (!selected)
         selected_.clear();
@@ -370,8 +395,10 @@ void ThumbnailTableView::clearSelection()
 void ThumbnailTableView::selectRange(int from, int to)
 {
     bool changed = false;
+    content_->setUpdatesEnabled(false);
     for (int index = qMin(from, to); index <= qMax(from, to) && index < entries_.size(); ++index)
         changed = select(index, true) || changed;
+    content_->setUpdatesEnabled(true);
     if (changed)
         emit selectedCountChanged(selected_.size());
 }

@@ -13,7 +13,8 @@ class PhotoCell;
 
 /// The scrolling grid of an order's photos, five in a row. Cells are made a few at a time, and
 /// images are fetched, on a thread of the view's own, for those cells alone that are on the screen;
-/// each at most once.
+/// each at most once. Cells far from the screen give their image up; the thread keeps it in fewer
+/// bytes.
 ///
 /// Cells are selected with the mouse (Shift for a range) and with the keyboard: arrows, Home, End
 /// and the page keys move, with Shift they select; blank toggles; Ctrl+A selects all. An entry can
@@ -79,6 +80,7 @@ protected:
 
 private:
     void startWorker();
+    void releaseFarPictures();
     void retireCells();
     void deleteRetired();
     PhotoCell *awaiting(const QString &name, int index) const;
@@ -100,8 +102,9 @@ private:
     QVector<PhotoEntry> entries_;
     QVector<PhotoCell *> cells_;
     QSet<int> selected_;
-    int current_ = 0; ///< where the keyboard is
-    int anchor_ = 0;  ///< where a range begins
+    QSet<int> pictured_; ///< cells that hold an image
+    int current_ = 0;    ///< where the keyboard is
+    int anchor_ = 0;     ///< where a range begins
     int generation_ = 0;
     int batchGeneration_ = 0; ///< the list that the batch timer makes cells for
     int pendingCancels_ = 0;  ///< while there are any, images belong to an earlier list

@@ -1,6 +1,7 @@
 #include "app/context/accountcontext.h"
 #include "fileimport/importfiles.h"
 #include "fileimport/orderactionsdelegate.h"
+#include "fileimport/thumbnailtableview.h"
 #include "net/background.h"
 #include "tests/support/democlient.h"
 #include "widgets/filedialog.h"
@@ -55,6 +56,7 @@ private slots:
     void selectionSurvivesARefresh();
     void aReplyAfterClosingIsHarmless();
     void closingInMidCopyEndsThePool();
+    void closingWhilePhotosAreFetched();
 
 private:
     void open(int mode);
@@ -251,6 +253,12 @@ void TestImportFiles::imports()
     QCOMPARE(text(second, Column::RawColumn), QStringLiteral("2"));
     QCOMPARE(fileTable()->model()->index(0, 1).data().toString(), QStringLiteral("导入成功"));
     QVERIFY(!window_->findChild<QWidget *>(QStringLiteral("progressLabel"))->isVisible());
+    auto *grid = window_->findChild<ThumbnailTableView *>();
+    QTRY_COMPARE(grid->count(), 4); // what was imported for the order shown
+    select(first);
+    QCOMPARE(grid->count(), 0); // at once nothing of the other order
+    QTRY_COMPARE(grid->count(), 6);
+    select(second);
 
     // Sorted by another column, the rows still belong to their orders.
     table()->horizontalHeader()->setSortIndicator(Column::WomanColumn, Qt::DescendingOrder);
@@ -560,6 +568,22 @@ void TestImportFiles::closingInMidCopyEndsThePool()
         if (files.fileName().startsWith(QStringLiteral("IMG_")))
             QCOMPARE(files.fileInfo().size(), qint64(2 * 1024 * 1024));
     }
+}
+
+void TestImportFiles::closingWhilePhotosAreFetched()
+{
+    open(0);
+    const QString order = QStringLiteral("TS10001-1");
+    choose(order, makePhotos(3));
+    demo_.misbehave(QStringLiteral("image"), QStringLiteral("hold"),
+                    {{QStringLiteral("times"), 3}});
+    QTest::mouseClick(startButton(), Qt::LeftButton);
+    EXPECT_BOXES(QStringList(QStringLiteral("导入完成！")));
+    QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 3);
+    window_->setAttribute(Qt::WA_DeleteOnClose);
+    window_->close();
+    QTRY_VERIFY(!window_);
+    QCOMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 3); // nobody waited for them
 }
 
 QTEST_MAIN(TestImportFiles)

@@ -4,6 +4,8 @@
 #include "fileimport/importfiletablemodel.h"
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/orderactionsdelegate.h"
+#include "fileimport/photocell.h"
+#include "fileimport/thumbnailtableview.h"
 #include "platform/pathform.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
@@ -130,6 +132,35 @@ QStringList cardFiles(Guide &guide, const QStringList &patterns)
     return paths;
 }
 
+/// Looks at the photos that were imported for the order, deletes two, looks again.
+void lookAndDelete(Guide &guide, const ImportHand &hand, const QString &order, int count)
+{
+    guide.step(QStringLiteral("导入原片: 已导入照片"));
+    auto *grid = hand.window()->findChild<ThumbnailTableView *>();
+    const auto showsAll = [grid](int expected) {
+        // Only what is on the screen has its picture.
+        return grid->count() == expected && grid->createdCells() == expected &&
+               grid->cell(0)->isLoaded && grid->cell(4)->isLoaded;
+    };
+    guide.waitFor([&] { return showsAll(count); },
+                  QStringLiteral("%1 photos are shown without asking for them").arg(count));
+    guide.picture(hand.window(), QStringLiteral("import-complete"));
+    const QDir folder(platform::toLocalPath(hand.cell(order, Column::PathColumn)));
+    const auto onDisk = [&folder] {
+        return QDir(folder.filePath(QStringLiteral("原片"))).entryList(QDir::Files).size();
+    };
+    guide.check(onDisk() == count, QStringLiteral("and lie on disk"));
+    for (const int index : {1, 3})
+        QTest::mouseClick(grid->cell(index), Qt::LeftButton);
+    guide.picture(hand.window(), QStringLiteral("photos-selected"));
+    guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("photos-delete-question"));
+    guide.click(hand.window(), "deletePhotosButton");
+    guide.boxText();
+    guide.waitFor([&] { return showsAll(count - 2); }, QStringLiteral("two of them are deleted"));
+    guide.check(onDisk() == count - 2, QStringLiteral("from disk, too"));
+    guide.picture(hand.window(), QStringLiteral("photos-deleted"));
+}
+
 } // namespace
 
 void tourImportOriginals(Guide &guide)
@@ -198,7 +229,7 @@ void tourImportOriginals(Guide &guide)
     hand.checkOnDisk(second, forSecond);
     guide.check(guide.studio().requests(QStringLiteral("savepicpath_batch")).size() == 3,
                 QStringLiteral("the service was told three times"));
-    guide.picture(hand.window(), QStringLiteral("import-complete"));
+    lookAndDelete(guide, hand, first, photos.size());
     hand.window()->close();
 }
 
