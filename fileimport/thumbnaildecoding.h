@@ -6,8 +6,8 @@
 
 /// The largest pictures that are decoded at all: a JPEG is scaled while it is read, everything else
 /// is unpacked whole.
-constexpr qint64 largestJpegPixels = 64 * 1000 * 1000;
-constexpr qint64 largestOtherPixels = 24 * 1000 * 1000;
+constexpr qint64 largestJpegPixels = 64 * qint64(1000 * 1000);
+constexpr qint64 largestOtherPixels = 24 * qint64(1000 * 1000);
 
 /// The picture in \a body, upright, its aspect ratio kept, as large as fits into \a size pixels.
 /// Null when it is no picture of a kind that photos come in, or one that would take too much memory

@@ -14,7 +14,7 @@ class QTimer;
 /// What the images of a grid may cost. One that asks for more counts as not loadable.
 struct ThumbnailLimits
 {
-    qint64 bodyBytes = 32 * 1024 * 1024;
+    qint64 bodyBytes = 32 * qint64(1024 * 1024);
     int timeMs = 30000; ///< from the request to the last byte
     int graceMs = 3000; ///< left to a fetch whose list has gone
     int fetchesAtOnce = 6;
