@@ -34,8 +34,11 @@ bool namesOneFile(const QString &wirePath)
 }
 
 DeleteFileRunnable::DeleteFileRunnable(PhotoEntry photo, StopFlag stopped, RemoveFunction remove)
-    : photo_(std::move(photo)), stopped_(std::move(stopped)), remove_(std::move(remove))
 {
+    const std::lock_guard<std::mutex> lock(handOver_);
+    photo_ = std::move(photo);
+    stopped_ = std::move(stopped);
+    remove_ = std::move(remove);
     // It gets no events, and is deleted by whichever thread has run it.
     moveToThread(nullptr);
 }
@@ -48,17 +51,25 @@ DeleteFileRunnable::~DeleteFileRunnable()
 void DeleteFileRunnable::run()
 {
     DeleteFileResult result;
-    try {
-        result = process();
-    } catch (const std::exception &exception) {
-        result = {false, QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what())),
-                  photo_};
-        qDebug().noquote() << result.message;
-    } catch (...) {
-        result = {false, QStringLiteral("未知异常"), photo_};
-        qDebug().noquote() << result.message;
+    {
+        const std::lock_guard<std::mutex> lock(handOver_);
+        result = processSafely();
     }
     emit deleteFinished(result);
+}
+
+DeleteFileResult DeleteFileRunnable::processSafely() const
+{
+    QString problem;
+    try {
+        return process();
+    } catch (const std::exception &exception) {
+        problem = QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
+    } catch (...) {
+        problem = QStringLiteral("未知异常");
+    }
+    qDebug().noquote() << problem;
+    return {false, problem, photo_};
 }
 
 DeleteFileResult DeleteFileRunnable::process() const

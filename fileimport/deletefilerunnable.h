@@ -9,6 +9,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <mutex>
 
 /// Whether \a wirePath can be the path of a photo to delete: absolute, without "..", and neither a
 /// root nor written as a folder. Looks at the text alone.
@@ -38,6 +39,7 @@ signals:
     void deleteFinished(const DeleteFileResult &result);
 
 private:
+    DeleteFileResult processSafely() const;
     DeleteFileResult process() const;
     /// The text of what went wrong; empty when the file is gone.
     QString removeOne(const QString &path, const QString &name, const QString &failedText) const;
@@ -45,4 +47,7 @@ private:
     PhotoEntry photo_;
     StopFlag stopped_;
     RemoveFunction remove_;
+    /// Held while the task is made and while it runs: hands it from thread to thread visibly, which
+    /// the pool's own lock does not for tools that look for races.
+    std::mutex handOver_;
 };
