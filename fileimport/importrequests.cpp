@@ -122,11 +122,7 @@ QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderCont
 
 static QByteArray withAccount(FormBody body, const orderqueries::Identity &identity)
 {
-    return body.add(QStringLiteral("shopid"), identity.shopId)
-        .add(QStringLiteral("eid"), identity.employeeId)
-        .add(QStringLiteral("superid"), identity.superId)
-        .add(QStringLiteral("personid"), identity.employeeId)
-        .bytes();
+    return orderqueries::addIdentity(body, identity).bytes();
 }
 
 QByteArray orderPathBody(const ImportOrder &order, const orderqueries::Identity &identity)

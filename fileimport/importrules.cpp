@@ -70,17 +70,7 @@ QStringList announcedPatterns(const QString &subFolder)
 
 QString importPathOf(const ImportOrder &order)
 {
-    return composeImportPath({
-        {QStringLiteral("importPath"), order.importPath},
-        {QStringLiteral("importPublicPath"), order.importPublicPath},
-        {QStringLiteral("shotdate_year"), order.shotDate.year},
-        {QStringLiteral("shotdate_month"), order.shotDate.month},
-        {QStringLiteral("shotdate_day"), order.shotDate.day},
-        {QStringLiteral("orderNumber"), order.orderPayForKey},
-        {QStringLiteral("photoNum"), order.serviceTimes},
-        {QStringLiteral("mname"), order.mname},
-        {QStringLiteral("wname"), order.wname},
-    });
+    return orderqueries::importFolderOf(order, order.importPath, order.importPublicPath);
 }
 
 QStringList unchosenNames(const QVector<ImportFile> &files, const QStringList &chosenNames)

@@ -45,12 +45,27 @@ Identity Identity::fromAccount()
             AccountContext::superId, AccountContext::eid};
 }
 
+QString importFolderOf(const OrderInfo &order, const QString &importPath, const QString &publicPath)
+{
+    return composeImportPath({
+        {QStringLiteral("importPath"), importPath},
+        {QStringLiteral("importPublicPath"), publicPath},
+        {QStringLiteral("shotdate_year"), order.shotDate.year},
+        {QStringLiteral("shotdate_month"), order.shotDate.month},
+        {QStringLiteral("shotdate_day"), order.shotDate.day},
+        {QStringLiteral("orderNumber"), order.orderPayForKey},
+        {QStringLiteral("photoNum"), order.serviceTimes},
+        {QStringLiteral("mname"), order.mname},
+        {QStringLiteral("wname"), order.wname},
+    });
+}
+
 QByteArray switchShopBody(const QString &shopId)
 {
     return FormBody().add(QStringLiteral("shopid"), shopId).bytes();
 }
 
-static FormBody &addIdentity(FormBody &body, const Identity &identity)
+FormBody &addIdentity(FormBody &body, const Identity &identity)
 {
     return body.add(QStringLiteral("shopid"), identity.shopId)
         .add(QStringLiteral("eid"), identity.employeeId)

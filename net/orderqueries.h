@@ -11,6 +11,8 @@
 #include <QStringList>
 #include <QVector>
 
+class FormBody;
+
 /// Switching branch, listing staff and searching orders: the bodies of the three requests every
 /// tool shares and the records read from their replies. Pure functions; no network here.
 namespace orderqueries {
@@ -95,6 +97,14 @@ struct OrderInfo
     QVector<PhotoEntry> images;
     QVector<PhotoEntry> imagesTaipian;
 };
+
+/// The folder into which \a order is imported, in Windows form: \a importPath when it has one,
+/// otherwise composed from its values below \a publicPath.
+QString importFolderOf(const OrderInfo &order, const QString &importPath,
+                       const QString &publicPath);
+
+/// Adds the four fields that tell whom a request acts as.
+FormBody &addIdentity(FormBody &body, const Identity &identity);
 
 QByteArray switchShopBody(const QString &shopId);
 QByteArray personsBody(const Identity &identity);

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QImage>
+#include <QSize>
+#include <QString>
+
+class DecodedSources;
+
+/// The image operations of the photo import. They block, for worker threads, and log every
+/// decision. Targets are written under a temporary name and renamed, so that a target name never
+/// holds a partial picture.
+namespace imageoperations {
+
+constexpr qint64 plainCopyBytes = 104857600;  ///< originals above are copied as they are
+constexpr qint64 largeImageBytes = 31457280;  ///< originals above are read reduced
+constexpr qint64 largeImagePixels = 50000000; ///< pictures above are read reduced
+constexpr int variantFullReadSide = 10000;    ///< size variants: sides above are read reduced
+constexpr int reducedReadSide = 4096;         ///< long side of an original read reduced
+constexpr qint64 veryLargePixels = 100000000; ///< upright originals above are capped
+constexpr int veryLargeOutputSide = 8192;     ///< long side of those
+constexpr qint64 slowMs = 10000;              ///< what takes longer is logged
+constexpr int nearTargetPx = 9;               ///< a variant this near its size is not scaled
+constexpr int conservativeReadSide = 2048;    ///< cap of a side at the second attempt
+constexpr int originalQuality = 95;           ///< JPEG quality of upright originals
+constexpr int variantQuality = 90;            ///< quality of size variants
+/// Bounds of our own, which keep a picture from taking the machine's memory: no file claiming more
+/// pixels is decoded at all, and of formats that can only be read whole none beyond the second
+/// bound; such files above largeImagePixels are read one at a time.
+constexpr qint64 decodablePixels = 500000000;
+constexpr qint64 wholeReadPixels = 120000000;
+constexpr int variantSideLimit = 20000; ///< no variant is made larger than this
+
+/// 1, 3 or 6. The reader's eight values are folded on purpose: every quarter turn is reported as 6,
+/// every mirroring as 3. 1 for what cannot be read.
+int readExifOrientation(const QString &path);
+
+/// \a image turned as the table of its orientation (1 to 8) says; null when it is null.
+QImage rotateImageByExif(const QImage &image, int orientation);
+
+/// The size at which a very large picture is read for a variant with the long side \a target.
+QSize calculateIntermediateSize(const QSize &original, int target);
+
+/// Copies an original so that it stands upright without an orientation tag. Whatever goes wrong
+/// with the picture, the file is copied byte for byte; false only when that fails, too.
+bool rotateCopyImage(const QString &source, const QString &target);
+
+/// The original copy: byte for byte when it stands upright, otherwise rotateCopyImage().
+bool copyOriginal(const QString &source, const QString &target);
+
+/// Makes the size variant with the long side \a longSide in pixels; smaller pictures are enlarged.
+/// With \a shared, variants of one source made at about the same time decode it once.
+bool compressImage(const QString &source, const QString &target, int longSide,
+                   DecodedSources *shared = nullptr);
+
+} // namespace imageoperations

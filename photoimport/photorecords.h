@@ -1,0 +1,64 @@
+#pragma once
+
+#include "net/orderqueries.h"
+
+#include <QImage>
+#include <QMetaType>
+#include <QString>
+#include <QVector>
+
+#include <memory>
+
+/// One job of an import: one source file in one of the forms in which it is imported. Carried
+/// through the pool unchanged. Any thread.
+struct PhotoInfo
+{
+    QString fileName;     ///< name of the source file, and of the output
+    int enabled = 1;      ///< 0: reported as done at once, nothing is written
+    QImage thumbnail;     ///< preview for the window; an image, since records cross threads
+    QString targetSize;   ///< long side of a size variant in pixels, as text; otherwise empty
+    QString kind;         ///< see photorules; names the sub-folder
+    QString sourcePath;   ///< absolute, as this machine writes it
+    QString importFolder; ///< the order's folder, in Windows form
+
+    // Kept by the window that shows the photo; the pool does not look at them.
+    int sourceIndex = 0;  ///< position of the source file among those chosen for the order
+    int state = 0;        ///< of the import
+    int registration = 0; ///< state of telling the service
+    int attempts = 0;
+};
+Q_DECLARE_METATYPE(PhotoInfo)
+
+/// One order of the photo import: what the service says of it, and the jobs to be done for it.
+struct OrderInfo : orderqueries::OrderInfo
+{
+    QString importPublicPath; ///< public import root of the branch, in Windows form; may be empty
+    QString importPath;       ///< the order's folder, in Windows form; empty until it is known
+    QVector<PhotoInfo> photos;
+    QString openypml; ///< flags of the search reply, kept for whoever asks
+    QString delyp;
+};
+Q_DECLARE_METATYPE(OrderInfo)
+
+/// A piece of an order in the pool's queue or among its active tasks: the photos of the order from
+/// the start index on, up to where the next piece begins. The pieces of one order share its list,
+/// so that splitting an order of thousands of photos copies none of them.
+struct ImportTask
+{
+    std::shared_ptr<const OrderInfo> order;
+    bool completed = false; ///< every photo of the order has been reported
+    bool flag = false;      ///< carried along
+    int taskId = 0;
+    int startIndex = 0;  ///< photo index of the first photo of this piece
+    int total = 0;       ///< photos of the whole order
+    int firstTaskId = 0; ///< id under which the order was queued: what its pieces have in common
+};
+
+/// What a worker is given to do.
+struct PhotoJob
+{
+    PhotoInfo photo;
+    int taskId = 0;
+    int photoIndex = 0;
+    QString targetFolder; ///< where the output goes, in Windows form
+};

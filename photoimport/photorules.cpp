@@ -1,0 +1,143 @@
+#include "photoimport/photorules.h"
+
+#include "net/filewriting.h"
+#include "net/paths.h"
+#include "net/safename.h"
+#include "platform/pathform.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace photorules {
+
+namespace {
+
+PhotoInfo job(const QString &source, const QString &importFolder, int sourceIndex)
+{
+    PhotoInfo photo;
+    photo.fileName = source.mid(source.lastIndexOf(QLatin1Char('/')) + 1);
+    photo.sourcePath = source;
+    photo.importFolder = importFolder;
+    photo.sourceIndex = sourceIndex;
+    return photo;
+}
+
+/// One form in which the sources of an order are imported.
+struct Form
+{
+    QString kind;
+    QString targetSize;
+};
+
+QVector<Form> formsOf(const OrderInfo &order, int photoMode)
+{
+    if (photoMode == TrialVideos)
+        return {{trialVideoKind, QString()}};
+    if (photoMode != Photos)
+        return {{retouchedVideoKind, QString()}};
+    QVector<Form> forms = {{originalKind, QString()}};
+    const auto addVariant = [&forms](const QString &kind, int size) {
+        if (size > 0)
+            forms.append({kind, QString::number(size)});
+    };
+    addVariant(smallKind, order.smallSize);
+    addVariant(middleKind, order.middleSize);
+    addVariant(bigKind, order.bigSize);
+    return forms;
+}
+
+bool isFolder(const QString &wirePath)
+{
+    return QFileInfo(platform::toLocalPath(wirePath)).isDir();
+}
+
+bool isReachable(const QString &wirePath)
+{
+    const QString path = QDir::cleanPath(platform::toLocalPath(wirePath));
+    return QFileInfo(path).isDir() || QFileInfo(path).dir().exists();
+}
+
+} // namespace
+
+QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, int photoMode)
+{
+    const QVector<Form> forms = formsOf(order, photoMode);
+    const QString importFolder = importFolderOf(order);
+    QVector<PhotoInfo> photos;
+    photos.reserve(sources.size() * forms.size());
+    for (int index = 0; index < sources.size(); ++index) {
+        PhotoInfo photo = job(sources.at(index), importFolder, index);
+        for (const Form &form : forms) {
+            photo.kind = form.kind;
+            photo.targetSize = form.targetSize;
+            photos.append(photo);
+        }
+    }
+    return photos;
+}
+
+QString importFolderOf(const OrderInfo &order)
+{
+    return orderqueries::importFolderOf(order, order.importPath, order.importPublicPath);
+}
+
+QString targetFolderOf(const QString &importFolder, const QString &kind)
+{
+    return joinWirePath(importFolder, safeFileName(kind));
+}
+
+QString outputPathOf(const QString &importFolder, const PhotoInfo &photo)
+{
+    return joinWirePath(targetFolderOf(importFolder, photo.kind), safeFileName(photo.fileName));
+}
+
+QStringList foldersOf(const QString &importFolder, const QVector<PhotoInfo> &photos)
+{
+    QStringList folders = {importFolder, targetFolderOf(importFolder, originalKind),
+                           joinWirePath(importFolder, QStringLiteral("原始档"))};
+    for (const PhotoInfo &photo : photos) {
+        if (photo.kind.isEmpty() || photo.kind == originalKind)
+            continue;
+        const QString folder = targetFolderOf(importFolder, photo.kind);
+        if (!folders.contains(folder))
+            folders.append(folder);
+    }
+    return folders;
+}
+
+void prepareFolders(const QStringList &folders)
+{
+    for (const QString &folder : folders) {
+        const QString path = platform::toLocalPath(folder);
+        if (QDir().mkpath(path))
+            removeStaleTemporaries(path);
+    }
+}
+
+PathProblem validatePaths(const QList<OrderInfo> &orders)
+{
+    for (const OrderInfo &order : orders) {
+        if (order.importPath.isEmpty()) {
+            if (order.importPublicPath.isEmpty()) {
+                const QString customer = order.mname.isEmpty() ? order.wname : order.mname;
+                return {QStringLiteral("订单 %1-%2 的导入路径和公共导入路径都为空")
+                            .arg(order.orderPayForKey, customer),
+                        QString()};
+            }
+            if (!isReachable(order.importPublicPath))
+                return {QStringLiteral("公共导入路径无法访问，请检查路径是否正确"),
+                        order.importPublicPath};
+            continue;
+        }
+        if (isReachable(order.importPath))
+            continue;
+        if (!QDir().mkpath(platform::toLocalPath(order.importPath)) || !isFolder(order.importPath))
+            return {QStringLiteral("导入路径无法访问并且无法创建，请检查局域网是否能连接"),
+                    order.importPath};
+        // A share that takes one new folder takes those of the other orders, too.
+        return {};
+    }
+    return {};
+}
+
+} // namespace photorules
