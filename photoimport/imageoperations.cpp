@@ -1,27 +1,528 @@
 #include "photoimport/imageoperations.h"
+
+#include "app/context/logging.h"
+#include "net/filecopy.h"
+#include "net/filewriting.h"
+#include "photoimport/decodedsources.h"
+#include "photoimport/jpegend.h"
+#include "platform/fileaccess.h"
+
+#include <QBuffer>
+#include <QDateTime>
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageIOHandler>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QTransform>
+
+#include <algorithm>
+#include <exception>
+#include <mutex>
+
 namespace imageoperations {
-int readExifOrientation(const QString &)
+
+namespace {
+
+constexpr qint64 bytesPerMB = 1048576;
+constexpr double pixelsPerMP = 1000000.0;
+
+void log(const QString &line)
 {
-    return 1;
+    qDebug().noquote() << line;
 }
-QImage rotateImageByExif(const QImage &image, int)
+
+void log(const QString &line, const QString &path)
 {
+    qDebug().noquote() << line << path;
+}
+
+qint64 pixelsOf(const QSize &size)
+{
+    return qint64(size.width()) * size.height();
+}
+
+int longSideOf(const QSize &size)
+{
+    return std::max(size.width(), size.height());
+}
+
+/// \a size with its long side brought to \a side; the other side rounded down.
+QSize withLongSide(const QSize &size, int side)
+{
+    if (size.height() >= size.width())
+        return {int(qint64(side) * size.width() / size.height()), side};
+    return {side, int(qint64(side) * size.height() / size.width())};
+}
+
+QString seconds(qint64 ms)
+{
+    return QString::number(double(ms) / 1000.0, 'f', 1);
+}
+
+QString suffixOf(const QString &path)
+{
+    return QFileInfo(path).suffix().toLower();
+}
+
+bool mayReplace(const QString &target)
+{
+    const QFileInfo earlier(target);
+    return (!earlier.exists() && !earlier.isSymLink()) || platform::mayBeRemoved(target);
+}
+
+/// Reads the picture that \a reader is set up for, whole or not at all, and within the bounds on
+/// memory. \a size is that of the stored picture.
+QImage readWithin(QImageReader &reader, const QSize &size)
+{
+    if (pixelsOf(size) > decodablePixels)
+        return {};
+    if (reader.format() == "jpeg" && !jpegReachesItsEnd(reader.fileName()))
+        return {};
+    const bool readsReduced = reader.supportsOption(QImageIOHandler::ScaledSize);
+    if (pixelsOf(size) <= largeImagePixels || readsReduced)
+        return reader.read();
+    if (pixelsOf(size) > wholeReadPixels)
+        return {};
+    static std::mutex oneAtATime;
+    const std::lock_guard<std::mutex> lock(oneAtATime);
+    return reader.read();
+}
+
+/// Encodes in memory, where nothing can go wrong half-way, and writes the bytes as a whole file.
+/// Returns what went wrong; nothing on success. \a made, when valid, becomes the time of
+/// modification.
+QString savePicture(const QImage &image, const QString &target, const QString &format, int quality,
+                    const QDateTime &made = {})
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, format.toLatin1());
+    if (quality >= 0)
+        writer.setQuality(quality);
+    if (!writer.write(image))
+        return writer.errorString();
+    QString error = QStringLiteral("无法写入目标文件夹");
+    const bool written = writeWholeFile(target, [&](const QString &temporary) {
+        QFile file(temporary);
+        const bool whole =
+            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+        if (!whole)
+            error = file.errorString();
+        else if (made.isValid())
+            file.setFileTime(made, QFileDevice::FileModificationTime);
+        return whole;
+    });
+    return written ? QString() : error;
+}
+
+bool copyBytes(const QString &source, const QString &target)
+{
+    QString error;
+    switch (copyFile(source, target)) {
+    case CopyOutcome::Copied:
+        return true;
+    case CopyOutcome::Empty:
+        error = QStringLiteral("文件大小为0");
+        break;
+    case CopyOutcome::SizeDiffers:
+        error = QStringLiteral("文件在拷贝过程中发生变化");
+        break;
+    case CopyOutcome::Failed:
+    case CopyOutcome::Cancelled:
+        error = QStringLiteral("无法读取源文件或写入目标文件");
+        break;
+    }
+    log(QStringLiteral("文件拷贝失败:"), error);
+    return false;
+}
+
+/// Reads a large original reduced, upright, and scales it back; null when it cannot be read.
+QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &source)
+{
+    log(QStringLiteral("超大图片旋转拷贝处理 (%1x%2, %3MP)")
+            .arg(size.width())
+            .arg(size.height())
+            .arg(double(pixelsOf(size)) / pixelsPerMP, 0, 'f', 1));
+    const bool quarterTurn = reader.transformation() & QImageIOHandler::TransformationRotate90;
+    const QSize upright = quarterTurn ? size.transposed() : size;
+    reader.setScaledSize(longSideOf(size) > reducedReadSide ? withLongSide(size, reducedReadSide)
+                                                            : size);
+    QImage image = readWithin(reader, size);
+    if (!image.isNull() && image.width() != upright.width()) {
+        const QSize target =
+            pixelsOf(size) > veryLargePixels ? withLongSide(upright, veryLargeOutputSide) : upright;
+        log(QStringLiteral("缩放回目标尺寸: %1x%2 -> %3x%4")
+                .arg(image.width())
+                .arg(image.height())
+                .arg(target.width())
+                .arg(target.height()));
+        // The size has the proportions of the original, which the rounded one just read only nearly
+        // has: fitting that in would cost a line of pixels.
+        image = image.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    if (image.isNull())
+        log(QStringLiteral("超大图片渐进式旋转拷贝读取失败，回退到直接拷贝:"), source);
     return image;
 }
-QSize calculateIntermediateSize(const QSize &original, int)
+
+/// The picture of \a source standing upright; null, with the reason logged, when it cannot be had.
+QImage readUpright(const QString &source, qint64 bytes)
 {
-    return original;
+    QImageReader reader(source);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片进行旋转拷贝:"), source);
+        return {};
+    }
+    const QSize size = reader.size();
+    if (!size.isValid()) {
+        log(QStringLiteral("无法获取图片尺寸进行旋转拷贝:"), source);
+        return {};
+    }
+    reader.setAutoTransform(true);
+    QElapsedTimer timer;
+    timer.start();
+    QImage image;
+    if (pixelsOf(size) > largeImagePixels || bytes > largeImageBytes) {
+        image = readLargeUpright(reader, size, source);
+    } else {
+        image = readWithin(reader, size);
+        if (image.isNull())
+            log(QStringLiteral("旋转拷贝时无法读取图片，回退到直接拷贝:"), source);
+    }
+    if (timer.elapsed() > slowMs)
+        log(QStringLiteral("图片旋转拷贝读取耗时较长: %1秒").arg(seconds(timer.elapsed())));
+    return image;
 }
-bool rotateCopyImage(const QString &, const QString &)
+
+bool writeUpright(const QString &source, const QString &target, qint64 bytes)
 {
-    return false;
+    QElapsedTimer timer;
+    timer.start();
+    const QImage image = readUpright(source, bytes);
+    if (image.isNull())
+        return false;
+    const QString suffix = suffixOf(source);
+    const bool isJpeg = suffix == QLatin1String("jpg") || suffix == QLatin1String("jpeg");
+    const QString error = savePicture(image, target, suffix, isJpeg ? originalQuality : -1,
+                                      QFileInfo(source).lastModified());
+    if (!error.isEmpty()) {
+        log(QStringLiteral("图片旋转拷贝保存失败: %1, 错误: %2，回退到直接拷贝")
+                .arg(target, error));
+        return false;
+    }
+    log(QStringLiteral("图片旋转拷贝成功: %1 -> %2 (耗时: %3秒)")
+            .arg(source, target, seconds(timer.elapsed())));
+    return true;
 }
-bool copyOriginal(const QString &, const QString &)
+
+/// Turns by a multiple of 90 degrees; pixels move, none is mixed.
+QImage turned(const QImage &image, int degrees)
 {
-    return false;
+    QTransform transform;
+    transform.rotate(degrees, Qt::ZAxis);
+    return image.transformed(transform, Qt::FastTransformation);
 }
-bool compressImage(const QString &, const QString &, int, DecodedSources *)
+
+QImage mirroredAcross(const QImage &image)
 {
-    return false;
+    return image.mirrored(true, false);
 }
+
+/// Reads a source that is too large to be read whole.
+QImage readReduced(const QString &source, const QSize &size, const QSize &intermediate)
+{
+    QImageReader reader(source);
+    reader.setScaledSize(intermediate);
+    QImage image = readWithin(reader, size);
+    if (!image.isNull())
+        return image;
+    log(QStringLiteral("超大图片渐进式读取失败:"), source);
+    QImageReader conservative(source);
+    const QSize cap(conservativeReadSide, conservativeReadSide);
+    conservative.setScaledSize(longSideOf(intermediate) > conservativeReadSide
+                                   ? intermediate.scaled(cap, Qt::KeepAspectRatio)
+                                   : intermediate);
+    return readWithin(conservative, size);
+}
+
+QImage readShared(DecodedSources *shared, const QString &source, const QSize &readSize,
+                  const std::function<QImage()> &decode)
+{
+    if (!shared)
+        return decode();
+    const QFileInfo file(source);
+    const QString key = QStringLiteral("%1x%2 %3 %4 ")
+                            .arg(readSize.width())
+                            .arg(readSize.height())
+                            .arg(file.size())
+                            .arg(file.lastModified().toMSecsSinceEpoch());
+    return shared->picture(key + source, decode);
+}
+
+/// The picture that a variant is scaled from, as it is stored; null when it cannot be read.
+QImage readForVariant(const QString &source, const QSize &size, int longSide,
+                      DecodedSources *shared)
+{
+    if (pixelsOf(size) <= largeImagePixels && longSideOf(size) <= variantFullReadSide) {
+        QImage image = readShared(shared, source, size, [&source, &size] {
+            QImageReader reader(source);
+            return readWithin(reader, size);
+        });
+        if (image.isNull())
+            log(QStringLiteral("图片读取失败:"), source);
+        return image;
+    }
+    log(QStringLiteral("检测到超大图片 (%1x%2)，使用渐进式缩放处理")
+            .arg(size.width())
+            .arg(size.height()));
+    const QSize intermediate = calculateIntermediateSize(size, longSide);
+    QImage image = readShared(shared, source, intermediate, [&source, &size, &intermediate] {
+        return readReduced(source, size, intermediate);
+    });
+    if (image.isNull()) {
+        log(QStringLiteral("保守模式读取仍然失败:"), source);
+    } else {
+        log(QStringLiteral("渐进式缩放成功，中间尺寸: %1x%2")
+                .arg(image.width())
+                .arg(image.height()));
+    }
+    return image;
+}
+
+QImage scaledToLongSide(const QImage &image, int longSide, const QString &source)
+{
+    const QSize wanted = withLongSide(image.size(), longSide);
+    if (std::abs(image.width() - wanted.width()) <= nearTargetPx &&
+        std::abs(image.height() - wanted.height()) <= nearTargetPx) {
+        log(QStringLiteral("当前尺寸已接近目标尺寸，跳过缩放"));
+        return image;
+    }
+    QImage scaled = image.scaled(wanted, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    if (scaled.isNull())
+        log(QStringLiteral("最终缩放失败:"), source);
+    return scaled;
+}
+
+/// Turns a finished variant by the folded orientation of its source; null when that fails.
+QImage turnedLikeSource(const QImage &image, const QString &source)
+{
+    const int orientation = readExifOrientation(source);
+    if (orientation == 1)
+        return image;
+    log(QStringLiteral("缩小后检测到需要旋转，EXIF方向: %1, 源文件: %2")
+            .arg(QString::number(orientation), source));
+    QImage upright = rotateImageByExif(image, orientation);
+    if (upright.isNull()) {
+        log(QStringLiteral("缩小图片旋转失败:"), source);
+    } else {
+        log(QStringLiteral("缩小图片旋转成功，最终尺寸: %1x%2")
+                .arg(upright.width())
+                .arg(upright.height()));
+    }
+    return upright;
+}
+
+bool saveVariant(const QImage &image, const QString &source, const QString &target)
+{
+    log(QStringLiteral("要保存图片了:"), target);
+    if (QFileInfo::exists(target))
+        log(QStringLiteral("照片存在，先删除照片"));
+    static const QStringList withQuality = {QStringLiteral("jpg"), QStringLiteral("jpeg"),
+                                            QStringLiteral("webp")};
+    const QString suffix = suffixOf(source);
+    const QString error =
+        mayReplace(target)
+            ? savePicture(image, target, suffix, withQuality.contains(suffix) ? variantQuality : -1)
+            : QStringLiteral("无法删除旧文件");
+    if (!error.isEmpty()) {
+        log(QStringLiteral("图片保存失败:"), error);
+        return false;
+    }
+    log(QStringLiteral("图片处理成功: %1 -> %2 (最终尺寸: %3x%4)")
+            .arg(source, target, QString::number(image.width()), QString::number(image.height())));
+    return true;
+}
+
+} // namespace
+
+int readExifOrientation(const QString &path)
+{
+    const QImageReader reader(path);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片EXIF信息:"), path);
+        return 1;
+    }
+    const QImageIOHandler::Transformations transformation = reader.transformation();
+    if (transformation & QImageIOHandler::TransformationRotate90)
+        return 6;
+    return transformation == QImageIOHandler::TransformationNone ? 1 : 3;
+}
+
+QImage rotateImageByExif(const QImage &image, int orientation)
+{
+    if (image.isNull()) {
+        log(QStringLiteral("传入的图片为空，无法旋转"));
+        return {};
+    }
+    QImage upright = image;
+    switch (orientation) {
+    case 1:
+        log(QStringLiteral("EXIF方向1：正常方向，无需旋转"));
+        break;
+    case 2:
+        log(QStringLiteral("EXIF方向2：水平翻转"));
+        upright = mirroredAcross(image);
+        break;
+    case 3:
+        log(QStringLiteral("EXIF方向3：180度旋转"));
+        upright = turned(image, 180);
+        break;
+    case 4:
+        log(QStringLiteral("EXIF方向4：垂直翻转"));
+        upright = image.mirrored(false, true);
+        break;
+    case 5:
+        log(QStringLiteral("EXIF方向5：图片逆时针90度+翻转，执行顺时针90度+水平翻转纠正"));
+        upright = mirroredAcross(turned(image, 90));
+        break;
+    case 6:
+        log(QStringLiteral("EXIF方向6：图片顺时针90度，执行逆时针90度纠正"));
+        upright = turned(image, -90);
+        break;
+    case 7:
+        log(QStringLiteral("EXIF方向7：图片顺时针90度+翻转，执行逆时针90度+水平翻转纠正"));
+        upright = mirroredAcross(turned(image, -90));
+        break;
+    case 8:
+        log(QStringLiteral("EXIF方向8：图片逆时针90度，执行顺时针90度纠正"));
+        upright = turned(image, 90);
+        break;
+    default:
+        log(QStringLiteral("未知的EXIF方向值: %1").arg(orientation));
+        break;
+    }
+    if (upright.isNull()) {
+        log(QStringLiteral("图片旋转失败，EXIF方向: %1").arg(orientation));
+    } else {
+        log(QStringLiteral("图片旋转成功，EXIF方向: %1, 原尺寸: %2x%3, 新尺寸: %4x%5")
+                .arg(orientation)
+                .arg(image.width())
+                .arg(image.height())
+                .arg(upright.width())
+                .arg(upright.height()));
+    }
+    return upright;
+}
+
+QSize calculateIntermediateSize(const QSize &original, int target)
+{
+    const int longSide = longSideOf(original);
+    const qint64 fourfold = qint64(4) * target;
+    const qint64 threefold = qint64(3) * target;
+    if (fourfold >= longSide)
+        return original;
+    qint64 side = std::min<qint64>(fourfold, reducedReadSide);
+    if (longSide > 20000)
+        side = std::min<qint64>(threefold, 2048);
+    else if (longSide > 15000)
+        side = std::min<qint64>(threefold, 3072);
+    const QSize size = withLongSide(original, int(side));
+    if (size.width() > original.width() || size.height() > original.height())
+        return original;
+    log(QStringLiteral("计算中间尺寸: %1x%2 -> %3x%4 (目标: %5)")
+            .arg(original.width())
+            .arg(original.height())
+            .arg(size.width())
+            .arg(size.height())
+            .arg(target));
+    return size;
+}
+
+bool rotateCopyImage(const QString &source, const QString &target)
+{
+    if (!mayReplace(target)) {
+        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
+        return false;
+    }
+    const qint64 bytes = QFileInfo(source).size();
+    const QString megabytes = QString::number(bytes / bytesPerMB);
+    if (bytes > plainCopyBytes) {
+        log(QStringLiteral("文件过大 (%1MB)，使用直接拷贝: %2").arg(megabytes, source));
+        return copyBytes(source, target);
+    }
+    log(QStringLiteral("开始旋转拷贝，文件大小: %1MB, 源文件: %2").arg(megabytes, source));
+    try {
+        if (writeUpright(source, target, bytes))
+            return true;
+    } catch (const std::exception &exception) {
+        log(QStringLiteral("图片旋转拷贝异常: %1, 错误: %2，回退到直接拷贝")
+                .arg(source, QString::fromUtf8(exception.what())));
+    } catch (...) {
+        log(QStringLiteral("图片旋转拷贝未知异常: %1，回退到直接拷贝").arg(source));
+    }
+    return copyBytes(source, target);
+}
+
+bool copyOriginal(const QString &source, const QString &target)
+{
+    const QFileInfo file(source);
+    if (!file.exists()) {
+        log(QStringLiteral("源文件不存在:"), source);
+        return false;
+    }
+    if (file.canonicalFilePath() == QFileInfo(target).canonicalFilePath()) {
+        // Chosen from the order's own folder: turning it would overwrite the only original.
+        qCInfo(lcTessavo).noquote() << "is in its place already:" << source;
+        return true;
+    }
+    if (!mayReplace(target)) {
+        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
+        return false;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    const int orientation = readExifOrientation(source);
+    if (orientation != 1) {
+        log(QStringLiteral("检测到图片需要旋转，EXIF方向: %1, 源文件: %2")
+                .arg(QString::number(orientation), source));
+        return rotateCopyImage(source, target);
+    }
+    log(QStringLiteral("图片方向正常，直接拷贝:"), source);
+    const bool copied = copyBytes(source, target);
+    if (timer.elapsed() > slowMs) {
+        log(QStringLiteral("文件拷贝耗时较长: %1秒, 文件: %2")
+                .arg(seconds(timer.elapsed()), source));
+    }
+    return copied;
+}
+
+bool compressImage(const QString &source, const QString &target, int longSide,
+                   DecodedSources *shared)
+{
+    const QImageReader reader(source);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片:"), source);
+        return false;
+    }
+    const QSize size = reader.size();
+    if (!size.isValid()) {
+        log(QStringLiteral("无法获取图片尺寸:"), source);
+        return false;
+    }
+    log(QStringLiteral("原图尺寸: %1x%2").arg(size.width()).arg(size.height()));
+    if (longSide < 1 || longSide > variantSideLimit) {
+        log(QStringLiteral("最终缩放失败:"), source);
+        return false;
+    }
+    QImage image = readForVariant(source, size, longSide, shared);
+    if (!image.isNull())
+        image = scaledToLongSide(image, longSide, source);
+    if (!image.isNull())
+        image = turnedLikeSource(image, source);
+    return !image.isNull() && saveVariant(image, source, target);
+}
+
 } // namespace imageoperations

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 /// Tells the service of imported photos and of orders' folders, a few requests at a time and in the
 /// order in which they were asked for; the rest waits here, so that a slow service does not pile up
@@ -22,6 +23,7 @@ public:
     static constexpr int requestsAtOnce = 4;
 
     explicit PhotoRegistrar(QObject *parent = nullptr);
+    ~PhotoRegistrar() override;
 
     /// Announces the photo at \a photoIndex of \a order, imported in \a photoMode, in the name of
     /// \a identity. Jobs that are not registered are passed over in silence.
@@ -46,6 +48,14 @@ signals:
     void idle();
 
 private:
-    QList<std::function<void()>> waiting_;
+    /// Called when a request is answered; false when it was abandoned meanwhile.
+    using Ended = std::function<bool()>;
+    using Request = std::function<void(const Ended &ended)>;
+
+    void enqueue(Request request);
+    void sendWaiting();
+
+    QList<Request> waiting_;
     int underWay_ = 0;
+    std::unique_ptr<QObject> scope_; ///< owns what is under way
 };

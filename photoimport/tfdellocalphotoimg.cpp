@@ -15,7 +15,7 @@ void TFDelLocalPhotoImg::setDelPhotos(const QStringList &paths)
     paths_.clear();
     for (QString original : paths) {
         original.replace(QLatin1Char('/'), QLatin1Char('\\'));
-        // Each is made from the one before; the service lays its folders out by the same chain.
+        // Each is made from the one before, on purpose.
         const auto inFolder = [](QString path, const char *from, const char *to) {
             return path.replace(QLatin1String(from), QLatin1String(to));
         };

@@ -11,13 +11,11 @@
 #include <QString>
 #include <QTimer>
 
-#include <functional>
-
 /// The pool of the photo import: queues orders and deals their photos out to worker threads, one at
 /// a time, until all are reported.
 ///
 /// Lives on the interface thread, which alone touches its state, and never waits there: import
-/// paths are checked and folders made on disk threads, so that a start takes effect a little later.
+/// paths are checked and folders made on disk threads, so a start takes effect a little later.
 /// Starts take effect in the order in which they were asked for. A failed photo counts as done.
 /// Destroying it while hasLiveWorkers() waits for the photos in work: stop it and release it on
 /// workersEnded() instead.
@@ -30,8 +28,8 @@ public:
     static constexpr int mostWorkers = 16;
 
     explicit tfimportthreadmanager(QObject *parent = nullptr);
-    /// With work of its own for the workers, as tests have.
-    explicit tfimportthreadmanager(const PhotoOperations &operations, QObject *parent = nullptr);
+    /// With other work for the workers, as tests have.
+    explicit tfimportthreadmanager(PhotoOperations operations, QObject *parent = nullptr);
     ~tfimportthreadmanager() override;
 
     int maxWorkers() const { return workerCount_; }
@@ -45,7 +43,7 @@ public:
     bool isQueuedOrActive(const QString &orderId) const;
     /// Whether a worker that was told to stop still finishes its photo.
     bool hasLiveWorkers() const;
-    /// Orders that were taken out of the active tasks as completed, piece by piece.
+    /// Tasks, pieces of orders included, that were completed so far.
     int finishedTasks() const { return finishedTasks_; }
 
 public slots:
@@ -69,7 +67,7 @@ signals:
     void allTasksCompleted();
     /// A start was refused; nothing was queued.
     void pathErrorOccurred(const QString &errorMessage, const QString &invalidPath);
-    /// After a stop: the last worker has finished its photo.
+    /// The last worker that was told to stop has ended, after stopAllImport() or setMaxWorkers().
     void workersEnded();
 
 private slots:
@@ -87,14 +85,49 @@ private:
         bool batch = false;
     };
 
-    DecodedSources decoded_;
+    /// What the pieces of one queued order have in common.
+    struct OrderRun
+    {
+        QString orderId;
+        int done = 0; ///< photos reported; the flags in progress_, kept as a number because adding
+                      ///< up thousands of pieces at each report would not do
+        bool foldersReady = false;
+    };
+
+    void enqueueStart(const Start &start);
+    void checkNextStart();
+    void onPathsChecked(const photorules::PathProblem &problem);
+    void queueStart(const Start &start);
+
+    void scheduleDealing(int ms);
+    tfimportworker *findIdleWorker() const;
+    tfimportworker *anyIdleWorker() const;
+    void prepareFoldersOf(const ImportTask &task);
+    void deal(const ImportTask &task, tfimportworker *worker);
+    void reportProgress(const ImportTask &task, int completed);
+
+    void createWorkers();
+    void retireWorkers();
+    void onThreadEnded();
+
+    DecodedSources decoded_; ///< the workers' operations may refer to it
     PhotoOperations operations_;
     int workerCount_ = defaultWorkers;
     QList<tfimportworker *> workers_;
-    QList<Start> starts_;
+    QList<tfimportworker *> retired_; ///< replaced, but still finishing a photo
+
+    QList<Start> starts_; ///< the first one is being checked
     QList<ImportTask> queue_;
-    QMap<int, ImportTask> active_;
+    QMap<int, ImportTask> active_;        ///< dealt out, by task id
+    QMap<int, QMap<int, bool>> progress_; ///< by task id and photo index
+    QMap<int, OrderRun> runs_;            ///< by the id of an order's first task
     bool running_ = false;
     bool paused_ = false;
+    bool preparing_ = false; ///< folders of the head task are being made
+    bool stopping_ = false;  ///< workersEnded() is due
+    int generation_ = 0;     ///< counts stops; what was begun before one is no longer wanted
+    int nextTaskId_ = 1;
     int finishedTasks_ = 0;
+    QTimer dealTimer_;
+    QTimer completionTimer_;
 };
