@@ -65,11 +65,13 @@ QJsonArray photoEntries(const QVector<Photo> &photos, const QString &serviceUrl)
 {
     QJsonArray entries;
     for (const Photo &photo : photos) {
-        entries.append(QJsonObject{{QStringLiteral("id"), photo.id},
-                                   {QStringLiteral("img_name"), photo.name},
-                                   {QStringLiteral("type"), photo.type},
-                                   {QStringLiteral("localpath"), photo.localPath},
-                                   {QStringLiteral("url"), QString(serviceUrl + photo.urlPath)}});
+        entries.append(QJsonObject{
+            {QStringLiteral("id"), photo.id},
+            {QStringLiteral("img_name"), photo.name},
+            {QStringLiteral("type"), photo.type},
+            {QStringLiteral("localpath"), photo.localPath},
+            {QStringLiteral("url"),
+             photo.urlPath.isEmpty() ? QString() : QString(serviceUrl + photo.urlPath)}});
     }
     return entries;
 }
@@ -81,8 +83,8 @@ Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std:
 }
 
 // Actions that belong here as the tools for them come: order/orderphotodetail,
-// public/save_goodsfoldernamerule, order/download_success, order/delimages, order/delmv,
-// order/delete_pic_before, order/delete_pic_after, order/getbarcodegen.
+// public/save_goodsfoldernamerule, order/download_success, order/delete_pic_before,
+// order/delete_pic_after, order/getbarcodegen.
 QJsonObject Answers::answer(const Fields &query, const Fields &fields)
 {
     const QString action = field(query, "m") + QLatin1Char('/') + field(query, "a");
@@ -114,6 +116,10 @@ QJsonObject Answers::answer(const Fields &query, const Fields &fields)
         return importedPhotos(fields);
     if (action == QStringLiteral("order/delete_pics"))
         return deletePhotos(fields);
+    if (action == QStringLiteral("order/delimages"))
+        return deleteImported(fields, false);
+    if (action == QStringLiteral("order/delmv"))
+        return deleteImported(fields, true);
     return refusal(QStringLiteral("未知的操作: %1").arg(action));
 }
 
@@ -207,8 +213,12 @@ QJsonObject Answers::orderObject(const Order &order) const
         object[text(member.name)] = order.*member.value;
     for (const auto &count : orderCounts)
         object[text(count.name)] = QString::number(order.registeredNames(count.kind).size());
-    object[QStringLiteral("images")] = photoEntries(order.chosenPhotos, serviceUrl_);
-    object[QStringLiteral("images_taipian")] = photoEntries(order.trialPhotos, serviceUrl_);
+    object[QStringLiteral("images")] =
+        photoEntries(order.chosenPhotos + order.imported(PhotoKind::Original) +
+                         order.imported(PhotoKind::RetouchedVideo),
+                     serviceUrl_);
+    object[QStringLiteral("images_taipian")] =
+        photoEntries(order.trialPhotos + order.imported(PhotoKind::TrialVideo), serviceUrl_);
     return object;
 }
 

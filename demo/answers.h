@@ -37,6 +37,7 @@ private:
     QJsonObject registerBatch(const Fields &fields);
     QJsonObject importedPhotos(const Fields &fields) const;
     QJsonObject deletePhotos(const Fields &fields);
+    QJsonObject deleteImported(const Fields &fields, bool videos);
 
     QString identityProblem(const Fields &fields) const;
     // The order that the fields name, or null and the reason.

@@ -64,4 +64,23 @@ QJsonObject Answers::deletePhotos(const Fields &fields)
     return reply;
 }
 
+// order_photo_id, ids (comma-separated) → nothing beyond success. Takes photos, or videos, off the
+// books; all of them or none.
+QJsonObject Answers::deleteImported(const Fields &fields, bool videos)
+{
+    QString problem;
+    Order *order = orderOf(fields, &problem);
+    if (!order)
+        return refusal(problem);
+    const QStringList ids = field(fields, "ids").split(QLatin1Char(','), Qt::SkipEmptyParts);
+    const bool ofThisKind =
+        std::all_of(order->registered.cbegin(), order->registered.cend(),
+                    [&ids, videos](const RegisteredPhoto &photo) {
+                        return !ids.contains(photo.id) || photo.isVideo() == videos;
+                    });
+    if (ids.isEmpty() || !ofThisKind || !studio_.forgetPhotos(*order, ids))
+        return refusal(QStringLiteral("照片不存在或已删除，请刷新后重试"));
+    return success();
+}
+
 } // namespace demo

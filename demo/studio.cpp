@@ -65,6 +65,23 @@ QStringList Order::registeredNames(PhotoKind kind) const
     return names;
 }
 
+QVector<Photo> Order::imported(PhotoKind kind) const
+{
+    static const QMap<PhotoKind, QString> types = {
+        {PhotoKind::Original, QStringLiteral("1")},
+        {PhotoKind::TrialVideo, QStringLiteral("2")},
+        {PhotoKind::RetouchedVideo, QStringLiteral("3")},
+    };
+    QVector<Photo> photos;
+    for (const RegisteredPhoto &photo : registered) {
+        if (photo.kind == kind && (photo.isVideo() || !photo.localPath90.isEmpty())) {
+            photos.append(
+                {photo.id, photo.name, types.value(kind), photo.urlPath(), photo.localPath});
+        }
+    }
+    return photos;
+}
+
 Studio::Studio(const QMap<QString, QString> &publicRoots)
 {
     const QString rule =

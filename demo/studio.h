@@ -34,7 +34,7 @@ struct Account
     QMap<QString, QString> employeeIds; // shop id → the employee that this account is there
 };
 
-// A photo that the customers chose.
+// A photo that the customers chose, or what else an order's answer lists of its photos.
 struct Photo
 {
     QString id;
@@ -58,6 +58,10 @@ struct RegisteredPhoto
     bool downloaded = false;
 
     QString urlPath() const; // below the service's address; empty for what has no picture
+    bool isVideo() const
+    {
+        return kind == PhotoKind::TrialVideo || kind == PhotoKind::RetouchedVideo;
+    }
 };
 
 // Where a photo lies.
@@ -104,6 +108,9 @@ struct Order
     QStringList registeredFiles; // paths that came one by one
 
     QStringList registeredNames(PhotoKind kind) const;
+    // What was registered by the photo import, as the order's answer lists it: originals that have
+    // variants, and videos.
+    QVector<Photo> imported(PhotoKind kind) const;
 };
 
 enum class SearchBy { Text, ShotDate, SelectionDate };

@@ -106,6 +106,7 @@ void PhotoRegistrar::cancel()
 {
     waiting_.clear();
     underWay_ = 0;
+    busy_ = false;
     // What is under way belongs to the scope and dies with it; deleted later, since this may be
     // called from one of its answers.
     scope_.release()->deleteLater();
@@ -114,6 +115,7 @@ void PhotoRegistrar::cancel()
 
 void PhotoRegistrar::enqueue(Request request)
 {
+    busy_ = true;
     waiting_.append(std::move(request));
     sendWaiting();
 }
@@ -131,6 +133,8 @@ void PhotoRegistrar::sendWaiting()
             return true;
         });
     }
-    if (pending() == 0)
+    if (busy_ && pending() == 0) {
+        busy_ = false;
         emit idle();
+    }
 }

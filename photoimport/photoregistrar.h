@@ -57,5 +57,6 @@ private:
 
     QList<Request> waiting_;
     int underWay_ = 0;
+    bool busy_ = false; ///< idle() is due
     std::unique_ptr<QObject> scope_; ///< owns what is under way
 };

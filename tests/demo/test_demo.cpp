@@ -269,6 +269,33 @@ private slots:
                  QStringLiteral(",,\\90\\d.jpg"));
     }
 
+    void deletesWhatThePhotoImportRegistered()
+    {
+        const auto list = [this](const char *member) {
+            return search("TS10001", flagship)["data"][0][QLatin1String(member)].toArray();
+        };
+        const int chosen = list("images").size();
+        const int trial = list("images_taipian").size();
+        post("order&a=savepicpath", "size=10&path=\\all\\d.jpg" + firstOrder);
+        post("order&a=savepicpathmv", "size=10&type=2&photonames=e&path=\\e.mp4" + firstOrder);
+        post("order&a=savepicpathmv", "size=10&type=3&photonames=f&path=\\f.mp4" + firstOrder);
+        QCOMPARE(list("images").size(), chosen + 2);
+        QCOMPARE(list("images_taipian").size(), trial + 1);
+        const QByteArray photo = list("images").at(chosen)[u"id"].toString().toUtf8();
+        const QByteArray video = list("images_taipian").at(trial)[u"id"].toString().toUtf8();
+
+        const auto remove = [&](const QByteArray &action, const QByteArray &ids) {
+            return post("order&a=" + action, "ids=" + ids + firstOrder).code();
+        };
+        QCOMPARE(remove("delmv", photo), QStringLiteral("0"));
+        QCOMPARE(remove("delimages", photo + ',' + video), QStringLiteral("0"));
+        QCOMPARE(remove("delimages", ""), QStringLiteral("0"));
+        QCOMPARE(remove("delimages", photo), QStringLiteral("1"));
+        QCOMPARE(remove("delmv", video), QStringLiteral("1"));
+        QCOMPARE(list("images").size(), chosen + 1);
+        QCOMPARE(list("images_taipian").size(), trial);
+    }
+
     void misbehavesWithPictures()
     {
         const QString url = search("TS10001", flagship)["data"][0][u"images"][0][u"url"].toString();
