@@ -28,6 +28,7 @@ LogLines::LogLines()
 LogLines::~LogLines()
 {
     qInstallMessageHandler(earlier);
+    clear();
 }
 
 QStringList LogLines::all() const
