@@ -2,60 +2,27 @@
 
 #include "app/context/logging.h"
 #include "net/filecopy.h"
-#include "net/filewriting.h"
 #include "photoimport/decodedsources.h"
-#include "photoimport/jpegend.h"
-#include "platform/fileaccess.h"
+#include "photoimport/pictureio.h"
 
-#include <QBuffer>
+#include <QColorSpace>
 #include <QDateTime>
-#include <QDebug>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QFileInfo>
-#include <QImageIOHandler>
 #include <QImageReader>
-#include <QImageWriter>
 #include <QTransform>
 
 #include <algorithm>
 #include <exception>
-#include <mutex>
 
 namespace imageoperations {
+
+using namespace pictureio;
 
 namespace {
 
 constexpr qint64 bytesPerMB = 1048576;
 constexpr double pixelsPerMP = 1000000.0;
-
-void log(const QString &line)
-{
-    qDebug().noquote() << line;
-}
-
-void log(const QString &line, const QString &path)
-{
-    qDebug().noquote() << line << path;
-}
-
-qint64 pixelsOf(const QSize &size)
-{
-    return qint64(size.width()) * size.height();
-}
-
-int longSideOf(const QSize &size)
-{
-    return std::max(size.width(), size.height());
-}
-
-/// \a size with its long side brought to \a side; the other side rounded down.
-QSize withLongSide(const QSize &size, int side)
-{
-    if (size.height() >= size.width())
-        return {int(qint64(side) * size.width() / size.height()), side};
-    return {side, int(qint64(side) * size.height() / size.width())};
-}
 
 QString seconds(qint64 ms)
 {
@@ -65,57 +32,6 @@ QString seconds(qint64 ms)
 QString suffixOf(const QString &path)
 {
     return QFileInfo(path).suffix().toLower();
-}
-
-bool mayReplace(const QString &target)
-{
-    const QFileInfo earlier(target);
-    return (!earlier.exists() && !earlier.isSymLink()) || platform::mayBeRemoved(target);
-}
-
-/// Reads the picture that \a reader is set up for, whole or not at all, and within the bounds on
-/// memory. \a size is that of the stored picture.
-QImage readWithin(QImageReader &reader, const QSize &size)
-{
-    if (pixelsOf(size) > decodablePixels)
-        return {};
-    if (reader.format() == "jpeg" && !jpegReachesItsEnd(reader.fileName()))
-        return {};
-    const bool readsReduced = reader.supportsOption(QImageIOHandler::ScaledSize);
-    if (pixelsOf(size) <= largeImagePixels || readsReduced)
-        return reader.read();
-    if (pixelsOf(size) > wholeReadPixels)
-        return {};
-    static std::mutex oneAtATime;
-    const std::lock_guard<std::mutex> lock(oneAtATime);
-    return reader.read();
-}
-
-/// Encodes in memory, where nothing can go wrong half-way, and writes the bytes as a whole file.
-/// Returns what went wrong; nothing on success. \a made, when valid, becomes the time of
-/// modification.
-QString savePicture(const QImage &image, const QString &target, const QString &format, int quality,
-                    const QDateTime &made = {})
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QImageWriter writer(&buffer, format.toLatin1());
-    if (quality >= 0)
-        writer.setQuality(quality);
-    if (!writer.write(image))
-        return writer.errorString();
-    QString error = QStringLiteral("无法写入目标文件夹");
-    const bool written = writeWholeFile(target, [&](const QString &temporary) {
-        QFile file(temporary);
-        const bool whole =
-            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-        if (!whole)
-            error = file.errorString();
-        else if (made.isValid())
-            file.setFileTime(made, QFileDevice::FileModificationTime);
-        return whole;
-    });
-    return written ? QString() : error;
 }
 
 bool copyBytes(const QString &source, const QString &target)
@@ -139,6 +55,29 @@ bool copyBytes(const QString &source, const QString &target)
     return false;
 }
 
+/// Turns by a multiple of 90 degrees; pixels move, none is mixed.
+QImage turned(const QImage &image, int degrees)
+{
+    QTransform transform;
+    transform.rotate(degrees, Qt::ZAxis);
+    QImage result = image.transformed(transform, Qt::FastTransformation);
+    result.setColorSpace(image.colorSpace()); // which transforming loses
+    return result;
+}
+
+/// Reads as the reader does with its automatic transformation, except that a quarter turn keeps the
+/// colour profile: a portrait in a wide colour space would look pale without it.
+QImage readTurned(QImageReader &reader, const QSize &size)
+{
+    const QImageIOHandler::Transformations transformation = reader.transformation();
+    QImage image = readWithin(reader, size)
+                       .mirrored(transformation & QImageIOHandler::TransformationMirror,
+                                 transformation & QImageIOHandler::TransformationFlip);
+    if (transformation & QImageIOHandler::TransformationRotate90)
+        image = turned(image, 90);
+    return image;
+}
+
 /// Reads a large original reduced, upright, and scales it back; null when it cannot be read.
 QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &source)
 {
@@ -150,7 +89,7 @@ QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &
     const QSize upright = quarterTurn ? size.transposed() : size;
     reader.setScaledSize(longSideOf(size) > reducedReadSide ? withLongSide(size, reducedReadSide)
                                                             : size);
-    QImage image = readWithin(reader, size);
+    QImage image = readTurned(reader, size);
     if (!image.isNull() && image.width() != upright.width()) {
         const QSize target =
             pixelsOf(size) > veryLargePixels ? withLongSide(upright, veryLargeOutputSide) : upright;
@@ -181,14 +120,13 @@ QImage readUpright(const QString &source, qint64 bytes)
         log(QStringLiteral("无法获取图片尺寸进行旋转拷贝:"), source);
         return {};
     }
-    reader.setAutoTransform(true);
     QElapsedTimer timer;
     timer.start();
     QImage image;
     if (pixelsOf(size) > largeImagePixels || bytes > largeImageBytes) {
         image = readLargeUpright(reader, size, source);
     } else {
-        image = readWithin(reader, size);
+        image = readTurned(reader, size);
         if (image.isNull())
             log(QStringLiteral("旋转拷贝时无法读取图片，回退到直接拷贝:"), source);
     }
@@ -216,14 +154,6 @@ bool writeUpright(const QString &source, const QString &target, qint64 bytes)
     log(QStringLiteral("图片旋转拷贝成功: %1 -> %2 (耗时: %3秒)")
             .arg(source, target, seconds(timer.elapsed())));
     return true;
-}
-
-/// Turns by a multiple of 90 degrees; pixels move, none is mixed.
-QImage turned(const QImage &image, int degrees)
-{
-    QTransform transform;
-    transform.rotate(degrees, Qt::ZAxis);
-    return image.transformed(transform, Qt::FastTransformation);
 }
 
 QImage mirroredAcross(const QImage &image)

@@ -23,12 +23,7 @@ constexpr int nearTargetPx = 9;               ///< a variant this near its size 
 constexpr int conservativeReadSide = 2048;    ///< cap of a side at the second attempt
 constexpr int originalQuality = 95;           ///< JPEG quality of upright originals
 constexpr int variantQuality = 90;            ///< quality of size variants
-/// Bounds of our own, which keep a picture from taking the machine's memory: no file claiming more
-/// pixels is decoded at all, and of formats that can only be read whole none beyond the second
-/// bound; such files above largeImagePixels are read one at a time.
-constexpr qint64 decodablePixels = 500000000;
-constexpr qint64 wholeReadPixels = 120000000;
-constexpr int variantSideLimit = 20000; ///< no variant is made larger than this
+constexpr int variantSideLimit = 20000;       ///< no variant is made larger than this
 
 /// 1, 3 or 6. The reader's eight values are folded on purpose: every quarter turn is reported as 6,
 /// every mirroring as 3. 1 for what cannot be read.

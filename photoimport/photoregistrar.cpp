@@ -113,10 +113,10 @@ void PhotoRegistrar::cancel()
     scope_ = std::make_unique<QObject>();
 }
 
-void PhotoRegistrar::enqueue(Request request)
+void PhotoRegistrar::enqueue(const Request &request)
 {
     busy_ = true;
-    waiting_.append(std::move(request));
+    waiting_.append(request);
     sendWaiting();
 }
 

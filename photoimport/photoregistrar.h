@@ -52,11 +52,11 @@ private:
     using Ended = std::function<bool()>;
     using Request = std::function<void(const Ended &ended)>;
 
-    void enqueue(Request request);
+    void enqueue(const Request &request);
     void sendWaiting();
 
     QList<Request> waiting_;
     int underWay_ = 0;
-    bool busy_ = false; ///< idle() is due
+    bool busy_ = false;              ///< idle() is due
     std::unique_ptr<QObject> scope_; ///< owns what is under way
 };

@@ -35,6 +35,8 @@ tfimportthreadmanager::tfimportthreadmanager(QObject *parent)
 tfimportthreadmanager::tfimportthreadmanager(PhotoOperations operations, QObject *parent)
     : QObject(parent), operations_(std::move(operations))
 {
+    qRegisterMetaType<OrderInfo>();
+    qRegisterMetaType<PhotoInfo>();
     dealTimer_.setSingleShot(true);
     connect(&dealTimer_, &QTimer::timeout, this, &tfimportthreadmanager::assignNextTask);
     connect(&completionTimer_, &QTimer::timeout, this, &tfimportthreadmanager::checkTaskCompletion);
@@ -352,7 +354,7 @@ void tfimportthreadmanager::onPhotoImported(int taskId, const QString &fileName,
     const auto found = active_.constFind(taskId);
     if (found == active_.constEnd())
         return;
-    const ImportTask task = *found;
+    ImportTask task = *found; // whoever hears of the photo may drop all tasks
     const auto run = runs_.find(task.firstTaskId);
     if (run == runs_.end())
         return;
@@ -364,7 +366,6 @@ void tfimportthreadmanager::onPhotoImported(int taskId, const QString &fileName,
     scheduleDealing(afterPassMs);
     const int generation = generation_;
     emit photoImported(*task.order, fileName, photoIndex, success, errorMsg);
-    // Whoever hears of a photo may stop everything.
     if (generation == generation_)
         reportProgress(task, completed);
 }

@@ -5,6 +5,7 @@
 #include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
 
+#include <QColorSpace>
 #include <QDir>
 #include <QImageReader>
 #include <QRegularExpression>
@@ -67,6 +68,7 @@ private slots:
     void cleanup();
     void orientations_data();
     void orientations();
+    void coloursKeepTheirMeaning();
     void rotationTable();
     void intermediateSizes_data();
     void intermediateSizes();
@@ -177,6 +179,18 @@ void TestImageOperations::orientations()
     QTEST(corners(small), "variant");
     QCOMPARE(logged("缩小后检测到需要旋转，EXIF方向: "), orientation == 1 ? 0 : 1);
     QCOMPARE(logged("照片存在，先删除照片"), 1);
+}
+
+void TestImageOperations::coloursKeepTheirMeaning()
+{
+    QImage picture = cornerPicture({96, 64});
+    picture.setColorSpace(QColorSpace::AdobeRgb);
+    const QString source = write(QStringLiteral("a.jpg"), jpegOf(picture, 6));
+    QVERIFY(copyOriginal(source, path(QStringLiteral("b.jpg"))));
+    QVERIFY(compressImage(source, path(QStringLiteral("c.jpg")), 48));
+    for (const char *made : {"b.jpg", "c.jpg"})
+        QCOMPARE(QImage(path(QLatin1String(made))).colorSpace(), QImage(source).colorSpace());
+    QVERIFY(QImage(source).colorSpace() != QColorSpace(QColorSpace::SRgb));
 }
 
 void TestImageOperations::rotationTable()

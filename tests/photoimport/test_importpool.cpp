@@ -83,7 +83,6 @@ private:
 
 void TestImportPool::init()
 {
-    qRegisterMetaType<OrderInfo>();
     folder_ = std::make_unique<QTemporaryDir>();
     log_ = std::make_unique<LogLines>();
     begun_ = 0;
