@@ -4,6 +4,7 @@ BranchSession::BranchSession(QObject *parent)
     : QObject(parent)
     , identity_(orderqueries::Identity::fromAccount())
     , switchCall_(this)
+    , personsCall_(this)
     , searchCall_(this)
 {
 }
@@ -11,6 +12,7 @@ BranchSession::BranchSession(QObject *parent)
 void BranchSession::switchTo(const QString &shopId)
 {
     cancelSearch(); // what the former branch answers is not wanted any more
+    personsCall_.cancel();
     switchCall_.start(orderqueries::switchShopAction, orderqueries::switchShopBody(shopId),
                       [this, shopId](const ServiceReply &reply) { onSwitchReply(shopId, reply); });
 }
@@ -43,9 +45,21 @@ void BranchSession::search(const orderqueries::OrderSearch &search, const QStrin
                       [this](const ServiceReply &reply) { emit searched(reply); });
 }
 
+void BranchSession::listPersons()
+{
+    personsCall_.start(orderqueries::personsAction, orderqueries::personsBody(identity_),
+                       [this](const ServiceReply &reply) {
+                           if (reply.isSuccess())
+                               emit personsListed(orderqueries::readPersons(reply.object));
+                           else
+                               emit personsFailed(reply);
+                       });
+}
+
 void BranchSession::cancel()
 {
     switchCall_.cancel();
+    personsCall_.cancel();
     cancelSearch();
 }
 

@@ -5,10 +5,12 @@
 
 #include <QObject>
 #include <QString>
+#include <QVector>
 
-/// Whom one tool window acts as, and what it asks the service in that name: switching the branch
-/// and searching orders. Seeded from the account context when the window opens, replaced by its own
-/// switches alone. The latest switch wins, and so does the latest search; a switch ends a search.
+/// Whom one tool window acts as, and what it asks the service in that name: switching the branch,
+/// listing its staff and searching orders. Seeded from the account context when the window opens,
+/// replaced by its own switches alone. The latest switch wins, and so does the latest search; a
+/// switch ends a search.
 class BranchSession : public QObject
 {
     Q_OBJECT
@@ -26,6 +28,8 @@ public:
     void switchTo(const QString &shopId);
     /// \a role7id: see orderqueries::orderListBody().
     void search(const orderqueries::OrderSearch &search, const QString &role7id = QString());
+    /// The persons of the branch, for a person filter.
+    void listPersons();
     /// Abandons what is under way; nothing more is heard of it.
     void cancel();
     void cancelSearch();
@@ -34,6 +38,8 @@ signals:
     void switched();
     /// The branch stays what it was. \a refusal is what to tell the user when the service answered.
     void switchFailed(const ServiceReply &reply, const QString &refusal);
+    void personsListed(const QVector<orderqueries::Person> &persons);
+    void personsFailed(const ServiceReply &reply);
     /// The answer to the latest search, good or bad.
     void searched(const ServiceReply &reply);
 
@@ -44,5 +50,6 @@ private:
     QString publicPath_;
     bool confirmed_ = false;
     LatestCall switchCall_;
+    LatestCall personsCall_;
     LatestCall searchCall_;
 };

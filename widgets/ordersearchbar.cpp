@@ -12,6 +12,22 @@
 
 using orderqueries::OrderSearch;
 
+namespace {
+
+void nameFilter(ComboBox *box, const QString &name)
+{
+    box->setToolTip(name);
+    box->setAccessibleName(name);
+    box->setMinimumWidth(theme::narrowestChoice());
+}
+
+int narrowWidth(const ComboBox *box)
+{
+    return qMin(box->sizeHint().width(), theme::widestChoice());
+}
+
+} // namespace
+
 OrderSearchBar::OrderSearchBar(QWidget *parent)
     : QWidget(parent)
     , searchRow_(new QWidget(this))
@@ -20,6 +36,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     , shootingDate_(new DatePicker(QStringLiteral("点击选择拍照日期"), this))
     , selectionDate_(new DatePicker(QStringLiteral("点击选择选片日期"), this))
     , searchButton_(new QPushButton(QStringLiteral("搜索"), this))
+    , filterRow_(new QHBoxLayout)
     , branchBox_(new ComboBox(this))
     , rows_(new QBoxLayout(QBoxLayout::LeftToRight, this))
 {
@@ -34,9 +51,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     searchButton_->setObjectName(QStringLiteral("searchButton"));
     searchButton_->setStyleSheet(theme::primaryButtonStyle());
     branchBox_->setObjectName(QStringLiteral("branchBox"));
-    branchBox_->setToolTip(QStringLiteral("分店"));
-    branchBox_->setAccessibleName(branchBox_->toolTip());
-    branchBox_->setMinimumWidth(theme::narrowestChoice());
+    nameFilter(branchBox_, QStringLiteral("分店"));
 
     auto *label = new QLabel(QStringLiteral("搜索类型:"), this);
     label->setBuddy(typeBox_);
@@ -57,7 +72,9 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     rows_->setContentsMargins(0, 0, 0, 0);
     rows_->setSpacing(theme::spacing());
     rows_->addWidget(searchRow_, 1);
-    rows_->addWidget(branchBox_);
+    filterRow_->setSpacing(theme::spacing());
+    filterRow_->addWidget(branchBox_);
+    rows_->addLayout(filterRow_);
     setStyleSheet(theme::windowStyle());
     showInputFor(OrderSearch::BasicInformation);
     connectParts();
@@ -126,6 +143,39 @@ QString OrderSearchBar::selectedBranchId() const
     return branchId(branchBox_->currentIndex());
 }
 
+void OrderSearchBar::addPersonFilter()
+{
+    personBox_ = new ComboBox(this);
+    personBox_->setObjectName(QStringLiteral("personBox"));
+    nameFilter(personBox_, QStringLiteral("人员"));
+    filterRow_->addWidget(personBox_);
+    setPersons({});
+    connect(personBox_, qOverload<int>(&QComboBox::activated), this, [this](int index) {
+        if (busy_) // what is being searched for would not fit what the box shows
+            personBox_->setCurrentIndex(personIndex_);
+        else if (index != personIndex_)
+            requestSearch();
+        personIndex_ = personBox_->currentIndex();
+    });
+}
+
+void OrderSearchBar::setPersons(const QVector<orderqueries::Person> &persons)
+{
+    const QString chosen = personId();
+    personBox_->clear();
+    personBox_->addItem(QStringLiteral("全部"), QStringLiteral(""));
+    for (const orderqueries::Person &person : persons)
+        personBox_->addItem(person.name, person.id);
+    personBox_->setCurrentIndex(qMax(0, personBox_->findData(chosen)));
+    personIndex_ = personBox_->currentIndex();
+    arrange();
+}
+
+QString OrderSearchBar::personId() const
+{
+    return personBox_ ? personBox_->currentData().toString() : QString();
+}
+
 void OrderSearchBar::setBusy(bool busy)
 {
     busy_ = busy;
@@ -172,19 +222,28 @@ void OrderSearchBar::showInputFor(int type)
 /// Decided by the width alone, never by the present arrangement, so that it cannot flicker.
 void OrderSearchBar::arrange()
 {
-    const int branchWidth = qMin(branchBox_->sizeHint().width(), theme::widestChoice());
-    branchBox_->setMaximumWidth(QWIDGETSIZE_MAX);
-    const int oneRow = searchRow_->sizeHint().width() + rows_->spacing() + branchWidth;
+    int oneRow = searchRow_->sizeHint().width();
+    const auto boxes = filters();
+    for (ComboBox *box : boxes)
+        oneRow += rows_->spacing() + narrowWidth(box);
     const bool fits = oneRow <= width();
     rows_->setDirection(fits ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-    if (fits)
-        branchBox_->setMaximumWidth(branchWidth);
+    for (ComboBox *box : boxes)
+        box->setMaximumWidth(fits ? narrowWidth(box) : QWIDGETSIZE_MAX);
+}
+
+QList<ComboBox *> OrderSearchBar::filters() const
+{
+    QList<ComboBox *> boxes{branchBox_};
+    if (personBox_)
+        boxes.append(personBox_);
+    return boxes;
 }
 
 QSize OrderSearchBar::minimumSizeHint() const
 {
     const int width =
-        qMax(searchRow_->minimumSizeHint().width(), branchBox_->minimumSizeHint().width());
+        qMax(searchRow_->minimumSizeHint().width(), filterRow_->minimumSize().width());
     return {width, rows_->minimumSize().height()};
 }
 

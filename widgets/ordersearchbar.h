@@ -12,9 +12,10 @@ class LineEdit;
 class QBoxLayout;
 class QPushButton;
 
-/// What to search for, and in which branch. Announces what the user asks for and keeps what was
-/// typed; the window that owns it talks to the service. A date search without a date does not
-/// search but opens the calendar. Where it is narrow it takes two rows.
+/// What to search for, in which branch and, where a tool wants it, whose orders. Announces what the
+/// user asks for and keeps what was typed; the window that owns it talks to the service. A date
+/// search without a date does not search but opens the calendar. Where it is narrow it takes two
+/// rows.
 class OrderSearchBar : public QWidget
 {
     Q_OBJECT
@@ -32,6 +33,13 @@ public:
     /// Empty for an index that does not exist.
     QString branchId(int index) const;
     QString selectedBranchId() const;
+
+    /// Adds the person filter, with nobody in it yet but "全部".
+    void addPersonFilter();
+    /// Who can be filtered by, "全部" before them. A person who is listed again stays chosen.
+    void setPersons(const QVector<orderqueries::Person> &persons);
+    /// As BranchSession::search() takes it: empty for "全部", null without a person filter.
+    QString personId() const;
 
     /// True while a search runs: asking for another is not possible then.
     void setBusy(bool busy);
@@ -54,6 +62,7 @@ private:
     void arrange();
     void connectParts();
     QWidget *inputFor(int type) const;
+    QList<ComboBox *> filters() const;
 
     QWidget *searchRow_;
     ComboBox *typeBox_;
@@ -61,8 +70,11 @@ private:
     DatePicker *shootingDate_;
     DatePicker *selectionDate_;
     QPushButton *searchButton_;
+    QBoxLayout *filterRow_;
     ComboBox *branchBox_;
+    ComboBox *personBox_ = nullptr; ///< only with the person filter
     QBoxLayout *rows_;
     int branchIndex_ = -1;
+    int personIndex_ = 0;
     bool busy_ = false;
 };

@@ -28,6 +28,9 @@ protected:
 const QList<ShopRecord> twoBranches = {{QStringLiteral("11"), QStringLiteral("旗舰店"), {}, {}},
                                        {QStringLiteral("12"), QStringLiteral("万达店"), {}, {}}};
 
+const QVector<orderqueries::Person> twoPersons = {{QStringLiteral("31"), QStringLiteral("陈一凡")},
+                                                  {QStringLiteral("32"), QStringLiteral("郑颖")}};
+
 } // namespace
 
 /// Inputs, the search bar and the look they share.
@@ -211,12 +214,39 @@ private slots:
         QCOMPARE(chosen.count(), 2);
     }
 
+    void choosingAPersonSearches()
+    {
+        OrderSearchBar bar;
+        QVERIFY(bar.personId().isNull());
+        bar.addPersonFilter();
+        showActive(&bar);
+        QSignalSpy requested(&bar, &OrderSearchBar::searchRequested);
+        auto *box = bar.findChild<ComboBox *>(QStringLiteral("personBox"));
+        QCOMPARE(box->currentText(), QStringLiteral("全部"));
+        QVERIFY(bar.personId().isEmpty() && !bar.personId().isNull());
+
+        bar.setPersons(twoPersons);
+        box->setFocus();
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        QCOMPARE(requested.count(), 1);
+        bar.setBusy(true);
+        QTest::keyClick(box, Qt::Key_Down);
+        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        QCOMPARE(requested.count(), 1);
+        bar.setPersons({twoPersons.last(), twoPersons.first()});
+        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        bar.setPersons({twoPersons.last()});
+        QCOMPARE(bar.personId(), QString());
+    }
+
     void searchBarFitsHalfANarrowScreen()
     {
         K::uiScale = 1.5F;
         QWidget window;
         auto *bar = new OrderSearchBar;
         bar->setBranches(twoBranches, QStringLiteral("11"));
+        bar->addPersonFilter();
         bar->findChild<ComboBox *>(QStringLiteral("searchTypeBox"))->setCurrentIndex(1);
         auto *layout = new QVBoxLayout(&window);
         layout->setContentsMargins(0, 0, 0, 0);
@@ -232,6 +262,8 @@ private slots:
         QTRY_VERIFY(place("branchBox").top() > place("searchButton").bottom());
         QTRY_VERIFY(bar->rect().contains(place("branchBox")));
         QVERIFY(bar->rect().contains(place("searchButton")));
+        QVERIFY(bar->rect().contains(place("personBox")));
+        QVERIFY(!place("personBox").intersects(place("branchBox")));
     }
 };
 
