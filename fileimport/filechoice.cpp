@@ -2,44 +2,14 @@
 
 #include "fileimport/importfilecopyrunnable.h"
 #include "fileimport/importrules.h"
+#include "net/chosenfiles.h"
 #include "net/filewriting.h"
 #include "net/paths.h"
 #include "platform/pathform.h"
 
-#include <QCollator>
-#include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace {
-
-/// The dropped files and those in dropped folders that \a mode takes, in the order of their names.
-QStringList expandDrop(ImportMode mode, const QStringList &paths, int *ignored)
-{
-    QStringList taken;
-    const auto consider = [&](const QString &path) {
-        if (importrules::takesDropped(mode, QFileInfo(path).fileName()))
-            taken.append(path);
-        else
-            ++*ignored;
-    };
-    for (const QString &path : paths) {
-        if (!QFileInfo(path).isDir()) {
-            consider(path);
-            continue;
-        }
-        QDirIterator files(path, QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext())
-            consider(files.next());
-    }
-    QCollator byName(QLocale(QLocale::Chinese, QLocale::China)); // whatever the machine is set to
-    byName.setNumericMode(true);
-    std::sort(taken.begin(), taken.end(), byName);
-    taken.removeDuplicates();
-    return taken;
-}
 
 QString makeFolders(const ChoiceRequest &request)
 {
@@ -63,7 +33,10 @@ ChoiceResult prepareChoice(const ChoiceRequest &request)
 {
     ChoiceResult result;
     const QStringList paths =
-        request.dropped ? expandDrop(request.mode, request.paths, &result.ignored) : request.paths;
+        request.dropped
+            ? chosenfiles::expandDrop(request.paths, importrules::dialogFilter(request.mode),
+                                      &result.ignored)
+            : request.paths;
     if (paths.isEmpty())
         return result;
     result.folderError = makeFolders(request);

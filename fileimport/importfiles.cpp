@@ -460,7 +460,7 @@ void ImportFiles::setImporting(bool importing)
 
 void ImportFiles::refreshProgress()
 {
-    const ImportProgress progress = run_->progress();
+    const TransferProgress progress = run_->progress();
     rate_.add(clock_.elapsed(), progress.bytesDone);
     panel_->showProgress(progress, rate_);
 }

@@ -3,8 +3,8 @@
 #include "app/context/k.h"
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/ordernumberbuttondelegate.h"
-#include "fileimport/ordertableview.h"
 #include "widgets/contextmenu.h"
+#include "widgets/filedroptable.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/theme.h"
@@ -35,7 +35,7 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
     , model_(model)
     , proxy_(new QSortFilterProxyModel(this))
     , searchBar_(new OrderSearchBar(this))
-    , table_(new OrderTableView(this))
+    , table_(new FileDropTable(this))
     , overlay_(new LoadingOverlay(table_))
     , progressLabel_(new QLabel(this))
     , progressBar_(new QProgressBar(this))
@@ -79,7 +79,7 @@ void ImportOrderPanel::buildTable()
             [this](int row, OrderActionsDelegate::Action action) {
                 emit actionClicked(sourceRow(row), action);
             });
-    connect(table_, &OrderTableView::filesDropped, this, [this](int row, const QStringList &paths) {
+    connect(table_, &FileDropTable::filesDropped, this, [this](int row, const QStringList &paths) {
         emit filesDropped(sourceRow(row), paths);
     });
     connect(table_, &QWidget::customContextMenuRequested, this, &ImportOrderPanel::showContextMenu);
@@ -213,7 +213,7 @@ void ImportOrderPanel::setRunning(bool running)
     startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
 }
 
-void ImportOrderPanel::showProgress(const ImportProgress &progress, const TransferRate &rate)
+void ImportOrderPanel::showProgress(const TransferProgress &progress, const TransferRate &rate)
 {
     progressLabel_->setText(progressText(progress, rate));
     progressBar_->setValue(progress.bytesTotal > 0

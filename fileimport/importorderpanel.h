@@ -1,7 +1,7 @@
 #pragma once
 
-#include "fileimport/importprogress.h"
 #include "fileimport/orderactionsdelegate.h"
+#include "net/transferprogress.h"
 
 #include <QStringList>
 #include <QWidget>
@@ -11,7 +11,7 @@
 class ImportOrderTableModel;
 class LoadingOverlay;
 class OrderSearchBar;
-class OrderTableView;
+class FileDropTable;
 class QAction;
 class QLabel;
 class QModelIndex;
@@ -41,7 +41,7 @@ public:
 
     /// Whether the start button stops instead.
     void setRunning(bool running);
-    void showProgress(const ImportProgress &progress, const TransferRate &rate);
+    void showProgress(const TransferProgress &progress, const TransferRate &rate);
     void hideProgress();
 
 signals:
@@ -65,7 +65,7 @@ private:
     ImportOrderTableModel *model_;
     QSortFilterProxyModel *proxy_;
     OrderSearchBar *searchBar_;
-    OrderTableView *table_;
+    FileDropTable *table_;
     LoadingOverlay *overlay_;
     QLabel *progressLabel_;
     QProgressBar *progressBar_;

@@ -1,9 +1,8 @@
 #include "fileimport/importrules.h"
 
+#include "net/chosenfiles.h"
 #include "net/paths.h"
 
-#include <QDir>
-#include <QHash>
 #include <QSet>
 
 namespace importrules {
@@ -14,16 +13,6 @@ const QString originalsFolder = QStringLiteral("原片");
 const QString rawFolder = QStringLiteral("原始档");
 const QString retouchedFolder = QStringLiteral("精修片");
 
-/// Paths that name one folder on a Windows share compare equal.
-QString folderKey(const QString &wirePath)
-{
-    QString key = wirePath;
-    key.replace(QLatin1Char('/'), QLatin1Char('\\'));
-    while (key.endsWith(QLatin1Char('\\')))
-        key.chop(1);
-    return key.toCaseFolded();
-}
-
 } // namespace
 
 QString dialogFilter(ImportMode mode)
@@ -32,14 +21,6 @@ QString dialogFilter(ImportMode mode)
         return QStringLiteral("图片文件 (*.jpg *.jpeg);;所有文件 (*.*)");
     return QStringLiteral(
         "图片文件 (*.jpg *.jpeg *raw *.cr2 *.cr3 *.nef *.arw *.raf);;所有文件 (*.*)");
-}
-
-bool takesDropped(ImportMode mode, const QString &fileName)
-{
-    const QString filter = dialogFilter(mode).section(QStringLiteral(";;"), 0, 0);
-    const int open = filter.indexOf(QLatin1Char('('));
-    const QString patterns = filter.mid(open + 1, filter.indexOf(QLatin1Char(')')) - open - 1);
-    return QDir::match(patterns.split(QLatin1Char(' ')), fileName);
 }
 
 QStringList subFolders(ImportMode mode)
@@ -96,40 +77,20 @@ QString unchosenQuestion(const QStringList &names)
 
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)
 {
-    QHash<QString, QStringList> sources;
-    QStringList targetsInOrder;
-    for (const ImportFile &file : files) {
-        const QString target = folderKey(joinWirePath(file.targetFolder, file.targetName()));
-        QStringList &group = sources[target];
-        if (group.isEmpty())
-            targetsInOrder.append(target);
-        group.append(file.sourcePath);
-    }
-    QVector<QStringList> groups;
-    for (const QString &target : qAsConst(targetsInOrder)) {
-        if (sources.value(target).size() > 1)
-            groups.append(sources.value(target));
-    }
-    return groups;
-}
-
-QString sameTargetNotice(const QVector<QStringList> &groups)
-{
-    QString notice =
-        QStringLiteral("下列文件导入后文件名相同，会互相覆盖。请去掉多余的文件后重新选择：");
-    for (const QStringList &group : groups)
-        notice += QStringLiteral("\n\n") + group.join(QLatin1Char('\n'));
-    return notice;
+    QVector<chosenfiles::Placement> placements;
+    for (const ImportFile &file : files)
+        placements.append({file.sourcePath, joinWirePath(file.targetFolder, file.targetName())});
+    return chosenfiles::sameTargetGroups(placements);
 }
 
 QVector<int> ordersSharingFolder(const QVector<ImportOrder> &orders, int index)
 {
-    const QString folder = folderKey(importPathOf(orders.at(index)));
+    const QString folder = wirePathKey(importPathOf(orders.at(index)));
     QVector<int> sharing;
     for (int other = 0; other < orders.size(); ++other) {
         const ImportOrder &order = orders.at(other);
         const bool hasFolder = !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
-        if (other != index && hasFolder && folderKey(importPathOf(order)) == folder)
+        if (other != index && hasFolder && wirePathKey(importPathOf(order)) == folder)
             sharing.append(other);
     }
     return sharing;

@@ -11,8 +11,6 @@ namespace importrules {
 
 /// Filter of the file dialog.
 QString dialogFilter(ImportMode mode);
-/// Whether a dropped file is taken: its name matches the dialog's first filter, whatever its case.
-bool takesDropped(ImportMode mode, const QString &fileName);
 
 /// The folders below an order's import path that the mode fills.
 QStringList subFolders(ImportMode mode);
@@ -33,9 +31,6 @@ QString unchosenQuestion(const QStringList &names);
 
 /// Files of one choice that would land on the same target, grouped; names compared without case.
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files);
-
-/// Tells which files of \a groups stand in each other's way.
-QString sameTargetNotice(const QVector<QStringList> &groups);
 
 /// Other listed orders whose import folder is that of the order at \a index.
 QVector<int> ordersSharingFolder(const QVector<ImportOrder> &orders, int index);

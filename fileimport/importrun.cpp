@@ -356,9 +356,9 @@ bool ImportRun::isCopying(const QString &orderId) const
     });
 }
 
-ImportProgress ImportRun::progress() const
+TransferProgress ImportRun::progress() const
 {
-    ImportProgress progress;
+    TransferProgress progress;
     QStringList counted = sequence_;
     if (counted.isEmpty()) {
         for (const Task &task : tasks_) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "fileimport/importprogress.h"
 #include "fileimport/importrecords.h"
 #include "fileimport/orderregistration.h"
+#include "net/transferprogress.h"
 
 #include <QHash>
 #include <QObject>
@@ -51,7 +51,7 @@ public:
     /// Whether anything goes on that a new search would pull the ground from under.
     bool isBusy() const { return isRunning() || hasLiveTasks() || !registrations_.isEmpty(); }
     /// Over all orders of the run; of the retried files' orders when there is no run.
-    ImportProgress progress() const;
+    TransferProgress progress() const;
 
 signals:
     void orderStarted(const QString &orderId);

@@ -3,6 +3,7 @@
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrules.h"
 #include "net/background.h"
+#include "net/chosenfiles.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
@@ -112,7 +113,7 @@ void OrderFileChooser::onPrepared(const QString &orderId, const ChoiceResult &re
                     toastMs);
     }
     if (!result.clashes.isEmpty()) {
-        MessageBox::warning(window_, importrules::sameTargetNotice(result.clashes));
+        MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
         return;
     }
     if (orders_->rowOf(orderId) < 0 || result.files.isEmpty())

@@ -97,6 +97,15 @@ QString composeImportPath(const QMap<QString, QString> &order)
     return path.left(lastName) + safeFileName(path.mid(lastName));
 }
 
+QString wirePathKey(const QString &wirePath)
+{
+    QString key = wirePath;
+    key.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    while (key.endsWith(QLatin1Char('\\')))
+        key.chop(1);
+    return key.toCaseFolded();
+}
+
 QString joinWirePath(const QString &folder, const QString &name)
 {
     return folder.endsWith(QLatin1Char('\\')) ? folder + name : folder + QLatin1Char('\\') + name;

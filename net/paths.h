@@ -31,5 +31,8 @@ QString shareHostOf(const QString &orderPath, const QString &serviceUrl);
 /// configured, is one path component each.
 QString composeImportPath(const QMap<QString, QString> &order);
 
+/// Paths in Windows form that name one place on a share compare equal by this, whatever their case.
+QString wirePathKey(const QString &wirePath);
+
 /// The Windows form of \a name inside \a folder, both in Windows form.
 QString joinWirePath(const QString &folder, const QString &name);

@@ -1,7 +1,8 @@
 #include "fileimport/filechoice.h"
-#include "fileimport/importprogress.h"
 #include "fileimport/importrequests.h"
 #include "fileimport/importrules.h"
+#include "net/chosenfiles.h"
+#include "net/transferprogress.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -97,8 +98,10 @@ void TestImportRules::dropsFollowTheFirstFilter_data()
 void TestImportRules::dropsFollowTheFirstFilter()
 {
     QFETCH(QString, name);
-    QTEST(importrules::takesDropped(ImportMode::Originals, name), "original");
-    QTEST(importrules::takesDropped(ImportMode::Retouched, name), "retouched");
+    QTEST(chosenfiles::matchesFilter(importrules::dialogFilter(ImportMode::Originals), name),
+          "original");
+    QTEST(chosenfiles::matchesFilter(importrules::dialogFilter(ImportMode::Retouched), name),
+          "retouched");
 }
 
 void TestImportRules::namesTheCustomerDidNotChoose()
@@ -124,7 +127,7 @@ void TestImportRules::filesInEachOthersWay()
     QCOMPARE(groups.size(), 2);
     QCOMPARE(groups.first(),
              (QStringList{QStringLiteral("/a/IMG_1.jpg"), QStringLiteral("/b/img_1.JPG")}));
-    QVERIFY(importrules::sameTargetNotice(groups).contains(QStringLiteral("/b/img_1.JPG")));
+    QVERIFY(chosenfiles::sameTargetNotice(groups).contains(QStringLiteral("/b/img_1.JPG")));
     QVERIFY(importrules::sameTargetGroups({files.first(), files.last()}).isEmpty());
 }
 
@@ -307,7 +310,7 @@ void TestImportRules::aFolderThatCannotBeMade()
 void TestImportRules::progressIsToldInWords()
 {
     constexpr qint64 megabyte = 1024 * 1024;
-    ImportProgress progress{12, 400, 96 * megabyte, 3 * 1024 * megabyte};
+    TransferProgress progress{12, 400, 96 * megabyte, 3 * 1024 * megabyte};
     TransferRate rate;
     QCOMPARE(progressText(progress, rate),
              QStringLiteral("文件 12/400 · 96.0 MB / 3.0 GB · 0 bytes/s"));

@@ -1,4 +1,4 @@
-#include "fileimport/importprogress.h"
+#include "net/transferprogress.h"
 
 #include <QLocale>
 
@@ -54,7 +54,7 @@ qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
     return rate > 0 ? qRound64(double(std::max<qint64>(bytesLeft, 0)) / rate) : -1;
 }
 
-QString progressText(const ImportProgress &progress, const TransferRate &rate)
+QString progressText(const TransferProgress &progress, const TransferRate &rate)
 {
     QString text = QStringLiteral("文件 %1/%2 · %3 / %4 · %5/s")
                        .arg(progress.filesDone)

@@ -5,10 +5,10 @@
 
 #include <deque>
 
-/// How far an import is.
-struct ImportProgress
+/// How far a run that copies files is.
+struct TransferProgress
 {
-    int filesDone = 0; ///< imported or failed
+    int filesDone = 0; ///< copied or failed
     int filesTotal = 0;
     qint64 bytesDone = 0;
     qint64 bytesTotal = 0;
@@ -36,4 +36,4 @@ private:
 };
 
 /// "文件 12/400 · 96.0 MB / 3.2 GB · 45.3 MB/s · 剩余 01:12"
-QString progressText(const ImportProgress &progress, const TransferRate &rate);
+QString progressText(const TransferProgress &progress, const TransferRate &rate);

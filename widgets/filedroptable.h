@@ -5,14 +5,14 @@
 #include <QPersistentModelIndex>
 #include <QStringList>
 
-/// The order table: files and folders from outside can be dropped on an order's row, which is
+/// A table whose rows take files and folders from outside: they are dropped on a row, which is
 /// marked while they hover over it.
-class OrderTableView : public EmptyStateTable
+class FileDropTable : public EmptyStateTable
 {
     Q_OBJECT
 
 public:
-    explicit OrderTableView(QWidget *parent = nullptr);
+    explicit FileDropTable(QWidget *parent = nullptr);
 
 signals:
     /// \a row is the row of the view; \a paths are local files and folders.

@@ -1,4 +1,4 @@
-#include "fileimport/ordertableview.h"
+#include "widgets/filedroptable.h"
 
 #include "app/context/k.h"
 #include "widgets/colours.h"
@@ -23,18 +23,18 @@ QStringList localPaths(const QMimeData *data)
 
 } // namespace
 
-OrderTableView::OrderTableView(QWidget *parent) : EmptyStateTable(parent)
+FileDropTable::FileDropTable(QWidget *parent) : EmptyStateTable(parent)
 {
     setAcceptDrops(true);
 }
 
-void OrderTableView::dragEnterEvent(QDragEnterEvent *event)
+void FileDropTable::dragEnterEvent(QDragEnterEvent *event)
 {
     if (event->mimeData()->hasUrls())
         event->acceptProposedAction();
 }
 
-void OrderTableView::dragMoveEvent(QDragMoveEvent *event)
+void FileDropTable::dragMoveEvent(QDragMoveEvent *event)
 {
     const QModelIndex index = indexAt(event->pos());
     markRow(index);
@@ -43,13 +43,13 @@ void OrderTableView::dragMoveEvent(QDragMoveEvent *event)
     event->setAccepted(index.isValid() && event->mimeData()->hasUrls());
 }
 
-void OrderTableView::dragLeaveEvent(QDragLeaveEvent *event)
+void FileDropTable::dragLeaveEvent(QDragLeaveEvent *event)
 {
     Q_UNUSED(event)
     markRow({});
 }
 
-void OrderTableView::dropEvent(QDropEvent *event)
+void FileDropTable::dropEvent(QDropEvent *event)
 {
     markRow({});
     const QModelIndex index = indexAt(event->pos());
@@ -62,7 +62,7 @@ void OrderTableView::dropEvent(QDropEvent *event)
     emit filesDropped(index.row(), paths);
 }
 
-void OrderTableView::paintEvent(QPaintEvent *event)
+void FileDropTable::paintEvent(QPaintEvent *event)
 {
     EmptyStateTable::paintEvent(event);
     if (!dropRow_.isValid())
@@ -76,7 +76,7 @@ void OrderTableView::paintEvent(QPaintEvent *event)
     painter.drawRect(row.adjusted(line / 2, line / 2, -line / 2, -line / 2));
 }
 
-void OrderTableView::markRow(const QModelIndex &index)
+void FileDropTable::markRow(const QModelIndex &index)
 {
     dropRow_ = index;
     viewport()->update();
