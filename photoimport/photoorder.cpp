@@ -1,0 +1,195 @@
+#include "photoimport/photoorder.h"
+
+#include "net/paths.h"
+#include "net/replyfields.h"
+#include "photoimport/photorules.h"
+#include "widgets/colours.h"
+
+#include <QHash>
+#include <QJsonArray>
+#include <QSet>
+
+#include <algorithm>
+
+using orderqueries::PhotoEntry;
+
+std::size_t PhotoOrder::modeIndex(int photoMode)
+{
+    return photoMode == photorules::Photos || photoMode == photorules::TrialVideos
+               ? std::size_t(photoMode)
+               : std::size_t(photorules::RetouchedVideos);
+}
+
+void PhotoOrder::resummarise()
+{
+    std::transform(filesByMode.cbegin(), filesByMode.cend(), summaries.begin(), summarise);
+}
+
+QString PhotoOrder::displayNumber() const
+{
+    return info.serviceTimes.isEmpty() ? info.orderPayForKey
+                                       : info.orderPayForKey + QLatin1Char('-') + info.serviceTimes;
+}
+
+QString PhotoOrder::customers() const
+{
+    QStringList names{info.mname, info.wname};
+    names.removeAll(QString());
+    return names.join(QLatin1Char(' '));
+}
+
+QString PhotoOrder::displayName() const
+{
+    return displayNumber() + QLatin1Char(' ') + customers();
+}
+
+QString PhotoOrder::folder() const
+{
+    return info.importPath.isEmpty() && info.importPublicPath.isEmpty()
+               ? QString()
+               : photorules::importFolderOf(info);
+}
+
+QVector<PhotoEntry> PhotoOrder::servicePhotos(int photoMode) const
+{
+    if (photoMode == photorules::TrialVideos)
+        return info.imagesTaipian;
+    const bool videos = photoMode != photorules::Photos;
+    QVector<PhotoEntry> photos;
+    for (const PhotoEntry &photo : info.images) {
+        const bool isVideo = photo.type == QLatin1String("3");
+        if (isVideo == videos)
+            photos.append(photo);
+    }
+    return photos;
+}
+
+bool PhotoOrder::hasUnfinishedFiles() const
+{
+    return std::any_of(filesByMode.cbegin(), filesByMode.cend(), [](const auto &files) {
+        return std::any_of(files.cbegin(), files.cend(),
+                           [](const SourceFile &file) { return file.isUnfinished(); });
+    });
+}
+
+namespace photoorders {
+
+Found readOrders(const QJsonObject &reply, const QString &publicPath)
+{
+    const QJsonValue data = reply.value(QLatin1String("data"));
+    Found found{data.isArray(), data.toArray().size(), {}};
+    const QString openypml = reply::text(reply, QStringLiteral("openypml"));
+    const QString delyp = reply::text(reply, QStringLiteral("delyp"));
+    QSet<QString> ids;
+    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    for (const QJsonObject &element : elements) {
+        OrderInfo order;
+        static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element);
+        if (order.id.isEmpty() || ids.contains(order.id))
+            continue;
+        ids.insert(order.id);
+        order.openypml = openypml;
+        order.delyp = delyp;
+        order.importPublicPath = publicPath;
+        order.importPath = order.netPath;
+        found.orders.append(order);
+    }
+    return found;
+}
+
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<OrderInfo> &found)
+{
+    QHash<QString, int> positions;
+    for (int index = 0; index < found.size(); ++index)
+        positions.insert(found.at(index).id, index);
+    QVector<PhotoOrder> kept;
+    QVector<PhotoOrder> listed(found.size());
+    for (const PhotoOrder &order : before) {
+        const int position = positions.value(order.info.id, -1);
+        if (position >= 0)
+            listed[position] = order;
+        else if (order.hasUnfinishedFiles())
+            kept.append(order);
+    }
+    for (int index = 0; index < found.size(); ++index)
+        listed[index].info = found.at(index);
+    return kept + listed;
+}
+
+OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+{
+    const QVector<SourceFile> &files = order.files(photoMode);
+    QVector<int> wanted = indexes;
+    for (int index = 0; indexes.isEmpty() && index < files.size(); ++index)
+        wanted.append(index);
+    QStringList sources;
+    for (const int index : qAsConst(wanted))
+        sources.append(files.at(index).path);
+
+    OrderInfo started = order.info;
+    started.photos.clear();
+    const auto jobs = photorules::jobsFor(order.info, sources, photoMode);
+    for (PhotoInfo job : jobs) {
+        job.sourceIndex = wanted.value(job.sourceIndex, -1);
+        const QVector<SourceJob> &states = files.at(job.sourceIndex).jobs;
+        const bool done = std::any_of(states.cbegin(), states.cend(), [&](const SourceJob &state) {
+            return state.kind == job.kind && state.state == JobState::Done;
+        });
+        if (!done)
+            started.photos.append(job);
+    }
+    return started;
+}
+
+QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
+                                     const QVector<int> &starting)
+{
+    QHash<QString, QVector<int>> byFolder;
+    for (int index = 0; index < orders.size(); ++index) {
+        const QString folder = orders.at(index).folder();
+        if (!folder.isEmpty())
+            byFolder[wirePathKey(folder)].append(index);
+    }
+    QVector<QVector<int>> groups;
+    for (const int index : starting) {
+        const QVector<int> group = byFolder.take(wirePathKey(orders.at(index).folder()));
+        if (group.size() > 1)
+            groups.append(group);
+    }
+    return groups;
+}
+
+QString stateText(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (order.run == PhotoOrder::Run::Queued)
+        return QStringLiteral("等待导片");
+    if (order.run == PhotoOrder::Run::Active)
+        return QStringLiteral("导片中 %1/%2").arg(summary.reported).arg(summary.files);
+    if (summary.files == 0)
+        return QStringLiteral("未选择");
+    if (summary.failed > 0)
+        return QStringLiteral("成功:%1, 失败:%2").arg(summary.complete).arg(summary.failed);
+    if (summary.unregistered > 0 || !order.folderRefusal.isEmpty())
+        return summary.unregistered > 0 ? QStringLiteral("未登记:%1").arg(summary.unregistered)
+                                        : QStringLiteral("目录未登记");
+    if (summary.complete == summary.files)
+        return QStringLiteral("导片完成");
+    if (summary.reported > 0)
+        return QStringLiteral("已停止 %1/%2").arg(summary.reported).arg(summary.files);
+    return QStringLiteral("已选择");
+}
+
+unsigned int stateColour(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (order.run != PhotoOrder::Run::Idle)
+        return colours::inProgress;
+    if (summary.files == 0)
+        return colours::muted;
+    if (summary.failed > 0 || summary.unregistered > 0 || !order.folderRefusal.isEmpty())
+        return colours::failure;
+    return summary.complete == summary.files ? colours::success : colours::chosen;
+}
+
+} // namespace photoorders

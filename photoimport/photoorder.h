@@ -1,0 +1,80 @@
+#pragma once
+
+#include "net/transferprogress.h"
+#include "photoimport/sourcefile.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QVector>
+
+#include <array>
+
+/// One order of the window: what the service says of it, what was chosen for it here, and how far
+/// that is.
+struct PhotoOrder
+{
+    enum class Run { Idle, Queued, Active };
+    static constexpr int modes = 3;
+
+    OrderInfo info; ///< without jobs; its import path is the one the service configured, or empty
+    std::array<QVector<SourceFile>, modes> filesByMode; ///< by photorules::PhotoMode
+    Run run = Run::Idle;
+    QString folderRefusal;                     ///< why the service did not take the order's folder
+    std::array<FilesSummary, modes> summaries; ///< of filesByMode, see resummarise()
+
+    QVector<SourceFile> &files(int photoMode) { return filesByMode[modeIndex(photoMode)]; }
+    const QVector<SourceFile> &files(int photoMode) const
+    {
+        return filesByMode[modeIndex(photoMode)];
+    }
+    const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
+    /// After files changed.
+    void resummarise();
+
+    /// The number users know the order by, with its service: "0012-1".
+    QString displayNumber() const;
+    QString customers() const;
+    /// displayNumber() and the customers' names.
+    QString displayName() const;
+    /// In Windows form; empty when there is nothing it could be made of.
+    QString folder() const;
+    /// What the service has on its books of the mode.
+    QVector<orderqueries::PhotoEntry> servicePhotos(int photoMode) const;
+    bool hasUnfinishedFiles() const;
+
+private:
+    static std::size_t modeIndex(int photoMode);
+};
+
+namespace photoorders {
+
+/// What a search found.
+struct Found
+{
+    bool isList = false; ///< false: the reply carries no list at all
+    int elements = 0;    ///< how many the service listed, usable or not
+    QVector<OrderInfo> orders;
+};
+
+/// Reads a search reply. Elements without an id cannot be imported into and are left out, as are
+/// repetitions of one. \a publicPath is the branch's public import root.
+Found readOrders(const QJsonObject &reply, const QString &publicPath);
+
+/// The orders to list after a search: what was found, with the files chosen before; ahead of them
+/// orders that were not found but have files that are not finished.
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<OrderInfo> &found);
+
+/// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
+/// Without jobs when nothing is left to do.
+OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes = {});
+
+/// Groups of orders (positions) among \a starting and all of \a orders that share a folder, each
+/// with at least one that is to start.
+QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
+                                     const QVector<int> &starting);
+
+/// Text and colour (QRgb) of an order's state cell.
+QString stateText(const PhotoOrder &order, int photoMode);
+unsigned int stateColour(const PhotoOrder &order, int photoMode);
+
+} // namespace photoorders

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "photoimport/photoorder.h"
+
+#include <QAbstractTableModel>
+#include <QHash>
+#include <QSet>
+#include <QString>
+#include <QVector>
+
+/// The orders of the photo import window; it owns the records. A row here is the order's position
+/// in the list, which sorting in a view never changes.
+class tforderlistmodel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column {
+        NumberColumn,
+        CustomersColumn,
+        ShotDateColumn,
+        PhotographerColumn,
+        ImportedColumn,
+        ChosenColumn,
+        StateColumn,
+        ProgressColumn,
+        PathColumn,
+        ColumnCount
+    };
+    enum Role {
+        SortRole = Qt::UserRole, ///< numbers as numbers
+        ProgressRole,            ///< share of the jobs reported, 0 to 1; -1 without files
+    };
+
+    explicit tforderlistmodel(QObject *parent = nullptr);
+
+    /// Which files count: those of photos, or of one sort of videos (photorules::PhotoMode).
+    void setPhotoMode(int mode);
+    int photoMode() const { return photoMode_; }
+
+    void setOrders(const QVector<PhotoOrder> &orders);
+    const QVector<PhotoOrder> &orders() const { return orders_; }
+    bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
+    const PhotoOrder &order(int row) const { return orders_.at(row); }
+    /// The files of the present mode.
+    const QVector<SourceFile> &files(int row) const { return orders_.at(row).files(photoMode_); }
+    /// Position of the order; -1 when it is not listed.
+    int rowOf(const QString &orderId) const { return rows_.value(orderId, -1); }
+
+    void addFiles(int row, const QVector<SourceFile> &files);
+    /// \a indexes: positions among the files of the present mode.
+    void removeFiles(int row, const QVector<int> &indexes);
+    void setRun(int row, PhotoOrder::Run run);
+    void setFolderRefusal(int row, const QString &reason);
+    /// The service has no photos with these ids any more.
+    void forgetServicePhotos(int row, const QStringList &ids);
+    /// What the service says now of listed orders; files and states stay.
+    void refreshInfo(const QVector<OrderInfo> &found);
+
+    /// Puts the file's failed jobs back to waiting. Announced at once.
+    void resetFailedJobs(int row, const QVector<int> &indexes);
+
+    /// The result of a job, and what the service says of a file. Both find the file by order id and
+    /// source path, return its position among the files (-1 when it is not there any more), and are
+    /// announced by flush() alone: an import reports many times a second.
+    int applyResult(const QString &orderId, const PhotoInfo &job, bool success,
+                    const QString &message);
+    int applyRegistration(const QString &orderId, const PhotoInfo &job, RegistrationState state,
+                          const QString &reason = QString());
+    void flush();
+
+    /// Over the orders with these ids.
+    TransferProgress progressOf(const QSet<QString> &orderIds) const;
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation,
+                        int role = Qt::DisplayRole) const override;
+
+private:
+    void announce(int row);
+    SourceFile *fileOf(const QString &orderId, const PhotoInfo &job, int *position);
+    QVariant cell(const PhotoOrder &order, int column) const;
+
+    QVector<PhotoOrder> orders_;
+    QHash<QString, int> rows_; ///< by order id
+    QSet<int> stale_;          ///< rows that flush() is to announce
+    int photoMode_ = 0;
+};

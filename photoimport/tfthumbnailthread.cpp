@@ -1,0 +1,89 @@
+#include "photoimport/tfthumbnailthread.h"
+
+#include "app/context/logging.h"
+
+#include <QImageReader>
+#include <QMutexLocker>
+
+#include <algorithm>
+
+namespace {
+
+/// Pixels that a decoder may have to hold at once.
+constexpr qint64 mostPixels = 60000000;
+/// How far below its full size a JPEG can be decoded.
+constexpr qint64 jpegReduction = 8 * 8;
+
+} // namespace
+
+tfthumbnailthread::tfthumbnailthread(QObject *parent) : QThread(parent)
+{
+    setObjectName(QStringLiteral("photo thumbnails"));
+}
+
+tfthumbnailthread::~tfthumbnailthread()
+{
+    stop();
+    wait();
+}
+
+void tfthumbnailthread::want(const QStringList &paths, int side)
+{
+    const QMutexLocker lock(&mutex_);
+    wanted_ = paths;
+    side_ = side;
+    if (stopped_ || wanted_.isEmpty())
+        return;
+    changed_.wakeOne();
+    if (!isRunning())
+        start(QThread::LowPriority);
+}
+
+void tfthumbnailthread::stop()
+{
+    const QMutexLocker lock(&mutex_);
+    stopped_ = true;
+    wanted_.clear();
+    changed_.wakeOne();
+}
+
+void tfthumbnailthread::run()
+{
+    for (;;) {
+        QString path;
+        int side = 0;
+        {
+            const QMutexLocker lock(&mutex_);
+            while (wanted_.isEmpty() && !stopped_)
+                changed_.wait(&mutex_);
+            if (stopped_)
+                return;
+            path = wanted_.takeFirst();
+            side = side_;
+        }
+        QImage thumbnail;
+        try {
+            thumbnail = thumbnailOf(path, side);
+        } catch (const std::exception &error) {
+            qCWarning(lcTessavo) << "no thumbnail of" << path << error.what();
+        }
+        emit thumbnailReady(path, thumbnail);
+    }
+}
+
+QImage tfthumbnailthread::thumbnailOf(const QString &path, int side)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isEmpty())
+        return {};
+    const bool reduces = reader.format() == "jpeg" || reader.format() == "jpg";
+    const qint64 pixels = qint64(size.width()) * size.height();
+    if (pixels / (reduces ? jpegReduction : 1) > mostPixels)
+        return {};
+    // A square holds a picture whichever way it is turned afterwards.
+    if (std::max(size.width(), size.height()) > side)
+        reader.setScaledSize(size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1}));
+    return reader.read();
+}
