@@ -59,7 +59,6 @@ void BranchSession::listPersons()
 void BranchSession::cancel()
 {
     switchCall_.cancel();
-    personsCall_.cancel();
     cancelSearch();
 }
 

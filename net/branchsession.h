@@ -30,7 +30,7 @@ public:
     void search(const orderqueries::OrderSearch &search, const QString &role7id = QString());
     /// The persons of the branch, for a person filter.
     void listPersons();
-    /// Abandons what is under way; nothing more is heard of it.
+    /// Abandons the switch or search under way; nothing more is heard of it.
     void cancel();
     void cancelSearch();
 

@@ -8,12 +8,6 @@ namespace {
 
 constexpr qint64 rateWindowMs = 5000;
 
-QString dataSize(double bytes)
-{
-    static const QLocale plain = QLocale::c();
-    return plain.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeTraditionalFormat);
-}
-
 QString clockText(qint64 seconds)
 {
     constexpr qint64 hour = 3600;
@@ -25,6 +19,12 @@ QString clockText(qint64 seconds)
 }
 
 } // namespace
+
+QString dataSizeText(double bytes)
+{
+    static const QLocale plain = QLocale::c();
+    return plain.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeTraditionalFormat);
+}
 
 void TransferRate::add(qint64 ms, qint64 bytesDone)
 {
@@ -56,11 +56,12 @@ qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
 
 QString progressText(const TransferProgress &progress, const TransferRate &rate)
 {
-    QString text = QStringLiteral("文件 %1/%2 · %3 / %4 · %5/s")
-                       .arg(progress.filesDone)
-                       .arg(progress.filesTotal)
-                       .arg(dataSize(double(progress.bytesDone)),
-                            dataSize(double(progress.bytesTotal)), dataSize(rate.bytesPerSecond()));
+    QString text =
+        QStringLiteral("文件 %1/%2 · %3 / %4 · %5/s")
+            .arg(progress.filesDone)
+            .arg(progress.filesTotal)
+            .arg(dataSizeText(double(progress.bytesDone)),
+                 dataSizeText(double(progress.bytesTotal)), dataSizeText(rate.bytesPerSecond()));
     const qint64 left = rate.secondsLeft(progress.bytesTotal - progress.bytesDone);
     if (left >= 0)
         text += QStringLiteral(" · 剩余 ") + clockText(left);

@@ -35,5 +35,8 @@ private:
     std::deque<Sample> samples_;
 };
 
+/// "96.0 MB"
+QString dataSizeText(double bytes);
+
 /// "文件 12/400 · 96.0 MB / 3.2 GB · 45.3 MB/s · 剩余 01:12"
 QString progressText(const TransferProgress &progress, const TransferRate &rate);

@@ -10,6 +10,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <functional>
 
 using orderqueries::PhotoEntry;
 
@@ -116,29 +117,44 @@ QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<Orde
     return kept + listed;
 }
 
-OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+/// The order with those of the jobs of its files at \a indexes that \a wanted picks.
+static OrderInfo
+withJobsThat(const PhotoOrder &order, int photoMode, const QVector<int> &indexes,
+             const std::function<bool(const SourceFile &, const PhotoInfo &)> &wanted)
 {
     const QVector<SourceFile> &files = order.files(photoMode);
-    QVector<int> wanted = indexes;
-    for (int index = 0; indexes.isEmpty() && index < files.size(); ++index)
-        wanted.append(index);
     QStringList sources;
-    for (const int index : qAsConst(wanted))
+    for (const int index : indexes)
         sources.append(files.at(index).path);
-
-    OrderInfo started = order.info;
-    started.photos.clear();
+    OrderInfo picked = order.info;
+    picked.photos.clear();
     const auto jobs = photorules::jobsFor(order.info, sources, photoMode);
     for (PhotoInfo job : jobs) {
-        job.sourceIndex = wanted.value(job.sourceIndex, -1);
-        const QVector<SourceJob> &states = files.at(job.sourceIndex).jobs;
-        const bool done = std::any_of(states.cbegin(), states.cend(), [&](const SourceJob &state) {
+        job.sourceIndex = indexes.value(job.sourceIndex);
+        if (wanted(files.at(job.sourceIndex), job))
+            picked.photos.append(job);
+    }
+    return picked;
+}
+
+OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+{
+    QVector<int> all = indexes;
+    for (int index = 0; indexes.isEmpty() && index < order.files(photoMode).size(); ++index)
+        all.append(index);
+    return withJobsThat(order, photoMode, all, [](const SourceFile &file, const PhotoInfo &job) {
+        return std::none_of(file.jobs.cbegin(), file.jobs.cend(), [&](const SourceJob &state) {
             return state.kind == job.kind && state.state == JobState::Done;
         });
-        if (!done)
-            started.photos.append(job);
-    }
-    return started;
+    });
+}
+
+OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+{
+    return withJobsThat(order, photoMode, indexes,
+                        [kind = mainKind(photoMode)](const SourceFile &, const PhotoInfo &job) {
+                            return job.kind == kind;
+                        });
 }
 
 QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
@@ -157,6 +173,14 @@ QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
             groups.append(group);
     }
     return groups;
+}
+
+QString mainKind(int photoMode)
+{
+    if (photoMode == photorules::Photos)
+        return photorules::originalKind;
+    return photoMode == photorules::TrialVideos ? photorules::trialVideoKind
+                                                : photorules::retouchedVideoKind;
 }
 
 QString stateText(const PhotoOrder &order, int photoMode)

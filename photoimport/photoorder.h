@@ -68,10 +68,16 @@ QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<Orde
 /// Without jobs when nothing is left to do.
 OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes = {});
 
+/// The order with the jobs that brought the source files at \a indexes themselves, done or not.
+OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes);
+
 /// Groups of orders (positions) among \a starting and all of \a orders that share a folder, each
 /// with at least one that is to start.
 QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
                                      const QVector<int> &starting);
+
+/// The kind of job (PhotoInfo::kind) that brings the source file itself.
+QString mainKind(int photoMode);
 
 /// Text and colour (QRgb) of an order's state cell.
 QString stateText(const PhotoOrder &order, int photoMode);

@@ -9,13 +9,14 @@ namespace {
 
 constexpr int thumbnailCacheKb = 96 * 1024;
 
-/// Where the imported file lies, as this machine writes it.
-QString importedPath(const PhotoOrder &order, const QString &name, int photoMode)
+/// Where the imported file lies, as this machine writes it; empty for an order without a folder.
+QString importedPath(const QString &folder, const QString &name, const QString &kind)
 {
     PhotoInfo photo;
     photo.fileName = name;
-    photo.kind = photorules::jobsFor({}, {QStringLiteral("x")}, photoMode).constFirst().kind;
-    return platform::toLocalPath(photorules::outputPathOf(order.folder(), photo));
+    photo.kind = kind;
+    return folder.isEmpty() ? folder
+                            : platform::toLocalPath(photorules::outputPathOf(folder, photo));
 }
 
 } // namespace
@@ -30,15 +31,15 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
         byName.insert(file.name.toCaseFolded(), index);
         photos.append({file.name, file.path, {}, index, file});
     }
+    const QString folder = order.folder();
+    const QString kind = photoorders::mainKind(photoMode);
     const auto known = order.servicePhotos(photoMode);
     for (const orderqueries::PhotoEntry &entry : known) {
         const int index = byName.value(entry.imgName.toCaseFolded(), -1);
         if (index >= 0 && photos.at(index).serviceId.isEmpty()) {
             photos[index].serviceId = entry.id;
         } else if (!entry.imgName.isEmpty()) {
-            const QString path = order.folder().isEmpty()
-                                     ? QString()
-                                     : importedPath(order, entry.imgName, photoMode);
+            const QString path = importedPath(folder, entry.imgName, kind);
             photos.append({entry.imgName, path, entry.id, -1, {}});
         }
     }

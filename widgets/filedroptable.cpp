@@ -8,9 +8,7 @@
 #include <QPainter>
 #include <QUrl>
 
-namespace {
-
-QStringList localPaths(const QMimeData *data)
+QStringList droppedPaths(const QMimeData *data)
 {
     QStringList paths;
     const QList<QUrl> urls = data->urls();
@@ -20,8 +18,6 @@ QStringList localPaths(const QMimeData *data)
     }
     return paths;
 }
-
-} // namespace
 
 FileDropTable::FileDropTable(QWidget *parent) : EmptyStateTable(parent)
 {
@@ -53,7 +49,7 @@ void FileDropTable::dropEvent(QDropEvent *event)
 {
     markRow({});
     const QModelIndex index = indexAt(event->pos());
-    const QStringList paths = localPaths(event->mimeData());
+    const QStringList paths = droppedPaths(event->mimeData());
     if (!index.isValid() || paths.isEmpty())
         return;
     event->setDropAction(Qt::CopyAction);

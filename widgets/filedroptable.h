@@ -5,6 +5,11 @@
 #include <QPersistentModelIndex>
 #include <QStringList>
 
+class QMimeData;
+
+/// The local files and folders among what is dragged.
+QStringList droppedPaths(const QMimeData *data);
+
 /// A table whose rows take files and folders from outside: they are dropped on a row, which is
 /// marked while they hover over it.
 class FileDropTable : public EmptyStateTable

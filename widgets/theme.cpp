@@ -387,6 +387,17 @@ QString tableStyle()
            scrollBarStyle();
 }
 
+QString listStyle()
+{
+    return scaled(
+               QStringLiteral("QListView { background-color: %1; color: %2; border: 1dp solid %3;"
+                              " font-size: @text; outline: none; }"
+                              "QListView:focus { border-color: %4; }")
+                   .arg(css(colours::surface), css(colours::heading), css(colours::divider),
+                        css(colours::accent))) +
+           scrollBarStyle();
+}
+
 QString splitterStyle()
 {
     return QStringLiteral("QSplitter::handle {    background-color: %1;    width: 1px;}")

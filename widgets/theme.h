@@ -68,6 +68,8 @@ QString comboStyle();
 QString dateEditStyle();
 QString calendarStyle();
 QString tableStyle();
+/// A list or grid whose delegate paints whole cells.
+QString listStyle();
 QString splitterStyle();
 QString scrollBarStyle();
 QString menuStyle();

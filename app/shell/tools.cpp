@@ -1,6 +1,7 @@
 #include "app/shell/tools.h"
 
 #include "fileimport/importfiles.h"
+#include "photoimport/tfhome.h"
 
 namespace {
 
@@ -26,11 +27,17 @@ const QVector<Tool> &allTools()
 {
     static const QString importOriginals = QStringLiteral("导入原片");
     static const QString importRetouched = QStringLiteral("导入精修片");
+    static const QString photoImport = QStringLiteral("导片工具");
     static const QVector<Tool> tools{
         {importOriginals, icon("tools_dr_yp"),
          [] { return importFiles(importOriginals, originals); }},
         {QStringLiteral("下载原始档"), icon("tools_xz_ysd")},
-        {QStringLiteral("导片工具"), icon("tools_dr_qxp")},
+        {photoImport, icon("tools_dr_qxp"),
+         [] {
+             auto *window = new tfhome;
+             window->setWindowTitle(photoImport);
+             return window;
+         }},
         {QStringLiteral("下载选片结果"), icon("tools_xz_xpjg")},
         {importRetouched, icon("tools_dr_jxp"),
          [] { return importFiles(importRetouched, retouched); }},

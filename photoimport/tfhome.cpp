@@ -1,0 +1,705 @@
+#include "photoimport/tfhome.h"
+
+#include "app/helpers/macwindowmanager.h"
+#include "net/background.h"
+#include "net/chosenfiles.h"
+#include "photoimport/photorequests.h"
+#include "photoimport/tfhomeorders.h"
+#include "photoimport/tfhomeorders_orderlistwidget.h"
+#include "photoimport/tfhomephotos.h"
+#include "photoimport/tfimportbar.h"
+#include "widgets/confirmdialog.h"
+#include "widgets/filedialog.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/messagebox.h"
+#include "widgets/servicenotice.h"
+#include "widgets/theme.h"
+#include "widgets/toast.h"
+
+#include <QClipboard>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int progressIntervalMs = 250;
+/// How long a closed window goes on telling the service of what was imported.
+constexpr int lastRegistrationsMs = 10000;
+
+} // namespace
+
+tfhome::tfhome(QWidget *parent)
+    : FramelessWindow(parent)
+    , orderPanel_(new tfhomeorders(&orders_))
+    , photoPanel_(new tfhomephotos(&photos_))
+    , bar_(new tfimportbar)
+    , overlay_(new LoadingOverlay(this))
+{
+    qRegisterMetaType<OrderInfo>();
+    qRegisterMetaType<PhotoInfo>();
+    orders_.setPhotoMode(AccountContext::photoMode);
+    bar_->setPhotoMode(AccountContext::photoMode);
+    bar_->setWorkers(manager_.maxWorkers());
+    buildLayout();
+    progressTimer_.setInterval(progressIntervalMs);
+    connect(&progressTimer_, &QTimer::timeout, this, &tfhome::refreshState);
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool success, const QString &error) {
+                Q_UNUSED(success)
+                if (!error.isEmpty())
+                    Toast::show(this, error);
+            });
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        ++choice_;
+        if (deletion_.isActive()) {
+            deletion_.cancel();
+            countsStale_ = true; // whether the service has deleted them is not known
+        }
+        overlay_->hideOverlay();
+        refreshState();
+    });
+    connectOrders();
+    connectPhotos();
+    connectBar();
+    connectRun();
+    connectServices();
+}
+
+tfhome::~tfhome()
+{
+    // The views outlive the models they show by a moment.
+    disconnect(orderPanel_, nullptr, this, nullptr);
+    disconnect(orderPanel_->table(), nullptr, this, nullptr);
+}
+
+void tfhome::buildLayout()
+{
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(orderPanel_);
+    splitter->addWidget(photoPanel_);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(splitter, 1);
+    layout->addWidget(bar_);
+    setContent(content);
+}
+
+void tfhome::connectOrders()
+{
+    tfhomeorders_OrderListWidget *table = orderPanel_->table();
+    connect(table, &tfhomeorders_OrderListWidget::orderSelectionChanged, this,
+            &tfhome::showSelectedOrder);
+    connect(orderPanel_, &tfhomeorders::ordersChanged, this, &tfhome::showSelectedOrder);
+    // A box shown while the drop is going on would freeze the program that the files come from.
+    connect(
+        table, &tfhomeorders_OrderListWidget::filesDroppedOnOrder, this,
+        [this](int row, const QStringList &paths) { takeFiles(row, paths, true); },
+        Qt::QueuedConnection);
+    table->addOrderAction(QStringLiteral("添加照片"), Qt::CTRL + Qt::Key_O,
+                          [this](int row) { addFiles(row); });
+    table->addOrderAction(QStringLiteral("添加文件夹"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
+                          [this](int row) { addFolder(row); });
+    table->addOrderAction(QStringLiteral("导入本单"), Qt::Key_Return,
+                          [this](int row) { startOrder(row); });
+    table->addOrderAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
+                          [this](int row) { openFolder(row); });
+    table->addOrderAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
+                          [this](int row) { copyNumber(row); });
+}
+
+void tfhome::connectPhotos()
+{
+    const auto shown = [this] { return orders_.rowOf(shownOrderId_); };
+    connect(photoPanel_, &tfhomephotos::addFilesClicked, this,
+            [this, shown] { addFiles(shown()); });
+    connect(photoPanel_, &tfhomephotos::addFolderClicked, this,
+            [this, shown] { addFolder(shown()); });
+    connect(photoPanel_, &tfhomephotos::openFolderClicked, this,
+            [this, shown] { openFolder(shown()); });
+    connect(photoPanel_, &tfhomephotos::startClicked, this, [this, shown] { startOrder(shown()); });
+    connect(photoPanel_, &tfhomephotos::retryClicked, this, &tfhome::retry);
+    connect(photoPanel_, &tfhomephotos::removeClicked, this, &tfhome::removeFiles);
+    connect(photoPanel_, &tfhomephotos::deleteClicked, this, &tfhome::deletePhotos);
+    connect(
+        photoPanel_, &tfhomephotos::filesDropped, this,
+        [this, shown](const QStringList &paths) { takeFiles(shown(), paths, true); },
+        Qt::QueuedConnection);
+    connect(photoPanel_->thumbnails(), &QThread::finished, this, &tfhome::endClosing);
+}
+
+void tfhome::connectBar()
+{
+    connect(bar_, &tfimportbar::photoModeChosen, this, &tfhome::choosePhotoMode);
+    connect(bar_, &tfimportbar::workersChosen, this,
+            [this](int count) { manager_.setMaxWorkers(count); });
+    connect(bar_, &tfimportbar::startClicked, this, [this] {
+        if (overlay_->isVisible())
+            return; // the shortcut reaches us while files are being looked at
+        if (manager_.isBusy() || preparing_)
+            stop();
+        else
+            startAll();
+    });
+    connect(bar_, &tfimportbar::pauseClicked, this, [this] {
+        if (manager_.isPaused())
+            manager_.resumeAllImport();
+        else
+            manager_.pauseAllImport();
+        rate_.clear();
+        bar_->setPaused(manager_.isPaused());
+    });
+}
+
+void tfhome::connectRun()
+{
+    connect(&manager_, &tfimportthreadmanager::photoImported, this, &tfhome::onPhotoImported);
+    connect(&manager_, &tfimportthreadmanager::orderProgressUpdated, this,
+            &tfhome::onOrderProgressUpdated);
+    connect(&manager_, &tfimportthreadmanager::orderImportCompleted, this,
+            [this](const OrderInfo &order) {
+                orders_.setRun(orders_.rowOf(order.id), PhotoOrder::Run::Idle);
+            });
+    connect(&manager_, &tfimportthreadmanager::allTasksCompleted, this, &tfhome::refreshState);
+    // A box waits for its answer; the pool must not wait inside its own signal.
+    connect(&manager_, &tfimportthreadmanager::pathErrorOccurred, this, &tfhome::afterPathError,
+            Qt::QueuedConnection);
+    connect(&manager_, &tfimportthreadmanager::workersEnded, this, &tfhome::endClosing);
+}
+
+void tfhome::connectServices()
+{
+    connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
+            [this](const QString &orderId, const PhotoInfo &photo) {
+                onPhotoRegistered(orderId, photo, RegistrationState::Registered, {});
+            });
+    connect(&registrar_, &PhotoRegistrar::photoRefused, this,
+            [this](const QString &orderId, const PhotoInfo &photo, const QString &reason) {
+                onPhotoRegistered(orderId, photo, RegistrationState::Refused, reason);
+            });
+    connect(&registrar_, &PhotoRegistrar::orderRegistered, this, [this](const QString &orderId) {
+        orders_.setFolderRefusal(orders_.rowOf(orderId), {});
+    });
+    connect(&registrar_, &PhotoRegistrar::orderRefused, this,
+            [this](const QString &orderId, const QString &reason) {
+                orders_.setFolderRefusal(orders_.rowOf(orderId), reason);
+            });
+    connect(
+        &registrar_, &PhotoRegistrar::idle, this,
+        [this] {
+            refreshState();
+            endClosing();
+        },
+        Qt::QueuedConnection);
+    connect(&deletion_, &PhotoDeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
+    connect(&deletion_, &PhotoDeletion::refused, this, [this](const ServiceReply &reply) {
+        overlay_->hideOverlay();
+        showServiceFailure(this, reply, reply.message);
+    });
+    connect(&deletion_, &PhotoDeletion::removed, this, &tfhome::endClosing);
+}
+
+void tfhome::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        orderPanel_->open();
+    }
+}
+
+// Choosing orders and files.
+
+void tfhome::showSelectedOrder()
+{
+    const int row = orderPanel_->table()->selectedOrder();
+    if (!orders_.hasRow(row)) {
+        shownOrderId_.clear();
+        photos_.show(nullptr, orders_.photoMode());
+        photoPanel_->showOrder({});
+        return;
+    }
+    const PhotoOrder &order = orders_.order(row);
+    shownOrderId_ = order.info.id;
+    photos_.show(&order, orders_.photoMode());
+    photoPanel_->showOrder(order.displayName());
+}
+
+bool tfhome::isQueuedOrActive(int row) const
+{
+    return orders_.order(row).run != PhotoOrder::Run::Idle ||
+           manager_.isQueuedOrActive(orders_.order(row).info.id);
+}
+
+bool tfhome::mayChange(int row)
+{
+    if (!orders_.hasRow(row) || overlay_->isVisible())
+        return false;
+    if (!isQueuedOrActive(row))
+        return true;
+    Toast::show(this, QStringLiteral("该订单正在导片，请等待完成或先停止"));
+    return false;
+}
+
+void tfhome::addFiles(int row)
+{
+    if (!mayChange(row))
+        return;
+    const QStringList paths =
+        FileDialog::openFiles(this, QStringLiteral("选择要导入的文件"),
+                              sourceFilter(orders_.photoMode()), QStringLiteral("photoimport"));
+    takeFiles(row, paths, false);
+}
+
+void tfhome::addFolder(int row)
+{
+    if (!mayChange(row))
+        return;
+    const QString folder = FileDialog::existingFolder(this, QStringLiteral("选择要导入的文件夹"),
+                                                      QStringLiteral("photoimport"));
+    if (!folder.isEmpty())
+        takeFiles(row, {folder}, true);
+}
+
+void tfhome::takeFiles(int row, const QStringList &paths, bool expand)
+{
+    if (paths.isEmpty() || !mayChange(row))
+        return;
+    const FileChoice choice{paths, expand, orders_.photoMode(), orders_.files(row)};
+    overlay_->showText(QStringLiteral("正在检查文件..."));
+    inBackground(
+        this, [choice] { return describeChoice(choice); },
+        [this, number = ++choice_, mode = choice.photoMode,
+         orderId = orders_.order(row).info.id](const FileChoiceResult &result) {
+            if (number != choice_)
+                return;
+            overlay_->hideOverlay();
+            onFilesDescribed(orderId, mode, result);
+        });
+}
+
+void tfhome::onFilesDescribed(const QString &orderId, int photoMode, const FileChoiceResult &result)
+{
+    const int row = orders_.rowOf(orderId);
+    if (row < 0 || photoMode != orders_.photoMode())
+        return;
+    if (!result.clashes.isEmpty()) {
+        MessageBox::warning(this, chosenfiles::sameTargetNotice(result.clashes));
+        return;
+    }
+    QStringList left;
+    if (result.ignored > 0)
+        left.append(QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored));
+    if (result.repeated > 0)
+        left.append(QStringLiteral("%1 个文件已在列表中").arg(result.repeated));
+    if (!left.isEmpty())
+        Toast::show(this, left.join(QStringLiteral("，")));
+    orders_.addFiles(row, result.files);
+    if (orderId == shownOrderId_)
+        showSelectedOrder();
+}
+
+void tfhome::removeFiles(const QVector<int> &photoRows)
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    if (!mayChange(row))
+        return;
+    QVector<int> indexes;
+    for (const int photoRow : photoRows) {
+        if (photos_.photo(photoRow).fileIndex >= 0)
+            indexes.append(photos_.photo(photoRow).fileIndex);
+    }
+    if (indexes.isEmpty())
+        return;
+    orders_.removeFiles(row, indexes);
+    showSelectedOrder();
+}
+
+void tfhome::choosePhotoMode(int mode)
+{
+    AccountContext::photoMode = mode;
+    orders_.setPhotoMode(mode);
+    showSelectedOrder();
+}
+
+void tfhome::openFolder(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    const QString folder = orders_.order(row).folder();
+    if (folder.isEmpty())
+        Toast::show(this, QStringLiteral("该订单没有导片路径"));
+    else
+        folderOpener_.open(folder);
+}
+
+void tfhome::copyNumber(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+    Toast::show(this, QStringLiteral("订单号已复制"));
+}
+
+// Importing.
+
+void tfhome::startOrder(int row)
+{
+    if (!mayChange(row))
+        return;
+    const QVector<SourceFile> &files = orders_.files(row);
+    if (std::all_of(files.cbegin(), files.cend(),
+                    [](const SourceFile &file) { return file.isComplete(); }))
+        Toast::show(this, QStringLiteral("请先为订单添加要导入的文件"));
+    else
+        start({row});
+}
+
+void tfhome::startAll()
+{
+    QVector<int> rows;
+    for (int row = 0; row < orders_.orders().size(); ++row) {
+        const FilesSummary &summary = orders_.order(row).summary(orders_.photoMode());
+        if (summary.complete < summary.files)
+            rows.append(row);
+    }
+    if (rows.isEmpty())
+        MessageBox::warning(this, QStringLiteral("请先为订单添加要导入的文件"));
+    else
+        start(rows);
+}
+
+bool tfhome::agreesToSharedFolders(const QVector<int> &rows)
+{
+    const auto groups = photoorders::sharingFolders(orders_.orders(), rows);
+    if (groups.isEmpty())
+        return true;
+    QString text = QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？");
+    for (const QVector<int> &group : groups) {
+        text += QStringLiteral("\n\n") + orders_.order(group.constFirst()).folder();
+        for (const int row : group)
+            text += QLatin1Char('\n') + orders_.order(row).displayName();
+    }
+    return ConfirmDialog::ask(this, text, ConfirmDialog::Enter::Cancels);
+}
+
+void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
+{
+    if (preparing_) {
+        Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
+        return;
+    }
+    if (!agreesToSharedFolders(rows))
+        return;
+    if (!runOpen_) {
+        batch_.clear();
+        rate_.clear();
+        clock_.start();
+    }
+    runOpen_ = true;
+    preparing_ = true;
+    QVector<PhotoOrder> started;
+    for (const int row : rows) {
+        QVector<int> all(indexes);
+        for (int index = 0; indexes.isEmpty() && index < orders_.files(row).size(); ++index)
+            all.append(index);
+        orders_.resetFailedJobs(row, all);
+        started.append(orders_.order(row));
+        orders_.setRun(row, PhotoOrder::Run::Queued);
+        batch_.insert(orders_.order(row).info.id);
+        announced_.remove(orders_.order(row).info.id);
+    }
+    showSelectedOrder();
+    refreshState();
+    inBackground(
+        this,
+        [started, indexes, mode = orders_.photoMode()] {
+            QList<OrderInfo> orders;
+            for (const PhotoOrder &order : started)
+                orders.append(photoorders::withJobs(order, mode, indexes));
+            return orders;
+        },
+        [this, number = ++start_](const QList<OrderInfo> &orders) {
+            if (number != start_)
+                return; // stopped meanwhile
+            preparing_ = false;
+            if (orders.size() == 1)
+                manager_.startImportOrder(orders.constFirst());
+            else
+                manager_.startImportAllOrders(orders);
+            refreshState();
+        });
+}
+
+void tfhome::afterPathError(const QString &message, const QString &path)
+{
+    endRun();
+    if (!isClosingLater())
+        MessageBox::warning(this,
+                            path.isEmpty() ? message : message + QStringLiteral("\n\n") + path);
+}
+
+/// Orders that the pool does not hold any more are idle again.
+void tfhome::endRun()
+{
+    for (int row = 0; row < orders_.orders().size(); ++row) {
+        if (!preparing_ && !manager_.isQueuedOrActive(orders_.order(row).info.id))
+            orders_.setRun(row, PhotoOrder::Run::Idle);
+    }
+    if (!manager_.isBusy() && !preparing_)
+        runOpen_ = false;
+    refreshState();
+}
+
+void tfhome::stop()
+{
+    ++start_;
+    preparing_ = false;
+    manager_.stopAllImport();
+    manager_.resumeAllImport(); // the next run is not to begin paused
+    bar_->setPaused(false);
+    endRun();
+}
+
+void tfhome::onPhotoImported(const OrderInfo &orderinfo, const QString &fileName, int photoindex,
+                             bool success, const QString &errorMsg)
+{
+    const PhotoInfo job = orderinfo.photos.value(photoindex);
+    const int index = orders_.applyResult(orderinfo.id, job, success, errorMsg);
+    const int row = orders_.rowOf(orderinfo.id);
+    if (row >= 0 && orders_.order(row).run == PhotoOrder::Run::Queued)
+        orders_.setRun(row, PhotoOrder::Run::Active);
+    if (success) {
+        qDebug().noquote() << QStringLiteral("照片导入完成：成功: %1 - %2-%3 第 %4")
+                                  .arg(orderinfo.orderPayForKey, fileName, job.kind)
+                                  .arg(photoindex + 1);
+        if (photorequests::isRegistered(orders_.photoMode(), job)) {
+            orders_.applyRegistration(orderinfo.id, job, RegistrationState::Pending);
+            registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_.photoMode(),
+                                         orderPanel_->identity());
+        }
+        if (!announced_.contains(orderinfo.id)) {
+            announced_.insert(orderinfo.id);
+            registrar_.upImportOrderData(orderinfo, orderPanel_->identity());
+        }
+    } else {
+        qDebug().noquote() << QStringLiteral("照片导入完成：失败: %1 - %2 第 %3, 错误: %4")
+                                  .arg(orderinfo.orderPayForKey, fileName)
+                                  .arg(photoindex + 1)
+                                  .arg(errorMsg);
+    }
+    if (index >= 0 && orderinfo.id == shownOrderId_)
+        photos_.updateFile(index, orders_.files(row).at(index));
+}
+
+void tfhome::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
+{
+    qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
+                              .arg(orderinfo.orderPayForKey)
+                              .arg(completed)
+                              .arg(total)
+                              .arg(total > 0 ? completed * 100 / total : 100);
+}
+
+void tfhome::refreshState()
+{
+    orders_.flush();
+    const bool running = manager_.isBusy() || preparing_;
+    bar_->setRunning(running);
+    orderPanel_->setImporting(isBusy());
+    if (running) {
+        const TransferProgress progress = orders_.progressOf(batch_);
+        rate_.add(clock_.elapsed(), progress.bytesDone);
+        bar_->showProgress(progress, rate_);
+        progressTimer_.start();
+    } else if (registrar_.pending() > 0) {
+        bar_->showRegistering(registrar_.pending());
+        progressTimer_.start();
+    } else {
+        bar_->hideProgress();
+        progressTimer_.stop();
+        if (runOpen_)
+            announceEnd();
+        if (countsStale_ && !isClosingLater()) {
+            countsStale_ = false;
+            orderPanel_->refreshImportCounts();
+        }
+    }
+}
+
+void tfhome::announceEnd()
+{
+    runOpen_ = false;
+    bar_->setPaused(manager_.isPaused());
+    int failed = 0;
+    int unregistered = 0;
+    for (const QString &id : qAsConst(batch_)) {
+        const int row = orders_.rowOf(id);
+        if (row < 0)
+            continue;
+        const FilesSummary &summary = orders_.order(row).summary(orders_.photoMode());
+        failed += summary.failed;
+        unregistered += summary.unregistered;
+    }
+    if (isClosingLater())
+        return;
+    // Shown from the event loop: whoever told us that all is done must not wait for the answer.
+    QTimer::singleShot(0, this, [this, failed, unregistered] {
+        if (failed == 0 && unregistered == 0) {
+            MessageBox::information(this, QStringLiteral("导片完成！"));
+            return;
+        }
+        MessageBox::warning(this, QStringLiteral("导片结束，%1 个文件失败，%2 个文件未登记。\n"
+                                                 "请在照片列表中查看原因，再点“重试失败”。")
+                                      .arg(failed)
+                                      .arg(unregistered));
+    });
+}
+
+void tfhome::retry(const QVector<int> &photoRows)
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    if (!mayChange(row))
+        return;
+    QVector<int> wanted;
+    for (const int photoRow : photoRows)
+        wanted.append(photos_.photo(photoRow).fileIndex);
+    const QVector<SourceFile> &files = orders_.files(row);
+    QVector<int> failed;
+    QVector<int> unregistered;
+    for (int index = 0; index < files.size(); ++index) {
+        if (!photoRows.isEmpty() && !wanted.contains(index))
+            continue;
+        if (files.at(index).hasFailed())
+            failed.append(index);
+        if (files.at(index).registration == RegistrationState::Refused)
+            unregistered.append(index);
+    }
+    if (failed.isEmpty() && unregistered.isEmpty() && orders_.order(row).folderRefusal.isEmpty()) {
+        Toast::show(this, QStringLiteral("没有失败的文件"));
+        return;
+    }
+    registerAgain(row, unregistered);
+    if (!failed.isEmpty())
+        start({row}, failed);
+}
+
+void tfhome::registerAgain(int row, const QVector<int> &indexes)
+{
+    const int mode = orders_.photoMode();
+    const OrderInfo order = photoorders::withMainJobs(orders_.order(row), mode, indexes);
+    if (!orders_.order(row).folderRefusal.isEmpty())
+        registrar_.upImportOrderData(order, orderPanel_->identity());
+    for (int position = 0; position < order.photos.size(); ++position) {
+        const PhotoInfo &photo = order.photos.at(position);
+        orders_.applyRegistration(order.id, photo, RegistrationState::Pending);
+        photos_.updateFile(photo.sourceIndex, orders_.files(row).at(photo.sourceIndex));
+        registrar_.upImportPhotoInfo(order, position, mode, orderPanel_->identity());
+    }
+    refreshState();
+}
+
+// Telling the service, deleting.
+
+void tfhome::onPhotoRegistered(const QString &orderId, const PhotoInfo &photo,
+                               RegistrationState state, const QString &reason)
+{
+    countsStale_ = true;
+    const int index = orders_.applyRegistration(orderId, photo, state, reason);
+    if (index >= 0 && orderId == shownOrderId_)
+        photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
+}
+
+void tfhome::deletePhotos(const QVector<int> &photoRows)
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    if (!mayChange(row))
+        return;
+    if (deletion_.isActive()) {
+        Toast::show(this, QStringLiteral("正在删除，请稍候"));
+        return;
+    }
+    QStringList ids;
+    QStringList names;
+    for (const int photoRow : photoRows) {
+        const PanelPhoto &photo = photos_.photo(photoRow);
+        if (photo.serviceId.isEmpty())
+            continue;
+        ids.append(photo.serviceId);
+        names.append(photo.name);
+    }
+    if (ids.isEmpty()) {
+        Toast::show(this, QStringLiteral("请选择要删除的已导入照片"));
+        return;
+    }
+    if (!ConfirmDialog::ask(this,
+                            QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
+                                           "服务和磁盘上的文件都会删除，不能恢复。")
+                                .arg(ids.size()),
+                            ConfirmDialog::Enter::Cancels))
+        return;
+    if (!orders_.hasRow(row) || orders_.order(row).info.id != shownOrderId_)
+        return;
+    overlay_->showText(QStringLiteral("正在删除..."));
+    deletion_.start(deletionOf(orders_.order(row), ids, names, orders_.photoMode()),
+                    orderPanel_->identity());
+}
+
+void tfhome::onPhotosDeleted(const DeletionRequest &deleted)
+{
+    overlay_->hideOverlay();
+    const int row = orders_.rowOf(deleted.orderId);
+    if (row >= 0) {
+        QVector<int> indexes;
+        const QVector<SourceFile> &files = orders_.files(row);
+        for (int index = 0; index < files.size(); ++index) {
+            if (deleted.names.contains(files.at(index).name, Qt::CaseInsensitive))
+                indexes.append(index);
+        }
+        orders_.forgetServicePhotos(row, deleted.ids);
+        orders_.removeFiles(row, indexes);
+        showSelectedOrder();
+    }
+    Toast::show(this, QStringLiteral("删除成功"));
+}
+
+// Closing.
+
+FramelessWindow::CloseAnswer tfhome::closeRequested()
+{
+    if (isBusy() && !ConfirmDialog::ask(this, QStringLiteral("正在导片，关闭窗口会停止导片，"
+                                                             "确认要关闭吗？")))
+        return CloseAnswer::Refuse;
+    ++choice_;
+    stop();
+    orderPanel_->abandon();
+    deletion_.cancel();
+    photoPanel_->thumbnails()->stop();
+    if (registrar_.pending() > 0) {
+        QTimer::singleShot(lastRegistrationsMs, this, [this] {
+            registrar_.cancel();
+            endClosing();
+        });
+    }
+    const bool waits = manager_.hasLiveWorkers() || registrar_.pending() > 0 ||
+                       deletion_.isRemoving() || photoPanel_->thumbnails()->isRunning();
+    return waits ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+void tfhome::endClosing()
+{
+    if (isClosingLater() && !manager_.hasLiveWorkers() && registrar_.pending() == 0 &&
+        !deletion_.isRemoving() && !photoPanel_->thumbnails()->isRunning())
+        finishClosing();
+}

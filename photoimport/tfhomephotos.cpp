@@ -1,0 +1,155 @@
+#include "photoimport/tfhomephotos.h"
+
+#include "photoimport/tfphotodelegate.h"
+#include "photoimport/tfphotolistmodel.h"
+#include "photoimport/tfphotoview.h"
+#include "widgets/contextmenu.h"
+#include "widgets/theme.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int sightDelayMs = 30; // scrolling asks once it pauses
+
+} // namespace
+
+tfhomephotos::tfhomephotos(tfphotolistmodel *model, QWidget *parent)
+    : QWidget(parent), model_(model), view_(new tfphotoview(this)), heading_(new QLabel(this))
+{
+    buildView();
+    buildLayout();
+    showOrder({});
+    sightTimer_.setSingleShot(true);
+    sightTimer_.setInterval(sightDelayMs);
+    connect(&sightTimer_, &QTimer::timeout, this, &tfhomephotos::askForThumbnails);
+    const auto lookAgain = [this] { sightTimer_.start(); };
+    connect(view_, &tfphotoview::sightChanged, this, lookAgain);
+    connect(model_, &QAbstractItemModel::modelReset, this, lookAgain);
+    connect(&thumbnails_, &tfthumbnailthread::thumbnailReady, model_,
+            &tfphotolistmodel::setThumbnail);
+}
+
+void tfhomephotos::buildView()
+{
+    view_->setObjectName(QStringLiteral("photoView"));
+    view_->setModel(model_);
+    view_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(view_, &QWidget::customContextMenuRequested, this, &tfhomephotos::showContextMenu);
+    connect(view_, &tfphotoview::filesDropped, this, &tfhomephotos::filesDropped);
+    addAction(QStringLiteral("重新导入"), Qt::CTRL + Qt::Key_R,
+              [this] { emit retryClicked(selectedRows()); });
+    addAction(QStringLiteral("移出列表"), Qt::CTRL + Qt::Key_Delete,
+              [this] { emit removeClicked(selectedRows()); });
+    addAction(QStringLiteral("删除照片"), Qt::Key_Delete,
+              [this] { emit deleteClicked(selectedRows()); });
+    addAction(QStringLiteral("全选"), QKeySequence::SelectAll, [this] { view_->selectAll(); });
+}
+
+QPushButton *tfhomephotos::button(const char *name, const QString &text, const QString &tip)
+{
+    auto *made = new QPushButton(text, this);
+    made->setObjectName(QLatin1String(name));
+    made->setStyleSheet(theme::secondaryButtonStyle());
+    made->setToolTip(tip);
+    return made;
+}
+
+void tfhomephotos::buildLayout()
+{
+    heading_->setObjectName(QStringLiteral("orderHeading"));
+    heading_->setStyleSheet(theme::headingStyle());
+    heading_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto *addFiles = button("addFilesButton", QStringLiteral("添加照片"),
+                            QStringLiteral("选择照片，也可以把文件或文件夹拖到订单上"));
+    auto *addFolder = button("addFolderButton", QStringLiteral("添加文件夹"),
+                             QStringLiteral("添加文件夹和其中所有子文件夹里的照片"));
+    auto *start =
+        button("startOrderButton", QStringLiteral("导入本单"), QStringLiteral("只导入当前订单"));
+    auto *retry = button("retryButton", QStringLiteral("重试失败"),
+                         QStringLiteral("重新导入失败的照片，重新登记未登记的照片"));
+    auto *open = button("openFolderButton", QStringLiteral("打开目录"), {});
+    auto *remove = button("deleteButton", QStringLiteral("删除照片"),
+                          QStringLiteral("从服务和磁盘上删除选中的已导入照片"));
+    auto *layoutButton =
+        button("viewButton", QStringLiteral("列表"), QStringLiteral("切换网格和列表"));
+    connect(addFiles, &QPushButton::clicked, this, &tfhomephotos::addFilesClicked);
+    connect(addFolder, &QPushButton::clicked, this, &tfhomephotos::addFolderClicked);
+    connect(start, &QPushButton::clicked, this, &tfhomephotos::startClicked);
+    connect(open, &QPushButton::clicked, this, &tfhomephotos::openFolderClicked);
+    connect(retry, &QPushButton::clicked, this, [this] { emit retryClicked({}); });
+    connect(remove, &QPushButton::clicked, this, [this] { emit deleteClicked(selectedRows()); });
+    connect(layoutButton, &QPushButton::clicked, this, [this, layoutButton] {
+        view_->setGrid(!view_->isGrid());
+        layoutButton->setText(view_->isGrid() ? QStringLiteral("列表") : QStringLiteral("网格"));
+        sightTimer_.start();
+    });
+    needOrder_ = {addFiles, addFolder, start, retry, open, remove};
+
+    auto *head = new QHBoxLayout;
+    head->setSpacing(theme::spacing());
+    head->addWidget(heading_, 1);
+    head->addWidget(layoutButton);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(theme::spacing());
+    for (QWidget *made : qAsConst(needOrder_))
+        buttons->addWidget(made);
+    buttons->addStretch();
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
+    layout->setSpacing(theme::spacing());
+    layout->addLayout(head);
+    layout->addLayout(buttons);
+    layout->addWidget(view_, 1);
+}
+
+void tfhomephotos::addAction(const QString &text, const QKeySequence &shortcut,
+                             std::function<void()> act)
+{
+    auto *action = new QAction(text, view_);
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    view_->addAction(action);
+    connect(action, &QAction::triggered, this, std::move(act));
+}
+
+void tfhomephotos::showContextMenu(const QPoint &position)
+{
+    auto *menu = new ContextMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(view_->actions());
+    menu->popup(view_->viewport()->mapToGlobal(position));
+}
+
+void tfhomephotos::showOrder(const QString &heading)
+{
+    const bool shown = !heading.isEmpty();
+    heading_->setText(shown ? heading : QStringLiteral("照片"));
+    heading_->setToolTip(heading);
+    for (QWidget *part : qAsConst(needOrder_))
+        part->setEnabled(shown);
+    view_->setEmptyText(shown ? QStringLiteral("添加照片，或把照片和文件夹拖到这里")
+                              : QStringLiteral("请在左侧选择订单"));
+}
+
+QVector<int> tfhomephotos::selectedRows() const
+{
+    QVector<int> rows;
+    const auto indexes = view_->selectionModel()->selectedIndexes();
+    for (const QModelIndex &index : indexes)
+        rows.append(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+void tfhomephotos::askForThumbnails()
+{
+    const tfphotoview::Range rows = view_->visibleRows();
+    thumbnails_.want(model_->wantedThumbnails(rows.first, rows.last),
+                     tfphotodelegate::thumbnailSide());
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "net/transferprogress.h"
+
+#include <QWidget>
+
+class ComboBox;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// The lower edge of the photo import window: what is imported, by how many workers, how far it is,
+/// and the buttons that start, pause and stop.
+class tfimportbar : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit tfimportbar(QWidget *parent = nullptr);
+
+    void setPhotoMode(int mode);
+    void setWorkers(int count);
+    /// Whether something is queued or active: the start button stops then, and what must not change
+    /// meanwhile is locked.
+    void setRunning(bool running);
+    void setPaused(bool paused);
+    void showProgress(const TransferProgress &progress, const TransferRate &rate);
+    /// Registrations that are still to be sent; the progress stays without a rate.
+    void showRegistering(int pending);
+    void hideProgress();
+
+signals:
+    void photoModeChosen(int mode);
+    void workersChosen(int count);
+    /// Start all, or stop.
+    void startClicked();
+    void pauseClicked();
+
+private:
+    ComboBox *modeBox_;
+    ComboBox *workerBox_;
+    QLabel *progressLabel_;
+    QProgressBar *progressBar_;
+    QPushButton *pauseButton_;
+    QPushButton *startButton_;
+};
