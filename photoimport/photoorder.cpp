@@ -23,7 +23,11 @@ std::size_t PhotoOrder::modeIndex(int photoMode)
 
 void PhotoOrder::resummarise()
 {
-    std::transform(filesByMode.cbegin(), filesByMode.cend(), summaries.begin(), summarise);
+    for (int mode = 0; mode < modes; ++mode) {
+        FilesSummary &summary = summaries[modeIndex(mode)];
+        summary = summarise(files(mode));
+        summary.onService = servicePhotos(mode).size();
+    }
 }
 
 QString PhotoOrder::displayNumber() const
@@ -53,14 +57,16 @@ QString PhotoOrder::folder() const
 
 QVector<PhotoEntry> PhotoOrder::servicePhotos(int photoMode) const
 {
-    if (photoMode == photorules::TrialVideos)
-        return info.imagesTaipian;
-    const bool videos = photoMode != photorules::Photos;
+    const QString home = folder();
+    PhotoInfo imported;
+    imported.kind = photoorders::mainKind(photoMode);
     QVector<PhotoEntry> photos;
-    for (const PhotoEntry &photo : info.images) {
-        const bool isVideo = photo.type == QLatin1String("3");
-        if (isVideo == videos)
-            photos.append(photo);
+    for (const PhotoEntry &entry :
+         photoMode == photorules::TrialVideos ? info.imagesTaipian : info.images) {
+        imported.fileName = entry.imgName;
+        if (!home.isEmpty() &&
+            wirePathKey(entry.localPath) == wirePathKey(photorules::outputPathOf(home, imported)))
+            photos.append(entry);
     }
     return photos;
 }

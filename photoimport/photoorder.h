@@ -20,7 +20,7 @@ struct PhotoOrder
     std::array<QVector<SourceFile>, modes> filesByMode; ///< by photorules::PhotoMode
     Run run = Run::Idle;
     QString folderRefusal;                     ///< why the service did not take the order's folder
-    std::array<FilesSummary, modes> summaries; ///< of filesByMode, see resummarise()
+    std::array<FilesSummary, modes> summaries; ///< of all that by mode, see resummarise()
 
     QVector<SourceFile> &files(int photoMode) { return filesByMode[modeIndex(photoMode)]; }
     const QVector<SourceFile> &files(int photoMode) const
@@ -28,7 +28,7 @@ struct PhotoOrder
         return filesByMode[modeIndex(photoMode)];
     }
     const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
-    /// After files changed.
+    /// After files, or what the service says, changed.
     void resummarise();
 
     /// The number users know the order by, with its service: "0012-1".
@@ -38,7 +38,8 @@ struct PhotoOrder
     QString displayName() const;
     /// In Windows form; empty when there is nothing it could be made of.
     QString folder() const;
-    /// What the service has on its books of the mode.
+    /// What the service has on its books of this tool's imports in the mode: the entries that
+    /// lie where the tool puts them.
     QVector<orderqueries::PhotoEntry> servicePhotos(int photoMode) const;
     bool hasUnfinishedFiles() const;
 

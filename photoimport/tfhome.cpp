@@ -3,7 +3,6 @@
 #include "app/helpers/macwindowmanager.h"
 #include "net/background.h"
 #include "net/chosenfiles.h"
-#include "photoimport/photorequests.h"
 #include "photoimport/tfhomeorders.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
 #include "photoimport/tfhomephotos.h"
@@ -34,6 +33,7 @@ constexpr int lastRegistrationsMs = 10000;
 
 tfhome::tfhome(QWidget *parent)
     : FramelessWindow(parent)
+    , run_(&orders_)
     , orderPanel_(new tfhomeorders(&orders_))
     , photoPanel_(new tfhomephotos(&photos_))
     , bar_(new tfimportbar)
@@ -43,7 +43,7 @@ tfhome::tfhome(QWidget *parent)
     qRegisterMetaType<PhotoInfo>();
     orders_.setPhotoMode(AccountContext::photoMode);
     bar_->setPhotoMode(AccountContext::photoMode);
-    bar_->setWorkers(manager_.maxWorkers());
+    bar_->setWorkers(run_.pool()->maxWorkers());
     buildLayout();
     progressTimer_.setInterval(progressIntervalMs);
     connect(&progressTimer_, &QTimer::timeout, this, &tfhome::refreshState);
@@ -57,18 +57,17 @@ tfhome::tfhome(QWidget *parent)
             });
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
         ++choice_;
+        overlay_->hideOverlay();
         if (deletion_.isActive()) {
             deletion_.cancel();
-            countsStale_ = true; // whether the service has deleted them is not known
+            orderPanel_->refreshImportCounts(); // whether the service has deleted them is not known
         }
-        overlay_->hideOverlay();
-        refreshState();
     });
     connectOrders();
     connectPhotos();
     connectBar();
     connectRun();
-    connectServices();
+    connectDeletion();
 }
 
 tfhome::~tfhome()
@@ -143,65 +142,41 @@ void tfhome::connectBar()
 {
     connect(bar_, &tfimportbar::photoModeChosen, this, &tfhome::choosePhotoMode);
     connect(bar_, &tfimportbar::workersChosen, this,
-            [this](int count) { manager_.setMaxWorkers(count); });
+            [this](int count) { run_.pool()->setMaxWorkers(count); });
     connect(bar_, &tfimportbar::startClicked, this, [this] {
         if (overlay_->isVisible())
             return; // the shortcut reaches us while files are being looked at
-        if (manager_.isBusy() || preparing_)
-            stop();
+        if (run_.isImporting())
+            run_.stop();
         else
             startAll();
     });
     connect(bar_, &tfimportbar::pauseClicked, this, [this] {
-        if (manager_.isPaused())
-            manager_.resumeAllImport();
+        if (run_.pool()->isPaused())
+            run_.pool()->resumeAllImport();
         else
-            manager_.pauseAllImport();
+            run_.pool()->pauseAllImport();
         rate_.clear();
-        bar_->setPaused(manager_.isPaused());
+        bar_->setPaused(run_.pool()->isPaused());
     });
 }
 
 void tfhome::connectRun()
 {
-    connect(&manager_, &tfimportthreadmanager::photoImported, this, &tfhome::onPhotoImported);
-    connect(&manager_, &tfimportthreadmanager::orderProgressUpdated, this,
-            &tfhome::onOrderProgressUpdated);
-    connect(&manager_, &tfimportthreadmanager::orderImportCompleted, this,
-            [this](const OrderInfo &order) {
-                orders_.setRun(orders_.rowOf(order.id), PhotoOrder::Run::Idle);
+    connect(&run_, &PhotoImportRun::fileChanged, this, &tfhome::showFile);
+    connect(&run_, &PhotoImportRun::stateChanged, this, &tfhome::refreshState);
+    connect(&run_, &PhotoImportRun::refused, this,
+            [this](const QString &message, const QString &path) {
+                tell(path.isEmpty() ? message : message + QStringLiteral("\n\n") + path);
             });
-    connect(&manager_, &tfimportthreadmanager::allTasksCompleted, this, &tfhome::refreshState);
-    // A box waits for its answer; the pool must not wait inside its own signal.
-    connect(&manager_, &tfimportthreadmanager::pathErrorOccurred, this, &tfhome::afterPathError,
-            Qt::QueuedConnection);
-    connect(&manager_, &tfimportthreadmanager::workersEnded, this, &tfhome::endClosing);
+    // A box waits for its answer; the run must not wait inside its own signal.
+    connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd, Qt::QueuedConnection);
+    connect(&run_, &PhotoImportRun::countsStale, orderPanel_, &tfhomeorders::refreshImportCounts);
+    connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
 }
 
-void tfhome::connectServices()
+void tfhome::connectDeletion()
 {
-    connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
-            [this](const QString &orderId, const PhotoInfo &photo) {
-                onPhotoRegistered(orderId, photo, RegistrationState::Registered, {});
-            });
-    connect(&registrar_, &PhotoRegistrar::photoRefused, this,
-            [this](const QString &orderId, const PhotoInfo &photo, const QString &reason) {
-                onPhotoRegistered(orderId, photo, RegistrationState::Refused, reason);
-            });
-    connect(&registrar_, &PhotoRegistrar::orderRegistered, this, [this](const QString &orderId) {
-        orders_.setFolderRefusal(orders_.rowOf(orderId), {});
-    });
-    connect(&registrar_, &PhotoRegistrar::orderRefused, this,
-            [this](const QString &orderId, const QString &reason) {
-                orders_.setFolderRefusal(orders_.rowOf(orderId), reason);
-            });
-    connect(
-        &registrar_, &PhotoRegistrar::idle, this,
-        [this] {
-            refreshState();
-            endClosing();
-        },
-        Qt::QueuedConnection);
     connect(&deletion_, &PhotoDeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
     connect(&deletion_, &PhotoDeletion::refused, this, [this](const ServiceReply &reply) {
         overlay_->hideOverlay();
@@ -236,17 +211,11 @@ void tfhome::showSelectedOrder()
     photoPanel_->showOrder(order.displayName());
 }
 
-bool tfhome::isQueuedOrActive(int row) const
-{
-    return orders_.order(row).run != PhotoOrder::Run::Idle ||
-           manager_.isQueuedOrActive(orders_.order(row).info.id);
-}
-
 bool tfhome::mayChange(int row)
 {
     if (!orders_.hasRow(row) || overlay_->isVisible())
         return false;
-    if (!isQueuedOrActive(row))
+    if (!run_.isQueuedOrActive(row))
         return true;
     Toast::show(this, QStringLiteral("该订单正在导片，请等待完成或先停止"));
     return false;
@@ -396,175 +365,63 @@ bool tfhome::agreesToSharedFolders(const QVector<int> &rows)
 
 void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
 {
-    if (preparing_) {
-        Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
-        return;
-    }
     if (!agreesToSharedFolders(rows))
         return;
-    if (!runOpen_) {
-        batch_.clear();
+    if (!run_.isImporting()) {
         rate_.clear();
         clock_.start();
     }
-    runOpen_ = true;
-    preparing_ = true;
-    QVector<PhotoOrder> started;
-    for (const int row : rows) {
-        QVector<int> all(indexes);
-        for (int index = 0; indexes.isEmpty() && index < orders_.files(row).size(); ++index)
-            all.append(index);
-        orders_.resetFailedJobs(row, all);
-        started.append(orders_.order(row));
-        orders_.setRun(row, PhotoOrder::Run::Queued);
-        batch_.insert(orders_.order(row).info.id);
-        announced_.remove(orders_.order(row).info.id);
-    }
-    showSelectedOrder();
-    refreshState();
-    inBackground(
-        this,
-        [started, indexes, mode = orders_.photoMode()] {
-            QList<OrderInfo> orders;
-            for (const PhotoOrder &order : started)
-                orders.append(photoorders::withJobs(order, mode, indexes));
-            return orders;
-        },
-        [this, number = ++start_](const QList<OrderInfo> &orders) {
-            if (number != start_)
-                return; // stopped meanwhile
-            preparing_ = false;
-            if (orders.size() == 1)
-                manager_.startImportOrder(orders.constFirst());
-            else
-                manager_.startImportAllOrders(orders);
-            refreshState();
-        });
+    if (run_.start(rows, indexes, orderPanel_->identity()))
+        showSelectedOrder();
+    else
+        Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
 }
 
-void tfhome::afterPathError(const QString &message, const QString &path)
-{
-    endRun();
-    if (!isClosingLater())
-        MessageBox::warning(this,
-                            path.isEmpty() ? message : message + QStringLiteral("\n\n") + path);
-}
-
-/// Orders that the pool does not hold any more are idle again.
-void tfhome::endRun()
-{
-    for (int row = 0; row < orders_.orders().size(); ++row) {
-        if (!preparing_ && !manager_.isQueuedOrActive(orders_.order(row).info.id))
-            orders_.setRun(row, PhotoOrder::Run::Idle);
-    }
-    if (!manager_.isBusy() && !preparing_)
-        runOpen_ = false;
-    refreshState();
-}
-
-void tfhome::stop()
-{
-    ++start_;
-    preparing_ = false;
-    manager_.stopAllImport();
-    manager_.resumeAllImport(); // the next run is not to begin paused
-    bar_->setPaused(false);
-    endRun();
-}
-
-void tfhome::onPhotoImported(const OrderInfo &orderinfo, const QString &fileName, int photoindex,
-                             bool success, const QString &errorMsg)
-{
-    const PhotoInfo job = orderinfo.photos.value(photoindex);
-    const int index = orders_.applyResult(orderinfo.id, job, success, errorMsg);
-    const int row = orders_.rowOf(orderinfo.id);
-    if (row >= 0 && orders_.order(row).run == PhotoOrder::Run::Queued)
-        orders_.setRun(row, PhotoOrder::Run::Active);
-    if (success) {
-        qDebug().noquote() << QStringLiteral("照片导入完成：成功: %1 - %2-%3 第 %4")
-                                  .arg(orderinfo.orderPayForKey, fileName, job.kind)
-                                  .arg(photoindex + 1);
-        if (photorequests::isRegistered(orders_.photoMode(), job)) {
-            orders_.applyRegistration(orderinfo.id, job, RegistrationState::Pending);
-            registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_.photoMode(),
-                                         orderPanel_->identity());
-        }
-        if (!announced_.contains(orderinfo.id)) {
-            announced_.insert(orderinfo.id);
-            registrar_.upImportOrderData(orderinfo, orderPanel_->identity());
-        }
-    } else {
-        qDebug().noquote() << QStringLiteral("照片导入完成：失败: %1 - %2 第 %3, 错误: %4")
-                                  .arg(orderinfo.orderPayForKey, fileName)
-                                  .arg(photoindex + 1)
-                                  .arg(errorMsg);
-    }
-    if (index >= 0 && orderinfo.id == shownOrderId_)
-        photos_.updateFile(index, orders_.files(row).at(index));
-}
-
-void tfhome::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
-{
-    qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
-                              .arg(orderinfo.orderPayForKey)
-                              .arg(completed)
-                              .arg(total)
-                              .arg(total > 0 ? completed * 100 / total : 100);
-}
-
+/// Also four times a second while something goes on.
 void tfhome::refreshState()
 {
-    orders_.flush();
-    const bool running = manager_.isBusy() || preparing_;
-    bar_->setRunning(running);
-    orderPanel_->setImporting(isBusy());
-    if (running) {
-        const TransferProgress progress = orders_.progressOf(batch_);
+    bar_->setRunning(run_.isImporting());
+    bar_->setPaused(run_.pool()->isPaused());
+    orderPanel_->setImporting(run_.isBusy());
+    const TransferProgress progress = run_.progress();
+    if (run_.isImporting()) {
         rate_.add(clock_.elapsed(), progress.bytesDone);
         bar_->showProgress(progress, rate_);
-        progressTimer_.start();
-    } else if (registrar_.pending() > 0) {
-        bar_->showRegistering(registrar_.pending());
-        progressTimer_.start();
+    } else if (run_.isBusy()) {
+        bar_->showRegistering(run_.pendingRegistrations());
     } else {
         bar_->hideProgress();
         progressTimer_.stop();
-        if (runOpen_)
-            announceEnd();
-        if (countsStale_ && !isClosingLater()) {
-            countsStale_ = false;
-            orderPanel_->refreshImportCounts();
-        }
+        endClosing();
+        return;
     }
+    if (!progressTimer_.isActive())
+        progressTimer_.start();
 }
 
-void tfhome::announceEnd()
+void tfhome::showFile(const QString &orderId, int index)
 {
-    runOpen_ = false;
-    bar_->setPaused(manager_.isPaused());
-    int failed = 0;
-    int unregistered = 0;
-    for (const QString &id : qAsConst(batch_)) {
-        const int row = orders_.rowOf(id);
-        if (row < 0)
-            continue;
-        const FilesSummary &summary = orders_.order(row).summary(orders_.photoMode());
-        failed += summary.failed;
-        unregistered += summary.unregistered;
-    }
-    if (isClosingLater())
-        return;
-    // Shown from the event loop: whoever told us that all is done must not wait for the answer.
-    QTimer::singleShot(0, this, [this, failed, unregistered] {
-        if (failed == 0 && unregistered == 0) {
+    if (orderId == shownOrderId_)
+        photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
+}
+
+void tfhome::announceEnd(int failed, int unregistered)
+{
+    if (failed == 0 && unregistered == 0) {
+        if (!isClosingLater())
             MessageBox::information(this, QStringLiteral("导片完成！"));
-            return;
-        }
-        MessageBox::warning(this, QStringLiteral("导片结束，%1 个文件失败，%2 个文件未登记。\n"
-                                                 "请在照片列表中查看原因，再点“重试失败”。")
-                                      .arg(failed)
-                                      .arg(unregistered));
-    });
+        return;
+    }
+    tell(QStringLiteral("导片结束，%1 个文件失败，%2 个文件未登记。\n"
+                        "请在照片列表中查看原因，再点“重试失败”。")
+             .arg(failed)
+             .arg(unregistered));
+}
+
+void tfhome::tell(const QString &problem)
+{
+    if (!isClosingLater())
+        MessageBox::warning(this, problem);
 }
 
 void tfhome::retry(const QVector<int> &photoRows)
@@ -590,36 +447,12 @@ void tfhome::retry(const QVector<int> &photoRows)
         Toast::show(this, QStringLiteral("没有失败的文件"));
         return;
     }
-    registerAgain(row, unregistered);
+    run_.registerAgain(row, unregistered, orderPanel_->identity());
     if (!failed.isEmpty())
         start({row}, failed);
 }
 
-void tfhome::registerAgain(int row, const QVector<int> &indexes)
-{
-    const int mode = orders_.photoMode();
-    const OrderInfo order = photoorders::withMainJobs(orders_.order(row), mode, indexes);
-    if (!orders_.order(row).folderRefusal.isEmpty())
-        registrar_.upImportOrderData(order, orderPanel_->identity());
-    for (int position = 0; position < order.photos.size(); ++position) {
-        const PhotoInfo &photo = order.photos.at(position);
-        orders_.applyRegistration(order.id, photo, RegistrationState::Pending);
-        photos_.updateFile(photo.sourceIndex, orders_.files(row).at(photo.sourceIndex));
-        registrar_.upImportPhotoInfo(order, position, mode, orderPanel_->identity());
-    }
-    refreshState();
-}
-
-// Telling the service, deleting.
-
-void tfhome::onPhotoRegistered(const QString &orderId, const PhotoInfo &photo,
-                               RegistrationState state, const QString &reason)
-{
-    countsStale_ = true;
-    const int index = orders_.applyRegistration(orderId, photo, state, reason);
-    if (index >= 0 && orderId == shownOrderId_)
-        photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
-}
+// Deleting.
 
 void tfhome::deletePhotos(const QVector<int> &photoRows)
 {
@@ -678,28 +511,28 @@ void tfhome::onPhotosDeleted(const DeletionRequest &deleted)
 
 FramelessWindow::CloseAnswer tfhome::closeRequested()
 {
-    if (isBusy() && !ConfirmDialog::ask(this, QStringLiteral("正在导片，关闭窗口会停止导片，"
-                                                             "确认要关闭吗？")))
+    if (run_.isBusy() && !ConfirmDialog::ask(this, QStringLiteral("正在导片，关闭窗口会停止导片，"
+                                                                  "确认要关闭吗？")))
         return CloseAnswer::Refuse;
     ++choice_;
-    stop();
+    if (run_.isImporting())
+        run_.stop();
     orderPanel_->abandon();
     deletion_.cancel();
     photoPanel_->thumbnails()->stop();
-    if (registrar_.pending() > 0) {
-        QTimer::singleShot(lastRegistrationsMs, this, [this] {
-            registrar_.cancel();
-            endClosing();
-        });
-    }
-    const bool waits = manager_.hasLiveWorkers() || registrar_.pending() > 0 ||
-                       deletion_.isRemoving() || photoPanel_->thumbnails()->isRunning();
-    return waits ? CloseAnswer::CloseLater : CloseAnswer::Close;
+    if (run_.isBusy())
+        QTimer::singleShot(lastRegistrationsMs, this, [this] { run_.cancelRegistrations(); });
+    return mayEnd() ? CloseAnswer::Close : CloseAnswer::CloseLater;
+}
+
+bool tfhome::mayEnd() const
+{
+    return !run_.isBusy() && !run_.hasLiveWorkers() && !deletion_.isRemoving() &&
+           !photoPanel_->thumbnails()->isRunning();
 }
 
 void tfhome::endClosing()
 {
-    if (isClosingLater() && !manager_.hasLiveWorkers() && registrar_.pending() == 0 &&
-        !deletion_.isRemoving() && !photoPanel_->thumbnails()->isRunning())
+    if (isClosingLater() && mayEnd())
         finishClosing();
 }

@@ -2,16 +2,13 @@
 
 #include "app/helpers/sharedfolderopener.h"
 #include "photoimport/photodeletion.h"
-#include "photoimport/photoregistrar.h"
+#include "photoimport/photoimportrun.h"
 #include "photoimport/sourcefile.h"
-#include "photoimport/tfimportthreadmanager.h"
 #include "photoimport/tforderlistmodel.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "widgets/framelesswindow.h"
 
 #include <QElapsedTimer>
-#include <QList>
-#include <QSet>
 #include <QStringList>
 #include <QTimer>
 #include <QVector>
@@ -32,11 +29,6 @@ public:
     explicit tfhome(QWidget *parent = nullptr);
     ~tfhome() override;
 
-public slots:
-    void onPhotoImported(const OrderInfo &orderinfo, const QString &fileName, int photoindex,
-                         bool success, const QString &errorMsg);
-    void onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total);
-
 protected:
     CloseAnswer closeRequested() override;
     void showEvent(QShowEvent *event) override;
@@ -47,7 +39,7 @@ private:
     void connectPhotos();
     void connectBar();
     void connectRun();
-    void connectServices();
+    void connectDeletion();
 
     // Choosing.
     void showSelectedOrder();
@@ -67,37 +59,25 @@ private:
     /// \a indexes: files of the one row; all of every row when empty.
     void start(const QVector<int> &rows, const QVector<int> &indexes = {});
     bool agreesToSharedFolders(const QVector<int> &rows);
-    void stop();
     void retry(const QVector<int> &photoRows);
-    void registerAgain(int row, const QVector<int> &indexes);
-    void endRun();
-    void afterPathError(const QString &message, const QString &path);
     void refreshState();
-    void announceEnd();
-    bool isQueuedOrActive(int row) const;
-    bool isBusy() const { return manager_.isBusy() || registrar_.pending() > 0 || preparing_; }
+    void showFile(const QString &orderId, int index);
+    void announceEnd(int failed, int unregistered);
+    void tell(const QString &problem);
 
-    // Telling the service, deleting.
-    void onPhotoRegistered(const QString &orderId, const PhotoInfo &photo, RegistrationState state,
-                           const QString &reason);
+    // Deleting, closing.
     void deletePhotos(const QVector<int> &photoRows);
     void onPhotosDeleted(const DeletionRequest &deleted);
+    bool mayEnd() const;
     void endClosing();
 
     bool opened_ = false;
     QString shownOrderId_;
     int choice_ = 0; ///< number of the choice being described; a cancelled one is no longer it
-    int start_ = 0;  ///< number of the start being prepared
-    bool preparing_ = false;   ///< jobs of a start are being made
-    bool runOpen_ = false;     ///< a run was begun whose end is not announced yet
-    bool countsStale_ = false; ///< the service knows of more, or of less, than the list shows
-    QSet<QString> batch_;      ///< orders of the run
-    QSet<QString> announced_;  ///< orders of the run whose folder the service was told
 
     tforderlistmodel orders_;
     tfphotolistmodel photos_;
-    tfimportthreadmanager manager_;
-    PhotoRegistrar registrar_;
+    PhotoImportRun run_;
     PhotoDeletion deletion_;
     SharedFolderOpener folderOpener_;
     QTimer progressTimer_;

@@ -97,8 +97,11 @@ void tforderlistmodel::resetFailedJobs(int row, const QVector<int> &indexes)
 {
     if (!hasRow(row))
         return;
+    const QSet<int> wanted(indexes.cbegin(), indexes.cend());
     QVector<SourceFile> &files = orders_[row].files(photoMode_);
-    for (const int index : indexes) {
+    for (int index = 0; index < files.size(); ++index) {
+        if (!wanted.isEmpty() && !wanted.contains(index))
+            continue;
         for (SourceJob &job : files[index].jobs) {
             if (job.state == JobState::Failed)
                 job = {job.kind, JobState::Waiting, {}};
@@ -207,7 +210,7 @@ QVariant tforderlistmodel::cell(const PhotoOrder &order, int column) const
     case PhotographerColumn:
         return order.info.role1;
     case ImportedColumn:
-        return order.servicePhotos(photoMode_).size();
+        return summary.onService;
     case ChosenColumn:
         return summary.files > 0 ? QVariant(summary.files) : QVariant(QString());
     case StateColumn:

@@ -57,7 +57,7 @@ public:
     /// What the service says now of listed orders; files and states stay.
     void refreshInfo(const QVector<OrderInfo> &found);
 
-    /// Puts the file's failed jobs back to waiting. Announced at once.
+    /// Puts failed jobs of the files back to waiting; of all files when \a indexes is empty.
     void resetFailedJobs(int row, const QVector<int> &indexes);
 
     /// The result of a job, and what the service says of a file. Both find the file by order id and

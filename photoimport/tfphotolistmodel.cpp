@@ -35,13 +35,14 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
     const QString kind = photoorders::mainKind(photoMode);
     const auto known = order.servicePhotos(photoMode);
     for (const orderqueries::PhotoEntry &entry : known) {
-        const int index = byName.value(entry.imgName.toCaseFolded(), -1);
-        if (index >= 0 && photos.at(index).serviceId.isEmpty()) {
-            photos[index].serviceId = entry.id;
-        } else if (!entry.imgName.isEmpty()) {
-            const QString path = importedPath(folder, entry.imgName, kind);
-            photos.append({entry.imgName, path, entry.id, -1, {}});
+        const QString key = entry.imgName.toCaseFolded();
+        const int row = byName.value(key, -1);
+        if (row >= 0) {
+            photos[row].serviceId = entry.id;
+            continue;
         }
+        byName.insert(key, photos.size());
+        photos.append({entry.imgName, importedPath(folder, entry.imgName, kind), entry.id, -1, {}});
     }
     return photos;
 }

@@ -1,0 +1,230 @@
+#include "photoimport/photoimportrun.h"
+
+#include "net/background.h"
+#include "photoimport/photorequests.h"
+
+#include <QDebug>
+
+PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
+    : QObject(parent), orders_(orders)
+{
+    connectParts();
+}
+
+PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, const PhotoOperations &operations,
+                               QObject *parent)
+    : QObject(parent), orders_(orders), pool_(operations)
+{
+    connectParts();
+}
+
+void PhotoImportRun::connectParts()
+{
+    connect(&pool_, &tfimportthreadmanager::photoImported, this, &PhotoImportRun::onPhotoImported);
+    connect(&pool_, &tfimportthreadmanager::orderProgressUpdated, this,
+            &PhotoImportRun::onOrderProgressUpdated);
+    connect(&pool_, &tfimportthreadmanager::orderImportCompleted, this,
+            [this](const OrderInfo &order) {
+                orders_->setRun(orders_->rowOf(order.id), PhotoOrder::Run::Idle);
+            });
+    // The pool and the registrar must not be called again from within their own signals.
+    connect(&pool_, &tfimportthreadmanager::allTasksCompleted, this, &PhotoImportRun::afterStep,
+            Qt::QueuedConnection);
+    connect(&registrar_, &PhotoRegistrar::idle, this, &PhotoImportRun::afterStep,
+            Qt::QueuedConnection);
+    connect(
+        &pool_, &tfimportthreadmanager::pathErrorOccurred, this,
+        [this](const QString &message, const QString &path) {
+            releaseOrders();
+            emit refused(message, path);
+        },
+        Qt::QueuedConnection);
+    connect(&pool_, &tfimportthreadmanager::workersEnded, this, &PhotoImportRun::workersEnded);
+    connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
+            [this](const QString &orderId, const PhotoInfo &photo) {
+                onRegistered(orderId, photo, RegistrationState::Registered, {});
+            });
+    connect(&registrar_, &PhotoRegistrar::photoRefused, this,
+            [this](const QString &orderId, const PhotoInfo &photo, const QString &reason) {
+                onRegistered(orderId, photo, RegistrationState::Refused, reason);
+            });
+    connect(&registrar_, &PhotoRegistrar::orderRegistered, this, [this](const QString &orderId) {
+        orders_->setFolderRefusal(orders_->rowOf(orderId), {});
+    });
+    connect(&registrar_, &PhotoRegistrar::orderRefused, this,
+            [this](const QString &orderId, const QString &reason) {
+                orders_->setFolderRefusal(orders_->rowOf(orderId), reason);
+            });
+}
+
+bool PhotoImportRun::isQueuedOrActive(int row) const
+{
+    const PhotoOrder &order = orders_->order(row);
+    return order.run != PhotoOrder::Run::Idle || pool_.isQueuedOrActive(order.info.id);
+}
+
+bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes,
+                           const orderqueries::Identity &identity)
+{
+    if (preparing_)
+        return false;
+    if (!open_)
+        batch_.clear();
+    identity_ = identity;
+    open_ = true;
+    preparing_ = true;
+    QVector<PhotoOrder> started;
+    for (const int row : rows) {
+        const QString id = orders_->order(row).info.id;
+        orders_->resetFailedJobs(row, indexes);
+        started.append(orders_->order(row));
+        orders_->setRun(row, PhotoOrder::Run::Queued);
+        batch_.insert(id);
+        announced_.remove(id);
+    }
+    // Orders of thousands of photos make tens of thousands of jobs.
+    inBackground(
+        this,
+        [started, indexes, mode = orders_->photoMode()] {
+            QList<OrderInfo> orders;
+            for (const PhotoOrder &order : started)
+                orders.append(photoorders::withJobs(order, mode, indexes));
+            return orders;
+        },
+        [this, number = ++start_](const QList<OrderInfo> &orders) {
+            if (number == start_) // not stopped meanwhile
+                begin(orders);
+        });
+    emit stateChanged();
+    return true;
+}
+
+void PhotoImportRun::begin(const QList<OrderInfo> &orders)
+{
+    preparing_ = false;
+    if (orders.size() == 1)
+        pool_.startImportOrder(orders.constFirst());
+    else
+        pool_.startImportAllOrders(orders);
+    emit stateChanged();
+}
+
+void PhotoImportRun::stop()
+{
+    ++start_;
+    preparing_ = false;
+    pool_.stopAllImport();
+    if (pool_.isPaused())
+        pool_.resumeAllImport(); // the next run is not to begin paused
+    releaseOrders();
+}
+
+/// Orders that the pool does not hold are idle; when it holds none the run is over.
+void PhotoImportRun::releaseOrders()
+{
+    for (int row = 0; row < orders_->orders().size() && !preparing_; ++row) {
+        if (!pool_.isQueuedOrActive(orders_->order(row).info.id))
+            orders_->setRun(row, PhotoOrder::Run::Idle);
+    }
+    if (!isImporting())
+        open_ = false;
+    afterStep();
+}
+
+void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &fileName,
+                                     int photoindex, bool success, const QString &errorMsg)
+{
+    const PhotoInfo job = orderinfo.photos.value(photoindex);
+    const int index = orders_->applyResult(orderinfo.id, job, success, errorMsg);
+    const int row = orders_->rowOf(orderinfo.id);
+    if (row >= 0 && orders_->order(row).run == PhotoOrder::Run::Queued)
+        orders_->setRun(row, PhotoOrder::Run::Active);
+    if (success) {
+        qDebug().noquote() << QStringLiteral("照片导入完成：成功: %1 - %2-%3 第 %4")
+                                  .arg(orderinfo.orderPayForKey, fileName, job.kind)
+                                  .arg(photoindex + 1);
+        if (photorequests::isRegistered(orders_->photoMode(), job))
+            orders_->applyRegistration(orderinfo.id, job, RegistrationState::Pending);
+        registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_->photoMode(), identity_);
+        if (!announced_.contains(orderinfo.id)) {
+            announced_.insert(orderinfo.id);
+            registrar_.upImportOrderData(orderinfo, identity_);
+        }
+    } else {
+        qDebug().noquote() << QStringLiteral("照片导入完成：失败: %1 - %2 第 %3, 错误: %4")
+                                  .arg(orderinfo.orderPayForKey, fileName)
+                                  .arg(photoindex + 1)
+                                  .arg(errorMsg);
+    }
+    if (index >= 0)
+        emit fileChanged(orderinfo.id, index);
+}
+
+void PhotoImportRun::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
+{
+    qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
+                              .arg(orderinfo.orderPayForKey)
+                              .arg(completed)
+                              .arg(total)
+                              .arg(total > 0 ? completed * 100 / total : 100);
+}
+
+TransferProgress PhotoImportRun::progress()
+{
+    orders_->flush();
+    return orders_->progressOf(batch_);
+}
+
+void PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
+                                   const orderqueries::Identity &identity)
+{
+    const int mode = orders_->photoMode();
+    const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
+    if (!orders_->order(row).folderRefusal.isEmpty())
+        registrar_.upImportOrderData(order, identity);
+    for (int position = 0; position < order.photos.size(); ++position) {
+        onRegistered(order.id, order.photos.at(position), RegistrationState::Pending, {});
+        registrar_.upImportPhotoInfo(order, position, mode, identity);
+    }
+    emit stateChanged();
+}
+
+void PhotoImportRun::onRegistered(const QString &orderId, const PhotoInfo &photo,
+                                  RegistrationState state, const QString &reason)
+{
+    stale_ = true;
+    const int index = orders_->applyRegistration(orderId, photo, state, reason);
+    if (index >= 0)
+        emit fileChanged(orderId, index);
+}
+
+void PhotoImportRun::cancelRegistrations()
+{
+    registrar_.cancel();
+    afterStep();
+}
+
+void PhotoImportRun::afterStep()
+{
+    orders_->flush();
+    emit stateChanged();
+    if (isBusy())
+        return;
+    if (open_) {
+        open_ = false;
+        int failed = 0;
+        int unregistered = 0;
+        for (const QString &id : qAsConst(batch_)) {
+            const int row = orders_->rowOf(id);
+            if (row < 0)
+                continue;
+            failed += orders_->order(row).summary(orders_->photoMode()).failed;
+            unregistered += orders_->order(row).summary(orders_->photoMode()).unregistered;
+        }
+        emit ended(failed, unregistered);
+    }
+    if (stale_) {
+        stale_ = false;
+        emit countsStale();
+    }
+}
