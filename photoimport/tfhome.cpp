@@ -25,6 +25,9 @@
 
 namespace {
 
+// How the window's width is divided.
+constexpr int ordersShare = 3;
+constexpr int photosShare = 2;
 constexpr int progressIntervalMs = 250;
 /// How long a closed window goes on telling the service of what was imported.
 constexpr int lastRegistrationsMs = 10000;
@@ -83,8 +86,9 @@ void tfhome::buildLayout()
     splitter->setStyleSheet(theme::splitterStyle());
     splitter->addWidget(orderPanel_);
     splitter->addWidget(photoPanel_);
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, 1);
+    splitter->setStretchFactor(0, ordersShare);
+    splitter->setStretchFactor(1, photosShare);
+    splitter->setSizes({ordersShare * QWIDGETSIZE_MAX / 8, photosShare * QWIDGETSIZE_MAX / 8});
     splitter->setChildrenCollapsible(false);
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);

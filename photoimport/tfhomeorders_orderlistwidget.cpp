@@ -45,9 +45,9 @@ void tfhomeorders_OrderListWidget::setColumnWidths()
         Model::Column column;
         int width;
     } widths[] = {
-        {Model::NumberColumn, 96},       {Model::CustomersColumn, 128}, {Model::ShotDateColumn, 88},
-        {Model::PhotographerColumn, 66}, {Model::ImportedColumn, 48},   {Model::ChosenColumn, 52},
-        {Model::StateColumn, 116},       {Model::ProgressColumn, 92},   {Model::PathColumn, 220},
+        {Model::NumberColumn, 90},       {Model::CustomersColumn, 110}, {Model::ShotDateColumn, 88},
+        {Model::PhotographerColumn, 60}, {Model::ImportedColumn, 44},   {Model::ChosenColumn, 44},
+        {Model::StateColumn, 104},       {Model::ProgressColumn, 76},   {Model::PathColumn, 220},
     };
     for (const auto &entry : widths)
         setColumnWidth(entry.column, K::scaledPx(entry.width));

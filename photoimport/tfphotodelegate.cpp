@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int cardWidthPx = 176;
+constexpr int cardWidthPx = 188;
 constexpr int cardPictureHeightPx = 132;
 constexpr int rowPictureWidthPx = 84;
 constexpr int rowHeightPx = 68;
@@ -48,19 +48,20 @@ QVector<Mark> marksOf(const PanelPhoto &photo)
     QVector<Mark> marks;
     for (const SourceJob &job : photo.file.jobs)
         marks.append({kindText(job.kind), colourOf(job.state)});
+    const QString registration = QStringLiteral("登记");
     switch (photo.file.registration) {
     case RegistrationState::Pending:
-        marks.append({QStringLiteral("登记中"), colours::chosen});
+        marks.append({registration, colours::inProgress});
         break;
     case RegistrationState::Refused:
-        marks.append({QStringLiteral("未登记"), colours::failure});
+        marks.append({registration, colours::failure});
         break;
     case RegistrationState::Registered:
-        marks.append({QStringLiteral("已登记"), colours::success});
+        marks.append({registration, colours::success});
         break;
     case RegistrationState::None:
-        if (photo.fileIndex < 0)
-            marks.append({QStringLiteral("已登记"), colours::success});
+        if (photo.fileIndex < 0) // the service told us of it
+            marks.append({registration, colours::success});
         break;
     }
     return marks;

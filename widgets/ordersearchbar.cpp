@@ -23,7 +23,7 @@ void nameFilter(ComboBox *box, const QString &name)
 
 int narrowWidth(const ComboBox *box)
 {
-    return qMin(box->sizeHint().width(), theme::widestChoice());
+    return qBound(box->minimumWidth(), box->sizeHint().width(), theme::widestChoice());
 }
 
 } // namespace

@@ -2,25 +2,21 @@
 #include "net/background.h"
 #include "photoimport/tfhome.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
-#include "photoimport/tfhomephotos.h"
 #include "photoimport/tfphotoview.h"
 #include "platform/pathform.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
 #include "widgets/filedialog.h"
-#include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
-#include "widgets/ordersearchbar.h"
 #include "widgets/toast.h"
 
-#include <QClipboard>
 #include <QComboBox>
 #include <QDir>
 #include <QDropEvent>
 #include <QGuiApplication>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -216,30 +212,262 @@ void TestTfHome::importsWhatIsDropped()
     QCOMPARE(Toast::currentText(window_), QStringLiteral("已忽略 1 个不支持的文件"));
     QCOMPARE(photos()->model()->rowCount(), 8);
     QTRY_VERIFY(!photos()->model()->index(5, 0).data(Qt::DecorationRole).value<QImage>().isNull());
-    if (qEnvironmentVariableIsSet("SHOT"))
-        window_->grab().save(QStringLiteral("/tmp/wt/pi-window/build/shot1.png"));
+    table()->setFocus();
     QTest::keyClick(table(), Qt::Key_Return);
     EXPECT_BOXES(done);
-    if (qEnvironmentVariableIsSet("SHOT"))
-        window_->grab().save(QStringLiteral("/tmp/wt/pi-window/build/shot2.png"));
     QCOMPARE(state(first_), QStringLiteral("导片完成"));
     for (const char *kind : {"all", "90", "190", "1920"})
-        QVERIFY(QFile::exists(imported(first_, QStringLiteral("%1/IMG_5.jpg").arg(QLatin1String(kind)))));
+        QVERIFY(QFile::exists(
+            imported(first_, QStringLiteral("%1/IMG_5.jpg").arg(QLatin1String(kind)))));
     QCOMPARE(demo_.requests(QStringLiteral("savepicpath")).size(), 8);
     QCOMPARE(demo_.requests(QStringLiteral("saveorderphotopath")).size(), 1);
     QTRY_COMPARE(text(first_, Column::ImportedColumn), QStringLiteral("8"));
     QCOMPARE(photos()->model()->rowCount(), 8);
 }
 
-void TestTfHome::filesOfOneNameAreNotTaken() {}
-void TestTfHome::anOrderIsNotQueuedTwice() {}
-void TestTfHome::stopsAndGoesOn() {}
-void TestTfHome::failedFilesAreRetried() {}
-void TestTfHome::refusedRegistrationsAreRetried() {}
-void TestTfHome::deletesAtTheServiceFirst() {}
-void TestTfHome::videosGoTheirOwnWay() {}
-void TestTfHome::unfinishedOrdersSurviveASearch() {}
-void TestTfHome::closesInMidRun() {}
+void TestTfHome::filesOfOneNameAreNotTaken()
+{
+    open();
+    dropPhotos(first_, 2);
+    QFile::copy(card_->filePath(first_ + QStringLiteral("/IMG_0.jpg")),
+                card_->filePath(QStringLiteral("img_0.JPG")));
+    // Chosen one by one, by the button: the clash is with what is listed already.
+    select(first_);
+    FileDialog::setNextFiles({card_->filePath(QStringLiteral("img_0.JPG"))});
+    click("addFilesButton");
+    QTRY_COMPARE(boxes().size(), 1);
+    QVERIFY(boxes_.first().contains(card_->filePath(QStringLiteral("img_0.JPG"))));
+    QVERIFY(boxes_.first().contains(first_ + QStringLiteral("/IMG_0.jpg")));
+    boxes_.clear();
+    QCOMPARE(text(first_, Column::ChosenColumn), QStringLiteral("2"));
+
+    // The same file again is no clash, and is not listed twice.
+    FileDialog::setNextFolder(card_->filePath(first_));
+    click("addFolderButton");
+    QTRY_VERIFY(Toast::currentText(window_).contains(QStringLiteral("2 个文件已在列表中")));
+    QCOMPARE(text(first_, Column::ChosenColumn), QStringLiteral("2"));
+
+    photos()->selectAll();
+    photos()->setFocus();
+    QTest::keyClick(photos(), Qt::Key_Delete, Qt::ControlModifier);
+    QCOMPARE(text(first_, Column::ChosenColumn), QString());
+}
+
+void TestTfHome::anOrderIsNotQueuedTwice()
+{
+    open();
+    dropPhotos(first_, 3);
+    click("startOrderButton");
+    demo_.misbehave(QStringLiteral("savepicpath"), QStringLiteral("hold"));
+    QCOMPARE(state(first_), QStringLiteral("等待导片"));
+    for (const char *box : {"modeBox", "workerBox"}) {
+        QVERIFY(!part<QComboBox>(box)->isEnabled());
+        QVERIFY(part<QComboBox>(box)->toolTip().startsWith(QStringLiteral("导片进行中")));
+    }
+    click("startOrderButton");
+    QCOMPARE(Toast::currentText(window_), QStringLiteral("该订单正在导片，请等待完成或先停止"));
+    // Searches and branches wait as well.
+    click("searchButton");
+    EXPECT_BOXES(QStringList(QStringLiteral("导片中...")));
+    // Another order joins.
+    dropPhotos(second_, 2);
+    click("startOrderButton");
+    QTRY_COMPARE(state(second_), QStringLiteral("导片完成"));
+    demo_.release();
+    EXPECT_BOXES(done);
+    QTRY_COMPARE(text(second_, Column::ImportedColumn), QStringLiteral("2"));
+    QCOMPARE(demo_.requests(QStringLiteral("savepicpath")).size(), 5);
+    QVERIFY(part<QComboBox>("modeBox")->isEnabled());
+}
+
+void TestTfHome::stopsAndGoesOn()
+{
+    open();
+    dropPhotos(first_, 6);
+    click("startButton");
+    click("pauseButton");
+    QCOMPARE(part<QPushButton>("pauseButton")->text(), QStringLiteral("继续"));
+    QCOMPARE(part<QPushButton>("startButton")->text(), QStringLiteral("停止导片"));
+    click("startButton");
+    QCOMPARE(part<QPushButton>("startButton")->text(), QStringLiteral("全部开始"));
+    QCOMPARE(part<QPushButton>("pauseButton")->text(), QStringLiteral("暂停"));
+    QVERIFY(state(first_) != QStringLiteral("等待导片"));
+    auto *workers = part<QComboBox>("workerBox");
+    QTRY_VERIFY(workers->isEnabled());
+    QCOMPARE(workers->count(), 16);
+    workers->setFocus();
+    QTest::keyClick(workers, Qt::Key_End);
+    QTest::keyClick(window_, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_BOXES(done);
+    QCOMPARE(state(first_), QStringLiteral("导片完成"));
+    QCOMPARE(QDir(imported(first_, QStringLiteral("1920"))).entryList(QDir::Files).size(), 6);
+    click("startButton");
+    EXPECT_BOXES(QStringList(QStringLiteral("请先为订单添加要导入的文件")));
+}
+
+void TestTfHome::failedFilesAreRetried()
+{
+    open();
+    dropPhotos(first_, 3);
+    const QString away = card_->filePath(QStringLiteral("away"));
+    const QString photo = card_->filePath(first_ + QStringLiteral("/IMG_2.jpg"));
+    QVERIFY(QFile::rename(photo, away));
+    click("startOrderButton");
+    QTRY_COMPARE(boxes().size(), 1);
+    QVERIFY(boxes_.first().startsWith(QStringLiteral("导片结束，1 个文件失败，0 个文件未登记。")));
+    boxes_.clear();
+    QCOMPARE(state(first_), QStringLiteral("成功:2, 失败:1"));
+    const auto panel = photos()->model()->index(2, 0).data(tfphotolistmodel::PhotoRole);
+    QCOMPARE(panel.value<PanelPhoto>().file.failureText(),
+             QStringLiteral("原图拷贝失败；图片压缩失败 (目标尺寸: 90)；"
+                            "图片压缩失败 (目标尺寸: 190)；图片压缩失败 (目标尺寸: 1920)"));
+    demo_.clearRequests();
+    QVERIFY(QFile::rename(away, photo));
+    click("retryButton");
+    EXPECT_BOXES(done);
+    QCOMPARE(state(first_), QStringLiteral("导片完成"));
+    QCOMPARE(demo_.requests(QStringLiteral("savepicpath")).size(), 1); // the others are registered
+    click("retryButton");
+    QCOMPARE(Toast::currentText(window_), QStringLiteral("没有失败的文件"));
+}
+
+void TestTfHome::refusedRegistrationsAreRetried()
+{
+    open();
+    dropPhotos(first_, 2);
+    demo_.misbehave(QStringLiteral("savepicpath"), QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), QStringLiteral("稍后再试")}});
+    demo_.misbehave(QStringLiteral("saveorderphotopath"), QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), QStringLiteral("目录被占用")}});
+    click("startOrderButton");
+    QTRY_COMPARE(boxes().size(), 1);
+    QVERIFY(boxes_.first().startsWith(QStringLiteral("导片结束，0 个文件失败，1 个文件未登记。")));
+    boxes_.clear();
+    QCOMPARE(state(first_), QStringLiteral("未登记:1"));
+    QTRY_COMPARE(text(first_, Column::ImportedColumn), QStringLiteral("1"));
+    click("retryButton");
+    QTRY_COMPARE(state(first_), QStringLiteral("导片完成"));
+    QTRY_COMPARE(text(first_, Column::ImportedColumn), QStringLiteral("2"));
+    QCOMPARE(demo_.requests(QStringLiteral("saveorderphotopath")).size(), 2);
+}
+
+void TestTfHome::deletesAtTheServiceFirst()
+{
+    open();
+    dropPhotos(first_, 3);
+    click("startOrderButton");
+    EXPECT_BOXES(done);
+    QTRY_COMPARE(text(first_, Column::ImportedColumn), QStringLiteral("3"));
+    const QString original = imported(first_, QStringLiteral("all/IMG_0.jpg"));
+    photos()->setCurrentIndex(photos()->model()->index(1, 0));
+    photos()->setFocus();
+    const QString question = QStringLiteral("确认要删除选中的 1 个文件吗？\n"
+                                            "服务和磁盘上的文件都会删除，不能恢复。");
+
+    demo_.misbehave(QStringLiteral("delimages"), QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), QStringLiteral("照片已锁定")}});
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    QTest::keyClick(photos(), Qt::Key_Delete);
+    EXPECT_BOXES((QStringList{question, QStringLiteral("照片已锁定")}));
+    QVERIFY(QFile::exists(original));
+
+    QTest::keyClick(photos(), Qt::Key_Delete); // and changes their mind
+    EXPECT_BOXES(QStringList(question));
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    QTest::keyClick(photos(), Qt::Key_Delete);
+    EXPECT_BOXES(QStringList(question));
+    QTRY_COMPARE(Toast::currentText(window_), QStringLiteral("删除成功"));
+    QCOMPARE(photos()->model()->rowCount(), 2);
+    QCOMPARE(text(first_, Column::ImportedColumn), QStringLiteral("2"));
+    for (const char *kind : {"all", "90", "190", "1920"}) {
+        const QDir folder(imported(first_, QLatin1String(kind)));
+        QTRY_COMPARE(folder.entryList(QDir::Files),
+                     (QStringList{QStringLiteral("IMG_1.jpg"), QStringLiteral("IMG_2.jpg")}));
+    }
+}
+
+void TestTfHome::videosGoTheirOwnWay()
+{
+    open();
+    auto *mode = part<QComboBox>("modeBox");
+    mode->setFocus();
+    QTest::keyClick(mode, Qt::Key_Down);
+    QCOMPARE(AccountContext::photoMode, 1);
+    QFile video(card_->filePath(QStringLiteral("A&B.mp4")));
+    QVERIFY(video.open(QIODevice::WriteOnly) && video.write("frames") == 6);
+    video.close();
+    select(second_);
+    drop(photos()->viewport(), QPoint(40, 40), {video.fileName()});
+    QTRY_COMPARE(text(second_, Column::ChosenColumn), QStringLiteral("1"));
+    click("startOrderButton");
+    EXPECT_BOXES(done);
+    QVERIFY(QFile::exists(imported(second_, QStringLiteral("试拍视频/A&B.mp4"))));
+    const QJsonObject fields = demo_.requests(QStringLiteral("savepicpathmv"))
+                                   .first()
+                                   .toObject()
+                                   .value(QStringLiteral("fields"))
+                                   .toObject();
+    QCOMPARE(fields.value(QStringLiteral("type")).toString(), QStringLiteral("2"));
+    QCOMPARE(fields.value(QStringLiteral("photonames")).toString(), QStringLiteral("A&B.mp4"));
+    QTRY_COMPARE(text(second_, Column::ImportedColumn), QStringLiteral("1"));
+    photos()->selectAll();
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    click("deleteButton");
+    QTRY_COMPARE(demo_.requests(QStringLiteral("delmv")).size(), 1);
+    QTRY_VERIFY(!QFile::exists(imported(second_, QStringLiteral("试拍视频/A&B.mp4"))));
+    boxes();
+    boxes_.clear();
+
+    mode->setFocus();
+    QTest::keyClick(mode, Qt::Key_Up);
+    QCOMPARE(text(second_, Column::ChosenColumn), QString());
+}
+
+void TestTfHome::unfinishedOrdersSurviveASearch()
+{
+    open();
+    dropPhotos(first_, 2);
+    const int all = table()->model()->rowCount();
+    auto *keyword = part<QLineEdit>("keywordEdit");
+    keyword->setText(QStringLiteral("TS10003"));
+    QTest::keyClick(keyword, Qt::Key_Return);
+    QTRY_COMPARE(table()->model()->rowCount(), 2);
+    QCOMPARE(text(first_, Column::ChosenColumn), QStringLiteral("2"));
+
+    // Another branch would drop them: asked first.
+    auto *branches = part<QComboBox>("branchBox");
+    branches->setFocus();
+    QTest::keyClick(branches, Qt::Key_Down);
+    QCOMPARE(boxes().size(), 1);
+    boxes_.clear();
+    QCOMPARE(branches->currentText(), QStringLiteral("一店"));
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    QTest::keyClick(branches, Qt::Key_Down);
+    QTRY_VERIFY(table()->model()->rowCount() > 2 || table()->model()->rowCount() < all);
+    QTRY_COMPARE(demo_.requests(QStringLiteral("order_list")).size(), 3);
+    QCOMPARE(boxes().size(), 1);
+    boxes_.clear();
+}
+
+void TestTfHome::closesInMidRun()
+{
+    open();
+    dropPhotos(first_, 8);
+    demo_.misbehave(QStringLiteral("savepicpath"), QStringLiteral("hold"));
+    click("startOrderButton");
+    QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
+    window_->setAttribute(Qt::WA_DeleteOnClose);
+    window_->close(); // the safe answer keeps it open
+    QVERIFY(window_->isVisible());
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    window_->close();
+    QVERIFY(!window_->isVisible());
+    QVERIFY(window_); // the photos that are imported are still to be registered
+    boxes();
+    boxes_.clear();
+    demo_.release();
+    QTRY_VERIFY(!window_);
+}
 
 QTEST_MAIN(TestTfHome)
 #include "test_tfhome.moc"
