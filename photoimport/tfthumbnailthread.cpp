@@ -9,10 +9,10 @@
 
 namespace {
 
-/// Pixels that a decoder may have to hold at once.
-constexpr qint64 mostPixels = 60000000;
-/// How far below its full size a JPEG can be decoded.
-constexpr qint64 jpegReduction = 8 * 8;
+/// Pixels of the largest pictures shown. JPEGs are reduced while they are decoded; the decoder
+/// holds the others whole.
+constexpr qint64 mostJpegPixels = 120000000;
+constexpr qint64 mostOtherPixels = 60000000;
 
 } // namespace
 
@@ -80,7 +80,7 @@ QImage tfthumbnailthread::thumbnailOf(const QString &path, int side)
         return {};
     const bool reduces = reader.format() == "jpeg" || reader.format() == "jpg";
     const qint64 pixels = qint64(size.width()) * size.height();
-    if (pixels / (reduces ? jpegReduction : 1) > mostPixels)
+    if (pixels > (reduces ? mostJpegPixels : mostOtherPixels))
         return {};
     // A square holds a picture whichever way it is turned afterwards.
     if (std::max(size.width(), size.height()) > side)

@@ -53,6 +53,7 @@ int main(int argc, char *argv[])
         tourLogin(guide);
         tourImportOriginals(guide);
         tourImportRetouched(guide);
+        tourPhotoImport(guide);
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));

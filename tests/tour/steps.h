@@ -6,3 +6,4 @@ class Guide;
 void tourLogin(Guide &guide);
 void tourImportOriginals(Guide &guide);
 void tourImportRetouched(Guide &guide);
+void tourPhotoImport(Guide &guide);
