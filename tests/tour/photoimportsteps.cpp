@@ -109,9 +109,8 @@ void makeTurnedPhotos(Guide &guide, const QString &folder)
             orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7;
         const QImage stored = upright.mirrored(mirrored, false).transformed(back);
         QFile photo(QStringLiteral("%1/DSC_%2.jpg").arg(folder).arg(orientation));
-        guide.check(photo.open(QIODevice::WriteOnly) &&
-                        photo.write(jpegOf(stored, orientation)) > 0,
-                    QStringLiteral("DSC_%1.jpg is made").arg(orientation));
+        if (!photo.open(QIODevice::WriteOnly) || photo.write(jpegOf(stored, orientation)) <= 0)
+            throw TourFailure{QStringLiteral("%1 is made").arg(photo.fileName())};
     }
 }
 
@@ -174,7 +173,7 @@ void tourPhotoImport(Guide &guide)
         const QDir folder = hand.folder(order, kind);
         const QImage variant(folder.filePath(QStringLiteral("DSC_1.jpg")));
         guide.check(folder.entryList(QDir::Files).size() == orientations &&
-                        qMax(variant.width(), variant.height()) == kind.toInt(),
+                        qAbs(qMax(variant.width(), variant.height()) - kind.toInt()) < 2,
                     QStringLiteral("and their variants in %1").arg(kind));
     }
     guide.check(guide.studio().requests(QStringLiteral("savepicpath")).size() == orientations,
