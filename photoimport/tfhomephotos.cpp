@@ -57,6 +57,8 @@ QPushButton *tfhomephotos::button(const char *name, const QString &text, const Q
     made->setObjectName(QLatin1String(name));
     made->setStyleSheet(theme::secondaryButtonStyle());
     made->setToolTip(tip);
+    made->ensurePolished();
+    made->setMinimumWidth(made->sizeHint().width()); // the style would let it shrink below its text
     return made;
 }
 
@@ -89,15 +91,16 @@ void tfhomephotos::buildLayout()
         layoutButton->setText(view_->isGrid() ? QStringLiteral("列表") : QStringLiteral("网格"));
         sightTimer_.start();
     });
-    needOrder_ = {addFiles, addFolder, start, retry, open, remove};
+    needOrder_ = {addFiles, addFolder, start, retry, remove, open};
 
     auto *head = new QHBoxLayout;
     head->setSpacing(theme::spacing());
     head->addWidget(heading_, 1);
+    head->addWidget(open);
     head->addWidget(layoutButton);
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(theme::spacing());
-    for (QWidget *made : qAsConst(needOrder_))
+    for (QWidget *made : {addFiles, addFolder, start, retry, remove})
         buttons->addWidget(made);
     buttons->addStretch();
     auto *layout = new QVBoxLayout(this);

@@ -266,8 +266,8 @@ QVariant tforderlistmodel::headerData(int section, Qt::Orientation orientation, 
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
     static const QStringList headers = {
-        QStringLiteral("订单号"), QStringLiteral("客人"), QStringLiteral("拍照日期"),
-        QStringLiteral("摄影师"), QStringLiteral("已导"), QStringLiteral("本次已选"),
-        QStringLiteral("状态"),   QStringLiteral("进度"), QStringLiteral("导片路径")};
+        QStringLiteral("订单号"),   QStringLiteral("客人"),     QStringLiteral("状态"),
+        QStringLiteral("进度"),     QStringLiteral("本次已选"), QStringLiteral("已导"),
+        QStringLiteral("拍照日期"), QStringLiteral("摄影师"),   QStringLiteral("导片路径")};
     return headers.value(section);
 }

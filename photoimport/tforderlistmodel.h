@@ -18,12 +18,12 @@ public:
     enum Column {
         NumberColumn,
         CustomersColumn,
-        ShotDateColumn,
-        PhotographerColumn,
-        ImportedColumn,
-        ChosenColumn,
         StateColumn,
         ProgressColumn,
+        ChosenColumn,
+        ImportedColumn,
+        ShotDateColumn,
+        PhotographerColumn,
         PathColumn,
         ColumnCount
     };

@@ -100,7 +100,7 @@ public:
         picture({left, top, width, K::scaledPx(cardPictureHeightPx)});
         top += K::scaledPx(cardPictureHeightPx) + padding_ / 2;
         const QString size = sizeText();
-        const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size);
+        const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size) + padding_ / 2;
         text({left, top, width - sizeWidth - padding_, line}, photo_.name, colours::heading,
              Qt::ElideMiddle);
         text({left + width - sizeWidth, top, sizeWidth, line}, size, colours::placeholder);

@@ -1,4 +1,5 @@
 #include "app/context/accountcontext.h"
+#include "app/context/k.h"
 #include "net/background.h"
 #include "photoimport/tfhome.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
@@ -31,6 +32,8 @@ private slots:
     void initTestCase();
     void init();
     void cleanup();
+    void fitsNarrowScreens_data();
+    void fitsNarrowScreens();
     void opensWithOrdersAndPersons();
     void importsWhatIsDropped();
     void filesOfOneNameAreNotTaken();
@@ -185,6 +188,30 @@ const QStringList &TestTfHome::boxes()
     for (const MessageBox::Shown &box : shown)
         boxes_.append(box.text);
     return boxes_;
+}
+
+void TestTfHome::fitsNarrowScreens_data()
+{
+    QTest::addColumn<float>("scale");
+    QTest::addColumn<int>("width");
+    QTest::newRow("100 %") << 1.0F << 1280;
+    QTest::newRow("150 %") << 1.5F << 1600;
+    QTest::newRow("200 %") << 2.0F << 1920;
+}
+
+void TestTfHome::fitsNarrowScreens()
+{
+    QFETCH(float, scale);
+    QFETCH(int, width);
+    K::uiScale = scale;
+    open();
+    window_->resize(width, 720);
+    dropPhotos(first_, 2);
+    if (qEnvironmentVariableIsSet("SHOT"))
+        window_->grab().save(
+            QStringLiteral("/tmp/wt/pi-window/build/narrow%1.png").arg(double(scale)));
+    K::uiScale = 1.0F;
+    QCOMPARE(window_->width(), width); // smaller than that it cannot be
 }
 
 void TestTfHome::opensWithOrdersAndPersons()
