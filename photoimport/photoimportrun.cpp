@@ -8,18 +8,6 @@
 PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
     : QObject(parent), orders_(orders)
 {
-    connectParts();
-}
-
-PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, const PhotoOperations &operations,
-                               QObject *parent)
-    : QObject(parent), orders_(orders), pool_(operations)
-{
-    connectParts();
-}
-
-void PhotoImportRun::connectParts()
-{
     connect(&pool_, &tfimportthreadmanager::photoImported, this, &PhotoImportRun::onPhotoImported);
     connect(&pool_, &tfimportthreadmanager::orderProgressUpdated, this,
             &PhotoImportRun::onOrderProgressUpdated);

@@ -22,10 +22,8 @@ class PhotoImportRun : public QObject
     Q_OBJECT
 
 public:
-    /// \a orders must outlive the run. \a operations: of tests.
+    /// \a orders must outlive the run.
     explicit PhotoImportRun(tforderlistmodel *orders, QObject *parent = nullptr);
-    PhotoImportRun(tforderlistmodel *orders, const PhotoOperations &operations,
-                   QObject *parent = nullptr);
 
     /// The number of workers and the pause; starting and stopping is the run's.
     tfimportthreadmanager *pool() { return &pool_; }
@@ -73,7 +71,6 @@ signals:
     void workersEnded();
 
 private:
-    void connectParts();
     void begin(const QList<OrderInfo> &orders);
     void releaseOrders();
     void onRegistered(const QString &orderId, const PhotoInfo &photo, RegistrationState state,

@@ -23,11 +23,7 @@ std::size_t PhotoOrder::modeIndex(int photoMode)
 
 void PhotoOrder::resummarise()
 {
-    for (int mode = 0; mode < modes; ++mode) {
-        FilesSummary &summary = summaries[modeIndex(mode)];
-        summary = summarise(files(mode));
-        summary.onService = servicePhotos(mode).size();
-    }
+    std::transform(filesByMode.cbegin(), filesByMode.cend(), summaries.begin(), summarise);
 }
 
 QString PhotoOrder::displayNumber() const
@@ -55,22 +51,6 @@ QString PhotoOrder::folder() const
                : photorules::importFolderOf(info);
 }
 
-QVector<PhotoEntry> PhotoOrder::servicePhotos(int photoMode) const
-{
-    const QString home = folder();
-    PhotoInfo imported;
-    imported.kind = photoorders::mainKind(photoMode);
-    QVector<PhotoEntry> photos;
-    for (const PhotoEntry &entry :
-         photoMode == photorules::TrialVideos ? info.imagesTaipian : info.images) {
-        imported.fileName = entry.imgName;
-        if (!home.isEmpty() &&
-            wirePathKey(entry.localPath) == wirePathKey(photorules::outputPathOf(home, imported)))
-            photos.append(entry);
-    }
-    return photos;
-}
-
 bool PhotoOrder::hasUnfinishedFiles() const
 {
     return std::any_of(filesByMode.cbegin(), filesByMode.cend(), [](const auto &files) {
@@ -81,6 +61,24 @@ bool PhotoOrder::hasUnfinishedFiles() const
 
 namespace photoorders {
 
+/// Those of the service's entries that lie where the tool puts what it imports.
+static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, int photoMode)
+{
+    const QString home = order.folder();
+    if (home.isEmpty())
+        return {};
+    const bool trial = photoMode == photorules::TrialVideos;
+    PhotoInfo photo;
+    photo.kind = mainKind(photoMode);
+    QVector<PhotoEntry> imported;
+    for (const PhotoEntry &entry : trial ? order.info.imagesTaipian : order.info.images) {
+        photo.fileName = entry.imgName;
+        if (wirePathKey(entry.localPath) == wirePathKey(photorules::outputPathOf(home, photo)))
+            imported.append(entry);
+    }
+    return imported;
+}
+
 Found readOrders(const QJsonObject &reply, const QString &publicPath)
 {
     const QJsonValue data = reply.value(QLatin1String("data"));
@@ -90,36 +88,39 @@ Found readOrders(const QJsonObject &reply, const QString &publicPath)
     QSet<QString> ids;
     const auto elements = reply::objects(reply, QStringLiteral("data"));
     for (const QJsonObject &element : elements) {
-        OrderInfo order;
-        static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element);
-        if (order.id.isEmpty() || ids.contains(order.id))
+        PhotoOrder order;
+        OrderInfo &info = order.info;
+        static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element);
+        if (info.id.isEmpty() || ids.contains(info.id))
             continue;
-        ids.insert(order.id);
-        order.openypml = openypml;
-        order.delyp = delyp;
-        order.importPublicPath = publicPath;
-        order.importPath = order.netPath;
+        ids.insert(info.id);
+        info.openypml = openypml;
+        info.delyp = delyp;
+        info.importPublicPath = publicPath;
+        info.importPath = info.netPath;
+        for (int mode = 0; mode < PhotoOrder::modes; ++mode)
+            order.importedByMode[std::size_t(mode)] = importedAmong(order, mode);
         found.orders.append(order);
     }
     return found;
 }
 
-QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<OrderInfo> &found)
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found)
 {
     QHash<QString, int> positions;
     for (int index = 0; index < found.size(); ++index)
-        positions.insert(found.at(index).id, index);
+        positions.insert(found.at(index).info.id, index);
     QVector<PhotoOrder> kept;
-    QVector<PhotoOrder> listed(found.size());
+    QVector<PhotoOrder> listed = found;
     for (const PhotoOrder &order : before) {
         const int position = positions.value(order.info.id, -1);
-        if (position >= 0)
-            listed[position] = order;
-        else if (order.hasUnfinishedFiles())
+        if (position >= 0) {
+            listed[position].filesByMode = order.filesByMode;
+            listed[position].folderRefusal = order.folderRefusal;
+        } else if (order.hasUnfinishedFiles()) {
             kept.append(order);
+        }
     }
-    for (int index = 0; index < found.size(); ++index)
-        listed[index].info = found.at(index);
     return kept + listed;
 }
 

@@ -17,10 +17,13 @@ struct PhotoOrder
     static constexpr int modes = 3;
 
     OrderInfo info; ///< without jobs; its import path is the one the service configured, or empty
-    std::array<QVector<SourceFile>, modes> filesByMode; ///< by photorules::PhotoMode
+    /// What the service has on its books of this tool's imports: those of the order's photos that
+    /// lie where the tool puts them. By photorules::PhotoMode.
+    std::array<QVector<orderqueries::PhotoEntry>, modes> importedByMode;
+    std::array<QVector<SourceFile>, modes> filesByMode; ///< chosen here, by mode
     Run run = Run::Idle;
     QString folderRefusal;                     ///< why the service did not take the order's folder
-    std::array<FilesSummary, modes> summaries; ///< of all that by mode, see resummarise()
+    std::array<FilesSummary, modes> summaries; ///< of the files, see resummarise()
 
     QVector<SourceFile> &files(int photoMode) { return filesByMode[modeIndex(photoMode)]; }
     const QVector<SourceFile> &files(int photoMode) const
@@ -28,7 +31,11 @@ struct PhotoOrder
         return filesByMode[modeIndex(photoMode)];
     }
     const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
-    /// After files, or what the service says, changed.
+    const QVector<orderqueries::PhotoEntry> &imported(int photoMode) const
+    {
+        return importedByMode[modeIndex(photoMode)];
+    }
+    /// After files changed.
     void resummarise();
 
     /// The number users know the order by, with its service: "0012-1".
@@ -38,9 +45,6 @@ struct PhotoOrder
     QString displayName() const;
     /// In Windows form; empty when there is nothing it could be made of.
     QString folder() const;
-    /// What the service has on its books of this tool's imports in the mode: the entries that
-    /// lie where the tool puts them.
-    QVector<orderqueries::PhotoEntry> servicePhotos(int photoMode) const;
     bool hasUnfinishedFiles() const;
 
 private:
@@ -52,18 +56,19 @@ namespace photoorders {
 /// What a search found.
 struct Found
 {
-    bool isList = false; ///< false: the reply carries no list at all
-    int elements = 0;    ///< how many the service listed, usable or not
-    QVector<OrderInfo> orders;
+    bool isList = false;        ///< false: the reply carries no list at all
+    int elements = 0;           ///< how many the service listed, usable or not
+    QVector<PhotoOrder> orders; ///< without files
 };
 
-/// Reads a search reply. Elements without an id cannot be imported into and are left out, as are
-/// repetitions of one. \a publicPath is the branch's public import root.
+/// Reads a search reply; orders with thousands of photos take their time. Elements without an id
+/// cannot be imported into and are left out, as are repetitions of one. \a publicPath is the
+/// branch's public import root.
 Found readOrders(const QJsonObject &reply, const QString &publicPath);
 
 /// The orders to list after a search: what was found, with the files chosen before; ahead of them
 /// orders that were not found but have files that are not finished.
-QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<OrderInfo> &found);
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found);
 
 /// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
 /// Without jobs when nothing is left to do.

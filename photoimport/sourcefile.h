@@ -48,7 +48,6 @@ struct FilesSummary
     int failed = 0;       ///< some job failed
     int reported = 0;     ///< no job waiting
     int unregistered = 0; ///< refused by the service
-    int onService = 0;    ///< that the service has on its books, whoever imported them
     qint64 bytes = 0;
     qint64 bytesReported = 0; ///< a file counts by the share of its jobs that are reported
 };

@@ -112,7 +112,7 @@ void tfhome::connectOrders()
         Qt::QueuedConnection);
     table->addOrderAction(QStringLiteral("添加照片"), Qt::CTRL + Qt::Key_O,
                           [this](int row) { addFiles(row); });
-    table->addOrderAction(QStringLiteral("添加文件夹"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
+    table->addOrderAction(QStringLiteral("添加目录"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
                           [this](int row) { addFolder(row); });
     table->addOrderAction(QStringLiteral("导入本单"), Qt::Key_Return,
                           [this](int row) { startOrder(row); });
@@ -210,8 +210,12 @@ void tfhome::showSelectedOrder()
         return;
     }
     const PhotoOrder &order = orders_.order(row);
+    const auto show = [&] { photos_.show(&order, orders_.photoMode()); };
+    if (shownOrderId_ == order.info.id)
+        photoPanel_->keepPlaceWhile(show);
+    else
+        show();
     shownOrderId_ = order.info.id;
-    photos_.show(&order, orders_.photoMode());
     photoPanel_->showOrder(order.displayName());
 }
 
@@ -239,7 +243,7 @@ void tfhome::addFolder(int row)
 {
     if (!mayChange(row))
         return;
-    const QString folder = FileDialog::existingFolder(this, QStringLiteral("选择要导入的文件夹"),
+    const QString folder = FileDialog::existingFolder(this, QStringLiteral("选择要导入的目录"),
                                                       QStringLiteral("photoimport"));
     if (!folder.isEmpty())
         takeFiles(row, {folder}, true);
@@ -489,6 +493,7 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
     if (!orders_.hasRow(row) || orders_.order(row).info.id != shownOrderId_)
         return;
     overlay_->showText(QStringLiteral("正在删除..."));
+    photoPanel_->thumbnails()->want({}, 0); // a file that is being read may refuse to go
     deletion_.start(deletionOf(orders_.order(row), ids, names, orders_.photoMode()),
                     orderPanel_->identity());
 }

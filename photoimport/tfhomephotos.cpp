@@ -10,6 +10,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollBar>
+#include <QSet>
 
 #include <algorithm>
 
@@ -57,8 +59,6 @@ QPushButton *tfhomephotos::button(const char *name, const QString &text, const Q
     made->setObjectName(QLatin1String(name));
     made->setStyleSheet(theme::secondaryButtonStyle());
     made->setToolTip(tip);
-    made->ensurePolished();
-    made->setMinimumWidth(made->sizeHint().width()); // the style would let it shrink below its text
     return made;
 }
 
@@ -68,9 +68,9 @@ void tfhomephotos::buildLayout()
     heading_->setStyleSheet(theme::headingStyle());
     heading_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto *addFiles = button("addFilesButton", QStringLiteral("添加照片"),
-                            QStringLiteral("选择照片，也可以把文件或文件夹拖到订单上"));
-    auto *addFolder = button("addFolderButton", QStringLiteral("添加文件夹"),
-                             QStringLiteral("添加文件夹和其中所有子文件夹里的照片"));
+                            QStringLiteral("选择照片，也可以把文件或目录拖到订单上"));
+    auto *addFolder = button("addFolderButton", QStringLiteral("添加目录"),
+                             QStringLiteral("添加目录和其中所有子目录里的照片"));
     auto *start =
         button("startOrderButton", QStringLiteral("导入本单"), QStringLiteral("只导入当前订单"));
     auto *retry = button("retryButton", QStringLiteral("重试失败"),
@@ -136,8 +136,24 @@ void tfhomephotos::showOrder(const QString &heading)
     heading_->setToolTip(heading);
     for (QWidget *part : qAsConst(needOrder_))
         part->setEnabled(shown);
-    view_->setEmptyText(shown ? QStringLiteral("添加照片，或把照片和文件夹拖到这里")
+    view_->setEmptyText(shown ? QStringLiteral("添加照片，或把照片和目录拖到这里")
                               : QStringLiteral("请在左侧选择订单"));
+}
+
+void tfhomephotos::keepPlaceWhile(const std::function<void()> &change)
+{
+    QSet<QString> selected;
+    const auto rows = selectedRows();
+    for (const int row : rows)
+        selected.insert(model_->photo(row).path);
+    const int scrolled = view_->verticalScrollBar()->value();
+    change();
+    for (int row = 0; !selected.isEmpty() && row < model_->rowCount(); ++row) {
+        if (selected.contains(model_->photo(row).path))
+            view_->selectionModel()->select(model_->index(row), QItemSelectionModel::Select);
+    }
+    view_->doItemsLayout();
+    view_->verticalScrollBar()->setValue(scrolled);
 }
 
 QVector<int> tfhomephotos::selectedRows() const

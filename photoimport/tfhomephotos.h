@@ -27,6 +27,8 @@ public:
 
     /// \a heading empty: no order is shown.
     void showOrder(const QString &heading);
+    /// Runs \a change, which replaces the photos, and brings selection and scroll position back.
+    void keepPlaceWhile(const std::function<void()> &change);
     QVector<int> selectedRows() const;
 
     /// Reads no more thumbnails. finished() of the thread tells when the last one has ended.

@@ -73,22 +73,22 @@ void tforderlistmodel::forgetServicePhotos(int row, const QStringList &ids)
 {
     if (!hasRow(row))
         return;
-    for (auto *photos : {&orders_[row].info.images, &orders_[row].info.imagesTaipian}) {
-        const auto gone = [&ids](const orderqueries::PhotoEntry &photo) {
-            return ids.contains(photo.id);
-        };
-        photos->erase(std::remove_if(photos->begin(), photos->end(), gone), photos->end());
-    }
+    const auto gone = [&ids](const orderqueries::PhotoEntry &photo) {
+        return ids.contains(photo.id);
+    };
+    for (auto &photos : orders_[row].importedByMode)
+        photos.erase(std::remove_if(photos.begin(), photos.end(), gone), photos.end());
     announce(row);
 }
 
-void tforderlistmodel::refreshInfo(const QVector<OrderInfo> &found)
+void tforderlistmodel::refreshInfo(const QVector<PhotoOrder> &found)
 {
-    for (const OrderInfo &info : found) {
-        const int row = rowOf(info.id);
+    for (const PhotoOrder &renewed : found) {
+        const int row = rowOf(renewed.info.id);
         if (row < 0)
             continue;
-        orders_[row].info = info;
+        orders_[row].info = renewed.info;
+        orders_[row].importedByMode = renewed.importedByMode;
         announce(row);
     }
 }
@@ -210,7 +210,7 @@ QVariant tforderlistmodel::cell(const PhotoOrder &order, int column) const
     case PhotographerColumn:
         return order.info.role1;
     case ImportedColumn:
-        return summary.onService;
+        return order.imported(photoMode_).size();
     case ChosenColumn:
         return summary.files > 0 ? QVariant(summary.files) : QVariant(QString());
     case StateColumn:

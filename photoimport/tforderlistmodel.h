@@ -55,7 +55,7 @@ public:
     /// The service has no photos with these ids any more.
     void forgetServicePhotos(int row, const QStringList &ids);
     /// What the service says now of listed orders; files and states stay.
-    void refreshInfo(const QVector<OrderInfo> &found);
+    void refreshInfo(const QVector<PhotoOrder> &found);
 
     /// Puts failed jobs of the files back to waiting; of all files when \a indexes is empty.
     void resetFailedJobs(int row, const QVector<int> &indexes);

@@ -1,6 +1,5 @@
 #include "photoimport/tfphotolistmodel.h"
 
-#include "photoimport/photorules.h"
 #include "platform/pathform.h"
 
 #include <QSet>
@@ -8,16 +7,6 @@
 namespace {
 
 constexpr int thumbnailCacheKb = 96 * 1024;
-
-/// Where the imported file lies, as this machine writes it; empty for an order without a folder.
-QString importedPath(const QString &folder, const QString &name, const QString &kind)
-{
-    PhotoInfo photo;
-    photo.fileName = name;
-    photo.kind = kind;
-    return folder.isEmpty() ? folder
-                            : platform::toLocalPath(photorules::outputPathOf(folder, photo));
-}
 
 } // namespace
 
@@ -31,10 +20,7 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
         byName.insert(file.name.toCaseFolded(), index);
         photos.append({file.name, file.path, {}, index, file});
     }
-    const QString folder = order.folder();
-    const QString kind = photoorders::mainKind(photoMode);
-    const auto known = order.servicePhotos(photoMode);
-    for (const orderqueries::PhotoEntry &entry : known) {
+    for (const orderqueries::PhotoEntry &entry : order.imported(photoMode)) {
         const QString key = entry.imgName.toCaseFolded();
         const int row = byName.value(key, -1);
         if (row >= 0) {
@@ -42,7 +28,7 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
             continue;
         }
         byName.insert(key, photos.size());
-        photos.append({entry.imgName, importedPath(folder, entry.imgName, kind), entry.id, -1, {}});
+        photos.append({entry.imgName, platform::toLocalPath(entry.localPath), entry.id, -1, {}});
     }
     return photos;
 }

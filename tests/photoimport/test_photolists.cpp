@@ -81,17 +81,28 @@ private slots:
 void TestPhotoLists::readsOrders()
 {
     const auto found = photoorders::readOrders(
-        parsed(R"({"openypml":1,"delyp":"0","data":[{"id":"7","netpath":"\\\\nas\\x"},{"id":7},)"
-               R"({"mname":"nobody"},3,{"id":"8","imagesize_small":""}]})"),
+        parsed(
+            R"({"openypml":1,"delyp":"0","data":[{"id":"7","netpath":"\\\\nas\\x","images":[)"
+            R"({"id":1,"img_name":"a.jpg","localpath":"\\\\nas\\x\\原片\\a.jpg"},)"
+            R"({"id":2,"img_name":"A.JPG","localpath":"\\\\NAS\\x\\all\\a.jpg"},)"
+            R"({"id":3,"img_name":"..\\b.jpg","localpath":"\\\\nas\\x\\all\\..\\b.jpg"},)"
+            R"({"id":4,"img_name":"c.jpg"},)"
+            R"({"id":5,"img_name":"v.mp4","localpath":"\\\\nas\\x\\精修视频\\v.mp4"}]},{"id":7},)"
+            R"({"mname":"nobody"},3,{"id":"8","imagesize_small":""}]})"),
         share);
     QVERIFY(found.isList);
     QCOMPARE(found.elements, 5);
     QCOMPARE(found.orders.size(), 2);
-    QCOMPARE(found.orders.at(0).importPath, QStringLiteral("\\\\nas\\x"));
-    QCOMPARE(found.orders.at(1).importPath, QString());
-    QCOMPARE(found.orders.at(1).importPublicPath, share);
-    QCOMPARE(found.orders.at(1).openypml, QStringLiteral("1"));
-    QCOMPARE(found.orders.at(1).smallSize, 90);
+    QCOMPARE(found.orders.at(0).info.importPath, QStringLiteral("\\\\nas\\x"));
+    QCOMPARE(found.orders.at(1).info.importPath, QString());
+    QCOMPARE(found.orders.at(1).info.importPublicPath, share);
+    QCOMPARE(found.orders.at(1).info.openypml, QStringLiteral("1"));
+    QCOMPARE(found.orders.at(1).info.smallSize, 90);
+    // Of what the service lists only what lies where the tool puts it is the tool's.
+    QCOMPARE(found.orders.at(0).imported(0).size(), 1);
+    QCOMPARE(found.orders.at(0).imported(0).first().id, QStringLiteral("2"));
+    QCOMPARE(found.orders.at(0).imported(1).size(), 0);
+    QCOMPARE(found.orders.at(0).imported(2).size(), 1);
     for (const char *json : {"{}", R"({"data":null})", R"({"data":"none"})"})
         QVERIFY(!photoorders::readOrders(parsed(json), share).isList);
 }
@@ -142,11 +153,9 @@ void TestPhotoLists::mergesSearches()
     const QVector<SourceFile> waiting{file(QStringLiteral("/c/1.jpg"), {job("all")})};
     const QVector<SourceFile> finished{
         file(QStringLiteral("/c/2.jpg"), {job("all", JobState::Done)})};
-    OrderInfo renewed;
-    renewed.id = QStringLiteral("3");
-    renewed.mname = QStringLiteral("新");
-    OrderInfo fresh;
-    fresh.id = QStringLiteral("4");
+    PhotoOrder renewed = order(QStringLiteral("3"));
+    renewed.info.mname = QStringLiteral("新");
+    const PhotoOrder fresh = order(QStringLiteral("4"));
     const QVector<PhotoOrder> merged = photoorders::merged({order(QStringLiteral("1"), waiting),
                                                             order(QStringLiteral("2"), finished),
                                                             order(QStringLiteral("3"), finished)},
@@ -274,11 +283,8 @@ void TestPhotoLists::photoRowsJoinFilesAndService()
 {
     PhotoOrder shown = order(QStringLiteral("1"), {file(QStringLiteral("/c/a.jpg"), {job("all")}),
                                                    file(QStringLiteral("/c/b.jpg"), {job("all")})});
-    shown.info.images = {entry("a.jpg", "\\原片\\a.jpg", "1"), entry("A.JPG", "\\all\\A.JPG", "2"),
-                         entry("old.jpg", "\\all\\old.jpg", "3"),
-                         entry("else.jpg", "\\..\\all\\else.jpg", "4"),
-                         entry("v.mp4", "\\精修视频\\v.mp4", "5")};
-    shown.resummarise();
+    shown.importedByMode[0] = {entry("A.JPG", "\\all\\A.JPG", "2"),
+                               entry("old.jpg", "\\all\\old.jpg", "3")};
     tfphotolistmodel model;
     const QAbstractItemModelTester tester(&model);
     model.show(&shown, 0);
@@ -286,8 +292,6 @@ void TestPhotoLists::photoRowsJoinFilesAndService()
     for (int row = 0; row < model.rowCount(); ++row)
         rows.append(model.photo(row).name + QLatin1Char('=') + model.photo(row).serviceId);
     QCOMPARE(rows.join(QLatin1Char(' ')), QStringLiteral("a.jpg=2 b.jpg= old.jpg=3"));
-    QCOMPARE(shown.summary(0).onService, 2);
-    QCOMPARE(shown.summary(2).onService, 1);
 
     QCOMPARE(model.wantedThumbnails(0, 99).size(), 3);
     model.setThumbnail(QStringLiteral("/c/b.jpg"), {});
