@@ -379,10 +379,13 @@ void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
         rate_.clear();
         clock_.start();
     }
-    if (run_.start(rows, indexes, orderPanel_->identity()))
-        showSelectedOrder();
-    else
+    const bool again = std::any_of(rows.cbegin(), rows.cend(), [this](int row) {
+        return orders_.order(row).summary(orders_.photoMode()).failed > 0;
+    });
+    if (!run_.start(rows, indexes, orderPanel_->identity()))
         Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
+    else if (again)
+        showSelectedOrder();
 }
 
 /// Also four times a second while something goes on.

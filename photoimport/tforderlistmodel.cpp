@@ -100,7 +100,8 @@ void tforderlistmodel::resetFailedJobs(int row, const QVector<int> &indexes)
     const QSet<int> wanted(indexes.cbegin(), indexes.cend());
     QVector<SourceFile> &files = orders_[row].files(photoMode_);
     for (int index = 0; index < files.size(); ++index) {
-        if (!wanted.isEmpty() && !wanted.contains(index))
+        // Most have not; looking must not copy what is shared with the panel.
+        if (!files.at(index).hasFailed() || !(wanted.isEmpty() || wanted.contains(index)))
             continue;
         for (SourceJob &job : files[index].jobs) {
             if (job.state == JobState::Failed)

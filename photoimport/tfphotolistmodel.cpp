@@ -14,13 +14,15 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
 {
     QHash<QString, int> byName;
     QVector<PanelPhoto> photos;
+    const QVector<orderqueries::PhotoEntry> &known = order.imported(photoMode);
     const QVector<SourceFile> &files = order.files(photoMode);
     for (int index = 0; index < files.size(); ++index) {
         const SourceFile &file = files.at(index);
-        byName.insert(file.name.toCaseFolded(), index);
+        if (!known.isEmpty())
+            byName.insert(file.name.toCaseFolded(), index);
         photos.append({file.name, file.path, {}, index, file});
     }
-    for (const orderqueries::PhotoEntry &entry : order.imported(photoMode)) {
+    for (const orderqueries::PhotoEntry &entry : known) {
         const QString key = entry.imgName.toCaseFolded();
         const int row = byName.value(key, -1);
         if (row >= 0) {
