@@ -164,22 +164,23 @@ OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int
                         });
 }
 
-QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
-                                     const QVector<int> &starting)
+QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting)
 {
-    QHash<QString, QVector<int>> byFolder;
-    for (int index = 0; index < orders.size(); ++index) {
-        const QString folder = orders.at(index).folder();
-        if (!folder.isEmpty())
-            byFolder[wirePathKey(folder)].append(index);
+    QHash<QString, QStringList> byFolder;
+    for (const PhotoOrder &order : orders) {
+        if (!order.folder().isEmpty())
+            byFolder[wirePathKey(order.folder())].append(order.displayName());
     }
-    QVector<QVector<int>> groups;
+    QString question;
     for (const int index : starting) {
-        const QVector<int> group = byFolder.take(wirePathKey(orders.at(index).folder()));
-        if (group.size() > 1)
-            groups.append(group);
+        const QString folder = orders.at(index).folder();
+        const QStringList sharing = byFolder.take(wirePathKey(folder));
+        if (sharing.size() > 1)
+            question += QStringLiteral("\n\n%1\n%2").arg(folder, sharing.join(QLatin1Char('\n')));
     }
-    return groups;
+    const QString head =
+        QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？");
+    return question.isEmpty() ? question : head + question;
 }
 
 QString mainKind(int photoMode)

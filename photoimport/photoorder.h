@@ -77,10 +77,9 @@ OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &i
 /// The order with the jobs that brought the source files at \a indexes themselves, done or not.
 OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes);
 
-/// Groups of orders (positions) among \a starting and all of \a orders that share a folder, each
-/// with at least one that is to start.
-QVector<QVector<int>> sharingFolders(const QVector<PhotoOrder> &orders,
-                                     const QVector<int> &starting);
+/// What to ask before the orders at \a starting are imported: names those that share a folder with
+/// any other of \a orders. Empty when none does.
+QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting);
 
 /// The kind of job (PhotoInfo::kind) that brings the source file itself.
 QString mainKind(int photoMode);

@@ -18,6 +18,7 @@
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
+#include <QSet>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -233,20 +234,22 @@ void tfhome::addFiles(int row)
 {
     if (!mayChange(row))
         return;
+    const QString id = orders_.order(row).info.id;
     const QStringList paths =
         FileDialog::openFiles(this, QStringLiteral("选择要导入的文件"),
                               sourceFilter(orders_.photoMode()), QStringLiteral("photoimport"));
-    takeFiles(row, paths, false);
+    takeFiles(orders_.rowOf(id), paths, false);
 }
 
 void tfhome::addFolder(int row)
 {
     if (!mayChange(row))
         return;
+    const QString id = orders_.order(row).info.id;
     const QString folder = FileDialog::existingFolder(this, QStringLiteral("选择要导入的目录"),
                                                       QStringLiteral("photoimport"));
     if (!folder.isEmpty())
-        takeFiles(row, {folder}, true);
+        takeFiles(orders_.rowOf(id), {folder}, true);
 }
 
 void tfhome::takeFiles(int row, const QStringList &paths, bool expand)
@@ -357,34 +360,30 @@ void tfhome::startAll()
         start(rows);
 }
 
-bool tfhome::agreesToSharedFolders(const QVector<int> &rows)
-{
-    const auto groups = photoorders::sharingFolders(orders_.orders(), rows);
-    if (groups.isEmpty())
-        return true;
-    QString text = QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？");
-    for (const QVector<int> &group : groups) {
-        text += QStringLiteral("\n\n") + orders_.order(group.constFirst()).folder();
-        for (const int row : group)
-            text += QLatin1Char('\n') + orders_.order(row).displayName();
-    }
-    return ConfirmDialog::ask(this, text, ConfirmDialog::Enter::Cancels);
-}
-
 void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
 {
-    if (!agreesToSharedFolders(rows))
+    const QString question = photoorders::sharedFoldersQuestion(orders_.orders(), rows);
+    QStringList ids;
+    for (const int row : rows)
+        ids.append(orders_.order(row).info.id);
+    if (!question.isEmpty() && !ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels))
+        return;
+    // Meanwhile the list may have become another one.
+    QVector<int> present;
+    for (const QString &id : qAsConst(ids)) {
+        const int row = orders_.rowOf(id);
+        if (row >= 0 && !run_.isQueuedOrActive(row))
+            present.append(row);
+    }
+    if (present.isEmpty())
         return;
     if (!run_.isImporting()) {
         rate_.clear();
         clock_.start();
     }
-    const bool again = std::any_of(rows.cbegin(), rows.cend(), [this](int row) {
-        return orders_.order(row).summary(orders_.photoMode()).failed > 0;
-    });
-    if (!run_.start(rows, indexes, orderPanel_->identity()))
+    if (!run_.start(present, indexes, orderPanel_->identity()))
         Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
-    else if (again)
+    else
         showSelectedOrder();
 }
 
@@ -440,20 +439,21 @@ void tfhome::retry(const QVector<int> &photoRows)
     const int row = orders_.rowOf(shownOrderId_);
     if (!mayChange(row))
         return;
-    QVector<int> wanted;
+    QSet<int> among;
     for (const int photoRow : photoRows)
-        wanted.append(photos_.photo(photoRow).fileIndex);
+        among.insert(photos_.photo(photoRow).fileIndex);
     const QVector<SourceFile> &files = orders_.files(row);
-    QVector<int> failed;
-    QVector<int> unregistered;
-    for (int index = 0; index < files.size(); ++index) {
-        if (!photoRows.isEmpty() && !wanted.contains(index))
-            continue;
-        if (files.at(index).hasFailed())
-            failed.append(index);
-        if (files.at(index).registration == RegistrationState::Refused)
-            unregistered.append(index);
-    }
+    const auto having = [&](auto what) {
+        QVector<int> indexes;
+        for (int index = 0; index < files.size(); ++index) {
+            if (what(files.at(index)) && (among.isEmpty() || among.contains(index)))
+                indexes.append(index);
+        }
+        return indexes;
+    };
+    const QVector<int> failed = having([](const SourceFile &file) { return file.hasFailed(); });
+    const QVector<int> unregistered = having(
+        [](const SourceFile &file) { return file.registration == RegistrationState::Refused; });
     if (failed.isEmpty() && unregistered.isEmpty() && orders_.order(row).folderRefusal.isEmpty()) {
         Toast::show(this, QStringLiteral("没有失败的文件"));
         return;
@@ -474,6 +474,7 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
         Toast::show(this, QStringLiteral("正在删除，请稍候"));
         return;
     }
+    const QString id = shownOrderId_;
     QStringList ids;
     QStringList names;
     for (const int photoRow : photoRows) {
@@ -493,11 +494,12 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
                                 .arg(ids.size()),
                             ConfirmDialog::Enter::Cancels))
         return;
-    if (!orders_.hasRow(row) || orders_.order(row).info.id != shownOrderId_)
+    // Meanwhile the list may have become another one.
+    if (!mayChange(orders_.rowOf(id)))
         return;
     overlay_->showText(QStringLiteral("正在删除..."));
     photoPanel_->thumbnails()->want({}, 0); // a file that is being read may refuse to go
-    deletion_.start(deletionOf(orders_.order(row), ids, names, orders_.photoMode()),
+    deletion_.start(deletionOf(orders_.order(orders_.rowOf(id)), ids, names, orders_.photoMode()),
                     orderPanel_->identity());
 }
 
@@ -509,7 +511,9 @@ void tfhome::onPhotosDeleted(const DeletionRequest &deleted)
         QVector<int> indexes;
         const QVector<SourceFile> &files = orders_.files(row);
         for (int index = 0; index < files.size(); ++index) {
-            if (deleted.names.contains(files.at(index).name, Qt::CaseInsensitive))
+            // One that waits under the same name is another photo.
+            if (files.at(index).isComplete() &&
+                deleted.names.contains(files.at(index).name, Qt::CaseInsensitive))
                 indexes.append(index);
         }
         orders_.forgetServicePhotos(row, deleted.ids);

@@ -58,7 +58,6 @@ private:
     void startAll();
     /// \a indexes: files of the one row; all of every row when empty.
     void start(const QVector<int> &rows, const QVector<int> &indexes = {});
-    bool agreesToSharedFolders(const QVector<int> &rows);
     void retry(const QVector<int> &photoRows);
     void refreshState();
     void showFile(const QString &orderId, int index);

@@ -234,8 +234,9 @@ void TestPhotoLists::sharedFoldersAreFound()
         order(QStringLiteral("1")), order(QStringLiteral("2"), {}, share + QStringLiteral("\\2")),
         order(QStringLiteral("3"), {}, QStringLiteral("//NAS/Share/")),
         order(QStringLiteral("4"), {}, {}), order(QStringLiteral("5"), {}, {})};
-    QCOMPARE(photoorders::sharingFolders(orders, {2, 0, 1}), (QVector<QVector<int>>{{0, 2}}));
-    QVERIFY(photoorders::sharingFolders(orders, {1, 3}).isEmpty());
+    QCOMPARE(photoorders::sharedFoldersQuestion(orders, {2, 0, 1}).section(QLatin1Char('\n'), 1),
+             QStringLiteral("\n//NAS/Share/\nTS1 \nTS3 "));
+    QCOMPARE(photoorders::sharedFoldersQuestion(orders, {1, 3}), QString());
 }
 
 void TestPhotoLists::resultsFindTheirFile()
