@@ -163,7 +163,7 @@ void OrderSearchBar::setPersons(const QVector<orderqueries::Person> &persons)
 {
     const QString chosen = personId();
     personBox_->clear();
-    personBox_->addItem(QStringLiteral("全部"), QStringLiteral(""));
+    personBox_->addItem(QStringLiteral("全部"), QString::fromLatin1(""));
     for (const orderqueries::Person &person : persons)
         personBox_->addItem(person.name, person.id);
     personBox_->setCurrentIndex(qMax(0, personBox_->findData(chosen)));
