@@ -37,6 +37,8 @@ private slots:
     void opensWithOrdersAndPersons();
     void importsWhatIsDropped();
     void filesOfOneNameAreNotTaken();
+    void refusedStartsChangeNothing();
+    void sharedFoldersAreAskedAbout();
     void anOrderIsNotQueuedTwice();
     void stopsAndGoesOn();
     void failedFilesAreRetried();
@@ -275,6 +277,48 @@ void TestTfHome::filesOfOneNameAreNotTaken()
     photos()->setFocus();
     QTest::keyClick(photos(), Qt::Key_Delete, Qt::ControlModifier);
     QCOMPARE(text(first_, Column::ChosenColumn), QString());
+}
+
+void TestTfHome::refusedStartsChangeNothing()
+{
+    const QString refusal = QStringLiteral("没有权限");
+    demo_.misbehave(QStringLiteral("get_persons"), QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), refusal}});
+    open();
+    EXPECT_BOXES(QStringList(refusal));
+    const QString blocked = QStringLiteral("TS10006-1"); // a part of its folder's path is a file
+    dropPhotos(blocked, 1);
+    click("startOrderButton");
+    EXPECT_BOXES(
+        QStringList(QStringLiteral("导入路径无法访问并且无法创建，请检查局域网是否能连接\n\n") +
+                    text(blocked, Column::PathColumn)));
+    QCOMPARE(state(blocked), QStringLiteral("已选择"));
+    QVERIFY(part<QComboBox>("modeBox")->isEnabled());
+    // And nothing stands in the way of another order.
+    dropPhotos(first_, 1);
+    click("startOrderButton");
+    EXPECT_BOXES(done);
+}
+
+void TestTfHome::sharedFoldersAreAskedAbout()
+{
+    QString folder = demo_.state().value(QStringLiteral("share")).toString();
+    folder.replace(QLatin1Char('/'), QLatin1Char('\\')).append(QStringLiteral("\\one"));
+    for (const char *order : {"50001", "50003"})
+        demo_.changeOrder(QLatin1String(order), {{QStringLiteral("netpath"), folder}});
+    open();
+    dropPhotos(first_, 1);
+    click("startOrderButton");
+    QCOMPARE(boxes().size(), 1);
+    QVERIFY(boxes_.first().contains(folder + QStringLiteral("\n") + first_));
+    QVERIFY(boxes_.first().contains(second_));
+    boxes_.clear();
+    QCOMPARE(state(first_), QStringLiteral("已选择"));
+    MessageBox::setNextAnswer(QMessageBox::Ok);
+    click("startOrderButton");
+    QTRY_COMPARE(state(first_), QStringLiteral("导片完成"));
+    QTRY_COMPARE(boxes().size(), 2);
+    boxes_.clear();
 }
 
 void TestTfHome::anOrderIsNotQueuedTwice()
