@@ -30,8 +30,8 @@ namespace {
 constexpr int ordersShare = 3;
 constexpr int photosShare = 2;
 constexpr int progressIntervalMs = 250;
-/// How long a closed window goes on telling the service of what was imported.
-constexpr int lastRegistrationsMs = 10000;
+/// How long a closed window waits for what the service still has to answer.
+constexpr int lastAnswersMs = 10000;
 
 } // namespace
 
@@ -185,7 +185,10 @@ void tfhome::connectDeletion()
     connect(&deletion_, &PhotoDeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
     connect(&deletion_, &PhotoDeletion::refused, this, [this](const ServiceReply &reply) {
         overlay_->hideOverlay();
-        showServiceFailure(this, reply, reply.message);
+        if (isClosingLater())
+            endClosing();
+        else
+            showServiceFailure(this, reply, reply.message);
     });
     connect(&deletion_, &PhotoDeletion::removed, this, &tfhome::endClosing);
 }
@@ -534,16 +537,21 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
     if (run_.isImporting())
         run_.stop();
     orderPanel_->abandon();
-    deletion_.cancel();
     photoPanel_->thumbnails()->stop();
-    if (run_.isBusy())
-        QTimer::singleShot(lastRegistrationsMs, this, [this] { run_.cancelRegistrations(); });
+    // What the service was asked and not yet answered.
+    if (run_.isBusy() || deletion_.isActive()) {
+        QTimer::singleShot(lastAnswersMs, this, [this] {
+            deletion_.cancel();
+            run_.cancelRegistrations();
+            endClosing();
+        });
+    }
     return mayEnd() ? CloseAnswer::Close : CloseAnswer::CloseLater;
 }
 
 bool tfhome::mayEnd() const
 {
-    return !run_.isBusy() && !run_.hasLiveWorkers() && !deletion_.isRemoving() &&
+    return !run_.isBusy() && !run_.hasLiveWorkers() && !deletion_.isActive() &&
            !photoPanel_->thumbnails()->isRunning();
 }
 
