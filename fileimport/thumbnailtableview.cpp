@@ -31,6 +31,15 @@ int rowHeight()
     return pitch(PhotoCell::cellSize().height());
 }
 
+/// Changes a part of a cell that is not on the screen. Asked to repaint, it would look through
+/// thousands of siblings for one that lies over it; it is painted anyway when it is scrolled to.
+template <typename Change> void changeUnseen(QWidget *part, Change change)
+{
+    part->setAttribute(Qt::WA_UpdatesDisabled, true);
+    change();
+    part->setAttribute(Qt::WA_UpdatesDisabled, false);
+}
+
 } // namespace
 
 ThumbnailTableView::ThumbnailTableView(QWidget *parent, const ThumbnailLimits &limits)
@@ -196,9 +205,7 @@ void ThumbnailTableView::loadVisiblePhotos()
     // The worker takes the latest first, so that these come from top to bottom.
     for (int index = end - 1; index >= first; --index) {
         PhotoCell *cell = cells_.at(index);
-        const int cellTop = cellPosition(index).y();
-        if (cell->isLoaded || cell->isRequested || !cell->isVisible() ||
-            cellTop + cell->height() <= top || cellTop >= bottom)
+        if (cell->isLoaded || cell->isRequested || !cell->isVisible() || !isOnScreen(index))
             continue;
         cell->isRequested = true;
         emit loadPhotoRequest(entries_.at(index).url, entries_.at(index).icon, index);
@@ -236,7 +243,7 @@ void ThumbnailTableView::releaseFarPictures()
             continue;
         }
         PhotoCell *cell = cells_.at(*index);
-        cell->photoLabel()->showPending();
+        changeUnseen(cell->photoLabel(), [cell] { cell->photoLabel()->showPending(); });
         cell->isLoaded = cell->isRequested = false;
         index = pictured_.erase(index);
     }
@@ -249,6 +256,12 @@ void ThumbnailTableView::onPhotoLoadFailed(const QString &name, int index)
 }
 
 // Scrolling and painting.
+
+bool ThumbnailTableView::isOnScreen(int index) const
+{
+    const int top = cellPosition(index).y() - verticalScrollBar()->value();
+    return top + PhotoCell::cellSize().height() > 0 && top < viewport()->height() + 1;
+}
 
 QPoint ThumbnailTableView::cellPosition(int index) const
 {
@@ -334,8 +347,14 @@ QVector<int> ThumbnailTableView::selectedIndexes() const
 
 void ThumbnailTableView::checkButton(int index, bool checked)
 {
-    if (PhotoCell *cell = cells_.value(index))
-        cell->selectButton()->setChecked(checked);
+    PhotoCell *cell = cells_.value(index);
+    if (!cell)
+        return;
+    const auto check = [cell, checked] { cell->selectButton()->setChecked(checked); };
+    if (isOnScreen(index))
+        check();
+    else
+        changeUnseen(cell->selectButton(), check);
 }
 
 /// True when that is a change. Does not tell the count.
@@ -368,14 +387,11 @@ void ThumbnailTableView::onPhotoSelectionChanged()
 void ThumbnailTableView::setAllSelected(bool selected)
 {
     changingMany_ = true;
-    // One repaint for all: each cell by itself looks for siblings that might lie over it.
-    content_->setUpdatesEnabled(false);
     for (int index = 0; index < entries_.size(); ++index) {
         if (selected)
             selected_.insert(index);
         checkButton(index, selected);
     }
-    content_->setUpdatesEnabled(true);
     changingMany_ = false;
     if (!selected)
         selected_.clear();
@@ -395,10 +411,8 @@ void ThumbnailTableView::clearSelection()
 void ThumbnailTableView::selectRange(int from, int to)
 {
     bool changed = false;
-    content_->setUpdatesEnabled(false);
     for (int index = qMin(from, to); index <= qMax(from, to) && index < entries_.size(); ++index)
         changed = select(index, true) || changed;
-    content_->setUpdatesEnabled(true);
     if (changed)
         emit selectedCountChanged(selected_.size());
 }

@@ -85,6 +85,7 @@ private:
     void deleteRetired();
     PhotoCell *awaiting(const QString &name, int index) const;
 
+    bool isOnScreen(int index) const;
     QPoint cellPosition(int index) const;
     QSize contentSize() const;
     void updateScrollBars();
