@@ -27,7 +27,7 @@ constexpr int orientations = 8;
 class PhotoImportHand
 {
 public:
-    explicit PhotoImportHand(Guide &guide) : guide_(guide)
+    explicit PhotoImportHand(Guide &guide)
     {
         const QString card = QStringLiteral("导片工具");
         auto *launcher = guide.waitForWindow<ChooseTools>(QStringLiteral("the launcher is there"));
@@ -87,7 +87,6 @@ public:
     }
 
 private:
-    Guide &guide_;
     tfhome *window_ = nullptr;
 };
 
@@ -162,8 +161,10 @@ void tourPhotoImport(Guide &guide)
                 QStringLiteral("the end is announced"));
     const QImage reference(card.filePath(QStringLiteral("DSC_1.jpg")));
     int upright = 0;
-    for (const QString &name : hand.folder(order, QStringLiteral("all")).entryList(QDir::Files)) {
-        QImageReader reader(hand.folder(order, QStringLiteral("all")).filePath(name));
+    const QDir all = hand.folder(order, QStringLiteral("all"));
+    const QStringList names = all.entryList(QDir::Files);
+    for (const QString &name : names) {
+        QImageReader reader(all.filePath(name));
         upright += looksLike(reader.read(), reference) ? 1 : 0; // without looking at a tag
     }
     guide.check(upright == orientations,
