@@ -26,9 +26,8 @@ QImage DecodedSources::picture(const QString &key, const std::function<QImage()>
 void DecodedSources::clear()
 {
     const std::lock_guard<std::mutex> lock(mutex_);
-    // Those being decoded have callers that wait for them; they go when they are done.
-    entries_.remove_if(
-        [](const EntryPointer &entry) { return entry->state != Entry::State::Decoding; });
+    // What is being decoded still reaches those who wait for it, and is not kept then.
+    entries_.clear();
 }
 
 QImage DecodedSources::decodeInto(const EntryPointer &entry, const std::function<QImage()> &decode)

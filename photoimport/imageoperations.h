@@ -23,7 +23,7 @@ constexpr int nearTargetPx = 9;               ///< a variant this near its size 
 constexpr int conservativeReadSide = 2048;    ///< cap of a side at the second attempt
 constexpr int originalQuality = 95;           ///< JPEG quality of upright originals
 constexpr int variantQuality = 90;            ///< quality of size variants
-constexpr int variantSideLimit = 20000;       ///< no variant is made larger than this
+constexpr int variantSideLimit = 10000;       ///< no variant is made larger, to spare memory
 
 /// 1, 3 or 6. The reader's eight values are folded on purpose: every quarter turn is reported as 6,
 /// every mirroring as 3. 1 for what cannot be read.
