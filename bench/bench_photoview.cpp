@@ -3,8 +3,8 @@
 #include "bench/benchapplication.h"
 #include "bench/fixture.h"
 #include "bench/measure.h"
+#include "fileimport/originalrequests.h"
 #include "fileimport/photocell.h"
-#include "fileimport/photorequests.h"
 #include "fileimport/thumbnailtableview.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
@@ -47,19 +47,20 @@ QString registerPicture(BenchApplication *application, const QString &folder)
     if (!file.open(QIODevice::WriteOnly) || file.write(jpegOf(cornerPicture({400, 400}))) < 0)
         throw bench::Failure(file.errorString());
     file.close();
-    const photorequests::OrderMap order{
+    const originalrequests::OrderMap order{
         {QStringLiteral("shopid"), QStringLiteral("101")},
         {QStringLiteral("order_photo_id"), QStringLiteral("800001")}};
-    const QByteArray body = photorequests::listBody(order, QString());
+    const QByteArray body = originalrequests::listBody(order, QString());
     QObject owner;
     QString url;
     callService(
         &owner, QStringLiteral("&m=order&a=savepicpath"),
         body + "&path=" + QUrl::toPercentEncoding(file.fileName()), [&](const ServiceReply &) {
-            callService(&owner, photorequests::listAction, body, [&url](const ServiceReply &reply) {
-                const auto entries = photorequests::readListing(reply.object);
-                url = entries.value(0).url;
-            });
+            callService(&owner, originalrequests::listAction, body,
+                        [&url](const ServiceReply &reply) {
+                            const auto entries = originalrequests::readListing(reply.object);
+                            url = entries.value(0).url;
+                        });
         });
     if (!application->runUntil([&url] { return !url.isEmpty(); }, patienceMs))
         throw bench::Failure(QStringLiteral("the picture was not registered"));

@@ -356,7 +356,8 @@ void ImportFiles::onOrderTableSelectionChanged()
     shownOrderId_ = orders_.order(row).id;
     files_.setFiles(orders_.order(row).files);
     if (photos_) {
-        photos_->setOrder(photorequests::orderMap(orders_.order(row), branch_.identity().shopId));
+        photos_->setOrder(
+            originalrequests::orderMap(orders_.order(row), branch_.identity().shopId));
     }
     emit orderSelectionChanged(orders_.order(row));
 }

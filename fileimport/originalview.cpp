@@ -73,17 +73,17 @@ OriginalView::OriginalView(QWidget *parent)
     connect(deleteButton_, &QPushButton::clicked, this, &OriginalView::deleteSelected);
     connect(grid_, &ThumbnailTableView::selectedCountChanged, this, &OriginalView::showCount);
     connect(overlay_, &LoadingOverlay::cancelled, this, &OriginalView::abandonListing);
-    connect(&deletion_, &PhotoDeletion::progressed, this, [this](int done, int total) {
+    connect(&deletion_, &OriginalDeletion::progressed, this, [this](int done, int total) {
         overlay_->setText(QStringLiteral("正在删除 %1/%2...").arg(done).arg(total));
         overlay_->setProgress(done, total);
     });
-    connect(&deletion_, &PhotoDeletion::submitFailed, this, &OriginalView::onSubmitFailed);
-    connect(&deletion_, &PhotoDeletion::finished, this, &OriginalView::onDeleted);
+    connect(&deletion_, &OriginalDeletion::submitFailed, this, &OriginalView::onSubmitFailed);
+    connect(&deletion_, &OriginalDeletion::finished, this, &OriginalView::onDeleted);
     const auto tellWhenStopped = [this] {
         if (stopping_ && isStopped())
             emit stopped();
     };
-    connect(&deletion_, &PhotoDeletion::ended, this, tellWhenStopped);
+    connect(&deletion_, &OriginalDeletion::ended, this, tellWhenStopped);
     connect(grid_, &ThumbnailTableView::stopped, this, tellWhenStopped);
     setOrder({});
 }
@@ -145,14 +145,14 @@ QPushButton *OriginalView::addButton(const QString &text, const char *name, cons
     return button;
 }
 
-void OriginalView::setOrder(const photorequests::OrderMap &order)
+void OriginalView::setOrder(const originalrequests::OrderMap &order)
 {
     order_ = order;
     const bool hasOrder = !order.isEmpty();
-    title_->setText(hasOrder ? photorequests::title(order) : QStringLiteral("已导入照片"));
+    title_->setText(hasOrder ? originalrequests::title(order) : QStringLiteral("已导入照片"));
     title_->setToolTip(hasOrder ? Qt::convertFromPlainText(title_->text()) : QString());
     for (QPushButton *button : {selectAllButton_, clearButton_, deleteButton_})
-        button->setVisible(photorequests::mayDelete(order));
+        button->setVisible(originalrequests::mayDelete(order));
     refreshButton_->setEnabled(hasOrder);
     abandonListing();
     showEmpty(hasOrder ? refreshingText() : QStringLiteral("请在左侧选择订单"));
@@ -178,7 +178,7 @@ void OriginalView::requestListing()
     listingDue_ = false;
     ++listingNumber_;
     lastTimestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
-    listing_.start(photorequests::listAction, photorequests::listBody(order_, lastTimestamp_),
+    listing_.start(originalrequests::listAction, originalrequests::listBody(order_, lastTimestamp_),
                    [this, timestamp = lastTimestamp_](const ServiceReply &reply) {
                        onListing(reply, timestamp);
                    });
@@ -186,7 +186,7 @@ void OriginalView::requestListing()
 
 void OriginalView::onListing(const ServiceReply &reply, const QString &timestamp)
 {
-    if (photorequests::isStale(reply.object, timestamp)) {
+    if (originalrequests::isStale(reply.object, timestamp)) {
         endRefreshing();
         if (grid_->count() == 0)
             grid_->setEmptyText(QStringLiteral("没有收到最新的照片列表，请刷新"));
@@ -201,7 +201,7 @@ void OriginalView::onListing(const ServiceReply &reply, const QString &timestamp
     }
     // Thousands of entries are read elsewhere; the overlay stays until they are.
     inBackground(
-        this, [object = reply.object] { return photorequests::readListing(object); },
+        this, [object = reply.object] { return originalrequests::readListing(object); },
         [this, number = listingNumber_](const QVector<PhotoEntry> &entries) {
             if (number == listingNumber_)
                 showListing(entries);
@@ -264,19 +264,20 @@ QVector<PhotoEntry> OriginalView::selectedEntries() const
 
 void OriginalView::deleteSelected()
 {
-    if (!ready_ || stopping_ || overlay_->isVisible() || !photorequests::mayDelete(order_))
+    if (!ready_ || stopping_ || overlay_->isVisible() || !originalrequests::mayDelete(order_))
         return;
     const QVector<PhotoEntry> selected = selectedEntries();
     if (selected.isEmpty()) {
         Toast::show(this, QStringLiteral("请选择要删除的文件..."), toastMs);
         return;
     }
-    const QVector<PhotoEntry> deletable = photorequests::withId(selected);
+    const QVector<PhotoEntry> deletable = originalrequests::withId(selected);
     if (deletable.isEmpty()) {
         Toast::show(this, QStringLiteral("没有有效的文件可以删除"), toastMs);
         return;
     }
-    const photorequests::OrderMap order = order_; // another may be shown while the question stands
+    const originalrequests::OrderMap order =
+        order_; // another may be shown while the question stands
     const QPointer<OriginalView> alive(this);
     const bool agreed = ConfirmDialog::ask(
         this,
@@ -303,7 +304,7 @@ void OriginalView::onSubmitFailed(const ServiceReply &reply)
         showCertificateRefused(this, reply.message);
 }
 
-void OriginalView::onDeleted(const DeletionSummary &summary)
+void OriginalView::onDeleted(const OriginalDeletionSummary &summary)
 {
     if (summary.succeeded > 0) {
         overlay_->showResult(QStringLiteral("删除完成！"), LoadingOverlay::Result::Success,

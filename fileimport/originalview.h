@@ -1,7 +1,7 @@
 #pragma once
 
-#include "fileimport/photodeletion.h"
-#include "fileimport/photorequests.h"
+#include "fileimport/originaldeletion.h"
+#include "fileimport/originalrequests.h"
 #include "net/servicecall.h"
 
 #include <QString>
@@ -27,7 +27,7 @@ public:
     ~OriginalView() override;
 
     /// The order to show; an empty map shows none.
-    void setOrder(const photorequests::OrderMap &order);
+    void setOrder(const originalrequests::OrderMap &order);
     /// Lists the order's photos anew, covered meanwhile. Nothing happens without an order or during
     /// a deletion.
     void refresh();
@@ -56,9 +56,9 @@ private:
 
     QVector<PhotoEntry> selectedEntries() const;
     void onSubmitFailed(const ServiceReply &reply);
-    void onDeleted(const DeletionSummary &summary);
+    void onDeleted(const OriginalDeletionSummary &summary);
 
-    photorequests::OrderMap order_;
+    originalrequests::OrderMap order_;
     QString lastTimestamp_;   ///< of the latest listing request
     int listingNumber_ = 0;   ///< tells a listing that is still being read from the latest one
     bool refreshing_ = false; ///< the overlay tells of a refresh
@@ -66,7 +66,7 @@ private:
     bool listingDue_ = false; ///< an order was chosen during a deletion
     bool stopping_ = false;
     LatestCall listing_;
-    PhotoDeletion deletion_;
+    OriginalDeletion deletion_;
 
     QLabel *title_;
     QLabel *count_;

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "fileimport/importrecords.h"
-#include "fileimport/photorequests.h"
+#include "fileimport/originalrequests.h"
 #include "net/servicecall.h"
 
 #include <QFile>
 #include <QtTest>
 
 /// The first order of the demo service, as the window hands it to the imported-photo view.
-inline photorequests::OrderMap firstOrder()
+inline originalrequests::OrderMap firstOrder()
 {
     ImportOrder order;
     order.id = QStringLiteral("50001");
@@ -16,7 +16,7 @@ inline photorequests::OrderMap firstOrder()
     order.orderPayForKey = QStringLiteral("TS10001");
     order.serviceTimes = QStringLiteral("1");
     order.delyp = QStringLiteral("1");
-    return photorequests::orderMap(order, QStringLiteral("101"));
+    return originalrequests::orderMap(order, QStringLiteral("101"));
 }
 
 inline ServiceReply ask(const QString &action, const QByteArray &body)
@@ -40,11 +40,11 @@ inline void registerFile(const QString &path, const QByteArray &content)
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("fixture not written");
     ask(QStringLiteral("&m=order&a=savepicpath"),
-        photorequests::listBody(firstOrder(), {}) + "&path=" + QUrl::toPercentEncoding(path));
+        originalrequests::listBody(firstOrder(), {}) + "&path=" + QUrl::toPercentEncoding(path));
 }
 
 inline QVector<PhotoEntry> listedEntries()
 {
-    return photorequests::readListing(
-        ask(photorequests::listAction, photorequests::listBody(firstOrder(), {})).object);
+    return originalrequests::readListing(
+        ask(originalrequests::listAction, originalrequests::listBody(firstOrder(), {})).object);
 }

@@ -13,7 +13,7 @@ struct ImportOrder;
 
 /// The requests of the imported-photo view: bodies from values, records from replies. Pure
 /// functions.
-namespace photorequests {
+namespace originalrequests {
 
 inline const QString listAction = QStringLiteral("&m=order&a=getorder_pics");
 inline const QString deleteAction = QStringLiteral("&m=order&a=delete_pics");
@@ -44,4 +44,4 @@ bool isStale(const QJsonObject &reply, const QString &timestamp);
 /// Raw files first, as they are listed. Fields that are missing or of another type are empty.
 QVector<PhotoEntry> readListing(const QJsonObject &reply);
 
-} // namespace photorequests
+} // namespace originalrequests

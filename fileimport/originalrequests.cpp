@@ -1,4 +1,4 @@
-#include "fileimport/photorequests.h"
+#include "fileimport/originalrequests.h"
 
 #include "fileimport/importrecords.h"
 #include "net/formbody.h"
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace photorequests {
+namespace originalrequests {
 
 namespace {
 
@@ -114,7 +114,7 @@ QVector<PhotoEntry> readListing(const QJsonObject &reply)
     return entries;
 }
 
-} // namespace photorequests
+} // namespace originalrequests
 
 QString kindText(PhotoEntry::Kind kind)
 {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "fileimport/deletefilerunnable.h"
+#include "fileimport/originalrequests.h"
 #include "fileimport/photorecords.h"
-#include "fileimport/photorequests.h"
 #include "net/servicecall.h"
 
 #include <QObject>
@@ -12,7 +12,7 @@
 #include <QVector>
 
 /// What a deletion is to touch, sorted out before the service is told.
-struct DeletionPlan
+struct OriginalDeletionPlan
 {
     QVector<PhotoEntry> entries;
     QStringList refusals; ///< one line for each entry left out because of its path
@@ -20,34 +20,34 @@ struct DeletionPlan
 
 /// Leaves out entries whose path leads somewhere else than to one file. An empty path passes: there
 /// is nothing on this disk to be careful about. Blocks; for worker threads.
-DeletionPlan planDeletion(const QVector<PhotoEntry> &selected);
+OriginalDeletionPlan planOriginalDeletion(const QVector<PhotoEntry> &selected);
 
 /// How a deletion ended.
-struct DeletionSummary
+struct OriginalDeletionSummary
 {
     int succeeded = 0;
     int failed = 0;
     QStringList messages; ///< what is left to be deleted by hand, and why
 };
-Q_DECLARE_METATYPE(DeletionSummary)
+Q_DECLARE_METATYPE(OriginalDeletionSummary)
 
 /// The order of steps of deleting photos: the service first, and the disk only when it agreed, up
 /// to four photos at once. One deletion at a time.
 ///
 /// Lives on the interface thread and never blocks. Destroying it waits up to 5 seconds, and then
 /// for the file being removed: stop() it and release it on ended() instead.
-class PhotoDeletion : public QObject
+class OriginalDeletion : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit PhotoDeletion(
+    explicit OriginalDeletion(
         DeleteFileRunnable::RemoveFunction remove = DeleteFileRunnable::removeFile,
         QObject *parent = nullptr);
-    ~PhotoDeletion() override;
+    ~OriginalDeletion() override;
 
     /// False, and nothing happens, while one is under way.
-    bool start(const photorequests::OrderMap &order, const QVector<PhotoEntry> &entries);
+    bool start(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries);
     /// What has not begun is left; the request is abandoned.
     void stop();
     bool isBusy() const { return busy_; }
@@ -56,12 +56,12 @@ signals:
     /// The service did not agree; nothing was touched.
     void submitFailed(const ServiceReply &reply);
     void progressed(int done, int total);
-    void finished(const DeletionSummary &summary);
+    void finished(const OriginalDeletionSummary &summary);
     /// Not busy any more, for whatever reason; after the other signals.
     void ended();
 
 private:
-    void onPlanned(const photorequests::OrderMap &order, const DeletionPlan &plan);
+    void onPlanned(const originalrequests::OrderMap &order, const OriginalDeletionPlan &plan);
     void onAgreed(const QVector<PhotoEntry> &entries);
     void onDeleteFinished(const DeleteFileResult &result);
     void finish();
@@ -73,6 +73,6 @@ private:
     bool busy_ = false;
     int run_ = 0; ///< number of the deletion, to tell a plan that comes after a stop
     int total_ = 0;
-    DeletionSummary summary_;
+    OriginalDeletionSummary summary_;
     QString resultText_;
 };

@@ -1,6 +1,6 @@
 #include "app/context/accountcontext.h"
-#include "fileimport/photodeletion.h"
-#include "fileimport/photorequests.h"
+#include "fileimport/originaldeletion.h"
+#include "fileimport/originalrequests.h"
 #include "net/background.h"
 #include "tests/fileimport/registering.h"
 #include "tests/support/democlient.h"
@@ -11,7 +11,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-using namespace photorequests;
+using namespace originalrequests;
 
 namespace {
 
@@ -32,12 +32,12 @@ QJsonObject json(const char *text)
 } // namespace
 
 /// Requests, the safety of paths, and deleting from service and disk.
-class TestPhotoDeletion : public QObject
+class TestOriginalDeletion : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { qRegisterMetaType<DeletionSummary>(); }
+    void initTestCase() { qRegisterMetaType<OriginalDeletionSummary>(); }
     void init();
     void cleanup();
     void bodiesAndTitle();
@@ -61,14 +61,14 @@ private:
     }
     /// Makes the file and registers it for the order; its entry as the service lists it.
     PhotoEntry registered(const QString &name);
-    void start(PhotoDeletion *deletion, const QVector<PhotoEntry> &entries);
+    void start(OriginalDeletion *deletion, const QVector<PhotoEntry> &entries);
 
     DemoClient demo_;
     OrderMap order_;
     std::unique_ptr<QTemporaryDir> folder_;
 };
 
-void TestPhotoDeletion::init()
+void TestOriginalDeletion::init()
 {
     demo_.reset();
     AccountContext::uid = QStringLiteral("9001");
@@ -77,14 +77,14 @@ void TestPhotoDeletion::init()
     logged.clear();
 }
 
-void TestPhotoDeletion::cleanup()
+void TestOriginalDeletion::cleanup()
 {
     qInstallMessageHandler(nullptr);
     demo_.release();
     diskPool()->waitForDone();
 }
 
-PhotoEntry TestPhotoDeletion::registered(const QString &name)
+PhotoEntry TestOriginalDeletion::registered(const QString &name)
 {
     registerFile(folder_->filePath(name), {});
     const auto entries = listedEntries();
@@ -96,13 +96,13 @@ PhotoEntry TestPhotoDeletion::registered(const QString &name)
     qFatal("not on the books");
 }
 
-void TestPhotoDeletion::start(PhotoDeletion *deletion, const QVector<PhotoEntry> &entries)
+void TestOriginalDeletion::start(OriginalDeletion *deletion, const QVector<PhotoEntry> &entries)
 {
     QVERIFY(deletion->start(order_, entries));
     QVERIFY(!deletion->start(order_, entries)); // one at a time
 }
 
-void TestPhotoDeletion::bodiesAndTitle()
+void TestOriginalDeletion::bodiesAndTitle()
 {
     ImportOrder order;
     order.orderPhotoId = QStringLiteral("8&1");
@@ -123,7 +123,7 @@ void TestPhotoDeletion::bodiesAndTitle()
              QByteArray("shopid=101&order_photo_id=8%261&ids=3,4&timestamp=17"));
 }
 
-void TestPhotoDeletion::listings_data()
+void TestOriginalDeletion::listings_data()
 {
     QTest::addColumn<QByteArray>("reply");
     QTest::addColumn<QString>("entries"); // name/id/variants/kind, one after the other
@@ -143,7 +143,7 @@ void TestPhotoDeletion::listings_data()
         "///raw", false);
 }
 
-void TestPhotoDeletion::listings()
+void TestOriginalDeletion::listings()
 {
     QFETCH(QByteArray, reply);
     const QJsonObject object = json(reply.constData());
@@ -160,7 +160,7 @@ void TestPhotoDeletion::listings()
     QTEST(isStale(object, QStringLiteral("17")), "stale");
 }
 
-void TestPhotoDeletion::paths_data()
+void TestOriginalDeletion::paths_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<bool>("fine");
@@ -188,13 +188,13 @@ void TestPhotoDeletion::paths_data()
     row(QString(), false);
 }
 
-void TestPhotoDeletion::paths()
+void TestOriginalDeletion::paths()
 {
     QFETCH(QString, path);
     QTEST(namesOneFile(path), "fine");
 }
 
-void TestPhotoDeletion::oneFile_data()
+void TestOriginalDeletion::oneFile_data()
 {
     QTest::addColumn<QString>("main"); // name in the folder
     QTest::addColumn<QStringList>("variants");
@@ -223,7 +223,7 @@ void TestPhotoDeletion::oneFile_data()
         true, "@/../fine 的路径错误\n@/folder 的路径错误\n@/protected 没有删除权限");
 }
 
-void TestPhotoDeletion::oneFile()
+void TestOriginalDeletion::oneFile()
 {
     QFETCH(QString, main);
     QFETCH(QStringList, variants);
@@ -266,7 +266,7 @@ void TestPhotoDeletion::oneFile()
     QCOMPARE(QDir(folder_->path()).entryList(), expected);
 }
 
-void TestPhotoDeletion::mixedOutcomes()
+void TestOriginalDeletion::mixedOutcomes()
 {
     QVector<PhotoEntry> entries;
     for (const char *name : {"a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"})
@@ -276,14 +276,14 @@ void TestPhotoDeletion::mixedOutcomes()
     entries[3].variants = QStringList(wire(QStringLiteral("90")));
     entries[4].localPath = folder_->path(); // a folder: not even submitted
 
-    PhotoDeletion deletion;
-    QSignalSpy progress(&deletion, &PhotoDeletion::progressed);
-    QSignalSpy finished(&deletion, &PhotoDeletion::finished);
+    OriginalDeletion deletion;
+    QSignalSpy progress(&deletion, &OriginalDeletion::progressed);
+    QSignalSpy finished(&deletion, &OriginalDeletion::finished);
     qInstallMessageHandler(keepLog);
     start(&deletion, entries);
     QTRY_COMPARE(finished.size(), 1);
     qInstallMessageHandler(nullptr);
-    const auto summary = finished.first().first().value<DeletionSummary>();
+    const auto summary = finished.first().first().value<OriginalDeletionSummary>();
     QCOMPARE(summary.succeeded, 2);
     QCOMPARE(summary.failed, 2);
     QStringList messages = summary.messages;
@@ -306,7 +306,7 @@ void TestPhotoDeletion::mixedOutcomes()
         QVERIFY2(logged.contains(QString::fromUtf8(line)), line);
 }
 
-void TestPhotoDeletion::refusalsTouchNothing_data()
+void TestOriginalDeletion::refusalsTouchNothing_data()
 {
     QTest::addColumn<int>("outcome");
     const auto row = [](const char *kind, ServiceReply::Outcome outcome) {
@@ -318,15 +318,15 @@ void TestPhotoDeletion::refusalsTouchNothing_data()
     row("html", ServiceReply::Outcome::NoAnswer);
 }
 
-void TestPhotoDeletion::refusalsTouchNothing()
+void TestOriginalDeletion::refusalsTouchNothing()
 {
     const QVector<PhotoEntry> entries{registered(QStringLiteral("a.jpg"))};
     demo_.misbehave(QStringLiteral("delete_pics"), QLatin1String(QTest::currentDataTag()));
-    PhotoDeletion deletion;
+    OriginalDeletion deletion;
     int outcome = -1;
-    connect(&deletion, &PhotoDeletion::submitFailed, this,
+    connect(&deletion, &OriginalDeletion::submitFailed, this,
             [&](const ServiceReply &reply) { outcome = int(reply.outcome); });
-    QSignalSpy finished(&deletion, &PhotoDeletion::finished);
+    QSignalSpy finished(&deletion, &OriginalDeletion::finished);
     start(&deletion, entries);
     QTRY_VERIFY(!deletion.isBusy());
     QTEST(outcome, "outcome");
@@ -334,32 +334,32 @@ void TestPhotoDeletion::refusalsTouchNothing()
     QVERIFY(QFile::exists(folder_->filePath(QStringLiteral("a.jpg"))));
 }
 
-void TestPhotoDeletion::unsafePathsAreNeverSubmitted()
+void TestOriginalDeletion::unsafePathsAreNeverSubmitted()
 {
     PhotoEntry entry = registered(QStringLiteral("a.jpg"));
     entry.localPath = wire(QStringLiteral("..\\a.jpg"));
-    PhotoDeletion deletion;
-    QSignalSpy finished(&deletion, &PhotoDeletion::finished);
+    OriginalDeletion deletion;
+    QSignalSpy finished(&deletion, &OriginalDeletion::finished);
     start(&deletion, {entry});
     QTRY_COMPARE(finished.size(), 1);
-    QCOMPARE(finished.first().first().value<DeletionSummary>().messages,
+    QCOMPARE(finished.first().first().value<OriginalDeletionSummary>().messages,
              QStringList(QStringLiteral("a.jpg 的路径错误")));
     QVERIFY(demo_.requests(QStringLiteral("delete_pics")).isEmpty());
 }
 
-void TestPhotoDeletion::stopLeavesWhatHasNotBegun()
+void TestOriginalDeletion::stopLeavesWhatHasNotBegun()
 {
     QVector<PhotoEntry> entries;
     for (int number = 0; number < 12; ++number)
         entries.append(registered(QStringLiteral("%1.jpg").arg(number)));
     QSemaphore begun;
     QSemaphore mayGoOn;
-    PhotoDeletion deletion([&](const QString &path, QString *error) {
+    OriginalDeletion deletion([&](const QString &path, QString *error) {
         begun.release();
         mayGoOn.acquire();
         return DeleteFileRunnable::removeFile(path, error);
     });
-    QSignalSpy ended(&deletion, &PhotoDeletion::ended);
+    QSignalSpy ended(&deletion, &OriginalDeletion::ended);
     start(&deletion, entries);
     QTRY_COMPARE(begun.available(), 4); // no more at once
     deletion.stop();
@@ -379,16 +379,17 @@ void TestPhotoDeletion::stopLeavesWhatHasNotBegun()
     QVERIFY(QFile::exists(folder_->filePath(QStringLiteral("x.jpg"))));
 }
 
-void TestPhotoDeletion::destroyedInMidDeletion()
+void TestOriginalDeletion::destroyedInMidDeletion()
 {
     QVector<PhotoEntry> entries;
     for (int number = 0; number < 12; ++number)
         entries.append(registered(QStringLiteral("%1.jpg").arg(number)));
     auto begun = std::make_shared<QSemaphore>();
-    auto deletion = std::make_unique<PhotoDeletion>([begun](const QString &path, QString *error) {
-        begun->release();
-        return DeleteFileRunnable::removeFile(path, error);
-    });
+    auto deletion =
+        std::make_unique<OriginalDeletion>([begun](const QString &path, QString *error) {
+            begun->release();
+            return DeleteFileRunnable::removeFile(path, error);
+        });
     start(deletion.get(), entries);
     QTRY_VERIFY(begun->available() > 0);
     qInstallMessageHandler(keepLog);
@@ -398,5 +399,5 @@ void TestPhotoDeletion::destroyedInMidDeletion()
     QVERIFY(logged.contains(QStringLiteral("线程池已安全清理")));
 }
 
-QTEST_GUILESS_MAIN(TestPhotoDeletion)
-#include "test_photodeletion.moc"
+QTEST_GUILESS_MAIN(TestOriginalDeletion)
+#include "test_originaldeletion.moc"

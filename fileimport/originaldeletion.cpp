@@ -1,4 +1,4 @@
-#include "fileimport/photodeletion.h"
+#include "fileimport/originaldeletion.h"
 
 #include "net/background.h"
 #include "platform/pathform.h"
@@ -21,9 +21,9 @@ void tellPoolIsSlow()
 
 } // namespace
 
-DeletionPlan planDeletion(const QVector<PhotoEntry> &selected)
+OriginalDeletionPlan planOriginalDeletion(const QVector<PhotoEntry> &selected)
 {
-    DeletionPlan plan;
+    OriginalDeletionPlan plan;
     for (const PhotoEntry &entry : selected) {
         const QString &path = entry.localPath;
         const bool isFile = path.isEmpty() ||
@@ -36,7 +36,7 @@ DeletionPlan planDeletion(const QVector<PhotoEntry> &selected)
     return plan;
 }
 
-PhotoDeletion::PhotoDeletion(DeleteFileRunnable::RemoveFunction remove, QObject *parent)
+OriginalDeletion::OriginalDeletion(DeleteFileRunnable::RemoveFunction remove, QObject *parent)
     : QObject(parent), remove_(std::move(remove)), call_(this)
 {
     qRegisterMetaType<DeleteFileResult>();
@@ -44,7 +44,7 @@ PhotoDeletion::PhotoDeletion(DeleteFileRunnable::RemoveFunction remove, QObject 
     pool_.setMaxThreadCount(filesAtOnce);
 }
 
-PhotoDeletion::~PhotoDeletion()
+OriginalDeletion::~OriginalDeletion()
 {
     qDebug() << "开始清理线程池...";
     if (stopped_)
@@ -56,7 +56,8 @@ PhotoDeletion::~PhotoDeletion()
         tellPoolIsSlow();
 }
 
-bool PhotoDeletion::start(const photorequests::OrderMap &order, const QVector<PhotoEntry> &entries)
+bool OriginalDeletion::start(const originalrequests::OrderMap &order,
+                             const QVector<PhotoEntry> &entries)
 {
     if (busy_)
         return false;
@@ -66,15 +67,16 @@ bool PhotoDeletion::start(const photorequests::OrderMap &order, const QVector<Ph
     total_ = 0;
     stopped_ = std::make_shared<std::atomic<bool>>(false);
     inBackground(
-        this, [entries] { return planDeletion(entries); },
-        [this, order, run = ++run_](const DeletionPlan &plan) {
+        this, [entries] { return planOriginalDeletion(entries); },
+        [this, order, run = ++run_](const OriginalDeletionPlan &plan) {
             if (run == run_)
                 onPlanned(order, plan);
         });
     return true;
 }
 
-void PhotoDeletion::onPlanned(const photorequests::OrderMap &order, const DeletionPlan &plan)
+void OriginalDeletion::onPlanned(const originalrequests::OrderMap &order,
+                                 const OriginalDeletionPlan &plan)
 {
     summary_.messages = plan.refusals;
     if (plan.entries.isEmpty()) {
@@ -85,34 +87,34 @@ void PhotoDeletion::onPlanned(const photorequests::OrderMap &order, const Deleti
     for (const PhotoEntry &entry : plan.entries)
         ids.append(entry.id);
     const QString now = QString::number(QDateTime::currentMSecsSinceEpoch());
-    call_.start(photorequests::deleteAction, photorequests::deleteBody(order, ids, now),
+    call_.start(originalrequests::deleteAction, originalrequests::deleteBody(order, ids, now),
                 [this, entries = plan.entries](const ServiceReply &reply) {
                     if (reply.isSuccess()) {
                         onAgreed(entries);
                         return;
                     }
                     busy_ = false;
-                    const QPointer<PhotoDeletion> alive(this); // boxes may be shown meanwhile
+                    const QPointer<OriginalDeletion> alive(this); // boxes may be shown meanwhile
                     emit submitFailed(reply);
                     if (alive)
                         emit ended();
                 });
 }
 
-void PhotoDeletion::onAgreed(const QVector<PhotoEntry> &entries)
+void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries)
 {
     total_ = entries.size();
     emit progressed(0, total_);
     qDebug() << "开始删除" << total_ << "个文件";
     for (const PhotoEntry &entry : entries) {
         auto *task = new DeleteFileRunnable(entry, stopped_, remove_);
-        connect(task, &DeleteFileRunnable::deleteFinished, this, &PhotoDeletion::onDeleteFinished,
-                Qt::QueuedConnection);
+        connect(task, &DeleteFileRunnable::deleteFinished, this,
+                &OriginalDeletion::onDeleteFinished, Qt::QueuedConnection);
         pool_.start(task);
     }
 }
 
-void PhotoDeletion::onDeleteFinished(const DeleteFileResult &result)
+void OriginalDeletion::onDeleteFinished(const DeleteFileResult &result)
 {
     ++(result.success ? summary_.succeeded : summary_.failed);
     resultText_ += QLatin1Char('\n') + result.message;
@@ -124,19 +126,19 @@ void PhotoDeletion::onDeleteFinished(const DeleteFileResult &result)
         finish();
 }
 
-void PhotoDeletion::finish()
+void OriginalDeletion::finish()
 {
     qDebug() << "删除完成 - 成功:" << summary_.succeeded << " 失败:" << summary_.failed;
     qDebug() << "删除失败的信息:" << resultText_;
     busy_ = false;
-    const DeletionSummary summary = summary_;
-    const QPointer<PhotoDeletion> alive(this); // boxes may be shown meanwhile
+    const OriginalDeletionSummary summary = summary_;
+    const QPointer<OriginalDeletion> alive(this); // boxes may be shown meanwhile
     emit finished(summary);
     if (alive)
         emit ended();
 }
 
-void PhotoDeletion::stop()
+void OriginalDeletion::stop()
 {
     if (!busy_)
         return;
