@@ -53,4 +53,18 @@ bool isInUse(const QString &path)
     return regionLocked || wholeLocked;
 }
 
+bool removeFile(const QString &path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat info
+    {
+    };
+    if (lstat(name.constData(), &info) != 0 || !mayBeRemoved(path))
+        return false;
+    // The system would remove what others work with; only what is open there and then stays.
+    if (!S_ISLNK(info.st_mode) && isInUse(path))
+        return false;
+    return unlink(name.constData()) == 0;
+}
+
 } // namespace platform

@@ -31,4 +31,10 @@ bool isInUse(const QString &path)
     return false;
 }
 
+bool removeFile(const QString &path)
+{
+    // The long form also keeps names with a dot or a blank at their end apart from their namesakes.
+    return DeleteFileW(longPath(path).c_str()) != 0;
+}
+
 } // namespace platform

@@ -38,6 +38,13 @@ inline constexpr QRgb inProgress = 0xffffc107;
 inline constexpr QRgb success = 0xff28a745;
 inline constexpr QRgb failure = 0xffdc3545;
 
+// States of files that are deleted.
+inline constexpr QRgb fileUntouched = 0xff8e8e93;
+inline constexpr QRgb fileBeingDeleted = 0xff007aff;
+inline constexpr QRgb fileDeleted = 0xff34c759;
+inline constexpr QRgb deletionUnreported = 0xffff9500; ///< gone, but the service does not know
+inline constexpr QRgb deletionFailed = 0xffff3b30;
+
 // Texts that are clicked.
 inline constexpr QRgb link = 0xff007aff;
 inline constexpr QRgb linkHover = 0xff0056cc;

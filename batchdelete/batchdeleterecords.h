@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QJsonObject>
+#include <QMetaType>
+#include <QRgb>
+#include <QString>
+#include <QVector>
+
+/// One file below an order's folder. Small, since an order may have a million of them: what can be
+/// told from the rest is not kept.
+struct BatchDeleteFileInfo
+{
+    enum State {
+        NotDeleted = 0,
+        Deleting = 1,
+        Deleted = 2,
+        NotReported = 3, ///< removed, but the service was not told
+        Failed = 4,
+        InUse = 5,
+        // What the thread that deletes answers besides; recorded as Failed with the reason.
+        Unreachable = 6,
+        NotWritable = 7,
+        UnknownFailure = 8,
+    };
+
+    QString folderPath; ///< absolute, in this machine's form; one text for all files of a folder
+    QString fileName;
+    QString reason; ///< of the last failure, or why the file is kept
+    qint64 size = 0;
+    qint32 state = NotDeleted;
+    qint32 rootLength = 0; ///< how much of the path is the order's folder
+    bool kept = false;     ///< listed, but never deleted: see reason
+    bool missing = false;  ///< was gone already when it was to be deleted
+
+    /// Name of the folder that holds the file; empty for the root of a drive.
+    QString folder() const;
+    QString fullPath() const;
+    /// Relative to the order's folder, with slashes.
+    QString shortPath() const;
+    /// The file's name with what is remarkable about it.
+    QString displayName() const;
+
+    bool isRemoved() const { return state == Deleted || state == NotReported; }
+    bool hasFailed() const { return state >= NotReported; }
+    bool mayRetryDelete() const { return state > NotReported && !kept; }
+};
+Q_DECLARE_TYPEINFO(BatchDeleteFileInfo, Q_MOVABLE_TYPE);
+Q_DECLARE_METATYPE(BatchDeleteFileInfo)
+
+/// The text and the colour of a file's state.
+QString deletionStateText(int state);
+QRgb deletionStateColour(int state);
+
+/// What a scan of an order's folder found.
+struct FileScanResult
+{
+    bool success = false;
+    QString errorText; ///< empty on success
+    QVector<BatchDeleteFileInfo> files;
+};
+Q_DECLARE_METATYPE(FileScanResult)
+
+/// One order of a search, and what became of its files. Paths are in Windows form.
+struct BatchDeleteOrderInfo
+{
+    QString id;
+    QString orderPhotoId;
+    QString orderPayForKey;
+    QString serviceTimes;
+    QString mname;
+    QString wname;
+    QString role1;      ///< photographer
+    QString tiaoseName; ///< pre-sample retoucher
+    QString fulfilTime; ///< completion date
+    QString netPath;    ///< the order's folder on the storage
+    QString note;       ///< why the order was skipped or not finished; empty otherwise
+    bool checked = false;
+    bool processed = false; ///< a run had its turn with it: the files tell what became of them
+
+    QString displayNumber() const;
+    QString customers() const;
+
+    const QVector<BatchDeleteFileInfo> &files() const { return files_; }
+    int succeeded() const { return succeeded_; }
+    int failed() const { return failed_; }
+    int total() const { return files_.size(); }
+    int unreported() const { return unreported_; }
+    void setFiles(const QVector<BatchDeleteFileInfo> &files);
+    /// The only way in which a file changes, so that the counts always are those of the states. An
+    /// index out of range is ignored.
+    void setFile(int index, const BatchDeleteFileInfo &file);
+
+private:
+    void count(const BatchDeleteFileInfo &file, int by);
+
+    QVector<BatchDeleteFileInfo> files_;
+    int succeeded_ = 0;
+    int failed_ = 0;
+    int unreported_ = 0;
+};
+Q_DECLARE_METATYPE(BatchDeleteOrderInfo)

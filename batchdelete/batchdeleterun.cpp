@@ -1,0 +1,386 @@
+#include "batchdelete/batchdeleterun.h"
+
+#include "batchdelete/batchdeletethread.h"
+#include "batchdelete/deletionrequests.h"
+#include "batchdelete/deletionrules.h"
+#include "batchdelete/filescanthread.h"
+#include "net/background.h"
+#include "platform/pathform.h"
+
+#include <QDebug>
+#include <QDir>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr int closingMs = 5000;
+
+bool mayRetry(const BatchDeleteFileInfo &file)
+{
+    return file.state == BatchDeleteFileInfo::NotReported || file.mayRetryDelete();
+}
+
+/// What is kept has not been deleted, and whoever looks for what is left is to find it.
+QVector<BatchDeleteFileInfo> withKeptAsFailed(QVector<BatchDeleteFileInfo> files)
+{
+    for (BatchDeleteFileInfo &file : files) {
+        if (file.kept)
+            file.state = BatchDeleteFileInfo::Failed;
+    }
+    return files;
+}
+
+} // namespace
+
+BatchDeleteRun::BatchDeleteRun(QObject *parent)
+    : QObject(parent), announcement_(this), reporter_(this), closingTimer_(this)
+{
+    closingTimer_.setSingleShot(true);
+    closingTimer_.setInterval(closingMs);
+    connect(&closingTimer_, &QTimer::timeout, this, [this] {
+        for (BatchdeleteThread *thread : qAsConst(threads_))
+            qWarning() << thread->objectName() << "任务未能及时结束，等待系统返回";
+        reporter_.giveUp();
+    });
+}
+
+BatchDeleteRun::~BatchDeleteRun()
+{
+    for (BatchdeleteThread *thread : qAsConst(threads_)) {
+        thread->disconnect(this);
+        thread->requestStop();
+        thread->wait();
+        delete thread;
+    }
+}
+
+QString BatchDeleteRun::currentOrder() const
+{
+    return phase_ == Phase::Idle || current_ < 0 ? QString() : orders_.at(current_).id;
+}
+
+void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
+                           const orderqueries::Identity &identity)
+{
+    orders_ = orders;
+    identity_ = identity;
+    current_ = -1;
+    pending_.clear();
+    skipped_ = 0;
+    stopping_ = declined_ = retrying_ = false;
+}
+
+bool BatchDeleteRun::start(const QVector<BatchDeleteOrderInfo> &orders,
+                           const orderqueries::Identity &identity, const QString &publicPath)
+{
+    if (isBusy() || closing_ || orders.isEmpty())
+        return false;
+    begin(orders, identity);
+    publicPath_ = publicPath;
+    phase_ = Phase::Checking;
+    startNextOrder();
+    return true;
+}
+
+bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes,
+                           const orderqueries::Identity &identity)
+{
+    if (isBusy() || closing_)
+        return false;
+    QVector<int> pending;
+    for (const int index : indexes) {
+        if (index >= 0 && index < order.total() && mayRetry(order.files().at(index)))
+            pending.prepend(index);
+    }
+    if (pending.isEmpty())
+        return false;
+    begin({order}, identity);
+    retrying_ = true;
+    current_ = 0;
+    pending_ = pending;
+    processNextFile();
+    return true;
+}
+
+void BatchDeleteRun::stop()
+{
+    if (stopping_ && phase_ == Phase::Reporting)
+        reporter_.giveUp();
+    else
+        endSoon();
+}
+
+void BatchDeleteRun::close()
+{
+    closing_ = true;
+    closingTimer_.start();
+    endSoon();
+    reporter_.stopAsking();
+}
+
+void BatchDeleteRun::endSoon()
+{
+    if (phase_ == Phase::Idle)
+        return;
+    stopping_ = true;
+    if (phase_ == Phase::Checking || phase_ == Phase::Announcing) {
+        note(QStringLiteral("已停止，没有删除任何文件"));
+        finish(DeletionSummary::End::Stopped);
+    }
+}
+
+void BatchDeleteRun::startNextOrder()
+{
+    if (stopping_ || declined_) {
+        finish(declined_ ? DeletionSummary::End::Declined : DeletionSummary::End::Stopped);
+        return;
+    }
+    if (current_ + 1 == orders_.size()) {
+        finish(DeletionSummary::End::Completed);
+        return;
+    }
+    ++current_;
+    phase_ = Phase::Checking;
+    order().note.clear();
+    order().setFiles({});
+    qDebug() << "获取文件照片信息";
+    emit orderStarted(order().id);
+    // Time has passed since the plan was made.
+    inBackground(
+        this,
+        [path = order().netPath, publicPath = publicPath_] {
+            return deletionrules::linkRefusal(path, publicPath);
+        },
+        [this, step = ++step_](const QString &refusal) {
+            if (step != step_)
+                return;
+            if (refusal.isEmpty())
+                scanOrder();
+            else
+                skipOrder(refusal);
+        });
+}
+
+void BatchDeleteRun::scanOrder()
+{
+    scan_ = std::make_unique<FileScanThread>();
+    connect(scan_.get(), &FileScanThread::progress, this,
+            [this](int count) { emit scanProgress(order().id, count); });
+    connect(scan_.get(), &FileScanThread::finished, this, &BatchDeleteRun::onScanned);
+    scan_->scan(order().netPath);
+}
+
+void BatchDeleteRun::onScanned(const FileScanResult &result)
+{
+    scan_.release()->deleteLater(); // it is the one that calls
+    if (!result.success) {
+        skipOrder(result.errorText);
+        return;
+    }
+    order().setFiles(withKeptAsFailed(result.files));
+    for (int index = result.files.size() - 1; index >= 0; --index) {
+        if (!result.files.at(index).kept)
+            pending_.append(index);
+    }
+    emit orderScanned(order().id, order().files());
+    if (pending_.isEmpty())
+        skipOrder(QStringLiteral("目录中没有可删除的文件"));
+    else
+        announce();
+}
+
+void BatchDeleteRun::announce()
+{
+    phase_ = Phase::Announcing;
+    inBackground(
+        this,
+        [identity = identity_, id = order().orderPhotoId, files = order().files()] {
+            return deletionrequests::announceBody(identity, id, files);
+        },
+        [this, step = ++step_](const QByteArray &body) {
+            if (step == step_) {
+                announcement_.start(deletionrequests::announceAction, body,
+                                    [this](const ServiceReply &reply) { onAnnounced(reply); });
+            }
+        });
+}
+
+void BatchDeleteRun::onAnnounced(const ServiceReply &reply)
+{
+    if (reply.isSuccess()) {
+        processNextFile();
+        return;
+    }
+    note(QStringLiteral("删除前提交失败，没有删除任何文件"));
+    emit announcementFailed(reply);
+    finish(DeletionSummary::End::NotAnnounced);
+}
+
+void BatchDeleteRun::processNextFile()
+{
+    if (!pending_.isEmpty() && !stopping_) {
+        file_ = pending_.takeLast();
+        const BatchDeleteFileInfo &file = order().files().at(file_);
+        if (file.state == BatchDeleteFileInfo::NotReported)
+            report(file);
+        else
+            deleteFile();
+        return;
+    }
+    if (retrying_)
+        finish(DeletionSummary::End::Completed);
+    else
+        startNextOrder();
+}
+
+void BatchDeleteRun::deleteFile()
+{
+    phase_ = Phase::Deleting;
+    BatchDeleteFileInfo file = order().files().at(file_);
+    file.state = BatchDeleteFileInfo::Deleting;
+    file.reason.clear();
+    setFile(file_, file);
+    auto *thread = new BatchdeleteThread(order().orderPhotoId, file, file.fullPath());
+    threads_.append(thread);
+    connect(thread, &BatchdeleteThread::fileProcessed, this,
+            [this](const QString &orderPhotoId, const BatchDeleteFileInfo &processed) {
+                Q_UNUSED(orderPhotoId) // it is the current one: one file at a time
+                onFileProcessed(processed);
+            });
+    connect(thread, &QThread::finished, this, [this, thread] { threadEnded(thread); });
+    thread->start();
+}
+
+void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
+{
+    const bool unreachable = file.state == BatchDeleteFileInfo::Unreachable;
+    if (file.state == BatchDeleteFileInfo::Deleted && !file.missing) {
+        report(file);
+        return;
+    }
+    if (file.state > BatchDeleteFileInfo::InUse)
+        file.state = BatchDeleteFileInfo::Failed;
+    if (!unreachable && !file.missing) {
+        setFile(file_, file);
+        processNextFile();
+        return;
+    }
+    // One file that is gone is deleted. Where the whole folder is gone, so may be the disk under
+    // it, with every file still on it.
+    inBackground(
+        this, [path = order().netPath] { return QDir(platform::toLocalPath(path)).exists(); },
+        [this, file, unreachable, step = ++step_](bool reachable) {
+            if (step != step_)
+                return;
+            if (!reachable) {
+                onFolderGone(file);
+            } else if (unreachable) {
+                setFile(file_, file);
+                processNextFile();
+            } else {
+                report(file);
+            }
+        });
+}
+
+/// The files that are left fail for the same reason: each of them could wait for the dead share.
+void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file)
+{
+    file.missing = false;
+    file.state = BatchDeleteFileInfo::Failed;
+    file.reason = QStringLiteral("网络路径无法访问");
+    setFile(file_, file);
+    for (const int index : qAsConst(pending_)) {
+        BatchDeleteFileInfo left = order().files().at(index);
+        if (left.state == BatchDeleteFileInfo::NotReported)
+            continue;
+        left.state = BatchDeleteFileInfo::Failed;
+        left.reason = file.reason;
+        setFile(index, left);
+    }
+    pending_.clear();
+    note(QStringLiteral("订单目录无法访问，其余文件没有删除"));
+    processNextFile();
+}
+
+void BatchDeleteRun::report(const BatchDeleteFileInfo &file)
+{
+    phase_ = Phase::Reporting;
+    if (closing_)
+        closingTimer_.start();
+    reporter_.deletePost_one(identity_, order().orderPhotoId, file,
+                             [this, file](bool reported) { onReported(file, reported); });
+}
+
+void BatchDeleteRun::onReported(BatchDeleteFileInfo file, bool reported)
+{
+    file.state = reported ? BatchDeleteFileInfo::Deleted : BatchDeleteFileInfo::NotReported;
+    file.reason = reported ? QString() : reporter_.failure();
+    declined_ = declined_ || !reported;
+    setFile(file_, file);
+    processNextFile();
+}
+
+void BatchDeleteRun::setFile(int index, const BatchDeleteFileInfo &file)
+{
+    order().setFile(index, file);
+    emit fileChanged(order().id, index, file);
+}
+
+void BatchDeleteRun::note(const QString &text)
+{
+    order().note = text;
+    emit orderNoted(order().id, text);
+}
+
+void BatchDeleteRun::skipOrder(const QString &reason)
+{
+    ++skipped_;
+    note(reason);
+    startNextOrder();
+}
+
+void BatchDeleteRun::finish(DeletionSummary::End end)
+{
+    ++step_; // what still goes on behind the scenes is not wanted any more
+    scan_.reset();
+    announcement_.cancel();
+    phase_ = Phase::Idle;
+    file_ = -1;
+    pending_.clear();
+    const DeletionSummary result = summary(end);
+    if (!std::exchange(retrying_, false))
+        emit finished(result);
+    endIfIdle();
+}
+
+DeletionSummary BatchDeleteRun::summary(DeletionSummary::End end) const
+{
+    DeletionSummary summary;
+    summary.end = end;
+    summary.orders = orders_.size();
+    summary.untouched = orders_.size() - current_ - 1;
+    summary.skipped = skipped_;
+    for (const BatchDeleteOrderInfo &order : orders_) {
+        summary.deleted += order.succeeded();
+        summary.failed += order.failed();
+    }
+    return summary;
+}
+
+void BatchDeleteRun::threadEnded(BatchdeleteThread *thread)
+{
+    threads_.removeOne(thread);
+    thread->deleteLater();
+    endIfIdle();
+}
+
+void BatchDeleteRun::endIfIdle()
+{
+    if (isBusy())
+        return;
+    closingTimer_.stop();
+    emit ended();
+}

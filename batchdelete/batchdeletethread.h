@@ -1,0 +1,41 @@
+#pragma once
+
+#include "batchdelete/batchdeleterecords.h"
+
+#include <QThread>
+
+#include <atomic>
+
+/// Deletes one file and, when that fails, works out why. Release it on finished().
+class BatchdeleteThread : public QThread
+{
+    Q_OBJECT
+
+public:
+    BatchdeleteThread(QString orderPhotoId, BatchDeleteFileInfo file, QString path,
+                      QObject *parent = nullptr);
+
+    /// Nothing more is to be heard of it, whatever becomes of the file. From any thread.
+    void requestStop() { stopped_ = true; }
+
+signals:
+    /// The file with its new state and reason; not after requestStop().
+    void fileProcessed(const QString &orderPhotoId, const BatchDeleteFileInfo &file);
+
+protected:
+    void run() override;
+
+private:
+    void removeOrDiagnose();
+    void diagnose();
+    void setResult(BatchDeleteFileInfo::State state, const QString &reason);
+
+    QString orderPhotoId_;
+    BatchDeleteFileInfo file_;
+    QString path_;
+    std::atomic<bool> stopped_{false};
+};
+
+/// Whether \a path, which does not exist, lies where nothing can be reached at present: on a share
+/// that is gone, or on another machine's drive that is. Touches the disk and can block.
+bool isUnreachablePath(const QString &path);

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "batchdelete/batchdeleterecords.h"
+
+#include <QHash>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// Which folders may be emptied, and how that is told. Pure functions unless said otherwise; paths
+/// are in Windows form.
+namespace deletionrules {
+
+/// A folder's path as folders are compared: without case, link to itself, doubled or trailing
+/// separators, and what Windows ignores at the end of a name.
+struct FolderKey
+{
+    QString text;          ///< empty when the path is none that can be judged
+    bool isRoot = false;   ///< of a drive or a share
+    bool isWithin(const FolderKey &above) const;
+};
+FolderKey folderKey(const QString &path);
+
+/// Why orders among \a listed (those that are checked are to be deleted) must not be, by order id:
+/// their folder is none, a root, holds or is the public import root, or shares files with an order
+/// that stays. \a publicPath may be empty.
+QHash<QString, QString> refusals(const QVector<BatchDeleteOrderInfo> &listed,
+                                 const QString &publicPath);
+
+/// Why the folder must not be entered: it is a link, or a folder on the way to it from the public
+/// import root is. Empty when it may be. Touches the disk and can block; for worker threads.
+QString linkRefusal(const QString &netPath, const QString &publicPath);
+
+/// What is to be deleted, and what not for which reason.
+struct DeletionPlan
+{
+    QVector<BatchDeleteOrderInfo> orders;
+    QVector<BatchDeleteOrderInfo> refused; ///< the reason is their note
+};
+/// Judges the checked orders of \a listed. Touches the disk as linkRefusal() does.
+DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &publicPath);
+
+/// What the user is asked before anything is deleted.
+QString confirmation(const DeletionPlan &plan);
+QString refusedNotice(const DeletionPlan &plan);
+
+} // namespace deletionrules

@@ -1,0 +1,48 @@
+#include "batchdelete/filescanthread.h"
+
+#include <QDebug>
+#include <QEventLoopLocker>
+#include <QThread>
+#include <QTimer>
+
+#include <memory>
+
+namespace {
+
+constexpr int closingMs = 5000;
+
+} // namespace
+
+FileScanThread::FileScanThread(QObject *parent)
+    : QObject(parent), thread_(new QThread), worker_(new FileScanWorker)
+{
+    qRegisterMetaType<FileScanResult>();
+    thread_->setObjectName(QStringLiteral("FileScanThread"));
+    worker_->moveToThread(thread_);
+    connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    connect(worker_, &FileScanWorker::progress, this, &FileScanThread::progress);
+    connect(worker_, &FileScanWorker::finished, this, &FileScanThread::finished);
+    thread_->start();
+}
+
+FileScanThread::~FileScanThread()
+{
+    worker_->cancel();
+    worker_->disconnect(this);
+    auto *overdue = new QTimer(thread_);
+    overdue->setSingleShot(true);
+    connect(overdue, &QTimer::timeout, thread_,
+            [] { qWarning() << "FileScanThread: 线程关闭超时，但不强制终止"; });
+    overdue->start(closingMs);
+    const auto processWaits = std::make_shared<QEventLoopLocker>();
+    connect(thread_, &QThread::finished, thread_,
+            [thread = thread_, processWaits] { thread->deleteLater(); });
+    thread_->quit();
+}
+
+void FileScanThread::scan(const QString &path)
+{
+    worker_->prepare();
+    QMetaObject::invokeMethod(
+        worker_, [worker = worker_, path] { worker->scan(path); }, Qt::QueuedConnection);
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+
+namespace platform {
+
+/// What one entry of a folder is, links taken as what they are themselves.
+enum class EntryKind {
+    File,       ///< a regular file, or a link to anything but a folder
+    Folder,     ///< a real one
+    FolderLink, ///< a link, junction or mounted volume: what is in it lies elsewhere
+    Other,      ///< devices, pipes and sockets
+    Unnameable, ///< its name is no text, so that no path made of text leads to it
+};
+
+struct FolderEntry
+{
+    QString name;
+    qint64 size = 0; ///< bytes; 0 unless it is a file
+    EntryKind kind = EntryKind::File;
+};
+
+enum class FolderListing {
+    Done,
+    Stopped, ///< the visitor wanted no more
+    Missing, ///< there is no such folder
+    Denied,  ///< it may not be read
+    Failed,  ///< reading it broke off
+};
+
+/// Hands every entry of \a folder, hidden ones included, "." and ".." not, to \a visit in no
+/// particular order, until that returns false. What vanishes meanwhile is left out. Never follows a
+/// link below \a folder. Blocks; for worker threads.
+FolderListing listFolder(const QString &folder,
+                         const std::function<bool(const FolderEntry &entry)> &visit);
+
+/// Whether the entry at \a path itself leads elsewhere: a link, a junction or a mounted volume.
+/// False for what does not exist. Touches the disk.
+bool isLink(const QString &path);
+
+} // namespace platform

@@ -1,0 +1,114 @@
+#include "platform/folderlisting.h"
+#include "platform/longpath_win.h"
+
+#include <windows.h>
+
+namespace platform {
+
+namespace {
+
+class FoundFiles
+{
+public:
+    explicit FoundFiles(HANDLE handle) : handle_(handle) {}
+    ~FoundFiles()
+    {
+        if (isValid())
+            FindClose(handle_);
+    }
+    Q_DISABLE_COPY_MOVE(FoundFiles)
+
+    bool isValid() const { return handle_ != INVALID_HANDLE_VALUE; }
+    HANDLE handle() const { return handle_; }
+
+private:
+    HANDLE handle_;
+};
+
+/// Links and mounted volumes lead elsewhere; files of a cloud or a deduplicating disk carry a mark
+/// of the same sort and do not.
+bool leadsElsewhere(const WIN32_FIND_DATAW &found)
+{
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           IsReparseTagNameSurrogate(found.dwReserved0);
+}
+
+EntryKind kindOf(const WIN32_FIND_DATAW &found)
+{
+    if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
+        return EntryKind::File;
+    return leadsElsewhere(found) ? EntryKind::FolderLink : EntryKind::Folder;
+}
+
+std::wstring within(const QString &folder, const wchar_t *pattern)
+{
+    std::wstring path = longPath(folder);
+    if (path.back() != L'\\')
+        path += L'\\';
+    return path + pattern;
+}
+
+FolderListing failureOf(DWORD error)
+{
+    switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_DIRECTORY:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+    case ERROR_INVALID_NAME:
+        return FolderListing::Missing;
+    case ERROR_ACCESS_DENIED:
+        return FolderListing::Denied;
+    default:
+        return FolderListing::Failed;
+    }
+}
+
+bool isDots(const wchar_t *name)
+{
+    return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
+}
+
+} // namespace
+
+FolderListing listFolder(const QString &folder,
+                         const std::function<bool(const FolderEntry &entry)> &visit)
+{
+    WIN32_FIND_DATAW found{};
+    const FoundFiles files(FindFirstFileExW(within(folder, L"*").c_str(), FindExInfoBasic, &found,
+                                            FindExSearchNameMatch, nullptr,
+                                            FIND_FIRST_EX_LARGE_FETCH));
+    if (!files.isValid()) {
+        // The root of an empty drive has not even the two dots.
+        const DWORD error = GetLastError();
+        const DWORD attributes = GetFileAttributesW(longPath(folder).c_str());
+        if (error == ERROR_FILE_NOT_FOUND && attributes != INVALID_FILE_ATTRIBUTES &&
+            (attributes & FILE_ATTRIBUTE_DIRECTORY))
+            return FolderListing::Done;
+        return failureOf(error);
+    }
+    do {
+        if (isDots(found.cFileName))
+            continue;
+        FolderEntry entry;
+        entry.name = QString::fromWCharArray(found.cFileName);
+        entry.kind = kindOf(found);
+        if (entry.kind == EntryKind::File)
+            entry.size = (qint64(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
+        if (!entry.name.isValidUtf16())
+            entry.kind = EntryKind::Unnameable;
+        if (!visit(entry))
+            return FolderListing::Stopped;
+    } while (FindNextFileW(files.handle(), &found));
+    return GetLastError() == ERROR_NO_MORE_FILES ? FolderListing::Done : FolderListing::Failed;
+}
+
+bool isLink(const QString &path)
+{
+    WIN32_FIND_DATAW found{};
+    const FoundFiles file(FindFirstFileW(longPath(path).c_str(), &found));
+    return file.isValid() && leadsElsewhere(found);
+}
+
+} // namespace platform
