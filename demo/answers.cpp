@@ -43,6 +43,7 @@ const OrderField orderFields[] = {
     {"selectphotoname", &Order::consultant},
     {"tiaosename", &Order::retoucher},
     {"issample", &Order::isSample},
+    {"fulfil_time", &Order::completionTime},
     {"netpath", &Order::netPath},
     {"picpathnew", &Order::folderPath},
     {"imagesize_small", &Order::sizeSmall},
@@ -83,8 +84,7 @@ Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std:
 }
 
 // Actions that belong here as the tools for them come: order/orderphotodetail,
-// public/save_goodsfoldernamerule, order/download_success, order/delete_pic_before,
-// order/delete_pic_after, order/getbarcodegen.
+// public/save_goodsfoldernamerule, order/download_success, order/getbarcodegen.
 QJsonObject Answers::answer(const Fields &query, const Fields &fields)
 {
     const QString action = field(query, "m") + QLatin1Char('/') + field(query, "a");
@@ -120,6 +120,10 @@ QJsonObject Answers::answer(const Fields &query, const Fields &fields)
         return deleteImported(fields, false);
     if (action == QStringLiteral("order/delmv"))
         return deleteImported(fields, true);
+    if (action == QStringLiteral("order/delete_pic_before"))
+        return announceDeletion(fields);
+    if (action == QStringLiteral("order/delete_pic_after"))
+        return reportDeletion(fields);
     return refusal(QStringLiteral("未知的操作: %1").arg(action));
 }
 
@@ -147,7 +151,8 @@ QJsonObject Answers::login(const Fields &fields) const
     return reply;
 }
 
-// shopid → SUPERID, EID of that branch, importpublicpath (empty when the branch has none).
+// shopid → SUPERID, EID of that branch, importpublicpath (empty when the branch has none),
+// is_all_del_photo ("1" where whole orders may be deleted).
 QJsonObject Answers::switchShop(const Fields &fields) const
 {
     const Account *account = studio_.accountByUid(field(fields, "uid"));
@@ -162,6 +167,7 @@ QJsonObject Answers::switchShop(const Fields &fields) const
     reply[QStringLiteral("SUPERID")] = shop->superId;
     reply[QStringLiteral("EID")] = account->employeeIds.value(shop->id);
     reply[QStringLiteral("importpublicpath")] = shop->publicRoot;
+    reply[QStringLiteral("is_all_del_photo")] = text(shop->mayDeleteAll ? "1" : "0");
     return reply;
 }
 
@@ -178,15 +184,17 @@ QJsonObject Answers::persons(const Fields &fields) const
     return reply;
 }
 
-// keyword, searchtype (1 text, 4 and 6 shoot date, 5 selection date), role7id → data, openypml,
+// keyword, searchtype (1 text, 4 shoot date, 5 selection date, 6 completion date), role7id → data, openypml,
 // delyp.
 QJsonObject Answers::orderList(const Fields &fields) const
 {
     const QString searchType = field(fields, "searchtype");
     const QString keyword = field(fields, "keyword");
     SearchBy by = SearchBy::Text;
-    if (searchType == QStringLiteral("4") || searchType == QStringLiteral("6"))
+    if (searchType == QStringLiteral("4"))
         by = SearchBy::ShotDate;
+    else if (searchType == QStringLiteral("6"))
+        by = SearchBy::CompletionDate;
     else if (searchType == QStringLiteral("5"))
         by = SearchBy::SelectionDate;
     else if (searchType != QStringLiteral("1"))
@@ -211,6 +219,9 @@ QJsonObject Answers::orderObject(const Order &order) const
     QJsonObject object;
     for (const OrderField &member : orderFields)
         object[text(member.name)] = order.*member.value;
+    // Once its files lie somewhere, that is the order's folder.
+    if (order.netPath.isEmpty())
+        object[QStringLiteral("netpath")] = order.folderPath;
     for (const auto &count : orderCounts)
         object[text(count.name)] = QString::number(order.registeredNames(count.kind).size());
     object[QStringLiteral("images")] =

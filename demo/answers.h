@@ -38,6 +38,8 @@ private:
     QJsonObject importedPhotos(const Fields &fields) const;
     QJsonObject deletePhotos(const Fields &fields);
     QJsonObject deleteImported(const Fields &fields, bool videos);
+    QJsonObject announceDeletion(const Fields &fields);
+    QJsonObject reportDeletion(const Fields &fields);
 
     QString identityProblem(const Fields &fields) const;
     // The order that the fields name, or null and the reason.

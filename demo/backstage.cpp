@@ -18,6 +18,13 @@ QJsonArray texts(const QStringList &list)
     return QJsonArray::fromStringList(list);
 }
 
+QJsonArray sorted(const QSet<QString> &set)
+{
+    QStringList list = set.values();
+    list.sort();
+    return texts(list);
+}
+
 QJsonObject orderState(const Order &order)
 {
     return {{QStringLiteral("id"), order.id},
@@ -30,7 +37,9 @@ QJsonObject orderState(const Order &order)
             {QStringLiteral("files"), texts(order.registeredFiles)},
             {QStringLiteral("yuanpian"), texts(order.registeredNames(PhotoKind::Original))},
             {QStringLiteral("yuanshidang"), texts(order.registeredNames(PhotoKind::Raw))},
-            {QStringLiteral("jingxiu"), texts(order.registeredNames(PhotoKind::Retouched))}};
+            {QStringLiteral("jingxiu"), texts(order.registeredNames(PhotoKind::Retouched))},
+            {QStringLiteral("announced"), sorted(order.announcedDeletions)},
+            {QStringLiteral("deleted"), sorted(order.reportedDeletions)}};
 }
 
 } // namespace

@@ -18,7 +18,8 @@
 //   POST /demo/release              lets held and delayed requests go
 //   POST /demo/reset                state, record and misbehaviour as at the start, share emptied
 //   GET  /demo/state                held (waiting requests), share (folder, by the client's name),
-//                                   orders with what was registered for them
+//                                   orders with what was registered for them, and what was
+//                                   announced and reported as deleted
 //   POST /demo/orders               {"add": N, "shopid": …} or {"id" or "order_photo_id": …,
 //                                   "fields": {"netpath": …}}
 // A POST that went well answers {"code":"1"}.

@@ -42,6 +42,8 @@ bool matches(const Order &order, SearchBy by, const QString &text, const QDate &
         return QDate::fromString(order.shotDate, QStringLiteral("yyyy-M-d")) == date;
     case SearchBy::SelectionDate:
         return QDate::fromString(order.selectionTime.left(10), Qt::ISODate) == date;
+    case SearchBy::CompletionDate:
+        return QDate::fromString(order.completionTime.left(10), Qt::ISODate) == date;
     }
     return false;
 }
@@ -90,15 +92,15 @@ Studio::Studio(const QMap<QString, QString> &publicRoots)
                        R"({"name":"产品名称","key":"name","separator":"_"}])");
     shops_ = {
         {QStringLiteral("101"), QStringLiteral("海棠路旗舰店"), QStringLiteral("7001"), rule,
-         publicRoots.value(QStringLiteral("101")),
+         publicRoots.value(QStringLiteral("101")), true,
          personsOf(QStringLiteral("101"), {QStringLiteral("程远"), QStringLiteral("沈小棠"),
                                            QStringLiteral("顾一鸣"), QStringLiteral("白露")})},
         {QStringLiteral("102"), QStringLiteral("滨江店"), QStringLiteral("7002"),
-         QStringLiteral("[]"), publicRoots.value(QStringLiteral("102")),
+         QStringLiteral("[]"), publicRoots.value(QStringLiteral("102")), true,
          personsOf(QStringLiteral("102"),
                    {QStringLiteral("陆川"), QStringLiteral("夏至"), QStringLiteral("欧阳青")})},
         {QStringLiteral("103"), QStringLiteral("古城外景基地"), QStringLiteral("7003"), rule,
-         publicRoots.value(QStringLiteral("103")),
+         publicRoots.value(QStringLiteral("103")), false,
          personsOf(QStringLiteral("103"), {QStringLiteral("石磊"), QStringLiteral("温言")})},
     };
     accounts_ = {

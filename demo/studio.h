@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -23,6 +24,7 @@ struct Shop
     QString superId;
     QString namingRule; // JSON text, as the service stores it
     QString publicRoot; // wire form; empty when the branch has none
+    bool mayDeleteAll;  // whether its staff may delete the files of whole orders
     QVector<Person> persons;
 };
 
@@ -90,6 +92,7 @@ struct Order
     QString consultant;
     QString retoucher;
     QString role7Id;
+    QString completionTime; // "yyyy-MM-dd hh:mm:ss" or empty
     QString isSample;
     QString shopName;
     QString shotDate; // as typed in the back office: "2024-3-7" occurs, and so does nothing at all
@@ -106,6 +109,9 @@ struct Order
     QVector<Photo> trialPhotos;
     QVector<RegisteredPhoto> registered;
     QStringList registeredFiles; // paths that came one by one
+    // Of batch deletions, as the client told them: what was going to be deleted, what is gone.
+    QSet<QString> announcedDeletions;
+    QSet<QString> reportedDeletions;
 
     QStringList registeredNames(PhotoKind kind) const;
     // What was registered by the photo import, as the order's answer lists it: originals that have
@@ -113,7 +119,7 @@ struct Order
     QVector<Photo> imported(PhotoKind kind) const;
 };
 
-enum class SearchBy { Text, ShotDate, SelectionDate };
+enum class SearchBy { Text, ShotDate, SelectionDate, CompletionDate };
 
 // The studio that the service keeps the books of. Plain values without HTTP, files or locking; the
 // owner sees to it that one thread at a time uses it. Pointers stay good until the orders change.

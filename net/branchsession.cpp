@@ -31,6 +31,7 @@ void BranchSession::onSwitchReply(const QString &shopId, const ServiceReply &rep
     confirmed_ = true;
     identity_ = {shopId, shop.superId, shop.employeeId};
     publicPath_ = shop.importPublicPath;
+    mayDeleteAllPhotos_ = shop.mayDeleteAllPhotos;
     for (const ShopRecord &record : qAsConst(AccountContext::shopList)) {
         if (publicPath_.isEmpty() && record.id == shopId)
             publicPath_ = record.importPublicPath;

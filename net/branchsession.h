@@ -22,6 +22,8 @@ public:
     const orderqueries::Identity &identity() const { return identity_; }
     /// Public import root of the branch, in Windows form; may be empty.
     const QString &publicPath() const { return publicPath_; }
+    /// Whether the user may delete the files of whole orders there.
+    bool mayDeleteAllPhotos() const { return mayDeleteAllPhotos_; }
     /// Whether the service has confirmed the branch.
     bool isConfirmed() const { return confirmed_; }
 
@@ -48,6 +50,7 @@ private:
 
     orderqueries::Identity identity_;
     QString publicPath_;
+    bool mayDeleteAllPhotos_ = false;
     bool confirmed_ = false;
     LatestCall switchCall_;
     LatestCall personsCall_;

@@ -90,6 +90,9 @@ QByteArray orderListBody(const OrderSearch &search, const Identity &identity,
     } else if (search.type == OrderSearch::SelectionDate) {
         keyword = isoDate(search.selectionDate);
         searchType = QStringLiteral("5");
+    } else if (search.type == OrderSearch::CompletionDate) {
+        keyword = isoDate(search.completionDate);
+        searchType = QStringLiteral("6");
     }
     FormBody body;
     body.add(QStringLiteral("keyword"), keyword).add(QStringLiteral("searchtype"), searchType);
@@ -103,7 +106,8 @@ ShopSwitch readShopSwitch(const QJsonObject &reply)
 {
     return {reply::text(reply, QStringLiteral("SUPERID")),
             reply::text(reply, QStringLiteral("EID")),
-            reply::text(reply, QStringLiteral("importpublicpath"))};
+            reply::text(reply, QStringLiteral("importpublicpath")),
+            reply::text(reply, QStringLiteral("is_all_del_photo")) == QLatin1String("1")};
 }
 
 QVector<Person> readPersons(const QJsonObject &reply)

@@ -37,12 +37,13 @@ struct Identity
 /// What the order search panel asks for. The dates count only for the types that search by them.
 struct OrderSearch
 {
-    enum Type { BasicInformation = 0, ShootingDate = 1, SelectionDate = 2 };
+    enum Type { BasicInformation = 0, ShootingDate = 1, SelectionDate = 2, CompletionDate = 3 };
 
     int type = BasicInformation;
     QString text;
     QDate shootingDate;
     QDate selectionDate;
+    QDate completionDate;
 };
 
 /// A reply to a branch switch.
@@ -51,6 +52,7 @@ struct ShopSwitch
     QString superId;
     QString employeeId;
     QString importPublicPath;
+    bool mayDeleteAllPhotos = false; ///< the files of whole orders
 };
 
 struct Person

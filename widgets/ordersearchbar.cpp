@@ -35,23 +35,29 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     , keywordEdit_(new LineEdit(this))
     , shootingDate_(new DatePicker(QStringLiteral("点击选择拍照日期"), this))
     , selectionDate_(new DatePicker(QStringLiteral("点击选择选片日期"), this))
+    , completionDate_(new DatePicker(QStringLiteral("点击选择日期"), this))
     , searchButton_(new QPushButton(QStringLiteral("搜索"), this))
     , filterRow_(new QHBoxLayout)
+    , branchCaption_(new QLabel(this))
     , branchBox_(new ComboBox(this))
     , rows_(new QBoxLayout(QBoxLayout::LeftToRight, this))
 {
     typeBox_->setObjectName(QStringLiteral("searchTypeBox"));
-    typeBox_->addItems(
-        {QStringLiteral("基本信息"), QStringLiteral("拍照日期"), QStringLiteral("选片日期")});
+    addType(QStringLiteral("基本信息"), OrderSearch::BasicInformation);
+    addType(QStringLiteral("拍照日期"), OrderSearch::ShootingDate);
+    addType(QStringLiteral("选片日期"), OrderSearch::SelectionDate);
     keywordEdit_->setObjectName(QStringLiteral("keywordEdit"));
     keywordEdit_->setPlaceholderText(QStringLiteral("搜索订单号、姓名、电话..."));
     keywordEdit_->setClearable(true);
     shootingDate_->setObjectName(QStringLiteral("shootingDate"));
     selectionDate_->setObjectName(QStringLiteral("selectionDate"));
+    completionDate_->setObjectName(QStringLiteral("completionDate"));
     searchButton_->setObjectName(QStringLiteral("searchButton"));
     searchButton_->setStyleSheet(theme::primaryButtonStyle());
     branchBox_->setObjectName(QStringLiteral("branchBox"));
     nameFilter(branchBox_, QStringLiteral("分店"));
+    branchCaption_->setBuddy(branchBox_);
+    branchCaption_->hide();
 
     auto *label = new QLabel(QStringLiteral("搜索类型:"), this);
     label->setBuddy(typeBox_);
@@ -60,9 +66,8 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     row->setSpacing(theme::spacing());
     row->addWidget(label);
     row->addWidget(typeBox_);
-    for (QWidget *input :
-         {static_cast<QWidget *>(keywordEdit_), static_cast<QWidget *>(shootingDate_),
-          static_cast<QWidget *>(selectionDate_)}) {
+    const auto inputs = searchInputs();
+    for (QWidget *input : inputs) {
         input->setMinimumWidth(theme::narrowestInput());
         input->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
         row->addWidget(input, 1);
@@ -73,22 +78,49 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     rows_->setSpacing(theme::spacing());
     rows_->addWidget(searchRow_, 1);
     filterRow_->setSpacing(theme::spacing());
-    filterRow_->addWidget(branchBox_);
+    filterRow_->addWidget(branchCaption_);
+    filterRow_->addWidget(branchBox_, 1);
     rows_->addLayout(filterRow_);
     setStyleSheet(theme::windowStyle());
     showInputFor(OrderSearch::BasicInformation);
     connectParts();
 }
 
+void OrderSearchBar::addType(const QString &name, OrderSearch::Type type)
+{
+    typeBox_->addItem(name, int(type));
+}
+
+int OrderSearchBar::currentType() const
+{
+    return typeBox_->currentData().toInt();
+}
+
+void OrderSearchBar::searchByCompletion(const QString &keywordPrompt)
+{
+    keywordEdit_->setPlaceholderText(keywordPrompt);
+    while (typeBox_->count() > 1)
+        typeBox_->removeItem(1);
+    addType(QStringLiteral("结单日期"), OrderSearch::CompletionDate);
+}
+
+void OrderSearchBar::captionBranches(const QString &text)
+{
+    branchCaption_->setText(text);
+    branchCaption_->show();
+    arrange();
+}
+
 void OrderSearchBar::connectParts()
 {
-    connect(typeBox_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this](int type) {
-        showInputFor(type);
-        emit searchTypeChanged(type);
+    connect(typeBox_, qOverload<int>(&QComboBox::currentIndexChanged), this, [this](int index) {
+        showInputFor(currentType());
+        emit searchTypeChanged(index);
     });
     connect(keywordEdit_, &QLineEdit::returnPressed, this, &OrderSearchBar::requestSearch);
     connect(shootingDate_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
     connect(selectionDate_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
+    connect(completionDate_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
     connect(searchButton_, &QPushButton::clicked, this, &OrderSearchBar::requestSearch);
     connect(branchBox_, qOverload<int>(&QComboBox::activated), this, [this](int index) {
         if (index == branchIndex_)
@@ -101,17 +133,18 @@ void OrderSearchBar::connectParts()
 OrderSearch OrderSearchBar::search() const
 {
     OrderSearch search;
-    search.type = typeBox_->currentIndex();
+    search.type = currentType();
     search.text = keywordEdit_->text();
     search.shootingDate = shootingDate_->chosenDate();
     search.selectionDate = selectionDate_->chosenDate();
+    search.completionDate = completionDate_->chosenDate();
     return search;
 }
 
 void OrderSearchBar::resetKeyword()
 {
     keywordEdit_->clear();
-    typeBox_->setCurrentIndex(OrderSearch::BasicInformation);
+    typeBox_->setCurrentIndex(0);
 }
 
 void OrderSearchBar::setBranches(const QList<ShopRecord> &branches, const QString &selectedId)
@@ -181,7 +214,7 @@ void OrderSearchBar::setBusy(bool busy)
     busy_ = busy;
     // A disabled button hands its focus on, to the branches of all things.
     if (busy && searchButton_->hasFocus())
-        inputFor(typeBox_->currentIndex())->setFocus();
+        inputFor(currentType())->setFocus();
     searchButton_->setEnabled(!busy);
     searchButton_->setText(busy ? QStringLiteral("搜索中...") : QStringLiteral("搜索"));
 }
@@ -190,7 +223,7 @@ void OrderSearchBar::requestSearch()
 {
     if (busy_)
         return;
-    auto *picker = qobject_cast<DatePicker *>(inputFor(typeBox_->currentIndex()));
+    auto *picker = qobject_cast<DatePicker *>(inputFor(currentType()));
     if (picker && !picker->isChosen()) {
         Toast::show(this, picker->prompt());
         picker->setFocus();
@@ -206,15 +239,21 @@ QWidget *OrderSearchBar::inputFor(int type) const
         return shootingDate_;
     if (type == OrderSearch::SelectionDate)
         return selectionDate_;
+    if (type == OrderSearch::CompletionDate)
+        return completionDate_;
     return keywordEdit_;
+}
+
+QList<QWidget *> OrderSearchBar::searchInputs() const
+{
+    return {keywordEdit_, shootingDate_, selectionDate_, completionDate_};
 }
 
 void OrderSearchBar::showInputFor(int type)
 {
     QWidget *wanted = inputFor(type);
-    for (QWidget *input :
-         {static_cast<QWidget *>(keywordEdit_), static_cast<QWidget *>(shootingDate_),
-          static_cast<QWidget *>(selectionDate_)})
+    const auto inputs = searchInputs();
+    for (QWidget *input : inputs)
         input->setVisible(input == wanted);
     arrange();
 }
@@ -223,6 +262,8 @@ void OrderSearchBar::showInputFor(int type)
 void OrderSearchBar::arrange()
 {
     int oneRow = searchRow_->sizeHint().width();
+    if (!branchCaption_->isHidden())
+        oneRow += rows_->spacing() + branchCaption_->sizeHint().width();
     const auto boxes = filters();
     for (ComboBox *box : boxes)
         oneRow += rows_->spacing() + narrowWidth(box);

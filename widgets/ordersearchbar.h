@@ -8,6 +8,7 @@
 
 class ComboBox;
 class DatePicker;
+class QLabel;
 class LineEdit;
 class QBoxLayout;
 class QPushButton;
@@ -23,6 +24,11 @@ class OrderSearchBar : public QWidget
 public:
     explicit OrderSearchBar(QWidget *parent = nullptr);
 
+    /// Puts the completion date in the place of the other dates, and \a keywordPrompt into the
+    /// field for the rest.
+    void searchByCompletion(const QString &keywordPrompt);
+    /// A caption for the branches.
+    void captionBranches(const QString &text);
     orderqueries::OrderSearch search() const;
     /// Back to the basic information with nothing typed. Dates already chosen stay.
     void resetKeyword();
@@ -61,6 +67,9 @@ private:
     void showInputFor(int type);
     void arrange();
     void connectParts();
+    void addType(const QString &name, orderqueries::OrderSearch::Type type);
+    int currentType() const;
+    QList<QWidget *> searchInputs() const;
     QWidget *inputFor(int type) const;
     QList<ComboBox *> filters() const;
 
@@ -69,8 +78,10 @@ private:
     LineEdit *keywordEdit_;
     DatePicker *shootingDate_;
     DatePicker *selectionDate_;
+    DatePicker *completionDate_;
     QPushButton *searchButton_;
     QBoxLayout *filterRow_;
+    QLabel *branchCaption_;
     ComboBox *branchBox_;
     ComboBox *personBox_ = nullptr; ///< only with the person filter
     QBoxLayout *rows_;

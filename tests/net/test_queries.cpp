@@ -58,6 +58,7 @@ void TestQueries::searchBodies_data()
     QTest::newRow("text") << 0 << QString() << "keyword=李 四&searchtype=1" + tail;
     QTest::newRow("shooting") << 1 << QString() << "keyword=2024-03-07&searchtype=4" + tail;
     QTest::newRow("selection") << 2 << QString() << "keyword=2024-12-30&searchtype=5" + tail;
+    QTest::newRow("completion") << 3 << QString() << "keyword=2024-01-02&searchtype=6" + tail;
     QTest::newRow("other") << 9 << QString() << "keyword=李 四&searchtype=1" + tail;
     QTest::newRow("everybody") << 0 << QString::fromLatin1("")
                                << "keyword=李 四&searchtype=1&role7id=" + tail;
@@ -69,7 +70,8 @@ void TestQueries::searchBodies()
 {
     QFETCH(int, type);
     QFETCH(QString, role7id);
-    const OrderSearch search{type, QStringLiteral("李 四"), QDate(2024, 3, 7), QDate(2024, 12, 30)};
+    const OrderSearch search{type, QStringLiteral("李 四"), QDate(2024, 3, 7), QDate(2024, 12, 30),
+                             QDate(2024, 1, 2)};
     QTEST(orderListBody(search, identity, role7id), "body");
 }
 
