@@ -81,6 +81,7 @@ inline constexpr QRgb photoUnselected = 0xe6ffffff;
 
 // Login, account verification and launcher.
 inline constexpr QRgb loginSucceeded = 0xff27ae60;
+inline constexpr QRgb translucentButton = 0xb3ffffff;
 inline constexpr QRgb dialogHeading = 0xff1d1d1f;
 inline constexpr QRgb inputText = 0xff1d1d1f;
 inline constexpr QRgb inputSelection = 0x40007aff;

@@ -286,6 +286,31 @@ QString buttonStyle(QRgb background, QRgb hover)
     return filledButton(background, hover, hover);
 }
 
+QString translucentButtonStyle()
+{
+    return scaled(QStringLiteral("QPushButton { background-color: %1; color: %2;"
+                                 " border: 1dp solid %3; border-radius: 4dp; font-size: @text; %6 }"
+                                 "QPushButton:hover { background-color: %4; }"
+                                 "QPushButton:focus { border: 2dp solid %5; %7 }")
+                      .arg(css(colours::translucentButton), css(colours::heading),
+                           css(colours::outline), css(colours::surface), css(colours::accent),
+                           padding(8, 12, hairline()), padding(8, 12, focusWidth())));
+}
+
+QString gradientButtonStyle()
+{
+    return scaled(QStringLiteral("QPushButton { background: qlineargradient(x1: 0, y1: 0, x2: 0,"
+                                 " y2: 1, stop: 0 %1, stop: 1 %2); color: %4; border: none;"
+                                 " border-radius: 4dp; font-size: @text; font-weight: 600; %6 }"
+                                 "QPushButton:hover { background: %1; }"
+                                 "QPushButton:pressed { background: %3; }"
+                                 "QPushButton:focus { border: 2dp solid %5; %7 }")
+                      .arg(css(colours::accentHover), css(colours::accentPressed),
+                           css(colours::accentPressed), css(colours::onFilled),
+                           css(colours::focusRing), padding(8, 12, 0),
+                           padding(8, 12, focusWidth())));
+}
+
 QString startButtonStyle()
 {
     return runButton(colours::start, colours::startBorder, colours::startHover,

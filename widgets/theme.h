@@ -58,6 +58,9 @@ QString buttonStyle(QRgb background, QRgb hover);
 /// The button that starts a run, and its look while pressing it stops the run.
 QString startButtonStyle();
 QString stopButtonStyle();
+/// The two buttons of a dialog that paints its own background.
+QString translucentButtonStyle();
+QString gradientButtonStyle();
 /// The login button once the login has succeeded.
 QString loginSucceededStyle();
 
