@@ -231,6 +231,30 @@ DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &pu
     return plan;
 }
 
+QVector<BatchDeleteFileInfo> merged(const QVector<BatchDeleteFileInfo> &before,
+                                    QVector<BatchDeleteFileInfo> scanned)
+{
+    QHash<QString, int> known;
+    for (int index = 0; index < before.size(); ++index) {
+        if (before.at(index).state != BatchDeleteFileInfo::NotDeleted)
+            known.insert(before.at(index).fullPath(), index);
+    }
+    if (known.isEmpty())
+        return scanned;
+    for (BatchDeleteFileInfo &file : scanned) {
+        const auto found = known.constFind(file.fullPath());
+        if (found == known.constEnd() || before.at(*found).isRemoved())
+            continue;
+        file.state = before.at(*found).state;
+        file.reason = before.at(*found).reason;
+    }
+    for (const BatchDeleteFileInfo &file : before) {
+        if (file.isRemoved())
+            scanned.append(file);
+    }
+    return scanned;
+}
+
 QString confirmation(const DeletionPlan &plan)
 {
     QString text = QStringLiteral("下列 %1 个订单的目录将被清空，其中的全部文件会永久删除，"

@@ -40,6 +40,11 @@ struct DeletionPlan
 /// Judges the checked orders of \a listed. Touches the disk as linkRefusal() does.
 DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &publicPath);
 
+/// What a new scan of an order's folder found, joined with what is known from before: files that
+/// were removed stay listed, and those that could not be keep their reason.
+QVector<BatchDeleteFileInfo> merged(const QVector<BatchDeleteFileInfo> &before,
+                                    QVector<BatchDeleteFileInfo> scanned);
+
 /// What the user is asked before anything is deleted.
 QString confirmation(const DeletionPlan &plan);
 QString refusedNotice(const DeletionPlan &plan);

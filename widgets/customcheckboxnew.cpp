@@ -59,7 +59,8 @@ void CustomCheckBoxNew::paintEvent(QPaintEvent *)
     const QRect outer = QStyle::visualRect(
         layoutDirection(), rect(),
         QRect(0, (height() - size) / 2 - ring, size + 2 * ring, size + 2 * ring));
-    paintBox(&painter, QRectF(outer).adjusted(ring, ring, -ring, -ring));
+    paintCheckBox(&painter, QRectF(outer).adjusted(ring, ring, -ring, -ring),
+                  {checkState(), isEnabled(), hasFocus(), underMouse()});
 
     if (text().isEmpty())
         return;
@@ -70,18 +71,18 @@ void CustomCheckBoxNew::paintEvent(QPaintEvent *)
                      text());
 }
 
-void CustomCheckBoxNew::paintBox(QPainter *painter, const QRectF &box) const
+void paintCheckBox(QPainter *painter, const QRectF &box, const CheckBoxLook &look)
 {
-    const bool filled = checkState() != Qt::Unchecked;
+    const bool filled = look.state != Qt::Unchecked;
     const double line = theme::hairline();
     const double corner = theme::radius() * 0.75;
-    QRgb frame = filled || hasFocus() || underMouse() ? colours::accent : colours::outlineHover;
-    QRgb fill = filled ? (underMouse() ? colours::accentHover : colours::accent) : colours::surface;
-    if (!isEnabled()) {
+    QRgb frame = filled || look.focused || look.hovered ? colours::accent : colours::outlineHover;
+    QRgb fill = filled ? (look.hovered ? colours::accentHover : colours::accent) : colours::surface;
+    if (!look.enabled) {
         frame = colours::outline;
         fill = filled ? colours::disabledText : colours::disabledSurface;
     }
-    if (hasFocus()) {
+    if (look.focused) {
         const double ring = theme::focusWidth();
         painter->setPen(QPen(colours::toColor(colours::focusRing), ring));
         painter->setBrush(Qt::NoBrush);
@@ -100,7 +101,7 @@ void CustomCheckBoxNew::paintBox(QPainter *painter, const QRectF &box) const
     const auto at = [&box](double x, double y) {
         return QPointF(box.left() + x * box.width(), box.top() + y * box.height());
     };
-    if (checkState() == Qt::PartiallyChecked) {
+    if (look.state == Qt::PartiallyChecked) {
         painter->drawLine(at(0.28, 0.5), at(0.72, 0.5));
         return;
     }

@@ -19,7 +19,16 @@ protected:
     void enterEvent(QEvent *event) override;
     void leaveEvent(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
-
-private:
-    void paintBox(QPainter *painter, const QRectF &box) const;
 };
+
+/// What a box to be ticked looks like at the moment.
+struct CheckBoxLook
+{
+    Qt::CheckState state = Qt::Unchecked;
+    bool enabled = true;
+    bool focused = false;
+    bool hovered = false;
+};
+
+/// Paints such a box, for a check box or for a cell of a table.
+void paintCheckBox(QPainter *painter, const QRectF &box, const CheckBoxLook &look);

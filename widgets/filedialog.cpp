@@ -37,6 +37,22 @@ QStringList FileDialog::openFiles(QWidget *parent, const QString &title, const Q
     return files;
 }
 
+QString FileDialog::saveFile(QWidget *parent, const QString &title, const QString &name,
+                             const QString &filter, const QString &folderKey)
+{
+    QString file;
+    if (!session().nextFiles.isEmpty()) {
+        file = session().nextFiles.takeFirst().value(0);
+    } else if (!boxscript::isScripted()) {
+        const QString folder = lastFolder(folderKey);
+        const QString proposed = folder.isEmpty() ? name : folder + QLatin1Char('/') + name;
+        file = QFileDialog::getSaveFileName(parent, title, proposed, filter);
+    }
+    if (!file.isEmpty())
+        session().folders[folderKey] = QFileInfo(file).path();
+    return file;
+}
+
 QString FileDialog::existingFolder(QWidget *parent, const QString &title, const QString &folderKey)
 {
     QString folder;

@@ -1,5 +1,6 @@
 #include "app/shell/tools.h"
 
+#include "batchdelete/batchdelete.h"
 #include "fileimport/importfiles.h"
 #include "photoimport/tfhome.h"
 
@@ -43,7 +44,8 @@ const QVector<Tool> &allTools()
          [] { return importFiles(importRetouched, retouched); }},
         {QStringLiteral("设计分件"), icon("tools_sjfj")},
         {QStringLiteral("下载照片交付"), icon("tools_xz_zpjf")},
-        {QStringLiteral("批量删除"), icon("tools_batchdel")},
+        {QStringLiteral("批量删除"), icon("tools_batchdel"),
+         []() -> FramelessWindow * { return new BatchDelete; }},
     };
     return tools;
 }

@@ -7,3 +7,4 @@ void tourLogin(Guide &guide);
 void tourImportOriginals(Guide &guide);
 void tourImportRetouched(Guide &guide);
 void tourPhotoImport(Guide &guide);
+void tourBatchDelete(Guide &guide);

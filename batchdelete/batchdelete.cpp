@@ -1,0 +1,690 @@
+#include "batchdelete/batchdelete.h"
+
+#include "app/account/batchlogindialog.h"
+#include "app/helpers/macwindowmanager.h"
+#include "batchdelete/batchdelete_filelistwidget.h"
+#include "batchdelete/batchdelete_orderlistwidget.h"
+#include "batchdelete/deletionreport.h"
+#include "net/background.h"
+#include "net/filewriting.h"
+#include "widgets/confirmdialog.h"
+#include "widgets/contextmenu.h"
+#include "widgets/filedialog.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/messagebox.h"
+#include "widgets/ordersearchbar.h"
+#include "widgets/servicenotice.h"
+#include "widgets/theme.h"
+#include "widgets/toast.h"
+
+#include <QClipboard>
+#include <QDateTime>
+#include <QDebug>
+#include <QFile>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int toastMs = 2000;
+
+QString deletingText()
+{
+    return QStringLiteral("删除中...");
+}
+
+QString noPermissionText()
+{
+    return QStringLiteral("暂无权限操作批量删除");
+}
+
+bool writeBytes(const QString &path, const QByteArray &bytes)
+{
+    return writeWholeFile(path, [&bytes](const QString &temporary) {
+        QFile file(temporary);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+    });
+}
+
+} // namespace
+
+BatchDelete::BatchDelete(QWidget *parent)
+    : FramelessWindow(parent)
+    , searchBar_(new OrderSearchBar(this))
+    , countLabel_(new QLabel(this))
+    , runLabel_(new QLabel(this))
+    , exportButton_(new QPushButton(QStringLiteral("导出结果"), this))
+    , startButton_(new QPushButton(this))
+    , orderList_(new BatchDelete_OrderListWidget(&orders_))
+    , fileList_(new BatchDelete_FileListWidget)
+    , overlay_(nullptr)
+{
+    qRegisterMetaType<BatchDeleteOrderInfo>();
+    setWindowTitle(QStringLiteral("批量删除"));
+    buildLayout();
+    overlay_ = new LoadingOverlay(this);
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        ++plan_;
+        overlay_->hideOverlay();
+    });
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool, const QString &error) {
+                if (!error.isEmpty())
+                    Toast::show(this, error, toastMs);
+            });
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connectLists();
+    connectRun();
+    showOrderCount();
+    showRunState();
+}
+
+BatchDelete::~BatchDelete()
+{
+    // The lists outlive the models they show by a moment.
+    disconnect(orderList_, nullptr, this, nullptr);
+    run_.disconnect(this);
+}
+
+void BatchDelete::buildLayout()
+{
+    searchBar_->searchByCompletion(QStringLiteral("搜索订单号、姓名、电话、微信..."));
+    searchBar_->captionBranches(QStringLiteral("分店选择:"));
+    searchBar_->addPersonFilter();
+    countLabel_->setObjectName(QStringLiteral("orderCountLabel"));
+    runLabel_->setObjectName(QStringLiteral("runLabel"));
+    startButton_->setObjectName(QStringLiteral("startButton"));
+    startButton_->setMinimumHeight(theme::controlHeight());
+    exportButton_->setObjectName(QStringLiteral("exportButton"));
+    exportButton_->setStyleSheet(theme::secondaryButtonStyle());
+
+    auto *bar = new QHBoxLayout;
+    bar->setSpacing(theme::spacing());
+    bar->addWidget(countLabel_);
+    bar->addWidget(runLabel_, 1);
+    bar->addWidget(exportButton_);
+    bar->addWidget(startButton_);
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(orderList_);
+    splitter->addWidget(fileList_);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 2);
+    splitter->setChildrenCollapsible(false);
+
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    const int margin = theme::margin();
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(searchBar_);
+    layout->addLayout(bar);
+    layout->addWidget(splitter, 1);
+    setContent(content);
+}
+
+void BatchDelete::connectLists()
+{
+    connect(searchBar_, &OrderSearchBar::searchRequested, this, &BatchDelete::onSearchClick);
+    connect(searchBar_, &OrderSearchBar::searchTypeChanged, this,
+            &BatchDelete::onSearchTypeChanged);
+    connect(searchBar_, &OrderSearchBar::branchChosen, this,
+            &BatchDelete::onBranchSelectionChanged);
+    connect(orderList_->overlay(), &LoadingOverlay::cancelled, this, [this] {
+        branch_.cancel();
+        endSearch();
+        keepBranch();
+    });
+    connect(&branch_, &BranchSession::switched, this, &BatchDelete::onBranchSwitched);
+    connect(&branch_, &BranchSession::switchFailed, this,
+            [this](const ServiceReply &reply, const QString &refusal) {
+                endSearch();
+                keepBranch();
+                orderList_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
+                showServiceFailure(this, reply, refusal);
+            });
+    connect(&branch_, &BranchSession::personsListed, searchBar_, &OrderSearchBar::setPersons);
+    connect(&branch_, &BranchSession::personsFailed, this,
+            [this](const ServiceReply &reply) { showServiceFailure(this, reply, reply.message); });
+    connect(&branch_, &BranchSession::searched, this, &BatchDelete::onOrderList);
+
+    connect(orderList_, &BatchDelete_OrderListWidget::orderSelectionChanged, this,
+            &BatchDelete::onOrderSelectionChanged);
+    connect(orderList_, &BatchDelete_OrderListWidget::singleOrderClicked, this,
+            &BatchDelete::showOrder);
+    connect(orderList_, &BatchDelete_OrderListWidget::viewClicked, this,
+            &BatchDelete::onViewClicked);
+    connect(orderList_, &BatchDelete_OrderListWidget::openFolderClicked, this, [this](int row) {
+        if (!orders_.order(row).netPath.isEmpty())
+            folderOpener_.open(orders_.order(row).netPath);
+    });
+    connect(orderList_, &BatchDelete_OrderListWidget::copyNumberClicked, this, [this](int row) {
+        QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+        Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+    });
+    connect(fileList_, &BatchDelete_FileListWidget::retrySubmitClicked, this,
+            [this](int index) { retryFiles({index}); });
+    connect(fileList_, &BatchDelete_FileListWidget::retryDeleteClicked, this,
+            [this](int index) { retryFiles({index}); });
+    connect(fileList_, &BatchDelete_FileListWidget::retryClicked, this, &BatchDelete::retryFiles);
+    connect(fileList_, &BatchDelete_FileListWidget::refreshOrderFiles, this,
+            &BatchDelete::onRefreshOrderFiles);
+    connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
+    connect(startButton_, &QPushButton::clicked, this, &BatchDelete::onStartBatchDelete);
+    addExportMenu();
+}
+
+void BatchDelete::connectRun()
+{
+    connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const QString &orderId) {
+        ++turn_;
+        orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
+            order.note.clear();
+            order.processed = true;
+            order.setFiles({});
+        });
+        if (orderId == fileList_->orderId())
+            fileList_->showFiles(orders_.order(orders_.rowOf(orderId)), {});
+        showRunState();
+    });
+    connect(&run_, &BatchDeleteRun::scanProgress, this, [this](const QString &, int count) {
+        runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单，已找到 %3 个文件")
+                               .arg(turn_)
+                               .arg(turns_)
+                               .arg(count));
+    });
+    connect(&run_, &BatchDeleteRun::orderScanned, this,
+            [this](const QString &orderId, const QVector<BatchDeleteFileInfo> &files) {
+                const int row = orders_.rowOf(orderId);
+                orders_.change(row,
+                               [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
+                if (orderId == fileList_->orderId())
+                    fileList_->showFiles(orders_.order(row), files);
+                showRunState();
+            });
+    connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
+    connect(&run_, &BatchDeleteRun::orderNoted, this,
+            [this](const QString &orderId, const QString &note) {
+                orders_.change(orders_.rowOf(orderId),
+                               [&note](BatchDeleteOrderInfo &order) { order.note = note; });
+            });
+    // Boxes wait for their answer; the run must not wait inside its own signal.
+    connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed,
+            Qt::QueuedConnection);
+    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished,
+            Qt::QueuedConnection);
+    connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit,
+            Qt::QueuedConnection);
+    connect(&run_, &BatchDeleteRun::ended, this, [this] {
+        showRunState();
+        if (isClosingLater())
+            finishClosing();
+    });
+}
+
+void BatchDelete::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        reqShopInfo();
+    }
+}
+
+FramelessWindow::CloseAnswer BatchDelete::closeRequested()
+{
+    if (!run_.isBusy() &&
+        !mayForgetUnreported(QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？")))
+        return CloseAnswer::Refuse;
+    closing_ = true;
+    endSearch();
+    branch_.cancel();
+    ++plan_;
+    run_.close();
+    return run_.isBusy() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+// Branch and order search.
+
+void BatchDelete::reqShopInfo()
+{
+    searchBar_->setBranches(AccountContext::shopList, branch_.identity().shopId);
+    switchToBranch(branch_.identity().shopId);
+}
+
+void BatchDelete::onBranchSelectionChanged(int index)
+{
+    const QString shopId = searchBar_->branchId(index);
+    if (run_.isBusy()) {
+        searchBar_->selectBranch(branch_.identity().shopId);
+        MessageBox::warning(this, deletingText());
+        return;
+    }
+    if (!mayForgetUnreported(QStringLiteral("切换分店后无法再次提交，确认要切换吗？"))) {
+        searchBar_->selectBranch(branch_.identity().shopId);
+        return;
+    }
+    AccountContext::selectedShopId = shopId;
+    switchToBranch(shopId);
+}
+
+void BatchDelete::switchToBranch(const QString &shopId)
+{
+    endSearch();
+    searchBar_->setBusy(true);
+    orderList_->overlay()->showText(QStringLiteral("正在切换分店..."));
+    branch_.switchTo(shopId);
+}
+
+void BatchDelete::onBranchSwitched()
+{
+    endSearch();
+    // What another branch's orders are must not be deleted in this one's name.
+    orders_.clear();
+    fileList_->clear();
+    showOrderCount();
+    searchBar_->selectBranch(branch_.identity().shopId);
+    searchBar_->resetKeyword();
+    emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
+    const bool permitted = branch_.mayDeleteAllPhotos();
+    orderList_->setEnabled(permitted);
+    fileList_->setEnabled(permitted);
+    if (!permitted) {
+        orderList_->setEmptyText(noPermissionText());
+        searchBar_->setPersons({});
+        Toast::show(this, noPermissionText(), toastMs);
+        return;
+    }
+    branch_.listPersons();
+    reqOrderList();
+}
+
+void BatchDelete::keepBranch()
+{
+    // Tools opened later are not to begin in a branch that was refused here.
+    AccountContext::selectedShopId = branch_.identity().shopId;
+    searchBar_->selectBranch(branch_.identity().shopId);
+}
+
+void BatchDelete::onSearchTypeChanged(int type)
+{
+    Q_UNUSED(type) // the search bar shows the field that the type needs
+}
+
+void BatchDelete::onSearchClick()
+{
+    if (run_.isBusy()) {
+        MessageBox::warning(this, deletingText());
+    } else if (!branch_.isConfirmed()) {
+        // The switch at opening failed, or was cancelled; when it succeeds a search follows.
+        switchToBranch(branch_.identity().shopId);
+    } else if (!branch_.mayDeleteAllPhotos()) {
+        Toast::show(this, noPermissionText(), toastMs);
+    } else {
+        reqOrderList();
+    }
+}
+
+void BatchDelete::reqOrderList()
+{
+    endSearch();
+    searchBar_->setBusy(true);
+    orderList_->overlay()->showText(QStringLiteral("正在查询订单..."));
+    branch_.search(searchBar_->search(), searchBar_->personId());
+}
+
+void BatchDelete::onOrderList(const ServiceReply &reply)
+{
+    if (!reply.isSuccess()) {
+        endSearch();
+        orderList_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
+        showServiceFailure(this, reply, reply.message);
+        return;
+    }
+    inBackground(
+        this, [object = reply.object] { return deletionrequests::readOrders(object); },
+        [this, search = search_](const deletionrequests::OrderList &list) {
+            if (search == search_)
+                showSearchResult(list);
+        });
+}
+
+void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
+{
+    endSearch();
+    const QString nothingFound = QStringLiteral("未检索到订单");
+    orderList_->setEmptyText(nothingFound);
+    if (list.isList)
+        orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
+    showOrderCount();
+    if (list.elements == 0)
+        MessageBox::warning(this, nothingFound);
+}
+
+void BatchDelete::endSearch()
+{
+    branch_.cancelSearch();
+    ++search_; // a list that is still being read is not wanted any more
+    searchBar_->setBusy(false);
+    orderList_->overlay()->hideOverlay();
+}
+
+void BatchDelete::showOrderCount()
+{
+    countLabel_->setText(QStringLiteral("    共%1个订单").arg(orders_.orders().size()));
+}
+
+bool BatchDelete::mayForgetUnreported(const QString &question)
+{
+    const int unreported = orders_.unreported();
+    if (unreported == 0)
+        return true;
+    return ConfirmDialog::ask(this,
+                              QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2")
+                                  .arg(unreported)
+                                  .arg(question),
+                              ConfirmDialog::Enter::Cancels);
+}
+
+// What the lists do.
+
+void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &orders)
+{
+    startButton_->setToolTip(orders.isEmpty()
+                                 ? QString()
+                                 : QStringLiteral("已选择 %1 个订单").arg(orders.size()));
+}
+
+void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
+{
+    if (order.id.isEmpty())
+        fileList_->clear();
+    else if (order.processed)
+        fileList_->showFiles(order, order.files());
+    else
+        fileList_->scan(order);
+}
+
+void BatchDelete::onRefreshOrderFiles()
+{
+    const int row = orders_.rowOf(fileList_->orderId());
+    if (row < 0)
+        return;
+    if (run_.isBusy() && orders_.order(row).processed)
+        Toast::show(this, deletingText(), toastMs); // the run keeps this list up to date
+    else
+        fileList_->scan(orders_.order(row));
+}
+
+void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
+                                 const QVector<BatchDeleteFileInfo> &files)
+{
+    const int row = orders_.rowOf(order.id);
+    if (row < 0)
+        return;
+    // Only what became of files is kept; a mere list would have to be kept for every order.
+    if (!orders_.order(row).processed)
+        return;
+    inBackground(
+        this,
+        [before = orders_.order(row).files(), files] {
+            return deletionrules::merged(before, files);
+        },
+        [this, id = order.id](const QVector<BatchDeleteFileInfo> &all) {
+            if (run_.isBusy())
+                return; // it has read the folder itself, or is about to
+            const int shown = orders_.rowOf(id);
+            orders_.change(shown, [&all](BatchDeleteOrderInfo &changed) { changed.setFiles(all); });
+            if (shown >= 0 && id == fileList_->orderId())
+                fileList_->showFiles(orders_.order(shown), all);
+        });
+}
+
+void BatchDelete::onViewClicked(int row, BatchDeleteProgressDelegate::Button button)
+{
+    if (!orders_.hasRow(row))
+        return;
+    const BatchDeleteOrderInfo &order = orders_.order(row);
+    if (button == BatchDeleteProgressDelegate::ViewSucceeded)
+        MessageBox::information(this, deletionreport::succeededList(order));
+    else
+        MessageBox::warning(this, deletionreport::failedList(order));
+}
+
+void BatchDelete::retryFiles(const QVector<int> &indexes)
+{
+    const int row = orders_.rowOf(fileList_->orderId());
+    if (row < 0 || !mayDelete())
+        return;
+    if (run_.isBusy())
+        Toast::show(this, deletingText(), toastMs);
+    else if (searchBar_->isBusy()) // the answer may replace the order under the retry
+        Toast::show(this, QStringLiteral("正在查询订单..."), toastMs);
+    else
+        run_.retry(orders_.order(row), indexes, branch_.identity());
+    showRunState();
+}
+
+bool BatchDelete::mayDelete()
+{
+    if (!branch_.isConfirmed() || !branch_.mayDeleteAllPhotos()) {
+        Toast::show(this, QStringLiteral("暂无权限操作"), toastMs);
+        return false;
+    }
+    return true;
+}
+
+// The deletion.
+
+void BatchDelete::onStartBatchDelete()
+{
+    if (run_.isRunning()) {
+        run_.stop();
+        showRunState();
+        return;
+    }
+    if (!mayDelete())
+        return;
+    if (orders_.checkedOrders().isEmpty()) {
+        Toast::show(this, QStringLiteral("请选择要删除的订单!"), toastMs);
+        return;
+    }
+    if (run_.isBusy())
+        Toast::show(this, deletingText(), toastMs);
+    else
+        planDeletion();
+}
+
+void BatchDelete::planDeletion()
+{
+    // A reply that comes now must not replace the orders that are being judged.
+    branch_.cancel();
+    endSearch();
+    searchBar_->selectBranch(branch_.identity().shopId);
+    overlay_->showText(QStringLiteral("正在检查订单目录..."));
+    inBackground(
+        this,
+        [orders = orders_.orders(), publicPath = branch_.publicPath()] {
+            return deletionrules::plan(orders, publicPath);
+        },
+        [this, number = ++plan_](const deletionrules::DeletionPlan &plan) {
+            if (number != plan_)
+                return;
+            overlay_->hideOverlay();
+            confirmPlan(plan);
+        });
+}
+
+void BatchDelete::confirmPlan(const deletionrules::DeletionPlan &plan)
+{
+    for (const BatchDeleteOrderInfo &refused : plan.refused) {
+        orders_.change(orders_.rowOf(refused.id),
+                       [&refused](BatchDeleteOrderInfo &order) { order.note = refused.note; });
+    }
+    if (plan.orders.isEmpty()) {
+        MessageBox::warning(this, deletionrules::refusedNotice(plan));
+        return;
+    }
+    const QPointer<BatchDelete> guard(this);
+    if (ConfirmDialog::ask(this, deletionrules::confirmation(plan),
+                           ConfirmDialog::Enter::Cancels) &&
+        guard && !isClosing())
+        verifyAccount(plan.orders);
+}
+
+void BatchDelete::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders)
+{
+    auto *dialog = new BatchLoginDialog(
+        this, [this, orders](bool success, const QString &, const QString &) {
+            if (!success || isClosing())
+                return;
+            Toast::show(this, QStringLiteral("验证成功！"), toastMs);
+            startRun(orders);
+        });
+    dialog->open();
+}
+
+void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
+{
+    turn_ = 0;
+    turns_ = orders.size();
+    run_.start(orders, branch_.identity(), branch_.publicPath());
+    showRunState();
+}
+
+void BatchDelete::onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file)
+{
+    orders_.setFile(orders_.rowOf(orderId), index, file);
+    if (orderId == fileList_->orderId())
+        fileList_->setFile(index, file);
+}
+
+void BatchDelete::onAnnouncementFailed(const ServiceReply &reply)
+{
+    if (isClosing())
+        return;
+    if (reply.outcome == ServiceReply::Outcome::NoAnswer)
+        MessageBox::warning(this, QStringLiteral("提交数据失败!"));
+    else
+        showServiceFailure(this, reply, reply.message);
+}
+
+void BatchDelete::askForResubmit(const QString &question, const QString &certificateError)
+{
+    if (isClosing() || !run_.reporter()->isAsking())
+        return; // stopped before the question could be asked
+    const QPointer<BatchDelete> guard(this);
+    if (!certificateError.isEmpty())
+        showCertificateRefused(this, certificateError);
+    const auto answer =
+        guard ? MessageBox::question(this, question, MessageBox::defaultTitle(),
+                                     QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort)
+              : QMessageBox::Cancel;
+    if (!guard)
+        return;
+    if (answer == QMessageBox::Abort) // one by one the files of a large order would ask again
+        run_.stop();
+    run_.reporter()->answerResubmit(answer == QMessageBox::Ok);
+}
+
+void BatchDelete::onRunFinished(const DeletionSummary &summary)
+{
+    showRunState();
+    if (isClosing())
+        return;
+    const QString text = deletionreport::summaryText(summary);
+    switch (summary.end) {
+    case DeletionSummary::End::Completed:
+        MessageBox::information(this, text);
+        break;
+    case DeletionSummary::End::Declined:
+        MessageBox::warning(this, text);
+        break;
+    case DeletionSummary::End::Stopped:
+        Toast::show(this, QStringLiteral("批量删除已停止"), toastMs);
+        break;
+    case DeletionSummary::End::NotAnnounced:
+        break; // told already
+    }
+}
+
+void BatchDelete::showRunState()
+{
+    const bool running = run_.isRunning();
+    QString text = QStringLiteral("开始批量删除");
+    if (running)
+        text = run_.isStopping() ? QStringLiteral("立即停止") : QStringLiteral("停止删除");
+    startButton_->setText(text);
+    startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
+    orderList_->setCheckable(!running);
+    exportButton_->setEnabled(!running);
+    if (!running)
+        runLabel_->clear();
+    else if (run_.isStopping())
+        runLabel_->setText(QStringLiteral("当前文件处理完后停止..."));
+    else
+        runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单").arg(turn_).arg(turns_));
+}
+
+void BatchDelete::addExportMenu()
+{
+    auto *menu = new ContextMenu(exportButton_);
+    menu->addAction(QStringLiteral("保存为 CSV 文件..."), this, &BatchDelete::saveOutcome);
+    menu->addAction(QStringLiteral("复制到剪贴板"), this, &BatchDelete::copyOutcome);
+    exportButton_->setMenu(menu);
+}
+
+bool BatchDelete::hasOutcome()
+{
+    const QVector<BatchDeleteOrderInfo> &orders = orders_.orders();
+    const bool any =
+        std::any_of(orders.cbegin(), orders.cend(),
+                    [](const BatchDeleteOrderInfo &order) { return order.processed; });
+    if (!any)
+        Toast::show(this, QStringLiteral("还没有删除结果"), toastMs);
+    return any;
+}
+
+void BatchDelete::saveOutcome()
+{
+    if (!hasOutcome())
+        return;
+    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    const QString path =
+        FileDialog::saveFile(this, QStringLiteral("导出结果"),
+                             QStringLiteral("批量删除结果-%1.csv").arg(now),
+                             QStringLiteral("CSV (*.csv)"), QStringLiteral("deletion"));
+    if (path.isEmpty())
+        return;
+    inBackground(
+        this,
+        [path, orders = orders_.orders()] {
+            return writeBytes(path, deletionreport::csv(orders));
+        },
+        [this, path](bool written) {
+            if (written)
+                Toast::show(this, QStringLiteral("结果已保存: %1").arg(path), toastMs);
+            else
+                MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
+        });
+}
+
+void BatchDelete::copyOutcome()
+{
+    if (!hasOutcome())
+        return;
+    inBackground(
+        this, [orders = orders_.orders()] { return deletionreport::csv(orders); },
+        [this](const QByteArray &table) {
+            QGuiApplication::clipboard()->setText(QString::fromUtf8(table));
+            Toast::show(this, QStringLiteral("结果已复制"), toastMs);
+        });
+}

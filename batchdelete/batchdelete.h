@@ -1,0 +1,107 @@
+#pragma once
+
+#include "app/helpers/sharedfolderopener.h"
+#include "batchdelete/batchdelete_delegates.h"
+#include "batchdelete/batchdeleteordermodel.h"
+#include "batchdelete/batchdeleterun.h"
+#include "batchdelete/deletionrequests.h"
+#include "batchdelete/deletionrules.h"
+#include "net/branchsession.h"
+#include "widgets/framelesswindow.h"
+
+#include <QList>
+#include <QMap>
+
+class BatchDelete_FileListWidget;
+class BatchDelete_OrderListWidget;
+class LoadingOverlay;
+class OrderSearchBar;
+class QLabel;
+class QPushButton;
+
+/// The tool window for deleting all files of many orders: search orders, tick them, confirm what is
+/// going to be emptied, confirm the account, and see what becomes of every file. What it decides
+/// lives in deletionrules, deletionrequests and BatchDeleteRun.
+class BatchDelete : public FramelessWindow
+{
+    Q_OBJECT
+
+public:
+    explicit BatchDelete(QWidget *parent = nullptr);
+    ~BatchDelete() override;
+
+signals:
+    /// The branch was switched: "shopid", "superid", "managerid".
+    void changeShop(const QMap<QString, QString> &shop);
+
+public slots:
+    void reqShopInfo();
+    void onSearchClick();
+    void onBranchSelectionChanged(int index);
+    void onSearchTypeChanged(int type);
+    /// Stops instead while a run goes on.
+    void onStartBatchDelete();
+    void onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &orders);
+
+protected:
+    CloseAnswer closeRequested() override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void buildLayout();
+    void connectLists();
+    void connectRun();
+    bool isClosing() const { return closing_; }
+
+    void switchToBranch(const QString &shopId);
+    void onBranchSwitched();
+    void keepBranch();
+    void reqOrderList();
+    void onOrderList(const ServiceReply &reply);
+    void showSearchResult(const deletionrequests::OrderList &list);
+    void endSearch();
+    bool mayDelete();
+    bool mayForgetUnreported(const QString &question);
+    void showOrderCount();
+
+    void showOrder(const BatchDeleteOrderInfo &order);
+    void onRefreshOrderFiles();
+    void onFilesScanned(const BatchDeleteOrderInfo &order,
+                        const QVector<BatchDeleteFileInfo> &files);
+    void onViewClicked(int row, BatchDeleteProgressDelegate::Button button);
+    void retryFiles(const QVector<int> &indexes);
+
+    void planDeletion();
+    void confirmPlan(const deletionrules::DeletionPlan &plan);
+    void verifyAccount(const QVector<BatchDeleteOrderInfo> &orders);
+    void startRun(const QVector<BatchDeleteOrderInfo> &orders);
+    void onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
+    void onAnnouncementFailed(const ServiceReply &reply);
+    void askForResubmit(const QString &question, const QString &certificateError);
+    void onRunFinished(const DeletionSummary &summary);
+    void showRunState();
+    void addExportMenu();
+    bool hasOutcome();
+    void saveOutcome();
+    void copyOutcome();
+
+    BatchDeleteOrderModel orders_;
+    BranchSession branch_;
+    BatchDeleteRun run_;
+    SharedFolderOpener folderOpener_;
+    bool opened_ = false;
+    bool closing_ = false;
+    int search_ = 0; ///< number of the search whose result is wanted
+    int plan_ = 0;   ///< number of the plan whose result is wanted
+    int turn_ = 0;   ///< which order of the run is being worked on, from 1
+    int turns_ = 0;
+
+    OrderSearchBar *searchBar_;
+    QLabel *countLabel_;
+    QLabel *runLabel_;
+    QPushButton *exportButton_;
+    QPushButton *startButton_;
+    BatchDelete_OrderListWidget *orderList_;
+    BatchDelete_FileListWidget *fileList_;
+    LoadingOverlay *overlay_;
+};

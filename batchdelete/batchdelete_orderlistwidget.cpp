@@ -1,0 +1,199 @@
+#include "batchdelete/batchdelete_orderlistwidget.h"
+
+#include "app/context/k.h"
+#include "batchdelete/batchdeleteordermodel.h"
+#include "widgets/customcheckboxnew.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/tables.h"
+#include "widgets/theme.h"
+
+#include <QAction>
+#include <QEvent>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QSortFilterProxyModel>
+#include <QVBoxLayout>
+
+namespace {
+
+using Model = BatchDeleteOrderModel;
+
+constexpr int checkColumnPx = 104;
+constexpr int numberColumnPx = 92;
+constexpr int customerColumnPx = 116;
+constexpr int nameColumnPx = 72;
+constexpr int dateColumnPx = 136;
+constexpr int progressColumnPx = 300;
+constexpr int retoucherColumnPx = 90;
+constexpr int pathColumnPx = 260;
+
+} // namespace
+
+BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *model,
+                                                         QWidget *parent)
+    : QWidget(parent)
+    , model_(model)
+    , proxy_(new QSortFilterProxyModel(this))
+    , table_(new EmptyStateTable(this))
+    , selectAll_(new CustomCheckBoxNew(QStringLiteral("全选"), table_->horizontalHeader()))
+    , overlay_(new LoadingOverlay(table_))
+{
+    proxy_->setSourceModel(model_);
+    proxy_->setSortRole(Model::SortRole);
+    // Rows must not jump about while a deletion changes their counts.
+    proxy_->setDynamicSortFilter(false);
+    buildTable();
+    addActions();
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(table_);
+
+    selectAll_->setObjectName(QStringLiteral("selectAllBox"));
+    // Its third state is shown, not chosen.
+    connect(selectAll_, &QCheckBox::clicked, this,
+            [this] { onSelectAllChanged(selectAll_->checkState()); });
+    connect(model_, &Model::checkStateChanged, this,
+            &BatchDelete_OrderListWidget::onCheckBoxStateChanged);
+    connect(model_, &QAbstractItemModel::modelReset, this,
+            [this] { onCheckBoxStateChanged(Qt::Unchecked); });
+    QHeaderView *header = table_->horizontalHeader();
+    header->installEventFilter(this);
+    connect(header, &QHeaderView::sectionResized, this, [this] { placeSelectAll(); });
+    connect(header, &QHeaderView::geometriesChanged, this, [this] { placeSelectAll(); });
+    connect(table_->horizontalScrollBar(), &QAbstractSlider::valueChanged, this,
+            [this] { placeSelectAll(); });
+}
+
+void BatchDelete_OrderListWidget::buildTable()
+{
+    table_->setObjectName(QStringLiteral("orderTable"));
+    prepareTable(table_);
+    table_->setModel(proxy_);
+    table_->setSortingEnabled(true);
+    table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    table_->horizontalHeader()->setSectionsMovable(false);
+    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
+
+    auto *progress = new BatchDeleteProgressDelegate(table_);
+    table_->setItemDelegateForColumn(Model::CheckColumn, new BatchDeleteCheckDelegate(table_));
+    table_->setItemDelegateForColumn(Model::ProgressColumn, progress);
+    table_->setItemDelegateForColumn(Model::PathColumn,
+                                     new ElidedTextDelegate(Qt::ElideMiddle, table_));
+    const int widths[] = {checkColumnPx, numberColumnPx,   customerColumnPx,  nameColumnPx,
+                          dateColumnPx,  progressColumnPx, retoucherColumnPx, pathColumnPx};
+    for (int column = 0; column < Model::ColumnCount; ++column)
+        table_->setColumnWidth(column, K::scaledPx(widths[column]));
+    connect(progress, &BatchDeleteProgressDelegate::buttonClicked, this,
+            [this](int row, BatchDeleteProgressDelegate::Button button) {
+                emit viewClicked(sourceRow(row), button);
+            });
+    connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            &BatchDelete_OrderListWidget::onTableSelectionChanged);
+}
+
+void BatchDelete_OrderListWidget::addActions()
+{
+    using Delegate = BatchDeleteProgressDelegate;
+    addRowAction(QStringLiteral("勾选/取消勾选"), Qt::Key_Space, [this](int row) {
+        const QModelIndex cell = model_->index(row, Model::CheckColumn);
+        const bool checked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+        model_->setData(cell, int(checked ? Qt::Unchecked : Qt::Checked), Qt::CheckStateRole);
+    });
+    addRowAction(Delegate::text(Delegate::ViewSucceeded), {},
+                 [this](int row) { emit viewClicked(row, Delegate::ViewSucceeded); });
+    addRowAction(Delegate::text(Delegate::ViewFailed), {},
+                 [this](int row) { emit viewClicked(row, Delegate::ViewFailed); });
+    addRowAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
+                 [this](int row) { emit openFolderClicked(row); });
+    addRowAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
+                 [this](int row) { emit copyNumberClicked(row); });
+}
+
+void BatchDelete_OrderListWidget::addRowAction(const QString &text, const QKeySequence &shortcut,
+                                               std::function<void(int row)> act)
+{
+    auto *action = new QAction(text, table_);
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    table_->addAction(action);
+    connect(action, &QAction::triggered, this, [this, act = std::move(act)] {
+        if (selectedRow() >= 0)
+            act(selectedRow());
+    });
+}
+
+void BatchDelete_OrderListWidget::setEmptyText(const QString &text)
+{
+    table_->setEmptyText(text);
+}
+
+int BatchDelete_OrderListWidget::selectedRow() const
+{
+    const QModelIndex current = table_->selectionModel()->currentIndex();
+    return current.isValid() ? sourceRow(current.row()) : -1;
+}
+
+void BatchDelete_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
+{
+    const int before = selectedRow();
+    const QString orderId = model_->hasRow(before) ? model_->order(before).id : QString();
+    change();
+    // The proxy sorts by itself only when it is told to.
+    proxy_->sort(table_->horizontalHeader()->sortIndicatorSection(),
+                 table_->horizontalHeader()->sortIndicatorOrder());
+    const int row = model_->rowOf(orderId);
+    if (row >= 0)
+        table_->selectRow(proxy_->mapFromSource(model_->index(row, 0)).row());
+    else
+        onTableSelectionChanged();
+}
+
+void BatchDelete_OrderListWidget::setCheckable(bool checkable)
+{
+    model_->setCheckable(checkable);
+    selectAll_->setEnabled(checkable);
+}
+
+void BatchDelete_OrderListWidget::onTableSelectionChanged()
+{
+    const int row = selectedRow();
+    emit singleOrderClicked(model_->hasRow(row) ? model_->order(row) : BatchDeleteOrderInfo());
+}
+
+void BatchDelete_OrderListWidget::onCheckBoxStateChanged(int state)
+{
+    Q_UNUSED(state) // of one order; what counts is all of them
+    const QSignalBlocker blocker(selectAll_);
+    selectAll_->setCheckState(model_->allChecked());
+    emit orderSelectionChanged(model_->checkedOrders().toList());
+}
+
+void BatchDelete_OrderListWidget::onSelectAllChanged(int state)
+{
+    selectAll_->setTristate(false);
+    model_->checkAll(state != Qt::Unchecked);
+}
+
+bool BatchDelete_OrderListWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Show)
+        placeSelectAll();
+    return QWidget::eventFilter(watched, event);
+}
+
+/// At the right of its section, beside the section's own text, and scrolling with it.
+void BatchDelete_OrderListWidget::placeSelectAll()
+{
+    const QHeaderView *header = table_->horizontalHeader();
+    const QSize size = selectAll_->sizeHint();
+    const int right = header->sectionViewportPosition(Model::CheckColumn) +
+                      header->sectionSize(Model::CheckColumn) - theme::spacing() / 2;
+    selectAll_->setGeometry(right - size.width(), (header->height() - size.height()) / 2,
+                            size.width(), size.height());
+}
+
+int BatchDelete_OrderListWidget::sourceRow(int viewRow) const
+{
+    return proxy_->mapToSource(proxy_->index(viewRow, 0)).row();
+}

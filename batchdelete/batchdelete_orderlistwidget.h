@@ -1,0 +1,68 @@
+#pragma once
+
+#include "batchdelete/batchdelete_delegates.h"
+#include "batchdelete/batchdeleterecords.h"
+
+#include <QKeySequence>
+#include <QList>
+#include <QWidget>
+
+#include <functional>
+
+class BatchDeleteOrderModel;
+class CustomCheckBoxNew;
+class EmptyStateTable;
+class LoadingOverlay;
+class QSortFilterProxyModel;
+
+/// The left half of the deletion window: the orders found, with ticks for those to be deleted. It
+/// decides nothing. All rows in its signals are positions in the model's list, however the table is
+/// sorted.
+class BatchDelete_OrderListWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit BatchDelete_OrderListWidget(BatchDeleteOrderModel *model, QWidget *parent = nullptr);
+
+    /// Covers the table alone.
+    LoadingOverlay *overlay() const { return overlay_; }
+    void setEmptyText(const QString &text);
+    /// Position of the selected order; -1 without one.
+    int selectedRow() const;
+    /// Runs \a change, which replaces the orders, and brings selection and sorting back.
+    void keepPlaceWhile(const std::function<void()> &change);
+    /// While a run goes on nothing can be ticked.
+    void setCheckable(bool checkable);
+
+signals:
+    void orderSelectionChanged(const QList<BatchDeleteOrderInfo> &checkedOrders);
+    void singleOrderClicked(const BatchDeleteOrderInfo &order);
+    void viewClicked(int row, BatchDeleteProgressDelegate::Button button);
+    void openFolderClicked(int row);
+    void copyNumberClicked(int row);
+
+public slots:
+    void onTableSelectionChanged();
+    /// A tick has changed.
+    void onCheckBoxStateChanged(int state);
+    /// The box in the header was pressed.
+    void onSelectAllChanged(int state);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void buildTable();
+    void addActions();
+    void addRowAction(const QString &text, const QKeySequence &shortcut,
+                      std::function<void(int row)> act);
+    void placeSelectAll();
+    int sourceRow(int viewRow) const;
+
+    BatchDeleteOrderModel *model_;
+    QSortFilterProxyModel *proxy_;
+    EmptyStateTable *table_;
+    CustomCheckBoxNew *selectAll_;
+    LoadingOverlay *overlay_;
+};
