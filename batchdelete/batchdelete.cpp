@@ -116,8 +116,8 @@ void BatchDelete::buildLayout()
     splitter->setStyleSheet(theme::splitterStyle());
     splitter->addWidget(orderList_);
     splitter->addWidget(fileList_);
-    splitter->setStretchFactor(0, 3);
-    splitter->setStretchFactor(1, 2);
+    splitter->setStretchFactor(0, 8);
+    splitter->setStretchFactor(1, 5);
     splitter->setChildrenCollapsible(false);
 
     auto *content = new QWidget;
@@ -189,6 +189,7 @@ void BatchDelete::connectRun()
         orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
             order.note.clear();
             order.processed = true;
+            order.listed = 0;
             order.setFiles({});
         });
         if (orderId == fileList_->orderId())
@@ -430,9 +431,12 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
     const int row = orders_.rowOf(order.id);
     if (row < 0)
         return;
-    // Only what became of files is kept; a mere list would have to be kept for every order.
-    if (!orders_.order(row).processed)
+    // Of a mere list only the count is kept: there may be a million files, and hundreds of orders.
+    if (!orders_.order(row).processed) {
+        orders_.change(row,
+                       [&files](BatchDeleteOrderInfo &shown) { shown.listed = files.size(); });
         return;
+    }
     inBackground(
         this,
         [before = orders_.order(row).files(), files] {

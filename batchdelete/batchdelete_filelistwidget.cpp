@@ -23,9 +23,10 @@ namespace {
 
 using Model = BatchDeleteFileModel;
 
-constexpr int folderColumnPx = 110;
+constexpr int folderColumnPx = 84;
 constexpr int sizeColumnPx = 84;
-constexpr int stateColumnPx = 280;
+constexpr int stateColumnPx = 220;
+constexpr int pathColumnPx = 260;
 
 QString chooseText()
 {
@@ -50,7 +51,7 @@ BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
     head->addWidget(countLabel_, 1);
     head->addWidget(refreshButton_);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins(theme::spacing(), 0, 0, 0);
     layout->setSpacing(theme::spacing());
     layout->addLayout(head);
     layout->addWidget(table_, 1);
@@ -77,6 +78,7 @@ void BatchDelete_FileListWidget::buildTable()
     table_->setColumnWidth(Model::FolderColumn, K::scaledPx(folderColumnPx));
     table_->setColumnWidth(Model::SizeColumn, K::scaledPx(sizeColumnPx));
     table_->setColumnWidth(Model::StateColumn, K::scaledPx(stateColumnPx));
+    table_->setColumnWidth(Model::PathColumn, K::scaledPx(pathColumnPx));
     connect(states, &BatchDeleteStateDelegate::retryClicked, this, [this](int row) {
         if (model_.files().at(row).state == BatchDeleteFileInfo::NotReported)
             onRetrySubmit(row);

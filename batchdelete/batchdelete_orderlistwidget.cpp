@@ -19,12 +19,12 @@ namespace {
 
 using Model = BatchDeleteOrderModel;
 
-constexpr int checkColumnPx = 104;
+constexpr int checkColumnPx = 100;
 constexpr int numberColumnPx = 92;
-constexpr int customerColumnPx = 116;
-constexpr int nameColumnPx = 72;
-constexpr int dateColumnPx = 136;
-constexpr int progressColumnPx = 300;
+constexpr int customerColumnPx = 104;
+constexpr int nameColumnPx = 60;
+constexpr int dateColumnPx = 128;
+constexpr int progressColumnPx = 240;
 constexpr int retoucherColumnPx = 90;
 constexpr int pathColumnPx = 260;
 

@@ -61,6 +61,7 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders)
             continue;
         order.setFiles(orders_.at(before).files());
         order.note = orders_.at(before).note;
+        order.listed = orders_.at(before).listed;
         order.processed = orders_.at(before).processed;
     }
     for (BatchDeleteOrderInfo order : qAsConst(orders_)) {

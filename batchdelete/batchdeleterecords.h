@@ -74,6 +74,7 @@ struct BatchDeleteOrderInfo
     QString fulfilTime; ///< completion date
     QString netPath;    ///< the order's folder on the storage
     QString note;       ///< why the order was skipped or not finished; empty otherwise
+    int listed = 0;     ///< how many files were found when they were looked at last
     bool checked = false;
     bool processed = false; ///< a run had its turn with it: the files tell what became of them
 
@@ -83,7 +84,7 @@ struct BatchDeleteOrderInfo
     const QVector<BatchDeleteFileInfo> &files() const { return files_; }
     int succeeded() const { return succeeded_; }
     int failed() const { return failed_; }
-    int total() const { return files_.size(); }
+    int total() const { return files_.isEmpty() ? listed : files_.size(); }
     int unreported() const { return unreported_; }
     void setFiles(const QVector<BatchDeleteFileInfo> &files);
     /// The only way in which a file changes, so that the counts always are those of the states. An

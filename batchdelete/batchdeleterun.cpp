@@ -37,6 +37,8 @@ QVector<BatchDeleteFileInfo> withKeptAsFailed(QVector<BatchDeleteFileInfo> files
 BatchDeleteRun::BatchDeleteRun(QObject *parent)
     : QObject(parent), announcement_(this), reporter_(this), closingTimer_(this)
 {
+    qRegisterMetaType<ServiceReply>();
+    qRegisterMetaType<DeletionSummary>();
     closingTimer_.setSingleShot(true);
     closingTimer_.setInterval(closingMs);
     connect(&closingTimer_, &QTimer::timeout, this, [this] {

@@ -32,6 +32,7 @@ struct DeletionSummary
     int deleted = 0;    ///< files gone, and reported
     int failed = 0;     ///< files not deleted, or not reported
 };
+Q_DECLARE_METATYPE(DeletionSummary)
 
 /// The order of steps of a batch deletion: for one order after the other, scan its folder, announce
 /// its files, then delete and report them one at a time. Also deletes and reports single files

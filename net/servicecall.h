@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QMetaType>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -26,6 +27,7 @@ struct ServiceReply
 
     bool isSuccess() const { return outcome == Outcome::Success; }
 };
+Q_DECLARE_METATYPE(ServiceReply)
 
 using ServiceHandler = std::function<void(const ServiceReply &)>;
 

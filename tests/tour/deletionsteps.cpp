@@ -2,6 +2,7 @@
 #include "app/shell/choosetools.h"
 #include "app/shell/toolcardwidget.h"
 #include "batchdelete/batchdelete.h"
+#include "batchdelete/batchdelete_delegates.h"
 #include "batchdelete/batchdeletefilemodel.h"
 #include "batchdelete/batchdeleteordermodel.h"
 #include "platform/pathform.h"
@@ -61,8 +62,8 @@ public:
         QTest::keyClick(window_->findChild<QLineEdit *>(QStringLiteral("keywordEdit")),
                         Qt::Key_Return);
         const auto *count = window_->findChild<QLabel *>(QStringLiteral("orderCountLabel"));
-        guide_.waitFor([count] { return count->text() == QStringLiteral("    共3个订单"); },
-                       QStringLiteral("a search for %1 finds three").arg(keyword));
+        guide_.waitFor([count] { return count->text() == QStringLiteral("    共6个订单"); },
+                       QStringLiteral("a search for %1 finds six").arg(keyword));
     }
 
     QModelIndex cell(const QString &number, int column) const
@@ -87,6 +88,23 @@ public:
     }
     void tick(const QString &number) { press(cell(number, Column::CheckColumn), {}); }
     void show(const QString &number) { press(cell(number, Column::NumberColumn), {}); }
+
+    /// Of the one file that has the button.
+    void pressRetry()
+    {
+        const QAbstractItemModel *model = files()->model();
+        for (int row = 0; row < model->rowCount(); ++row) {
+            const QModelIndex state = model->index(row, BatchDeleteFileModel::StateColumn);
+            if (!state.data(BatchDeleteFileModel::RetryRole).toString().isEmpty()) {
+                files()->scrollTo(state);
+                const QRect button =
+                    BatchDeleteStateDelegate::buttonRect(files()->visualRect(state));
+                QTest::mouseClick(files()->viewport(), Qt::LeftButton, {}, button.center());
+                return;
+            }
+        }
+        throw TourFailure{QStringLiteral("no file can be retried")};
+    }
 
     void confirmAccount(const QString &picture)
     {
@@ -154,9 +172,7 @@ void tourBatchDelete(Guide &guide)
     guide.step(QStringLiteral("批量删除: 重新删除"));
     guide.check(QFile::setPermissions(readOnly, QFile::ReadOwner | QFile::WriteOwner),
                 QStringLiteral("the file is no longer protected"));
-    hand.files()->setFocus();
-    hand.files()->selectAll();
-    QTest::keyClick(hand.files(), Qt::Key_R, Qt::ControlModifier);
+    hand.pressRetry();
     guide.waitFor(
         [&] {
             return hand.text(deleted, Column::ProgressColumn) ==

@@ -89,18 +89,19 @@ void Guide::answerNextBox(const QString &buttonText, const QString &pictureName)
     boxButton_ = buttonText;
     boxPicture_ = pictureName;
     boxText_.clear();
-    boxGone_ = false;
+    boxCame_ = false;
     boxTimer_.start();
 }
 
 void Guide::answerBox()
 {
-    auto *box = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+    auto *box = qobject_cast<NoticeDialog *>(QApplication::activeModalWidget());
     if (!box || !box->isVisible())
         return;
     boxTimer_.stop();
     boxText_ = textOf(box);
-    boxGone_ = true;
+    box_ = box;
+    boxCame_ = true;
     picture(box, boxPicture_);
     const auto buttons = box->findChildren<QPushButton *>();
     for (QPushButton *button : buttons) {
@@ -116,7 +117,7 @@ void Guide::answerBox()
 
 QString Guide::boxText()
 {
-    if (!QTest::qWaitFor([this] { return boxGone_ && !QApplication::activeModalWidget(); },
+    if (!QTest::qWaitFor([this] { return boxCame_ && !box_; },
                          patienceMs))
         throw TourFailure{QStringLiteral("a box was expected and did not come")};
     return boxText_;

@@ -3,12 +3,14 @@
 #include "tests/support/democlient.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
 
 #include <functional>
 
+class QDialog;
 class QTableView;
 class QWidget;
 
@@ -83,5 +85,6 @@ private:
     QString boxButton_;
     QString boxPicture_;
     QString boxText_;
-    bool boxGone_ = false;
+    QPointer<QDialog> box_; ///< the one answered, until it has gone
+    bool boxCame_ = false;
 };
