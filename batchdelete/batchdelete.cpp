@@ -399,9 +399,8 @@ bool BatchDelete::mayForgetUnreported(const QString &question)
 
 void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &orders)
 {
-    startButton_->setToolTip(orders.isEmpty()
-                                 ? QString()
-                                 : QStringLiteral("已选择 %1 个订单").arg(orders.size()));
+    startButton_->setToolTip(
+        orders.isEmpty() ? QString() : QStringLiteral("已选择 %1 个订单").arg(orders.size()));
 }
 
 void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
@@ -433,8 +432,7 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
         return;
     // Of a mere list only the count is kept: there may be a million files, and hundreds of orders.
     if (!orders_.order(row).processed) {
-        orders_.change(row,
-                       [&files](BatchDeleteOrderInfo &shown) { shown.listed = files.size(); });
+        orders_.change(row, [&files](BatchDeleteOrderInfo &shown) { shown.listed = files.size(); });
         return;
     }
     inBackground(
@@ -546,8 +544,8 @@ void BatchDelete::confirmPlan(const deletionrules::DeletionPlan &plan)
 
 void BatchDelete::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders)
 {
-    auto *dialog = new BatchLoginDialog(
-        this, [this, orders](bool success, const QString &, const QString &) {
+    auto *dialog =
+        new BatchLoginDialog(this, [this, orders](bool success, const QString &, const QString &) {
             if (!success || isClosing())
                 return;
             Toast::show(this, QStringLiteral("验证成功！"), toastMs);
@@ -649,9 +647,8 @@ void BatchDelete::addExportMenu()
 bool BatchDelete::hasOutcome()
 {
     const QVector<BatchDeleteOrderInfo> &orders = orders_.orders();
-    const bool any =
-        std::any_of(orders.cbegin(), orders.cend(),
-                    [](const BatchDeleteOrderInfo &order) { return order.processed; });
+    const bool any = std::any_of(orders.cbegin(), orders.cend(),
+                                 [](const BatchDeleteOrderInfo &order) { return order.processed; });
     if (!any)
         Toast::show(this, QStringLiteral("还没有删除结果"), toastMs);
     return any;
@@ -662,17 +659,14 @@ void BatchDelete::saveOutcome()
     if (!hasOutcome())
         return;
     const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    const QString path =
-        FileDialog::saveFile(this, QStringLiteral("导出结果"),
-                             QStringLiteral("批量删除结果-%1.csv").arg(now),
-                             QStringLiteral("CSV (*.csv)"), QStringLiteral("deletion"));
+    const QString path = FileDialog::saveFile(
+        this, QStringLiteral("导出结果"), QStringLiteral("批量删除结果-%1.csv").arg(now),
+        QStringLiteral("CSV (*.csv)"), QStringLiteral("deletion"));
     if (path.isEmpty())
         return;
     inBackground(
         this,
-        [path, orders = orders_.orders()] {
-            return writeBytes(path, deletionreport::csv(orders));
-        },
+        [path, orders = orders_.orders()] { return writeBytes(path, deletionreport::csv(orders)); },
         [this, path](bool written) {
             if (written)
                 Toast::show(this, QStringLiteral("结果已保存: %1").arg(path), toastMs);

@@ -124,9 +124,10 @@ void BatchDeleteProgressDelegate::paint(QPainter *painter, const QStyleOptionVie
     const QString note = index.data(BatchDeleteOrderModel::NoteRole).toString();
     const int used = cell.fontMetrics.horizontalAdvance(counts) + gap;
     painter->setPen(colours::toColor(colours::deletionFailed));
-    painter->drawText(room.adjusted(used, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
-                      cell.fontMetrics.elidedText(QString(note).replace(QLatin1Char('\n'), QLatin1Char(' ')),
-                                                  Qt::ElideRight, room.width() - used));
+    painter->drawText(
+        room.adjusted(used, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+        cell.fontMetrics.elidedText(QString(note).replace(QLatin1Char('\n'), QLatin1Char(' ')),
+                                    Qt::ElideRight, room.width() - used));
     const int percent = index.data(BatchDeleteOrderModel::PercentRole).toInt();
     QRect bar = room;
     bar.setTop(bar.bottom() - K::scaledPx(barPx) - 1);
@@ -181,8 +182,8 @@ void BatchDeleteStateDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     const int gap = K::scaledPx(gapPx);
-    QRect room = option.rect.adjusted(cell.fontMetrics.horizontalAdvance(cell.text) + 3 * gap, 0,
-                                      -gap, 0);
+    QRect room =
+        option.rect.adjusted(cell.fontMetrics.horizontalAdvance(cell.text) + 3 * gap, 0, -gap, 0);
     if (!retry.isEmpty())
         room.setRight(button.left() - gap);
     painter->setPen(colours::toColor(colours::muted));

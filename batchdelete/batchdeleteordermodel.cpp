@@ -1,6 +1,5 @@
 #include "batchdelete/batchdeleteordermodel.h"
 
-
 #include <QSet>
 #include <QStringList>
 
@@ -56,8 +55,8 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders)
         listed.insert(order.id);
         const int before = rowOf(order.id);
         // The folder may be another one by now; then those files are not this list's any more.
-        if (before < 0 || (orders_.at(before).netPath != order.netPath &&
-                           orders_.at(before).unreported() == 0))
+        if (before < 0 ||
+            (orders_.at(before).netPath != order.netPath && orders_.at(before).unreported() == 0))
             continue;
         order.setFiles(orders_.at(before).files());
         order.note = orders_.at(before).note;
@@ -208,10 +207,10 @@ Qt::ItemFlags BatchDeleteOrderModel::flags(const QModelIndex &index) const
 
 QVariant BatchDeleteOrderModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const QStringList headers{
-        QStringLiteral("选择"),          QStringLiteral("订单号"),   QStringLiteral("客户姓名"),
-        QStringLiteral("摄影师"),        QStringLiteral("结单日期"), QStringLiteral("成功/失败/总数"),
-        QStringLiteral("样前修片师"),    QStringLiteral("导片路径")};
+    static const QStringList headers{QStringLiteral("选择"),       QStringLiteral("订单号"),
+                                     QStringLiteral("客户姓名"),   QStringLiteral("摄影师"),
+                                     QStringLiteral("结单日期"),   QStringLiteral("成功/失败/总数"),
+                                     QStringLiteral("样前修片师"), QStringLiteral("导片路径")};
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
         return {};
     return headers.value(section);

@@ -136,7 +136,7 @@ void BatchDeleteRun::endSoon()
 void BatchDeleteRun::startNextOrder()
 {
     if (stopping_ || declined_) {
-        finish(declined_ ? DeletionSummary::End::Declined : DeletionSummary::End::Stopped);
+        finish(stopping_ ? DeletionSummary::End::Stopped : DeletionSummary::End::Declined);
         return;
     }
     if (current_ + 1 == orders_.size()) {

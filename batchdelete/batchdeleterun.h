@@ -19,18 +19,18 @@ class FileScanThread;
 struct DeletionSummary
 {
     enum class End {
-        Completed,      ///< every order had its turn
-        Stopped,        ///< by the user
-        Declined,       ///< the user let a report be; no further order was begun
-        NotAnnounced,   ///< the service did not take an announcement
+        Completed,    ///< every order had its turn
+        Stopped,      ///< by the user
+        Declined,     ///< the user let a report be; no further order was begun
+        NotAnnounced, ///< the service did not take an announcement
     };
 
     End end = End::Completed;
-    int orders = 0;     ///< of the run
-    int untouched = 0;  ///< orders that had no turn
-    int skipped = 0;    ///< orders that were passed over; their note says why
-    int deleted = 0;    ///< files gone, and reported
-    int failed = 0;     ///< files not deleted, or not reported
+    int orders = 0;    ///< of the run
+    int untouched = 0; ///< orders that had no turn
+    int skipped = 0;   ///< orders that were passed over; their note says why
+    int deleted = 0;   ///< files gone, and reported
+    int failed = 0;    ///< files not deleted, or not reported
 };
 Q_DECLARE_METATYPE(DeletionSummary)
 

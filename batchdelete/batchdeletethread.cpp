@@ -30,7 +30,8 @@ QString shareRoot(const QString &path)
     unified.replace(QLatin1Char('\\'), QLatin1Char('/'));
     if (!unified.startsWith(QLatin1String("//")))
         return {};
-    return QStringLiteral("//") + unified.section(QLatin1Char('/'), 0, 1, QString::SectionSkipEmpty);
+    return QStringLiteral("//") +
+           unified.section(QLatin1Char('/'), 0, 1, QString::SectionSkipEmpty);
 }
 
 } // namespace

@@ -72,10 +72,13 @@ QString sizeText(qint64 bytes)
 QString summaryText(const DeletionSummary &summary)
 {
     const bool completed = summary.end == DeletionSummary::End::Completed;
-    QString text = completed ? QStringLiteral("全部删除完成！") : QStringLiteral("批量删除已停止。");
+    QString text =
+        completed ? QStringLiteral("全部删除完成！") : QStringLiteral("批量删除已停止。");
     if (completed && summary.failed == 0 && summary.skipped == 0)
         return text;
-    text += QStringLiteral("\n\n成功 %1 个文件，失败 %2 个文件").arg(summary.deleted).arg(summary.failed);
+    text += QStringLiteral("\n\n成功 %1 个文件，失败 %2 个文件")
+                .arg(summary.deleted)
+                .arg(summary.failed);
     if (summary.skipped > 0)
         text += QStringLiteral("\n跳过 %1 个订单").arg(summary.skipped);
     if (summary.untouched > 0)
@@ -85,11 +88,11 @@ QString summaryText(const DeletionSummary &summary)
 
 QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
 {
-    QByteArray table = "\xEF\xBB\xBF" +
-                       line({QStringLiteral("订单号"), QStringLiteral("客户姓名"),
-                             QStringLiteral("导片路径"), QStringLiteral("文件路径"),
-                             QStringLiteral("文件大小"), QStringLiteral("状态"),
-                             QStringLiteral("原因")});
+    QByteArray table =
+        "\xEF\xBB\xBF" +
+        line({QStringLiteral("订单号"), QStringLiteral("客户姓名"), QStringLiteral("导片路径"),
+              QStringLiteral("文件路径"), QStringLiteral("文件大小"), QStringLiteral("状态"),
+              QStringLiteral("原因")});
     for (const BatchDeleteOrderInfo &order : orders) {
         if (!order.processed)
             continue;

@@ -127,8 +127,8 @@ FolderKey folderKey(const QString &path)
 {
     const QString unified = slashed(path.trimmed());
     const bool isShare = unified.startsWith(QLatin1String("//"));
-    const bool isDrive = unified.size() >= 2 && unified.at(0).isLetter() &&
-                         unified.at(1) == QLatin1Char(':');
+    const bool isDrive =
+        unified.size() >= 2 && unified.at(0).isLetter() && unified.at(1) == QLatin1Char(':');
     // "D:photos" would depend on where the program happens to stand, and so would "photos".
     if (isDrive ? unified.size() > 2 && unified.at(2) != slash : !unified.startsWith(slash))
         return {};
@@ -160,8 +160,7 @@ QHash<QString, QString> refusals(const QVector<BatchDeleteOrderInfo> &listed,
     QVector<Candidate> candidates;
     for (const BatchDeleteOrderInfo &order : listed) {
         const FolderKey key = folderKey(order.netPath);
-        const QString reason =
-            order.checked ? refusalByItself(order, key, publicRoot) : QString();
+        const QString reason = order.checked ? refusalByItself(order, key, publicRoot) : QString();
         if (!reason.isEmpty())
             refused.insert(order.id, reason);
         if (order.checked && reason.isEmpty())

@@ -15,8 +15,8 @@ namespace deletionrules {
 /// separators, and what Windows ignores at the end of a name.
 struct FolderKey
 {
-    QString text;          ///< empty when the path is none that can be judged
-    bool isRoot = false;   ///< of a drive or a share
+    QString text;        ///< empty when the path is none that can be judged
+    bool isRoot = false; ///< of a drive or a share
     bool isWithin(const FolderKey &above) const;
 };
 FolderKey folderKey(const QString &path);

@@ -54,9 +54,9 @@ BatchLoginDialog::BatchLoginDialog(QWidget *parent, Callback callback)
 
     auto *heading = new QLabel(title, this);
     heading->setAlignment(Qt::AlignCenter);
-    heading->setStyleSheet(QStringLiteral("color: %1; font-size: %2px; font-weight: 600;")
-                               .arg(colours::css(colours::dialogHeading),
-                                    K::scaledPxString(headingPx)));
+    heading->setStyleSheet(
+        QStringLiteral("color: %1; font-size: %2px; font-weight: 600;")
+            .arg(colours::css(colours::dialogHeading), K::scaledPxString(headingPx)));
     accountEdit_->setObjectName(QStringLiteral("accountEdit"));
     accountEdit_->setClearable(true);
     passwordEdit_->setObjectName(QStringLiteral("passwordEdit"));
@@ -198,11 +198,10 @@ void BatchLoginDialog::paintEvent(QPaintEvent *)
     for (const LineEdit *field : {accountEdit_, passwordEdit_}) {
         const bool focused = field->hasFocus();
         const qreal width = focused ? theme::focusWidth() : theme::hairline();
-        painter.setPen(
-            QPen(colours::toColor(focused ? colours::accent : colours::outline), width));
-        painter.drawRoundedRect(QRectF(field->geometry()).adjusted(-width / 2, -width / 2,
-                                                                   width / 2, width / 2),
-                                theme::radius(), theme::radius());
+        painter.setPen(QPen(colours::toColor(focused ? colours::accent : colours::outline), width));
+        painter.drawRoundedRect(
+            QRectF(field->geometry()).adjusted(-width / 2, -width / 2, width / 2, width / 2),
+            theme::radius(), theme::radius());
     }
 }
 

@@ -102,7 +102,8 @@ void TestBatchDeleteRun::cleanup()
 BatchDeleteOrderInfo TestBatchDeleteRun::makeOrder(int number, int count)
 {
     const QJsonObject state = demo_.state();
-    const QJsonObject studios = state.value(QStringLiteral("orders")).toArray().at(number).toObject();
+    const QJsonObject studios =
+        state.value(QStringLiteral("orders")).toArray().at(number).toObject();
     BatchDeleteOrderInfo order;
     order.id = studios.value(QStringLiteral("id")).toString();
     order.orderPhotoId = studios.value(QStringLiteral("order_photo_id")).toString();
@@ -111,9 +112,9 @@ BatchDeleteOrderInfo TestBatchDeleteRun::makeOrder(int number, int count)
     order.netPath = QString(folder).replace(QLatin1Char('/'), QLatin1Char('\\'));
     QDir().mkpath(folder + QStringLiteral("/原片"));
     for (int index = 0; index < count; ++index) {
-        QFile file(folder + (index % 2 == 0 ? QStringLiteral("/%1.jpg")
-                                            : QStringLiteral("/原片/%1 a&b.jpg"))
-                                .arg(index));
+        QFile file(folder +
+                   (index % 2 == 0 ? QStringLiteral("/%1.jpg") : QStringLiteral("/原片/%1 a&b.jpg"))
+                       .arg(index));
         if (!file.open(QIODevice::WriteOnly))
             qFatal("fixture not written");
     }
@@ -208,7 +209,7 @@ void TestBatchDeleteRun::filesThatCannotBeDeletedAreTold()
     start({order});
     QTRY_COMPARE(ends_.size(), 1);
     QCOMPARE(states(order), QStringLiteral("2442")); // 0.jpg 2.jpg zz 原片/1
-    QCOMPARE(booked(order, "announced").size(), 3); // the link to a folder is none of them
+    QCOMPARE(booked(order, "announced").size(), 3);  // the link to a folder is none of them
     QCOMPARE(booked(order, "deleted").size(), 2);
     QCOMPARE(namesOnDisk(order).size(), 1);
     QVERIFY(deletionreport::failedList(shown_.value(order.id))
@@ -274,8 +275,10 @@ void TestBatchDeleteRun::failedAnnouncements_data()
     QTest::addColumn<QString>("message");
     for (const char *kind : {"drop", "http-error", "broken-json", "empty", "array"})
         QTest::newRow(kind) << kind << QString();
-    QTest::newRow("refuse") << "refuse" << "不可以";
-    QTest::newRow("code-number") << "code-number" << "操作成功";
+    QTest::newRow("refuse") << "refuse"
+                            << "不可以";
+    QTest::newRow("code-number") << "code-number"
+                                 << "操作成功";
 }
 
 void TestBatchDeleteRun::failedAnnouncements()
@@ -345,7 +348,8 @@ void TestBatchDeleteRun::decliningFinishesTheOrderOnly()
 {
     const auto first = makeOrder(0, 3);
     const auto second = makeOrder(2, 2);
-    demo_.misbehave(after, QStringLiteral("refuse"), {{QStringLiteral("message"), QStringLiteral("不")}});
+    demo_.misbehave(after, QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), QStringLiteral("不")}});
     start({first, second});
     QTRY_COMPARE(questions_.size(), 1);
     run_->reporter()->answerResubmit(false);
@@ -355,7 +359,8 @@ void TestBatchDeleteRun::decliningFinishesTheOrderOnly()
     QVERIFY(namesOnDisk(first).isEmpty());
     QCOMPARE(namesOnDisk(second).size(), 2);
     QCOMPARE(requests(before), 1);
-    QVERIFY(deletionreport::failedList(shown_.value(first.id)).endsWith(QStringLiteral("0.jpg: 不")));
+    QVERIFY(
+        deletionreport::failedList(shown_.value(first.id)).endsWith(QStringLiteral("0.jpg: 不")));
 
     QTRY_VERIFY(!run_->isBusy());
     QVERIFY(run_->retry(shown_.value(first.id), {0, 1, 2}, identity_));
@@ -387,7 +392,8 @@ void TestBatchDeleteRun::aDiskThatGoesAwayIsNoDeletion()
     QCOMPARE(shown_.value(order.id).succeeded(), 1);
     QCOMPARE(shown_.value(order.id).failed(), 2);
     QCOMPARE(booked(order, "deleted").size(), 1);
-    QVERIFY(deletionreport::failedList(shown_.value(order.id)).endsWith(QStringLiteral("网络路径无法访问")));
+    QVERIFY(deletionreport::failedList(shown_.value(order.id))
+                .endsWith(QStringLiteral("网络路径无法访问")));
     QVERIFY(!shown_.value(order.id).note.isEmpty());
 }
 
@@ -466,7 +472,8 @@ void TestBatchDeleteRun::closingAsksNothing()
     QSignalSpy ended(run_.get(), &BatchDeleteRun::ended);
     start({order});
     QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
-    demo_.misbehave(after, QStringLiteral("refuse"), {{QStringLiteral("message"), QStringLiteral("不")}});
+    demo_.misbehave(after, QStringLiteral("refuse"),
+                    {{QStringLiteral("message"), QStringLiteral("不")}});
     run_->close();
     demo_.release(); // the file under way is reported still
     QTRY_COMPARE(ended.size(), 1);

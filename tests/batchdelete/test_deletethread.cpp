@@ -7,6 +7,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <utility>
+
 #ifdef Q_OS_LINUX
 #include <sys/mount.h>
 #endif
@@ -128,8 +130,8 @@ private:
             return QStringLiteral("no result");
         return QStringLiteral("%1 %2 %3")
             .arg(processed_.state)
-            .arg(processed_.reason, QFileInfo::exists(path_) ? QStringLiteral("stays")
-                                                             : QStringLiteral("gone"));
+            .arg(processed_.reason,
+                 QFileInfo::exists(path_) ? QStringLiteral("stays") : QStringLiteral("gone"));
     }
 
     std::unique_ptr<QTemporaryDir> folder_;

@@ -13,6 +13,17 @@ using namespace deletionrules;
 
 namespace {
 
+/// A path that begins with one back slash, whole on this machine.
+QString onDisk(const char *path)
+{
+    const QString text = QString::fromUtf8(path);
+#ifdef Q_OS_WIN
+    if (text.startsWith(QLatin1Char('\\')) && !text.startsWith(QLatin1String("\\\\")))
+        return QStringLiteral("D:") + text;
+#endif
+    return text;
+}
+
 BatchDeleteOrderInfo makeOrder(const QString &id, const QString &path, bool checked = true)
 {
     BatchDeleteOrderInfo order;
@@ -97,8 +108,7 @@ void TestDeletionRules::refusesWhatIsNotTheOrdersOwn_data()
     QTest::addColumn<QString>("other"); // folder of an order that is not ticked
     QTest::addColumn<QString>("reason");
     const auto row = [](const char *name, const char *path, const char *other, const char *reason) {
-        QTest::newRow(name) << QString::fromUtf8(path) << QString::fromUtf8(other)
-                            << QString::fromUtf8(reason);
+        QTest::newRow(name) << onDisk(path) << onDisk(other) << QString::fromUtf8(reason);
     };
     row("its own", "\\share\\root\\a", "\\share\\root\\b", "");
     row("beginning alike", "\\share\\root\\a", "\\share\\root\\ab", "");
@@ -109,10 +119,11 @@ void TestDeletionRules::refusesWhatIsNotTheOrdersOwn_data()
     row("share", "\\\\nas\\photos\\", "", "导片路径是磁盘或共享的根目录");
     row("public root", "\\Share\\.\\ROOT\\", "", "导片路径是公共导片目录");
     row("above the root", "\\share", "", "公共导片目录在该目录之中");
-    row("shared", "\\share\\root\\a", "/share/root/A/", "与未删除的订单 T2 使用同一个目录");
+    row("shared", "\\share\\root\\a", "\\share/root\\A/", "与未删除的订单 T2 使用同一个目录");
     row("above another", "\\share\\root\\a", "\\share\\root\\a\\x\\y",
         "目录中包含未删除的订单 T2 的目录");
-    row("below another", "\\share\\root\\a\\x\\y", "\\share\\root\\a", "位于未删除的订单 T2 的目录中");
+    row("below another", "\\share\\root\\a\\x\\y", "\\share\\root\\a",
+        "位于未删除的订单 T2 的目录中");
 }
 
 void TestDeletionRules::refusesWhatIsNotTheOrdersOwn()
@@ -121,7 +132,7 @@ void TestDeletionRules::refusesWhatIsNotTheOrdersOwn()
     QFETCH(QString, other);
     const QString one = QStringLiteral("1");
     const QString two = QStringLiteral("2");
-    const QString root = QStringLiteral("\\share\\root");
+    const QString root = onDisk("\\share\\root");
     QVector<BatchDeleteOrderInfo> listed{makeOrder(one, path), makeOrder(two, other, false)};
     QTEST(refusals(listed, root).value(one), "reason");
     QVERIFY(!refusals(listed, root).contains(two));
@@ -135,18 +146,18 @@ void TestDeletionRules::refusesWhatIsNotTheOrdersOwn()
 void TestDeletionRules::refusesAlongTheChain()
 {
     // 3 stays, so 2 above it must, and so must 1 above that; 4 has nothing to do with them.
-    const auto refused = refusals({makeOrder(QStringLiteral("1"), QStringLiteral("\\r\\a")),
-                                   makeOrder(QStringLiteral("2"), QStringLiteral("\\r\\a\\b")),
-                                   makeOrder(QStringLiteral("3"), QStringLiteral("\\r\\a\\b\\c"), false),
-                                   makeOrder(QStringLiteral("4"), QStringLiteral("\\r\\d"))},
-                                  QStringLiteral("\\r"));
+    const auto refused = refusals({makeOrder(QStringLiteral("1"), onDisk("\\r\\a")),
+                                   makeOrder(QStringLiteral("2"), onDisk("\\r\\a\\b")),
+                                   makeOrder(QStringLiteral("3"), onDisk("\\r\\a\\b\\c"), false),
+                                   makeOrder(QStringLiteral("4"), onDisk("\\r\\d"))},
+                                  onDisk("\\r"));
     QCOMPARE(refused.size(), 2);
     QVERIFY(!refused.contains(QStringLiteral("4")));
 
     // Whoever is refused by itself counts as staying, too.
-    BatchDeleteOrderInfo incomplete = makeOrder(QStringLiteral("5"), QStringLiteral("\\r\\e\\f"));
+    BatchDeleteOrderInfo incomplete = makeOrder(QStringLiteral("5"), onDisk("\\r\\e\\f"));
     incomplete.orderPhotoId.clear();
-    QCOMPARE(refusals({makeOrder(QStringLiteral("6"), QStringLiteral("\\r\\e")), incomplete}, {}).size(),
+    QCOMPARE(refusals({makeOrder(QStringLiteral("6"), onDisk("\\r\\e")), incomplete}, {}).size(),
              2);
 }
 
@@ -154,10 +165,12 @@ void TestDeletionRules::refusesLinks()
 {
     const QTemporaryDir folder;
     const auto inside = [&folder](const char *name) {
-        return folder.filePath(QString::fromUtf8(name)).replace(QLatin1Char('/'), QLatin1Char('\\'));
+        return folder.filePath(QString::fromUtf8(name))
+            .replace(QLatin1Char('/'), QLatin1Char('\\'));
     };
     QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("real/root/order")));
-    if (!QFile::link(folder.filePath(QStringLiteral("real")), folder.filePath(QStringLiteral("link"))))
+    if (!QFile::link(folder.filePath(QStringLiteral("real")),
+                     folder.filePath(QStringLiteral("link"))))
         QSKIP("no links here");
     QVERIFY(QFile::link(folder.filePath(QStringLiteral("real/root/order")),
                         folder.filePath(QStringLiteral("real/root/alias"))));
@@ -172,19 +185,20 @@ void TestDeletionRules::refusesLinks()
 
 void TestDeletionRules::plansAndWords()
 {
-    BatchDeleteOrderInfo fine = makeOrder(QStringLiteral("1"), QStringLiteral("\\r\\a"));
+    BatchDeleteOrderInfo fine = makeOrder(QStringLiteral("1"), onDisk("\\r\\a"));
     fine.serviceTimes = QStringLiteral("2");
     fine.mname = QStringLiteral("周");
     fine.wname = QStringLiteral("林");
     const auto result = plan({fine, makeOrder(QStringLiteral("2"), {}),
-                              makeOrder(QStringLiteral("3"), QStringLiteral("\\r\\c"), false)},
+                              makeOrder(QStringLiteral("3"), onDisk("\\r\\c"), false)},
                              {});
     QCOMPARE(result.orders.size(), 1);
     QCOMPARE(result.refused.size(), 1);
     QCOMPARE(confirmation(result),
              QStringLiteral("下列 1 个订单的目录将被清空，其中的全部文件会永久删除，无法恢复。"
-                            "确认要继续吗？\n\nT1-2 周 林\n    \\r\\a\n\n"
-                            "下列 1 个订单不会删除：\n\nT2 \n    原因: 订单没有导片路径"));
+                            "确认要继续吗？\n\nT1-2 周 林\n    %1\n\n"
+                            "下列 1 个订单不会删除：\n\nT2 \n    原因: 订单没有导片路径")
+                 .arg(onDisk("\\r\\a")));
 }
 
 void TestDeletionRules::bodies()
@@ -274,9 +288,9 @@ void TestDeletionRules::countsFollowTheStates()
     QCOMPARE(order.unreported(), 1);
     order.setFile(2, makeFile(QString(), 0));
     QCOMPARE(order.succeeded(), 0);
-    const QStringList texts{QStringLiteral("未删除"),       QStringLiteral("删除中"),
-                            QStringLiteral("已删除"),       QStringLiteral("提交状态失败"),
-                            QStringLiteral("删除失败"),     QStringLiteral("删除失败"),
+    const QStringList texts{QStringLiteral("未删除"),   QStringLiteral("删除中"),
+                            QStringLiteral("已删除"),   QStringLiteral("提交状态失败"),
+                            QStringLiteral("删除失败"), QStringLiteral("删除失败"),
                             QStringLiteral("未知")};
     for (int state = 0; state < texts.size(); ++state)
         QCOMPARE(deletionStateText(state), texts.at(state));

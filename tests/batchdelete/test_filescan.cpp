@@ -80,13 +80,13 @@ void TestFileScan::findsEveryFile()
     makeFiles(QStringLiteral("empty"), 0);
     QVERIFY(QFile::copy(folder_->filePath(QStringLiteral("原片/1/1.jpg")),
                         folder_->filePath(QStringLiteral("a\\b #1%.jpg"))));
-    const FileScanResult result = scan(folder_->path().replace(QLatin1Char('/'), QLatin1Char('\\')));
+    const FileScanResult result =
+        scan(folder_->path().replace(QLatin1Char('/'), QLatin1Char('\\')));
     QVERIFY(result.success);
     QCOMPARE(result.errorText, QString());
-    QCOMPARE(paths(result), QStringList({QStringLiteral(".hidden/0.jpg"),
-                                         QStringLiteral("a\\b #1%.jpg"),
-                                         QStringLiteral("原片/1/0.jpg"),
-                                         QStringLiteral("原片/1/1.jpg")}));
+    QCOMPARE(paths(result),
+             QStringList({QStringLiteral(".hidden/0.jpg"), QStringLiteral("a\\b #1%.jpg"),
+                          QStringLiteral("原片/1/0.jpg"), QStringLiteral("原片/1/1.jpg")}));
     for (const BatchDeleteFileInfo &file : result.files) {
         QVERIFY(QFile::exists(file.fullPath()));
         QCOMPARE(file.size, QFile(file.fullPath()).size());
@@ -112,9 +112,8 @@ void TestFileScan::linksAreNotFollowed()
     QVERIFY(link("other/0.jpg", "order/file") && link("nowhere", "order/broken"));
     const FileScanResult result = scan(folder_->filePath(QStringLiteral("order")));
     QVERIFY(result.success);
-    QCOMPARE(paths(result),
-             QStringList({QStringLiteral("0.jpg"), QStringLiteral("[folder]"),
-                          QStringLiteral("broken"), QStringLiteral("file")}));
+    QCOMPARE(paths(result), QStringList({QStringLiteral("0.jpg"), QStringLiteral("[folder]"),
+                                         QStringLiteral("broken"), QStringLiteral("file")}));
 }
 
 void TestFileScan::namesThatAreNoText()
@@ -123,7 +122,8 @@ void TestFileScan::namesThatAreNoText()
     const QByteArray name = QFile::encodeName(folder_->path()) + "/\xff\xfe.jpg";
     QVERIFY(QFile::link(QStringLiteral("x"), folder_->filePath(QStringLiteral("换\n行"))));
     QCOMPARE(symlink("x", name.constData()), 0);
-    QCOMPARE(mkfifo(QFile::encodeName(folder_->filePath(QStringLiteral("pipe"))).constData(), 0600), 0);
+    QCOMPARE(mkfifo(QFile::encodeName(folder_->filePath(QStringLiteral("pipe"))).constData(), 0600),
+             0);
     const FileScanResult result = scan(folder_->path());
     unlink(name.constData()); // Qt cannot
     QVERIFY(result.success);
@@ -160,7 +160,8 @@ void TestFileScan::failures_data()
     QTest::addColumn<QString>("text");
     const QString share = QStringLiteral("共享目录连接失败: %1\n请检查网络连接或共享目录权限");
     QTest::newRow("nothing") << QString() << "扫描路径为空";
-    QTest::newRow("missing") << "\\no\\such" << "目录不存在: \\no\\such";
+    QTest::newRow("missing") << "\\no\\such"
+                             << "目录不存在: \\no\\such";
     QTest::newRow("share") << "\\\\no\\such" << share.arg(QStringLiteral("\\\\no\\such"));
     QTest::newRow("share in slashes") << "//no/such" << share.arg(QStringLiteral("//no/such"));
     const QString file = QCoreApplication::applicationFilePath();
@@ -189,7 +190,8 @@ void TestFileScan::aFolderThatMayNotBeReadIsKept()
     if (!isClosed)
         QSKIP("an administrator may read everything");
     QVERIFY(result.success);
-    QCOMPARE(paths(result), QStringList({QStringLiteral("[closed]"), QStringLiteral("open/0.jpg")}));
+    QCOMPARE(paths(result),
+             QStringList({QStringLiteral("[closed]"), QStringLiteral("open/0.jpg")}));
     QCOMPARE(itself.errorText, QStringLiteral("没有权限访问目录: ") + closed);
 }
 
