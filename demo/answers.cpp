@@ -184,8 +184,8 @@ QJsonObject Answers::persons(const Fields &fields) const
     return reply;
 }
 
-// keyword, searchtype (1 text, 4 shoot date, 5 selection date, 6 completion date), role7id → data, openypml,
-// delyp.
+// keyword, searchtype (1 text, 4 shoot date, 5 selection date, 6 completion date), role7id → data,
+// openypml, delyp.
 QJsonObject Answers::orderList(const Fields &fields) const
 {
     const QString searchType = field(fields, "searchtype");

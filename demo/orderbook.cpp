@@ -125,8 +125,7 @@ Order OrderBook::blank(int serial, const Shop &shop) const
     if (random.bounded(3) > 0) {
         order.selectionTime = shot.addDays(7).toString(QStringLiteral("yyyy-MM-dd")) +
                               QStringLiteral(" 1%1:30:00").arg(random.bounded(10));
-        order.completionTime =
-            shot.addDays(30).toString(QStringLiteral("yyyy-MM-dd 16:20:00"));
+        order.completionTime = shot.addDays(30).toString(QStringLiteral("yyyy-MM-dd 16:20:00"));
     }
     order.package = picked(random, {QStringLiteral("海边婚纱套系"), QStringLiteral("古风写真套系"),
                                     QStringLiteral("全家福"), QStringLiteral("周年纪念套系")});
