@@ -25,7 +25,7 @@ using Model = BatchDeleteFileModel;
 
 constexpr int folderColumnPx = 84;
 constexpr int sizeColumnPx = 84;
-constexpr int stateColumnPx = 220;
+constexpr int stateColumnPx = 250;
 constexpr int pathColumnPx = 260;
 
 QString chooseText()

@@ -21,9 +21,9 @@ using Model = BatchDeleteOrderModel;
 
 constexpr int checkColumnPx = 100;
 constexpr int numberColumnPx = 92;
-constexpr int customerColumnPx = 104;
+constexpr int customerColumnPx = 112;
 constexpr int nameColumnPx = 60;
-constexpr int dateColumnPx = 128;
+constexpr int dateColumnPx = 140;
 constexpr int progressColumnPx = 240;
 constexpr int retoucherColumnPx = 90;
 constexpr int pathColumnPx = 260;

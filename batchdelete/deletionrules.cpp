@@ -221,9 +221,10 @@ DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &pu
     }
     const QHash<QString, QString> refused = refusals(judged, publicPath);
     DeletionPlan plan;
-    for (BatchDeleteOrderInfo order : listed) {
-        if (!order.checked)
+    for (const BatchDeleteOrderInfo &candidate : listed) {
+        if (!candidate.checked)
             continue;
+        BatchDeleteOrderInfo order = candidate;
         order.note = links.value(order.id, refused.value(order.id));
         (order.note.isEmpty() ? plan.orders : plan.refused).append(order);
     }

@@ -236,7 +236,8 @@ void measureDeletion(BenchApplication *application, const Settings &settings, co
                       {QStringLiteral("101"), QStringLiteral("7001"), QStringLiteral("3101")}, {});
             application->runUntil([&done] { return done; }, patienceMs);
         });
-        costs.append(application->stopWatching().first().cpuMs);
+        const auto events = application->stopWatching();
+        costs.append(events.first().cpuMs);
         if (end.deleted != settings.deleted)
             throw bench::Failure(QStringLiteral("%1 files deleted").arg(end.deleted));
         perFile.append(seconds * 1e3 / settings.deleted);
