@@ -14,8 +14,14 @@ constexpr int closingMs = 5000;
 } // namespace
 
 FileScanThread::FileScanThread(QObject *parent)
-    : QObject(parent), thread_(new QThread), worker_(new FileScanWorker)
+    : QObject(parent)
+    , thread_(new QThread)
+    , worker_(new FileScanWorker)
+    , overdue_(new QTimer(thread_))
 {
+    overdue_->setSingleShot(true);
+    connect(overdue_, &QTimer::timeout, thread_,
+            [] { qWarning() << "FileScanThread: 线程关闭超时，但不强制终止"; });
     qRegisterMetaType<FileScanResult>();
     thread_->setObjectName(QStringLiteral("FileScanThread"));
     worker_->moveToThread(thread_);
@@ -29,11 +35,7 @@ FileScanThread::~FileScanThread()
 {
     worker_->cancel();
     worker_->disconnect(this);
-    auto *overdue = new QTimer(thread_);
-    overdue->setSingleShot(true);
-    connect(overdue, &QTimer::timeout, thread_,
-            [] { qWarning() << "FileScanThread: 线程关闭超时，但不强制终止"; });
-    overdue->start(closingMs);
+    overdue_->start(closingMs);
     const auto processWaits = std::make_shared<QEventLoopLocker>();
     connect(thread_, &QThread::finished, thread_,
             [thread = thread_, processWaits] { thread->deleteLater(); });

@@ -5,6 +5,7 @@
 #include <QObject>
 
 class QThread;
+class QTimer;
 
 /// One scan of one folder on a thread of its own. Lives on the interface thread and never makes it
 /// wait: destroying it abandons the scan, of which nothing more is heard, and the thread ends when
@@ -29,4 +30,5 @@ signals:
 private:
     QThread *thread_;
     FileScanWorker *worker_;
+    QTimer *overdue_; ///< the thread's, which may outlive this object
 };
