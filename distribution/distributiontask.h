@@ -1,0 +1,39 @@
+#pragma once
+
+#include "distribution/orderdetail.h"
+
+#include <QString>
+
+/// One file operation of a run, as plain values: what a task on the pool is given.
+struct DistributionTask
+{
+    QString type;         ///< one of tasktype
+    QString subType;      ///< one of photorole, for "拷贝照片"
+    QString sourcePath;   ///< as the reply writes it
+    QString targetFolder; ///< as this machine writes it; what the file goes into, or below
+    QString imgName;      ///< as the reply writes it: made safe where it becomes a name on disk
+    QString imageId;      ///< handed back with the result; empty when nobody is told of this file
+    QString data;         ///< "存储照片": a data URL, or the text of a text file
+    OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
+    QString namingRule; ///< "创建产品": the rule as JSON text
+};
+
+namespace tasktype {
+inline const QString downloadRetouched = QStringLiteral("下载精修片");
+inline const QString downloadOriginals = QStringLiteral("下载原始档");
+inline const QString copyPhoto = QStringLiteral("拷贝照片");
+inline const QString storePhoto = QStringLiteral("存储照片");
+inline const QString createProducts = QStringLiteral("创建产品");
+inline const QString makeSheet = QStringLiteral("生成Html");
+inline const QString deliverOriginals = QStringLiteral("下载照片交付-拷贝原始档");
+inline const QString deliverPhotos = QStringLiteral("下载照片交付-拷贝原片");
+} // namespace tasktype
+
+namespace photorole {
+inline const QString retouched = QStringLiteral("精修成品");
+inline const QString thumbnail = QStringLiteral("成品缩略图");
+inline const QString finishedOnly = QStringLiteral("只要成品");
+inline const QString finished = QStringLiteral("成品");
+inline const QString rejected = QStringLiteral("汰片");
+inline const QString archive = QStringLiteral("入底");
+} // namespace photorole
