@@ -2,7 +2,10 @@
 
 #include "distribution/orderdetail.h"
 
+#include <QMetaType>
 #include <QString>
+
+#include <functional>
 
 /// One file operation of a run, as plain values: what a task on the pool is given.
 struct DistributionTask
@@ -17,6 +20,20 @@ struct DistributionTask
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
     QString namingRule; ///< "创建产品": the rule as JSON text
 };
+
+/// How one of them ended; what FJDataThread reports.
+struct TaskResult
+{
+    bool success = false;
+    QString type;     ///< the task's
+    QString copyFile; ///< the file that was written, or was to be
+    QString imgData;  ///< the task's imageId
+    QString errmsg;   ///< lines; may hold some although the task succeeded in the rest
+};
+Q_DECLARE_METATYPE(TaskResult)
+
+/// Does what \a task says; blocks, for worker threads.
+using PerformTask = std::function<TaskResult(const DistributionTask &task)>;
 
 namespace tasktype {
 inline const QString downloadRetouched = QStringLiteral("下载精修片");
