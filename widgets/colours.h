@@ -88,6 +88,14 @@ inline constexpr QRgb inputSelection = 0x40007aff;
 inline constexpr QRgb cardBorder = 0x4d646e82;
 inline constexpr QRgb cardBorderHover = 0xcc2980ff;
 
+// The editor of the rule that names product folders.
+inline constexpr QRgb fieldDrag = 0xff007aff;    ///< what is dragged, and where it would land
+inline constexpr QRgb fieldReorder = 0xffe8f4fd; ///< a field that is dragged to another place
+inline constexpr QRgb fieldZone = 0xfffafafa;
+inline constexpr QRgb fieldZoneBorder = 0xffaaaaaa;
+inline constexpr QRgb fieldZoneHighlight = 0xfff0f8ff;
+inline constexpr QRgb fieldDeleteHover = 0xffff3b30;
+
 inline QColor toColor(QRgb colour)
 {
     return QColor::fromRgba(colour);

@@ -477,6 +477,62 @@ QString headingStyle()
                       .arg(QString::number(headingSize()), css(colours::heading)));
 }
 
+QString fieldSourceStyle()
+{
+    return scaled(QStringLiteral("QPushButton { background-color: %1; color: %2;"
+                                 " border: 1dp solid %3; border-radius: 6dp; font-size: @text;"
+                                 " padding: 0; }"
+                                 "QPushButton:hover { border-color: %4; color: %4; }"
+                                 "QPushButton:focus { border: 2dp solid %4; }")
+                      .arg(css(colours::surfaceHeader), css(colours::dialogHeading),
+                           css(colours::outline), css(colours::fieldDrag)));
+}
+
+QString fieldButtonStyle()
+{
+    return scaled(QStringLiteral("FieldButton { background-color: %1; color: %2;"
+                                 " border: 1dp solid %3; border-radius: 6dp; font-size: @text;"
+                                 " text-align: left; padding: 0 0 0 %6px; }"
+                                 "FieldButton:hover { border-color: %4; }"
+                                 "FieldButton:focus { border: 2dp solid %4; padding-left: %5px; }")
+                      .arg(css(colours::surface), css(colours::dialogHeading),
+                           css(colours::outline), css(colours::fieldDrag))
+                      .arg(K::scaledPx(8) - focusWidth())
+                      .arg(K::scaledPx(8) - hairline()));
+}
+
+QString fieldPartStyle()
+{
+    return scaled(
+        QStringLiteral("QPushButton { background-color: %1; color: %2; border: none;"
+                       " border-radius: 4dp; font-size: @text; min-width: 16dp;"
+                       " padding: 0 4dp; }"
+                       "QPushButton:hover { background-color: %3; }")
+            .arg(css(colours::surfaceHeader), css(colours::heading), css(colours::accentTint)));
+}
+
+QString fieldDeleteStyle()
+{
+    return scaled(QStringLiteral("QPushButton { background-color: transparent; color: %1;"
+                                 " border: none; border-radius: 4dp; font-size: @text;"
+                                 " padding: 0; }"
+                                 "QPushButton:hover { background-color: %2; color: %3; }")
+                      .arg(css(colours::placeholder), css(colours::fieldDeleteHover),
+                           css(colours::onFilled)));
+}
+
+QString hintStyle()
+{
+    return scaled(
+        QStringLiteral("QLabel { font-size: @text; color: %1; }").arg(css(colours::heading)));
+}
+
+QString warningStyle()
+{
+    return scaled(
+        QStringLiteral("QLabel { font-size: @text; color: %1; }").arg(css(colours::failure)));
+}
+
 QString resultMarkStyle(QRgb colour)
 {
     return scaled(QStringLiteral("QLabel { font-size: 30dp; font-weight: 600; color: %1; }")

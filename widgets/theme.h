@@ -79,6 +79,15 @@ QString menuStyle();
 QString progressBarStyle();
 /// A label that heads a part of a window.
 QString headingStyle();
+/// In the naming rule's editor: a field that can be added, one that is in the rule, and on the
+/// latter its separator and its "×".
+QString fieldSourceStyle();
+QString fieldButtonStyle();
+QString fieldPartStyle();
+QString fieldDeleteStyle();
+/// A line of small print, and one that warns.
+QString hintStyle();
+QString warningStyle();
 /// The large mark that says how something ended.
 QString resultMarkStyle(QRgb colour);
 

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QBrush>
+#include <QColor>
+#include <QFont>
+#include <QPen>
+#include <QPixmap>
+#include <QString>
+
+class QWidget;
+
+/// What the drags of the naming rule's editor have in common.
+namespace fielddrag {
+
+/// A field from the source: "label|key" in UTF-8.
+inline const QString itemType = QStringLiteral("application/x-field-item");
+/// A field that moves within the rule: its label in UTF-8.
+inline const QString reorderType = QStringLiteral("application/x-field-reorder");
+
+struct Look
+{
+    QBrush fill;
+    QPen border;
+    QColor text;
+};
+
+/// A rounded rectangle of the size of \a button on a transparent ground, with \a label in its
+/// middle.
+QPixmap image(const QWidget *button, const QString &label, const QFont &font, const Look &look);
+
+} // namespace fielddrag

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "distribution/namingrule.h"
+
+#include <QJsonArray>
+#include <QWidget>
+
+class DropZone;
+class QLabel;
+
+/// The editor of the rule that names product folders: the fields there are, the rule that is made
+/// of them by dragging or by keys, and the name that it gives.
+class FolderNamingRule : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit FolderNamingRule(QWidget *parent = nullptr);
+
+    /// Shows a branch's rule as the service stores it. What is no rule leaves the editor as it is.
+    void load(const QString &text);
+    /// Goes back to the rule that was loaded last.
+    void reset();
+    /// From now on the present rule is what reset() goes back to.
+    void markSaved(const namingrule::Rule &rule) { loaded_ = rule; }
+    namingrule::Rule rule() const;
+
+    /// The product whose folder the preview names: \a values for a rule, \a builtIn where there is
+    /// no rule.
+    void setPreviewProduct(const namingrule::Values &values, const QString &builtIn);
+
+signals:
+    void ruleChanged(const namingrule::Rule &rule);
+    void ruleChangedJson(const QJsonArray &rule);
+
+private:
+    QWidget *buildSources();
+    void announce();
+    void showPreview();
+
+    DropZone *zone_;
+    QLabel *preview_;
+    QLabel *warning_;
+    namingrule::Rule loaded_;
+    namingrule::Values values_;
+    QString builtIn_;
+};
