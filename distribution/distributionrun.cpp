@@ -1,0 +1,332 @@
+#include "distribution/distributionrun.h"
+
+#include "distribution/distributionrequests.h"
+#include "distribution/rawfiles.h"
+#include "net/background.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QJsonObject>
+#include <QRunnable>
+#include <QThread>
+
+#include <utility>
+
+namespace {
+
+struct Planned
+{
+    QString folderError;
+    OrderPlan plan;
+};
+
+/// Blocks; for worker threads.
+Planned prepare(const PlanRequest &request)
+{
+    if (!QDir().mkpath(request.orderFolder))
+        return {request.orderFolder + QStringLiteral(" 路径创建失败/连接不上服务端"), {}};
+    RawFiles raws;
+    return {{}, planOrder(request, [&raws](const QString &photo) { return raws.beside(photo); })};
+}
+
+QString yesNo(bool value)
+{
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+} // namespace
+
+DistributionRun::DistributionRun(QObject *parent)
+    : QObject(parent), fetches_(this), reports_(this), detailCall_(this)
+{
+    pool_.setObjectName(QStringLiteral("distribution"));
+    pool_.setMaxThreadCount(QThread::idealThreadCount());
+    connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
+    connect(&fetches_, &ImageFetches::failed, this,
+            [this](const DistributionTask &store, const QString &error) {
+                count({false, store.type, store.targetFolder + store.imgName, {}, error});
+            });
+    connect(&reports_, &DownloadReports::allAnswered, this, &DistributionRun::announceIdle);
+}
+
+DistributionRun::~DistributionRun()
+{
+    *stopFlag_ = true;
+    pool_.waitForDone();
+}
+
+bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings &settings)
+{
+    if (running_ || orders.isEmpty())
+        return false;
+    orders_ = orders;
+    settings_ = settings;
+    errors_.clear();
+    running_ = true;
+    stopFlag_ = std::make_shared<std::atomic<bool>>(false);
+    completed_ = 0;
+    index_ = -1;
+    startNextOrder();
+    return true;
+}
+
+void DistributionRun::stop()
+{
+    if (!running_ || *stopFlag_)
+        return;
+    *stopFlag_ = true;
+    detailCall_.cancel();
+    fetches_.cancel();
+    if (tasksInFlight_ == 0)
+        finish();
+}
+
+void DistributionRun::startNextOrder()
+{
+    if (++index_ >= orders_.size()) {
+        finish();
+        return;
+    }
+    detail_.reset();
+    expected_ = 0;
+    photoResults_ = 0;
+    copyPicFinishNum_ = 0;
+    proFinishNum_ = 0;
+    downPhotoFinishNums_ = 0;
+    isSaveHtml_ = false;
+    listSize_ = 0;
+    listSettled_ = 0;
+    emit orderStarted(index_ + 1, orders_.size(), current());
+    emit progressChanged(0, 0);
+    detailCall_.start(distributionrequests::detailAction,
+                      distributionrequests::detailBody(current(), settings_.identity),
+                      [this](const ServiceReply &reply) { onDetail(reply); });
+}
+
+void DistributionRun::onDetail(const ServiceReply &reply)
+{
+    if (!reply.isSuccess()) {
+        const QString said = reply.message.isEmpty() ? reply.msg : reply.message;
+        skipOrder(said.isEmpty() ? QStringLiteral("连接不上服务端") : said);
+        return;
+    }
+    auto detail = std::make_shared<const OrderDetail>(readOrderDetail(reply.object));
+    const QString photoSet = detail->value("order_photo_id");
+    if (!photoSet.isEmpty() && photoSet != current().orderPhotoId) {
+        skipOrder(QStringLiteral("服务端返回了其他订单的资料"));
+        return;
+    }
+    if (detail->value("orderpayforkey").isEmpty()) {
+        skipOrder(QStringLiteral("订单资料不完整，没有订单号"));
+        return;
+    }
+    emit detailRead(current().orderPhotoId, detail);
+    planCurrent(detail);
+}
+
+void DistributionRun::planCurrent(const OrderDetailPtr &detail)
+{
+    detail_ = detail;
+    orderFolder_ = QDir::cleanPath(settings_.directory) + QLatin1Char('/') +
+                   orderFolderName(*detail) + QLatin1Char('/');
+    qDebug() << "生成的导入路径是：" << orderFolder_;
+    PlanRequest request;
+    request.type = settings_.type;
+    request.options = settings_.options;
+    request.detail = detail;
+    request.orderFolder = orderFolder_;
+    request.leftOut = settings_.leftOut.value(current().orderPhotoId);
+    inBackground(
+        this, [request] { return prepare(request); },
+        [this, detail](const Planned &planned) {
+            if (!running_ || detail != detail_ || *stopFlag_)
+                return; // stopped meanwhile
+            onPlanned(planned.folderError, planned.plan);
+        });
+}
+
+void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &plan)
+{
+    if (!folderError.isEmpty()) {
+        skipOrder(folderError);
+        return;
+    }
+    for (const QString &problem : plan.problems)
+        addErrors(problem);
+    photoResults_ = plan.tasks.size() + plan.fetches.size();
+    expected_ = photoResults_ + (plan.makesProducts ? 2 : 0);
+    listSize_ = detail_->images.size();
+    listSettled_ = listSize_;
+    for (const DistributionTask &task : plan.tasks)
+        listSettled_ -= task.imageId.isEmpty() ? 0 : 1;
+    emit progressChanged(0, expected_);
+    if (expected_ == 0) {
+        if (plan.problems.isEmpty())
+            addErrors(QStringLiteral("没有可下载的照片"));
+        completeOrder();
+        return;
+    }
+    for (const DistributionTask &task : plan.tasks)
+        startTask(task);
+    fetches_.add(plan.fetches);
+    if (photoResults_ == 0)
+        startOrderTask(tasktype::createProducts);
+}
+
+void DistributionRun::startTask(const DistributionTask &task)
+{
+    ++tasksInFlight_;
+    pool_.start([this, task, perform = perform_, stopped = stopFlag_] {
+        TaskResult result;
+        const bool skipped = *stopped;
+        if (!skipped)
+            result = perform(task);
+        QMetaObject::invokeMethod(
+            this, [this, result, skipped] { onTaskEnded(result, skipped); }, Qt::QueuedConnection);
+    });
+}
+
+void DistributionRun::onTaskEnded(const TaskResult &result, bool skipped)
+{
+    --tasksInFlight_;
+    if (!skipped)
+        count(result);
+    if (running_ && *stopFlag_ && tasksInFlight_ == 0)
+        finish();
+    announceIdle();
+}
+
+void DistributionRun::count(const TaskResult &result)
+{
+    ++copyPicFinishNum_;
+    if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
+        result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
+        ++downPhotoFinishNums_;
+    if (!result.imgData.isEmpty())
+        ++listSettled_;
+    addErrors(result.errmsg, result.copyFile);
+    switch (runMode(settings_.type)) {
+    case 1:
+        countDownload(result);
+        break;
+    case 2:
+        countDistribution(result);
+        break;
+    default:
+        countDelivery();
+    }
+    emit resultCounted(result.success, result.type, result.copyFile, result.imgData, result.errmsg);
+}
+
+void DistributionRun::countDelivery()
+{
+    emit progressChanged(copyPicFinishNum_, expected_);
+    if (copyPicFinishNum_ == expected_)
+        completeOrder();
+}
+
+void DistributionRun::countDownload(const TaskResult &result)
+{
+    emit progressChanged(copyPicFinishNum_, expected_);
+    report(result);
+    if (copyPicFinishNum_ == expected_)
+        completeOrder();
+}
+
+void DistributionRun::countDistribution(const TaskResult &result)
+{
+    if (result.type == tasktype::downloadOriginals)
+        report(result);
+    const int progress = copyPicFinishNum_ + listSettled_ - listSize_;
+    qDebug() << "下载选片结果 copypic" << progress << yesNo(isSaveHtml_);
+    if (!result.errmsg.isEmpty())
+        qDebug().noquote() << "有失败得照片: " << result.errmsg;
+    if (result.type == tasktype::createProducts) {
+        ++proFinishNum_;
+        qDebug().noquote() << result.type
+                           << (result.success ? QStringLiteral(" 成功  ")
+                                              : QStringLiteral("失败  "));
+    }
+    if (result.type == tasktype::makeSheet) {
+        isSaveHtml_ = true;
+        emit progressChanged(expected_, expected_);
+        completeOrder();
+        return;
+    }
+    emit progressChanged(qMax(0, progress), expected_);
+    if (*stopFlag_)
+        return;
+    if (result.type == tasktype::createProducts)
+        startOrderTask(tasktype::makeSheet);
+    else if (copyPicFinishNum_ == photoResults_)
+        startOrderTask(tasktype::createProducts);
+}
+
+void DistributionRun::startOrderTask(const QString &type)
+{
+    DistributionTask task;
+    task.type = type;
+    task.targetFolder = orderFolder_;
+    task.detail = detail_;
+    task.namingRule = settings_.namingRule;
+    startTask(task);
+}
+
+void DistributionRun::report(const TaskResult &result)
+{
+    if (!result.success || result.imgData.isEmpty())
+        return;
+    reports_.add(result.imgData, settings_.identity);
+    emit photoDownloaded(current().orderPhotoId, result.imgData);
+}
+
+void DistributionRun::addErrors(const QString &lines, const QString &file)
+{
+    const QStringList each = lines.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString &line : each) {
+        QString whole = current().displayNumber() + QStringLiteral(": ") + line;
+        if (!file.isEmpty())
+            whole += QStringLiteral("（%1）").arg(file);
+        errors_.append(whole);
+        emit errorAdded(whole);
+    }
+}
+
+void DistributionRun::completeOrder()
+{
+    qDebug().noquote() << "总进度:" << index_ + 1 << '/' << orders_.size()
+                       << " 当前进度:" << copyPicFinishNum_ << '/' << expected_
+                       << "\ncopyPicFinishNum: " << copyPicFinishNum_
+                       << "\nproFinishNum: " << proFinishNum_
+                       << "\ndownPhotoFinishNums: " << downPhotoFinishNums_
+                       << "\nisSaveHtml: " << yesNo(isSaveHtml_)
+                       << "\n----------------------------------------";
+    ++completed_;
+    if (!*stopFlag_)
+        startNextOrder();
+}
+
+void DistributionRun::skipOrder(const QString &reason)
+{
+    addErrors(reason);
+    startNextOrder();
+}
+
+void DistributionRun::finish()
+{
+    RunSummary summary;
+    summary.orders = orders_.size();
+    summary.completed = completed_;
+    summary.stopped = *stopFlag_;
+    summary.errors = errors_;
+    running_ = false;
+    detail_.reset();
+    emit finished(summary);
+    announceIdle();
+}
+
+void DistributionRun::announceIdle()
+{
+    if (!running_ && !isBusy())
+        emit idle();
+}

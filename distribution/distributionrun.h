@@ -1,0 +1,130 @@
+#pragma once
+
+#include "distribution/distributionplan.h"
+#include "distribution/downloadreports.h"
+#include "distribution/imagefetches.h"
+#include "distribution/orderdata.h"
+#include "net/orderqueries.h"
+#include "net/servicecall.h"
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QStringList>
+#include <QThreadPool>
+#include <QVector>
+
+#include <atomic>
+#include <memory>
+
+/// What a run is started with, besides the orders; it keeps its own copy.
+struct RunSettings
+{
+    DesignFileSplitTypes type = DesignFileSplitTypes::Distribution;
+    QString directory; ///< as this machine writes it
+    DownloadOptions options;
+    QString namingRule; ///< JSON text
+    orderqueries::Identity identity;
+    QHash<QString, QSet<QString>> leftOut; ///< ids of photos, by order_photo_id
+};
+
+/// How a run ended.
+struct RunSummary
+{
+    int orders = 0;    ///< that were to be distributed
+    int completed = 0; ///< that were gone through, with failures or without
+    bool stopped = false;
+    QStringList errors; ///< one failure a line
+};
+
+/// The order of steps of a distribution or download: one order after the other, each fetched from
+/// the service, planned on a worker, its files written by tasks on the pool, all at once, and at
+/// last its products and its sheet. The next order starts when every result of this one has been
+/// counted; failures count as well, and are collected.
+///
+/// Lives on the interface thread and never blocks. Destroying it while isBusy() waits for the tasks
+/// in flight: release it on idle() instead.
+class DistributionRun : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit DistributionRun(QObject *parent = nullptr);
+    ~DistributionRun() override;
+
+    /// What tasks do, for tests; the real thing otherwise.
+    void setPerform(PerformTask perform) { perform_ = std::move(perform); }
+
+    /// False, and nothing happens, while a run is going on or without orders.
+    bool start(const QVector<OrderData> &orders, const RunSettings &settings);
+    /// Starts nothing any more; the run is over when the tasks in flight have ended.
+    void stop();
+    bool isRunning() const { return running_; }
+    /// Whether tasks are in flight or the service has not taken every report yet.
+    bool isBusy() const { return tasksInFlight_ > 0 || reports_.isBusy(); }
+    const QStringList &errors() const { return errors_; }
+
+signals:
+    /// \a position counts from 1.
+    void orderStarted(int position, int total, const OrderData &order);
+    void detailRead(const QString &orderPhotoId, const OrderDetailPtr &detail);
+    void progressChanged(int value, int expected);
+    /// A result has been counted.
+    void resultCounted(bool success, const QString &type, const QString &copyFile,
+                       const QString &imgData, const QString &errmsg);
+    /// The service is being told that the photo was downloaded.
+    void photoDownloaded(const QString &orderPhotoId, const QString &imageId);
+    void errorAdded(const QString &line);
+    void finished(const RunSummary &summary);
+    /// isBusy() is over after finished().
+    void idle();
+
+private:
+    void startNextOrder();
+    void onDetail(const ServiceReply &reply);
+    void planCurrent(const OrderDetailPtr &detail);
+    void onPlanned(const QString &folderError, const OrderPlan &plan);
+    void startTask(const DistributionTask &task);
+    void startOrderTask(const QString &type);
+    void onTaskEnded(const TaskResult &result, bool skipped);
+    void count(const TaskResult &result);
+    void countDownload(const TaskResult &result);
+    void countDistribution(const TaskResult &result);
+    void countDelivery();
+    void report(const TaskResult &result);
+    void addErrors(const QString &lines, const QString &file = {});
+    void completeOrder();
+    void skipOrder(const QString &reason);
+    void finish();
+    void announceIdle();
+    const OrderData &current() const { return orders_.at(index_); }
+
+    PerformTask perform_;
+    QThreadPool pool_;
+    ImageFetches fetches_;
+    DownloadReports reports_;
+    LatestCall detailCall_;
+
+    QVector<OrderData> orders_;
+    RunSettings settings_;
+    QStringList errors_;
+    bool running_ = false;
+    /// Shared with the tasks: one that has not begun when it is set does nothing.
+    std::shared_ptr<std::atomic<bool>> stopFlag_ = std::make_shared<std::atomic<bool>>(false);
+    int completed_ = 0;
+
+    // The current order.
+    int index_ = -1;
+    OrderDetailPtr detail_;
+    QString orderFolder_;
+    int expected_ = 0;     ///< results
+    int photoResults_ = 0; ///< of them those before the products are made
+    int copyPicFinishNum_ = 0;
+    int proFinishNum_ = 0;
+    int downPhotoFinishNums_ = 0;
+    bool isSaveHtml_ = false;
+    int listSize_ = 0;    ///< photos of the order that can be downloaded
+    int listSettled_ = 0; ///< of them those that need nothing any more
+
+    int tasksInFlight_ = 0;
+};

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "distribution/distributionplan.h"
+
+#include <QObject>
+#include <QQueue>
+#include <QVector>
+
+class BaseReq;
+
+/// Fetches the pictures of one order, a few at a time. Lives on the interface thread; each picture
+/// is announced once, fetched or not, unless it is abandoned.
+class ImageFetches : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ImageFetches(QObject *parent = nullptr);
+
+    void add(const QVector<ImageFetch> &fetches);
+    /// Abandons what has not come yet.
+    void cancel();
+    /// Pictures not yet announced.
+    int pending() const { return waiting_.size() + underWay_.size(); }
+
+signals:
+    /// \a store holds the picture as a data URL.
+    void fetched(const DistributionTask &store);
+    void failed(const DistributionTask &store, const QString &error);
+
+private:
+    void feed();
+    void finish(BaseReq *request, DistributionTask store, bool ok, const QString &dataUrl,
+                const QString &error);
+
+    QQueue<ImageFetch> waiting_;
+    QVector<BaseReq *> underWay_;
+};

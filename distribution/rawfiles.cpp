@@ -1,0 +1,43 @@
+#include "distribution/rawfiles.h"
+
+#include "platform/pathform.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+QString sourceOnDisk(const QString &replyPath)
+{
+    QString path = replyPath;
+    path.replace(QLatin1String("\\/"), QLatin1String("/"));
+    return platform::toLocalPath(path);
+}
+
+const RawFiles::Listing &RawFiles::listing(const QString &folder)
+{
+    auto found = listings_.find(folder);
+    if (found == listings_.end()) {
+        found = listings_.insert(folder, {});
+        const QStringList names = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+        for (const QString &name : names)
+            found->insert(name.toLower(), name);
+    }
+    return *found;
+}
+
+QStringList RawFiles::beside(const QString &photoPath)
+{
+    static const QStringList suffixes{QStringLiteral(".cr2"), QStringLiteral(".raw"),
+                                      QStringLiteral(".nef"), QStringLiteral(".arw"),
+                                      QStringLiteral(".cr3"), QStringLiteral(".raf")};
+    const QFileInfo photo(sourceOnDisk(photoPath));
+    QStringList raws;
+    for (const QString &suffix : suffixes) {
+        const QString name = photo.completeBaseName() + suffix;
+        const QStringList found = listing(photo.path()).values(name.toLower());
+        for (const QString &each : found) {
+            if (each != photo.fileName())
+                raws.append(photo.path() + QLatin1Char('/') + each);
+        }
+    }
+    return raws;
+}
