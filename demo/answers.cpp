@@ -83,8 +83,7 @@ Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std:
 {
 }
 
-// Actions that belong here as the tools for them come: order/orderphotodetail,
-// public/save_goodsfoldernamerule, order/download_success, order/getbarcodegen.
+// The picture of a barcode, order/getbarcodegen, is a GET and no JSON.
 QJsonObject Answers::answer(const Fields &query, const Fields &fields)
 {
     const QString action = field(query, "m") + QLatin1Char('/') + field(query, "a");
@@ -124,6 +123,12 @@ QJsonObject Answers::answer(const Fields &query, const Fields &fields)
         return announceDeletion(fields);
     if (action == QStringLiteral("order/delete_pic_after"))
         return reportDeletion(fields);
+    if (action == QStringLiteral("order/orderphotodetail"))
+        return orderDetail(fields);
+    if (action == QStringLiteral("order/download_success"))
+        return downloadSuccess(fields);
+    if (action == QStringLiteral("public/save_goodsfoldernamerule"))
+        return saveNamingRule(fields);
     return refusal(QStringLiteral("未知的操作: %1").arg(action));
 }
 
@@ -230,6 +235,7 @@ QJsonObject Answers::orderObject(const Order &order) const
                      serviceUrl_);
     object[QStringLiteral("images_taipian")] =
         photoEntries(order.trialPhotos + order.imported(PhotoKind::TrialVideo), serviceUrl_);
+    addDistributionMembers(order, &object);
     return object;
 }
 

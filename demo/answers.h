@@ -40,11 +40,15 @@ private:
     QJsonObject deleteImported(const Fields &fields, bool videos);
     QJsonObject announceDeletion(const Fields &fields);
     QJsonObject reportDeletion(const Fields &fields);
+    QJsonObject orderDetail(const Fields &fields);
+    QJsonObject downloadSuccess(const Fields &fields);
+    QJsonObject saveNamingRule(const Fields &fields);
 
     QString identityProblem(const Fields &fields) const;
     // The order that the fields name, or null and the reason.
     Order *orderOf(const Fields &fields, QString *problem) const;
     QJsonObject orderObject(const Order &order) const;
+    void addDistributionMembers(const Order &order, QJsonObject *object) const;
 
     Studio &studio_;
     WirePaths paths_;
@@ -54,5 +58,8 @@ private:
 // Changes fields of an order by their names in an answer ("netpath", "mname", …). Returns an empty
 // text, or the reason why nothing was changed.
 QString changeOrder(Order &order, const QJsonObject &fields);
+
+// A small JPEG for every address below /distribution.
+QByteArray distributionPicture(const QString &path);
 
 } // namespace demo

@@ -35,6 +35,7 @@ QJsonObject orderState(const Order &order)
             {QStringLiteral("netpath"), order.netPath},
             {QStringLiteral("folderpath"), order.folderPath},
             {QStringLiteral("files"), texts(order.registeredFiles)},
+            {QStringLiteral("downloaded"), texts(order.downloadedPhotos)},
             {QStringLiteral("yuanpian"), texts(order.registeredNames(PhotoKind::Original))},
             {QStringLiteral("yuanshidang"), texts(order.registeredNames(PhotoKind::Raw))},
             {QStringLiteral("jingxiu"), texts(order.registeredNames(PhotoKind::Retouched))},

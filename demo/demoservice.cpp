@@ -1,8 +1,10 @@
 #include "demo/demoservice.h"
 
+#include "demo/answers.h"
 #include "demo/backstage.h"
 #include "demo/certificates.h"
 #include "demo/connection.h"
+#include "demo/distributionmaterial.h"
 #include "demo/orderbook.h"
 #include "demo/pictures.h"
 
@@ -237,6 +239,20 @@ void DemoService::Front::addRoutes()
                           backstage_.picture(QString::fromStdString(request.path),
                                              bytes(request.get_header_value("User-Agent"))));
                  });
+    server_->Get("/index\\.php", [](const httplib::Request &request, httplib::Response &response) {
+        const demo::Fields query = demo::decodeForm(queryOf(request));
+        if (query.value(QStringLiteral("a")) != QStringLiteral("getbarcodegen")) {
+            response.status = 404;
+            return;
+        }
+        setContent(response, demo::barcodePicture(query.value(QStringLiteral("orderpayforkey"))),
+                   "image/jpeg");
+    });
+    server_->Get(
+        "/distribution/.*", [](const httplib::Request &request, httplib::Response &response) {
+            setContent(response, demo::distributionPicture(QString::fromStdString(request.path)),
+                       "image/jpeg");
+        });
     server_->Get(
         "/demo/requests", [this](const httplib::Request &request, httplib::Response &response) {
             const demo::Fields query = demo::decodeForm(queryOf(request));

@@ -182,6 +182,10 @@ QVector<Order> OrderBook::notable() const
     Order hostile = blank(5, flagship);
     hostile.manName = QStringLiteral("../../赵<强>");
     hostile.womanName = QStringLiteral("..\\李:丽*?");
+    hostile.chosenPhotos = photos(
+        hostile,
+        {QStringLiteral("../../out.jpg"), QStringLiteral("a:b?.jpg"), QStringLiteral("c.jpg")},
+        QStringLiteral("1"));
     orders << hostile;
 
     // TS10006: its folder cannot be made, a part of the path is a file.

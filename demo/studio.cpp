@@ -163,6 +163,20 @@ Order *Studio::orderById(const QString &id)
     return firstOf(orders_, [&](const Order &order) { return order.id == id; });
 }
 
+Order *Studio::orderByPhoto(const QString &photoId)
+{
+    return firstOf(orders_, [&](const Order &order) {
+        return !order.chosenPhotos.isEmpty() && photoId.startsWith(order.photoSetId);
+    });
+}
+
+void Studio::setNamingRule(const QString &shopId, const QString &rule)
+{
+    Shop *shop = firstOf(shops_, [&](const Shop &each) { return each.id == shopId; });
+    if (shop)
+        shop->namingRule = rule;
+}
+
 QVector<Order> Studio::search(const QString &shopId, SearchBy by, const QString &text,
                               const QDate &date, const QString &role7Id) const
 {

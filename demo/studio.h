@@ -112,6 +112,8 @@ struct Order
     // Of batch deletions, as the client told them: what was going to be deleted, what is gone.
     QSet<QString> announcedDeletions;
     QSet<QString> reportedDeletions;
+    QStringList downloadedPhotos; // ids
+    bool hasMaterial = false;     // whether its pictures were put on the share
 
     QStringList registeredNames(PhotoKind kind) const;
     // What was registered by the photo import, as the order's answer lists it: originals that have
@@ -143,6 +145,9 @@ public:
 
     Order *orderByPhotoSet(const QString &photoSetId);
     Order *orderById(const QString &id);
+    // The order that has the photo, chosen or made for the distribution.
+    Order *orderByPhoto(const QString &photoId);
+    void setNamingRule(const QString &shopId, const QString &rule);
     // An empty text finds all of the branch, an empty person everybody's orders.
     QVector<Order> search(const QString &shopId, SearchBy by, const QString &text,
                           const QDate &date, const QString &role7Id) const;
