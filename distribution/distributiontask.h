@@ -5,7 +5,12 @@
 #include <QMetaType>
 #include <QString>
 
+#include <atomic>
 #include <functional>
+#include <memory>
+
+/// Raised when a run is to end.
+using StopFlag = std::shared_ptr<std::atomic<bool>>;
 
 /// One file operation of a run, as plain values: what a task on the pool is given.
 struct DistributionTask
@@ -19,6 +24,7 @@ struct DistributionTask
     QString data;         ///< "存储照片": a data URL, or the text of a text file
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
     QString namingRule; ///< "创建产品": the rule as JSON text
+    StopFlag stopped;   ///< what consists of several steps begins none once it is up; may be null
 };
 
 /// How one of them ended; what FJDataThread reports.

@@ -32,6 +32,7 @@ FolderNamingRule::FolderNamingRule(QWidget *parent)
     , preview_(makeLabel(QStringLiteral("rulePreview"), theme::hintStyle(), this))
     , warning_(makeLabel(QStringLiteral("ruleWarning"), theme::warningStyle(), this))
     , values_(namingrule::sampleValues())
+    , builtIn_(QStringLiteral("1#20240507001 12寸相册 相册 2 李明-王丽 2024-06-01取 自取"))
 {
     auto *heading = new QLabel(QStringLiteral("产品文件夹命名规则"), this);
     heading->setStyleSheet(theme::headingStyle());
@@ -104,8 +105,9 @@ void FolderNamingRule::showPreview()
 {
     const QString name = namingrule::folderName(zone_->rule(), values_);
     const QStringList warnings = namingrule::warnings(name);
-    const bool namesNothing = safeFileName(name) == QLatin1String("_");
-    preview_->setText(QStringLiteral("预览：") + (namesNothing ? builtIn_ : safeFileName(name)));
-    warning_->setText(warnings.join(QStringLiteral("；")));
+    const bool useBuiltIn = namingrule::namesNothing(name);
+    preview_->setText(QStringLiteral("预览：") + (useBuiltIn ? builtIn_ : safeFileName(name)));
+    warning_->setText(warnings.join(QStringLiteral("；")) +
+                      (useBuiltIn ? QStringLiteral("，将使用默认命名") : QString()));
     warning_->setVisible(!warnings.isEmpty());
 }

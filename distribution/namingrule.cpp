@@ -112,6 +112,11 @@ QString folderName(const Rule &rule, const Values &values)
     return name;
 }
 
+bool namesNothing(const QString &name)
+{
+    return withoutTrailingDotsAndBlanks(name).isEmpty();
+}
+
 QStringList warnings(const QString &name)
 {
     const QString kept = withoutTrailingDotsAndBlanks(name);

@@ -56,6 +56,8 @@ QByteArray saveBody(const Rule &rule, const orderqueries::Identity &identity);
 /// nothing, not even its separator; the last separator stays.
 QString folderName(const Rule &rule, const Values &values);
 
+/// Whether nothing is left of \a name once it is fit for the disk.
+bool namesNothing(const QString &name);
 /// What is wrong with \a name as the name of a folder, one sentence each; empty when nothing is.
 QStringList warnings(const QString &name);
 

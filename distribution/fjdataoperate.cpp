@@ -1,0 +1,205 @@
+#include "distribution/fjdataoperate.h"
+
+#include "distribution/foldernames.h"
+#include "distribution/photofiles.h"
+#include "distribution/productfolders.h"
+#include "distribution/productionsheet.h"
+#include "net/safename.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+
+namespace {
+
+QString joined(const QString &folder, const QString &name)
+{
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+}
+
+TaskResult succeeded(const DistributionTask &task, const QString &file)
+{
+    return {true, task.type, file, task.imageId, {}};
+}
+
+TaskResult failed(const DistributionTask &task, const QString &file, const QString &error)
+{
+    return {false, task.type, file, task.imageId, error};
+}
+
+TaskResult noFolder(const DistributionTask &task, const QString &file)
+{
+    return failed(task, file, task.imgName + QStringLiteral(" 路径创建失败/连接不上服务端"));
+}
+
+/// Where the photo of \a task goes in \a folder.
+QString targetIn(const QString &folder, const DistributionTask &task)
+{
+    return joined(folder, safeFileName(task.imgName));
+}
+
+/// How one kind of copying words its failures, behind the file's name.
+struct CopyTexts
+{
+    QString missing;
+    QString failed;
+};
+
+using CopyOperation = bool (*)(const QString &source, const QString &target);
+
+/// Copies one file into \a folder, which is made when missing.
+TaskResult copyInto(const DistributionTask &task, const QString &source, const QString &folder,
+                    const CopyTexts &texts, CopyOperation copy = photofiles::copyOnto)
+{
+    const QString target = targetIn(folder, task);
+    if (!QFileInfo(source).isFile())
+        return failed(task, target, task.imgName + texts.missing);
+    if (!photofiles::ensureFolder(folder))
+        return noFolder(task, target);
+    return copy(source, target) ? succeeded(task, target)
+                                : failed(task, target, task.imgName + texts.failed);
+}
+
+TaskResult download(const DistributionTask &task)
+{
+    return copyInto(task, photofiles::localSource(task.sourcePath), task.targetFolder,
+                    {QStringLiteral("照片不存在"), QStringLiteral("复制失败")});
+}
+
+TaskResult copyThumbnail(const DistributionTask &task, const QString &thumbnail)
+{
+    return copyInto(task, thumbnail, joined(task.targetFolder, foldernames::thumbnails),
+                    {QStringLiteral("缩略图不存在"), QStringLiteral("缩略图复制失败")});
+}
+
+TaskResult copyPhotoInto(const DistributionTask &task, const QString &subFolder)
+{
+    return copyInto(task, photofiles::localSource(task.sourcePath),
+                    joined(task.targetFolder, subFolder),
+                    {QStringLiteral("照片不存在"), QStringLiteral("照片复制失败")});
+}
+
+/// The photo and its thumbnail. Each is copied even if the other cannot be.
+TaskResult copyPhotoAndThumbnail(const DistributionTask &task)
+{
+    TaskResult photo = copyPhotoInto(task, foldernames::finished);
+    const TaskResult thumbnail =
+        copyThumbnail(task, photofiles::thumbnailOf(photofiles::localSource(task.sourcePath)));
+    if (thumbnail.success)
+        return photo;
+    photo.errmsg =
+        photo.success ? thumbnail.errmsg : photo.errmsg + QLatin1Char('\n') + thumbnail.errmsg;
+    photo.success = false;
+    return photo;
+}
+
+TaskResult copyPhoto(const DistributionTask &task)
+{
+    const QString &role = task.subType;
+    if (role == photorole::thumbnail)
+        return copyThumbnail(task, photofiles::localSource(task.sourcePath));
+    if (role == photorole::finishedOnly)
+        return copyPhotoAndThumbnail(task);
+    if (role == photorole::rejected)
+        return copyPhotoInto(task, foldernames::rejected);
+    if (role == photorole::archive)
+        return copyPhotoInto(task, foldernames::archive);
+    if (role == photorole::retouched || role == photorole::finished)
+        return copyPhotoInto(task, foldernames::finished);
+    return failed(task, targetIn(task.targetFolder, task),
+                  task.imgName + QStringLiteral("照片复制失败"));
+}
+
+TaskResult storeText(const DistributionTask &task, const QString &target)
+{
+    QString text = task.data;
+#ifdef Q_OS_WIN
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"))
+        .replace(QLatin1Char('\n'), QLatin1String("\r\n"));
+#endif
+    const bool saved = photofiles::writeBytes(target, text.toUtf8());
+    qDebug().noquote() << (saved ? QStringLiteral("文件保存成功:") : QStringLiteral("保存失败:"))
+                       << target;
+    return saved ? succeeded(task, target)
+                 : failed(task, target, QStringLiteral("保存文件失败：") + target);
+}
+
+/// The bytes of an image in a data URL; empty when it is none.
+QByteArray bytesOfDataUrl(const QString &dataUrl)
+{
+    static const QString marker = QStringLiteral("base64,");
+    const int at = dataUrl.indexOf(marker);
+    if (at < 0 || !dataUrl.startsWith(QLatin1String("data:image")))
+        return {};
+    return QByteArray::fromBase64(dataUrl.mid(at + marker.size()).toLatin1());
+}
+
+TaskResult storePhoto(const DistributionTask &task)
+{
+    const QString target = targetIn(task.targetFolder, task);
+    if (!photofiles::ensureFolder(task.targetFolder))
+        return noFolder(task, target);
+    if (target.endsWith(QLatin1String(".txt"), Qt::CaseInsensitive))
+        return storeText(task, target);
+    QByteArray bytes = bytesOfDataUrl(task.data);
+    if (task.data.isEmpty()) {
+        QFile file(photofiles::localSource(task.sourcePath));
+        if (task.sourcePath.isEmpty() || !file.open(QIODevice::ReadOnly))
+            return failed(task, target, task.imgName + QStringLiteral("文件不存在"));
+        bytes = file.readAll();
+    }
+    switch (photofiles::storeImage(bytes, target)) {
+    case photofiles::StoreOutcome::Stored:
+        return succeeded(task, target);
+    case photofiles::StoreOutcome::NoImage:
+        return failed(task, target, task.imgName + QStringLiteral("无法从数据创建图像"));
+    case photofiles::StoreOutcome::NotSaved:
+        break;
+    }
+    return failed(task, target, QStringLiteral("保存文件失败：") + target);
+}
+
+TaskResult createProducts(const DistributionTask &task)
+{
+    const OrderDetail nothing;
+    const QStringList errors =
+        createProductFolders(task.detail ? *task.detail : nothing, task.namingRule,
+                             task.targetFolder, [&task] { return task.stopped && *task.stopped; });
+    return {errors.isEmpty(), task.type, task.targetFolder, task.imageId,
+            errors.join(QLatin1Char('\n'))};
+}
+
+TaskResult makeSheet(const DistributionTask &task)
+{
+    const QString target = joined(task.targetFolder, foldernames::sheetFile);
+    const OrderDetail nothing;
+    const QString error =
+        printProductionSheet(task.detail ? *task.detail : nothing, task.targetFolder);
+    return error.isEmpty() ? succeeded(task, target) : failed(task, target, error);
+}
+
+} // namespace
+
+TaskResult FJDataOperate::perform(const DistributionTask &task)
+{
+    if (task.type == tasktype::downloadRetouched || task.type == tasktype::downloadOriginals)
+        return download(task);
+    if (task.type == tasktype::copyPhoto)
+        return copyPhoto(task);
+    if (task.type == tasktype::storePhoto)
+        return storePhoto(task);
+    if (task.type == tasktype::createProducts)
+        return createProducts(task);
+    if (task.type == tasktype::makeSheet)
+        return makeSheet(task);
+    const CopyTexts delivery = {QStringLiteral(" 源文件不存在"), QStringLiteral(" 拷贝失败")};
+    const QString source = photofiles::localSource(task.sourcePath);
+    if (task.type == tasktype::deliverOriginals)
+        return copyInto(task, source, task.targetFolder, delivery);
+    if (task.type == tasktype::deliverPhotos) {
+        if (!QFileInfo(source).isFile())
+            qDebug().noquote() << QStringLiteral("源文件不存在:") << source;
+        return copyInto(task, source, task.targetFolder, delivery, photofiles::copyUprightOnto);
+    }
+    return {};
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "distribution/namingrule.h"
+#include "distribution/orderdetail.h"
+
+#include <QString>
+#include <QStringList>
+
+/// The names of the folders that one order is distributed into. Each result is one safe component
+/// of a path, without a slash. Pure functions.
+namespace foldernames {
+
+/// Folders and files below an order's folder; each part of a path here is one that the user knows.
+inline const QString other = QStringLiteral("其他");
+inline const QString finished = QStringLiteral("成品");
+inline const QString thumbnails = QStringLiteral("缩略图");
+inline const QString rejected = QStringLiteral("汰片");
+inline const QString archive = QStringLiteral("入底");
+inline const QString marked = QStringLiteral("标记"); ///< below "其他"
+inline const QString crops = QStringLiteral("裁剪");
+inline const QString barcodeFile = QStringLiteral("条形码.jpg");    ///< below "其他"
+inline const QString deliveryFile = QStringLiteral("快递信息.txt"); ///< below "其他"
+inline const QString sheetFile = QStringLiteral("明细制作单.pdf");
+
+/// The order's folder in the chosen directory.
+QString orderFolder(const OrderDetail &detail);
+/// In the order's folder; holds the folders of its products.
+QString factoryFolder(const OrderDetail &detail);
+
+/// What the fields of a naming rule contribute for one product.
+namingrule::Values ruleValues(const OrderDetail &detail, const DetailProduct &product);
+/// A product's folder: by \a rule, or by the built-in pattern where there is no rule or where the
+/// rule names nothing. \a number counts the order's products from 1.
+QString productFolder(const namingrule::Rule &rule, const OrderDetail &detail,
+                      const DetailProduct &product, int number);
+QString builtInProductFolder(const OrderDetail &detail, const DetailProduct &product, int number);
+
+/// One folder for each of detail.products(), all different, whatever case is ignored: the second
+/// that would have the same name gets " (2)" behind it, and so on.
+QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &detail);
+
+/// The file in "裁剪" that shows \a photo as it was cropped for \a product: each product may have a
+/// crop of its own.
+QString cropFile(const DetailProduct &product, const DetailPhoto &photo);
+
+/// \a names made safe and all different, in the same way; the number stands before the suffix.
+QStringList distinctFileNames(const QStringList &names);
+
+} // namespace foldernames

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// Finding, copying and storing the files of photos. Paths from replies are in wire form, the
+/// others as this machine writes them. Except for the first two everything blocks: for worker
+/// threads.
+namespace photofiles {
+
+/// Where a file that a reply names lies on this machine; escaped slashes count as slashes.
+QString localSource(const QString &wirePath);
+/// The thumbnail of the photo at \a path, in the same form: "all" becomes "90". A path that does
+/// not lead through a folder "all" stays as it is.
+QString thumbnailOf(const QString &path);
+
+/// Makes sure of \a folder with all its parents; others may be doing the same.
+bool ensureFolder(const QString &folder);
+
+/// Copies \a source onto \a target unless what stands there may not be replaced.
+bool copyOnto(const QString &source, const QString &target);
+/// The same, upright: a picture whose orientation tag says that it is to be turned is turned,
+/// anything else is copied byte for byte, and so is what cannot be turned.
+bool copyUprightOnto(const QString &source, const QString &target);
+
+/// Writes \a bytes as the file \a target.
+bool writeBytes(const QString &target, const QByteArray &bytes);
+
+enum class StoreOutcome { Stored, NoImage, NotSaved };
+/// Stores the image that \a bytes hold in the format that the suffix of \a target names.
+StoreOutcome storeImage(const QByteArray &bytes, const QString &target);
+
+} // namespace photofiles

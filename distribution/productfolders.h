@@ -1,0 +1,16 @@
+#pragma once
+
+#include "distribution/orderdetail.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+/// Makes the folders of one order's products below \a orderFolder (local) and copies each product's
+/// photos into its own, and makes the folder for finished photos that no product uses.
+/// \a ruleText is the branch's naming rule as JSON. Returns what went wrong, one line each. Nothing
+/// more is begun once \a stopped says so. Blocks; for worker threads.
+QStringList createProductFolders(const OrderDetail &detail, const QString &ruleText,
+                                 const QString &orderFolder,
+                                 const std::function<bool()> &stopped = {});

@@ -1,0 +1,124 @@
+#include "distribution/productionsheet.h"
+
+#include "distribution/foldernames.h"
+#include "distribution/sheethtml.h"
+#include "net/filewriting.h"
+#include "platform/fileaccess.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QHash>
+#include <QImageReader>
+#include <QPainter>
+#include <QPrinter>
+#include <QTextDocument>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+/// A4 in the units in which the sheet's sizes are given, 96 to the inch.
+constexpr double pageWidth = 793.7;
+constexpr double pageHeight = 1122.5;
+/// Pixels kept for a picture: three for each unit of the largest one, enough for print.
+constexpr int largestPicture = 450;
+
+/// Decodes the sheet's pictures, each once, no larger than print can show.
+class SheetDocument : public QTextDocument
+{
+    Q_OBJECT
+
+protected:
+    QVariant loadResource(int type, const QUrl &name) override
+    {
+        if (type != ImageResource)
+            return {};
+        auto known = pictures_.find(name);
+        if (known == pictures_.end())
+            known = pictures_.insert(name, load(name));
+        return *known;
+    }
+
+private:
+    static QImage load(const QUrl &name)
+    {
+        QImageReader reader(name.toLocalFile());
+        reader.setDecideFormatFromContent(true);
+        reader.setAutoTransform(true);
+        const QSize size = reader.size();
+        if (std::max(size.width(), size.height()) > largestPicture)
+            reader.setScaledSize(size.scaled(largestPicture, largestPicture, Qt::KeepAspectRatio));
+        const QImage picture = reader.read();
+        return name.fragment() == squareMark && !picture.isNull() ? inSquare(picture) : picture;
+    }
+
+    static QImage inSquare(const QImage &picture)
+    {
+        const int side = std::max(picture.width(), picture.height());
+        QImage square(side, side, QImage::Format_RGB32);
+        square.fill(Qt::white);
+        QPainter painter(&square);
+        painter.drawImage((side - picture.width()) / 2, (side - picture.height()) / 2, picture);
+        return square;
+    }
+
+    QHash<QUrl, QImage> pictures_;
+};
+
+/// As it will be shown, turned upright.
+QSize sizeOfPicture(const QString &path)
+{
+    QImageReader reader(path);
+    reader.setDecideFormatFromContent(true);
+    const QSize size = reader.size();
+    return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90)
+               ? size.transposed()
+               : size;
+}
+
+/// Printing does not say whether it could write everything; the end of the file does.
+bool isWholePdf(const QString &path)
+{
+    QFile file(path);
+    constexpr int tail = 32;
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(std::max<qint64>(0, file.size() - tail)))
+        return false;
+    return file.readAll().contains("%%EOF");
+}
+
+bool print(const QString &html, const QString &path)
+{
+    SheetDocument document;
+    document.setUseDesignMetrics(true);
+    document.setPageSize(QSizeF(pageWidth, pageHeight));
+    document.setHtml(html);
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(path);
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    printer.setPageMargins(QMarginsF(0, 0, 0, 0), QPageLayout::Millimeter);
+    printer.setFullPage(true);
+    document.print(&printer);
+    return isWholePdf(path);
+}
+
+} // namespace
+
+QString printProductionSheet(const OrderDetail &detail, const QString &orderFolder)
+{
+    QString target = orderFolder;
+    if (!target.endsWith(QLatin1Char('/')))
+        target += QLatin1Char('/');
+    target += foldernames::sheetFile;
+    const QFileInfo existing(target);
+    const bool mayReplace = !existing.exists() || platform::mayBeRemoved(target);
+    const QString html =
+        sheetHtml({detail, orderFolder, QDateTime::currentDateTime(), sizeOfPicture});
+    const bool printed = mayReplace && writeWholeFile(target, [&html](const QString &temporary) {
+                             return print(html, temporary);
+                         });
+    return printed ? QString() : foldernames::sheetFile + QStringLiteral("生成失败");
+}
+
+#include "productionsheet.moc"
