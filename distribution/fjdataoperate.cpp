@@ -1,9 +1,11 @@
 #include "distribution/fjdataoperate.h"
 
+#include "distribution/distributionplan.h"
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
 #include "distribution/productfolders.h"
 #include "distribution/productionsheet.h"
+#include "distribution/rawfiles.h"
 #include "net/safename.h"
 
 #include <QDebug>
@@ -62,7 +64,7 @@ TaskResult copyInto(const DistributionTask &task, const QString &source, const Q
 
 TaskResult download(const DistributionTask &task)
 {
-    return copyInto(task, photofiles::localSource(task.sourcePath), task.targetFolder,
+    return copyInto(task, sourceOnDisk(task.sourcePath), task.targetFolder,
                     {QStringLiteral("照片不存在"), QStringLiteral("复制失败")});
 }
 
@@ -72,19 +74,19 @@ TaskResult copyThumbnail(const DistributionTask &task, const QString &thumbnail)
                     {QStringLiteral("缩略图不存在"), QStringLiteral("缩略图复制失败")});
 }
 
-TaskResult copyPhotoInto(const DistributionTask &task, const QString &subFolder)
+TaskResult copyPhotoByRole(const DistributionTask &task)
 {
-    return copyInto(task, photofiles::localSource(task.sourcePath),
-                    joined(task.targetFolder, subFolder),
+    return copyInto(task, sourceOnDisk(task.sourcePath),
+                    joined(task.targetFolder, roleFolder(task.subType)),
                     {QStringLiteral("照片不存在"), QStringLiteral("照片复制失败")});
 }
 
 /// The photo and its thumbnail. Each is copied even if the other cannot be.
 TaskResult copyPhotoAndThumbnail(const DistributionTask &task)
 {
-    TaskResult photo = copyPhotoInto(task, foldernames::finished);
+    TaskResult photo = copyPhotoByRole(task);
     const TaskResult thumbnail =
-        copyThumbnail(task, photofiles::thumbnailOf(photofiles::localSource(task.sourcePath)));
+        copyThumbnail(task, photofiles::thumbnailOf(sourceOnDisk(task.sourcePath)));
     if (thumbnail.success)
         return photo;
     photo.errmsg =
@@ -97,17 +99,14 @@ TaskResult copyPhoto(const DistributionTask &task)
 {
     const QString &role = task.subType;
     if (role == photorole::thumbnail)
-        return copyThumbnail(task, photofiles::localSource(task.sourcePath));
+        return copyThumbnail(task, sourceOnDisk(task.sourcePath));
     if (role == photorole::finishedOnly)
         return copyPhotoAndThumbnail(task);
-    if (role == photorole::rejected)
-        return copyPhotoInto(task, foldernames::rejected);
-    if (role == photorole::archive)
-        return copyPhotoInto(task, foldernames::archive);
-    if (role == photorole::retouched || role == photorole::finished)
-        return copyPhotoInto(task, foldernames::finished);
-    return failed(task, targetIn(task.targetFolder, task),
-                  task.imgName + QStringLiteral("照片复制失败"));
+    static const QStringList others = {photorole::retouched, photorole::finished,
+                                       photorole::rejected, photorole::archive};
+    return others.contains(role) ? copyPhotoByRole(task)
+                                 : failed(task, targetIn(task.targetFolder, task),
+                                          task.imgName + QStringLiteral("照片复制失败"));
 }
 
 TaskResult storeText(const DistributionTask &task, const QString &target)
@@ -143,7 +142,7 @@ TaskResult storePhoto(const DistributionTask &task)
         return storeText(task, target);
     QByteArray bytes = bytesOfDataUrl(task.data);
     if (task.data.isEmpty()) {
-        QFile file(photofiles::localSource(task.sourcePath));
+        QFile file(sourceOnDisk(task.sourcePath));
         if (task.sourcePath.isEmpty() || !file.open(QIODevice::ReadOnly))
             return failed(task, target, task.imgName + QStringLiteral("文件不存在"));
         bytes = file.readAll();
@@ -193,7 +192,7 @@ TaskResult FJDataOperate::perform(const DistributionTask &task)
     if (task.type == tasktype::makeSheet)
         return makeSheet(task);
     const CopyTexts delivery = {QStringLiteral(" 源文件不存在"), QStringLiteral(" 拷贝失败")};
-    const QString source = photofiles::localSource(task.sourcePath);
+    const QString source = sourceOnDisk(task.sourcePath);
     if (task.type == tasktype::deliverOriginals)
         return copyInto(task, source, task.targetFolder, delivery);
     if (task.type == tasktype::deliverPhotos) {

@@ -56,14 +56,6 @@ private:
 
 } // namespace
 
-QString orderFolder(const OrderDetail &detail)
-{
-    return safeFileName(QStringLiteral("%1-服务%2 %3-%4 %5")
-                            .arg(detail.value("orderpayforkey"), detail.value("servicetimes"),
-                                 detail.value("mname"), detail.value("wname"),
-                                 detail.value("pickuptypename")));
-}
-
 QString factoryFolder(const OrderDetail &detail)
 {
     const QString urgent = detail.value("isurgent");
@@ -124,11 +116,6 @@ QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &deta
     for (const DetailProduct &product : products)
         folders.append(distinct.take(productFolder(rule, detail, product, folders.size() + 1)));
     return folders;
-}
-
-QString cropFile(const DetailProduct &product, const DetailPhoto &photo)
-{
-    return safeFileName(product.id + QLatin1Char('_') + photo.imgName);
 }
 
 QStringList distinctFileNames(const QStringList &names)

@@ -10,7 +10,7 @@
 /// of a path, without a slash. Pure functions.
 namespace foldernames {
 
-/// Folders and files below an order's folder; each part of a path here is one that the user knows.
+/// Folders and files below an order's folder.
 inline const QString other = QStringLiteral("其他");
 inline const QString finished = QStringLiteral("成品");
 inline const QString thumbnails = QStringLiteral("缩略图");
@@ -22,8 +22,6 @@ inline const QString barcodeFile = QStringLiteral("条形码.jpg");    ///< belo
 inline const QString deliveryFile = QStringLiteral("快递信息.txt"); ///< below "其他"
 inline const QString sheetFile = QStringLiteral("明细制作单.pdf");
 
-/// The order's folder in the chosen directory.
-QString orderFolder(const OrderDetail &detail);
 /// In the order's folder; holds the folders of its products.
 QString factoryFolder(const OrderDetail &detail);
 
@@ -38,10 +36,6 @@ QString builtInProductFolder(const OrderDetail &detail, const DetailProduct &pro
 /// One folder for each of detail.products(), all different, whatever case is ignored: the second
 /// that would have the same name gets " (2)" behind it, and so on.
 QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &detail);
-
-/// The file in "裁剪" that shows \a photo as it was cropped for \a product: each product may have a
-/// crop of its own.
-QString cropFile(const DetailProduct &product, const DetailPhoto &photo);
 
 /// \a names made safe and all different, in the same way; the number stands before the suffix.
 QStringList distinctFileNames(const QStringList &names);

@@ -3,7 +3,6 @@
 #include "net/filecopy.h"
 #include "net/filewriting.h"
 #include "platform/fileaccess.h"
-#include "platform/pathform.h"
 
 #include <QBuffer>
 #include <QDebug>
@@ -52,13 +51,6 @@ bool saveImage(const QImage &image, const QString &target, QString *error)
 }
 
 } // namespace
-
-QString localSource(const QString &wirePath)
-{
-    QString path = wirePath;
-    path.replace(QLatin1String("\\/"), QLatin1String("/"));
-    return platform::toLocalPath(path);
-}
 
 QString thumbnailOf(const QString &path)
 {

@@ -3,15 +3,12 @@
 #include <QByteArray>
 #include <QString>
 
-/// Finding, copying and storing the files of photos. Paths from replies are in wire form, the
-/// others as this machine writes them. Except for the first two everything blocks: for worker
-/// threads.
+/// Copying and storing the files of photos. Paths are as this machine writes them. What touches the
+/// disk blocks: for worker threads.
 namespace photofiles {
 
-/// Where a file that a reply names lies on this machine; escaped slashes count as slashes.
-QString localSource(const QString &wirePath);
-/// The thumbnail of the photo at \a path, in the same form: "all" becomes "90". A path that does
-/// not lead through a folder "all" stays as it is.
+/// The thumbnail of the photo at \a path, which may be in wire form: "all" becomes "90". A path
+/// that does not lead through a folder "all" stays as it is.
 QString thumbnailOf(const QString &path);
 
 /// Makes sure of \a folder with all its parents; others may be doing the same.

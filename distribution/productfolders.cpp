@@ -2,6 +2,7 @@
 
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
+#include "distribution/rawfiles.h"
 
 #include <QSet>
 #include <QtConcurrentMap>
@@ -33,7 +34,7 @@ void planCopies(const QVector<DetailPhoto> &photos, const QString &folder,
     QVector<PhotoCopy> planned;
     QStringList names;
     for (const DetailPhoto &photo : photos) {
-        const QString source = photofiles::localSource(photo.source());
+        const QString source = sourceOnDisk(photo.source());
         if (sources.contains(source))
             continue;
         sources.insert(source);
@@ -46,6 +47,11 @@ void planCopies(const QVector<DetailPhoto> &photos, const QString &folder,
     *copies += planned;
 }
 
+QString inFolder(const QString &folder, const QString &name)
+{
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
+}
+
 QString folderFailure(const QString &name)
 {
     return name + QStringLiteral(" 路径创建失败/连接不上服务端");
@@ -53,30 +59,38 @@ QString folderFailure(const QString &name)
 
 } // namespace
 
+QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleText,
+                               const QString &orderFolder)
+{
+    const QString factory = inFolder(orderFolder, foldernames::factoryFolder(detail));
+    const namingrule::Rule rule = namingrule::parse(ruleText).value_or(namingrule::Rule());
+    QStringList paths = foldernames::productFolders(rule, detail);
+    for (QString &path : paths)
+        path = inFolder(factory, path);
+    return paths;
+}
+
 QStringList createProductFolders(const OrderDetail &detail, const QString &ruleText,
                                  const QString &orderFolder, const std::function<bool()> &stopped)
 {
     const QString factoryName = foldernames::factoryFolder(detail);
-    const QString factory = orderFolder + QLatin1Char('/') + factoryName;
-    if (!photofiles::ensureFolder(factory))
+    if (!photofiles::ensureFolder(inFolder(orderFolder, factoryName)))
         return {folderFailure(factoryName)};
 
     QStringList errors;
-    QVector<PhotoCopy> copies;
     // Finished photos that no product uses are copied there.
-    const QString leftOver = orderFolder + QLatin1Char('/') + foldernames::other +
-                             QLatin1Char('/') + foldernames::finished;
-    if (!photofiles::ensureFolder(leftOver))
+    if (!photofiles::ensureFolder(
+            inFolder(inFolder(orderFolder, foldernames::other), foldernames::finished)))
         errors.append(folderFailure(foldernames::finished));
-    const namingrule::Rule rule = namingrule::parse(ruleText).value_or(namingrule::Rule());
-    const QStringList folders = foldernames::productFolders(rule, detail);
+    QVector<PhotoCopy> copies;
+    const QStringList folders = productFolderPaths(detail, ruleText, orderFolder);
     const QVector<DetailProduct> products = detail.products();
     for (int index = 0; index < products.size(); ++index) {
-        const QString folder = factory + QLatin1Char('/') + folders.at(index);
+        const QString &folder = folders.at(index);
         if (photofiles::ensureFolder(folder))
             planCopies(photosOf(products.at(index)), folder, &copies);
         else
-            errors.append(folderFailure(folders.at(index)));
+            errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
     }
 
     QtConcurrent::blockingMap(copies, [&stopped](PhotoCopy &copy) {

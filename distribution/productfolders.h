@@ -7,6 +7,11 @@
 
 #include <functional>
 
+/// The folders of detail.products() below \a orderFolder, one each, all different; without a slash
+/// at the end.
+QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleText,
+                               const QString &orderFolder);
+
 /// Makes the folders of one order's products below \a orderFolder (local) and copies each product's
 /// photos into its own, and makes the folder for finished photos that no product uses.
 /// \a ruleText is the branch's naming rule as JSON. Returns what went wrong, one line each. Nothing

@@ -1,5 +1,6 @@
 #include "distribution/sheetproducts.h"
 
+#include "distribution/distributionplan.h"
 #include "distribution/foldernames.h"
 #include "distribution/sheetwriting.h"
 
@@ -111,12 +112,11 @@ void collectParts(const DetailProduct &product, QVector<const DetailProduct *> *
 /// As the customers cropped it for this product, when they did.
 QString picturePath(const SheetInput &input, const ProductPhoto &each)
 {
-    const bool cropped =
-        !each.photo.croppingImgUrl.isEmpty() ||
-        (each.product->imgs.size() == 1 && !each.product->croppingImgUrl.isEmpty());
+    if (cropUrl(*each.product, each.photo).isEmpty())
+        return thumbnailPath(input, each.photo);
     const QString crop =
-        inOrderFolder(input, foldernames::crops, foldernames::cropFile(*each.product, each.photo));
-    return cropped && !input.sizeOf(crop).isEmpty() ? crop : thumbnailPath(input, each.photo);
+        inOrderFolder(input, foldernames::crops, cropFileName(*each.product, each.photo));
+    return input.sizeOf(crop).isEmpty() ? thumbnailPath(input, each.photo) : crop;
 }
 
 QString photoRows(const SheetInput &input, const QVector<ProductPhoto> &photos)

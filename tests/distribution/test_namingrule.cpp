@@ -1,3 +1,4 @@
+#include "distribution/distributionplan.h"
 #include "distribution/foldernames.h"
 #include "distribution/namingrule.h"
 
@@ -189,7 +190,7 @@ void TestNamingRule::warnings()
 void TestNamingRule::folderPatterns()
 {
     OrderDetail detail = sampleDetail();
-    QCOMPARE(foldernames::orderFolder(detail), s("TS7-服务2 李明-王丽 自取"));
+    QCOMPARE(orderFolderName(detail), s("TS7-服务2 李明-王丽 自取"));
     QCOMPARE(foldernames::factoryFolder(detail), s("一厂 李明-王丽 7-9取 顺丰"));
     detail.order.remove(s("isurgent"));
     QCOMPARE(foldernames::factoryFolder(detail), s("一厂 李明-王丽 7-9取 顺丰"));
@@ -212,7 +213,7 @@ void TestNamingRule::unsafeNames()
     detail.order.insert(s("mname"), s("../%2\\x:"));
     const DetailProduct product = sampleProduct(s("..\\%1/a?"));
     for (const QString &name :
-         {foldernames::orderFolder(detail), foldernames::factoryFolder(detail),
+         {orderFolderName(detail), foldernames::factoryFolder(detail),
           foldernames::builtInProductFolder(detail, product, 1),
           foldernames::productFolder({{{}, s("name"), s(".")}}, detail, product, 1)}) {
         QVERIFY2(!name.contains(QRegularExpression(s("[/\\\\:?]"))), qPrintable(name));
