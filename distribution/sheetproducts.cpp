@@ -128,8 +128,10 @@ QString photoRows(const SheetInput &input, const QVector<ProductPhoto> &photos)
         for (int index = first; index < first + photosPerRow; ++index) {
             html += QStringLiteral("<td width=\"16.67%\" align=\"center\" valign=\"bottom\">");
             if (index < photos.size()) {
-                html += squarePicture(input, picturePath(input, photos.at(index)), photoPicture) +
-                        QStringLiteral("<br>") + span("style3", photos.at(index).photo.imgName);
+                html += QStringLiteral("<p align=\"center\">") +
+                        squarePicture(input, picturePath(input, photos.at(index)), photoPicture) +
+                        QStringLiteral("</p><p align=\"center\" style=\"margin-top: 3px;\">") +
+                        span("style3", photos.at(index).photo.imgName) + QStringLiteral("</p>");
             }
             html += QStringLiteral("</td>");
         }

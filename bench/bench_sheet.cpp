@@ -1,0 +1,142 @@
+#include "bench/fixture.h"
+#include "bench/measure.h"
+#include "distribution/foldernames.h"
+#include "distribution/productionsheet.h"
+#include "tests/support/pictures.h"
+
+#include <QCommandLineParser>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QRandomGenerator>
+
+#include <ctime>
+#include <memory>
+
+namespace {
+
+constexpr int photoCount = 500;
+constexpr int productCount = 10;
+constexpr double decodeFactor = 3;
+constexpr double allowance = 2; // seconds
+constexpr double largestFile = 15;
+constexpr int runs = 5;
+
+QString photoName(int number)
+{
+    return QStringLiteral("IMG_%1.jpg").arg(number, 4, 10, QLatin1Char('0'));
+}
+
+/// A thumbnail with as much detail as a photo has.
+QByteArray thumbnail(QRandomGenerator *random)
+{
+    QImage picture(random->bounded(2) ? QSize(90, 60) : QSize(60, 90), QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            picture.setPixel(x, y,
+                             qRgb(x * 2 + random->bounded(40), y * 2 + random->bounded(40), 120));
+        }
+    }
+    return jpegOf(picture);
+}
+
+/// An order with a thumbnail for each of its photos, each of which is chosen and in a product.
+OrderDetail makeOrder(const QString &folder)
+{
+    const QString thumbnails = folder + QLatin1Char('/') + foldernames::thumbnails;
+    QDir().mkpath(thumbnails);
+    QRandomGenerator random(7);
+    OrderDetail detail;
+    for (int number = 0; number < photoCount; ++number) {
+        QFile file(thumbnails + QLatin1Char('/') + photoName(number));
+        if (!file.open(QIODevice::WriteOnly) || file.write(thumbnail(&random)) <= 0)
+            throw bench::Failure(QStringLiteral("cannot write ") + file.fileName());
+        DetailPhoto photo;
+        photo.imgName = photoName(number);
+        detail.images.append(photo);
+    }
+    for (int number = 0; number < productCount; ++number) {
+        DetailProduct product;
+        product.id = QString::number(number);
+        product.goodName = QStringLiteral("纪念相册 %1 寸").arg(number);
+        product.imgs =
+            detail.images.mid(number * photoCount / productCount, photoCount / productCount);
+        (number < 2 ? detail.urgentGoods : detail.goods).append(product);
+    }
+    return detail;
+}
+
+struct Seconds
+{
+    double wall = 0;
+    double cpu = 0;
+};
+
+/// The work is done on this thread alone.
+template <typename Work> Seconds timed(const Work &work)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const std::clock_t cpu = std::clock();
+    work();
+    return {double(clock.nsecsElapsed()) / 1e9, double(std::clock() - cpu) / CLOCKS_PER_SEC};
+}
+
+void decodeAll(const QString &folder)
+{
+    for (int number = 0; number < photoCount; ++number) {
+        const QString path = folder + QLatin1Char('/') + foldernames::thumbnails +
+                             QLatin1Char('/') + photoName(number);
+        if (QImageReader(path).read().isNull())
+            throw bench::Failure(QStringLiteral("cannot read ") + path);
+    }
+}
+
+void measure(const QString &folder)
+{
+    const OrderDetail detail = makeOrder(folder);
+    QVector<double> wall;
+    QVector<double> cpu;
+    QVector<double> decoding;
+    for (int run = 0; run < runs; ++run) {
+        decoding.append(timed([&folder] { decodeAll(folder); }).cpu);
+        QString problem;
+        const Seconds printing = timed([&] { problem = printProductionSheet(detail, folder); });
+        if (!problem.isEmpty())
+            throw bench::Failure(problem);
+        wall.append(printing.wall);
+        cpu.append(printing.cpu);
+    }
+    const double decode = bench::median(decoding);
+    bench::line(QStringLiteral("bare decoding of %1 thumbnails: %2 s of processor time")
+                    .arg(photoCount)
+                    .arg(bench::number(decode, 3)));
+    bench::line(QStringLiteral("printing, processor time: %1 s").arg(bench::listed(cpu, 2)));
+    bench::line(QStringLiteral("printing, wall: %1 s").arg(bench::listed(wall, 2)));
+    bench::judge(QStringLiteral("sheet, processor time"), bench::median(cpu),
+                 decodeFactor * decode + allowance, QStringLiteral("s"), 2);
+    bench::judge(QStringLiteral("sheet, wall"), bench::median(wall),
+                 decodeFactor * decode + allowance, QStringLiteral("s"), 2);
+    const QFileInfo sheet(folder + QLatin1Char('/') + foldernames::sheetFile);
+    bench::judge(QStringLiteral("size of the file"), double(sheet.size()) / (1 << 20), largestFile,
+                 QStringLiteral("MB"), 1);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QGuiApplication application(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Times the printing of a production sheet with 500 photos."));
+    parser.addHelpOption();
+    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
+                      QStringLiteral("FOLDER"),
+                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
+    parser.process(application);
+    return bench::runIn(parser.value(QStringLiteral("folder")), measure);
+}
