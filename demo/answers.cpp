@@ -173,6 +173,7 @@ QJsonObject Answers::switchShop(const Fields &fields) const
     reply[QStringLiteral("EID")] = account->employeeIds.value(shop->id);
     reply[QStringLiteral("importpublicpath")] = shop->publicRoot;
     reply[QStringLiteral("is_all_del_photo")] = text(shop->mayDeleteAll ? "1" : "0");
+    reply[QStringLiteral("issjfenjianms")] = QStringLiteral("1");
     return reply;
 }
 

@@ -62,7 +62,8 @@ public:
     bool isRunning() const { return running_; }
     /// Whether tasks are in flight or the service has not taken every report yet.
     bool isBusy() const { return tasksInFlight_ > 0 || reports_.isBusy(); }
-    const QStringList &errors() const { return errors_; }
+    /// Does not wait for the service's answers any more.
+    void abandonReports() { reports_.abandon(); }
 
 signals:
     /// \a position counts from 1.

@@ -19,6 +19,9 @@ public:
     /// Whether the service has not answered all of them yet.
     bool isBusy() const { return underWay_ > 0; }
 
+    /// Does not wait for the answers any more.
+    void abandon();
+
 signals:
     /// The last one has been answered.
     void allAnswered();

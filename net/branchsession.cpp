@@ -32,6 +32,7 @@ void BranchSession::onSwitchReply(const QString &shopId, const ServiceReply &rep
     identity_ = {shopId, shop.superId, shop.employeeId};
     publicPath_ = shop.importPublicPath;
     mayDeleteAllPhotos_ = shop.mayDeleteAllPhotos;
+    distributionMode_ = shop.distributionMode;
     for (const ShopRecord &record : qAsConst(AccountContext::shopList)) {
         if (publicPath_.isEmpty() && record.id == shopId)
             publicPath_ = record.importPublicPath;
@@ -41,9 +42,13 @@ void BranchSession::onSwitchReply(const QString &shopId, const ServiceReply &rep
 
 void BranchSession::search(const orderqueries::OrderSearch &search, const QString &role7id)
 {
-    searchCall_.start(orderqueries::orderListAction,
-                      orderqueries::orderListBody(search, identity_, role7id),
-                      [this](const ServiceReply &reply) { emit searched(reply); });
+    this->search(orderqueries::orderListAction,
+                 orderqueries::orderListBody(search, identity_, role7id));
+}
+
+void BranchSession::search(const QString &action, const QByteArray &body)
+{
+    searchCall_.start(action, body, [this](const ServiceReply &reply) { emit searched(reply); });
 }
 
 void BranchSession::listPersons()

@@ -24,12 +24,16 @@ public:
     const QString &publicPath() const { return publicPath_; }
     /// Whether the user may delete the files of whole orders there.
     bool mayDeleteAllPhotos() const { return mayDeleteAllPhotos_; }
+    /// The branch's flag for design distribution, as the service words it.
+    const QString &distributionMode() const { return distributionMode_; }
     /// Whether the service has confirmed the branch.
     bool isConfirmed() const { return confirmed_; }
 
     void switchTo(const QString &shopId);
     /// \a role7id: see orderqueries::orderListBody().
     void search(const orderqueries::OrderSearch &search, const QString &role7id = QString());
+    /// A search that a tool words itself; its answer comes as any other's.
+    void search(const QString &action, const QByteArray &body);
     /// The persons of the branch, for a person filter.
     void listPersons();
     /// Abandons the switch or search under way; nothing more is heard of it.
@@ -51,6 +55,7 @@ private:
     orderqueries::Identity identity_;
     QString publicPath_;
     bool mayDeleteAllPhotos_ = false;
+    QString distributionMode_;
     bool confirmed_ = false;
     LatestCall switchCall_;
     LatestCall personsCall_;

@@ -107,7 +107,8 @@ ShopSwitch readShopSwitch(const QJsonObject &reply)
     return {reply::text(reply, QStringLiteral("SUPERID")),
             reply::text(reply, QStringLiteral("EID")),
             reply::text(reply, QStringLiteral("importpublicpath")),
-            reply::text(reply, QStringLiteral("is_all_del_photo")) == QLatin1String("1")};
+            reply::text(reply, QStringLiteral("is_all_del_photo")) == QLatin1String("1"),
+            reply::text(reply, QStringLiteral("issjfenjianms"))};
 }
 
 QVector<Person> readPersons(const QJsonObject &reply)

@@ -96,6 +96,16 @@ inline constexpr QRgb fieldZoneBorder = 0xffaaaaaa;
 inline constexpr QRgb fieldZoneHighlight = 0xfff0f8ff;
 inline constexpr QRgb fieldDeleteHover = 0xffff3b30;
 
+// The distribution window.
+inline constexpr QRgb toolBackground = 0xfff2f2f7;
+inline constexpr QRgb plainHeader = 0xfff9f9fb;
+inline constexpr QRgb rowHover = 0xfff2f2f7;
+inline constexpr QRgb searchFrom = 0xff34c759;
+inline constexpr QRgb searchTo = 0xff2aa84a;
+inline constexpr QRgb distributeFrom = 0xff007aff;
+inline constexpr QRgb distributeTo = 0xff0060d0;
+inline constexpr QRgb distributed = 0xff34c759; ///< the far end of the progress bar
+
 inline QColor toColor(QRgb colour)
 {
     return QColor::fromRgba(colour);

@@ -1,5 +1,6 @@
 #include "widgets/ordersearchbar.h"
 
+#include "widgets/colours.h"
 #include "widgets/datepicker.h"
 #include "widgets/inputs.h"
 #include "widgets/theme.h"
@@ -36,11 +37,12 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     , shootingDate_(new DatePicker(QStringLiteral("点击选择拍照日期"), this))
     , selectionDate_(new DatePicker(QStringLiteral("点击选择选片日期"), this))
     , completionDate_(new DatePicker(QStringLiteral("点击选择日期"), this))
-    , searchButton_(new QPushButton(QStringLiteral("搜索"), this))
+    , searchButton_(new QPushButton(this))
     , filterRow_(new QHBoxLayout)
     , branchCaption_(new QLabel(this))
     , branchBox_(new ComboBox(this))
     , rows_(new QBoxLayout(QBoxLayout::LeftToRight, this))
+    , searchText_(QStringLiteral("搜索"))
 {
     typeBox_->setObjectName(QStringLiteral("searchTypeBox"));
     addType(QStringLiteral("基本信息"), OrderSearch::BasicInformation);
@@ -53,6 +55,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     selectionDate_->setObjectName(QStringLiteral("selectionDate"));
     completionDate_->setObjectName(QStringLiteral("completionDate"));
     searchButton_->setObjectName(QStringLiteral("searchButton"));
+    searchButton_->setText(searchText_);
     searchButton_->setStyleSheet(theme::primaryButtonStyle());
     branchBox_->setObjectName(QStringLiteral("branchBox"));
     nameFilter(branchBox_, QStringLiteral("分店"));
@@ -216,7 +219,34 @@ void OrderSearchBar::setBusy(bool busy)
     if (busy && searchButton_->hasFocus())
         inputFor(currentType())->setFocus();
     searchButton_->setEnabled(!busy);
-    searchButton_->setText(busy ? QStringLiteral("搜索中...") : QStringLiteral("搜索"));
+    searchButton_->setText(busy ? QStringLiteral("搜索中...") : searchText_);
+}
+
+void OrderSearchBar::setStacked()
+{
+    stacked_ = true;
+    searchText_ = QStringLiteral("搜索订单");
+    setBusy(busy_);
+    keywordEdit_->setPlaceholderText(QStringLiteral("搜索订单号、姓名..."));
+    searchButton_->setStyleSheet(
+        theme::gradientButtonStyle(colours::searchFrom, colours::searchTo));
+    searchButton_->setMinimumHeight(theme::controlHeight());
+    static_cast<QBoxLayout *>(searchRow_->layout())->setDirection(QBoxLayout::TopToBottom);
+    captionBranches(QStringLiteral("分店选择:"));
+    branchBox_->setMaximumWidth(QWIDGETSIZE_MAX);
+    rows_->removeItem(filterRow_);
+    filterRow_->setDirection(QBoxLayout::TopToBottom);
+    rows_->setDirection(QBoxLayout::TopToBottom);
+    rows_->insertLayout(0, filterRow_);
+    setTabOrder(branchBox_, typeBox_);
+}
+
+void OrderSearchBar::openCalendar()
+{
+    if (auto *picker = qobject_cast<DatePicker *>(inputFor(currentType()))) {
+        picker->setFocus();
+        picker->openCalendar();
+    }
 }
 
 void OrderSearchBar::requestSearch()
@@ -261,6 +291,8 @@ void OrderSearchBar::showInputFor(int type)
 /// Decided by the width alone, never by the present arrangement, so that it cannot flicker.
 void OrderSearchBar::arrange()
 {
+    if (stacked_)
+        return;
     int oneRow = searchRow_->sizeHint().width();
     if (!branchCaption_->isHidden())
         oneRow += rows_->spacing() + branchCaption_->sizeHint().width();

@@ -40,6 +40,10 @@ public:
     QString branchId(int index) const;
     QString selectedBranchId() const;
 
+    /// For narrow places: everything below each other, branch first, with a label each.
+    void setStacked();
+    /// Opens the calendar of the date that is searched by; nothing when the search is by text.
+    void openCalendar();
     /// Adds the person filter, with nobody in it yet but "全部".
     void addPersonFilter();
     /// Who can be filtered by, "全部" before them. A person who is listed again stays chosen.
@@ -85,6 +89,8 @@ private:
     ComboBox *branchBox_;
     ComboBox *personBox_ = nullptr; ///< only with the person filter
     QBoxLayout *rows_;
+    QString searchText_; ///< of the button
+    bool stacked_ = false;
     int branchIndex_ = -1;
     int personIndex_ = 0;
     bool busy_ = false;

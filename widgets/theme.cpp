@@ -328,6 +328,17 @@ QString loginSucceededStyle()
         .arg(css(colours::loginSucceeded), K::scaledPxString(13));
 }
 
+QString gradientButtonStyle(QRgb from, QRgb to)
+{
+    const QString gradient =
+        QStringLiteral("QPushButton:enabled { background-color: qlineargradient(x1:0, y1:0, x2:1,"
+                       " y2:0, stop:0 %1, stop:1 %2); font-weight: 600; }"
+                       "QPushButton:enabled:hover { background-color: %1; }"
+                       "QPushButton:enabled:pressed { background-color: %2; }")
+            .arg(css(from), css(to));
+    return filledButton(from, to, to) + gradient;
+}
+
 QString inputStyle()
 {
     return scaled(inputFrame(QStringLiteral("QLineEdit")));
@@ -423,6 +434,23 @@ QString listStyle()
            scrollBarStyle();
 }
 
+QString plainTableStyle()
+{
+    return tableStyle() +
+           scaled(
+               QStringLiteral("QTableView { selection-background-color: transparent; }"
+                              "QTableView::item:hover { background-color: %1; }"
+                              "QTableView::item:focus { border: 1dp solid %3; }"
+                              "QHeaderView, QHeaderView::section { background-color: %2; }")
+                   .arg(css(colours::rowHover), css(colours::plainHeader), css(colours::accent)));
+}
+
+QString sidePanelStyle(const QString &objectName)
+{
+    return windowStyle() + QStringLiteral("QWidget#%1 { background-color: %2; }")
+                               .arg(objectName, css(colours::surface));
+}
+
 QString splitterStyle()
 {
     return QStringLiteral("QSplitter::handle {    background-color: %1;    width: 1px;}")
@@ -468,6 +496,14 @@ QString progressBarStyle()
                                  "QProgressBar::chunk { background-color: %2;"
                                  " border-radius: 3dp; }")
                       .arg(css(colours::divider), css(colours::accent)));
+}
+
+QString gradientProgressStyle(QRgb from, QRgb to)
+{
+    return progressBarStyle() +
+           QStringLiteral("QProgressBar::chunk { background-color: qlineargradient(x1:0, y1:0,"
+                          " x2:1, y2:0, stop:0 %1, stop:1 %2); }")
+               .arg(css(from), css(to));
 }
 
 QString headingStyle()

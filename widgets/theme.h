@@ -64,6 +64,9 @@ QString gradientButtonStyle();
 /// The login button once the login has succeeded.
 QString loginSucceededStyle();
 
+/// A button filled from left to right with the two colours.
+QString gradientButtonStyle(QRgb from, QRgb to);
+
 QString inputStyle();
 /// A line edit that lies on a frame drawn by its dialog.
 QString translucentInputStyle();
@@ -73,10 +76,16 @@ QString calendarStyle();
 QString tableStyle();
 /// A list or grid whose delegate paints whole cells.
 QString listStyle();
+/// A table whose rows are shaded under the mouse and not when they are selected.
+QString plainTableStyle();
+/// A white half of a split window, by its object name.
+QString sidePanelStyle(const QString &objectName);
 QString splitterStyle();
 QString scrollBarStyle();
 QString menuStyle();
 QString progressBarStyle();
+/// A progress bar whose chunk goes from one colour to the other.
+QString gradientProgressStyle(QRgb from, QRgb to);
 /// A label that heads a part of a window.
 QString headingStyle();
 /// In the naming rule's editor: a field that can be added, one that is in the rule, and on the

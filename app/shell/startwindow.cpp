@@ -6,12 +6,14 @@
 #include "app/context/k.h"
 #include "app/context/logging.h"
 #include "app/shell/choosetools.h"
+#include "distribution/fjhome.h"
 
 #include <QCoreApplication>
 
 namespace {
 
 constexpr int loginMode = 0;
+constexpr int distributionMode = 1;
 
 void openLogin(QObject *context)
 {
@@ -48,7 +50,12 @@ void K::openStartWindow(int mode)
     if (!address.isNull())
         AccountContext::baseUrl = address;
     enterSavedAccount(LoginReply::readSaved(loadLoginData()));
-    // Mode 1 is the design distribution on its own. Its window, shown maximised from here, is not
-    // part of the program yet.
-    qCWarning(lcTessavo) << "no window for start mode" << mode;
+    if (mode != distributionMode) {
+        qCWarning(lcTessavo) << "no window for start mode" << mode;
+        return;
+    }
+    auto *window = new FJHome;
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setCard(QStringLiteral("设计分件"));
+    window->showMaximized();
 }

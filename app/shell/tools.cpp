@@ -1,6 +1,7 @@
 #include "app/shell/tools.h"
 
 #include "batchdelete/batchdelete.h"
+#include "distribution/fjhome.h"
 #include "fileimport/importfiles.h"
 #include "photoimport/tfhome.h"
 
@@ -22,6 +23,15 @@ FramelessWindow *importFiles(const QString &label, int mode)
     return window;
 }
 
+Tool distribution(const QString &label, const char *iconName)
+{
+    return {label, icon(iconName), [label] {
+                auto *window = new FJHome;
+                window->setCard(label);
+                return window;
+            }};
+}
+
 } // namespace
 
 const QVector<Tool> &allTools()
@@ -32,18 +42,18 @@ const QVector<Tool> &allTools()
     static const QVector<Tool> tools{
         {importOriginals, icon("tools_dr_yp"),
          [] { return importFiles(importOriginals, originals); }},
-        {QStringLiteral("下载原始档"), icon("tools_xz_ysd")},
+        distribution(QStringLiteral("下载原始档"), "tools_xz_ysd"),
         {photoImport, icon("tools_dr_qxp"),
          [] {
              auto *window = new tfhome;
              window->setWindowTitle(photoImport);
              return window;
          }},
-        {QStringLiteral("下载选片结果"), icon("tools_xz_xpjg")},
+        distribution(QStringLiteral("下载选片结果"), "tools_xz_xpjg"),
         {importRetouched, icon("tools_dr_jxp"),
          [] { return importFiles(importRetouched, retouched); }},
-        {QStringLiteral("设计分件"), icon("tools_sjfj")},
-        {QStringLiteral("下载照片交付"), icon("tools_xz_zpjf")},
+        distribution(QStringLiteral("设计分件"), "tools_sjfj"),
+        distribution(QStringLiteral("下载照片交付"), "tools_xz_zpjf"),
         {QStringLiteral("批量删除"), icon("tools_batchdel"),
          []() -> FramelessWindow * { return new BatchDelete; }},
     };

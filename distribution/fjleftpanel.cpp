@@ -1,0 +1,369 @@
+#include "distribution/fjleftpanel.h"
+
+#include "app/context/accountcontext.h"
+#include "app/context/k.h"
+#include "distribution/distributionrequests.h"
+#include "distribution/tickdelegate.h"
+#include "net/background.h"
+#include "widgets/colours.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/messagebox.h"
+#include "widgets/servicenotice.h"
+#include "widgets/tables.h"
+#include "widgets/theme.h"
+#include "widgets/toast.h"
+
+#include <QAction>
+#include <QClipboard>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QVBoxLayout>
+
+using Column = DistributionOrderModel::Column;
+
+namespace {
+
+constexpr int tickColumnPx = 40;
+constexpr int numberColumnPx = 96;
+constexpr int nameColumnPx = 76;
+constexpr int timeColumnPx = 140;
+constexpr int packageColumnPx = 110;
+constexpr int countColumnPx = 104;
+constexpr int wideColumnPx = 96;
+constexpr int errorListPx = 96;
+
+} // namespace
+
+FJLeftPanel::FJLeftPanel(QWidget *parent)
+    : QWidget(parent)
+    , searchType_(distributionrequests::searchTypeText(orderqueries::OrderSearch::BasicInformation))
+    , proxy_(new QSortFilterProxyModel(this))
+    , table_(new EmptyStateTable(this))
+    , overlay_(new LoadingOverlay(table_))
+    , selectAll_(new QPushButton(QStringLiteral("全选"), this))
+    , unselectAll_(new QPushButton(QStringLiteral("取消全选"), this))
+    , ticked_(new QLabel(this))
+    , progressLabel_(new QLabel(this))
+    , progressBar_(new QProgressBar(this))
+{
+    proxy_->setSourceModel(&model_);
+    proxy_->setSortRole(DistributionOrderModel::SortRole);
+    proxy_->setDynamicSortFilter(false); // a row must not jump away when it is ticked
+    buildTable();
+    buildLayout();
+    connectBranch();
+    connect(selectAll_, &QPushButton::clicked, this, &FJLeftPanel::onSelectAllClicked);
+    connect(unselectAll_, &QPushButton::clicked, this, &FJLeftPanel::onUnselectAllClicked);
+    connect(&model_, &DistributionOrderModel::tickedChanged, this, &FJLeftPanel::orderSelected);
+    const auto countTicks = [this] {
+        ticked_->setText(QStringLiteral("已勾选 %1 个订单").arg(model_.tickedCount()));
+    };
+    connect(&model_, &DistributionOrderModel::tickedChanged, this, countTicks);
+    connect(&model_, &QAbstractItemModel::modelReset, this, countTicks);
+    countTicks();
+}
+
+FJLeftPanel::~FJLeftPanel()
+{
+    // The table outlives the model it shows by a moment.
+    table_->setModel(nullptr);
+}
+
+void FJLeftPanel::buildTable()
+{
+    table_->setObjectName(QStringLiteral("orderTable"));
+    prepareTable(table_);
+    table_->setStyleSheet(theme::plainTableStyle());
+    table_->setAlternatingRowColors(false);
+    table_->setModel(proxy_);
+    table_->setItemDelegateForColumn(Column::TickColumn, new TickDelegate(table_));
+    table_->setSortingEnabled(true);
+    table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    const auto widen = [this](std::initializer_list<int> columns, int px) {
+        for (const int column : columns)
+            table_->setColumnWidth(column, K::scaledPx(px));
+    };
+    widen({Column::TickColumn}, tickColumnPx);
+    widen({Column::NumberColumn}, numberColumnPx);
+    widen({Column::ManColumn, Column::WomanColumn, Column::PhotographerColumn, Column::MakeUpColumn,
+           Column::ConsultantColumn},
+          nameColumnPx);
+    widen({Column::PackageColumn}, packageColumnPx);
+    widen({Column::RetouchedColumn}, countColumnPx);
+    widen({Column::SelectedAtColumn}, timeColumnPx);
+    widen({Column::ShotDateColumn, Column::SelectionDateColumn, Column::ManPhoneColumn,
+           Column::WomanPhoneColumn},
+          wideColumnPx);
+    table_->horizontalHeader()->setSectionResizeMode(Column::TickColumn, QHeaderView::Fixed);
+
+    connect(table_, &QTableView::clicked, this,
+            [this](const QModelIndex &index) { onCellClicked(index.row(), index.column()); });
+    connect(table_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            [this](const QModelIndex &current, const QModelIndex &previous) {
+                onOrderSelectionChanged(current.row(), current.column(), previous.row(),
+                                        previous.column());
+            });
+    auto *tick = new QAction(QStringLiteral("勾选"), table_);
+    tick->setShortcut(Qt::Key_Space);
+    tick->setShortcutContext(Qt::WidgetShortcut);
+    connect(tick, &QAction::triggered, this,
+            [this] { onCellClicked(table_->currentIndex().row(), Column::TickColumn); });
+    table_->addAction(tick);
+}
+
+void FJLeftPanel::buildLayout()
+{
+    setObjectName(QStringLiteral("leftPanel"));
+    setAttribute(Qt::WA_StyledBackground);
+    setStyleSheet(theme::sidePanelStyle(objectName()));
+    selectAll_->setObjectName(QStringLiteral("selectAllButton"));
+    unselectAll_->setObjectName(QStringLiteral("unselectAllButton"));
+    selectAll_->setStyleSheet(theme::secondaryButtonStyle());
+    unselectAll_->setStyleSheet(theme::secondaryButtonStyle());
+    progressLabel_->setObjectName(QStringLiteral("progressLabel"));
+    progressBar_->setObjectName(QStringLiteral("progressBar"));
+    progressBar_->setTextVisible(false);
+    progressBar_->setRange(0, 1);
+    progressBar_->setValue(0);
+    progressBar_->setStyleSheet(
+        theme::gradientProgressStyle(colours::distributeFrom, colours::distributed));
+
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(theme::spacing());
+    buttons->addWidget(selectAll_);
+    buttons->addWidget(unselectAll_);
+    buttons->addWidget(ticked_);
+    buttons->addStretch();
+    auto *progressTexts = new QHBoxLayout;
+    progressTexts->addWidget(new QLabel(QStringLiteral("分件进度"), this));
+    progressTexts->addSpacing(theme::margin());
+    progressTexts->addWidget(progressLabel_, 1);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(table_, 1);
+    layout->addLayout(buttons);
+    layout->addLayout(progressTexts);
+    layout->addWidget(progressBar_);
+    layout->addWidget(buildErrorList());
+}
+
+QWidget *FJLeftPanel::buildErrorList()
+{
+    errorList_ = new QWidget(this);
+    errorHeading_ = new QLabel(errorList_);
+    errorHeading_->setObjectName(QStringLiteral("errorHeading"));
+    errorHeading_->setStyleSheet(theme::warningStyle());
+    auto *copy = new QPushButton(QStringLiteral("复制"), errorList_);
+    copy->setObjectName(QStringLiteral("copyErrorsButton"));
+    copy->setStyleSheet(theme::secondaryButtonStyle());
+    errors_ = new QPlainTextEdit(errorList_);
+    errors_->setObjectName(QStringLiteral("errorList"));
+    errors_->setReadOnly(true);
+    errors_->setTabChangesFocus(true);
+    errors_->setFixedHeight(K::scaledPx(errorListPx));
+    connect(copy, &QPushButton::clicked, this, [this] {
+        QGuiApplication::clipboard()->setText(errors_->toPlainText());
+        Toast::show(this, QStringLiteral("失败记录已复制"));
+    });
+    auto *top = new QHBoxLayout;
+    top->addWidget(errorHeading_, 1);
+    top->addWidget(copy);
+    auto *layout = new QVBoxLayout(errorList_);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(theme::spacing());
+    layout->addLayout(top);
+    layout->addWidget(errors_);
+    errorList_->hide();
+    return errorList_;
+}
+
+void FJLeftPanel::connectBranch()
+{
+    connect(&branch_, &BranchSession::switched, this, &FJLeftPanel::onBranchSwitched);
+    connect(&branch_, &BranchSession::switchFailed, this, &FJLeftPanel::onBranchSwitchFailed);
+    connect(&branch_, &BranchSession::searched, this, &FJLeftPanel::onOrderList);
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        cancelRequests();
+        emit branchKept(branch_.identity().shopId);
+    });
+}
+
+void FJLeftPanel::begin(const QString &text)
+{
+    ++search_;
+    overlay_->showText(text);
+    emit emitReqOrderFinish(false);
+}
+
+void FJLeftPanel::end()
+{
+    ++search_; // a list that is still being read is not wanted any more
+    overlay_->hideOverlay();
+    emit emitReqOrderFinish(true);
+}
+
+void FJLeftPanel::cancelRequests()
+{
+    branch_.cancel();
+    end();
+}
+
+void FJLeftPanel::onReqShopInfo(const QString &searchType, const QString &keyword,
+                                const QString &k_shopid)
+{
+    searchType_ = searchType;
+    keyword_ = keyword;
+    wantedShop_ = k_shopid;
+    begin(QStringLiteral("正在切换分店..."));
+    branch_.switchTo(k_shopid);
+}
+
+void FJLeftPanel::onBranchSwitched()
+{
+    const orderqueries::Identity &who = branch_.identity();
+    AccountContext::selectedShopId = who.shopId;
+    AccountContext::superId = who.superId;
+    AccountContext::eid = who.employeeId;
+    emit userInfoChange(who.shopId, who.employeeId, who.superId);
+    reqOrderList(searchType_, keyword_);
+}
+
+void FJLeftPanel::onBranchSwitchFailed(const ServiceReply &reply)
+{
+    end();
+    emit branchKept(branch_.identity().shopId);
+    table_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
+    showServiceFailure(this, reply, reply.message.isEmpty() ? reply.msg : reply.message);
+}
+
+void FJLeftPanel::reqOrderList(const QString &searchType, const QString &keyword)
+{
+    searchType_ = searchType;
+    keyword_ = keyword;
+    if (!branch_.isConfirmed()) {
+        // The switch at opening failed, or was cancelled; when it succeeds a search follows.
+        onReqShopInfo(searchType, keyword, wantedShop_);
+        return;
+    }
+    qDebug() << "要开始刷新数据量 222";
+    showOrders({});
+    begin(QStringLiteral("正在查询订单..."));
+    branch_.search(listMode_ == 1 ? distributionrequests::typedOrderListAction
+                                  : orderqueries::orderListAction,
+                   distributionrequests::orderListBody(searchType, keyword, branch_.identity()));
+}
+
+void FJLeftPanel::onOrderList(const ServiceReply &reply)
+{
+    if (!reply.isSuccess()) {
+        end();
+        table_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
+        showServiceFailure(this, reply, reply.message);
+        return;
+    }
+    inBackground(
+        this, [object = reply.object] { return distributionrequests::readOrders(object); },
+        [this, search = search_](const QVector<OrderData> &orders) {
+            if (search != search_)
+                return;
+            end();
+            const QString nothingFound = QStringLiteral("未检索到订单");
+            table_->setEmptyText(nothingFound);
+            showOrders(orders);
+            if (orders.isEmpty())
+                MessageBox::warning(this, nothingFound);
+        });
+}
+
+void FJLeftPanel::showOrders(const QVector<OrderData> &orders)
+{
+    model_.setOrders(orders);
+    // The proxy sorts by itself only when it is told to.
+    proxy_->sort(table_->horizontalHeader()->sortIndicatorSection(),
+                 table_->horizontalHeader()->sortIndicatorOrder());
+}
+
+// The table.
+
+int FJLeftPanel::sourceRow(int viewRow) const
+{
+    return proxy_->mapToSource(proxy_->index(viewRow, 0)).row();
+}
+
+QVector<OrderData> FJLeftPanel::tickedOrders() const
+{
+    QVector<OrderData> orders;
+    for (int row = 0; row < proxy_->rowCount(); ++row) {
+        if (model_.isTicked(sourceRow(row)))
+            orders.append(model_.order(sourceRow(row)));
+    }
+    return orders;
+}
+
+void FJLeftPanel::onOrderSelectionChanged(int currentRow, int currentColumn, int previousRow,
+                                          int previousColumn)
+{
+    Q_UNUSED(currentColumn)
+    Q_UNUSED(previousColumn)
+    const int row = sourceRow(currentRow);
+    if (currentRow != previousRow && model_.hasRow(row))
+        emit orderShown(model_.order(row));
+}
+
+void FJLeftPanel::onCellClicked(int row, int column)
+{
+    const int position = sourceRow(row);
+    if (column == Column::TickColumn && !locked_)
+        model_.setTicked(position, !model_.isTicked(position));
+}
+
+void FJLeftPanel::onSelectAllClicked()
+{
+    model_.setAllTicked(true);
+}
+
+void FJLeftPanel::onUnselectAllClicked()
+{
+    model_.setAllTicked(false);
+}
+
+void FJLeftPanel::setLocked(bool locked)
+{
+    locked_ = locked;
+    selectAll_->setEnabled(!locked);
+    unselectAll_->setEnabled(!locked);
+}
+
+// The run.
+
+void FJLeftPanel::showRunProgress(const QString &text)
+{
+    progressLabel_->setText(text);
+}
+
+void FJLeftPanel::showProgress(int value, int expected)
+{
+    progressBar_->setRange(0, qMax(1, expected));
+    progressBar_->setValue(value);
+}
+
+void FJLeftPanel::clearErrors()
+{
+    errors_->clear();
+    errorList_->hide();
+}
+
+void FJLeftPanel::addError(const QString &line)
+{
+    errors_->appendPlainText(line);
+    errorHeading_->setText(QStringLiteral("失败记录 (%1)").arg(errors_->document()->blockCount()));
+    errorList_->show();
+}

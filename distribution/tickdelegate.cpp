@@ -1,0 +1,41 @@
+#include "distribution/tickdelegate.h"
+
+#include "widgets/colours.h"
+#include "widgets/theme.h"
+
+#include <QApplication>
+#include <QPainter>
+#include <QPainterPath>
+#include <QStyle>
+
+void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                         const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
+    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
+    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+
+    const bool ticked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    const qreal side = theme::checkBoxSize();
+    QRectF box(0, 0, side, side);
+    box.moveCenter(QRectF(option.rect).center());
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->setPen(QPen(colours::toColor(ticked ? colours::accent : colours::outlineHover),
+                         theme::hairline()));
+    painter->setBrush(colours::toColor(ticked ? colours::accent : colours::surface));
+    painter->drawRoundedRect(box, theme::radius() / 2.0, theme::radius() / 2.0);
+    if (ticked) {
+        QPainterPath mark;
+        mark.moveTo(box.left() + side * 0.24, box.top() + side * 0.52);
+        mark.lineTo(box.left() + side * 0.43, box.top() + side * 0.70);
+        mark.lineTo(box.left() + side * 0.77, box.top() + side * 0.32);
+        painter->setBrush(Qt::NoBrush);
+        painter->setPen(QPen(colours::toColor(colours::onFilled), side * 0.12, Qt::SolidLine,
+                             Qt::RoundCap, Qt::RoundJoin));
+        painter->drawPath(mark);
+    }
+    painter->restore();
+}
