@@ -1,6 +1,8 @@
 #include "distribution/distributionplan.h"
 
 #include "distribution/distributionrequests.h"
+#include "distribution/foldernames.h"
+#include "distribution/photofiles.h"
 #include "net/safename.h"
 
 #include <QHash>
@@ -71,8 +73,6 @@ QString comparable(const DistributionTask &task)
     path.replace(QLatin1String("\\/"), QLatin1String("/"));
     if (task.type == tasktype::copyPhoto)
         path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    if (task.subType == photorole::thumbnail)
-        path.replace(QLatin1String("/all/"), QLatin1String("/90/"));
     return path;
 }
 
@@ -123,6 +123,7 @@ private:
     void fetch(const QString &url, const QString &imageType, const QString &folder,
                const QString &imgName);
     bool add(DistributionTask task, const QString &subFolder = {});
+    QString freeName(DistributionTask &task, const QString &subFolder, const QString &source);
     QString orderFolder(const char *sub) const
     {
         return request_.orderFolder + QString::fromUtf8(sub);
@@ -139,6 +140,28 @@ private:
     OrderPlan plan_;
 };
 
+/// The name that the task's file gets; empty when another task brings the same file there.
+QString Planner::freeName(DistributionTask &task, const QString &subFolder, const QString &source)
+{
+    const QString folder = (task.targetFolder + subFolder).toLower();
+    const QString wanted = safeFileName(task.imgName);
+    for (QStringList sameNames{wanted};; sameNames.append(wanted)) {
+        const QString name = foldernames::distinctFileNames(sameNames).constLast();
+        const auto other = targets_.constFind(folder + name.toLower());
+        if (other != targets_.constEnd()) {
+            if (*other == source)
+                return {};
+            continue;
+        }
+        if (sameNames.size() > 1) {
+            plan_.problems.append(
+                QStringLiteral("%1文件名重复，另存为 %2（%3）").arg(task.imgName, name, source));
+            task.imgName = name;
+        }
+        return name;
+    }
+}
+
 /// False when there is nothing to do: another task does the same, or the target is taken.
 bool Planner::add(DistributionTask task, const QString &subFolder)
 {
@@ -146,18 +169,11 @@ bool Planner::add(DistributionTask task, const QString &subFolder)
         plan_.problems.append(QStringLiteral("照片没有文件名: %1").arg(task.sourcePath));
         return false;
     }
-    const QString target = task.targetFolder + subFolder + safeFileName(task.imgName);
-    const QString key = target.toLower();
     const QString source = comparable(task);
-    const auto other = targets_.constFind(key);
-    if (other != targets_.constEnd()) {
-        if (*other != source) {
-            plan_.problems.append(
-                QStringLiteral("%1文件名重复，未拷贝: %2 与 %3").arg(task.imgName, source, *other));
-        }
+    const QString name = freeName(task, subFolder, source);
+    if (name.isEmpty())
         return false;
-    }
-    targets_.insert(key, source);
+    targets_.insert((task.targetFolder + subFolder + name).toLower(), source);
     if (reported_.contains(task.imageId))
         task.imageId.clear();
     if (!task.imageId.isEmpty())
@@ -256,11 +272,9 @@ void Planner::planProducts()
     QSet<QString> used;
     const QVector<DetailProduct> products = detail_.products();
     for (int index = 0; index < products.size(); ++index) {
-        const QString folder = request_.productFolders.value(index);
+        const QString folder = request_.productFolders.value(index) + QLatin1Char('/');
         forEachPhoto(products.at(index), [&](const DetailProduct &, const DetailPhoto &photo) {
             used.insert(photo.imgName);
-            if (folder.isEmpty())
-                return;
             takeImproved(photo.imgName, folder);
             takeThumbnail(photo, folder);
         });
@@ -323,7 +337,7 @@ void Planner::takeThumbnail(const DetailPhoto &photo, const QString &folder)
     DetailPhoto small = photo;
     small.picPath.clear();
     if (photo.localPath90.isEmpty())
-        small.localPath = photo.source(); // its thumbnail is found from the full-size path
+        small.localPath = photofiles::thumbnailOf(photo.source());
     else
         small.localPath = photo.localPath90;
     takeRole(small, photorole::thumbnail, folder);

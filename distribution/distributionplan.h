@@ -32,7 +32,7 @@ struct PlanRequest
     DownloadOptions options;
     OrderDetailPtr detail;
     QString orderFolder; ///< ends with a slash
-    /// Of detail->products(), one each; needed for 设计分件 alone.
+    /// Of detail->products(), one each, without a slash at the end; needed for 设计分件 alone.
     QStringList productFolders;
     QSet<QString> leftOut; ///< ids of chosen photos that the user does not want
 };
@@ -57,7 +57,8 @@ struct OrderPlan
 using FindRaws = std::function<QStringList(const QString &photoPath)>;
 
 /// Decides what is written for an order. No two tasks have the same target: a photo that would land
-/// on another's name is a problem instead. Blocks in \a findRaws alone.
+/// on another's name gets a number behind its own, and the user is told. Blocks in \a findRaws
+/// alone.
 OrderPlan planOrder(const PlanRequest &request, const FindRaws &findRaws);
 
 /// Name of the folder that everything of one order goes into.

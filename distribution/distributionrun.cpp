@@ -1,6 +1,8 @@
 #include "distribution/distributionrun.h"
 
 #include "distribution/distributionrequests.h"
+#include "distribution/fjdatathread.h"
+#include "distribution/productfolders.h"
 #include "distribution/rawfiles.h"
 #include "net/background.h"
 
@@ -21,10 +23,11 @@ struct Planned
 };
 
 /// Blocks; for worker threads.
-Planned prepare(const PlanRequest &request)
+Planned prepare(PlanRequest request, const QString &namingRule)
 {
     if (!QDir().mkpath(request.orderFolder))
         return {request.orderFolder + QStringLiteral(" 路径创建失败/连接不上服务端"), {}};
+    request.productFolders = productFolderPaths(*request.detail, namingRule, request.orderFolder);
     RawFiles raws;
     return {{}, planOrder(request, [&raws](const QString &photo) { return raws.beside(photo); })};
 }
@@ -137,7 +140,7 @@ void DistributionRun::planCurrent(const OrderDetailPtr &detail)
     request.orderFolder = orderFolder_;
     request.leftOut = settings_.leftOut.value(current().orderPhotoId);
     inBackground(
-        this, [request] { return prepare(request); },
+        this, [request, rule = settings_.namingRule] { return prepare(request, rule); },
         [this, detail](const Planned &planned) {
             if (!running_ || detail != detail_ || *stopFlag_)
                 return; // stopped meanwhile
@@ -176,21 +179,18 @@ void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &pla
 void DistributionRun::startTask(const DistributionTask &task)
 {
     ++tasksInFlight_;
-    pool_.start([this, task, perform = perform_, stopped = stopFlag_] {
-        TaskResult result;
-        const bool skipped = *stopped;
-        if (!skipped)
-            result = perform(task);
+    const auto report = [this](const std::optional<TaskResult> &result) {
         QMetaObject::invokeMethod(
-            this, [this, result, skipped] { onTaskEnded(result, skipped); }, Qt::QueuedConnection);
-    });
+            this, [this, result] { onTaskEnded(result); }, Qt::QueuedConnection);
+    };
+    pool_.start(new FJDataThread(task, stopFlag_, perform_, report));
 }
 
-void DistributionRun::onTaskEnded(const TaskResult &result, bool skipped)
+void DistributionRun::onTaskEnded(const std::optional<TaskResult> &result)
 {
     --tasksInFlight_;
-    if (!skipped)
-        count(result);
+    if (result)
+        count(*result);
     if (running_ && *stopFlag_ && tasksInFlight_ == 0)
         finish();
     announceIdle();
@@ -204,7 +204,8 @@ void DistributionRun::count(const TaskResult &result)
         ++downPhotoFinishNums_;
     if (!result.imgData.isEmpty())
         ++listSettled_;
-    addErrors(result.errmsg, result.copyFile);
+    // The products' failures name their folders themselves.
+    addErrors(result.errmsg, result.type == tasktype::createProducts ? QString() : result.copyFile);
     switch (runMode(settings_.type)) {
     case 1:
         countDownload(result);

@@ -16,6 +16,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 /// What a run is started with, besides the orders; it keeps its own copy.
 struct RunSettings
@@ -52,7 +53,7 @@ public:
     explicit DistributionRun(QObject *parent = nullptr);
     ~DistributionRun() override;
 
-    /// What tasks do, for tests; the real thing otherwise.
+    /// What the tasks do; before start().
     void setPerform(PerformTask perform) { perform_ = std::move(perform); }
 
     /// False, and nothing happens, while a run is going on or without orders.
@@ -87,7 +88,7 @@ private:
     void onPlanned(const QString &folderError, const OrderPlan &plan);
     void startTask(const DistributionTask &task);
     void startOrderTask(const QString &type);
-    void onTaskEnded(const TaskResult &result, bool skipped);
+    void onTaskEnded(const std::optional<TaskResult> &result);
     void count(const TaskResult &result);
     void countDownload(const TaskResult &result);
     void countDistribution(const TaskResult &result);

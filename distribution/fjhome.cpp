@@ -2,6 +2,7 @@
 
 #include "app/helpers/macwindowmanager.h"
 #include "distribution/distributionrequests.h"
+#include "distribution/fjdataoperate.h"
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "distribution/namingrulepanel.h"
@@ -32,6 +33,7 @@ FJHome::FJHome(QWidget *parent)
     splitter->setStretchFactor(1, 0);
     splitter->setChildrenCollapsible(false);
     setContent(splitter);
+    run_.setPerform(&FJDataOperate::perform);
     closeTimer_.setSingleShot(true);
     closeTimer_.setInterval(closePatienceMs);
     connect(&closeTimer_, &QTimer::timeout, this, [this] {
