@@ -176,8 +176,8 @@ void TestDistributionRun::writesTheTreeOfEachMode_data()
 
     QStringList filled = sheet + products;
     for (QString path : products) {
-        filled << path.replace(QLatin1String("_/"), QLatin1String("_/缩略图/"))
-                      .replace(QLatin1String("(2)/"), QLatin1String("(2)/缩略图/"));
+        filled << path.replace(QLatin1String("_/"), QStringLiteral("_/缩略图/"))
+                      .replace(QLatin1String("(2)/"), QStringLiteral("(2)/缩略图/"));
         path.replace(QStringLiteral("缩略图"), QStringLiteral("成品"));
         filled << path.replace(QLatin1String("{5,7}"), QLatin1String("5"));
     }
@@ -185,7 +185,9 @@ void TestDistributionRun::writesTheTreeOfEachMode_data()
     QTest::newRow("设计分件, usual") << Type::Distribution << QStringLiteral("ft") << filled;
     QTest::newRow("设计分件, all")
         << Type::Distribution << all
-        << QStringList(filled + QStringList{QStringLiteral("汰片/TP_0001.jpg"),
+        << QStringList(filled + QStringList{factory + QStringLiteral("纪念相册 12寸_ (2)/成品/"
+                                                                     "IMG_0007.jpg"),
+                                            QStringLiteral("汰片/TP_0001.jpg"),
                                             QStringLiteral("其他/成品原始档/IMG_0003.{jpg,CR2}"),
                                             QStringLiteral("其他/成品原始档/IMG_0005.{jpg,nef}"),
                                             QStringLiteral("其他/成品原始档/IMG_000{7,9}.jpg")});
