@@ -42,6 +42,10 @@ QString yesNo(bool value)
 DistributionRun::DistributionRun(QObject *parent)
     : QObject(parent), fetches_(this), reports_(this), detailCall_(this)
 {
+    qRegisterMetaType<OrderData>();
+    qRegisterMetaType<OrderDetailPtr>();
+    qRegisterMetaType<RunSummary>();
+    qRegisterMetaType<TaskResult>();
     pool_.setObjectName(QStringLiteral("distribution"));
     pool_.setMaxThreadCount(QThread::idealThreadCount());
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);

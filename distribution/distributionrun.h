@@ -8,6 +8,7 @@
 #include "net/servicecall.h"
 
 #include <QHash>
+#include <QMetaType>
 #include <QObject>
 #include <QSet>
 #include <QStringList>
@@ -37,6 +38,7 @@ struct RunSummary
     bool stopped = false;
     QStringList errors; ///< one failure a line
 };
+Q_DECLARE_METATYPE(RunSummary)
 
 /// The order of steps of a distribution or download: one order after the other, each fetched from
 /// the service, planned on a worker, its files written by tasks on the pool, all at once, and at

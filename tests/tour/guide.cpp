@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
@@ -76,11 +77,16 @@ void Guide::waitFor(const std::function<bool()> &holds, const QString &what)
 void Guide::picture(QWidget *window, const QString &name)
 {
     QCoreApplication::processEvents();
+    picture(window->grab().toImage(), name);
+}
+
+void Guide::picture(const QImage &image, const QString &name)
+{
     const QString path = QStringLiteral("%1/%2-%3.png")
                              .arg(pictureFolder_)
                              .arg(stepNumber_, 2, 10, QLatin1Char('0'))
                              .arg(name);
-    if (!window->grab().save(path))
+    if (!image.save(path))
         throw TourFailure{QStringLiteral("picture not saved: ") + path};
 }
 

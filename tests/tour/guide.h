@@ -11,6 +11,7 @@
 #include <functional>
 
 class QDialog;
+class QImage;
 class QTableView;
 class QWidget;
 
@@ -39,6 +40,7 @@ public:
 
     /// Saves what \a window shows, numbered by step.
     void picture(QWidget *window, const QString &name);
+    void picture(const QImage &image, const QString &name);
 
     /// The next box is photographed and answered with its button of that text, as a user would.
     void answerNextBox(const QString &buttonText, const QString &pictureName);

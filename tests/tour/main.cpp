@@ -54,6 +54,7 @@ int main(int argc, char *argv[])
         tourImportOriginals(guide);
         tourImportRetouched(guide);
         tourPhotoImport(guide);
+        tourDistribution(guide);
         tourBatchDelete(guide);
         guide.finish();
     } catch (const TourFailure &failure) {

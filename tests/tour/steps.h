@@ -7,4 +7,5 @@ void tourLogin(Guide &guide);
 void tourImportOriginals(Guide &guide);
 void tourImportRetouched(Guide &guide);
 void tourPhotoImport(Guide &guide);
+void tourDistribution(Guide &guide);
 void tourBatchDelete(Guide &guide);
