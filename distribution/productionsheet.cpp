@@ -2,6 +2,7 @@
 
 #include "distribution/foldernames.h"
 #include "distribution/sheethtml.h"
+#include "distribution/sheetpages.h"
 #include "net/filewriting.h"
 #include "platform/fileaccess.h"
 
@@ -91,8 +92,8 @@ bool print(const QString &html, const QString &path)
 {
     SheetDocument document;
     document.setUseDesignMetrics(true);
-    document.setPageSize(QSizeF(pageWidth, pageHeight));
     document.setHtml(html);
+    paginate(&document, QSizeF(pageWidth, pageHeight));
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(path);

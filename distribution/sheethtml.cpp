@@ -194,10 +194,9 @@ QString photoGrid(const SheetInput &input, const QString &title, const QVector<D
     for (int first = 0; first < photos.size(); first += gridColumns) {
         html += QStringLiteral("<tr>");
         for (int index = first; index < first + gridColumns; ++index) {
-            html += QStringLiteral("<td width=\"20%\" align=\"center\" valign=\"middle\">");
+            html += QStringLiteral("<td width=\"20%\" align=\"center\" valign=\"top\">");
             if (index < photos.size()) {
-                html += fittedPicture(input, thumbnailPath(input, photos.at(index)),
-                                      QSize(gridPicture, gridPicture));
+                html += squarePicture(input, thumbnailPath(input, photos.at(index)), gridPicture);
             }
             html += QStringLiteral("</td>");
         }

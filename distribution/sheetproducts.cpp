@@ -126,7 +126,7 @@ QString photoRows(const SheetInput &input, const QVector<ProductPhoto> &photos)
     for (int first = 0; first < photos.size(); first += photosPerRow) {
         html += QStringLiteral("<tr>");
         for (int index = first; index < first + photosPerRow; ++index) {
-            html += QStringLiteral("<td width=\"16.67%\" align=\"center\" valign=\"bottom\">");
+            html += QStringLiteral("<td width=\"16.67%\" align=\"center\" valign=\"top\">");
             if (index < photos.size()) {
                 html += QStringLiteral("<p align=\"center\">") +
                         squarePicture(input, picturePath(input, photos.at(index)), photoPicture) +
