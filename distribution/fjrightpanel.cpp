@@ -5,6 +5,7 @@
 #include "distribution/distributionrequests.h"
 #include "distribution/foldernamingrule.h"
 #include "distribution/namingrulepanel.h"
+#include "distribution/tickdelegate.h"
 #include "widgets/colours.h"
 #include "widgets/customcheckboxnew.h"
 #include "widgets/filedialog.h"
@@ -30,6 +31,7 @@ QLabel *caption(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(text, parent);
     label->setStyleSheet(theme::headingStyle());
+    label->setIndent(0);
     return label;
 }
 
@@ -45,6 +47,7 @@ QVBoxLayout *column(QWidget *widget)
 
 FJRightPanel::FJRightPanel(QWidget *parent)
     : QWidget(parent)
+    , cardLabel_(caption({}, this))
     , searchBar_(new OrderSearchBar(this))
     , directoryButton_(new QPushButton(QStringLiteral("选择分件目录"), this))
     , directoryLabel_(new QLabel(this))
@@ -66,6 +69,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
     auto *parts = new QVBoxLayout(content);
     parts->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     parts->setSpacing(theme::margin());
+    parts->addWidget(cardLabel_);
     parts->addWidget(searchBar_);
     parts->addWidget(buildRunPart());
     parts->addWidget(options_ = buildOptions());
@@ -179,6 +183,7 @@ QWidget *FJRightPanel::buildPhotoList(PhotoList *list, const QString &caption, c
     list->view = new QListView(part);
     list->view->setObjectName(prefix + QStringLiteral("List"));
     list->view->setModel(&list->model);
+    list->view->setItemDelegate(new TickDelegate(list->view));
     list->view->setUniformItemSizes(true);
     list->view->setTextElideMode(Qt::ElideMiddle);
     list->view->setFixedHeight(K::scaledPx(photoListPx));
@@ -206,6 +211,7 @@ QWidget *FJRightPanel::buildPhotoList(PhotoList *list, const QString &caption, c
 void FJRightPanel::setSplitType(DesignFileSplitTypes type)
 {
     type_ = type;
+    cardLabel_->setText(cardName(type));
     const DownloadOptions usual = defaultOptions(type);
     originals_->setChecked(usual.originals);
     fullSize_->setChecked(usual.fullSize);

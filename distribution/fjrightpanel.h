@@ -91,6 +91,7 @@ private:
     void onSelectionChanged();
     void resizeEvent(QResizeEvent *event) override;
 
+    QLabel *cardLabel_; ///< several cards share the window's title
     OrderSearchBar *searchBar_;
     QPushButton *directoryButton_;
     QLabel *directoryLabel_;

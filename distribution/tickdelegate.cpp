@@ -4,6 +4,7 @@
 #include "widgets/theme.h"
 
 #include <QApplication>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
@@ -13,7 +14,9 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    const QString text = cell.text;
     cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
+    cell.text.clear();
     const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
     style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
 
@@ -22,6 +25,15 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     QRectF box(0, 0, side, side);
     box.moveCenter(QRectF(option.rect).center());
     painter->save();
+    if (!text.isEmpty()) {
+        box.moveLeft(option.rect.left() + theme::spacing() / 2.0);
+        const QRect room =
+            option.rect.adjusted(int(side) + theme::spacing(), 0, -theme::spacing() / 2, 0);
+        painter->setFont(cell.font);
+        painter->setPen(cell.palette.color(QPalette::Text));
+        painter->drawText(room, Qt::AlignVCenter | Qt::AlignLeft,
+                          cell.fontMetrics.elidedText(text, cell.textElideMode, room.width()));
+    }
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(QPen(colours::toColor(ticked ? colours::accent : colours::outlineHover),
                          theme::hairline()));
@@ -38,4 +50,22 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
         painter->drawPath(mark);
     }
     painter->restore();
+}
+
+QSize TickDelegate::sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const
+{
+    const QSize usual = QStyledItemDelegate::sizeHint(option, index);
+    return {usual.width(), qMax(usual.height(), theme::checkBoxSize() + theme::spacing() / 2)};
+}
+
+bool TickDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
+                               const QStyleOptionViewItem &option, const QModelIndex &index)
+{
+    if (event->type() != QEvent::MouseButtonRelease ||
+        !model->flags(index).testFlag(Qt::ItemIsUserCheckable))
+        return QStyledItemDelegate::editorEvent(event, model, option, index); // keys among them
+    if (static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+        return false;
+    const bool ticked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+    return model->setData(index, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }

@@ -2,8 +2,8 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a check state as a box in the middle of its cell, crisp at every scale. Clicks are its
-/// view's.
+/// Paints a check state as a box, crisp at every scale: before the text, or in the middle of a cell
+/// without one. A click anywhere in a cell that the user may check changes it.
 class TickDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -13,4 +13,7 @@ public:
 
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
+    bool editorEvent(QEvent *event, QAbstractItemModel *model, const QStyleOptionViewItem &option,
+                     const QModelIndex &index) override;
 };

@@ -283,10 +283,13 @@ void TestDistributionRun::reportsWhatWasDownloaded()
     const QJsonArray sent = demo_.requests(reports);
     QCOMPARE(sent.size(), 4); // once a photo, however many copies of it were made
     QCOMPARE(moved.size(), 4);
-    const QString body = sent.first()[QStringLiteral("body")].toString();
-    QVERIFY2(body.startsWith(QStringLiteral("id=8000011001&shopid=101&eid=3101&superid=7001"
-                                            "&personid=3101&token=")),
-             qPrintable(body));
+    QStringList bodies;
+    for (const QJsonValue &each : sent)
+        bodies.append(
+            each[QStringLiteral("body")].toString().section(QStringLiteral("&token"), 0, 0));
+    bodies.sort();
+    QCOMPARE(bodies.first(), QStringLiteral("id=8000011001&shopid=101&eid=3101&superid=7001"
+                                            "&personid=3101"));
 }
 
 void TestDistributionRun::leavesOutWhatIsNotWanted()

@@ -59,8 +59,12 @@ private slots:
     {
         for (const Tool &tool : allTools()) {
             QVERIFY2(QSvgRenderer(tool.icon).isValid(), qPrintable(tool.icon));
-            if (tool.makeWindow)
-                QCOMPARE(std::unique_ptr<QWidget>(tool.makeWindow())->windowTitle(), tool.label);
+            if (!tool.makeWindow)
+                continue;
+            const std::unique_ptr<QWidget> window(tool.makeWindow());
+            // One window serves several cards under a title of its own.
+            if (window->windowTitle() != QStringLiteral("分件工具"))
+                QCOMPARE(window->windowTitle(), tool.label);
         }
     }
 

@@ -4,10 +4,12 @@
 #include "app/context/k.h"
 #include "app/shell/choosetools.h"
 #include "app/shell/startwindow.h"
+#include "distribution/fjhome.h"
 #include "tests/support/democlient.h"
 
 #include <QApplication>
 #include <QPointer>
+#include <QTableView>
 #include <QTest>
 
 namespace {
@@ -54,6 +56,29 @@ private slots:
         QCOMPARE(AccountContext::shopList.first().goodsfoldernamerule, QString());
         QCOMPARE(AccountContext::shopId, QStringLiteral("before"));
         QVERIFY(QApplication::topLevelWidgets().isEmpty());
+    }
+
+    void opensTheDistributionFromSavedLoginData()
+    {
+        DemoClient demo;
+        demo.reset();
+        const QJsonObject shop{{QStringLiteral("id"), QStringLiteral("102")},
+                               {QStringLiteral("name"), QStringLiteral("滨江店")}};
+        K::instance()->saveLoginData({{QStringLiteral("UID"), QStringLiteral("9001")},
+                                      {QStringLiteral("EID"), QStringLiteral("3102")},
+                                      {QStringLiteral("SUPERID"), QStringLiteral("7002")},
+                                      {QStringLiteral("shop_data"), QJsonArray{shop}}});
+        AccountContext::shopId.clear();
+        AccountContext::selectedShopId.clear();
+        K::instance()->openStartWindow(1);
+        QPointer<FJHome> window = topLevel<FJHome>();
+        QVERIFY(window && window->isVisible() && window->isMaximized());
+        QCOMPARE(window->splitType(), DesignFileSplitTypes::Distribution);
+        auto *orders = window->findChild<QTableView *>(QStringLiteral("orderTable"));
+        QTRY_VERIFY(orders->model()->rowCount() > 0);
+        QCOMPARE(demo.requests(QStringLiteral("order_list_type_1")).size(), 1);
+        window->close();
+        QTRY_VERIFY(!window);
     }
 
     void leadsFromLoginToLauncher()
