@@ -289,6 +289,10 @@ QString Backstage::changeOrders(const QJsonObject &change)
     }
     if (!order)
         return QStringLiteral("no such order");
+    if (change.contains(QStringLiteral("photos"))) {
+        choosePhotos(*order, change.value(QStringLiteral("photos")).toInt());
+        return QString();
+    }
     return changeOrder(*order, change.value(QStringLiteral("fields")).toObject());
 }
 

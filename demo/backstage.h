@@ -60,7 +60,8 @@ public:
     void release();
     QString reset();
     QJsonObject state() const;
-    // {"add": N, "shopid": …} or {"id": …, "fields": {…}}; id may be replaced by order_photo_id.
+    // {"add": N, "shopid": …}, {"id": …, "fields": {…}} or {"id": …, "photos": N}; id may
+    // be replaced by order_photo_id.
     QString changeOrders(const QJsonObject &change);
 
 private:

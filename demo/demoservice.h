@@ -21,7 +21,8 @@
 //                                   orders with what was registered for them, and what was
 //                                   announced and reported as deleted
 //   POST /demo/orders               {"add": N, "shopid": …} or {"id" or "order_photo_id": …,
-//                                   "fields": {"netpath": …}}
+//                                   "fields": {"netpath": …}} or in place of fields
+//                                   "photos": N: so many chosen photos, none of them on the share
 // A POST that went well answers {"code":"1"}.
 // GET /photos/ID.jpg is a small picture of what lies on disk for a registered or chosen photo.
 //

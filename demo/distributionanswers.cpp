@@ -154,7 +154,8 @@ private:
         set[text("son_good")] =
             QJsonArray{product(31, "摆台 8寸", 0, 1, {{"goodtypename", text("摆台")}}),
                        product(32, "钥匙扣", 1, 1, {{"goodtypename", text("小件")}})};
-        return {product(1, "纪念相册 12寸", 0, 2), product(2, "纪念相册 12寸", 1, 2), set,
+        return {product(1, "纪念相册 12寸", 0, 2),
+                product(2, "纪念相册 12寸", 1, set_.chosen.size() - 2), set,
                 product(4, "组合框", 0, 2, {{"goodtypeid", text("40")}}), product(5, "挂历", 0, 0)};
     }
 

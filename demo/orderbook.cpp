@@ -89,6 +89,15 @@ QStringList firstOrderChoice()
             QStringLiteral("IMG_0007.jpg"), QStringLiteral("IMG_0009.jpg")};
 }
 
+void choosePhotos(Order &order, int count)
+{
+    QStringList names;
+    for (int number = 1; number <= count; ++number)
+        names << QStringLiteral("IMG_%1.jpg").arg(number, 5, 10, QLatin1Char('0'));
+    order.chosenPhotos = photos(order, names, QStringLiteral("1"));
+    order.hasMaterial = true;
+}
+
 OrderBook::OrderBook(QVector<Shop> shops, QString shareRoot, const QDate &today)
     : shops_(std::move(shops)), shareRoot_(std::move(shareRoot)), today_(today)
 {

@@ -11,6 +11,10 @@ namespace demo {
 // Names of the photos that the customers of the first order chose.
 QStringList firstOrderChoice();
 
+// From now on the customers have chosen that many photos, IMG_00001.jpg and so on, of which nothing
+// lies on the share until somebody puts it there.
+void choosePhotos(Order &order, int count);
+
 // Makes believable orders, the same ones for the same arguments. Pure.
 class OrderBook
 {

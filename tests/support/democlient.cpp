@@ -50,6 +50,12 @@ void DemoClient::changeOrder(const QString &orderId, const QJsonObject &fields)
          {{QStringLiteral("id"), orderId}, {QStringLiteral("fields"), fields}});
 }
 
+void DemoClient::choosePhotos(const QString &orderId, int count)
+{
+    post(QStringLiteral("orders"),
+         {{QStringLiteral("id"), orderId}, {QStringLiteral("photos"), count}});
+}
+
 void DemoClient::addOrders(int count, const QString &shopId)
 {
     post(QStringLiteral("orders"),

@@ -22,6 +22,8 @@ public:
     QJsonObject state();
     /// Changes one order's fields, for both its records and the client's next search.
     void changeOrder(const QString &orderId, const QJsonObject &fields);
+    /// From now on so many photos of the order are chosen; the caller puts them on the share.
+    void choosePhotos(const QString &orderId, int count);
     void addOrders(int count, const QString &shopId);
 
 private:
