@@ -1,0 +1,227 @@
+#include "distribution/distributionplan.h"
+#include "distribution/distributionrequests.h"
+#include "distribution/rawfiles.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+#include <QtTest>
+
+using Type = DesignFileSplitTypes;
+
+namespace {
+
+const orderqueries::Identity somebody{QStringLiteral("1"), QStringLiteral("2"),
+                                      QStringLiteral("3")};
+
+/// JSON with single quotes.
+QJsonObject json(QByteArray text)
+{
+    return QJsonDocument::fromJson(text.replace('\'', '"')).object();
+}
+
+QString utf8(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+/// "type role target <- source" of each task, below the order's folder.
+QStringList described(const OrderPlan &plan)
+{
+    QStringList lines;
+    for (const DistributionTask &task : plan.tasks) {
+        lines.append(QStringLiteral("%1 %2 %3%4 <- %5 %6")
+                         .arg(task.type, task.subType, task.targetFolder.mid(3), task.imgName,
+                              task.sourcePath, task.imageId)
+                         .simplified());
+    }
+    return lines;
+}
+
+} // namespace
+
+class TestDistributionPlan : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void bodies_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QString>("keyword");
+        QTest::addColumn<QByteArray>("expected");
+        const auto row = [](const char *type, const char *keyword, const char *expected) {
+            QTest::newRow(type) << utf8(type) << utf8(keyword)
+                                << QByteArray(expected) + "&shopid=1&eid=3&superid=2&personid=3";
+        };
+        row("基本信息", "A&B+1%", "keyword=A%26B%2B1%25&searchtype=1");
+        row("拍照日期", "2024-03-07", "keyword=2024-03-07&searchtype=4");
+        row("选片日期", "2024-03-07", "keyword=2024-03-07&searchtype=5");
+        row("别的", "", "keyword=");
+    }
+    void bodies()
+    {
+        QFETCH(QString, type);
+        QFETCH(QString, keyword);
+        QTEST(distributionrequests::orderListBody(type, keyword, somebody), "expected");
+    }
+
+    void keywords()
+    {
+        orderqueries::OrderSearch search;
+        search.text = QStringLiteral("林");
+        search.shootingDate = {2024, 3, 7};
+        search.selectionDate = {2024, 4, 8};
+        QStringList keywords;
+        for (search.type = 0; search.type < 4; ++search.type) {
+            keywords << distributionrequests::searchTypeText(search.type)
+                     << distributionrequests::keywordOf(search);
+        }
+        QCOMPARE(keywords.join(QLatin1Char(' ')),
+                 QStringLiteral("基本信息 林 拍照日期 2024-03-07 选片日期 2024-04-08  "));
+    }
+
+    void cardsAndModes()
+    {
+        QStringList modes;
+        for (const char *card : {"下载原始档", "下载选片结果", "设计分件", "下载照片交付", "?"}) {
+            const Type type = splitTypeOf(utf8(card));
+            modes.append(cardName(type) + QString::number(runMode(type)) +
+                         QString::number(listMode(type)));
+        }
+        QCOMPARE(
+            modes.join(QLatin1Char(' ')),
+            QStringLiteral("下载原始档10 下载选片结果20 设计分件21 下载照片交付30 设计分件21"));
+    }
+
+    void readsOrders()
+    {
+        const auto orders = distributionrequests::readOrders(
+            json("{'data':[{'order_photo_id':7,'servicetimes':2,'number_jingxiu':3,"
+                 "'images':[{'id':1},5]},{'id':'1'},{'order_photo_id':'7'},null,"
+                 "{'order_photo_id':'8','images':'none'}]}"));
+        QCOMPARE(orders.size(), 2);
+        QCOMPARE(orders.first().displayNumber(), QStringLiteral("-服务2"));
+        QCOMPARE(orders.first().numberJingxiu, QStringLiteral("3"));
+        QCOMPARE(orders.first().images.size(), 1);
+        QVERIFY(orders.last().images.isEmpty());
+    }
+
+    void readsWhateverTheDetailHolds()
+    {
+        const OrderDetail detail = readOrderDetail(
+            json("{'code':'1','message':'ok','order':{'mname':'M','yx_number':12,'list':[]},"
+                 "'mname':'other','shopname':'S','down_txt':null,"
+                 "'goods':[{'id':1,'imgs':[{'img_name':'a','picpath':'p','isdownload':'1'}],"
+                 "'son_good':[{'goodtypeid':40,'isurgent':'1','son_good':{}}]},'x'],"
+                 "'urgentgoods':{},'images':[{'img_name':'b','localpath':'l','picpath':''}],"
+                 "'images_biaoji':[{'remark':[{'text':'1'},{'text':''},'2',3]},{'remark':'3'}]}"));
+        QCOMPARE(detail.value("mname") + detail.value("yx_number") + detail.value("list") +
+                     detail.value("message") + detail.shopName + detail.downTxt,
+                 QStringLiteral("M12S"));
+        QCOMPARE(detail.goods.size(), 1);
+        const DetailProduct &set = detail.goods.first();
+        QVERIFY(set.isSet() && !set.urgent() && set.imgs.first().downloaded);
+        QVERIFY(set.sonGood.first().isSet() && set.sonGood.first().urgent());
+        QCOMPARE(set.imgs.first().source() + detail.images.first().source(), QStringLiteral("pl"));
+        QCOMPARE(detail.imagesBiaoji.first().remarks + detail.imagesBiaoji.last().remarks,
+                 (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+        // Sets within sets without end would take the stack along.
+        QByteArray deep = "{'goods':[{'id':'0'}]}";
+        for (int level = 0; level < 200; ++level)
+            deep.replace("{'id':'0'}", "{'son_good':[{'id':'0'}]}");
+        int depth = 0;
+        OrderDetail nested = readOrderDetail(json(deep));
+        for (QVector<DetailProduct> parts = nested.goods; !parts.isEmpty(); ++depth)
+            parts = QVector<DetailProduct>(parts).first().sonGood;
+        QVERIFY(depth < 10);
+    }
+
+    void plansNoTargetTwice()
+    {
+        PlanRequest request;
+        request.type = Type::DownloadOriginals;
+        request.orderFolder = QStringLiteral("/o/");
+        request.options.originals = true;
+        request.options.fullSize = true;
+        request.detail = std::make_shared<const OrderDetail>(
+            readOrderDetail(json("{'images':[{'id':'1','img_name':'a.jpg','localpath':'/x/a.jpg'},"
+                                 "{'id':'2','img_name':'A.jpg','localpath':'/y/a.jpg'},"
+                                 "{'id':'1','img_name':'a.jpg','localpath':'/x/a.jpg'},"
+                                 "{'id':'3','localpath':'/z/c.jpg'},"
+                                 "{'id':'4','img_name':'../d.jpg','localpath':'/z/d.jpg'}]}")));
+        const OrderPlan plan = planOrder(request, [](const QString &photo) {
+            return photo == QLatin1String("/x/a.jpg") ? QStringList(QStringLiteral("/x/a.CR2"))
+                                                      : QStringList();
+        });
+        QCOMPARE(described(plan).mid(0, 5),
+                 (QStringList{QStringLiteral("下载原始档 原始档/a.jpg <- /x/a.jpg 1"),
+                              QStringLiteral("下载原始档 原始档/a.CR2 <- /x/a.CR2"),
+                              QStringLiteral("下载原始档 原始档/A (2).jpg <- /y/a.jpg 2"),
+                              QStringLiteral("下载原始档 原始档/../d.jpg <- /z/d.jpg 4"),
+                              QStringLiteral("下载精修片 原图/a.jpg <- /x/a.jpg")}));
+        QCOMPARE(plan.tasks.size(), 7);
+        QCOMPARE(plan.problems.size(), 4); // twice each: renamed, and without a name
+        QVERIFY(!plan.makesProducts);
+    }
+
+    void takesTheMostFinishedVersion_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<QString>("expected"); // role and source of a, b, c
+        QTest::newRow("all") << QStringLiteral("fbt")
+                             << QStringLiteral("精修成品 ta, 成品 bb, 成品 c");
+        QTest::newRow("retouched and full")
+            << QStringLiteral("ft") << QStringLiteral("精修成品 ta, 成品 b, 成品 c");
+        QTest::newRow("basic alone") << QStringLiteral("b") << QStringLiteral("成品 ba, 成品 bb");
+        QTest::newRow("nothing") << QString() << QString();
+    }
+    void takesTheMostFinishedVersion()
+    {
+        QFETCH(QString, options);
+        PlanRequest request;
+        request.type = Type::DownloadSelection;
+        request.orderFolder = QStringLiteral("/o/");
+        request.options.fullSize = options.contains(QLatin1Char('f'));
+        request.options.basic = options.contains(QLatin1Char('b'));
+        request.options.retouched = options.contains(QLatin1Char('t'));
+        request.detail = std::make_shared<const OrderDetail>(readOrderDetail(json(
+            "{'images':[{'img_name':'a','localpath':'a'},{'img_name':'b','localpath':'b'},"
+            "{'img_name':'c','localpath':'c'}],"
+            "'images_1_1':[{'img_name':'a','localpath':'ba'},{'img_name':'b','localpath':'bb'}],"
+            "'images_jingxiu':[{'img_name':'a','localpath':'ta'}]}")));
+        const OrderPlan plan = planOrder(request, [](const QString &) { return QStringList(); });
+        QStringList taken;
+        for (const DistributionTask &task : plan.tasks) {
+            if (roleFolder(task.subType) == QStringLiteral("成品/"))
+                taken.append(task.subType + QLatin1Char(' ') + task.sourcePath);
+        }
+        QTEST(taken.join(QStringLiteral(", ")), "expected");
+        QCOMPARE(plan.fetches.size(), 1); // the barcode
+        QVERIFY(plan.makesProducts && plan.problems.isEmpty());
+    }
+
+    void findsRawFilesBesideAPhoto()
+    {
+        const QTemporaryDir folder;
+        for (const char *name : {"a.jpg", "a.CR2", "a.nef", "a.RAF", "a.txt", "ab.cr2", "b.ARW"}) {
+            QFile file(folder.filePath(QString::fromLatin1(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        RawFiles raws;
+        const auto beside = [&](const QString &photo) {
+            QStringList names;
+            for (const QString &path : raws.beside(folder.path() + photo))
+                names.append(QFileInfo(path).fileName());
+            return names.join(QLatin1Char(' '));
+        };
+        QCOMPARE(beside(QStringLiteral("/a.jpg")), QStringLiteral("a.CR2 a.nef a.RAF"));
+        QCOMPARE(beside(QStringLiteral("\\/b.jpg")), QStringLiteral("b.ARW")); // an escaped slash
+        QCOMPARE(beside(QStringLiteral("/a.CR2")), QStringLiteral("a.nef a.RAF"));
+        QCOMPARE(beside(QStringLiteral("/none/c.jpg")), QString());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDistributionPlan)
+#include "test_distributionplan.moc"
