@@ -65,5 +65,5 @@ void DraggableFieldSource::mouseMoveEvent(QMouseEvent *event)
     drag->setMimeData(dragData());
     drag->setPixmap(dragImage());
     drag->setHotSpot(pressedAt_);
-    drag->exec(Qt::CopyAction);
+    fielddrag::run(drag, Qt::CopyAction);
 }

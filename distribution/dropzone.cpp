@@ -147,7 +147,7 @@ void DropZone::onFieldDragStarted(FieldButton *button, const QPoint &pos)
     drag->setPixmap(image);
     drag->setHotSpot(pos);
     const QPointer<DropZone> guard(this);
-    drag->exec(Qt::MoveAction);
+    fielddrag::run(drag, Qt::MoveAction);
     // Dropped elsewhere or given up: the field goes back to where it was.
     if (!guard || !dragged_)
         return;

@@ -2,8 +2,11 @@
 
 #include "app/context/k.h"
 
+#include <QDrag>
 #include <QPainter>
 #include <QWidget>
+
+#include <utility>
 
 namespace fielddrag {
 
@@ -11,7 +14,28 @@ namespace {
 
 constexpr int radiusPx = 6;
 
+std::function<void(const QMimeData *data)> &dragScript()
+{
+    static std::function<void(const QMimeData *data)> script;
+    return script;
+}
+
 } // namespace
+
+void run(QDrag *drag, Qt::DropAction action)
+{
+    if (!dragScript()) {
+        drag->exec(action);
+        return;
+    }
+    dragScript()(drag->mimeData());
+    drag->deleteLater();
+}
+
+void setScript(std::function<void(const QMimeData *data)> script)
+{
+    dragScript() = std::move(script);
+}
 
 QPixmap image(const QWidget *button, const QString &label, const QFont &font, const Look &look)
 {

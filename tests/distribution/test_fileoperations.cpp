@@ -356,6 +356,7 @@ void TestFileOperations::productFolders()
                     photo("A.jpg", "in/b/a.jpg"), photo("lost.jpg", "in/all/lost.jpg")};
     DetailProduct set;
     set.goodName = s("套");
+    set.isUrgent = s("0");
     DetailProduct part;
     part.imgs = {photo("p.jpg", "in/90/a.jpg")};
     set.sonGood = {part};
