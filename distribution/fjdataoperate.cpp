@@ -164,8 +164,9 @@ TaskResult createProducts(const DistributionTask &task)
     const QStringList errors =
         createProductFolders(task.detail ? *task.detail : nothing, task.namingRule,
                              task.targetFolder, [&task] { return task.stopped && *task.stopped; });
-    return {errors.isEmpty(), task.type, task.targetFolder, task.imageId,
-            errors.join(QLatin1Char('\n'))};
+    // The lines name what they are about.
+    return errors.isEmpty() ? succeeded(task, task.targetFolder)
+                            : failed(task, QString(), errors.join(QLatin1Char('\n')));
 }
 
 TaskResult makeSheet(const DistributionTask &task)

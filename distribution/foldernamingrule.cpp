@@ -36,6 +36,7 @@ FolderNamingRule::FolderNamingRule(QWidget *parent)
 {
     auto *heading = new QLabel(QStringLiteral("产品文件夹命名规则"), this);
     heading->setStyleSheet(theme::headingStyle());
+    heading->setIndent(0);
     auto *caption = new QLabel(QStringLiteral("可用字段 (拖拽添加):"), this);
     caption->setStyleSheet(theme::hintStyle());
     preview_->setTextInteractionFlags(Qt::TextSelectableByMouse);

@@ -22,6 +22,7 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
 {
     auto *heading = new QLabel(QStringLiteral("产品文件夹"), this);
     heading->setStyleSheet(theme::headingStyle());
+    heading->setIndent(0);
     resetButton_->setObjectName(QStringLiteral("resetRuleButton"));
     resetButton_->setStyleSheet(theme::secondaryButtonStyle());
     resetButton_->setToolTip(QStringLiteral("恢复为本店上次读取的规则"));

@@ -4,6 +4,7 @@
 #include "distribution/photofiles.h"
 #include "distribution/rawfiles.h"
 
+#include <QFileInfo>
 #include <QSet>
 #include <QtConcurrentMap>
 
@@ -45,6 +46,15 @@ void planCopies(const QVector<DetailPhoto> &photos, const QString &folder,
     for (int index = 0; index < planned.size(); ++index)
         planned[index].target = folder + QLatin1Char('/') + targets.at(index);
     *copies += planned;
+}
+
+/// Which photo, of which product, and why as far as that can be told.
+QString failure(const PhotoCopy &copy)
+{
+    const QString product = copy.target.section(QLatin1Char('/'), -2, -2);
+    const QString reason =
+        QFileInfo(copy.source).isFile() ? QString() : QStringLiteral("，照片不存在");
+    return copy.name + QStringLiteral("拷贝失败（") + product + reason + QStringLiteral("）");
 }
 
 QString inFolder(const QString &folder, const QString &name)
@@ -102,7 +112,7 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
     int notBegun = 0;
     for (const PhotoCopy &copy : qAsConst(copies)) {
         if (copy.ending == PhotoCopy::Ending::Failed)
-            errors.append(copy.name + QStringLiteral("拷贝失败"));
+            errors.append(failure(copy));
         else if (copy.ending == PhotoCopy::Ending::NotBegun)
             ++notBegun;
     }

@@ -186,7 +186,7 @@ QString markedPhotos(const SheetInput &input)
 
 QString photoGrid(const SheetInput &input, const QString &title, const QVector<DetailPhoto> &photos)
 {
-    QString html = sectionTitle(QStringLiteral("%1 （%2张）").arg(title).arg(photos.size()));
+    QString html = sectionTitle(title + QString::number(photos.size()) + QStringLiteral("张）"));
     if (photos.isEmpty())
         return html;
     html += QStringLiteral("<table width=\"100%\" border=\"0\" cellspacing=\"0\" "
@@ -230,8 +230,8 @@ QString sheetHtml(const SheetInput &input)
            requirement(QStringLiteral("调修要求"), detail.value("orderpicdescr")) +
            markedPhotos(input) + sectionTitle(QStringLiteral("指定制作")) +
            productTable(input, ProductKind::Urgent) + productTable(input, ProductKind::Normal) +
-           photoGrid(input, QStringLiteral("已选张数"), detail.images) +
-           photoGrid(input, QStringLiteral("入底张数"), detail.imagesRudi) +
+           photoGrid(input, QStringLiteral("已选张数 （"), detail.images) +
+           photoGrid(input, QStringLiteral("入底张数 （"), detail.imagesRudi) +
            QStringLiteral("<p align=\"left\">") + escaped(detail.shopDisclaimer) +
            QStringLiteral("</p>") + signatures(detail) +
            QStringLiteral("<p align=\"right\" style=\"font-size: 12px;\">") + printedAt +
