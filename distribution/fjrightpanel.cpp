@@ -351,6 +351,7 @@ void FJRightPanel::showPhotos(const QString &orderPhotoId, const QString &name,
     undownloaded_.model.setPhotos(undownloaded);
     downloaded_.model.setPhotos(downloaded);
     updateCounts();
+    namingPanel_->editor()->setPreviewOrder(detail);
 }
 
 void FJRightPanel::clearPhotos(const QString &orderPhotoId, const QString &name)
@@ -361,6 +362,7 @@ void FJRightPanel::clearPhotos(const QString &orderPhotoId, const QString &name)
     undownloaded_.model.setPhotos({});
     downloaded_.model.setPhotos({});
     updateCounts();
+    namingPanel_->editor()->setPreviewOrder({});
 }
 
 void FJRightPanel::markDownloaded(const QString &orderPhotoId, const QString &imageId)

@@ -4,6 +4,8 @@
 #include "distribution/draggablefieldsource.h"
 #include "distribution/dropzone.h"
 #include "distribution/flowlayout.h"
+#include "distribution/foldernames.h"
+#include "distribution/orderdetail.h"
 #include "net/safename.h"
 #include "widgets/theme.h"
 
@@ -31,8 +33,6 @@ FolderNamingRule::FolderNamingRule(QWidget *parent)
     , zone_(new DropZone(this))
     , preview_(makeLabel(QStringLiteral("rulePreview"), theme::hintStyle(), this))
     , warning_(makeLabel(QStringLiteral("ruleWarning"), theme::warningStyle(), this))
-    , values_(namingrule::sampleValues())
-    , builtIn_(QStringLiteral("1#20240507001 12寸相册 相册 2 李明-王丽 2024-06-01取 自取"))
 {
     auto *heading = new QLabel(QStringLiteral("产品文件夹命名规则"), this);
     heading->setStyleSheet(theme::headingStyle());
@@ -52,7 +52,7 @@ FolderNamingRule::FolderNamingRule(QWidget *parent)
     layout->addWidget(warning_);
 
     connect(zone_, &DropZone::ruleChanged, this, &FolderNamingRule::announce);
-    showPreview();
+    setPreviewOrder({});
 }
 
 QWidget *FolderNamingRule::buildSources()
@@ -87,10 +87,16 @@ namingrule::Rule FolderNamingRule::rule() const
     return zone_->rule();
 }
 
-void FolderNamingRule::setPreviewProduct(const namingrule::Values &values, const QString &builtIn)
+void FolderNamingRule::setPreviewOrder(const OrderDetail &detail)
 {
-    values_ = values;
-    builtIn_ = builtIn;
+    const QVector<DetailProduct> products = detail.products();
+    if (products.isEmpty()) {
+        values_ = namingrule::sampleValues();
+        builtIn_ = QStringLiteral("1#20240507001 12寸相册 相册 2 李明-王丽 2024-06-01取 自取");
+    } else {
+        values_ = foldernames::ruleValues(detail, products.first());
+        builtIn_ = foldernames::builtInProductFolder(detail, products.first(), 1);
+    }
     showPreview();
 }
 

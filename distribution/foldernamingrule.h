@@ -7,6 +7,7 @@
 
 class DropZone;
 class QLabel;
+struct OrderDetail;
 
 /// The editor of the rule that names product folders: the fields there are, the rule that is made
 /// of them by dragging or by keys, and the name that it gives.
@@ -25,9 +26,9 @@ public:
     void markSaved(const namingrule::Rule &rule) { loaded_ = rule; }
     namingrule::Rule rule() const;
 
-    /// The product whose folder the preview names: \a values for a rule, \a builtIn where there is
-    /// no rule.
-    void setPreviewProduct(const namingrule::Values &values, const QString &builtIn);
+    /// The preview names the folder of this order's first product; of a made-up one where there is
+    /// none.
+    void setPreviewOrder(const OrderDetail &detail);
 
 signals:
     void ruleChanged(const namingrule::Rule &rule);

@@ -28,8 +28,6 @@ constexpr int largestPicture = 450;
 /// Decodes the sheet's pictures, each once, no larger than print can show.
 class SheetDocument : public QTextDocument
 {
-    Q_OBJECT
-
 protected:
     QVariant loadResource(int type, const QUrl &name) override
     {
@@ -121,5 +119,3 @@ QString printProductionSheet(const OrderDetail &detail, const QString &orderFold
                          });
     return printed ? QString() : foldernames::sheetFile + QStringLiteral("生成失败");
 }
-
-#include "productionsheet.moc"

@@ -7,6 +7,7 @@
 #include "distribution/flowlayout.h"
 #include "distribution/foldernamingrule.h"
 #include "distribution/namingrulepanel.h"
+#include "distribution/orderdetail.h"
 #include "distribution/separatorbutton.h"
 #include "tests/support/democlient.h"
 #include "widgets/messagebox.h"
@@ -367,7 +368,13 @@ void TestRuleEditor::previewAndWarnings()
 {
     const auto preview = [this] { return editor_->findChild<QLabel *>(s("rulePreview"))->text(); };
     auto *warning = editor_->findChild<QLabel *>(s("ruleWarning"));
-    editor_->setPreviewProduct({{s("id"), s("7")}, {s("name"), s("a/b")}}, s("默认名"));
+    OrderDetail detail;
+    DetailProduct product;
+    product.id = s("7");
+    product.isUrgent = s("0");
+    product.goodName = s("a/b");
+    detail.goods = {product};
+    editor_->setPreviewOrder(detail);
     editor_->load(ruleText("id_"));
     QCOMPARE(preview(), s("预览：7_"));
     QVERIFY(warning->isHidden());
@@ -376,8 +383,11 @@ void TestRuleEditor::previewAndWarnings()
     QVERIFY(warning->isVisible());
     QVERIFY(warning->text().contains(s("结尾")) && warning->text().contains(s("字符")));
     editor_->load(s("[]"));
-    QCOMPARE(preview(), s("预览：默认名"));
+    QCOMPARE(preview(), s("预览：1# a_b   - 取"));
     QVERIFY(warning->text().contains(s("空")));
+    editor_->load(ruleText("id_"));
+    editor_->setPreviewOrder({});
+    QCOMPARE(preview(), s("预览：1024_"));
 }
 
 void TestRuleEditor::saves()
