@@ -2,6 +2,7 @@
 #include "app/shell/toolcardwidget.h"
 #include "distribution/distributionordermodel.h"
 #include "distribution/fjhome.h"
+#include "distribution/foldernamingrule.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
 #include "widgets/filedialog.h"
@@ -13,6 +14,8 @@
 #include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -138,6 +141,11 @@ void tourDistribution(Guide &guide)
     guide.waitFor(
         [&hand] { return hand.label("undownloadLabel").contains(QStringLiteral("(4张)")); },
         QStringLiteral("the order's photos are listed"));
+
+    auto *naming = hand.window()->findChild<FolderNamingRule *>();
+    hand.window()->findChild<QScrollArea *>()->ensureWidgetVisible(naming);
+    guide.picture(hand.window(), QStringLiteral("distribution-naming"));
+    hand.window()->findChild<QScrollArea *>()->verticalScrollBar()->setValue(0);
 
     guide.step(QStringLiteral("设计分件: 开始分件"));
     hand.clickCell(0, DistributionOrderModel::TickColumn);
