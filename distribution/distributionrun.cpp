@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr int stepIntervalMs = 250;
+
 struct Planned
 {
     QString folderError;
@@ -48,6 +50,8 @@ DistributionRun::DistributionRun(QObject *parent)
     qRegisterMetaType<TaskResult>();
     pool_.setObjectName(QStringLiteral("distribution"));
     pool_.setMaxThreadCount(QThread::idealThreadCount());
+    stepTimer_.setInterval(stepIntervalMs);
+    connect(&stepTimer_, &QTimer::timeout, this, &DistributionRun::announceStep);
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
     connect(&fetches_, &ImageFetches::failed, this,
             [this](const DistributionTask &store, const QString &error) {
@@ -73,6 +77,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     stopFlag_ = std::make_shared<std::atomic<bool>>(false);
     completed_ = 0;
     index_ = -1;
+    stepTimer_.start();
     startNextOrder();
     return true;
 }
@@ -103,8 +108,10 @@ void DistributionRun::startNextOrder()
     isSaveHtml_ = false;
     listSize_ = 0;
     listSettled_ = 0;
+    orderTask_.clear();
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
+    announceStep();
     detailCall_.start(distributionrequests::detailAction,
                       distributionrequests::detailBody(current(), settings_.identity),
                       [this](const ServiceReply &reply) { onDetail(reply); });
@@ -274,7 +281,29 @@ void DistributionRun::startOrderTask(const QString &type)
     task.targetFolder = orderFolder_;
     task.detail = detail_;
     task.namingRule = settings_.namingRule;
+    task.progress = std::make_shared<StepProgress>();
+    productProgress_ = task.progress;
+    orderTask_ = type;
+    announceStep();
     startTask(task);
+}
+
+void DistributionRun::announceStep()
+{
+    const auto counted = [](const QString &what, int done, int total) {
+        return QStringLiteral("%1 %2/%3").arg(what, QString::number(done), QString::number(total));
+    };
+    if (!running_)
+        emit stepChanged({});
+    else if (orderTask_ == tasktype::makeSheet)
+        emit stepChanged(QStringLiteral("正在生成明细制作单"));
+    else if (orderTask_ == tasktype::createProducts)
+        emit stepChanged(counted(QStringLiteral("正在创建产品文件夹"), productProgress_->done,
+                                 productProgress_->total));
+    else if (expected_ == 0)
+        emit stepChanged(QStringLiteral("正在读取订单资料"));
+    else
+        emit stepChanged(counted(QStringLiteral("正在拷贝照片"), copyPicFinishNum_, photoResults_));
 }
 
 void DistributionRun::report(const TaskResult &result)
@@ -325,6 +354,8 @@ void DistributionRun::finish()
     summary.stopped = *stopFlag_;
     summary.errors = errors_;
     running_ = false;
+    stepTimer_.stop();
+    announceStep();
     detail_.reset();
     emit finished(summary);
     announceIdle();

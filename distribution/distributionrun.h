@@ -13,6 +13,7 @@
 #include <QSet>
 #include <QStringList>
 #include <QThreadPool>
+#include <QTimer>
 #include <QVector>
 
 #include <atomic>
@@ -73,6 +74,8 @@ signals:
     void orderStarted(int position, int total, const OrderData &order);
     void detailRead(const QString &orderPhotoId, const OrderDetailPtr &detail);
     void progressChanged(int value, int expected);
+    /// What goes on within the order, for the user; empty after the run. Told now and then.
+    void stepChanged(const QString &text);
     /// A result has been counted.
     void resultCounted(bool success, const QString &type, const QString &copyFile,
                        const QString &imgData, const QString &errmsg);
@@ -101,6 +104,7 @@ private:
     void skipOrder(const QString &reason);
     void finish();
     void announceIdle();
+    void announceStep();
     const OrderData &current() const { return orders_.at(index_); }
 
     PerformTask perform_;
@@ -131,4 +135,7 @@ private:
     int listSettled_ = 0; ///< of them those that need nothing any more
 
     int tasksInFlight_ = 0;
+    QString orderTask_; ///< type of the task after the photos that is going on
+    std::shared_ptr<StepProgress> productProgress_;
+    QTimer stepTimer_;
 };

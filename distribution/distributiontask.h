@@ -12,6 +12,13 @@
 /// Raised when a run is to end.
 using StopFlag = std::shared_ptr<std::atomic<bool>>;
 
+/// How far a task of many steps is; written by the task's thread, read by any.
+struct StepProgress
+{
+    std::atomic<int> done{0};
+    std::atomic<int> total{0};
+};
+
 /// One file operation of a run, as plain values: what a task on the pool is given.
 struct DistributionTask
 {
@@ -23,8 +30,9 @@ struct DistributionTask
     QString imageId;      ///< handed back with the result; empty when nobody is told of this file
     QString data;         ///< "存储照片": a data URL, or the text of a text file
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
-    QString namingRule; ///< "创建产品": the rule as JSON text
-    StopFlag stopped;   ///< what consists of several steps begins none once it is up; may be null
+    QString namingRule;                     ///< "创建产品": the rule as JSON text
+    std::shared_ptr<StepProgress> progress; ///< "创建产品": photos copied; may be null
+    StopFlag stopped; ///< what consists of several steps begins none once it is up; may be null
 };
 
 /// How one of them ended; what FJDataThread reports.

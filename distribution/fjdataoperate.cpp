@@ -161,9 +161,9 @@ TaskResult storePhoto(const DistributionTask &task)
 TaskResult createProducts(const DistributionTask &task)
 {
     const OrderDetail nothing;
-    const QStringList errors =
-        createProductFolders(task.detail ? *task.detail : nothing, task.namingRule,
-                             task.targetFolder, [&task] { return task.stopped && *task.stopped; });
+    const QStringList errors = createProductFolders(
+        task.detail ? *task.detail : nothing, task.namingRule, task.targetFolder,
+        [&task] { return task.stopped && *task.stopped; }, task.progress.get());
     // The lines name what they are about.
     return errors.isEmpty() ? succeeded(task, task.targetFolder)
                             : failed(task, QString(), errors.join(QLatin1Char('\n')));

@@ -96,6 +96,7 @@ void FJHome::connectRun()
                 right_->showPhotos(orderPhotoId, current_.displayNumber(), *detail);
             });
     connect(&run_, &DistributionRun::progressChanged, left_, &FJLeftPanel::showProgress);
+    connect(&run_, &DistributionRun::stepChanged, left_, &FJLeftPanel::showStep);
     connect(&run_, &DistributionRun::errorAdded, left_, &FJLeftPanel::addError);
     connect(&run_, &DistributionRun::photoDownloaded, right_, &FJRightPanel::markDownloaded);
     connect(&run_, &DistributionRun::resultCounted, this, &FJHome::slt_copypicthread);

@@ -50,6 +50,7 @@ FJLeftPanel::FJLeftPanel(QWidget *parent)
     , unselectAll_(new QPushButton(QStringLiteral("取消全选"), this))
     , ticked_(new QLabel(this))
     , progressLabel_(new QLabel(this))
+    , stepLabel_(new QLabel(this))
     , progressBar_(new QProgressBar(this))
 {
     proxy_->setSourceModel(&model_);
@@ -127,6 +128,7 @@ void FJLeftPanel::buildLayout()
     selectAll_->setStyleSheet(theme::secondaryButtonStyle());
     unselectAll_->setStyleSheet(theme::secondaryButtonStyle());
     progressLabel_->setObjectName(QStringLiteral("progressLabel"));
+    stepLabel_->setObjectName(QStringLiteral("stepLabel"));
     progressBar_->setObjectName(QStringLiteral("progressBar"));
     progressBar_->setTextVisible(false);
     progressBar_->setRange(0, 1);
@@ -144,6 +146,7 @@ void FJLeftPanel::buildLayout()
     progressTexts->addWidget(new QLabel(QStringLiteral("分件进度"), this));
     progressTexts->addSpacing(theme::margin());
     progressTexts->addWidget(progressLabel_, 1);
+    progressTexts->addWidget(stepLabel_);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
@@ -347,6 +350,11 @@ void FJLeftPanel::setLocked(bool locked)
 void FJLeftPanel::showRunProgress(const QString &text)
 {
     progressLabel_->setText(text);
+}
+
+void FJLeftPanel::showStep(const QString &text)
+{
+    stepLabel_->setText(text);
 }
 
 void FJLeftPanel::showProgress(int value, int expected)

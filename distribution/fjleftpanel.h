@@ -43,6 +43,7 @@ public:
     void setLocked(bool locked);
 
     void showRunProgress(const QString &text);
+    void showStep(const QString &text);
     void showProgress(int value, int expected);
     void clearErrors();
     void addError(const QString &line);
@@ -95,6 +96,7 @@ private:
     QPushButton *unselectAll_;
     QLabel *ticked_;
     QLabel *progressLabel_;
+    QLabel *stepLabel_;
     QProgressBar *progressBar_;
     QWidget *errorList_ = nullptr;
     QLabel *errorHeading_ = nullptr;

@@ -42,7 +42,8 @@ public:
     /// Ids of photos that the user does not want, by order_photo_id.
     QHash<QString, QSet<QString>> leftOut() const { return leftOut_; }
 
-    /// Fills both lists and previews the rule with the order's first product. \a name is what the user knows the order by.
+    /// Fills both lists and previews the rule with the order's first product. \a name is what the
+    /// user knows the order by.
     void showPhotos(const QString &orderPhotoId, const QString &name, const OrderDetail &detail);
     /// The order is to be shown, but its photos are not known yet; or nothing is to be shown.
     void clearPhotos(const QString &orderPhotoId = {}, const QString &name = {});

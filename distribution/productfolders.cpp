@@ -81,7 +81,8 @@ QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleTex
 }
 
 QStringList createProductFolders(const OrderDetail &detail, const QString &ruleText,
-                                 const QString &orderFolder, const std::function<bool()> &stopped)
+                                 const QString &orderFolder, const std::function<bool()> &stopped,
+                                 StepProgress *progress)
 {
     const QString factoryName = foldernames::factoryFolder(detail);
     if (!photofiles::ensureFolder(inFolder(orderFolder, factoryName)))
@@ -103,11 +104,15 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
             errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
     }
 
-    QtConcurrent::blockingMap(copies, [&stopped](PhotoCopy &copy) {
+    if (progress)
+        progress->total = copies.size();
+    QtConcurrent::blockingMap(copies, [&stopped, progress](PhotoCopy &copy) {
         if (stopped && stopped())
             return;
         copy.ending = photofiles::copyOnto(copy.source, copy.target) ? PhotoCopy::Ending::Copied
                                                                      : PhotoCopy::Ending::Failed;
+        if (progress)
+            ++progress->done;
     });
     int notBegun = 0;
     for (const PhotoCopy &copy : qAsConst(copies)) {

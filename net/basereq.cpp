@@ -18,6 +18,8 @@ namespace {
 
 /// Larger replies, such as a list of thousands of orders, would hold the interface up.
 constexpr int parsedAtOnceBytes = 256 * 1024;
+/// No picture that the service offers is larger; whatever goes on beyond this is none.
+constexpr qint64 largestImageBytes = 64 * 1024 * 1024;
 
 QByteArray withSessionFields(const QByteArray &body)
 {
@@ -126,6 +128,10 @@ void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
     request.setUrl(QUrl(url));
     watch(manager_->get(request));
     connect(reply_, &QNetworkReply::finished, this, [this] { imageDownloadFinished(reply_); });
+    connect(reply_, &QNetworkReply::downloadProgress, this, [reply = reply_](qint64 received) {
+        if (reply && received > largestImageBytes)
+            reply->abort();
+    });
 }
 
 void BaseReq::watch(QNetworkReply *reply)

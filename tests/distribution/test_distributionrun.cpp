@@ -56,6 +56,7 @@ private slots:
     void leavesOutWhatIsNotWanted();
     void countsInEachMode_data();
     void countsInEachMode();
+    void tellsWhatGoesOn();
     void badDetailsAreListedAndTheRunGoesOn_data();
     void badDetailsAreListedAndTheRunGoesOn();
     void hostileNamesStayInTheirFolder();
@@ -352,6 +353,22 @@ void TestDistributionRun::countsInEachMode()
     const QString missing = QStringLiteral("TS10001-服务1: IMG_0005.jpg");
     QVERIFY(std::any_of(summary.errors.cbegin(), summary.errors.cend(),
                         [&](const QString &line) { return line.startsWith(missing); }));
+}
+
+void TestDistributionRun::tellsWhatGoesOn()
+{
+    QSignalSpy steps(run_.get(), &DistributionRun::stepChanged);
+    run({order(1)}, settings(Type::Distribution, QStringLiteral("f")));
+    QStringList told;
+    for (const QList<QVariant> &step : qAsConst(steps)) {
+        const QString what = step.first().toString().section(QLatin1Char(' '), 0, 0);
+        if (told.isEmpty() || told.last() != what)
+            told.append(what);
+    }
+    told.removeOne(QStringLiteral("正在拷贝照片")); // told when it takes its time
+    QCOMPARE(told,
+             (QStringList{QStringLiteral("正在读取订单资料"), QStringLiteral("正在创建产品文件夹"),
+                          QStringLiteral("正在生成明细制作单"), QString()}));
 }
 
 void TestDistributionRun::badDetailsAreListedAndTheRunGoesOn_data()
