@@ -142,7 +142,8 @@ public:
             Qt::QueuedConnection);
         QStringList boxes;
         await(QStringLiteral("end of the run"), [&boxes] {
-            for (const MessageBox::Shown &box : MessageBox::takeShown())
+            const auto shown = MessageBox::takeShown();
+            for (const MessageBox::Shown &box : shown)
                 boxes.append(box.text);
             return !boxes.isEmpty();
         });

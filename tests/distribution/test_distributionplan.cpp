@@ -212,7 +212,8 @@ private slots:
         RawFiles raws;
         const auto beside = [&](const QString &photo) {
             QStringList names;
-            for (const QString &path : raws.beside(folder.path() + photo))
+            const QStringList found = raws.beside(folder.path() + photo);
+            for (const QString &path : found)
                 names.append(QFileInfo(path).fileName());
             return names.join(QLatin1Char(' '));
         };

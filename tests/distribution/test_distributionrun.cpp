@@ -75,6 +75,7 @@ private:
     DemoClient demo_;
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<DistributionRun> run_;
+    RunSummary summary_; ///< of the last run
 };
 
 void TestDistributionRun::init()
@@ -84,6 +85,8 @@ void TestDistributionRun::init()
     folder_ = std::make_unique<QTemporaryDir>();
     run_ = std::make_unique<DistributionRun>();
     run_->setPerform(&FJDataOperate::perform);
+    connect(run_.get(), &DistributionRun::finished, this,
+            [this](const RunSummary &summary) { summary_ = summary; });
 }
 
 void TestDistributionRun::cleanup()
@@ -115,14 +118,10 @@ RunSettings TestDistributionRun::settings(Type type, const QString &options)
 
 RunSummary TestDistributionRun::run(const QVector<OrderData> &orders, const RunSettings &settings)
 {
-    RunSummary summary;
     QSignalSpy idle(run_.get(), &DistributionRun::idle);
-    connect(run_.get(), &DistributionRun::finished, this,
-            [&summary](const RunSummary &result) { summary = result; });
     if (!run_->start(orders, settings) || (idle.isEmpty() && !idle.wait(60000)))
         qFatal("the run did not end");
-    disconnect(run_.get(), &DistributionRun::finished, this, nullptr);
-    return summary;
+    return summary_;
 }
 
 QStringList TestDistributionRun::tree(const QString &folder)
@@ -207,7 +206,8 @@ QStringList spreadOut(const QStringList &patterns)
             paths.append(pattern);
             continue;
         }
-        for (const QString &one : match.captured(1).split(QLatin1Char(',')))
+        const QStringList choices = match.captured(1).split(QLatin1Char(','));
+        for (const QString &one : choices)
             paths.append(QString(pattern).replace(match.captured(0), one));
     }
     paths.removeDuplicates();
@@ -435,9 +435,6 @@ void TestDistributionRun::stopsAfterTheTasksInFlight()
     });
     QSignalSpy finished(run_.get(), &DistributionRun::finished);
     QSignalSpy counted(run_.get(), &DistributionRun::resultCounted);
-    RunSummary summary;
-    connect(run_.get(), &DistributionRun::finished, this,
-            [&summary](const RunSummary &result) { summary = result; });
     QVERIFY(
         run_->start({order(1), order(5)}, settings(Type::Distribution, QStringLiteral("ofbrt"))));
     const int threads = QThread::idealThreadCount();
@@ -448,10 +445,9 @@ void TestDistributionRun::stopsAfterTheTasksInFlight()
     QTRY_COMPARE(finished.size(), 1);
     QCOMPARE(begun.load(), threads);
     QCOMPARE(counted.size(), threads);
-    QVERIFY(summary.stopped);
-    QCOMPARE(summary.completed, 0);
+    QVERIFY(summary_.stopped);
+    QCOMPARE(summary_.completed, 0);
     QCOMPARE(demo_.requests(detailAction).size(), 1);
-    disconnect(run_.get(), &DistributionRun::finished, this, nullptr);
 }
 
 void TestDistributionRun::stopsWhileWaitingForTheService()
