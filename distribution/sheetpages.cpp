@@ -53,6 +53,10 @@ public:
         edit.endEditBlock();
         document_->setPageSize(page_);
         keepHeadings();
+        for (const QTextTable *table : qAsConst(tables)) {
+            if (hasTitle(table))
+                keepProducts(table);
+        }
     }
 
 private:
@@ -131,12 +135,55 @@ private:
         }
     }
 
+    /// A product's rows and the first row of its photos. What stands above them makes room; padding
+    /// of their own would be asked for on both pages.
+    void keepProducts(const QTextTable *table) const
+    {
+        QTextTable *above = nullptr;
+        for (int row = firstContentRow(table); row < table->rows(); ++row) {
+            QTextTable *photos = nestedTable(table, row);
+            if (!photos)
+                continue;
+            if (above) {
+                const int first = rowOf(table, above) + 1;
+                const double top = rowExtent(table, first).top;
+                const double bottom = rowExtent(photos, 0).bottom;
+                const double nextPage = (std::floor(top / page_.height()) + 1) * page_.height();
+                if (bottom > nextPage && bottom - top < page_.height()) {
+                    QTextTableFormat format = above->format();
+                    format.setBottomMargin(format.bottomMargin() + nextPage +
+                                           document_->documentMargin() - top);
+                    above->setFormat(format);
+                }
+            }
+            above = photos;
+        }
+    }
+
+    static QTextTable *nestedTable(const QTextTable *table, int row)
+    {
+        const QTextTableCell cell = table->cellAt(row, 0);
+        for (auto part = cell.begin(); !part.atEnd(); ++part) {
+            if (auto *nested = qobject_cast<QTextTable *>(part.currentFrame()))
+                return nested;
+        }
+        return nullptr;
+    }
+
+    static int rowOf(const QTextTable *table, const QTextTable *nested)
+    {
+        return table->cellAt(nested->firstPosition()).row();
+    }
+
+    static bool hasTitle(const QTextTable *table)
+    {
+        return table->columns() > 1 && table->cellAt(0, 0).columnSpan() == table->columns();
+    }
+
     /// Below the title over all columns, and below the names of these.
     static int firstContentRow(const QTextTable *table)
     {
-        const bool hasTitle =
-            table->columns() > 1 && table->cellAt(0, 0).columnSpan() == table->columns();
-        return hasTitle ? std::min(2, table->rows() - 1) : 0;
+        return hasTitle(table) ? std::min(2, table->rows() - 1) : 0;
     }
 
     Extent rowExtent(const QTextTable *table, int row) const
