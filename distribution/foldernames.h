@@ -14,12 +14,9 @@ namespace foldernames {
 inline const QString other = QStringLiteral("其他");
 inline const QString finished = QStringLiteral("成品");
 inline const QString thumbnails = QStringLiteral("缩略图");
-inline const QString rejected = QStringLiteral("汰片");
-inline const QString archive = QStringLiteral("入底");
 inline const QString marked = QStringLiteral("标记"); ///< below "其他"
 inline const QString crops = QStringLiteral("裁剪");
-inline const QString barcodeFile = QStringLiteral("条形码.jpg");    ///< below "其他"
-inline const QString deliveryFile = QStringLiteral("快递信息.txt"); ///< below "其他"
+inline const QString barcodeFile = QStringLiteral("条形码.jpg"); ///< below "其他"
 inline const QString sheetFile = QStringLiteral("明细制作单.pdf");
 
 /// In the order's folder; holds the folders of its products.
