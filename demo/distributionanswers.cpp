@@ -113,7 +113,8 @@ private:
     }
 
     // first, count: which of the chosen photos.
-    QJsonObject product(int number, const char *name, int first, int count, Texts more = {}) const
+    QJsonObject product(int number, const char *name, int first, int count,
+                        const Texts &more = {}) const
     {
         QJsonObject object;
         put(&object, {{"id", QStringLiteral("%1%2").arg(order_.id).arg(number)},

@@ -220,13 +220,13 @@ void FJLeftPanel::cancelRequests()
 }
 
 void FJLeftPanel::onReqShopInfo(const QString &searchType, const QString &keyword,
-                                const QString &k_shopid)
+                                const QString &shopid)
 {
     searchType_ = searchType;
     keyword_ = keyword;
-    wantedShop_ = k_shopid;
+    wantedShop_ = shopid;
     begin(QStringLiteral("正在切换分店..."));
-    branch_.switchTo(k_shopid);
+    branch_.switchTo(shopid);
 }
 
 void FJLeftPanel::onBranchSwitched()

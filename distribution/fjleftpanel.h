@@ -66,7 +66,7 @@ public slots:
     void onCellClicked(int row, int column);
     void onSelectAllClicked();
     void onUnselectAllClicked();
-    void onReqShopInfo(const QString &searchType, const QString &keyword, const QString &k_shopid);
+    void onReqShopInfo(const QString &searchType, const QString &keyword, const QString &shopid);
 
 private:
     void buildTable();

@@ -59,7 +59,7 @@ signals:
     void startProcessRequested();
     void stopProcessRequested();
     void downAndUnDownImgSelectedChange();
-    void shopChange(const QString &shop_id);
+    void shopChange(const QString &shopId);
 
 public slots:
     void onSearchTypeChanged();
