@@ -453,6 +453,40 @@ private slots:
         QCOMPARE(service.requests().size(), 2);
     }
 
+    void answersToTheDistribution()
+    {
+        const auto detail = [this] {
+            return post("order&a=orderphotodetail", "order_photo_id=800001" + flagship);
+        };
+        const Answer answer = detail();
+        QCOMPARE(listed(answer["images"], "isdownload"), QStringLiteral("0,0,0,0"));
+        QCOMPARE(listed(answer["urgentgoods"], "goodname"), utf8("迎宾海报"));
+        const QJsonObject first = answer["images"].toArray().first().toObject();
+        for (const char *path : {"localpath", "localpath90"}) {
+            const QString file = first.value(QLatin1String(path)).toString();
+            QVERIFY2(!QImage(QString(file).replace(u'\\', u'/')).isNull(), qPrintable(file));
+        }
+        QVERIFY(!get(first.value(QLatin1String("url")).toString()).isNull());
+
+        const QByteArray id = first.value(QLatin1String("id")).toString().toUtf8();
+        QCOMPARE(post("order&a=download_success", "id=" + id + flagship).code(), utf8("1"));
+        QCOMPARE(post("order&a=download_success", "id=" + id + riverside).code(), utf8("0"));
+        QCOMPARE(post("order&a=download_success", "id=" + flagship).code(), utf8("0"));
+        QCOMPARE(listed(detail()["images"], "isdownload"), QStringLiteral("1,0,0,0"));
+
+        const char save[] = "public&a=save_goodsfoldernamerule";
+        QCOMPARE(post(save, "goodsfoldernamerule=x" + flagship).code(), utf8("0"));
+        QCOMPARE(post(save, "goodsfoldernamerule=[1]" + flagship).code(), utf8("1"));
+        const Answer login = post("public&a=dologin", "username=demo01&password=abc123" + session);
+        QVERIFY(listed(login["shop_data"], "goodsfoldernamerule").startsWith(utf8("[1],")));
+
+        const QImage barcode =
+            get(service_->url() +
+                QStringLiteral(
+                    "/index.php?g=OrvelleDPc&m=order&a=getbarcodegen&orderpayforkey=TS10001"));
+        QVERIFY(barcode.width() > 200);
+    }
+
 private:
     QNetworkReply *send(const DemoService &service, const QByteArray &action,
                         const QByteArray &body, const QSslConfiguration &tls = {})
