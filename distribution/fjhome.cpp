@@ -6,6 +6,7 @@
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "distribution/namingrulepanel.h"
+#include "widgets/colours.h"
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/theme.h"
@@ -26,7 +27,9 @@ FJHome::FJHome(QWidget *parent)
 {
     setWindowTitle(QStringLiteral("分件工具"));
     auto *splitter = new QSplitter(Qt::Horizontal);
-    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->setStyleSheet(theme::splitterStyle() +
+                            QStringLiteral("QSplitter { background-color: %1; }")
+                                .arg(colours::css(colours::toolBackground)));
     splitter->addWidget(left_);
     splitter->addWidget(right_);
     splitter->setStretchFactor(0, 1);
