@@ -2,14 +2,12 @@
 
 #include "app/account/batchlogindialog.h"
 #include "app/helpers/macwindowmanager.h"
+#include "batchdelete/batchdelete_exportbutton.h"
 #include "batchdelete/batchdelete_filelistwidget.h"
 #include "batchdelete/batchdelete_orderlistwidget.h"
 #include "batchdelete/deletionreport.h"
 #include "net/background.h"
-#include "net/filewriting.h"
 #include "widgets/confirmdialog.h"
-#include "widgets/contextmenu.h"
-#include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
@@ -18,9 +16,6 @@
 #include "widgets/toast.h"
 
 #include <QClipboard>
-#include <QDateTime>
-#include <QDebug>
-#include <QFile>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -28,8 +23,6 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace {
 
@@ -45,14 +38,6 @@ QString noPermissionText()
     return QStringLiteral("暂无权限操作批量删除");
 }
 
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    return writeWholeFile(path, [&bytes](const QString &temporary) {
-        QFile file(temporary);
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-    });
-}
-
 } // namespace
 
 BatchDelete::BatchDelete(QWidget *parent)
@@ -60,7 +45,7 @@ BatchDelete::BatchDelete(QWidget *parent)
     , searchBar_(new OrderSearchBar(this))
     , countLabel_(new QLabel(this))
     , runLabel_(new QLabel(this))
-    , exportButton_(new QPushButton(QStringLiteral("导出结果"), this))
+    , exportButton_(new BatchDelete_ExportButton(&orders_, this))
     , startButton_(new QPushButton(this))
     , orderList_(new BatchDelete_OrderListWidget(&orders_))
     , fileList_(new BatchDelete_FileListWidget)
@@ -103,8 +88,6 @@ void BatchDelete::buildLayout()
     runLabel_->setObjectName(QStringLiteral("runLabel"));
     startButton_->setObjectName(QStringLiteral("startButton"));
     startButton_->setMinimumHeight(theme::controlHeight());
-    exportButton_->setObjectName(QStringLiteral("exportButton"));
-    exportButton_->setStyleSheet(theme::secondaryButtonStyle());
 
     auto *bar = new QHBoxLayout;
     bar->setSpacing(theme::spacing());
@@ -179,7 +162,6 @@ void BatchDelete::connectLists()
             &BatchDelete::onRefreshOrderFiles);
     connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
     connect(startButton_, &QPushButton::clicked, this, &BatchDelete::onStartBatchDelete);
-    addExportMenu();
 }
 
 void BatchDelete::connectRun()
@@ -634,55 +616,4 @@ void BatchDelete::showRunState()
         runLabel_->setText(QStringLiteral("当前文件处理完后停止..."));
     else
         runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单").arg(turn_).arg(turns_));
-}
-
-void BatchDelete::addExportMenu()
-{
-    auto *menu = new ContextMenu(exportButton_);
-    menu->addAction(QStringLiteral("保存为 CSV 文件..."), this, &BatchDelete::saveOutcome);
-    menu->addAction(QStringLiteral("复制到剪贴板"), this, &BatchDelete::copyOutcome);
-    exportButton_->setMenu(menu);
-}
-
-bool BatchDelete::hasOutcome()
-{
-    const QVector<BatchDeleteOrderInfo> &orders = orders_.orders();
-    const bool any = std::any_of(orders.cbegin(), orders.cend(),
-                                 [](const BatchDeleteOrderInfo &order) { return order.processed; });
-    if (!any)
-        Toast::show(this, QStringLiteral("还没有删除结果"), toastMs);
-    return any;
-}
-
-void BatchDelete::saveOutcome()
-{
-    if (!hasOutcome())
-        return;
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    const QString path = FileDialog::saveFile(
-        this, QStringLiteral("导出结果"), QStringLiteral("批量删除结果-%1.csv").arg(now),
-        QStringLiteral("CSV (*.csv)"), QStringLiteral("deletion"));
-    if (path.isEmpty())
-        return;
-    inBackground(
-        this,
-        [path, orders = orders_.orders()] { return writeBytes(path, deletionreport::csv(orders)); },
-        [this, path](bool written) {
-            if (written)
-                Toast::show(this, QStringLiteral("结果已保存: %1").arg(path), toastMs);
-            else
-                MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
-        });
-}
-
-void BatchDelete::copyOutcome()
-{
-    if (!hasOutcome())
-        return;
-    inBackground(
-        this, [orders = orders_.orders()] { return deletionreport::csv(orders); },
-        [this](const QByteArray &table) {
-            QGuiApplication::clipboard()->setText(QString::fromUtf8(table));
-            Toast::show(this, QStringLiteral("结果已复制"), toastMs);
-        });
 }

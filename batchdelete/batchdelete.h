@@ -12,6 +12,7 @@
 #include <QList>
 #include <QMap>
 
+class BatchDelete_ExportButton;
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
 class LoadingOverlay;
@@ -80,10 +81,6 @@ private:
     void askForResubmit(const QString &question, const QString &certificateError);
     void onRunFinished(const DeletionSummary &summary);
     void showRunState();
-    void addExportMenu();
-    bool hasOutcome();
-    void saveOutcome();
-    void copyOutcome();
 
     BatchDeleteOrderModel orders_;
     BranchSession branch_;
@@ -99,7 +96,7 @@ private:
     OrderSearchBar *searchBar_;
     QLabel *countLabel_;
     QLabel *runLabel_;
-    QPushButton *exportButton_;
+    BatchDelete_ExportButton *exportButton_;
     QPushButton *startButton_;
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;

@@ -19,8 +19,8 @@ bool mayBeRemoved(const QString &path);
 /// exist or cannot be opened for other reasons. Touches the disk.
 bool isInUse(const QString &path);
 
-/// Removes the file at \a path, or a link as a link; never a folder. False, and the file stays, when
-/// it may not be removed or another program holds it. Blocks; for worker threads.
+/// Removes the file at \a path, or a link as a link; never a folder. False, and the file stays,
+/// when it may not be removed or another program holds it. Blocks; for worker threads.
 bool removeFile(const QString &path);
 
 } // namespace platform
