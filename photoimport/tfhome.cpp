@@ -182,15 +182,15 @@ void tfhome::connectRun()
 
 void tfhome::connectDeletion()
 {
-    connect(&deletion_, &PhotoDeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
-    connect(&deletion_, &PhotoDeletion::refused, this, [this](const ServiceReply &reply) {
+    connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
+    connect(&deletion_, &tfphotodeletion::refused, this, [this](const ServiceReply &reply) {
         overlay_->hideOverlay();
         if (isClosingLater())
             endClosing();
         else
             showServiceFailure(this, reply, reply.message);
     });
-    connect(&deletion_, &PhotoDeletion::removed, this, &tfhome::endClosing);
+    connect(&deletion_, &tfphotodeletion::removed, this, &tfhome::endClosing);
 }
 
 void tfhome::showEvent(QShowEvent *event)

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "app/helpers/sharedfolderopener.h"
-#include "photoimport/photodeletion.h"
 #include "photoimport/photoimportrun.h"
 #include "photoimport/sourcefile.h"
 #include "photoimport/tforderlistmodel.h"
+#include "photoimport/tfphotodeletion.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "widgets/framelesswindow.h"
 
@@ -77,7 +77,7 @@ private:
     tforderlistmodel orders_;
     tfphotolistmodel photos_;
     PhotoImportRun run_;
-    PhotoDeletion deletion_;
+    tfphotodeletion deletion_;
     SharedFolderOpener folderOpener_;
     QTimer progressTimer_;
     QElapsedTimer clock_;

@@ -1,5 +1,5 @@
-#include "photoimport/photodeletion.h"
 #include "photoimport/tforderlistmodel.h"
+#include "photoimport/tfphotodeletion.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "photoimport/tfthumbnailthread.h"
 #include "tests/support/pictures.h"

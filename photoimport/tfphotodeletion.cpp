@@ -1,4 +1,4 @@
-#include "photoimport/photodeletion.h"
+#include "photoimport/tfphotodeletion.h"
 
 #include "photoimport/photorequests.h"
 #include "photoimport/photorules.h"
@@ -19,18 +19,18 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
     return request;
 }
 
-PhotoDeletion::PhotoDeletion(QObject *parent)
+tfphotodeletion::tfphotodeletion(QObject *parent)
     : QObject(parent), call_(this), thread_(new TFDelLocalPhotoImg(this))
 {
-    connect(thread_, &QThread::finished, this, &PhotoDeletion::removed);
+    connect(thread_, &QThread::finished, this, &tfphotodeletion::removed);
 }
 
-bool PhotoDeletion::isRemoving() const
+bool tfphotodeletion::isRemoving() const
 {
     return thread_->isRunning();
 }
 
-bool PhotoDeletion::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::Identity &identity)
 {
     if (isActive())
         return false;
@@ -41,13 +41,13 @@ bool PhotoDeletion::start(const DeletionRequest &request, const orderqueries::Id
     return true;
 }
 
-void PhotoDeletion::cancel()
+void tfphotodeletion::cancel()
 {
     call_.cancel();
     asking_ = false;
 }
 
-void PhotoDeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
+void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
 {
     asking_ = false;
     if (!reply.isSuccess()) {

@@ -28,12 +28,12 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
 /// Deletes imported photos: first at the service; when that has agreed, from the disk, on a thread
 /// of its own. One deletion at a time. Lives on the interface thread; destroying it while
 /// isRemoving() waits for the disk.
-class PhotoDeletion : public QObject
+class tfphotodeletion : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit PhotoDeletion(QObject *parent = nullptr);
+    explicit tfphotodeletion(QObject *parent = nullptr);
 
     /// False, and nothing happens, while another deletion is under way.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
