@@ -102,6 +102,19 @@ private slots:
         QCOMPARE(told(file.read()), QStringLiteral("a password=eA==|secret|1"));
     }
 
+    void liesAmongTheUsersSettings()
+    {
+        QCoreApplication::setApplicationName(QStringLiteral("tessavo_tools"));
+#ifdef Q_OS_WIN
+        const char settings[] = "LOCALAPPDATA"; // stays on this machine
+#else
+        const char settings[] = "XDG_CONFIG_HOME";
+#endif
+        QCOMPARE(CredentialsFile().path(),
+                 QDir::fromNativeSeparators(qEnvironmentVariable(settings)) +
+                     QStringLiteral("/tessavo_tools/login_config.txt"));
+    }
+
     void cannotWrite()
     {
         QTemporaryDir folder;
