@@ -114,8 +114,10 @@ public:
         const auto costs = application_->stopWatching();
         bench::judge(QStringLiteral("  longest event while ") + what, costs.first().cpuMs,
                      eventBoundMs, QStringLiteral("ms"), 1);
-        bench::line(QStringLiteral("    (%1 ms of the wall clock)")
-                        .arg(bench::number(costs.first().wallMs, 1)));
+        bench::line(QStringLiteral("    (%1 ms of the wall clock; event %2 to %3)")
+                        .arg(bench::number(costs.first().wallMs, 1))
+                        .arg(costs.first().type)
+                        .arg(QString::fromLatin1(costs.first().receiver)));
     }
     bool showsPictures() const
     {

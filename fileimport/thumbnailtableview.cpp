@@ -375,8 +375,10 @@ bool ThumbnailTableView::select(int index, bool selected)
 
 void ThumbnailTableView::onPhotoSelectionChanged()
 {
+    if (changingMany_)
+        return; // before asking for the sender, which is looked for among all cells
     auto *button = qobject_cast<PhotoSelectButton *>(sender());
-    if (!button || changingMany_)
+    if (!button)
         return;
     const auto *cell = static_cast<PhotoCell *>(button->parentWidget());
     if (cell->parentWidget() != content_ || !select(cell->index(), button->isChecked()))
