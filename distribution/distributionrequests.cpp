@@ -27,14 +27,6 @@ const SearchType searchTypes[] = {
     {OrderSearch::SelectionDate, QStringLiteral("选片日期"), QStringLiteral("5")},
 };
 
-FormBody &addIdentity(FormBody &body, const orderqueries::Identity &identity)
-{
-    return body.add(QStringLiteral("shopid"), identity.shopId)
-        .add(QStringLiteral("eid"), identity.employeeId)
-        .add(QStringLiteral("superid"), identity.superId)
-        .add(QStringLiteral("personid"), identity.employeeId);
-}
-
 OrderData readOrder(const QJsonObject &element)
 {
     static const struct
@@ -83,21 +75,21 @@ QByteArray orderListBody(const QString &searchType, const QString &keyword,
         if (each.text == searchType)
             body.add(QStringLiteral("searchtype"), each.parameter);
     }
-    return addIdentity(body, identity).bytes();
+    return orderqueries::addIdentity(body, identity).bytes();
 }
 
 QByteArray detailBody(const OrderData &order, const orderqueries::Identity &identity)
 {
     FormBody body;
     body.add(QStringLiteral("order_photo_id"), order.orderPhotoId);
-    return addIdentity(body, identity).bytes();
+    return orderqueries::addIdentity(body, identity).bytes();
 }
 
 QByteArray downloadedBody(const QString &imageId, const orderqueries::Identity &identity)
 {
     FormBody body;
     body.add(QStringLiteral("id"), imageId);
-    return addIdentity(body, identity).bytes();
+    return orderqueries::addIdentity(body, identity).bytes();
 }
 
 QString barcodeUrl(const QString &orderNumber)
