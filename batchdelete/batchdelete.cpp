@@ -610,6 +610,7 @@ void BatchDelete::showRunState()
     startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
     orderList_->setCheckable(!running);
     exportButton_->setEnabled(!running);
+    exportButton_->setToolTip(running ? QStringLiteral("删除结束后可导出") : QString());
     if (!running)
         runLabel_->clear();
     else if (run_.isStopping())

@@ -1,6 +1,6 @@
 #include "batchdelete/batchdeletefilemodel.h"
 
-#include "batchdelete/deletionreport.h"
+#include "net/transferprogress.h"
 
 #include <QColor>
 
@@ -19,7 +19,7 @@ QString shownText(const BatchDeleteFileInfo &file, int column)
     case BatchDeleteFileModel::FolderColumn:
         return file.folder();
     case BatchDeleteFileModel::SizeColumn:
-        return deletionreport::sizeText(file.size);
+        return dataSizeText(double(file.size));
     case BatchDeleteFileModel::StateColumn:
         return deletionStateText(file.state);
     case BatchDeleteFileModel::PathColumn:

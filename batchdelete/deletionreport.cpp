@@ -2,8 +2,6 @@
 
 #include <QStringList>
 
-#include <array>
-
 namespace deletionreport {
 
 namespace {
@@ -52,21 +50,6 @@ QString failedList(const BatchDeleteOrderInfo &order)
             text += QLatin1Char('\n') + nameWithReason(file);
     }
     return text;
-}
-
-QString sizeText(qint64 bytes)
-{
-    static const std::array<QString, 4> units = {QStringLiteral(" B"), QStringLiteral(" KB"),
-                                                 QStringLiteral(" MB"), QStringLiteral(" GB")};
-    constexpr double step = 1024;
-    double value = double(bytes);
-    std::size_t unit = 0;
-    // 1023.96 would be shown as 1024.0 of the smaller unit.
-    while (value >= step - 0.05 && unit + 1 < units.size() && bytes >= qint64(step)) {
-        value /= step;
-        ++unit;
-    }
-    return QString::number(value, 'f', unit == 0 ? 0 : 1) + units.at(unit);
 }
 
 QString summaryText(const DeletionSummary &summary)

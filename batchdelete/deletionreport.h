@@ -15,9 +15,6 @@ QString succeededList(const BatchDeleteOrderInfo &order);
 /// Those that are not, or that the service does not know of, each with the reason.
 QString failedList(const BatchDeleteOrderInfo &order);
 
-/// A size with its unit, such as "12 KB".
-QString sizeText(qint64 bytes);
-
 /// What the end of a run is told with.
 QString summaryText(const DeletionSummary &summary);
 

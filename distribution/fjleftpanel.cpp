@@ -169,6 +169,7 @@ QWidget *FJLeftPanel::buildErrorList()
     copy->setStyleSheet(theme::secondaryButtonStyle());
     errors_ = new QPlainTextEdit(errorList_);
     errors_->setObjectName(QStringLiteral("errorList"));
+    errors_->setStyleSheet(theme::listStyle());
     errors_->setReadOnly(true);
     errors_->setTabChangesFocus(true);
     errors_->setFixedHeight(K::scaledPx(errorListPx));

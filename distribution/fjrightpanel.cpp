@@ -182,6 +182,7 @@ QWidget *FJRightPanel::buildPhotoList(PhotoList *list, const QString &caption, c
     list->label->setObjectName(prefix + QStringLiteral("Label"));
     list->view = new QListView(part);
     list->view->setObjectName(prefix + QStringLiteral("List"));
+    list->view->setStyleSheet(theme::listStyle());
     list->view->setModel(&list->model);
     list->view->setItemDelegate(new TickDelegate(list->view));
     list->view->setUniformItemSizes(true);
@@ -327,6 +328,11 @@ void FJRightPanel::setRunning(bool running)
     options_->setEnabled(!running);
     photoLists_->setEnabled(!running);
     namingPanel_->setEnabled(!running);
+    const QString locked =
+        running ? QStringLiteral("分件进行中，全部完成或停止后才能修改") : QString();
+    for (QWidget *part : {static_cast<QWidget *>(directoryButton_), options_, photoLists_})
+        part->setToolTip(locked);
+    namingPanel_->setToolTip(locked);
     startButton_->setText(running ? QStringLiteral("停止分件") : QStringLiteral("开始分件"));
     startButton_->setShortcut(Qt::CTRL + Qt::Key_Return); // a new text takes the shortcut away
     startButton_->setToolTip(startButton_->shortcut().toString(QKeySequence::NativeText));

@@ -38,6 +38,7 @@ void ImportFilePanel::buildTable(ImportFileTableModel *model)
 {
     table_->setObjectName(QStringLiteral("fileTable"));
     prepareTable(table_);
+    table_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
     table_->setModel(model);
     table_->setEmptyText(QStringLiteral("请在左侧选择订单，再选择或拖入要导入的文件"));
     auto *buttons = new FileButtonDelegate(table_);

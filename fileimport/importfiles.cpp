@@ -179,9 +179,9 @@ void ImportFiles::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
-        // The grid of photos wants its half; otherwise the orders may have what the files leave.
-        if (photos_)
-            qobject_cast<QSplitter *>(content())->setSizes({width() / 2, width() / 2});
+        // The orders show their buttons, as far as what is on the right can spare the room.
+        const int orders = qMin(panel_->widthWithActions(), width());
+        qobject_cast<QSplitter *>(content())->setSizes({orders, width() - orders});
         reqShopInfo();
     }
 }

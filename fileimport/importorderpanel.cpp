@@ -20,10 +20,10 @@
 
 namespace {
 
-constexpr int numberColumnPx = 92; // room for the usual; the user widens what is longer
-constexpr int nameColumnPx = 66;
-constexpr int countColumnPx = 52;
-constexpr int stateColumnPx = 104;
+constexpr int numberColumnPx = 86; // room for the usual; the user widens what is longer
+constexpr int nameColumnPx = 60;
+constexpr int countColumnPx = 50;
+constexpr int stateColumnPx = 102;
 constexpr int pathColumnPx = 220;
 constexpr int progressBarPx = 4;
 constexpr int progressSteps = 1000;
@@ -198,6 +198,15 @@ void ImportOrderPanel::setColumnWidths()
     font.setPixelSize(theme::textSize());
     table_->setColumnWidth(Model::ActionsColumn, OrderActionsDelegate::cellWidth(font));
     table_->setColumnWidth(Model::PathColumn, K::scaledPx(pathColumnPx));
+}
+
+int ImportOrderPanel::widthWithActions() const
+{
+    const int columns = table_->columnViewportPosition(ImportOrderTableModel::ActionsColumn) +
+                        table_->columnWidth(ImportOrderTableModel::ActionsColumn);
+    const QMargins around = layout()->contentsMargins();
+    return around.left() + columns + 2 * table_->frameWidth() + theme::scrollBarWidth() +
+           around.right();
 }
 
 int ImportOrderPanel::sourceRow(int viewRow) const

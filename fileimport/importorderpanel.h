@@ -39,6 +39,9 @@ public:
     /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
     void keepPlaceWhile(const std::function<void()> &change);
 
+    /// Pixels in which the buttons of the orders are in sight, without what comes after them.
+    int widthWithActions() const;
+
     /// Whether the start button stops instead.
     void setRunning(bool running);
     void showProgress(const TransferProgress &progress, const TransferRate &rate);

@@ -1,8 +1,7 @@
 #include "net/transferprogress.h"
 
-#include <QLocale>
-
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -22,8 +21,16 @@ QString clockText(qint64 seconds)
 
 QString dataSizeText(double bytes)
 {
-    static const QLocale plain = QLocale::c();
-    return plain.formattedDataSize(qint64(bytes), 1, QLocale::DataSizeTraditionalFormat);
+    static const std::array<QString, 4> units = {QStringLiteral(" B"), QStringLiteral(" KB"),
+                                                 QStringLiteral(" MB"), QStringLiteral(" GB")};
+    constexpr double step = 1024;
+    std::size_t unit = 0;
+    // 1023.96 would be shown as 1024.0 of the smaller unit.
+    while (bytes >= (unit == 0 ? step : step - 0.05) && unit + 1 < units.size()) {
+        bytes /= step;
+        ++unit;
+    }
+    return QString::number(bytes, 'f', unit == 0 ? 0 : 1) + units.at(unit);
 }
 
 void TransferRate::add(qint64 ms, qint64 bytesDone)

@@ -35,7 +35,7 @@ private:
     std::deque<Sample> samples_;
 };
 
-/// "96.0 MB"
+/// "96.0 MB"; units from B to GB, of 1024 each.
 QString dataSizeText(double bytes);
 
 /// "文件 12/400 · 96.0 MB / 3.2 GB · 45.3 MB/s · 剩余 01:12"

@@ -117,7 +117,9 @@ public:
         picture({left, area_.top() + padding_ / 2, K::scaledPx(rowPictureWidthPx),
                  area_.height() - padding_});
         left += K::scaledPx(rowPictureWidthPx) + 2 * padding_;
-        const int textWidth = K::scaledPx(rowTextWidthPx);
+        // In a narrow window the name is elided rather than a mark left out.
+        const int room = area_.right() - 2 * padding_ - left - marksWidth();
+        const int textWidth = qBound(0, room, K::scaledPx(rowTextWidthPx));
         text({left, middle - line, textWidth, line}, photo_.name, colours::heading,
              Qt::ElideMiddle);
         text({left, middle, textWidth, line}, sizeText(), colours::placeholder);
@@ -159,6 +161,20 @@ private:
                            painter_->fontMetrics().elidedText(text, mode, place.width()));
     }
 
+    int markWidth(const Mark &mark) const
+    {
+        return painter_->fontMetrics().horizontalAdvance(mark.text) + 2 * (padding_ / 2);
+    }
+
+    int marksWidth() const
+    {
+        int width = 0;
+        const auto all = marksOf(photo_);
+        for (const Mark &mark : all)
+            width += markWidth(mark) + padding_ / 2;
+        return width;
+    }
+
     void marks(const QRect &place) const
     {
         const int height = K::scaledPx(markHeightPx);
@@ -166,7 +182,7 @@ private:
         int left = place.left();
         const auto all = marksOf(photo_);
         for (const Mark &mark : all) {
-            const int width = painter_->fontMetrics().horizontalAdvance(mark.text) + 2 * inside;
+            const int width = markWidth(mark);
             const QRect box(left, place.center().y() - height / 2, width, height);
             if (box.right() > place.right())
                 return;

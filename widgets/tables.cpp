@@ -8,6 +8,7 @@
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QToolTip>
 
 namespace {
@@ -128,6 +129,15 @@ void EmptyStateTable::dataChanged(const QModelIndex &topLeft, const QModelIndex 
     }
     for (int column = topLeft.column(); column <= bottomRight.column(); ++column)
         update(topLeft.sibling(topLeft.row(), column));
+}
+
+/// A moment after a click the framework brings the clicked cell wholly into view. Rows are what is
+/// chosen here; moving sideways would take the next button away from under the mouse.
+void EmptyStateTable::timerEvent(QTimerEvent *event)
+{
+    const int scrolledRight = horizontalScrollBar()->value();
+    QTableView::timerEvent(event);
+    horizontalScrollBar()->setValue(scrolledRight);
 }
 
 void EmptyStateTable::setEmptyText(const QString &text)

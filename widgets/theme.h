@@ -74,7 +74,7 @@ QString comboStyle();
 QString dateEditStyle();
 QString calendarStyle();
 QString tableStyle();
-/// A list or grid whose delegate paints whole cells.
+/// A list or grid of items, or a read-only text of many lines.
 QString listStyle();
 /// A table whose rows are shaded under the mouse and not when they are selected.
 QString plainTableStyle();

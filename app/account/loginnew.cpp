@@ -100,6 +100,7 @@ LoginNew::LoginNew(QWidget *parent)
     layout->addWidget(titleBar_);
     layout->addStretch(2);
     layout->addWidget(logoLabel(this));
+    layout->addSpacing(K::scaledPx(10)); // stays when a low screen takes the stretches
     layout->addStretch(3);
     buildFields(layout);
     layout->addSpacing(K::scaledPx(40));

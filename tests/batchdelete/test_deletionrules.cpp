@@ -1,6 +1,7 @@
 #include "batchdelete/deletionreport.h"
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
+#include "net/transferprogress.h"
 #include "platform/pathform.h"
 
 #include <QDir>
@@ -247,7 +248,7 @@ void TestDeletionRules::sizes_data()
 void TestDeletionRules::sizes()
 {
     QFETCH(qint64, bytes);
-    QTEST(deletionreport::sizeText(bytes), "text");
+    QTEST(dataSizeText(double(bytes)), "text");
 }
 
 void TestDeletionRules::listsAndTables()

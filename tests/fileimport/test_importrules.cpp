@@ -313,7 +313,7 @@ void TestImportRules::progressIsToldInWords()
     TransferProgress progress{12, 400, 96 * megabyte, 3 * 1024 * megabyte};
     TransferRate rate;
     QCOMPARE(progressText(progress, rate),
-             QStringLiteral("文件 12/400 · 96.0 MB / 3.0 GB · 0 bytes/s"));
+             QStringLiteral("文件 12/400 · 96.0 MB / 3.0 GB · 0 B/s"));
     for (int second = 0; second <= 10; ++second)
         rate.add(second * 1000, second * 8 * megabyte);
     QCOMPARE(rate.bytesPerSecond(), 8.0 * megabyte);
