@@ -79,6 +79,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
     auto *scroll = new QScrollArea(this);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setFocusPolicy(Qt::NoFocus); // its content has the keyboard, and scrolls with it
     scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scroll->setWidget(content);
     scroll->setMinimumWidth(content->minimumSizeHint().width() + theme::scrollBarWidth() +

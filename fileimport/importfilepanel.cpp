@@ -27,6 +27,7 @@ ImportFilePanel::ImportFilePanel(ImportFileTableModel *model, QWidget *parent)
     buildTable(model);
     auto *heading = new QLabel(QStringLiteral("待导入文件列表"));
     heading->setStyleSheet(theme::headingStyle());
+    heading->setIndent(0);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());

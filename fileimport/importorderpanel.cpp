@@ -21,7 +21,7 @@
 namespace {
 
 constexpr int numberColumnPx = 86; // room for the usual; the user widens what is longer
-constexpr int nameColumnPx = 60;
+constexpr int nameColumnPx = 66;
 constexpr int countColumnPx = 50;
 constexpr int stateColumnPx = 102;
 constexpr int pathColumnPx = 220;

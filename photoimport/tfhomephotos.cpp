@@ -14,6 +14,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -66,6 +67,7 @@ void tfhomephotos::buildLayout()
 {
     heading_->setObjectName(QStringLiteral("orderHeading"));
     heading_->setStyleSheet(theme::headingStyle());
+    heading_->setIndent(0);
     heading_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto *addFiles = button("addFilesButton", QStringLiteral("添加照片"),
                             QStringLiteral("选择照片，也可以把文件或目录拖到订单上"));
@@ -109,6 +111,13 @@ void tfhomephotos::buildLayout()
     layout->addLayout(head);
     layout->addLayout(buttons);
     layout->addWidget(view_, 1);
+    setTabOrder(open, layoutButton);
+    QWidget *before = layoutButton;
+    for (QWidget *next :
+         std::initializer_list<QWidget *>{addFiles, addFolder, start, retry, remove, view_}) {
+        setTabOrder(before, next);
+        before = next;
+    }
 }
 
 void tfhomephotos::addAction(const QString &text, const QKeySequence &shortcut,

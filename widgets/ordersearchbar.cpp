@@ -185,6 +185,7 @@ void OrderSearchBar::addPersonFilter()
     personBox_->setObjectName(QStringLiteral("personBox"));
     nameFilter(personBox_, QStringLiteral("人员"));
     filterRow_->addWidget(personBox_);
+    setTabOrder(branchBox_, personBox_);
     setPersons({});
     connect(personBox_, qOverload<int>(&QComboBox::activated), this, [this](int index) {
         if (busy_) // what is being searched for would not fit what the box shows
@@ -239,6 +240,13 @@ void OrderSearchBar::setStacked()
     rows_->setDirection(QBoxLayout::TopToBottom);
     rows_->insertLayout(0, filterRow_);
     setTabOrder(branchBox_, typeBox_);
+    QWidget *before = typeBox_;
+    const auto inputs = searchInputs();
+    for (QWidget *input : inputs) {
+        setTabOrder(before, input);
+        before = input;
+    }
+    setTabOrder(before, searchButton_);
 }
 
 void OrderSearchBar::openCalendar()
