@@ -26,7 +26,7 @@ using Model = BatchDeleteFileModel;
 constexpr int folderColumnPx = 84;
 constexpr int sizeColumnPx = 84;
 constexpr int stateColumnPx = 250;
-constexpr int pathColumnPx = 260;
+constexpr int pathColumnPx = 120; // the last column takes what is left, too
 
 QString chooseText()
 {

@@ -19,14 +19,14 @@ namespace {
 
 using Model = BatchDeleteOrderModel;
 
-constexpr int checkColumnPx = 100;
+constexpr int checkColumnPx = 104;
 constexpr int numberColumnPx = 92;
 constexpr int customerColumnPx = 112;
 constexpr int nameColumnPx = 60;
 constexpr int dateColumnPx = 140;
 constexpr int progressColumnPx = 240;
 constexpr int retoucherColumnPx = 90;
-constexpr int pathColumnPx = 260;
+constexpr int pathColumnPx = 180;
 
 } // namespace
 

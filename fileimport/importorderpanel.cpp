@@ -24,7 +24,7 @@ constexpr int numberColumnPx = 86; // room for the usual; the user widens what i
 constexpr int nameColumnPx = 66;
 constexpr int countColumnPx = 50;
 constexpr int stateColumnPx = 102;
-constexpr int pathColumnPx = 220;
+constexpr int pathColumnPx = 180;
 constexpr int progressBarPx = 4;
 constexpr int progressSteps = 1000;
 
