@@ -425,13 +425,12 @@ QString tableStyle()
 
 QString listStyle()
 {
-    return scaled(
-               QStringLiteral("QListView, QPlainTextEdit { background-color: %1; color: %2;"
-                              " border: 1dp solid %3; font-size: @text; outline: none;"
-                              " selection-background-color: %5; selection-color: %2; }"
-                              "QListView:focus, QPlainTextEdit:focus { border-color: %4; }")
-                   .arg(css(colours::surface), css(colours::heading), css(colours::divider),
-                        css(colours::accent), css(colours::accentTint))) +
+    return scaled(QStringLiteral("QListView, QPlainTextEdit { background-color: %1; color: %2;"
+                                 " border: 1dp solid %3; font-size: @text; outline: none;"
+                                 " selection-background-color: %5; selection-color: %2; }"
+                                 "QListView:focus, QPlainTextEdit:focus { border-color: %4; }")
+                      .arg(css(colours::surface), css(colours::heading), css(colours::divider),
+                           css(colours::accent), css(colours::accentTint))) +
            scrollBarStyle();
 }
 

@@ -2,12 +2,15 @@
 #include "tests/widgets/shownwindow.h"
 #include "widgets/datepicker.h"
 #include "widgets/ordersearchbar.h"
+#include "widgets/tables.h"
 #include "widgets/theme.h"
 
 #include <QCalendarWidget>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QSignalSpy>
+#include <QStandardItemModel>
 #include <QTableView>
 #include <QWheelEvent>
 
@@ -238,6 +241,36 @@ private slots:
         QCOMPARE(bar.personId(), QStringLiteral("31"));
         bar.setPersons({twoPersons.last()});
         QCOMPARE(bar.personId(), QString());
+    }
+
+    void tabKeyFollowsTheStackedSearch()
+    {
+        OrderSearchBar bar;
+        bar.setStacked();
+        bar.addPersonFilter();
+        showActive(&bar);
+        bar.findChild<ComboBox *>(QStringLiteral("branchBox"))->setFocus();
+        QCOMPARE(tabOrder(5), QStringLiteral("branchBox personBox searchTypeBox keywordEdit"
+                                             " searchButton"));
+    }
+
+    /// What brings a clicked row wholly into view leaves the columns where they are.
+    void clickDoesNotMoveATableSideways()
+    {
+        const int interval = QApplication::doubleClickInterval();
+        QApplication::setDoubleClickInterval(0); // the framework waits for that, and a little more
+        QStandardItemModel model(20, 6);
+        EmptyStateTable table;
+        prepareTable(&table);
+        table.setModel(&model);
+        showActive(&table);
+        table.resize(theme::columnWidth() * 5 / 2, theme::rowHeight() * 11 / 2);
+        const QModelIndex lowest = table.indexAt({3, table.viewport()->height() - 3});
+        const QPoint corner = table.visualRect(lowest.sibling(lowest.row(), 2)).topLeft();
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, {}, corner + QPoint(3, 3));
+        QTRY_VERIFY(table.verticalScrollBar()->value() > 0);
+        QCOMPARE(table.horizontalScrollBar()->value(), 0);
+        QApplication::setDoubleClickInterval(interval);
     }
 
     void searchBarFitsHalfANarrowScreen()
