@@ -22,7 +22,7 @@ namespace {
 
 constexpr int numberColumnPx = 86; // room for the usual; the user widens what is longer
 constexpr int nameColumnPx = 66;
-constexpr int countColumnPx = 50;
+constexpr int countColumnPx = 52;
 constexpr int stateColumnPx = 102;
 constexpr int pathColumnPx = 180;
 constexpr int progressBarPx = 4;
