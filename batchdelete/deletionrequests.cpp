@@ -5,7 +5,6 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QSet>
 
 namespace deletionrequests {
 
@@ -13,32 +12,26 @@ namespace {
 
 BatchDeleteOrderInfo readOrder(const QJsonObject &element)
 {
-    const auto text = [&element](const char *key) {
-        return reply::text(element, QString::fromLatin1(key));
-    };
     BatchDeleteOrderInfo order;
-    order.id = text("id");
-    order.orderPhotoId = text("order_photo_id");
-    order.orderPayForKey = text("orderpayforkey");
-    order.serviceTimes = text("servicetimes");
-    order.mname = text("mname");
-    order.wname = text("wname");
-    order.role1 = text("role1");
-    order.tiaoseName = text("tiaosename");
-    order.fulfilTime = text("fulfil_time");
-    order.netPath = text("netpath");
+    reply::readTexts(element, &order,
+                     {{"id", &BatchDeleteOrderInfo::id},
+                      {"order_photo_id", &BatchDeleteOrderInfo::orderPhotoId},
+                      {"orderpayforkey", &BatchDeleteOrderInfo::orderPayForKey},
+                      {"servicetimes", &BatchDeleteOrderInfo::serviceTimes},
+                      {"mname", &BatchDeleteOrderInfo::mname},
+                      {"wname", &BatchDeleteOrderInfo::wname},
+                      {"role1", &BatchDeleteOrderInfo::role1},
+                      {"tiaosename", &BatchDeleteOrderInfo::tiaoseName},
+                      {"fulfil_time", &BatchDeleteOrderInfo::fulfilTime},
+                      {"netpath", &BatchDeleteOrderInfo::netPath}});
     return order;
 }
 
 FormBody accountBody(const orderqueries::Identity &identity, const QString &orderPhotoId)
 {
     FormBody body;
-    body.add(QStringLiteral("shopid"), identity.shopId)
-        .add(QStringLiteral("eid"), identity.employeeId)
-        .add(QStringLiteral("superid"), identity.superId)
-        .add(QStringLiteral("personid"), identity.employeeId)
+    return orderqueries::addIdentity(body, identity)
         .add(QStringLiteral("order_photo_id"), orderPhotoId);
-    return body;
 }
 
 } // namespace
@@ -47,15 +40,9 @@ OrderList readOrders(const QJsonObject &reply)
 {
     const QJsonValue data = reply.value(QLatin1String("data"));
     OrderList list{data.isArray(), data.toArray().size(), {}};
-    QSet<QString> ids;
-    const auto elements = reply::objects(reply, QStringLiteral("data"));
-    for (const QJsonObject &element : elements) {
-        const BatchDeleteOrderInfo order = readOrder(element);
-        if (order.id.isEmpty() || ids.contains(order.id))
-            continue;
-        ids.insert(order.id);
-        list.orders.append(order);
-    }
+    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
+    for (const QJsonObject &element : elements)
+        list.orders.append(readOrder(element));
     return list;
 }
 

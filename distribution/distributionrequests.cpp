@@ -5,7 +5,6 @@
 #include "net/replyfields.h"
 
 #include <QJsonObject>
-#include <QSet>
 #include <QUrl>
 
 using orderqueries::OrderSearch;
@@ -29,35 +28,28 @@ const SearchType searchTypes[] = {
 
 OrderData readOrder(const QJsonObject &element)
 {
-    static const struct
-    {
-        const char *key;
-        QString OrderData::*member;
-    } members[] = {
-        {"id", &OrderData::id},
-        {"order_photo_id", &OrderData::orderPhotoId},
-        {"orderpayforkey", &OrderData::orderPayForKey},
-        {"servicetimes", &OrderData::serviceTimes},
-        {"wname", &OrderData::wname},
-        {"mname", &OrderData::mname},
-        {"comboname", &OrderData::comboName},
-        {"shotdate", &OrderData::shotDate},
-        {"sampledate", &OrderData::sampleDate},
-        {"order_price", &OrderData::orderPrice},
-        {"selectphotoname", &OrderData::selectPhotoName},
-        {"netpath", &OrderData::netPath},
-        {"wphone", &OrderData::wphone},
-        {"mphone", &OrderData::mphone},
-        {"selectphototime", &OrderData::selectPhotoTime},
-        {"role1", &OrderData::role1},
-        {"role2", &OrderData::role2},
-        {"iszsysd", &OrderData::isZsysd},
-        {"iszsjx", &OrderData::isZsjx},
-        {"number_jingxiu", &OrderData::numberJingxiu},
-    };
     OrderData order;
-    for (const auto &each : members)
-        order.*each.member = reply::text(element, QString::fromLatin1(each.key));
+    reply::readTexts(element, &order,
+                     {{"id", &OrderData::id},
+                      {"order_photo_id", &OrderData::orderPhotoId},
+                      {"orderpayforkey", &OrderData::orderPayForKey},
+                      {"servicetimes", &OrderData::serviceTimes},
+                      {"wname", &OrderData::wname},
+                      {"mname", &OrderData::mname},
+                      {"comboname", &OrderData::comboName},
+                      {"shotdate", &OrderData::shotDate},
+                      {"sampledate", &OrderData::sampleDate},
+                      {"order_price", &OrderData::orderPrice},
+                      {"selectphotoname", &OrderData::selectPhotoName},
+                      {"netpath", &OrderData::netPath},
+                      {"wphone", &OrderData::wphone},
+                      {"mphone", &OrderData::mphone},
+                      {"selectphototime", &OrderData::selectPhotoTime},
+                      {"role1", &OrderData::role1},
+                      {"role2", &OrderData::role2},
+                      {"iszsysd", &OrderData::isZsysd},
+                      {"iszsjx", &OrderData::isZsjx},
+                      {"number_jingxiu", &OrderData::numberJingxiu}});
     order.images = readDetailPhotos(element, QStringLiteral("images"));
     order.images11 = readDetailPhotos(element, QStringLiteral("images_1_1"));
     order.images10 = readDetailPhotos(element, QStringLiteral("images_1_0"));
@@ -126,16 +118,11 @@ QString keywordOf(const OrderSearch &search)
 QVector<OrderData> readOrders(const QJsonObject &reply)
 {
     QVector<OrderData> orders;
-    QSet<QString> known;
-    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    const auto elements =
+        reply::identifiedObjects(reply, QStringLiteral("data"), QStringLiteral("order_photo_id"));
     orders.reserve(elements.size());
-    for (const QJsonObject &element : elements) {
-        const OrderData order = readOrder(element);
-        if (order.orderPhotoId.isEmpty() || known.contains(order.orderPhotoId))
-            continue;
-        known.insert(order.orderPhotoId);
-        orders.append(order);
-    }
+    for (const QJsonObject &element : elements)
+        orders.append(readOrder(element));
     return orders;
 }
 

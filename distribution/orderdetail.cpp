@@ -17,27 +17,25 @@ QVector<DetailProduct> readProducts(const QJsonObject &parent, const QString &ke
         return products;
     const auto elements = reply::objects(parent, key);
     for (const QJsonObject &element : elements) {
-        const auto text = [&element](const char *member) {
-            return reply::text(element, QString::fromLatin1(member));
-        };
         DetailProduct product;
-        product.id = text("id");
-        product.isUrgent = text("isurgent");
+        reply::readTexts(element, &product,
+                         {{"id", &DetailProduct::id},
+                          {"isurgent", &DetailProduct::isUrgent},
+                          {"isems", &DetailProduct::isEms},
+                          {"goodname", &DetailProduct::goodName},
+                          {"goodtypename", &DetailProduct::goodTypeName},
+                          {"goodtypeid", &DetailProduct::goodTypeId},
+                          {"goodtype", &DetailProduct::goodType},
+                          {"goodpagenumber", &DetailProduct::goodPageNumber},
+                          {"p_num", &DetailProduct::pNum},
+                          {"goodamount", &DetailProduct::goodAmount},
+                          {"descr", &DetailProduct::descr},
+                          {"auth_remark", &DetailProduct::authRemark},
+                          {"goodremark", &DetailProduct::goodRemark},
+                          {"picpath", &DetailProduct::picPath},
+                          {"cropping_imgurl", &DetailProduct::croppingImgUrl}});
         if (product.isUrgent.isEmpty())
             product.isUrgent = QStringLiteral("0");
-        product.isEms = text("isems");
-        product.goodName = text("goodname");
-        product.goodTypeName = text("goodtypename");
-        product.goodTypeId = text("goodtypeid");
-        product.goodType = text("goodtype");
-        product.goodPageNumber = text("goodpagenumber");
-        product.pNum = text("p_num");
-        product.goodAmount = text("goodamount");
-        product.descr = text("descr");
-        product.authRemark = text("auth_remark");
-        product.goodRemark = text("goodremark");
-        product.picPath = text("picpath");
-        product.croppingImgUrl = text("cropping_imgurl");
         product.imgs = readDetailPhotos(element, QStringLiteral("imgs"));
         product.sonGood = readProducts(element, QStringLiteral("son_good"), depth + 1);
         products.append(product);
@@ -75,20 +73,18 @@ void takeTexts(const QJsonObject &object, QHash<QString, QString> *texts)
 
 DetailPhoto readDetailPhoto(const QJsonObject &element)
 {
-    const auto text = [&element](const char *member) {
-        return reply::text(element, QString::fromLatin1(member));
-    };
     DetailPhoto photo;
-    photo.id = text("id");
-    photo.imgName = text("img_name");
-    photo.localPath = text("localpath");
-    photo.localPath90 = text("localpath90");
-    photo.picPath = text("picpath");
-    photo.url = text("url");
-    photo.urlOriginal = text("url_yuanpian");
-    photo.croppingImgUrl = text("cropping_imgurl");
-    photo.imageType = text("image_type");
-    photo.downloaded = text("isdownload") == QLatin1String("1");
+    reply::readTexts(element, &photo,
+                     {{"id", &DetailPhoto::id},
+                      {"img_name", &DetailPhoto::imgName},
+                      {"localpath", &DetailPhoto::localPath},
+                      {"localpath90", &DetailPhoto::localPath90},
+                      {"picpath", &DetailPhoto::picPath},
+                      {"url", &DetailPhoto::url},
+                      {"url_yuanpian", &DetailPhoto::urlOriginal},
+                      {"cropping_imgurl", &DetailPhoto::croppingImgUrl},
+                      {"image_type", &DetailPhoto::imageType}});
+    photo.downloaded = reply::text(element, QStringLiteral("isdownload")) == QLatin1String("1");
     photo.remarks = readRemarks(element);
     return photo;
 }

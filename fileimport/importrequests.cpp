@@ -23,19 +23,17 @@ QString namesAsJson(const QVector<FolderEntry> &entries)
 
 ImportOrder readOrder(const QJsonObject &element)
 {
-    const auto text = [&element](const char *key) {
-        return reply::text(element, QString::fromLatin1(key));
-    };
     const auto count = [&element](const char *key) {
         return reply::number(element, QString::fromLatin1(key));
     };
     ImportOrder order;
     static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element);
-    order.comboName = text("comboname");
-    order.sampleDate = text("sampledate");
-    order.orderPrice = text("order_price");
-    order.role1Name = text("role1name");
-    order.role2Name = text("role2name");
+    reply::readTexts(element, &order,
+                     {{"comboname", &ImportOrder::comboName},
+                      {"sampledate", &ImportOrder::sampleDate},
+                      {"order_price", &ImportOrder::orderPrice},
+                      {"role1name", &ImportOrder::role1Name},
+                      {"role2name", &ImportOrder::role2Name}});
     if (order.role1Name.isEmpty())
         order.role1Name = order.role1;
     if (order.role2Name.isEmpty())
@@ -82,13 +80,9 @@ OrderList readOrders(const QJsonObject &reply, const QString &publicPath)
     OrderList list{data.isArray(), data.toArray().size(), {}};
     const QString openypml = reply::text(reply, QStringLiteral("openypml"));
     const QString delyp = reply::text(reply, QStringLiteral("delyp"));
-    QSet<QString> ids;
-    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
     for (const QJsonObject &element : elements) {
         ImportOrder order = readOrder(element);
-        if (order.id.isEmpty() || ids.contains(order.id))
-            continue;
-        ids.insert(order.id);
         order.openypml = openypml;
         order.delyp = delyp;
         order.importPublicPath = publicPath;

@@ -21,18 +21,17 @@ FormBody orderFields(const OrderMap &order)
 
 PhotoEntry readEntry(const QJsonObject &element, PhotoEntry::Kind kind)
 {
-    const auto text = [&element](const char *key) {
-        return reply::text(element, QString::fromLatin1(key));
-    };
     PhotoEntry entry;
     entry.kind = kind;
-    entry.imgName = text("img_name");
-    entry.id = text("id");
-    entry.localPath = text("localpath");
-    entry.url = text("url");
-    entry.isDownload = text("isdownload");
+    reply::readTexts(element, &entry,
+                     {{"img_name", &PhotoEntry::imgName},
+                      {"id", &PhotoEntry::id},
+                      {"localpath", &PhotoEntry::localPath},
+                      {"url", &PhotoEntry::url},
+                      {"isdownload", &PhotoEntry::isDownload}});
     for (const char *key : {"localpath_90", "localpath_1920"}) {
-        if (const QString variant = text(key); !variant.isEmpty())
+        const QString variant = reply::text(element, QString::fromLatin1(key));
+        if (!variant.isEmpty())
             entry.variants.append(variant);
     }
     if (kind == PhotoEntry::Kind::RawFile)

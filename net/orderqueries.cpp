@@ -124,32 +124,30 @@ QVector<Person> readPersons(const QJsonObject &reply)
 
 OrderInfo readOrderInfo(const QJsonObject &element)
 {
-    const auto text = [&element](const char *key) {
-        return reply::text(element, QString::fromLatin1(key));
-    };
     OrderInfo order;
-    order.id = text("id");
-    order.orderPhotoId = text("order_photo_id");
-    order.orderPayForKey = text("orderpayforkey");
-    order.serviceTimes = text("servicetimes");
-    order.mname = text("mname");
-    order.wname = text("wname");
-    order.mphone = text("mphone");
-    order.wphone = text("wphone");
-    order.selectPhotoTime = text("selectphototime");
-    order.role1 = text("role1");
-    order.role2 = text("role2");
-    order.selectPhotoName = text("selectphotoname");
-    order.isSample = text("issample");
-    order.tiaoseName = text("tiaosename");
-    order.storesName = text("storesname");
-    order.shotDateText = text("shotdate");
+    reply::readTexts(element, &order,
+                     {{"id", &OrderInfo::id},
+                      {"order_photo_id", &OrderInfo::orderPhotoId},
+                      {"orderpayforkey", &OrderInfo::orderPayForKey},
+                      {"servicetimes", &OrderInfo::serviceTimes},
+                      {"mname", &OrderInfo::mname},
+                      {"wname", &OrderInfo::wname},
+                      {"mphone", &OrderInfo::mphone},
+                      {"wphone", &OrderInfo::wphone},
+                      {"selectphototime", &OrderInfo::selectPhotoTime},
+                      {"role1", &OrderInfo::role1},
+                      {"role2", &OrderInfo::role2},
+                      {"selectphotoname", &OrderInfo::selectPhotoName},
+                      {"issample", &OrderInfo::isSample},
+                      {"tiaosename", &OrderInfo::tiaoseName},
+                      {"storesname", &OrderInfo::storesName},
+                      {"shotdate", &OrderInfo::shotDateText},
+                      {"netpath", &OrderInfo::netPath},
+                      {"picpathnew", &OrderInfo::picPathNew}});
     order.shotDate = parseShootDate(order.shotDateText);
-    order.netPath = text("netpath");
     order.smallSize = sizeOr(element, QStringLiteral("imagesize_small"), order.smallSize);
     order.middleSize = sizeOr(element, QStringLiteral("imagesize_middle"), order.middleSize);
     order.bigSize = sizeOr(element, QStringLiteral("imagesize_big"), order.bigSize);
-    order.picPathNew = text("picpathnew");
     order.images = readPhotos(element, QStringLiteral("images"));
     order.imagesTaipian = readPhotos(element, QStringLiteral("images_taipian"));
     return order;

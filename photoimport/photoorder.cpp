@@ -7,7 +7,6 @@
 
 #include <QHash>
 #include <QJsonArray>
-#include <QSet>
 
 #include <algorithm>
 #include <functional>
@@ -85,15 +84,11 @@ Found readOrders(const QJsonObject &reply, const QString &publicPath)
     Found found{data.isArray(), data.toArray().size(), {}};
     const QString openypml = reply::text(reply, QStringLiteral("openypml"));
     const QString delyp = reply::text(reply, QStringLiteral("delyp"));
-    QSet<QString> ids;
-    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
     for (const QJsonObject &element : elements) {
         PhotoOrder order;
         OrderInfo &info = order.info;
         static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element);
-        if (info.id.isEmpty() || ids.contains(info.id))
-            continue;
-        ids.insert(info.id);
         info.openypml = openypml;
         info.delyp = delyp;
         info.importPublicPath = publicPath;
