@@ -3,16 +3,18 @@
 #include "app/context/k.h"
 #include "batchdelete/batchdeletefilemodel.h"
 #include "batchdelete/batchdeleteordermodel.h"
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 #include "widgets/customcheckboxnew.h"
 #include "widgets/theme.h"
 
-#include <QApplication>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QStyle>
 
 namespace {
+
+using cellpainting::isClickIn;
+using cellpainting::paintButton;
+using cellpainting::paintCell;
 
 constexpr int gapPx = 6;
 constexpr int abovePx = 5;
@@ -20,22 +22,6 @@ constexpr int viewButtonPx = 66;
 constexpr int retryButtonPx = 66;
 constexpr int barPx = 3;
 constexpr int whole = 100;
-
-void paintBackground(QPainter *painter, const QStyleOptionViewItem &cell)
-{
-    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
-}
-
-void paintButton(QPainter *painter, const QRect &button, const QString &text, QRgb colour)
-{
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(colours::toColor(colour));
-    painter->drawRoundedRect(button, theme::radius(), theme::radius());
-    painter->setPen(colours::toColor(colours::onFilled));
-    painter->drawText(button, Qt::AlignCenter, text);
-}
 
 /// The \a fromRight-th button of \a width design pixels, counted from the right.
 QRect buttonAt(const QRect &cell, int fromRight, int width)
@@ -45,14 +31,6 @@ QRect buttonAt(const QRect &cell, int fromRight, int width)
     const int step = K::scaledPx(width) + gap;
     return {cell.right() + 1 - (fromRight + 1) * step, cell.top() + above, K::scaledPx(width),
             cell.height() - 2 * above};
-}
-
-bool isReleaseIn(const QEvent *event, const QRect &button)
-{
-    if (event->type() != QEvent::MouseButtonRelease)
-        return false;
-    const auto *mouse = static_cast<const QMouseEvent *>(event);
-    return mouse->button() == Qt::LeftButton && button.contains(mouse->pos());
 }
 
 bool hasButton(const QModelIndex &index, BatchDeleteProgressDelegate::Button button)
@@ -71,7 +49,7 @@ void BatchDeleteCheckDelegate::paint(QPainter *painter, const QStyleOptionViewIt
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
-    paintBackground(painter, cell);
+    paintCell(painter, cell);
     const int size = theme::checkBoxSize();
     QRect box(0, 0, size, size);
     box.moveCenter(option.rect.center());
@@ -90,7 +68,7 @@ bool BatchDeleteCheckDelegate::editorEvent(QEvent *event, QAbstractItemModel *mo
                                            const QStyleOptionViewItem &option,
                                            const QModelIndex &index)
 {
-    if (!isReleaseIn(event, option.rect))
+    if (!isClickIn(event, option.rect))
         return false;
     const bool checked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     return model->setData(index, int(checked ? Qt::Unchecked : Qt::Checked), Qt::CheckStateRole);
@@ -113,7 +91,7 @@ void BatchDeleteProgressDelegate::paint(QPainter *painter, const QStyleOptionVie
     initStyleOption(&cell, index);
     const QString counts = cell.text;
     cell.text.clear();
-    paintBackground(painter, cell);
+    paintCell(painter, cell);
 
     painter->save();
     const int gap = K::scaledPx(gapPx);
@@ -150,7 +128,7 @@ bool BatchDeleteProgressDelegate::editorEvent(QEvent *event, QAbstractItemModel 
                                               const QModelIndex &index)
 {
     for (int button = 0; button < ButtonCount; ++button) {
-        if (!isReleaseIn(event, buttonRect(option.rect, Button(button))))
+        if (!isClickIn(event, buttonRect(option.rect, Button(button))))
             continue;
         if (hasButton(index, Button(button)))
             emit buttonClicked(index.row(), Button(button));
@@ -200,7 +178,7 @@ bool BatchDeleteStateDelegate::editorEvent(QEvent *event, QAbstractItemModel *mo
                                            const QModelIndex &index)
 {
     const bool hasRetry = !index.data(BatchDeleteFileModel::RetryRole).toString().isEmpty();
-    if (hasRetry && isReleaseIn(event, buttonRect(option.rect))) {
+    if (hasRetry && isClickIn(event, buttonRect(option.rect))) {
         emit retryClicked(index.row());
         return true;
     }

@@ -1,13 +1,12 @@
 #include "distribution/tickdelegate.h"
 
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 #include "widgets/theme.h"
 
-#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
-#include <QStyle>
 
 void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
@@ -17,8 +16,7 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const QString text = cell.text;
     cell.features &= ~QStyleOptionViewItem::HasCheckIndicator;
     cell.text.clear();
-    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    cellpainting::paintCell(painter, cell);
 
     const bool ticked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     const qreal side = theme::checkBoxSize();

@@ -2,6 +2,7 @@
 
 #include "app/context/k.h"
 #include "fileimport/importfiletablemodel.h"
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 
 #include <QEvent>
@@ -26,18 +27,13 @@ void FileButtonDelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     }
     if (!hasButton(index))
         return;
-    const int radius = K::scaledPx(4);
     const int besides = K::scaledPx(10);
     const int above = K::scaledPx(5);
     const QRect button = option.rect.adjusted(besides, above, -besides, -above);
     const bool hovered = option.state.testFlag(QStyle::State_MouseOver);
     painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(QColor(hovered ? colours::retryHover : colours::retry));
-    painter->drawRoundedRect(button, radius, radius);
-    painter->setPen(Qt::white);
-    painter->drawText(button, Qt::AlignCenter, QStringLiteral("重新导入"));
+    cellpainting::paintButton(painter, button, QStringLiteral("重新导入"),
+                              hovered ? colours::retryHover : colours::retry);
     painter->restore();
 }
 

@@ -1,12 +1,10 @@
 #include "fileimport/orderactionsdelegate.h"
 
 #include "app/context/k.h"
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 
-#include <QApplication>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QStyle>
 
 #include <algorithm>
 
@@ -15,9 +13,8 @@ namespace {
 constexpr int gapPx = 6;     // around and between the buttons
 constexpr int paddingPx = 8; // left and right of a text
 constexpr int abovePx = 5;
-constexpr int radiusPx = 4;
 
-QColor colourOf(OrderActionsDelegate::Action action, bool hovered)
+QRgb colourOf(OrderActionsDelegate::Action action, bool hovered)
 {
     switch (action) {
     case OrderActionsDelegate::SelectFiles:
@@ -72,21 +69,15 @@ void OrderActionsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    cellpainting::paintCell(painter, cell);
 
     const bool mouseOver = option.state.testFlag(QStyle::State_MouseOver);
     const QPoint mouse = mouseIn(option);
-    const int radius = K::scaledPx(radiusPx);
     painter->save();
-    painter->setRenderHint(QPainter::Antialiasing);
     for (int action = 0; action < ActionCount; ++action) {
         const QRect button = buttonRect(option.rect, Action(action));
-        painter->setPen(Qt::NoPen);
-        painter->setBrush(colourOf(Action(action), mouseOver && button.contains(mouse)));
-        painter->drawRoundedRect(button, radius, radius);
-        painter->setPen(Qt::white);
-        painter->drawText(button, Qt::AlignCenter, text(Action(action)));
+        cellpainting::paintButton(painter, button, text(Action(action)),
+                                  colourOf(Action(action), mouseOver && button.contains(mouse)));
     }
     painter->restore();
 }
@@ -94,13 +85,10 @@ void OrderActionsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
 bool OrderActionsDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,
                                        const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    if (event->type() == QEvent::MouseButtonRelease) {
-        const auto *mouse = static_cast<QMouseEvent *>(event);
-        for (int action = 0; mouse->button() == Qt::LeftButton && action < ActionCount; ++action) {
-            if (buttonRect(option.rect, Action(action)).contains(mouse->pos())) {
-                emit actionClicked(index.row(), Action(action));
-                return true;
-            }
+    for (int action = 0; action < ActionCount; ++action) {
+        if (cellpainting::isClickIn(event, buttonRect(option.rect, Action(action)))) {
+            emit actionClicked(index.row(), Action(action));
+            return true;
         }
     }
     return QStyledItemDelegate::editorEvent(event, model, option, index);

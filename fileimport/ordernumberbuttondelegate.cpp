@@ -1,9 +1,9 @@
 #include "fileimport/ordernumberbuttondelegate.h"
 
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 
 #include <QApplication>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QStyle>
 
@@ -13,8 +13,9 @@ void OrderNumberButtonDelegate::paint(QPainter *painter, const QStyleOptionViewI
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
     cell.text.clear();
+    cellpainting::paintCell(painter, cell);
+
     const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
 
     const bool hovered = option.state.testFlag(QStyle::State_MouseOver);
     QFont font = cell.font;
@@ -34,8 +35,7 @@ bool OrderNumberButtonDelegate::editorEvent(QEvent *event, QAbstractItemModel *m
                                             const QStyleOptionViewItem &option,
                                             const QModelIndex &index)
 {
-    if (event->type() == QEvent::MouseButtonRelease &&
-        static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+    if (cellpainting::isClickIn(event, option.rect)) {
         emit orderNumberClicked(index.row(), index.data().toString());
         return true;
     }

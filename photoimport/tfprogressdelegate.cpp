@@ -2,11 +2,10 @@
 
 #include "app/context/k.h"
 #include "photoimport/tforderlistmodel.h"
+#include "widgets/cellpainting.h"
 #include "widgets/colours.h"
 
-#include <QApplication>
 #include <QPainter>
-#include <QStyle>
 
 namespace {
 
@@ -21,8 +20,7 @@ void tfprogressdelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const QStyle *style = cell.widget ? cell.widget->style() : QApplication::style();
-    style->drawControl(QStyle::CE_ItemViewItem, &cell, painter, cell.widget);
+    cellpainting::paintCell(painter, cell);
     const double share = index.data(tforderlistmodel::ProgressRole).toDouble();
     if (share < 0)
         return;
