@@ -7,7 +7,6 @@
 #include "widgets/tables.h"
 #include "widgets/theme.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
@@ -70,7 +69,6 @@ void BatchDelete_FileListWidget::buildTable()
     prepareTable(table_);
     table_->setModel(&model_);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
     auto *states = new BatchDeleteStateDelegate(table_);
     table_->setItemDelegateForColumn(Model::StateColumn, states);
     table_->setItemDelegateForColumn(Model::PathColumn,
@@ -89,19 +87,12 @@ void BatchDelete_FileListWidget::buildTable()
 
 void BatchDelete_FileListWidget::addActions()
 {
-    const auto add = [this](const QString &text, const QKeySequence &shortcut, auto act) {
-        auto *action = new QAction(text, table_);
-        action->setShortcut(shortcut);
-        action->setShortcutContext(Qt::WidgetShortcut);
-        table_->addAction(action);
-        connect(action, &QAction::triggered, this, act);
-    };
-    add(QStringLiteral("重试所选文件"), Qt::CTRL + Qt::Key_R, [this] {
+    addTableAction(table_, QStringLiteral("重试所选文件"), Qt::CTRL + Qt::Key_R, [this] {
         const QVector<int> rows = selectedRows();
         if (!rows.isEmpty())
             emit retryClicked(rows);
     });
-    add(QStringLiteral("复制文件路径"), QKeySequence::Copy, [this] {
+    addTableAction(table_, QStringLiteral("复制文件路径"), QKeySequence::Copy, [this] {
         QStringList paths;
         const auto rows = selectedRows();
         for (const int row : rows)

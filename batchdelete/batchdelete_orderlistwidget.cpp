@@ -4,15 +4,14 @@
 #include "batchdelete/batchdeleteordermodel.h"
 #include "widgets/customcheckboxnew.h"
 #include "widgets/loadingoverlay.h"
+#include "widgets/sortedrows.h"
 #include "widgets/tables.h"
 #include "widgets/theme.h"
 
-#include <QAction>
 #include <QEvent>
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QSignalBlocker>
-#include <QSortFilterProxyModel>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,15 +33,10 @@ BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *
                                                          QWidget *parent)
     : QWidget(parent)
     , model_(model)
-    , proxy_(new QSortFilterProxyModel(this))
     , table_(new EmptyStateTable(this))
     , selectAll_(new CustomCheckBoxNew(QStringLiteral("全选"), table_->horizontalHeader()))
     , overlay_(new LoadingOverlay(table_))
 {
-    proxy_->setSourceModel(model_);
-    proxy_->setSortRole(Model::SortRole);
-    // Rows must not jump about while a deletion changes their counts.
-    proxy_->setDynamicSortFilter(false);
     buildTable();
     addActions();
     auto *layout = new QVBoxLayout(this);
@@ -69,11 +63,8 @@ void BatchDelete_OrderListWidget::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
     prepareTable(table_);
-    table_->setModel(proxy_);
-    table_->setSortingEnabled(true);
-    table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    rows_ = new SortedRows(table_, model_, Model::SortRole);
     table_->horizontalHeader()->setSectionsMovable(false);
-    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
 
     auto *progress = new BatchDeleteProgressDelegate(table_);
     table_->setItemDelegateForColumn(Model::CheckColumn, new BatchDeleteCheckDelegate(table_));
@@ -86,41 +77,28 @@ void BatchDelete_OrderListWidget::buildTable()
         table_->setColumnWidth(column, K::scaledPx(widths[column]));
     connect(progress, &BatchDeleteProgressDelegate::buttonClicked, this,
             [this](int row, BatchDeleteProgressDelegate::Button button) {
-                emit viewClicked(sourceRow(row), button);
+                emit viewClicked(rows_->position(row), button);
             });
-    connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+    connect(rows_, &SortedRows::currentChanged, this,
             &BatchDelete_OrderListWidget::onTableSelectionChanged);
 }
 
 void BatchDelete_OrderListWidget::addActions()
 {
     using Delegate = BatchDeleteProgressDelegate;
-    addRowAction(QStringLiteral("勾选/取消勾选"), Qt::Key_Space, [this](int row) {
+    rows_->addAction(QStringLiteral("勾选/取消勾选"), Qt::Key_Space, [this](int row) {
         const QModelIndex cell = model_->index(row, Model::CheckColumn);
         const bool checked = cell.data(Qt::CheckStateRole).toInt() == Qt::Checked;
         model_->setData(cell, int(checked ? Qt::Unchecked : Qt::Checked), Qt::CheckStateRole);
     });
-    addRowAction(Delegate::text(Delegate::ViewSucceeded), {},
-                 [this](int row) { emit viewClicked(row, Delegate::ViewSucceeded); });
-    addRowAction(Delegate::text(Delegate::ViewFailed), {},
-                 [this](int row) { emit viewClicked(row, Delegate::ViewFailed); });
-    addRowAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
-                 [this](int row) { emit openFolderClicked(row); });
-    addRowAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
-                 [this](int row) { emit copyNumberClicked(row); });
-}
-
-void BatchDelete_OrderListWidget::addRowAction(const QString &text, const QKeySequence &shortcut,
-                                               std::function<void(int row)> act)
-{
-    auto *action = new QAction(text, table_);
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetShortcut);
-    table_->addAction(action);
-    connect(action, &QAction::triggered, this, [this, act = std::move(act)] {
-        if (selectedRow() >= 0)
-            act(selectedRow());
-    });
+    rows_->addAction(Delegate::text(Delegate::ViewSucceeded), {},
+                     [this](int row) { emit viewClicked(row, Delegate::ViewSucceeded); });
+    rows_->addAction(Delegate::text(Delegate::ViewFailed), {},
+                     [this](int row) { emit viewClicked(row, Delegate::ViewFailed); });
+    rows_->addAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
+                     [this](int row) { emit openFolderClicked(row); });
+    rows_->addAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
+                     [this](int row) { emit copyNumberClicked(row); });
 }
 
 void BatchDelete_OrderListWidget::setEmptyText(const QString &text)
@@ -130,23 +108,15 @@ void BatchDelete_OrderListWidget::setEmptyText(const QString &text)
 
 int BatchDelete_OrderListWidget::selectedRow() const
 {
-    const QModelIndex current = table_->selectionModel()->currentIndex();
-    return current.isValid() ? sourceRow(current.row()) : -1;
+    return rows_->current();
 }
 
 void BatchDelete_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
 {
-    const int before = selectedRow();
-    const QString orderId = model_->hasRow(before) ? model_->order(before).id : QString();
-    change();
-    // The proxy sorts by itself only when it is told to.
-    proxy_->sort(table_->horizontalHeader()->sortIndicatorSection(),
-                 table_->horizontalHeader()->sortIndicatorOrder());
-    const int row = model_->rowOf(orderId);
-    if (row >= 0)
-        table_->selectRow(proxy_->mapFromSource(model_->index(row, 0)).row());
-    else
-        onTableSelectionChanged();
+    rows_->keepPlaceWhile(
+        change,
+        {[this](int row) { return model_->hasRow(row) ? model_->order(row).id : QString(); },
+         [this](const QString &id) { return model_->rowOf(id); }});
 }
 
 void BatchDelete_OrderListWidget::setCheckable(bool checkable)
@@ -191,9 +161,4 @@ void BatchDelete_OrderListWidget::placeSelectAll()
                       header->sectionSize(Model::CheckColumn) - theme::spacing() / 2;
     selectAll_->setGeometry(right - size.width(), (header->height() - size.height()) / 2,
                             size.width(), size.height());
-}
-
-int BatchDelete_OrderListWidget::sourceRow(int viewRow) const
-{
-    return proxy_->mapToSource(proxy_->index(viewRow, 0)).row();
 }

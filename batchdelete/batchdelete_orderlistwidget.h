@@ -3,7 +3,6 @@
 #include "batchdelete/batchdelete_delegates.h"
 #include "batchdelete/batchdeleterecords.h"
 
-#include <QKeySequence>
 #include <QList>
 #include <QWidget>
 
@@ -13,7 +12,7 @@ class BatchDeleteOrderModel;
 class CustomCheckBoxNew;
 class EmptyStateTable;
 class LoadingOverlay;
-class QSortFilterProxyModel;
+class SortedRows;
 
 /// The left half of the deletion window: the orders found, with ticks for those to be deleted. It
 /// decides nothing. All rows in its signals are positions in the model's list, however the table is
@@ -30,7 +29,8 @@ public:
     void setEmptyText(const QString &text);
     /// Position of the selected order; -1 without one.
     int selectedRow() const;
-    /// Runs \a change, which replaces the orders, and brings selection and sorting back.
+    /// Runs \a change, which replaces the orders, and brings selection, sorting and scroll
+    /// position back.
     void keepPlaceWhile(const std::function<void()> &change);
     /// While a run goes on nothing can be ticked.
     void setCheckable(bool checkable);
@@ -55,14 +55,11 @@ protected:
 private:
     void buildTable();
     void addActions();
-    void addRowAction(const QString &text, const QKeySequence &shortcut,
-                      std::function<void(int row)> act);
     void placeSelectAll();
-    int sourceRow(int viewRow) const;
 
     BatchDeleteOrderModel *model_;
-    QSortFilterProxyModel *proxy_;
     EmptyStateTable *table_;
+    SortedRows *rows_ = nullptr;
     CustomCheckBoxNew *selectAll_;
     LoadingOverlay *overlay_;
 };

@@ -9,11 +9,11 @@
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/servicenotice.h"
+#include "widgets/sortedrows.h"
 #include "widgets/tables.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 
-#include <QAction>
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
@@ -22,7 +22,6 @@
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QSortFilterProxyModel>
 #include <QVBoxLayout>
 
 using Column = DistributionOrderModel::Column;
@@ -43,7 +42,6 @@ constexpr int errorListPx = 96;
 FJLeftPanel::FJLeftPanel(QWidget *parent)
     : QWidget(parent)
     , searchType_(distributionrequests::searchTypeText(orderqueries::OrderSearch::BasicInformation))
-    , proxy_(new QSortFilterProxyModel(this))
     , table_(new EmptyStateTable(this))
     , overlay_(new LoadingOverlay(table_))
     , selectAll_(new QPushButton(QStringLiteral("全选"), this))
@@ -53,9 +51,6 @@ FJLeftPanel::FJLeftPanel(QWidget *parent)
     , stepLabel_(new QLabel(this))
     , progressBar_(new QProgressBar(this))
 {
-    proxy_->setSourceModel(&model_);
-    proxy_->setSortRole(DistributionOrderModel::SortRole);
-    proxy_->setDynamicSortFilter(false); // a row must not jump away when it is ticked
     buildTable();
     buildLayout();
     connectBranch();
@@ -82,10 +77,8 @@ void FJLeftPanel::buildTable()
     prepareTable(table_);
     table_->setStyleSheet(theme::plainTableStyle());
     table_->setAlternatingRowColors(false);
-    table_->setModel(proxy_);
+    rows_ = new SortedRows(table_, &model_, DistributionOrderModel::SortRole);
     table_->setItemDelegateForColumn(Column::TickColumn, new TickDelegate(table_));
-    table_->setSortingEnabled(true);
-    table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     const auto widen = [this](std::initializer_list<int> columns, int px) {
         for (const int column : columns)
             table_->setColumnWidth(column, K::scaledPx(px));
@@ -110,12 +103,9 @@ void FJLeftPanel::buildTable()
                 onOrderSelectionChanged(current.row(), current.column(), previous.row(),
                                         previous.column());
             });
-    auto *tick = new QAction(QStringLiteral("勾选"), table_);
-    tick->setShortcut(Qt::Key_Space);
-    tick->setShortcutContext(Qt::WidgetShortcut);
-    connect(tick, &QAction::triggered, this,
-            [this] { onCellClicked(table_->currentIndex().row(), Column::TickColumn); });
-    table_->addAction(tick);
+    rows_->addAction(QStringLiteral("勾选"), Qt::Key_Space, [this](int) {
+        onCellClicked(table_->currentIndex().row(), Column::TickColumn);
+    });
 }
 
 void FJLeftPanel::buildLayout()
@@ -290,24 +280,17 @@ void FJLeftPanel::onOrderList(const ServiceReply &reply)
 void FJLeftPanel::showOrders(const QVector<OrderData> &orders)
 {
     model_.setOrders(orders);
-    // The proxy sorts by itself only when it is told to.
-    proxy_->sort(table_->horizontalHeader()->sortIndicatorSection(),
-                 table_->horizontalHeader()->sortIndicatorOrder());
+    rows_->sortAgain();
 }
 
 // The table.
 
-int FJLeftPanel::sourceRow(int viewRow) const
-{
-    return proxy_->mapToSource(proxy_->index(viewRow, 0)).row();
-}
-
 QVector<OrderData> FJLeftPanel::tickedOrders() const
 {
     QVector<OrderData> orders;
-    for (int row = 0; row < proxy_->rowCount(); ++row) {
-        if (model_.isTicked(sourceRow(row)))
-            orders.append(model_.order(sourceRow(row)));
+    for (int row = 0; row < rows_->count(); ++row) {
+        if (model_.isTicked(rows_->position(row)))
+            orders.append(model_.order(rows_->position(row)));
     }
     return orders;
 }
@@ -317,14 +300,14 @@ void FJLeftPanel::onOrderSelectionChanged(int currentRow, int currentColumn, int
 {
     Q_UNUSED(currentColumn)
     Q_UNUSED(previousColumn)
-    const int row = sourceRow(currentRow);
+    const int row = rows_->position(currentRow);
     if (currentRow != previousRow && model_.hasRow(row))
         emit orderShown(model_.order(row));
 }
 
 void FJLeftPanel::onCellClicked(int row, int column)
 {
-    const int position = sourceRow(row);
+    const int position = rows_->position(row);
     if (column == Column::TickColumn && !locked_)
         model_.setTicked(position, !model_.isTicked(position));
 }

@@ -14,7 +14,7 @@ class QLabel;
 class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
-class QSortFilterProxyModel;
+class SortedRows;
 
 /// The left half of the distribution window: the orders with their ticks, the progress of a run and
 /// what failed in it. Switches branch and searches orders, and keeps whom it does so as.
@@ -79,7 +79,6 @@ private:
     void onBranchSwitchFailed(const ServiceReply &reply);
     void onOrderList(const ServiceReply &reply);
     void showOrders(const QVector<OrderData> &orders);
-    int sourceRow(int viewRow) const;
 
     BranchSession branch_;
     int listMode_ = 0;
@@ -89,8 +88,8 @@ private:
     QString searchType_;
     QString keyword_;
     DistributionOrderModel model_;
-    QSortFilterProxyModel *proxy_;
     EmptyStateTable *table_;
+    SortedRows *rows_ = nullptr;
     LoadingOverlay *overlay_;
     QPushButton *selectAll_;
     QPushButton *unselectAll_;

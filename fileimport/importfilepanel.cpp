@@ -6,7 +6,6 @@
 #include "widgets/tables.h"
 #include "widgets/theme.h"
 
-#include <QAction>
 #include <QHeaderView>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -48,13 +47,8 @@ void ImportFilePanel::buildTable(ImportFileTableModel *model)
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
     connect(buttons, &FileButtonDelegate::retryClicked, this, &ImportFilePanel::retryClicked);
 
-    auto *retry = new QAction(QStringLiteral("重新导入"), table_);
-    retry->setShortcut(Qt::CTRL + Qt::Key_R);
-    retry->setShortcutContext(Qt::WidgetShortcut);
-    table_->addAction(retry);
-    table_->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(retry, &QAction::triggered, this,
-            [this] { emit retryClicked(table_->currentIndex().row()); });
+    addTableAction(table_, QStringLiteral("重新导入"), Qt::CTRL + Qt::Key_R,
+                   [this] { emit retryClicked(table_->currentIndex().row()); });
 
     QHeaderView *header = table_->horizontalHeader();
     header->resizeSection(ImportFileTableModel::FileNameColumn, K::scaledPx(nameColumnPx));

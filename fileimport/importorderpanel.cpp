@@ -3,19 +3,16 @@
 #include "app/context/k.h"
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/ordernumberbuttondelegate.h"
-#include "widgets/contextmenu.h"
 #include "widgets/filedroptable.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
+#include "widgets/sortedrows.h"
 #include "widgets/theme.h"
 
 #include <QAction>
-#include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QScrollBar>
-#include <QSortFilterProxyModel>
 #include <QVBoxLayout>
 
 namespace {
@@ -33,7 +30,6 @@ constexpr int progressSteps = 1000;
 ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent)
     : QWidget(parent)
     , model_(model)
-    , proxy_(new QSortFilterProxyModel(this))
     , searchBar_(new OrderSearchBar(this))
     , table_(new FileDropTable(this))
     , overlay_(new LoadingOverlay(table_))
@@ -41,10 +37,6 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
     , progressBar_(new QProgressBar(this))
     , startButton_(new QPushButton(this))
 {
-    proxy_->setSourceModel(model_);
-    proxy_->setSortRole(ImportOrderTableModel::SortRole);
-    // Rows must not jump about under the mouse while an import changes their states.
-    proxy_->setDynamicSortFilter(false);
     buildTable();
     buildLayout();
     addActions();
@@ -58,12 +50,7 @@ void ImportOrderPanel::buildTable()
     table_->setObjectName(QStringLiteral("orderTable"));
     prepareTable(table_);
     wrapHeaders(table_);
-    table_->setModel(proxy_);
-    table_->setSortingEnabled(true);
-    table_->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
-    table_->setSelectionMode(QAbstractItemView::SingleSelection);
-    table_->setContextMenuPolicy(Qt::CustomContextMenu);
-    table_->setMouseTracking(true);
+    rows_ = new SortedRows(table_, model_, ImportOrderTableModel::SortRole);
 
     auto *number = new OrderNumberButtonDelegate(table_);
     auto *actions = new OrderActionsDelegate(table_);
@@ -74,17 +61,15 @@ void ImportOrderPanel::buildTable()
     setColumnWidths();
 
     connect(number, &OrderNumberButtonDelegate::orderNumberClicked, this,
-            [this](int row) { emit orderNumberClicked(sourceRow(row)); });
+            [this](int row) { emit orderNumberClicked(rows_->position(row)); });
     connect(actions, &OrderActionsDelegate::actionClicked, this,
             [this](int row, OrderActionsDelegate::Action action) {
-                emit actionClicked(sourceRow(row), action);
+                emit actionClicked(rows_->position(row), action);
             });
     connect(table_, &FileDropTable::filesDropped, this, [this](int row, const QStringList &paths) {
-        emit filesDropped(sourceRow(row), paths);
+        emit filesDropped(rows_->position(row), paths);
     });
-    connect(table_, &QWidget::customContextMenuRequested, this, &ImportOrderPanel::showContextMenu);
-    connect(table_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
-            &ImportOrderPanel::selectionChanged);
+    connect(rows_, &SortedRows::currentChanged, this, &ImportOrderPanel::selectionChanged);
 }
 
 void ImportOrderPanel::buildLayout()
@@ -114,39 +99,15 @@ void ImportOrderPanel::addActions()
         static const QList<QKeySequence> shortcuts = {
             Qt::CTRL + Qt::Key_O, Qt::CTRL + Qt::Key_Delete, Qt::CTRL + Qt::Key_E};
         const auto action = OrderActionsDelegate::Action(index);
-        addRowAction(OrderActionsDelegate::text(action), shortcuts.at(index),
-                     [this, action](int row) { emit actionClicked(row, action); });
+        rows_->addAction(OrderActionsDelegate::text(action), shortcuts.at(index),
+                         [this, action](int row) { emit actionClicked(row, action); });
     }
-    addRowAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
-                 [this](int row) { emit orderNumberClicked(row); });
-    addRowAction(QStringLiteral("重新登记"), {},
-                 [this](int row) { emit registerAgainClicked(row); });
-    registerAgain_ = table_->actions().constLast();
-}
-
-void ImportOrderPanel::addRowAction(const QString &text, const QKeySequence &shortcut,
-                                    std::function<void(int row)> act)
-{
-    auto *action = new QAction(text, table_);
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetShortcut);
-    table_->addAction(action);
-    connect(action, &QAction::triggered, this, [this, act = std::move(act)] {
-        if (selectedRow() >= 0)
-            act(selectedRow());
-    });
-}
-
-void ImportOrderPanel::showContextMenu(const QPoint &position)
-{
-    const int row = selectedRow();
-    if (row < 0)
-        return;
-    registerAgain_->setVisible(model_->order(row).unregistered);
-    auto *menu = new ContextMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions(table_->actions());
-    menu->popup(table_->viewport()->mapToGlobal(position));
+    rows_->addAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
+                     [this](int row) { emit orderNumberClicked(row); });
+    QAction *again = rows_->addAction(QStringLiteral("重新登记"), {},
+                                      [this](int row) { emit registerAgainClicked(row); });
+    connect(rows_, &SortedRows::menuOpens, this,
+            [this, again](int row) { again->setVisible(model_->order(row).unregistered); });
 }
 
 void ImportOrderPanel::setEmptyText(const QString &text)
@@ -156,30 +117,15 @@ void ImportOrderPanel::setEmptyText(const QString &text)
 
 int ImportOrderPanel::selectedRow() const
 {
-    const QModelIndex current = table_->selectionModel()->currentIndex();
-    return current.isValid() ? sourceRow(current.row()) : -1;
+    return rows_->current();
 }
 
 void ImportOrderPanel::keepPlaceWhile(const std::function<void()> &change)
 {
-    const int before = selectedRow();
-    const QString orderId = model_->hasRow(before) ? model_->order(before).id : QString();
-    const int scrolledDown = table_->verticalScrollBar()->value();
-    const int scrolledRight = table_->horizontalScrollBar()->value();
-    change();
-    // The proxy sorts by itself only when it is told to.
-    proxy_->sort(table_->horizontalHeader()->sortIndicatorSection(),
-                 table_->horizontalHeader()->sortIndicatorOrder());
-    const int row = model_->rowOf(orderId);
-    if (row >= 0) {
-        const QModelIndex index = proxy_->mapFromSource(model_->index(row, 0));
-        table_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
-                                                             QItemSelectionModel::Rows);
-    }
-    table_->verticalScrollBar()->setValue(scrolledDown);
-    table_->horizontalScrollBar()->setValue(scrolledRight);
-    if (row < 0)
-        emit selectionChanged();
+    rows_->keepPlaceWhile(
+        change,
+        {[this](int row) { return model_->hasRow(row) ? model_->order(row).id : QString(); },
+         [this](const QString &id) { return model_->rowOf(id); }});
 }
 
 void ImportOrderPanel::setColumnWidths()
@@ -207,11 +153,6 @@ int ImportOrderPanel::widthWithActions() const
     const QMargins around = layout()->contentsMargins();
     return around.left() + columns + 2 * table_->frameWidth() + theme::scrollBarWidth() +
            around.right();
-}
-
-int ImportOrderPanel::sourceRow(int viewRow) const
-{
-    return proxy_->mapToSource(proxy_->index(viewRow, 0)).row();
 }
 
 void ImportOrderPanel::setRunning(bool running)

@@ -12,12 +12,10 @@ class ImportOrderTableModel;
 class LoadingOverlay;
 class OrderSearchBar;
 class FileDropTable;
-class QAction;
 class QLabel;
-class QModelIndex;
 class QProgressBar;
 class QPushButton;
-class QSortFilterProxyModel;
+class SortedRows;
 
 /// The left half of the import window: search bar, order table, progress and the start button. It
 /// decides nothing. All rows in its signals are positions in the model's list, however the table is
@@ -59,19 +57,14 @@ private:
     void buildTable();
     void buildLayout();
     void addActions();
-    void addRowAction(const QString &text, const QKeySequence &shortcut,
-                      std::function<void(int row)> act);
-    void showContextMenu(const QPoint &position);
     void setColumnWidths();
-    int sourceRow(int viewRow) const;
 
     ImportOrderTableModel *model_;
-    QSortFilterProxyModel *proxy_;
     OrderSearchBar *searchBar_;
     FileDropTable *table_;
+    SortedRows *rows_ = nullptr;
     LoadingOverlay *overlay_;
     QLabel *progressLabel_;
     QProgressBar *progressBar_;
     QPushButton *startButton_;
-    QAction *registerAgain_ = nullptr;
 };

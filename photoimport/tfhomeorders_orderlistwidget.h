@@ -8,7 +8,7 @@
 
 #include <functional>
 
-class QSortFilterProxyModel;
+class SortedRows;
 class tforderlistmodel;
 
 /// The table of orders of the photo import window. All rows in its signals are positions in the
@@ -34,9 +34,7 @@ signals:
 
 private:
     void setColumnWidths();
-    void showContextMenu(const QPoint &position);
-    int sourceRow(int viewRow) const;
 
     tforderlistmodel *model_;
-    QSortFilterProxyModel *proxy_;
+    SortedRows *rows_ = nullptr;
 };

@@ -3,10 +3,9 @@
 #include "photoimport/tfphotodelegate.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "photoimport/tfphotoview.h"
-#include "widgets/contextmenu.h"
+#include "widgets/tables.h"
 #include "widgets/theme.h"
 
-#include <QAction>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -42,16 +41,15 @@ void tfhomephotos::buildView()
 {
     view_->setObjectName(QStringLiteral("photoView"));
     view_->setModel(model_);
-    view_->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(view_, &QWidget::customContextMenuRequested, this, &tfhomephotos::showContextMenu);
     connect(view_, &tfphotoview::filesDropped, this, &tfhomephotos::filesDropped);
-    addAction(QStringLiteral("重新导入"), Qt::CTRL + Qt::Key_R,
-              [this] { emit retryClicked(selectedRows()); });
-    addAction(QStringLiteral("移出列表"), Qt::CTRL + Qt::Key_Delete,
-              [this] { emit removeClicked(selectedRows()); });
-    addAction(QStringLiteral("删除照片"), Qt::Key_Delete,
-              [this] { emit deleteClicked(selectedRows()); });
-    addAction(QStringLiteral("全选"), QKeySequence::SelectAll, [this] { view_->selectAll(); });
+    addTableAction(view_, QStringLiteral("重新导入"), Qt::CTRL + Qt::Key_R,
+                   [this] { emit retryClicked(selectedRows()); });
+    addTableAction(view_, QStringLiteral("移出列表"), Qt::CTRL + Qt::Key_Delete,
+                   [this] { emit removeClicked(selectedRows()); });
+    addTableAction(view_, QStringLiteral("删除照片"), Qt::Key_Delete,
+                   [this] { emit deleteClicked(selectedRows()); });
+    addTableAction(view_, QStringLiteral("全选"), QKeySequence::SelectAll,
+                   [this] { view_->selectAll(); });
 }
 
 QPushButton *tfhomephotos::button(const char *name, const QString &text, const QString &tip)
@@ -118,24 +116,6 @@ void tfhomephotos::buildLayout()
         setTabOrder(before, next);
         before = next;
     }
-}
-
-void tfhomephotos::addAction(const QString &text, const QKeySequence &shortcut,
-                             std::function<void()> act)
-{
-    auto *action = new QAction(text, view_);
-    action->setShortcut(shortcut);
-    action->setShortcutContext(Qt::WidgetShortcut);
-    view_->addAction(action);
-    connect(action, &QAction::triggered, this, std::move(act));
-}
-
-void tfhomephotos::showContextMenu(const QPoint &position)
-{
-    auto *menu = new ContextMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addActions(view_->actions());
-    menu->popup(view_->viewport()->mapToGlobal(position));
 }
 
 void tfhomephotos::showOrder(const QString &heading)

@@ -49,8 +49,6 @@ private:
     void buildView();
     void buildLayout();
     QPushButton *button(const char *name, const QString &text, const QString &tip);
-    void addAction(const QString &text, const QKeySequence &shortcut, std::function<void()> act);
-    void showContextMenu(const QPoint &position);
     void askForThumbnails();
 
     tfphotolistmodel *model_;

@@ -1,9 +1,11 @@
 #include "widgets/tables.h"
 
 #include "widgets/colours.h"
+#include "widgets/contextmenu.h"
 #include "widgets/theme.h"
 
 #include <QAbstractItemView>
+#include <QAction>
 #include <QApplication>
 #include <QHeaderView>
 #include <QHelpEvent>
@@ -76,6 +78,30 @@ void wrapHeaders(QTableView *table)
     columns->setTextElideMode(Qt::ElideNone); // what is elided would not wrap
     columns->setDefaultAlignment(Qt::AlignCenter | static_cast<Qt::Alignment>(Qt::TextWordWrap));
     columns->setFixedHeight(theme::rowHeight() * 3 / 2);
+}
+
+QAction *addTableAction(QAbstractItemView *view, const QString &text, const QKeySequence &shortcut,
+                        std::function<void()> act)
+{
+    auto *action = new QAction(text, view);
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    view->addAction(action);
+    QObject::connect(action, &QAction::triggered, view, std::move(act));
+    if (view->contextMenuPolicy() != Qt::CustomContextMenu) {
+        view->setContextMenuPolicy(Qt::CustomContextMenu);
+        QObject::connect(view, &QWidget::customContextMenuRequested, view,
+                         [view](const QPoint &position) { popUpActions(view, position); });
+    }
+    return action;
+}
+
+void popUpActions(QAbstractItemView *view, const QPoint &position)
+{
+    auto *menu = new ContextMenu(view);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addActions(view->actions());
+    menu->popup(view->viewport()->mapToGlobal(position));
 }
 
 ElidedTextDelegate::ElidedTextDelegate(Qt::TextElideMode mode, QObject *parent)

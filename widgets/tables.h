@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QKeySequence>
 #include <QStyledItemDelegate>
 #include <QTableView>
+
+#include <functional>
 
 /// Gives \a table the program's look and habits: whole rows are selected, rows alternate, long
 /// texts are elided with a tool tip, Tab leaves the table, the user sorts only where the caller
@@ -14,6 +17,13 @@ void fitColumns(QTableView *table, int widest);
 
 /// Lets the header's texts take two lines, so that columns of small numbers can be narrow.
 void wrapHeaders(QTableView *table);
+
+/// An action among \a view's own: in its context menu, and by its key while the view has the focus.
+QAction *addTableAction(QAbstractItemView *view, const QString &text, const QKeySequence &shortcut,
+                        std::function<void()> act);
+
+/// The context menu of the view's actions, at \a position of its viewport.
+void popUpActions(QAbstractItemView *view, const QPoint &position);
 
 /// Text with "…" where it does not fit: at the end, or in the middle for paths. The whole text is
 /// then the tool tip. Colours given by the model stay on selected rows.
