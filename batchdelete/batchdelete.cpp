@@ -10,8 +10,10 @@
 #include "widgets/confirmdialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
+#include "widgets/orderfinder.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/servicenotice.h"
+#include "widgets/tables.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 
@@ -49,6 +51,8 @@ BatchDelete::BatchDelete(QWidget *parent)
     , startButton_(new QPushButton(this))
     , orderList_(new BatchDelete_OrderListWidget(&orders_))
     , fileList_(new BatchDelete_FileListWidget)
+    , finder_(
+          new OrderFinder(this, {&branch_, searchBar_, orderList_->table(), orderList_->overlay()}))
     , overlay_(nullptr)
 {
     qRegisterMetaType<BatchDeleteOrderInfo>();
@@ -121,23 +125,8 @@ void BatchDelete::connectLists()
             &BatchDelete::onSearchTypeChanged);
     connect(searchBar_, &OrderSearchBar::branchChosen, this,
             &BatchDelete::onBranchSelectionChanged);
-    connect(orderList_->overlay(), &LoadingOverlay::cancelled, this, [this] {
-        branch_.cancel();
-        endSearch();
-        keepBranch();
-    });
-    connect(&branch_, &BranchSession::switched, this, &BatchDelete::onBranchSwitched);
-    connect(&branch_, &BranchSession::switchFailed, this,
-            [this](const ServiceReply &reply, const QString &refusal) {
-                endSearch();
-                keepBranch();
-                orderList_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
-                showServiceFailure(this, reply, refusal);
-            });
-    connect(&branch_, &BranchSession::personsListed, searchBar_, &OrderSearchBar::setPersons);
-    connect(&branch_, &BranchSession::personsFailed, this,
-            [this](const ServiceReply &reply) { showServiceFailure(this, reply, reply.message); });
-    connect(&branch_, &BranchSession::searched, this, &BatchDelete::onOrderList);
+    connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
+    connect(finder_, &OrderFinder::found, this, &BatchDelete::onOrderList);
 
     connect(orderList_, &BatchDelete_OrderListWidget::orderSelectionChanged, this,
             &BatchDelete::onOrderSelectionChanged);
@@ -228,8 +217,7 @@ FramelessWindow::CloseAnswer BatchDelete::closeRequested()
         !mayForgetUnreported(QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？")))
         return CloseAnswer::Refuse;
     closing_ = true;
-    endSearch();
-    branch_.cancel();
+    finder_->cancel();
     ++plan_;
     run_.close();
     return run_.isBusy() ? CloseAnswer::CloseLater : CloseAnswer::Close;
@@ -239,62 +227,41 @@ FramelessWindow::CloseAnswer BatchDelete::closeRequested()
 
 void BatchDelete::reqShopInfo()
 {
-    searchBar_->setBranches(AccountContext::shopList, branch_.identity().shopId);
-    switchToBranch(branch_.identity().shopId);
+    finder_->open();
 }
 
 void BatchDelete::onBranchSelectionChanged(int index)
 {
     const QString shopId = searchBar_->branchId(index);
     if (run_.isBusy()) {
-        searchBar_->selectBranch(branch_.identity().shopId);
+        finder_->showBranch();
         MessageBox::warning(this, deletingText());
         return;
     }
-    if (!mayForgetUnreported(QStringLiteral("切换分店后无法再次提交，确认要切换吗？"))) {
-        searchBar_->selectBranch(branch_.identity().shopId);
-        return;
-    }
-    AccountContext::selectedShopId = shopId;
-    switchToBranch(shopId);
-}
-
-void BatchDelete::switchToBranch(const QString &shopId)
-{
-    endSearch();
-    searchBar_->setBusy(true);
-    orderList_->overlay()->showText(QStringLiteral("正在切换分店..."));
-    branch_.switchTo(shopId);
+    if (mayForgetUnreported(QStringLiteral("切换分店后无法再次提交，确认要切换吗？")))
+        finder_->chooseBranch(shopId);
+    else
+        finder_->showBranch();
 }
 
 void BatchDelete::onBranchSwitched()
 {
-    endSearch();
     // What another branch's orders are must not be deleted in this one's name.
     orders_.clear();
     fileList_->clear();
     showOrderCount();
-    searchBar_->selectBranch(branch_.identity().shopId);
-    searchBar_->resetKeyword();
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     const bool permitted = branch_.mayDeleteAllPhotos();
     orderList_->setEnabled(permitted);
     fileList_->setEnabled(permitted);
     if (!permitted) {
-        orderList_->setEmptyText(noPermissionText());
+        orderList_->table()->setEmptyText(noPermissionText());
         searchBar_->setPersons({});
         Toast::show(this, noPermissionText(), toastMs);
         return;
     }
     branch_.listPersons();
     reqOrderList();
-}
-
-void BatchDelete::keepBranch()
-{
-    // Tools opened later are not to begin in a branch that was refused here.
-    AccountContext::selectedShopId = branch_.identity().shopId;
-    searchBar_->selectBranch(branch_.identity().shopId);
 }
 
 void BatchDelete::onSearchTypeChanged(int type)
@@ -307,8 +274,7 @@ void BatchDelete::onSearchClick()
     if (run_.isBusy()) {
         MessageBox::warning(this, deletingText());
     } else if (!branch_.isConfirmed()) {
-        // The switch at opening failed, or was cancelled; when it succeeds a search follows.
-        switchToBranch(branch_.identity().shopId);
+        finder_->confirmBranch(); // when that succeeds a search follows
     } else if (!branch_.mayDeleteAllPhotos()) {
         Toast::show(this, noPermissionText(), toastMs);
     } else {
@@ -318,46 +284,25 @@ void BatchDelete::onSearchClick()
 
 void BatchDelete::reqOrderList()
 {
-    endSearch();
-    searchBar_->setBusy(true);
-    orderList_->overlay()->showText(QStringLiteral("正在查询订单..."));
-    branch_.search(searchBar_->search(), searchBar_->personId());
+    finder_->search();
 }
 
 void BatchDelete::onOrderList(const ServiceReply &reply)
 {
-    if (!reply.isSuccess()) {
-        endSearch();
-        orderList_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
-        showServiceFailure(this, reply, reply.message);
-        return;
-    }
-    inBackground(
-        this, [object = reply.object] { return deletionrequests::readOrders(object); },
-        [this, search = search_](const deletionrequests::OrderList &list) {
-            if (search == search_)
-                showSearchResult(list);
-        });
+    finder_->readReply([object = reply.object] { return deletionrequests::readOrders(object); },
+                       [this](const deletionrequests::OrderList &list) { showSearchResult(list); });
 }
 
 void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
 {
-    endSearch();
+    finder_->endSearch();
     const QString nothingFound = QStringLiteral("未检索到订单");
-    orderList_->setEmptyText(nothingFound);
+    orderList_->table()->setEmptyText(nothingFound);
     if (list.isList)
         orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
     showOrderCount();
     if (list.elements == 0)
         MessageBox::warning(this, nothingFound);
-}
-
-void BatchDelete::endSearch()
-{
-    branch_.cancelSearch();
-    ++search_; // a list that is still being read is not wanted any more
-    searchBar_->setBusy(false);
-    orderList_->overlay()->hideOverlay();
 }
 
 void BatchDelete::showOrderCount()
@@ -490,9 +435,8 @@ void BatchDelete::onStartBatchDelete()
 void BatchDelete::planDeletion()
 {
     // A reply that comes now must not replace the orders that are being judged.
-    branch_.cancel();
-    endSearch();
-    searchBar_->selectBranch(branch_.identity().shopId);
+    finder_->cancel();
+    finder_->showBranch();
     overlay_->showText(QStringLiteral("正在检查订单目录..."));
     inBackground(
         this,

@@ -16,6 +16,7 @@ class BatchDelete_ExportButton;
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
 class LoadingOverlay;
+class OrderFinder;
 class OrderSearchBar;
 class QLabel;
 class QPushButton;
@@ -54,13 +55,10 @@ private:
     void connectRun();
     bool isClosing() const { return closing_; }
 
-    void switchToBranch(const QString &shopId);
     void onBranchSwitched();
-    void keepBranch();
     void reqOrderList();
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const deletionrequests::OrderList &list);
-    void endSearch();
     bool mayDelete();
     bool mayForgetUnreported(const QString &question);
     void showOrderCount();
@@ -88,9 +86,8 @@ private:
     SharedFolderOpener folderOpener_;
     bool opened_ = false;
     bool closing_ = false;
-    int search_ = 0; ///< number of the search whose result is wanted
-    int plan_ = 0;   ///< number of the plan whose result is wanted
-    int turn_ = 0;   ///< which order of the run is being worked on, from 1
+    int plan_ = 0; ///< number of the plan whose result is wanted
+    int turn_ = 0; ///< which order of the run is being worked on, from 1
     int turns_ = 0;
 
     OrderSearchBar *searchBar_;
@@ -100,5 +97,6 @@ private:
     QPushButton *startButton_;
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;
+    OrderFinder *finder_;
     LoadingOverlay *overlay_;
 };

@@ -101,11 +101,6 @@ void BatchDelete_OrderListWidget::addActions()
                      [this](int row) { emit copyNumberClicked(row); });
 }
 
-void BatchDelete_OrderListWidget::setEmptyText(const QString &text)
-{
-    table_->setEmptyText(text);
-}
-
 int BatchDelete_OrderListWidget::selectedRow() const
 {
     return rows_->current();

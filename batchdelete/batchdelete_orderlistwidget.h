@@ -24,9 +24,9 @@ class BatchDelete_OrderListWidget : public QWidget
 public:
     explicit BatchDelete_OrderListWidget(BatchDeleteOrderModel *model, QWidget *parent = nullptr);
 
+    EmptyStateTable *table() const { return table_; }
     /// Covers the table alone.
     LoadingOverlay *overlay() const { return overlay_; }
-    void setEmptyText(const QString &text);
     /// Position of the selected order; -1 without one.
     int selectedRow() const;
     /// Runs \a change, which replaces the orders, and brings selection, sorting and scroll

@@ -6,9 +6,9 @@
 #include "fileimport/importrequests.h"
 #include "fileimport/orderfilechooser.h"
 #include "fileimport/originalview.h"
-#include "net/background.h"
-#include "widgets/loadingoverlay.h"
+#include "widgets/filedroptable.h"
 #include "widgets/messagebox.h"
+#include "widgets/orderfinder.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/servicenotice.h"
 #include "widgets/theme.h"
@@ -36,6 +36,8 @@ ImportFiles::ImportFiles(QWidget *parent)
     , panel_(new ImportOrderPanel(&orders_))
     , filePanel_(new ImportFilePanel(&files_))
     , rightHalf_(new QSplitter(Qt::Vertical))
+    , finder_(new OrderFinder(this,
+                              {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
     , chooser_(new OrderFileChooser(this, &orders_))
 {
     qRegisterMetaType<ImportFile>();
@@ -63,9 +65,8 @@ ImportFiles::ImportFiles(QWidget *parent)
     connect(chooser_, &OrderFileChooser::filesChanged, this, &ImportFiles::onFilesChosen);
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
-    connect(&branch_, &BranchSession::switched, this, &ImportFiles::onBranchSwitched);
-    connect(&branch_, &BranchSession::switchFailed, this, &ImportFiles::onBranchSwitchFailed);
-    connect(&branch_, &BranchSession::searched, this, &ImportFiles::onOrderList);
+    connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
+    connect(finder_, &OrderFinder::found, this, &ImportFiles::onOrderList);
     connectPanel();
     setMode(int(ImportMode::Originals));
 }
@@ -107,7 +108,6 @@ void ImportFiles::connectPanel()
     connect(searchBar, &OrderSearchBar::searchRequested, this, &ImportFiles::onSearchClick);
     connect(searchBar, &OrderSearchBar::searchTypeChanged, this, &ImportFiles::onSearchTypeChanged);
     connect(searchBar, &OrderSearchBar::branchChosen, this, &ImportFiles::onBranchSelectionChanged);
-    connect(panel_->overlay(), &LoadingOverlay::cancelled, this, &ImportFiles::onWaitingCancelled);
     connect(panel_, &ImportOrderPanel::selectionChanged, this,
             &ImportFiles::onOrderTableSelectionChanged);
     connect(panel_, &ImportOrderPanel::orderNumberClicked, this,
@@ -188,8 +188,7 @@ void ImportFiles::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
-    endSearch();
-    branch_.cancel();
+    finder_->cancel();
     chooser_->cancel();
     if (run_->isBusy())
         stopAllImports();
@@ -213,59 +212,19 @@ void ImportFiles::finishClosingWhenIdle()
 
 void ImportFiles::reqShopInfo()
 {
-    panel_->searchBar()->setBranches(AccountContext::shopList, branch_.identity().shopId);
-    switchToBranch(branch_.identity().shopId);
+    finder_->open();
 }
 
 void ImportFiles::onBranchSelectionChanged(int index)
 {
     const QString shopId = panel_->searchBar()->branchId(index);
     if (run_->isBusy()) {
-        panel_->searchBar()->selectBranch(branch_.identity().shopId);
+        finder_->showBranch();
         MessageBox::warning(this, importingText());
         return;
     }
     qDebug() << "选择了分店:" << shopId;
-    AccountContext::selectedShopId = shopId;
-    switchToBranch(shopId);
-}
-
-void ImportFiles::switchToBranch(const QString &shopId)
-{
-    endSearch();
-    panel_->searchBar()->setBusy(true);
-    panel_->overlay()->showText(QStringLiteral("正在切换分店..."));
-    branch_.switchTo(shopId);
-}
-
-void ImportFiles::onBranchSwitched()
-{
-    endSearch();
-    panel_->searchBar()->selectBranch(branch_.identity().shopId);
-    panel_->searchBar()->resetKeyword();
-    reqOrderList();
-}
-
-void ImportFiles::onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal)
-{
-    endSearch();
-    keepBranch();
-    panel_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
-    showServiceFailure(this, reply, refusal);
-}
-
-void ImportFiles::onWaitingCancelled()
-{
-    branch_.cancel();
-    endSearch();
-    keepBranch();
-}
-
-void ImportFiles::keepBranch()
-{
-    // Tools opened later are not to begin in a branch that was refused here.
-    AccountContext::selectedShopId = branch_.identity().shopId;
-    panel_->searchBar()->selectBranch(branch_.identity().shopId);
+    finder_->chooseBranch(shopId);
 }
 
 void ImportFiles::onSearchTypeChanged(int type)
@@ -279,60 +238,37 @@ void ImportFiles::onSearchClick()
         MessageBox::warning(this, importingText());
         return;
     }
-    if (branch_.isConfirmed()) {
+    if (branch_.isConfirmed())
         reqOrderList();
-        return;
-    }
-    // The switch at opening failed, or was cancelled; when it succeeds a search follows.
-    switchToBranch(branch_.identity().shopId);
+    else
+        finder_->confirmBranch(); // when that succeeds a search follows
 }
 
 void ImportFiles::reqOrderList()
 {
-    endSearch();
-    panel_->searchBar()->setBusy(true);
-    panel_->overlay()->showText(QStringLiteral("正在查询订单..."));
-    branch_.search(panel_->searchBar()->search());
+    finder_->search();
 }
 
 void ImportFiles::onOrderList(const ServiceReply &reply)
 {
-    if (!reply.isSuccess()) {
-        endSearch();
-        panel_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
-        showServiceFailure(this, reply, reply.message);
-        return;
-    }
-    inBackground(
-        this,
+    finder_->readReply(
         [object = reply.object, publicPath = branch_.publicPath()] {
             return importrequests::readOrders(object, publicPath);
         },
-        [this, search = search_](const importrequests::OrderList &list) {
-            if (search == search_)
-                showSearchResult(list);
-        });
+        [this](const importrequests::OrderList &list) { showSearchResult(list); });
 }
 
 void ImportFiles::showSearchResult(const importrequests::OrderList &list)
 {
-    endSearch();
+    finder_->endSearch();
     const QString nothingFound = QStringLiteral("未检索到订单");
-    panel_->setEmptyText(nothingFound);
+    panel_->table()->setEmptyText(nothingFound);
     if (list.isList)
         panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
     if (list.elements == 0)
         MessageBox::warning(this, nothingFound);
     else if (list.orders.isEmpty())
         Toast::show(this, QStringLiteral("未搜到订单!"), toastMs);
-}
-
-void ImportFiles::endSearch()
-{
-    branch_.cancelSearch();
-    ++search_; // a list that is still being read is not wanted any more
-    panel_->searchBar()->setBusy(false);
-    panel_->overlay()->hideOverlay();
 }
 
 // What the rows of the order table do.
@@ -432,9 +368,8 @@ void ImportFiles::onStartAllClicked()
         return;
     }
     // A reply that comes now must not replace the orders under the run.
-    branch_.cancel();
-    endSearch();
-    panel_->searchBar()->selectBranch(branch_.identity().shopId);
+    finder_->cancel();
+    finder_->showBranch();
     emit startImportAllFiles(orders_.orders().toList());
     setImporting(true);
 }

@@ -17,6 +17,7 @@
 class ImportFilePanel;
 class ImportOrderPanel;
 class OrderFileChooser;
+class OrderFinder;
 class OriginalView;
 class QSplitter;
 
@@ -70,16 +71,8 @@ private:
     bool hasLiveWork() const;
     void finishClosingWhenIdle();
 
-    void switchToBranch(const QString &shopId);
-    void onBranchSwitched();
-    void onBranchSwitchFailed(const ServiceReply &reply, const QString &refusal);
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
-    void onWaitingCancelled();
-    /// Back to the branch that the service confirmed last.
-    void keepBranch();
-    /// Abandons the search that is going on, if there is one.
-    void endSearch();
 
     bool refusesWhileImporting();
     void onFilesChosen(int row);
@@ -97,7 +90,6 @@ private:
     bool importing_ = false;
     bool opened_ = false;
     QString shownOrderId_;
-    int search_ = 0; ///< number of the search whose result is wanted
 
     ImportOrderTableModel orders_;
     ImportFileTableModel files_;
@@ -111,6 +103,7 @@ private:
     ImportOrderPanel *panel_;
     ImportFilePanel *filePanel_;
     QSplitter *rightHalf_;
+    OrderFinder *finder_;
     OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;
 };

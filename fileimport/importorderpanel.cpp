@@ -110,11 +110,6 @@ void ImportOrderPanel::addActions()
             [this, again](int row) { again->setVisible(model_->order(row).unregistered); });
 }
 
-void ImportOrderPanel::setEmptyText(const QString &text)
-{
-    table_->setEmptyText(text);
-}
-
 int ImportOrderPanel::selectedRow() const
 {
     return rows_->current();

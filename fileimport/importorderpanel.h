@@ -28,9 +28,9 @@ public:
     explicit ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent = nullptr);
 
     OrderSearchBar *searchBar() const { return searchBar_; }
+    FileDropTable *table() const { return table_; }
     /// Covers the table alone, so that the search bar stays usable.
     LoadingOverlay *overlay() const { return overlay_; }
-    void setEmptyText(const QString &text);
 
     /// Position of the selected order; -1 without one.
     int selectedRow() const;

@@ -7,7 +7,7 @@
 #include <QString>
 #include <QWidget>
 
-class LoadingOverlay;
+class OrderFinder;
 class OrderSearchBar;
 class tfhomeorders_OrderListWidget;
 class tforderlistmodel;
@@ -44,24 +44,16 @@ private:
     void connectParts();
     void onBranchChosen(int index);
     void onSearchClicked();
-    void switchToBranch(const QString &shopId);
     void onBranchSwitched();
-    void keepBranch();
-    void reqOrderList();
     void onOrderList(const ServiceReply &reply);
     void takeOrders(const photoorders::Found &found);
-    void takeRefreshed(const ServiceReply &reply);
-    void endSearch();
+    void onRefreshed(const ServiceReply &reply);
 
     tforderlistmodel *model_;
     BranchSession branch_;
     OrderSearchBar *searchBar_;
     tfhomeorders_OrderListWidget *table_;
-    LoadingOverlay *overlay_;
-    orderqueries::OrderSearch lastSearch_; ///< what is listed
-    QString lastPerson_;
+    OrderFinder *finder_;
     QString listedShop_; ///< branch of the orders listed
     bool importing_ = false;
-    bool refreshing_ = false; ///< the search under way is the silent one
-    int search_ = 0;          ///< number of the search whose result is wanted
 };

@@ -1,0 +1,133 @@
+#include "widgets/orderfinder.h"
+
+#include "app/context/accountcontext.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/ordersearchbar.h"
+#include "widgets/servicenotice.h"
+#include "widgets/tables.h"
+
+OrderFinder::OrderFinder(QWidget *window, const Place &place)
+    : QObject(window), window_(window), place_(place)
+{
+    BranchSession *branch = place_.branch;
+    connect(branch, &BranchSession::switched, this, &OrderFinder::onSwitched);
+    connect(branch, &BranchSession::switchFailed, this, &OrderFinder::onSwitchFailed);
+    connect(branch, &BranchSession::searched, this, &OrderFinder::onSearched);
+    connect(branch, &BranchSession::personsListed, place_.bar, &OrderSearchBar::setPersons);
+    connect(branch, &BranchSession::personsFailed, this, [this](const ServiceReply &reply) {
+        showServiceFailure(window_, reply, reply.message);
+    });
+    connect(place_.overlay, &LoadingOverlay::cancelled, this, [this] {
+        cancel();
+        keepBranch();
+    });
+}
+
+// Branches.
+
+void OrderFinder::open()
+{
+    place_.bar->setBranches(AccountContext::shopList, place_.branch->identity().shopId);
+    confirmBranch();
+}
+
+void OrderFinder::chooseBranch(const QString &shopId)
+{
+    AccountContext::selectedShopId = shopId;
+    switchTo(shopId);
+}
+
+void OrderFinder::confirmBranch()
+{
+    switchTo(place_.branch->identity().shopId);
+}
+
+void OrderFinder::switchTo(const QString &shopId)
+{
+    endSearch();
+    place_.bar->setBusy(true);
+    place_.overlay->showText(QStringLiteral("正在切换分店..."));
+    place_.branch->switchTo(shopId);
+}
+
+void OrderFinder::onSwitched()
+{
+    endSearch();
+    showBranch();
+    place_.bar->resetKeyword();
+    emit branchSwitched();
+}
+
+void OrderFinder::onSwitchFailed(const ServiceReply &reply, const QString &refusal)
+{
+    endSearch();
+    keepBranch();
+    place_.table->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
+    showServiceFailure(window_, reply, refusal);
+}
+
+void OrderFinder::showBranch()
+{
+    place_.bar->selectBranch(place_.branch->identity().shopId);
+}
+
+void OrderFinder::keepBranch()
+{
+    // Tools opened later are not to begin in a branch that was refused here.
+    AccountContext::selectedShopId = place_.branch->identity().shopId;
+    showBranch();
+}
+
+// Searching.
+
+void OrderFinder::search()
+{
+    endSearch();
+    place_.bar->setBusy(true);
+    place_.overlay->showText(QStringLiteral("正在查询订单..."));
+    lastSearch_ = place_.bar->search();
+    lastPerson_ = place_.bar->personId();
+    place_.branch->search(lastSearch_, lastPerson_);
+}
+
+bool OrderFinder::refresh()
+{
+    // A search under way brings what is wanted.
+    if (place_.bar->isBusy() || !place_.branch->isConfirmed())
+        return false;
+    refreshing_ = true;
+    place_.branch->search(lastSearch_, lastPerson_);
+    return true;
+}
+
+void OrderFinder::onSearched(const ServiceReply &reply)
+{
+    if (refreshing_) {
+        refreshing_ = false;
+        if (reply.isSuccess()) // otherwise the next search tells what is wrong
+            emit refreshed(reply);
+        return;
+    }
+    if (reply.isSuccess()) {
+        emit found(reply);
+        return;
+    }
+    endSearch();
+    place_.table->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
+    showServiceFailure(window_, reply, reply.message);
+}
+
+void OrderFinder::cancel()
+{
+    place_.branch->cancel();
+    endSearch();
+}
+
+void OrderFinder::endSearch()
+{
+    place_.branch->cancelSearch();
+    refreshing_ = false;
+    ++search_; // a list that is still being read is not wanted any more
+    place_.bar->setBusy(false);
+    place_.overlay->hideOverlay();
+}

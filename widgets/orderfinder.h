@@ -1,0 +1,85 @@
+#pragma once
+
+#include "net/background.h"
+#include "net/branchsession.h"
+
+#include <QObject>
+#include <QString>
+
+class EmptyStateTable;
+class LoadingOverlay;
+class OrderSearchBar;
+class QWidget;
+
+/// What happens between a tool's search bar and its table of orders: switches branches, searches,
+/// lists the persons of a branch, tells on the table's overlay what is waited for and in a box what
+/// failed. The tool decides whether a branch may be left or searched, and what a reply means.
+/// Interface thread.
+class OrderFinder : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Where the finder works; all of it is the tool's and lives as long as its window.
+    struct Place
+    {
+        BranchSession *branch;
+        OrderSearchBar *bar;
+        EmptyStateTable *table;
+        LoadingOverlay *overlay; ///< over the table
+    };
+
+    /// \a window owns the finder and the boxes that it shows.
+    OrderFinder(QWidget *window, const Place &place);
+
+    /// Lists the branches and switches to the first one.
+    void open();
+    /// Switches to the branch that the user chose, for the tools opened later, too.
+    void chooseBranch(const QString &shopId);
+    /// Switches to the branch again: the switch at opening failed, or was cancelled.
+    void confirmBranch();
+    /// Back to the branch that the service confirmed last, in the search bar.
+    void showBranch();
+    /// For what the search bar says.
+    void search();
+    /// The latest search once more, in silence. False, and nothing happens, while there is a search
+    /// or no branch.
+    bool refresh();
+    /// Abandons switch and search.
+    void cancel();
+    /// Abandons the search, if there is one, and takes the overlay away.
+    void endSearch();
+
+    /// Has \a read make something of a reply on a thread, and hands that to \a take, unless the
+    /// search has ended or another has begun meanwhile.
+    template <typename Read, typename Take> void readReply(Read read, Take take)
+    {
+        inBackground(this, std::move(read),
+                     [this, search = search_, take = std::move(take)](const auto &made) {
+                         if (search == search_)
+                             take(made);
+                     });
+    }
+
+signals:
+    /// The search bar shows the new branch and asks for nothing yet.
+    void branchSwitched();
+    /// The service's good answer to a search; the overlay is there until endSearch().
+    void found(const ServiceReply &reply);
+    /// The same for refresh().
+    void refreshed(const ServiceReply &reply);
+
+private:
+    void switchTo(const QString &shopId);
+    void keepBranch();
+    void onSwitched();
+    void onSwitchFailed(const ServiceReply &reply, const QString &refusal);
+    void onSearched(const ServiceReply &reply);
+
+    QWidget *window_;
+    Place place_;
+    orderqueries::OrderSearch lastSearch_;
+    QString lastPerson_;
+    bool refreshing_ = false; ///< the search under way is the silent one
+    int search_ = 0;          ///< number of the search whose result is wanted
+};
