@@ -12,6 +12,7 @@
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/theme.h"
+#include "widgets/transferview.h"
 
 #include <QDebug>
 #include <QDir>
@@ -334,12 +335,11 @@ void FJRightPanel::setRunning(bool running)
     for (QWidget *part : {static_cast<QWidget *>(directoryButton_), options_, photoLists_})
         part->setToolTip(locked);
     namingPanel_->setToolTip(locked);
-    startButton_->setText(running ? QStringLiteral("停止分件") : QStringLiteral("开始分件"));
-    startButton_->setShortcut(Qt::CTRL + Qt::Key_Return); // a new text takes the shortcut away
-    startButton_->setToolTip(startButton_->shortcut().toString(QKeySequence::NativeText));
-    startButton_->setStyleSheet(
-        running ? theme::stopButtonStyle()
-                : theme::gradientButtonStyle(colours::distributeFrom, colours::distributeTo));
+    if (running)
+        showRunButton(startButton_, QStringLiteral("停止分件"), theme::stopButtonStyle());
+    else
+        showRunButton(startButton_, QStringLiteral("开始分件"),
+                      theme::gradientButtonStyle(colours::distributeFrom, colours::distributeTo));
 }
 
 // The photos of the order shown.

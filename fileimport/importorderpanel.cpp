@@ -8,10 +8,9 @@
 #include "widgets/ordersearchbar.h"
 #include "widgets/sortedrows.h"
 #include "widgets/theme.h"
+#include "widgets/transferview.h"
 
 #include <QAction>
-#include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -22,8 +21,6 @@ constexpr int nameColumnPx = 66;
 constexpr int countColumnPx = 52;
 constexpr int stateColumnPx = 102;
 constexpr int pathColumnPx = 180;
-constexpr int progressBarPx = 4;
-constexpr int progressSteps = 1000;
 
 } // namespace
 
@@ -33,15 +30,13 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
     , searchBar_(new OrderSearchBar(this))
     , table_(new FileDropTable(this))
     , overlay_(new LoadingOverlay(table_))
-    , progressLabel_(new QLabel(this))
-    , progressBar_(new QProgressBar(this))
+    , progress_(new TransferView(this))
     , startButton_(new QPushButton(this))
 {
     buildTable();
     buildLayout();
     addActions();
     setRunning(false);
-    hideProgress();
     connect(startButton_, &QPushButton::clicked, this, &ImportOrderPanel::startClicked);
 }
 
@@ -74,12 +69,6 @@ void ImportOrderPanel::buildTable()
 
 void ImportOrderPanel::buildLayout()
 {
-    progressLabel_->setObjectName(QStringLiteral("progressLabel"));
-    progressBar_->setObjectName(QStringLiteral("progressBar"));
-    progressBar_->setTextVisible(false);
-    progressBar_->setRange(0, progressSteps);
-    progressBar_->setFixedHeight(K::scaledPx(progressBarPx));
-    progressBar_->setStyleSheet(theme::progressBarStyle());
     startButton_->setObjectName(QStringLiteral("startButton"));
     startButton_->setMinimumHeight(theme::controlHeight());
 
@@ -88,8 +77,7 @@ void ImportOrderPanel::buildLayout()
     layout->setSpacing(theme::spacing());
     layout->addWidget(searchBar_);
     layout->addWidget(table_, 1);
-    layout->addWidget(progressBar_);
-    layout->addWidget(progressLabel_);
+    layout->addWidget(progress_);
     layout->addWidget(startButton_);
 }
 
@@ -152,24 +140,18 @@ int ImportOrderPanel::widthWithActions() const
 
 void ImportOrderPanel::setRunning(bool running)
 {
-    startButton_->setText(running ? QStringLiteral("停止导入") : QStringLiteral("开始全部导入"));
-    startButton_->setShortcut(Qt::CTRL + Qt::Key_Return); // a new text takes the shortcut away
-    startButton_->setToolTip(startButton_->shortcut().toString(QKeySequence::NativeText));
-    startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
+    if (running)
+        showRunButton(startButton_, QStringLiteral("停止导入"), theme::stopButtonStyle());
+    else
+        showRunButton(startButton_, QStringLiteral("开始全部导入"), theme::startButtonStyle());
 }
 
 void ImportOrderPanel::showProgress(const TransferProgress &progress, const TransferRate &rate)
 {
-    progressLabel_->setText(progressText(progress, rate));
-    progressBar_->setValue(progress.bytesTotal > 0
-                               ? int(progressSteps * progress.bytesDone / progress.bytesTotal)
-                               : 0);
-    progressLabel_->show();
-    progressBar_->show();
+    progress_->showProgress(progress, rate);
 }
 
 void ImportOrderPanel::hideProgress()
 {
-    progressLabel_->hide();
-    progressBar_->hide();
+    progress_->hide();
 }

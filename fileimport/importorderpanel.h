@@ -12,10 +12,9 @@ class ImportOrderTableModel;
 class LoadingOverlay;
 class OrderSearchBar;
 class FileDropTable;
-class QLabel;
-class QProgressBar;
 class QPushButton;
 class SortedRows;
+class TransferView;
 
 /// The left half of the import window: search bar, order table, progress and the start button. It
 /// decides nothing. All rows in its signals are positions in the model's list, however the table is
@@ -64,7 +63,6 @@ private:
     FileDropTable *table_;
     SortedRows *rows_ = nullptr;
     LoadingOverlay *overlay_;
-    QLabel *progressLabel_;
-    QProgressBar *progressBar_;
+    TransferView *progress_;
     QPushButton *startButton_;
 };

@@ -5,9 +5,8 @@
 #include <QWidget>
 
 class ComboBox;
-class QLabel;
-class QProgressBar;
 class QPushButton;
+class TransferView;
 
 /// The lower edge of the photo import window: what is imported, by how many workers, how far it is,
 /// and the buttons that start, pause and stop.
@@ -39,8 +38,7 @@ signals:
 private:
     ComboBox *modeBox_;
     ComboBox *workerBox_;
-    QLabel *progressLabel_;
-    QProgressBar *progressBar_;
+    TransferView *progress_;
     QPushButton *pauseButton_;
     QPushButton *startButton_;
 };

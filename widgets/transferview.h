@@ -1,0 +1,32 @@
+#pragma once
+
+#include "net/transferprogress.h"
+
+#include <QWidget>
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+/// How far a run is: a line of text and a bar. Hidden until there is something to show.
+class TransferView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit TransferView(QWidget *parent = nullptr);
+
+    void showProgress(const TransferProgress &progress, const TransferRate &rate);
+    /// All is copied; \a text tells what is still going on.
+    void showRest(const QString &text);
+
+private:
+    void showLine(const QString &text, int steps);
+
+    QLabel *label_;
+    QProgressBar *bar_;
+};
+
+/// Gives the button that starts and stops a run its text and look of the moment. Ctrl+Enter presses
+/// it, and its tool tip says so.
+void showRunButton(QPushButton *button, const QString &text, const QString &style);
