@@ -1,14 +1,14 @@
 #include "batchdelete/batchdelete.h"
 
-#include "app/account/batchlogindialog.h"
 #include "app/helpers/macwindowmanager.h"
 #include "batchdelete/batchdelete_exportbutton.h"
 #include "batchdelete/batchdelete_filelistwidget.h"
 #include "batchdelete/batchdelete_orderlistwidget.h"
+#include "batchdelete/deletionapproval.h"
 #include "batchdelete/deletionreport.h"
+#include "batchdelete/deletionrules.h"
 #include "net/background.h"
 #include "widgets/confirmdialog.h"
-#include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/orderfinder.h"
 #include "widgets/ordersearchbar.h"
@@ -53,16 +53,12 @@ BatchDelete::BatchDelete(QWidget *parent)
     , fileList_(new BatchDelete_FileListWidget)
     , finder_(
           new OrderFinder(this, {&branch_, searchBar_, orderList_->table(), orderList_->overlay()}))
-    , overlay_(nullptr)
 {
     qRegisterMetaType<BatchDeleteOrderInfo>();
     setWindowTitle(QStringLiteral("批量删除"));
     buildLayout();
-    overlay_ = new LoadingOverlay(this);
-    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
-        ++plan_;
-        overlay_->hideOverlay();
-    });
+    approval_ = new DeletionApproval(this, &orders_);
+    connect(approval_, &DeletionApproval::approved, this, &BatchDelete::startRun);
     connect(&folderOpener_, &SharedFolderOpener::finished, this,
             [this](bool, const QString &error) {
                 if (!error.isEmpty())
@@ -218,7 +214,7 @@ FramelessWindow::CloseAnswer BatchDelete::closeRequested()
         return CloseAnswer::Refuse;
     closing_ = true;
     finder_->cancel();
-    ++plan_;
+    approval_->cancel();
     run_.close();
     return run_.isBusy() ? CloseAnswer::CloseLater : CloseAnswer::Close;
 }
@@ -426,58 +422,14 @@ void BatchDelete::onStartBatchDelete()
         Toast::show(this, QStringLiteral("请选择要删除的订单!"), toastMs);
         return;
     }
-    if (run_.isBusy())
+    if (run_.isBusy()) {
         Toast::show(this, deletingText(), toastMs);
-    else
-        planDeletion();
-}
-
-void BatchDelete::planDeletion()
-{
+        return;
+    }
     // A reply that comes now must not replace the orders that are being judged.
     finder_->cancel();
     finder_->showBranch();
-    overlay_->showText(QStringLiteral("正在检查订单目录..."));
-    inBackground(
-        this,
-        [orders = orders_.orders(), publicPath = branch_.publicPath()] {
-            return deletionrules::plan(orders, publicPath);
-        },
-        [this, number = ++plan_](const deletionrules::DeletionPlan &plan) {
-            if (number != plan_)
-                return;
-            overlay_->hideOverlay();
-            confirmPlan(plan);
-        });
-}
-
-void BatchDelete::confirmPlan(const deletionrules::DeletionPlan &plan)
-{
-    for (const BatchDeleteOrderInfo &refused : plan.refused) {
-        orders_.change(orders_.rowOf(refused.id),
-                       [&refused](BatchDeleteOrderInfo &order) { order.note = refused.note; });
-    }
-    if (plan.orders.isEmpty()) {
-        MessageBox::warning(this, deletionrules::refusedNotice(plan));
-        return;
-    }
-    const QPointer<BatchDelete> guard(this);
-    if (ConfirmDialog::ask(this, deletionrules::confirmation(plan),
-                           ConfirmDialog::Enter::Cancels) &&
-        guard && !isClosing())
-        verifyAccount(plan.orders);
-}
-
-void BatchDelete::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders)
-{
-    auto *dialog =
-        new BatchLoginDialog(this, [this, orders](bool success, const QString &, const QString &) {
-            if (!success || isClosing())
-                return;
-            Toast::show(this, QStringLiteral("验证成功！"), toastMs);
-            startRun(orders);
-        });
-    dialog->open();
+    approval_->ask(branch_.publicPath());
 }
 
 void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)

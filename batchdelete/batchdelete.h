@@ -5,7 +5,6 @@
 #include "batchdelete/batchdeleteordermodel.h"
 #include "batchdelete/batchdeleterun.h"
 #include "batchdelete/deletionrequests.h"
-#include "batchdelete/deletionrules.h"
 #include "net/branchsession.h"
 #include "widgets/framelesswindow.h"
 
@@ -15,7 +14,7 @@
 class BatchDelete_ExportButton;
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
-class LoadingOverlay;
+class DeletionApproval;
 class OrderFinder;
 class OrderSearchBar;
 class QLabel;
@@ -70,9 +69,6 @@ private:
     void onViewClicked(int row, BatchDeleteProgressDelegate::Button button);
     void retryFiles(const QVector<int> &indexes);
 
-    void planDeletion();
-    void confirmPlan(const deletionrules::DeletionPlan &plan);
-    void verifyAccount(const QVector<BatchDeleteOrderInfo> &orders);
     void startRun(const QVector<BatchDeleteOrderInfo> &orders);
     void onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
     void onAnnouncementFailed(const ServiceReply &reply);
@@ -86,7 +82,6 @@ private:
     SharedFolderOpener folderOpener_;
     bool opened_ = false;
     bool closing_ = false;
-    int plan_ = 0; ///< number of the plan whose result is wanted
     int turn_ = 0; ///< which order of the run is being worked on, from 1
     int turns_ = 0;
 
@@ -98,5 +93,5 @@ private:
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;
     OrderFinder *finder_;
-    LoadingOverlay *overlay_;
+    DeletionApproval *approval_ = nullptr;
 };

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "batchdelete/batchdeleterecords.h"
+#include "batchdelete/deletionrules.h"
+
+#include <QObject>
+#include <QString>
+#include <QVector>
+
+class BatchDeleteOrderModel;
+class LoadingOverlay;
+class QWidget;
+
+/// What stands before a deletion: looks which of the ticked orders may be emptied, has the user
+/// confirm them, and then the account. Orders that may not be emptied get their reason as a note.
+/// Interface thread; the folders are looked at on another.
+class DeletionApproval : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Dialogs and the overlay belong to \a window, which owns the approval and the model.
+    DeletionApproval(QWidget *window, BatchDeleteOrderModel *orders);
+
+    /// \a publicPath is the branch's public import root.
+    void ask(const QString &publicPath);
+    /// Gives up: nothing is approved any more until it is asked again.
+    void cancel();
+
+signals:
+    /// These may be emptied.
+    void approved(const QVector<BatchDeleteOrderInfo> &orders);
+
+private:
+    void confirmPlan(const deletionrules::DeletionPlan &plan);
+    void verifyAccount(const QVector<BatchDeleteOrderInfo> &orders);
+
+    QWidget *window_;
+    BatchDeleteOrderModel *orders_;
+    LoadingOverlay *overlay_;
+    int plan_ = 0; ///< number of the plan whose result is wanted
+};
