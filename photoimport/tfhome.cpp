@@ -1,14 +1,12 @@
 #include "photoimport/tfhome.h"
 
 #include "app/helpers/macwindowmanager.h"
-#include "net/background.h"
-#include "net/chosenfiles.h"
+#include "photoimport/tffilechooser.h"
 #include "photoimport/tfhomeorders.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
 #include "photoimport/tfhomephotos.h"
 #include "photoimport/tfimportbar.h"
 #include "widgets/confirmdialog.h"
-#include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
 #include "widgets/servicenotice.h"
@@ -42,6 +40,8 @@ tfhome::tfhome(QWidget *parent)
     , photoPanel_(new tfhomephotos(&photos_))
     , bar_(new tfimportbar)
     , overlay_(new LoadingOverlay(this))
+    , chooser_(
+          new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
@@ -60,7 +60,7 @@ tfhome::tfhome(QWidget *parent)
                     Toast::show(this, error);
             });
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
-        ++choice_;
+        chooser_->cancel();
         overlay_->hideOverlay();
         if (deletion_.isActive()) {
             deletion_.cancel();
@@ -109,12 +109,12 @@ void tfhome::connectOrders()
     // A box shown while the drop is going on would freeze the program that the files come from.
     connect(
         table, &tfhomeorders_OrderListWidget::filesDroppedOnOrder, this,
-        [this](int row, const QStringList &paths) { takeFiles(row, paths, true); },
+        [this](int row, const QStringList &paths) { chooser_->take(row, paths, true); },
         Qt::QueuedConnection);
     table->addOrderAction(QStringLiteral("添加照片"), Qt::CTRL + Qt::Key_O,
-                          [this](int row) { addFiles(row); });
+                          [this](int row) { chooser_->addFiles(row); });
     table->addOrderAction(QStringLiteral("添加目录"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
-                          [this](int row) { addFolder(row); });
+                          [this](int row) { chooser_->addFolder(row); });
     table->addOrderAction(QStringLiteral("导入本单"), Qt::Key_Return,
                           [this](int row) { startOrder(row); });
     table->addOrderAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
@@ -127,9 +127,9 @@ void tfhome::connectPhotos()
 {
     const auto shown = [this] { return orders_.rowOf(shownOrderId_); };
     connect(photoPanel_, &tfhomephotos::addFilesClicked, this,
-            [this, shown] { addFiles(shown()); });
+            [this, shown] { chooser_->addFiles(shown()); });
     connect(photoPanel_, &tfhomephotos::addFolderClicked, this,
-            [this, shown] { addFolder(shown()); });
+            [this, shown] { chooser_->addFolder(shown()); });
     connect(photoPanel_, &tfhomephotos::openFolderClicked, this,
             [this, shown] { openFolder(shown()); });
     connect(photoPanel_, &tfhomephotos::startClicked, this, [this, shown] { startOrder(shown()); });
@@ -138,8 +138,12 @@ void tfhome::connectPhotos()
     connect(photoPanel_, &tfhomephotos::deleteClicked, this, &tfhome::deletePhotos);
     connect(
         photoPanel_, &tfhomephotos::filesDropped, this,
-        [this, shown](const QStringList &paths) { takeFiles(shown(), paths, true); },
+        [this, shown](const QStringList &paths) { chooser_->take(shown(), paths, true); },
         Qt::QueuedConnection);
+    connect(chooser_, &tffilechooser::filesAdded, this, [this](const QString &orderId) {
+        if (orderId == shownOrderId_)
+            showSelectedOrder();
+    });
     connect(photoPanel_->thumbnails(), &QThread::finished, this, &tfhome::endClosing);
 }
 
@@ -231,66 +235,6 @@ bool tfhome::mayChange(int row)
         return true;
     Toast::show(this, QStringLiteral("该订单正在导片，请等待完成或先停止"));
     return false;
-}
-
-void tfhome::addFiles(int row)
-{
-    if (!mayChange(row))
-        return;
-    const QString id = orders_.order(row).info.id;
-    const QStringList paths =
-        FileDialog::openFiles(this, QStringLiteral("选择要导入的文件"),
-                              sourceFilter(orders_.photoMode()), QStringLiteral("photoimport"));
-    takeFiles(orders_.rowOf(id), paths, false);
-}
-
-void tfhome::addFolder(int row)
-{
-    if (!mayChange(row))
-        return;
-    const QString id = orders_.order(row).info.id;
-    const QString folder = FileDialog::existingFolder(this, QStringLiteral("选择要导入的目录"),
-                                                      QStringLiteral("photoimport"));
-    if (!folder.isEmpty())
-        takeFiles(orders_.rowOf(id), {folder}, true);
-}
-
-void tfhome::takeFiles(int row, const QStringList &paths, bool expand)
-{
-    if (paths.isEmpty() || !mayChange(row))
-        return;
-    const FileChoice choice{paths, expand, orders_.photoMode(), orders_.files(row)};
-    overlay_->showText(QStringLiteral("正在检查文件..."));
-    inBackground(
-        this, [choice] { return describeChoice(choice); },
-        [this, number = ++choice_, mode = choice.photoMode,
-         orderId = orders_.order(row).info.id](const FileChoiceResult &result) {
-            if (number != choice_)
-                return;
-            overlay_->hideOverlay();
-            onFilesDescribed(orderId, mode, result);
-        });
-}
-
-void tfhome::onFilesDescribed(const QString &orderId, int photoMode, const FileChoiceResult &result)
-{
-    const int row = orders_.rowOf(orderId);
-    if (row < 0 || photoMode != orders_.photoMode())
-        return;
-    if (!result.clashes.isEmpty()) {
-        MessageBox::warning(this, chosenfiles::sameTargetNotice(result.clashes));
-        return;
-    }
-    QStringList left;
-    if (result.ignored > 0)
-        left.append(QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored));
-    if (result.repeated > 0)
-        left.append(QStringLiteral("%1 个文件已在列表中").arg(result.repeated));
-    if (!left.isEmpty())
-        Toast::show(this, left.join(QStringLiteral("，")));
-    orders_.addFiles(row, result.files);
-    if (orderId == shownOrderId_)
-        showSelectedOrder();
 }
 
 void tfhome::removeFiles(const QVector<int> &photoRows)
@@ -533,7 +477,7 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
     if (run_.isBusy() && !ConfirmDialog::ask(this, QStringLiteral("正在导片，关闭窗口会停止导片，"
                                                                   "确认要关闭吗？")))
         return CloseAnswer::Refuse;
-    ++choice_;
+    chooser_->cancel();
     if (run_.isImporting())
         run_.stop();
     orderPanel_->abandon();

@@ -2,18 +2,17 @@
 
 #include "app/helpers/sharedfolderopener.h"
 #include "photoimport/photoimportrun.h"
-#include "photoimport/sourcefile.h"
 #include "photoimport/tforderlistmodel.h"
 #include "photoimport/tfphotodeletion.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "widgets/framelesswindow.h"
 
 #include <QElapsedTimer>
-#include <QStringList>
 #include <QTimer>
 #include <QVector>
 
 class LoadingOverlay;
+class tffilechooser;
 class tfhomeorders;
 class tfhomephotos;
 class tfimportbar;
@@ -44,10 +43,6 @@ private:
     // Choosing.
     void showSelectedOrder();
     bool mayChange(int row);
-    void addFiles(int row);
-    void addFolder(int row);
-    void takeFiles(int row, const QStringList &paths, bool expand);
-    void onFilesDescribed(const QString &orderId, int photoMode, const FileChoiceResult &result);
     void removeFiles(const QVector<int> &photoRows);
     void choosePhotoMode(int mode);
     void openFolder(int row);
@@ -72,7 +67,6 @@ private:
 
     bool opened_ = false;
     QString shownOrderId_;
-    int choice_ = 0; ///< number of the choice being described; a cancelled one is no longer it
 
     tforderlistmodel orders_;
     tfphotolistmodel photos_;
@@ -87,4 +81,5 @@ private:
     tfhomephotos *photoPanel_;
     tfimportbar *bar_;
     LoadingOverlay *overlay_;
+    tffilechooser *chooser_;
 };

@@ -1,0 +1,86 @@
+#include "photoimport/tffilechooser.h"
+
+#include "net/background.h"
+#include "net/chosenfiles.h"
+#include "photoimport/tforderlistmodel.h"
+#include "widgets/filedialog.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/messagebox.h"
+#include "widgets/toast.h"
+
+#include <utility>
+
+tffilechooser::tffilechooser(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
+                             std::function<bool(int row)> mayChange)
+    : QObject(window)
+    , window_(window)
+    , orders_(orders)
+    , overlay_(overlay)
+    , mayChange_(std::move(mayChange))
+{
+}
+
+void tffilechooser::cancel()
+{
+    ++choice_;
+}
+
+void tffilechooser::addFiles(int row)
+{
+    if (!mayChange_(row))
+        return;
+    const QString id = orders_->order(row).info.id;
+    const QStringList paths =
+        FileDialog::openFiles(window_, QStringLiteral("选择要导入的文件"),
+                              sourceFilter(orders_->photoMode()), QStringLiteral("photoimport"));
+    take(orders_->rowOf(id), paths, false);
+}
+
+void tffilechooser::addFolder(int row)
+{
+    if (!mayChange_(row))
+        return;
+    const QString id = orders_->order(row).info.id;
+    const QString folder = FileDialog::existingFolder(window_, QStringLiteral("选择要导入的目录"),
+                                                      QStringLiteral("photoimport"));
+    if (!folder.isEmpty())
+        take(orders_->rowOf(id), {folder}, true);
+}
+
+void tffilechooser::take(int row, const QStringList &paths, bool expand)
+{
+    if (paths.isEmpty() || !mayChange_(row))
+        return;
+    const FileChoice choice{paths, expand, orders_->photoMode(), orders_->files(row)};
+    overlay_->showText(QStringLiteral("正在检查文件..."));
+    inBackground(
+        this, [choice] { return describeChoice(choice); },
+        [this, number = ++choice_, mode = choice.photoMode,
+         orderId = orders_->order(row).info.id](const FileChoiceResult &result) {
+            if (number != choice_)
+                return;
+            overlay_->hideOverlay();
+            onDescribed(orderId, mode, result);
+        });
+}
+
+void tffilechooser::onDescribed(const QString &orderId, int photoMode,
+                                const FileChoiceResult &result)
+{
+    const int row = orders_->rowOf(orderId);
+    if (row < 0 || photoMode != orders_->photoMode())
+        return;
+    if (!result.clashes.isEmpty()) {
+        MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
+        return;
+    }
+    QStringList left;
+    if (result.ignored > 0)
+        left.append(QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored));
+    if (result.repeated > 0)
+        left.append(QStringLiteral("%1 个文件已在列表中").arg(result.repeated));
+    if (!left.isEmpty())
+        Toast::show(window_, left.join(QStringLiteral("，")));
+    orders_->addFiles(row, result.files);
+    emit filesAdded(orderId);
+}
