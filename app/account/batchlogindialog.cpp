@@ -1,6 +1,7 @@
 #include "app/account/batchlogindialog.h"
 
 #include "app/account/credentials.h"
+#include "app/account/loginpanel.h"
 #include "app/context/k.h"
 #include "net/formbody.h"
 #include "net/servicecall.h"
@@ -15,7 +16,6 @@
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLinearGradient>
 #include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
@@ -31,7 +31,6 @@ constexpr int widthPx = 340;
 constexpr int marginPx = 26;
 constexpr int fieldHeightPx = 36;
 constexpr int headingPx = 18;
-constexpr int cornerPx = 12;
 
 } // namespace
 
@@ -184,16 +183,7 @@ bool BatchLoginDialog::eventFilter(QObject *watched, QEvent *event)
 void BatchLoginDialog::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal border = theme::hairline();
-    const QRectF panel =
-        QRectF(rect()).marginsRemoved(QMarginsF(border, border, border, border) / 2);
-    QLinearGradient sky(panel.topLeft(), panel.bottomLeft());
-    sky.setColorAt(0.0, colours::toColor(colours::accentTint));
-    sky.setColorAt(0.4, colours::toColor(colours::surface));
-    painter.setPen(QPen(colours::toColor(colours::outline), border));
-    painter.setBrush(sky);
-    painter.drawRoundedRect(panel, K::scaledPx(cornerPx), K::scaledPx(cornerPx));
+    paintLoginPanel(&painter, this);
     painter.setBrush(colours::toColor(colours::surface));
     for (const LineEdit *field : {accountEdit_, passwordEdit_}) {
         const bool focused = field->hasFocus();

@@ -1,6 +1,7 @@
 #include "app/account/loginnew.h"
 
 #include "app/account/credentials.h"
+#include "app/account/loginpanel.h"
 #include "app/account/loginreply.h"
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
@@ -21,7 +22,6 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLinearGradient>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
@@ -429,16 +429,7 @@ void LoginNew::mouseReleaseEvent(QMouseEvent *)
 void LoginNew::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal border = theme::hairline();
-    const QRectF panel =
-        QRectF(rect()).marginsRemoved(QMarginsF(border, border, border, border) / 2);
-    QLinearGradient sky(panel.topLeft(), panel.bottomLeft());
-    sky.setColorAt(0.0, colours::toColor(colours::accentTint));
-    sky.setColorAt(0.4, colours::toColor(colours::surface));
-    painter.setPen(QPen(colours::toColor(colours::outline), border));
-    painter.setBrush(sky);
-    painter.drawRoundedRect(panel, K::scaledPx(12), K::scaledPx(12));
+    paintLoginPanel(&painter, this);
 }
 
 void LoginNew::showEvent(QShowEvent *event)
