@@ -18,8 +18,6 @@ constexpr int columns = 5;
 constexpr int batchSize = 8;
 constexpr int batchIntervalMs = 50;
 constexpr int visibilityIntervalMs = 100;
-constexpr int retiredAtOnce = 40; // cells deleted between two events
-constexpr int farAway = 1000 * 1000;
 
 int pitch(int cell)
 {
@@ -59,8 +57,6 @@ ThumbnailTableView::ThumbnailTableView(QWidget *parent, const ThumbnailLimits &l
     connect(&visibilityTimer_, &QTimer::timeout, this, &ThumbnailTableView::loadVisiblePhotos);
     batchTimer_.setInterval(batchIntervalMs);
     connect(&batchTimer_, &QTimer::timeout, this, &ThumbnailTableView::createPhotoItemsBatch);
-    retiredTimer_.setInterval(batchIntervalMs);
-    connect(&retiredTimer_, &QTimer::timeout, this, &ThumbnailTableView::deleteRetired);
     thread_.setObjectName(QStringLiteral("thumbnails"));
     connect(&thread_, &QThread::finished, this, &ThumbnailTableView::stopped);
 }
@@ -130,30 +126,11 @@ void ThumbnailTableView::retireCells()
 {
     if (cells_.isEmpty())
         return;
-    // Hiding or deleting thousands of cells at once would hold the interface up.
-    content_->move(0, -farAway);
-    retired_.append(content_);
-    retiredTimer_.start();
+    retired_.add(content_);
     cells_.clear();
     pictured_.clear();
     content_ = new QWidget(viewport());
     content_->show();
-}
-
-void ThumbnailTableView::deleteRetired()
-{
-    for (int left = retiredAtOnce; left > 0 && !retired_.isEmpty(); --left) {
-        QWidget *content = retired_.constLast();
-        const QObjectList &cells = content->children();
-        if (cells.isEmpty()) {
-            delete content;
-            retired_.removeLast();
-        } else {
-            delete cells.last();
-        }
-    }
-    if (retired_.isEmpty())
-        retiredTimer_.stop();
 }
 
 void ThumbnailTableView::createPhotoItemsBatch()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fileimport/photorecords.h"
+#include "fileimport/retiredwidgets.h"
 #include "fileimport/thumbnailloadworker.h"
 
 #include <QAbstractScrollArea>
@@ -82,7 +83,6 @@ private:
     void startWorker();
     void releaseFarPictures();
     void retireCells();
-    void deleteRetired();
     PhotoCell *awaiting(const QString &name, int index) const;
 
     bool isOnScreen(int index) const;
@@ -112,10 +112,9 @@ private:
     bool changingMany_ = false;
     QString emptyText_;
     QWidget *content_;
-    QVector<QWidget *> retired_; ///< contents of earlier lists, out of sight, going bit by bit
+    RetiredWidgets retired_; ///< contents of earlier lists
     QTimer visibilityTimer_;
     QTimer batchTimer_;
-    QTimer retiredTimer_;
     QThread thread_;
     bool ending_ = false;
 };

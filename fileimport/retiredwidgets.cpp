@@ -1,0 +1,40 @@
+#include "fileimport/retiredwidgets.h"
+
+#include <QWidget>
+
+namespace {
+
+constexpr int intervalMs = 50;
+constexpr int atOnce = 40; // children deleted between two events
+constexpr int farAway = 1000 * 1000;
+
+} // namespace
+
+RetiredWidgets::RetiredWidgets(QObject *parent) : QObject(parent)
+{
+    timer_.setInterval(intervalMs);
+    connect(&timer_, &QTimer::timeout, this, &RetiredWidgets::deleteSome);
+}
+
+void RetiredWidgets::add(QWidget *widget)
+{
+    widget->move(0, -farAway);
+    widgets_.append(widget);
+    timer_.start();
+}
+
+void RetiredWidgets::deleteSome()
+{
+    for (int left = atOnce; left > 0 && !widgets_.isEmpty(); --left) {
+        QWidget *widget = widgets_.constLast();
+        const QObjectList &children = widget->children();
+        if (children.isEmpty()) {
+            delete widget;
+            widgets_.removeLast();
+        } else {
+            delete children.last();
+        }
+    }
+    if (widgets_.isEmpty())
+        timer_.stop();
+}
