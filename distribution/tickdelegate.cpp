@@ -1,12 +1,11 @@
 #include "distribution/tickdelegate.h"
 
 #include "widgets/cellpainting.h"
-#include "widgets/colours.h"
+#include "widgets/customcheckboxnew.h"
 #include "widgets/theme.h"
 
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 
 void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
@@ -18,7 +17,6 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     cell.text.clear();
     cellpainting::paintCell(painter, cell);
 
-    const bool ticked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
     const qreal side = theme::checkBoxSize();
     QRectF box(0, 0, side, side);
     box.moveCenter(QRectF(option.rect).center());
@@ -33,20 +31,11 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                           cell.fontMetrics.elidedText(text, cell.textElideMode, room.width()));
     }
     painter->setRenderHint(QPainter::Antialiasing);
-    painter->setPen(QPen(colours::toColor(ticked ? colours::accent : colours::outlineHover),
-                         theme::hairline()));
-    painter->setBrush(colours::toColor(ticked ? colours::accent : colours::surface));
-    painter->drawRoundedRect(box, theme::radius() / 2.0, theme::radius() / 2.0);
-    if (ticked) {
-        QPainterPath mark;
-        mark.moveTo(box.left() + side * 0.24, box.top() + side * 0.52);
-        mark.lineTo(box.left() + side * 0.43, box.top() + side * 0.70);
-        mark.lineTo(box.left() + side * 0.77, box.top() + side * 0.32);
-        painter->setBrush(Qt::NoBrush);
-        painter->setPen(QPen(colours::toColor(colours::onFilled), side * 0.12, Qt::SolidLine,
-                             Qt::RoundCap, Qt::RoundJoin));
-        painter->drawPath(mark);
-    }
+    CheckBoxLook look;
+    look.state = Qt::CheckState(index.data(Qt::CheckStateRole).toInt());
+    look.enabled = option.state.testFlag(QStyle::State_Enabled);
+    look.hovered = option.state.testFlag(QStyle::State_MouseOver);
+    paintCheckBox(painter, box, look);
     painter->restore();
 }
 
