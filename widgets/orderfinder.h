@@ -32,7 +32,7 @@ public:
     /// \a window owns the finder and the boxes that it shows.
     OrderFinder(QWidget *window, const Place &place);
 
-    /// Lists the branches and switches to the first one.
+    /// Lists the branches and switches to the one that the window opened in.
     void open();
     /// Switches to the branch that the user chose, for the tools opened later, too.
     void chooseBranch(const QString &shopId);
