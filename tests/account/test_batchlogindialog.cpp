@@ -1,7 +1,9 @@
 #include "app/account/batchlogindialog.h"
 #include "app/account/credentials.h"
 #include "app/context/accountcontext.h"
+#include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
+#include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
@@ -11,7 +13,7 @@
 
 namespace {
 
-const QString dologin = QStringLiteral("dologin");
+const QString dologin = "dologin"_s;
 
 } // namespace
 
@@ -27,7 +29,7 @@ private slots:
         MessageBox::setScripted(true);
         MessageBox::takeShown();
         QFile::remove(CredentialsFile().path());
-        AccountContext::uid = QStringLiteral("9001");
+        AccountContext::uid = "9001"_s;
         confirmed_.clear();
         showActive(&owner_);
     }
@@ -39,19 +41,19 @@ private slots:
 
     void confirms()
     {
-        CredentialsFile().write({QStringLiteral("demo01"), QStringLiteral("secret"), true});
+        CredentialsFile().write({"demo01"_s, "secret"_s, true});
         open();
-        QCOMPARE(account()->text(), QStringLiteral("demo01"));
+        QCOMPARE(account()->text(), "demo01"_s);
         QCOMPARE(password()->text(), QString()); // what is to be proved is not filled in
-        QTRY_COMPARE(focusName(), QStringLiteral("passwordEdit"));
-        QTest::keyClicks(password(), QStringLiteral("abc123"));
+        QTRY_COMPARE(focusName(), "passwordEdit"_s);
+        QTest::keyClicks(password(), "abc123"_s);
         QTest::keyClick(password(), Qt::Key_Return);
-        QCOMPARE(overlay()->text(), QStringLiteral("验证中..."));
+        QCOMPARE(overlay()->text(), "验证中..."_s);
         QTRY_VERIFY(!dialog_);
-        QCOMPARE(confirmed_, QStringList({QStringLiteral("demo01 abc123")}));
-        QVERIFY(demo_.requests(dologin).first()[QStringLiteral("body")].toString().startsWith(
-            QStringLiteral("username=demo01&password=abc123&token=")));
-        QCOMPARE(AccountContext::uid, QStringLiteral("9001"));
+        QCOMPARE(confirmed_, QStringList({"demo01 abc123"_s}));
+        QVERIFY(demo_.requests(dologin).first()["body"_s].toString().startsWith(
+            "username=demo01&password=abc123&token="_s));
+        QCOMPARE(AccountContext::uid, "9001"_s);
         QVERIFY(AccountContext::shopList.isEmpty());
     }
 
@@ -59,15 +61,15 @@ private slots:
     {
         open();
         QCOMPARE(account()->text(), QString());
-        type(QStringLiteral("demo01"), QStringLiteral("wrong"));
+        type("demo01"_s, "wrong"_s);
         press("loginButton");
         QTRY_VERIFY(!overlay()->isVisible());
         const auto shown = MessageBox::takeShown();
         QCOMPARE(shown.size(), 1);
-        QCOMPARE(shown.first().text, QStringLiteral("账号或密码错误"));
-        QCOMPARE(shown.first().title, QStringLiteral("温馨提示"));
+        QCOMPARE(shown.first().text, "账号或密码错误"_s);
+        QCOMPARE(shown.first().title, "温馨提示"_s);
         QVERIFY(dialog_->isVisible() && confirmed_.isEmpty());
-        type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        type("demo01"_s, "abc123"_s);
         press("loginButton");
         QTRY_VERIFY(!dialog_);
         QCOMPARE(confirmed_.size(), 1);
@@ -76,16 +78,16 @@ private slots:
     void withoutAnAnswer()
     {
         open();
-        type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        type("demo01"_s, "abc123"_s);
         for (const char *kind : {"drop", "http-error", "broken-json", "array"}) {
             demo_.misbehave(dologin, QLatin1String(kind));
             press("loginButton");
             QTRY_VERIFY2(!overlay()->isVisible(), kind);
-            QCOMPARE(Toast::currentText(dialog_), QStringLiteral("验证失败!"));
+            QCOMPARE(Toast::currentText(dialog_), "验证失败!"_s);
             QVERIFY(dialog_->isVisible() && confirmed_.isEmpty());
             QVERIFY(MessageBox::takeShown().isEmpty());
         }
-        demo_.misbehave(dologin, QStringLiteral("code-number"));
+        demo_.misbehave(dologin, "code-number"_s);
         press("loginButton");
         QTRY_VERIFY(!overlay()->isVisible());
         QCOMPARE(MessageBox::takeShown().size(), 1);
@@ -96,27 +98,27 @@ private slots:
     {
         open();
         press("loginButton");
-        QCOMPARE(Toast::currentText(dialog_), QStringLiteral("请输入账号"));
-        type(QStringLiteral("demo01"), QString());
+        QCOMPARE(Toast::currentText(dialog_), "请输入账号"_s);
+        type("demo01"_s, QString());
         press("loginButton");
-        QCOMPARE(Toast::currentText(dialog_), QStringLiteral("请输入密码"));
+        QCOMPARE(Toast::currentText(dialog_), "请输入密码"_s);
         QVERIFY(demo_.requests(dologin).isEmpty());
     }
 
     void cancels_data()
     {
         QTest::addColumn<bool>("byKey");
-        QTest::newRow("button") << false;
-        QTest::newRow("Escape") << true;
+        newRow("button", false);
+        newRow("Escape", true);
     }
     void cancels()
     {
         QFETCH(bool, byKey);
-        demo_.misbehave(dologin, QStringLiteral("hold"));
+        demo_.hold(dologin);
         open();
-        type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        type("demo01"_s, "abc123"_s);
         press("loginButton");
-        QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
+        QTRY_COMPARE(demo_.held(), 1);
         QTest::keyClick(overlay(), Qt::Key_Escape); // the waiting first
         QTRY_VERIFY(!overlay()->isVisible());
         QVERIFY(dialog_->isVisible());
@@ -132,8 +134,8 @@ private slots:
     void goesThroughTheFieldsByKeyboard()
     {
         open();
-        QTRY_COMPARE(focusName(), QStringLiteral("accountEdit"));
-        QCOMPARE(tabOrder(4), QStringLiteral("accountEdit passwordEdit cancelButton loginButton"));
+        QTRY_COMPARE(focusName(), "accountEdit"_s);
+        QCOMPARE(tabOrder(4), "accountEdit passwordEdit cancelButton loginButton"_s);
     }
 
 private:
@@ -147,8 +149,8 @@ private:
         dialog_->open();
         QVERIFY(QTest::qWaitForWindowActive(dialog_));
     }
-    LineEdit *account() { return dialog_->findChild<LineEdit *>(QStringLiteral("accountEdit")); }
-    LineEdit *password() { return dialog_->findChild<LineEdit *>(QStringLiteral("passwordEdit")); }
+    LineEdit *account() { return dialog_->findChild<LineEdit *>("accountEdit"_s); }
+    LineEdit *password() { return dialog_->findChild<LineEdit *>("passwordEdit"_s); }
     LoadingOverlay *overlay() { return dialog_->findChild<LoadingOverlay *>(); }
     void press(const char *name)
     {

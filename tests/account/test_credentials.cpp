@@ -1,5 +1,8 @@
 #include "app/account/credentials.h"
 #include "app/account/loginreply.h"
+#include "tests/support/datarows.h"
+#include "tests/support/files.h"
+#include "tests/support/text.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,9 +14,7 @@ namespace {
 
 QString told(const Credentials &credentials)
 {
-    return QStringLiteral("%1|%2|%3")
-        .arg(credentials.account, credentials.password)
-        .arg(credentials.remembered);
+    return "%1|%2|%3"_s.arg(credentials.account, credentials.password).arg(credentials.remembered);
 }
 
 } // namespace
@@ -29,21 +30,17 @@ private slots:
         {
             Credentials credentials;
             QByteArray bytes;
-        } rows[] = {{{QStringLiteral("demo01"), QStringLiteral("abc123"), true},
-                     "username=demo01\npassword=YWJjMTIz\nremember=1\n"},
-                    {{QStringLiteral("demo01"), QString(), false}, "username=demo01\nremember=0\n"},
-                    {{QStringLiteral("  demo 01 "), QStringLiteral(" p "), true},
-                     "username=  demo 01 \npassword=IHAg\nremember=1\n"},
-                    {{QStringLiteral("a=b"), QStringLiteral("密码"), true},
-                     "username=a=b\npassword=5a+G56CB\nremember=1\n"}};
+        } rows[] = {
+            {{"demo01"_s, "abc123"_s, true}, "username=demo01\npassword=YWJjMTIz\nremember=1\n"},
+            {{"demo01"_s, QString(), false}, "username=demo01\nremember=0\n"},
+            {{"  demo 01 "_s, " p "_s, true}, "username=  demo 01 \npassword=IHAg\nremember=1\n"},
+            {{"a=b"_s, "密码"_s, true}, "username=a=b\npassword=5a+G56CB\nremember=1\n"}};
         for (const auto &row : rows) {
             QTemporaryDir folder;
-            const CredentialsFile file(folder.filePath(QStringLiteral("not/yet/there")));
-            QCOMPARE(told(file.read()), QStringLiteral("||0"));
+            const CredentialsFile file(folder.filePath("not/yet/there"_s));
+            QCOMPARE(told(file.read()), "||0"_s);
             QVERIFY(file.write(row.credentials));
-            QFile written(file.path());
-            QVERIFY(written.open(QIODevice::ReadOnly));
-            QCOMPARE(written.readAll(), row.bytes);
+            QCOMPARE(readFile(file.path()), row.bytes);
             QCOMPARE(told(file.read()), told(row.credentials));
             QCOMPARE(QFileInfo(file.path()).dir().entryList(QDir::Files).size(), 1);
         }
@@ -51,10 +48,10 @@ private slots:
 
     void readsDamagedFiles_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("expected"); // account, password, remembered
+        // expected: account, password, remembered
+        addColumns<QByteArray, QString>({"bytes", "expected"});
         const auto row = [](const char *name, const QByteArray &bytes, const char *expected) {
-            QTest::newRow(name) << bytes << expected;
+            newRow(name, bytes, expected);
         };
         row("empty", "", "||0");
         row("other order, line ends and keys",
@@ -79,9 +76,7 @@ private slots:
         QFETCH(QByteArray, bytes);
         QTemporaryDir folder;
         const CredentialsFile file(folder.path());
-        QFile damaged(file.path());
-        QVERIFY(damaged.open(QIODevice::WriteOnly) && damaged.write(bytes) == bytes.size());
-        damaged.close();
+        writeFile(file.path(), bytes);
         QTEST(told(file.read()), "expected");
     }
 
@@ -93,18 +88,18 @@ private slots:
         QVERIFY(open.open(QIODevice::WriteOnly));
         open.setPermissions(QFile::Permissions(0x6666));
         open.close();
-        QVERIFY(file.write({QStringLiteral("a\npassword=eA=="), QStringLiteral("secret"), true}));
+        QVERIFY(file.write({"a\npassword=eA=="_s, "secret"_s, true}));
 #ifndef Q_OS_WIN
         const auto others =
             QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
         QVERIFY(!(QFile::permissions(file.path()) & others));
 #endif
-        QCOMPARE(told(file.read()), QStringLiteral("a password=eA==|secret|1"));
+        QCOMPARE(told(file.read()), "a password=eA==|secret|1"_s);
     }
 
     void liesAmongTheUsersSettings()
     {
-        QCoreApplication::setApplicationName(QStringLiteral("tessavo_tools"));
+        QCoreApplication::setApplicationName("tessavo_tools"_s);
 #ifdef Q_OS_WIN
         const char settings[] = "LOCALAPPDATA"; // stays on this machine
 #else
@@ -112,7 +107,7 @@ private slots:
 #endif
         QCOMPARE(CredentialsFile().path(),
                  QDir::fromNativeSeparators(qEnvironmentVariable(settings)) +
-                     QStringLiteral("/tessavo_tools/login_config.txt"));
+                     "/tessavo_tools/login_config.txt"_s);
     }
 
     void cannotWrite()
@@ -120,41 +115,39 @@ private slots:
         QTemporaryDir folder;
         const CredentialsFile file(folder.path());
         QVERIFY(QDir().mkpath(file.path())); // a folder lies in its place
-        QVERIFY(!file.write({QStringLiteral("a"), QString(), false}));
+        QVERIFY(!file.write({"a"_s, QString(), false}));
         QCOMPARE(file.read().account, QString());
     }
 
     void entersTheAccount_data()
     {
-        QTest::addColumn<QByteArray>("reply");
-        QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("expected"); // super id, eid, uid, shop id; the shops
+        // expected: super id, eid, uid, shop id; the shops
+        addColumns<QByteArray, bool, QString>({"reply", "saved", "expected"});
         const QByteArray whole = R"({"SUPERID":"1","EID":"2","UID":"3","shop_data":[)"
                                  R"({"id":"101","name":"一店","goodsfoldernamerule":"[1]"},)"
                                  R"({"id":102,"name":"二店"},"nonsense"]})";
         const QByteArray withoutShops = R"({"SUPERID":1,"EID":2,"UID":3})";
-        QTest::newRow("login") << whole << false << "1 2 3 101;101 一店 [1];102 二店 ";
-        QTest::newRow("saved login") << whole << true << "1 2 3 before;101 一店 ;102 二店 ";
-        QTest::newRow("no shops") << withoutShops << false << "1 2 3 before";
-        QTest::newRow("nothing") << QByteArray("{}") << true << "   before";
+        newRow("login", whole, false, "1 2 3 101;101 一店 [1];102 二店 ");
+        newRow("saved login", whole, true, "1 2 3 before;101 一店 ;102 二店 ");
+        newRow("no shops", withoutShops, false, "1 2 3 before");
+        newRow("nothing", QByteArray("{}"), true, "   before");
     }
 
     void entersTheAccount()
     {
         QFETCH(QByteArray, reply);
         QFETCH(bool, saved);
-        AccountContext::shopId = QStringLiteral("before");
-        AccountContext::shopList = {{QStringLiteral("0"), {}, {}, {}}};
+        AccountContext::shopId = "before"_s;
+        AccountContext::shopList = {{"0"_s, {}, {}, {}}};
         const QJsonObject object = QJsonDocument::fromJson(reply).object();
         if (saved)
             enterSavedAccount(LoginReply::readSaved(object));
         else
             enterAccount(LoginReply::read(object));
-        QString now = QStringLiteral("%1 %2 %3 %4")
-                          .arg(AccountContext::superId, AccountContext::eid, AccountContext::uid,
-                               AccountContext::shopId);
+        QString now = "%1 %2 %3 %4"_s.arg(AccountContext::superId, AccountContext::eid,
+                                          AccountContext::uid, AccountContext::shopId);
         for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
-            now += QStringLiteral(";%1 %2 %3").arg(shop.id, shop.name, shop.goodsfoldernamerule);
+            now += ";%1 %2 %3"_s.arg(shop.id, shop.name, shop.goodsfoldernamerule);
         QTEST(now, "expected");
     }
 };

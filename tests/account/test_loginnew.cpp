@@ -4,6 +4,7 @@
 #include "app/context/k.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
+#include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/customcheckboxnew.h"
 #include "widgets/messagebox.h"
@@ -15,8 +16,8 @@
 
 namespace {
 
-const QString dologin = QStringLiteral("dologin");
-const QString success = QStringLiteral("✓ 登录成功");
+const QString dologin = "dologin"_s;
+const QString success = "✓ 登录成功"_s;
 
 /// The window as its user sees it.
 struct Window
@@ -43,10 +44,10 @@ struct Window
     void press() { QTest::mouseClick(button(), Qt::LeftButton); }
     void logIn()
     {
-        type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        type("demo01"_s, "abc123"_s);
         press();
     }
-    bool isIdle() { return button()->text() == QStringLiteral("登录") && !cancel()->isVisible(); }
+    bool isIdle() { return button()->text() == "登录"_s && !cancel()->isVisible(); }
 
     LoginNew login;
     QSignalSpy loggedIn{&login, &LoginNew::loggedIn};
@@ -74,55 +75,54 @@ private slots:
     void logsIn()
     {
         Window window;
-        window.type(QStringLiteral("  demo01 "), QStringLiteral("abc123 "));
+        window.type("  demo01 "_s, "abc123 "_s);
         QTest::mouseClick(window.remember(), Qt::LeftButton);
         window.press();
         QVERIFY(window.cancel()->isVisible());
         QTRY_COMPARE(window.button()->text(), success);
         QVERIFY(!window.cancel()->isVisible());
-        QCOMPARE(AccountContext::uid, QStringLiteral("9001"));
+        QCOMPARE(AccountContext::uid, "9001"_s);
         QCOMPARE(AccountContext::shopList.size(), 3);
         QCOMPARE(AccountContext::shopId, AccountContext::shopList.first().id);
         window.press(); // busy to the end
 
         QTRY_COMPARE(window.loggedIn.size(), 1);
         const auto reply = window.loggedIn.first().first().toJsonObject();
-        QVERIFY(reply.contains(QStringLiteral("shop_data")));
-        QVERIFY(!reply.contains(QStringLiteral("code")));
+        QVERIFY(reply.contains("shop_data"_s));
+        QVERIFY(!reply.contains("code"_s));
         QCOMPARE(K::instance()->loadLoginData(), reply);
         const Credentials saved = CredentialsFile().read();
-        QCOMPARE(saved.account, QStringLiteral("  demo01 "));
-        QCOMPARE(saved.password, QStringLiteral("abc123 "));
+        QCOMPARE(saved.account, "  demo01 "_s);
+        QCOMPARE(saved.password, "abc123 "_s);
         QTRY_VERIFY(!window.login.isVisible());
 
         const QJsonArray requests = demo_.requests(dologin);
         QCOMPARE(requests.size(), 1);
-        QVERIFY(requests.first()[QStringLiteral("body")].toString().startsWith(
-            QStringLiteral("username=demo01&password=abc123&token=")));
+        QVERIFY(requests.first()["body"_s].toString().startsWith(
+            "username=demo01&password=abc123&token="_s));
     }
 
     void remembersOnlyWhenAsked()
     {
-        demo_.misbehave(dologin, QStringLiteral("missing-fields"),
-                        {{QStringLiteral("fields"), QJsonArray{QStringLiteral("shop_data")}}});
-        AccountContext::shopId = QStringLiteral("before");
+        demo_.misbehave(dologin, "missing-fields"_s, {{"fields"_s, QJsonArray{"shop_data"_s}}});
+        AccountContext::shopId = "before"_s;
         Window window;
         window.logIn();
         QVERIFY(!QFile::exists(CredentialsFile().path())); // only a success writes it then
         QTRY_COMPARE(window.loggedIn.size(), 1);
-        QCOMPARE(CredentialsFile().read().account, QStringLiteral("demo01"));
+        QCOMPARE(CredentialsFile().read().account, "demo01"_s);
         QCOMPARE(CredentialsFile().read().password, QString());
         QVERIFY(AccountContext::shopList.isEmpty());
-        QCOMPARE(AccountContext::shopId, QStringLiteral("before"));
+        QCOMPARE(AccountContext::shopId, "before"_s);
     }
 
     void fillsInWhatWasSaved()
     {
-        const QString password = QStringLiteral("secret");
+        const QString password = "secret"_s;
         for (const bool remembered : {true, false}) {
-            CredentialsFile().write({QStringLiteral("demo02"), password, remembered});
+            CredentialsFile().write({"demo02"_s, password, remembered});
             Window window;
-            QCOMPARE(window.account()->text(), QStringLiteral("demo02"));
+            QCOMPARE(window.account()->text(), "demo02"_s);
             QCOMPARE(window.password()->text(), remembered ? password : QString());
             QCOMPARE(window.remember()->isChecked(), remembered);
             QTRY_VERIFY(window.password()->hasFocus());
@@ -132,7 +132,7 @@ private slots:
     void isRefused()
     {
         Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("wrong"));
+        window.type("demo01"_s, "wrong"_s);
         window.remember()->setFocus();
         keyToFocus(Qt::Key_Return); // logs in, and leaves the box as it is
         QVERIFY(!window.remember()->isChecked());
@@ -140,24 +140,23 @@ private slots:
         const auto shown = MessageBox::takeShown();
         QCOMPARE(shown.size(), 1);
         QCOMPARE(shown.first().kind, MessageBox::Kind::Warning);
-        QCOMPARE(shown.first().title, QStringLiteral("温馨提示"));
-        QCOMPARE(shown.first().text, QStringLiteral("账号或密码错误"));
+        QCOMPARE(shown.first().title, "温馨提示"_s);
+        QCOMPARE(shown.first().text, "账号或密码错误"_s);
         QVERIFY(window.loggedIn.isEmpty());
         QVERIFY(AccountContext::uid.isEmpty());
 
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.type("demo01"_s, "abc123"_s);
         QTest::keyClick(window.password(), Qt::Key_Return);
         QTRY_COMPARE(window.button()->text(), success);
     }
 
     void asksForWhatIsMissing()
     {
-        const QString noAccount = QStringLiteral("请输入账号");
-        const QString blank = QStringLiteral(" \u3000");
-        for (const auto &[account, password, text] :
-             {std::tuple(QString(), QString(), noAccount),
-              {blank, QStringLiteral("abc123"), noAccount},
-              {QStringLiteral("demo01"), blank, QStringLiteral("请输入密码")}}) {
+        const QString noAccount = "请输入账号"_s;
+        const QString blank = " \u3000"_s;
+        for (const auto &[account, password, text] : {std::tuple(QString(), QString(), noAccount),
+                                                      {blank, "abc123"_s, noAccount},
+                                                      {"demo01"_s, blank, "请输入密码"_s}}) {
             Window window;
             window.account()->setText(account);
             window.password()->setText(password);
@@ -172,9 +171,9 @@ private slots:
 
     void sendsOneRequestAtATime()
     {
-        demo_.misbehave(dologin, QStringLiteral("hold"));
+        demo_.hold(dologin);
         Window window;
-        window.type(QStringLiteral("demo01"), QStringLiteral("abc123"));
+        window.type("demo01"_s, "abc123"_s);
         QTest::mouseDClick(window.button(), Qt::LeftButton);
         QTest::keyClick(window.password(), Qt::Key_Return);
         QTRY_COMPARE(demo_.requests(dologin).size(), 1);
@@ -200,7 +199,7 @@ private slots:
 
     void isCancelled()
     {
-        demo_.misbehave(dologin, QStringLiteral("hold"), {{QStringLiteral("times"), 2}});
+        demo_.hold(dologin, 2);
         Window window;
         window.logIn();
         QTRY_COMPARE(demo_.requests(dologin).size(), 1);
@@ -232,9 +231,8 @@ private slots:
     {
         Window window;
         QTRY_VERIFY(window.account()->hasFocus());
-        QCOMPARE(tabOrder(6),
-                 QStringLiteral("accountEdit passwordEdit rememberPasswordBox loginButton"
-                                " minimizeButton closeButton"));
+        QCOMPARE(tabOrder(6), "accountEdit passwordEdit rememberPasswordBox loginButton"
+                              " minimizeButton closeButton"_s);
     }
 
 private:

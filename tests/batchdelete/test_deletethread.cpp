@@ -1,5 +1,7 @@
 #include "batchdelete/batchdeletethread.h"
+#include "tests/support/files.h"
 #include "tests/support/smalldisk.h"
+#include "tests/support/text.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,54 +29,53 @@ private slots:
     void init()
     {
         folder_ = std::make_unique<QTemporaryDir>();
-        path_ = folder_->filePath(QStringLiteral("a.jpg"));
-        QFile file(path_);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        path_ = folder_->filePath("a.jpg"_s);
+        writeFile(path_);
     }
     void removes()
     {
-        QCOMPARE(outcome(), QStringLiteral("2  gone"));
+        QCOMPARE(outcome(), "2  gone"_s);
         QVERIFY(!processed_.missing);
     }
     void whatIsGoneCountsAsDeleted()
     {
         QVERIFY(QFile::remove(path_));
-        QCOMPARE(outcome(), QStringLiteral("2  gone"));
+        QCOMPARE(outcome(), "2  gone"_s);
         QVERIFY(processed_.missing);
     }
     void aShareThatIsGone()
     {
         for (const char *share : {"//192.0.2.1/photos", "\\\\192.0.2.1\\photos"}) {
-            path_ = QLatin1String(share) + QStringLiteral("/order/a.jpg");
-            QCOMPARE(outcome(), QStringLiteral("6 网络路径无法访问 gone"));
+            path_ = QLatin1String(share) + "/order/a.jpg"_s;
+            QCOMPARE(outcome(), "6 网络路径无法访问 gone"_s);
             QVERIFY(!processed_.missing);
         }
     }
     void aReadOnlyFileStays()
     {
         QVERIFY(QFile::setPermissions(path_, QFile::ReadOwner));
-        QCOMPARE(outcome(), QStringLiteral("7 没有删除权限 stays"));
+        QCOMPARE(outcome(), "7 没有删除权限 stays"_s);
         QFile::setPermissions(path_, QFile::ReadOwner | QFile::WriteOwner);
     }
     void aFolderStays()
     {
         path_ = folder_->path();
-        QCOMPARE(outcome(), QStringLiteral("7 没有删除权限 stays"));
+        QCOMPARE(outcome(), "7 没有删除权限 stays"_s);
     }
     void aFileInUseStays()
     {
 #ifdef Q_OS_UNIX
         const int held = open(QFile::encodeName(path_).constData(), O_RDWR);
         QCOMPARE(flock(held, LOCK_EX), 0);
-        QCOMPARE(outcome(), QStringLiteral("5 文件被其他程序占用 stays"));
+        QCOMPARE(outcome(), "5 文件被其他程序占用 stays"_s);
         close(held);
 #else
         QFile held(path_);
         QVERIFY(held.open(QIODevice::ReadOnly));
-        QCOMPARE(outcome(), QStringLiteral("5 文件被其他程序占用 stays"));
+        QCOMPARE(outcome(), "5 文件被其他程序占用 stays"_s);
         held.close();
 #endif
-        QCOMPARE(outcome(), QStringLiteral("2  gone"));
+        QCOMPARE(outcome(), "2  gone"_s);
     }
     void whatCannotBeExplained()
     {
@@ -83,7 +84,7 @@ private slots:
         const QByteArray name = QFile::encodeName(path_);
         if (mount(name.constData(), name.constData(), nullptr, MS_BIND, nullptr) != 0)
             QSKIP("mounting is not allowed here");
-        QCOMPARE(outcome(), QStringLiteral("8 删除失败，未知原因 stays"));
+        QCOMPARE(outcome(), "8 删除失败，未知原因 stays"_s);
         QCOMPARE(umount(name.constData()), 0);
 #else
         QSKIP("nothing of the sort here");
@@ -91,17 +92,17 @@ private slots:
     }
     void aLinkIsRemovedAsALink()
     {
-        const QString link = folder_->filePath(QStringLiteral("link"));
+        const QString link = folder_->filePath("link"_s);
         if (!QFile::link(path_, link))
             QSKIP("no links here");
         QVERIFY(QFile::setPermissions(path_, QFile::ReadOwner));
         const QString target = std::exchange(path_, link);
-        QCOMPARE(outcome(), QStringLiteral("2  gone"));
+        QCOMPARE(outcome(), "2  gone"_s);
         QVERIFY(QFile::exists(target));
     }
     void onceStoppedItIsSilent()
     {
-        BatchdeleteThread thread(QStringLiteral("81"), {}, path_);
+        BatchdeleteThread thread("81"_s, {}, path_);
         QSignalSpy processed(&thread, &BatchdeleteThread::fileProcessed);
         thread.requestStop();
         thread.start();
@@ -115,8 +116,8 @@ private:
     QString outcome()
     {
         BatchDeleteFileInfo file;
-        file.reason = QStringLiteral("earlier");
-        BatchdeleteThread thread(QStringLiteral("81"), file, path_);
+        file.reason = "earlier"_s;
+        BatchdeleteThread thread("81"_s, file, path_);
         QString orderPhotoId;
         connect(&thread, &BatchdeleteThread::fileProcessed, this,
                 [&](const QString &id, const BatchDeleteFileInfo &processed) {
@@ -126,12 +127,10 @@ private:
         thread.start();
         thread.wait();
         QCoreApplication::processEvents();
-        if (orderPhotoId != QStringLiteral("81"))
-            return QStringLiteral("no result");
-        return QStringLiteral("%1 %2 %3")
-            .arg(processed_.state)
-            .arg(processed_.reason,
-                 QFileInfo::exists(path_) ? QStringLiteral("stays") : QStringLiteral("gone"));
+        if (orderPhotoId != "81"_s)
+            return "no result"_s;
+        return "%1 %2 %3"_s.arg(processed_.state)
+            .arg(processed_.reason, QFileInfo::exists(path_) ? "stays"_s : "gone"_s);
     }
 
     std::unique_ptr<QTemporaryDir> folder_;

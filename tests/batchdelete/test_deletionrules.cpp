@@ -3,6 +3,8 @@
 #include "batchdelete/deletionrules.h"
 #include "net/transferprogress.h"
 #include "platform/pathform.h"
+#include "tests/support/datarows.h"
+#include "tests/support/text.h"
 
 #include <QDir>
 #include <QJsonArray>
@@ -20,7 +22,7 @@ QString onDisk(const char *path)
     const QString text = QString::fromUtf8(path);
 #ifdef Q_OS_WIN
     if (text.startsWith(QLatin1Char('\\')) && !text.startsWith(QLatin1String("\\\\")))
-        return QStringLiteral("D:") + text;
+        return "D:"_s + text;
 #endif
     return text;
 }
@@ -39,8 +41,8 @@ BatchDeleteOrderInfo makeOrder(const QString &id, const QString &path, bool chec
 BatchDeleteFileInfo makeFile(const QString &name, int state = 0, const QString &reason = {})
 {
     BatchDeleteFileInfo file;
-    file.folderPath = QStringLiteral("/share/order/原片");
-    file.rootLength = QStringLiteral("/share/order").size();
+    file.folderPath = "/share/order/原片"_s;
+    file.rootLength = "/share/order"_s.size();
     file.fileName = name;
     file.state = state;
     file.reason = reason;
@@ -54,169 +56,212 @@ class TestDeletionRules : public QObject
     Q_OBJECT
 
 private slots:
-    void folderKeys_data();
-    void folderKeys();
-    void refusesWhatIsNotTheOrdersOwn_data();
-    void refusesWhatIsNotTheOrdersOwn();
-    void refusesAlongTheChain();
-    void refusesLinks();
-    void plansAndWords();
-    void bodies();
-    void readsOrders();
-    void sizes_data();
-    void sizes();
-    void listsAndTables();
-    void countsFollowTheStates();
-};
-
-void TestDeletionRules::folderKeys_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("key");
-    QTest::addColumn<bool>("isRoot");
-    const auto row = [](const char *path, const char *key, bool isRoot) {
-        QTest::newRow(path) << QString::fromUtf8(path) << QString::fromUtf8(key) << isRoot;
-    };
-    row("\\\\NAS\\Photos\\2024\\", "//nas/photos/2024", false);
-    row("//nas//photos/./2024/x/..", "//nas/photos/2024", false);
-    row("\\\\nas\\photos\\2024. \\A", "//nas/photos/2024/a", false);
-    row("\\\\nas\\photos", "//nas/photos", true);
-    row("\\\\nas\\photos\\a\\..", "//nas/photos", true);
-    row("\\\\nas", "//nas", true);
-    row("D:\\", "d:/", true);
-    row("D:", "d:/", true);
-    row("D:\\a\\..\\.", "d:/", true);
-    row("D:\\照片", "d:/照片", false);
-    row("/", "/", true);
-    row("\\studio\\Å", "/studio/\u00e5", false);
-    row("\\studio\\A\u030a", "/studio/\u00e5", false);
-    for (const char *none : {"", "photos\\2024", "D:photos", "\\a\\..\\..", "\\\\?\\D:\\photos",
-                             "\\\\.\\D:\\photos", "\\a\\...\\b"})
-        row(none, "", false);
-}
-
-void TestDeletionRules::folderKeys()
-{
-    QFETCH(QString, path);
-    const FolderKey key = folderKey(path);
-    QTEST(key.text, "key");
-    QTEST(key.isRoot, "isRoot");
-}
-
-void TestDeletionRules::refusesWhatIsNotTheOrdersOwn_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<QString>("other"); // folder of an order that is not ticked
-    QTest::addColumn<QString>("reason");
-    const auto row = [](const char *name, const char *path, const char *other, const char *reason) {
-        QTest::newRow(name) << onDisk(path) << onDisk(other) << QString::fromUtf8(reason);
-    };
-    row("its own", "\\share\\root\\a", "\\share\\root\\b", "");
-    row("beginning alike", "\\share\\root\\a", "\\share\\root\\ab", "");
-    row("outside of the root", "\\else\\a", "", "");
-    row("no folder", "  ", "", "订单没有导片路径");
-    row("relative", "root\\a", "", "导片路径不完整");
-    row("drive", "\\", "", "导片路径是磁盘或共享的根目录");
-    row("share", "\\\\nas\\photos\\", "", "导片路径是磁盘或共享的根目录");
-    row("public root", "\\Share\\.\\ROOT\\", "", "导片路径是公共导片目录");
-    row("above the root", "\\share", "", "公共导片目录在该目录之中");
-    row("shared", "\\share\\root\\a", "\\share/root\\A/", "与未删除的订单 T2 使用同一个目录");
-    row("above another", "\\share\\root\\a", "\\share\\root\\a\\x\\y",
-        "目录中包含未删除的订单 T2 的目录");
-    row("below another", "\\share\\root\\a\\x\\y", "\\share\\root\\a",
-        "位于未删除的订单 T2 的目录中");
-}
-
-void TestDeletionRules::refusesWhatIsNotTheOrdersOwn()
-{
-    QFETCH(QString, path);
-    QFETCH(QString, other);
-    const QString one = QStringLiteral("1");
-    const QString two = QStringLiteral("2");
-    const QString root = onDisk("\\share\\root");
-    QVector<BatchDeleteOrderInfo> listed{makeOrder(one, path), makeOrder(two, other, false)};
-    QTEST(refusals(listed, root).value(one), "reason");
-    QVERIFY(!refusals(listed, root).contains(two));
-    // Ticked together they may share what they like.
-    if (!other.isEmpty()) {
-        listed[1].checked = true;
-        QVERIFY(refusals(listed, root).isEmpty());
+    void folderKeys_data()
+    {
+        addColumns<QString, QString, bool>({"path", "key", "isRoot"});
+        const auto row = [](const char *path, const char *key, bool isRoot) {
+            newRow(path, QString::fromUtf8(path), QString::fromUtf8(key), isRoot);
+        };
+        row("\\\\NAS\\Photos\\2024\\", "//nas/photos/2024", false);
+        row("//nas//photos/./2024/x/..", "//nas/photos/2024", false);
+        row("\\\\nas\\photos\\2024. \\A", "//nas/photos/2024/a", false);
+        row("\\\\nas\\photos", "//nas/photos", true);
+        row("\\\\nas\\photos\\a\\..", "//nas/photos", true);
+        row("\\\\nas", "//nas", true);
+        row("D:\\", "d:/", true);
+        row("D:", "d:/", true);
+        row("D:\\a\\..\\.", "d:/", true);
+        row("D:\\照片", "d:/照片", false);
+        row("/", "/", true);
+        row("\\studio\\Å", "/studio/\u00e5", false);
+        row("\\studio\\A\u030a", "/studio/\u00e5", false);
+        for (const char *none : {"", "photos\\2024", "D:photos", "\\a\\..\\..", "\\\\?\\D:\\photos",
+                                 "\\\\.\\D:\\photos", "\\a\\...\\b"})
+            row(none, "", false);
     }
-}
 
-void TestDeletionRules::refusesAlongTheChain()
-{
-    // 3 stays, so 2 above it must, and so must 1 above that; 4 has nothing to do with them.
-    const auto refused = refusals({makeOrder(QStringLiteral("1"), onDisk("\\r\\a")),
-                                   makeOrder(QStringLiteral("2"), onDisk("\\r\\a\\b")),
-                                   makeOrder(QStringLiteral("3"), onDisk("\\r\\a\\b\\c"), false),
-                                   makeOrder(QStringLiteral("4"), onDisk("\\r\\d"))},
-                                  onDisk("\\r"));
-    QCOMPARE(refused.size(), 2);
-    QVERIFY(!refused.contains(QStringLiteral("4")));
+    void folderKeys()
+    {
+        QFETCH(QString, path);
+        const FolderKey key = folderKey(path);
+        QTEST(key.text, "key");
+        QTEST(key.isRoot, "isRoot");
+    }
 
-    // Whoever is refused by itself counts as staying, too.
-    BatchDeleteOrderInfo incomplete = makeOrder(QStringLiteral("5"), onDisk("\\r\\e\\f"));
-    incomplete.orderPhotoId.clear();
-    QCOMPARE(refusals({makeOrder(QStringLiteral("6"), onDisk("\\r\\e")), incomplete}, {}).size(),
-             2);
-}
+    void refusesWhatIsNotTheOrdersOwn_data()
+    {
+        // other: folder of an order that is not ticked
+        addColumns<QString, QString, QString>({"path", "other", "reason"});
+        const auto row = [](const char *name, const char *path, const char *other,
+                            const char *reason) {
+            newRow(name, onDisk(path), onDisk(other), QString::fromUtf8(reason));
+        };
+        row("its own", "\\share\\root\\a", "\\share\\root\\b", "");
+        row("beginning alike", "\\share\\root\\a", "\\share\\root\\ab", "");
+        row("outside of the root", "\\else\\a", "", "");
+        row("no folder", "  ", "", "订单没有导片路径");
+        row("relative", "root\\a", "", "导片路径不完整");
+        row("drive", "\\", "", "导片路径是磁盘或共享的根目录");
+        row("share", "\\\\nas\\photos\\", "", "导片路径是磁盘或共享的根目录");
+        row("public root", "\\Share\\.\\ROOT\\", "", "导片路径是公共导片目录");
+        row("above the root", "\\share", "", "公共导片目录在该目录之中");
+        row("shared", "\\share\\root\\a", "\\share/root\\A/", "与未删除的订单 T2 使用同一个目录");
+        row("above another", "\\share\\root\\a", "\\share\\root\\a\\x\\y",
+            "目录中包含未删除的订单 T2 的目录");
+        row("below another", "\\share\\root\\a\\x\\y", "\\share\\root\\a",
+            "位于未删除的订单 T2 的目录中");
+    }
 
-void TestDeletionRules::refusesLinks()
-{
-    const QTemporaryDir folder;
-    const auto inside = [&folder](const char *name) {
-        return folder.filePath(QString::fromUtf8(name))
-            .replace(QLatin1Char('/'), QLatin1Char('\\'));
-    };
-    QVERIFY(QDir(folder.path()).mkpath(QStringLiteral("real/root/order")));
-    if (!QFile::link(folder.filePath(QStringLiteral("real")),
-                     folder.filePath(QStringLiteral("link"))))
-        QSKIP("no links here");
-    QVERIFY(QFile::link(folder.filePath(QStringLiteral("real/root/order")),
-                        folder.filePath(QStringLiteral("real/root/alias"))));
-    QVERIFY(linkRefusal(inside("real/root/order"), inside("real/root")).isEmpty());
-    QVERIFY(linkRefusal(inside("real/root/alias/"), {}).contains(QStringLiteral("alias")));
-    QVERIFY(linkRefusal(inside("real/root/alias/2024"), inside("real/root"))
-                .contains(QStringLiteral("alias")));
-    // How the studio comes to its public root is its own affair.
-    QVERIFY(linkRefusal(inside("link/root/order"), inside("link/root")).isEmpty());
-    QVERIFY(linkRefusal(inside("link/root/order"), inside("")).contains(QStringLiteral("link")));
-}
+    void refusesWhatIsNotTheOrdersOwn()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, other);
+        const QString one = "1"_s;
+        const QString two = "2"_s;
+        const QString root = onDisk("\\share\\root");
+        QVector<BatchDeleteOrderInfo> listed{makeOrder(one, path), makeOrder(two, other, false)};
+        QTEST(refusals(listed, root).value(one), "reason");
+        QVERIFY(!refusals(listed, root).contains(two));
+        // Ticked together they may share what they like.
+        if (!other.isEmpty()) {
+            listed[1].checked = true;
+            QVERIFY(refusals(listed, root).isEmpty());
+        }
+    }
 
-void TestDeletionRules::plansAndWords()
-{
-    BatchDeleteOrderInfo fine = makeOrder(QStringLiteral("1"), onDisk("\\r\\a"));
-    fine.serviceTimes = QStringLiteral("2");
-    fine.mname = QStringLiteral("周");
-    fine.wname = QStringLiteral("林");
-    const auto result = plan({fine, makeOrder(QStringLiteral("2"), {}),
-                              makeOrder(QStringLiteral("3"), onDisk("\\r\\c"), false)},
-                             {});
-    QCOMPARE(result.orders.size(), 1);
-    QCOMPARE(result.refused.size(), 1);
-    QCOMPARE(confirmation(result),
-             QStringLiteral("下列 1 个订单的目录将被清空，其中的全部文件会永久删除，无法恢复。"
-                            "确认要继续吗？\n\nT1-2 周 林\n    %1\n\n"
-                            "下列 1 个订单不会删除：\n\nT2 \n    原因: 订单没有导片路径")
-                 .arg(onDisk("\\r\\a")));
-}
+    void refusesAlongTheChain()
+    {
+        // 3 stays, so 2 above it must, and so must 1 above that; 4 has nothing to do with them.
+        const auto refused = refusals(
+            {makeOrder("1"_s, onDisk("\\r\\a")), makeOrder("2"_s, onDisk("\\r\\a\\b")),
+             makeOrder("3"_s, onDisk("\\r\\a\\b\\c"), false), makeOrder("4"_s, onDisk("\\r\\d"))},
+            onDisk("\\r"));
+        QCOMPARE(refused.size(), 2);
+        QVERIFY(!refused.contains("4"_s));
 
-void TestDeletionRules::bodies()
-{
-    const orderqueries::Identity identity{QStringLiteral("7"), QStringLiteral("S7"),
-                                          QStringLiteral("E7")};
-    BatchDeleteFileInfo kept = makeFile(QStringLiteral("link"));
-    kept.kept = true;
-    const auto files = {makeFile(QStringLiteral("a&b.jpg")), kept};
-    QCOMPARE(deletionrequests::announceBody(identity, QStringLiteral("81"), files),
-             QByteArray("shopid=7&eid=E7&superid=S7&personid=E7&order_photo_id=81&pics="
-                        "[{\"picname\":\"a%26b.jpg\",\"picpath\":\"/share/order/原片/a%26b.jpg\","
-                        "\"picshortpath\":\"原片/a%26b.jpg\"}]"));
-    QCOMPARE(deletionrequests::reportBody(identity, QStringLiteral("81"), *files.begin()),
-             QByteArray("shopid=7&eid=E7&superid=S7&personid=E7&order_photo_id=81&"
-                        "picpath=/share/order/原片/a%26b.jpg&picname=a%26b.jpg"));
-}
+        // Whoever is refused by itself counts as staying, too.
+        BatchDeleteOrderInfo incomplete = makeOrder("5"_s, onDisk("\\r\\e\\f"));
+        incomplete.orderPhotoId.clear();
+        QCOMPARE(refusals({makeOrder("6"_s, onDisk("\\r\\e")), incomplete}, {}).size(), 2);
+    }
+
+    void refusesLinks()
+    {
+        const QTemporaryDir folder;
+        const auto inside = [&folder](const char *name) {
+            return folder.filePath(QString::fromUtf8(name))
+                .replace(QLatin1Char('/'), QLatin1Char('\\'));
+        };
+        QVERIFY(QDir(folder.path()).mkpath("real/root/order"_s));
+        if (!QFile::link(folder.filePath("real"_s), folder.filePath("link"_s)))
+            QSKIP("no links here");
+        QVERIFY(QFile::link(folder.filePath("real/root/order"_s),
+                            folder.filePath("real/root/alias"_s)));
+        QVERIFY(linkRefusal(inside("real/root/order"), inside("real/root")).isEmpty());
+        QVERIFY(linkRefusal(inside("real/root/alias/"), {}).contains("alias"_s));
+        QVERIFY(
+            linkRefusal(inside("real/root/alias/2024"), inside("real/root")).contains("alias"_s));
+        // How the studio comes to its public root is its own affair.
+        QVERIFY(linkRefusal(inside("link/root/order"), inside("link/root")).isEmpty());
+        QVERIFY(linkRefusal(inside("link/root/order"), inside("")).contains("link"_s));
+    }
+
+    void plansAndWords()
+    {
+        BatchDeleteOrderInfo fine = makeOrder("1"_s, onDisk("\\r\\a"));
+        fine.serviceTimes = "2"_s;
+        fine.mname = "周"_s;
+        fine.wname = "林"_s;
+        const auto result =
+            plan({fine, makeOrder("2"_s, {}), makeOrder("3"_s, onDisk("\\r\\c"), false)}, {});
+        QCOMPARE(result.orders.size(), 1);
+        QCOMPARE(result.refused.size(), 1);
+        QCOMPARE(
+            confirmation(result),
+            "下列 1 个订单的目录将被清空，其中的全部文件会永久删除，无法恢复。"
+            "确认要继续吗？\n\nT1-2 周 林\n    %1\n\n"
+            "下列 1 个订单不会删除：\n\nT2 \n    原因: 订单没有导片路径"_s.arg(onDisk("\\r\\a")));
+    }
+
+    void bodies()
+    {
+        const orderqueries::Identity identity{"7"_s, "S7"_s, "E7"_s};
+        BatchDeleteFileInfo kept = makeFile("link"_s);
+        kept.kept = true;
+        const auto files = {makeFile("a&b.jpg"_s), kept};
+        QCOMPARE(
+            deletionrequests::announceBody(identity, "81"_s, files),
+            QByteArray("shopid=7&eid=E7&superid=S7&personid=E7&order_photo_id=81&pics="
+                       "[{\"picname\":\"a%26b.jpg\",\"picpath\":\"/share/order/原片/a%26b.jpg\","
+                       "\"picshortpath\":\"原片/a%26b.jpg\"}]"));
+        QCOMPARE(deletionrequests::reportBody(identity, "81"_s, *files.begin()),
+                 QByteArray("shopid=7&eid=E7&superid=S7&personid=E7&order_photo_id=81&"
+                            "picpath=/share/order/原片/a%26b.jpg&picname=a%26b.jpg"));
+    }
+
+    void readsOrders();
+
+    void sizes_data()
+    {
+        addColumns<qint64, QString>({"bytes", "text"});
+        newRow("none", qint64(0), "0 B");
+        newRow("bytes", qint64(1023), "1023 B");
+        newRow("kilo", qint64(1024), "1.0 KB");
+        newRow("rounded up a unit", qint64(1048575), "1.0 MB");
+        newRow("giga", qint64(5) * 1024 * 1024 * 1024 / 2, "2.5 GB");
+        newRow("beyond", qint64(2048) * 1024 * 1024 * 1024, "2048.0 GB");
+    }
+
+    void sizes()
+    {
+        QFETCH(qint64, bytes);
+        QTEST(dataSizeText(double(bytes)), "text");
+    }
+
+    void listsAndTables()
+    {
+        BatchDeleteOrderInfo order = makeOrder("1"_s, "=\\r"_s);
+        BatchDeleteFileInfo gone = makeFile("b.jpg"_s, BatchDeleteFileInfo::Deleted);
+        gone.missing = true;
+        order.setFiles({makeFile("a.jpg"_s, BatchDeleteFileInfo::Deleted), gone,
+                        makeFile("c\".jpg"_s, BatchDeleteFileInfo::InUse, "文件被其他程序占用"_s),
+                        makeFile("d.jpg"_s, BatchDeleteFileInfo::NotReported),
+                        makeFile("e.jpg"_s)});
+        QCOMPARE(deletionreport::succeededList(order),
+                 " 删除成功的照片\na.jpg\nb.jpg (文件不存在)"_s);
+        QCOMPARE(deletionreport::failedList(order),
+                 " 删除失败的照片\nc\".jpg (文件被占用): 文件被其他程序占用\n"
+                 "d.jpg: 提交状态失败"_s);
+        QVERIFY(!deletionreport::csv({order}).contains("a.jpg"));
+        order.processed = true;
+        const QList<QByteArray> lines = deletionreport::csv({order}).split('\n');
+        QCOMPARE(lines.size(), 7);
+        QVERIFY(lines.at(0).startsWith("\xEF\xBB\xBF\"订单号\",") && lines.at(0).endsWith('\r'));
+        QCOMPARE(lines.at(3),
+                 QByteArray("\"T1\",\"\",\"'=\\r\",\"/share/order/原片/c\"\".jpg\",\"0\","
+                            "\"删除失败\",\"文件被其他程序占用\"\r"));
+    }
+
+    void countsFollowTheStates()
+    {
+        BatchDeleteOrderInfo order;
+        order.setFiles(QVector<BatchDeleteFileInfo>(9));
+        for (int state = 0; state <= 8; ++state) {
+            order.setFile(state, makeFile(QString(), state));
+            order.setFile(state, makeFile(QString(), state)); // again: counted once
+        }
+        order.setFile(9, makeFile(QString(), 2));
+        QCOMPARE(order.succeeded(), 1);
+        QCOMPARE(order.failed(), 6);
+        QCOMPARE(order.unreported(), 1);
+        order.setFile(2, makeFile(QString(), 0));
+        QCOMPARE(order.succeeded(), 0);
+        const QStringList texts{"未删除"_s,   "删除中"_s,   "已删除"_s, "提交状态失败"_s,
+                                "删除失败"_s, "删除失败"_s, "未知"_s};
+        for (int state = 0; state < texts.size(); ++state)
+            QCOMPARE(deletionStateText(state), texts.at(state));
+    }
+};
 
 void TestDeletionRules::readsOrders()
 {
@@ -227,74 +272,10 @@ void TestDeletionRules::readsOrders()
         "netpath":"\\\\n\\p"},{"id":"5","netpath":"other"},{"netpath":"no id"},null,7]})");
     QCOMPARE(list.elements, 5);
     QCOMPARE(list.orders.size(), 1);
-    QCOMPARE(list.orders.first().fulfilTime, QStringLiteral("2024-01-02"));
-    QCOMPARE(list.orders.first().netPath, QStringLiteral("\\\\n\\p"));
+    QCOMPARE(list.orders.first().fulfilTime, "2024-01-02"_s);
+    QCOMPARE(list.orders.first().netPath, "\\\\n\\p"_s);
     for (const char *none : {"{}", R"({"data":null})", R"({"data":"text"})", R"({"data":{}})"})
         QVERIFY2(!read(none).isList, none);
-}
-
-void TestDeletionRules::sizes_data()
-{
-    QTest::addColumn<qint64>("bytes");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("none") << qint64(0) << "0 B";
-    QTest::newRow("bytes") << qint64(1023) << "1023 B";
-    QTest::newRow("kilo") << qint64(1024) << "1.0 KB";
-    QTest::newRow("rounded up a unit") << qint64(1048575) << "1.0 MB";
-    QTest::newRow("giga") << qint64(5) * 1024 * 1024 * 1024 / 2 << "2.5 GB";
-    QTest::newRow("beyond") << qint64(2048) * 1024 * 1024 * 1024 << "2048.0 GB";
-}
-
-void TestDeletionRules::sizes()
-{
-    QFETCH(qint64, bytes);
-    QTEST(dataSizeText(double(bytes)), "text");
-}
-
-void TestDeletionRules::listsAndTables()
-{
-    BatchDeleteOrderInfo order = makeOrder(QStringLiteral("1"), QStringLiteral("=\\r"));
-    BatchDeleteFileInfo gone = makeFile(QStringLiteral("b.jpg"), BatchDeleteFileInfo::Deleted);
-    gone.missing = true;
-    order.setFiles({makeFile(QStringLiteral("a.jpg"), BatchDeleteFileInfo::Deleted), gone,
-                    makeFile(QStringLiteral("c\".jpg"), BatchDeleteFileInfo::InUse,
-                             QStringLiteral("文件被其他程序占用")),
-                    makeFile(QStringLiteral("d.jpg"), BatchDeleteFileInfo::NotReported),
-                    makeFile(QStringLiteral("e.jpg"))});
-    QCOMPARE(deletionreport::succeededList(order),
-             QStringLiteral(" 删除成功的照片\na.jpg\nb.jpg (文件不存在)"));
-    QCOMPARE(deletionreport::failedList(order),
-             QStringLiteral(" 删除失败的照片\nc\".jpg (文件被占用): 文件被其他程序占用\n"
-                            "d.jpg: 提交状态失败"));
-    QVERIFY(!deletionreport::csv({order}).contains("a.jpg"));
-    order.processed = true;
-    const QList<QByteArray> lines = deletionreport::csv({order}).split('\n');
-    QCOMPARE(lines.size(), 7);
-    QVERIFY(lines.at(0).startsWith("\xEF\xBB\xBF\"订单号\",") && lines.at(0).endsWith('\r'));
-    QCOMPARE(lines.at(3), QByteArray("\"T1\",\"\",\"'=\\r\",\"/share/order/原片/c\"\".jpg\",\"0\","
-                                     "\"删除失败\",\"文件被其他程序占用\"\r"));
-}
-
-void TestDeletionRules::countsFollowTheStates()
-{
-    BatchDeleteOrderInfo order;
-    order.setFiles(QVector<BatchDeleteFileInfo>(9));
-    for (int state = 0; state <= 8; ++state) {
-        order.setFile(state, makeFile(QString(), state));
-        order.setFile(state, makeFile(QString(), state)); // again: counted once
-    }
-    order.setFile(9, makeFile(QString(), 2));
-    QCOMPARE(order.succeeded(), 1);
-    QCOMPARE(order.failed(), 6);
-    QCOMPARE(order.unreported(), 1);
-    order.setFile(2, makeFile(QString(), 0));
-    QCOMPARE(order.succeeded(), 0);
-    const QStringList texts{QStringLiteral("未删除"),   QStringLiteral("删除中"),
-                            QStringLiteral("已删除"),   QStringLiteral("提交状态失败"),
-                            QStringLiteral("删除失败"), QStringLiteral("删除失败"),
-                            QStringLiteral("未知")};
-    for (int state = 0; state < texts.size(); ++state)
-        QCOMPARE(deletionStateText(state), texts.at(state));
 }
 
 QTEST_GUILESS_MAIN(TestDeletionRules)

@@ -1,4 +1,6 @@
 #include "demo/demoservice.h"
+#include "tests/support/datarows.h"
+#include "tests/support/text.h"
 
 #include <QBuffer>
 #include <QFileInfo>
@@ -90,13 +92,12 @@ private slots:
 
     void answers_data()
     {
-        QTest::addColumn<QByteArray>("action");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<QString>("expected"); // code, EID and the ids of the list
+        // expected: code, EID and the ids of the list
+        addColumns<QByteArray, QByteArray, QString>({"action", "body", "expected"});
 
         const auto row = [](const char *name, const char *action, const QByteArray &body,
                             const char *expected) {
-            QTest::newRow(name) << QByteArray(action) << body << utf8(expected);
+            newRow(name, QByteArray(action), body, utf8(expected));
         };
         const char login[] = "public&a=dologin";
         const QByteArray first = "username=demo01&password=";
@@ -167,23 +168,22 @@ private slots:
               {"A&B", "A"},
               {longText, longText}}) {
             const QByteArray body = "value=" + value + flagship;
-            QCOMPARE(post("order&a=nonsense", body).code(), QStringLiteral("0"));
-            const QJsonValue record = service_->requests(QStringLiteral("nonsense")).last();
+            QCOMPARE(post("order&a=nonsense", body).code(), "0"_s);
+            const QJsonValue record = service_->requests("nonsense"_s).last();
             QCOMPARE(record[u"fields"][u"value"].toString().toUtf8(), decoded);
-            QCOMPARE(record[u"fields"][u"shopid"].toString(), QStringLiteral("101"));
-            QCOMPARE(record[u"query"].toString(),
-                     QStringLiteral("g=OrvelleDPc&m=order&a=nonsense"));
+            QCOMPARE(record[u"fields"][u"shopid"].toString(), "101"_s);
+            QCOMPARE(record[u"query"].toString(), "g=OrvelleDPc&m=order&a=nonsense"_s);
             QCOMPARE(QByteArray::fromBase64(record[u"body64"].toString().toLatin1()), body);
         }
     }
 
     void batch_data()
     {
-        QTest::addColumn<QByteArray>("lists");
-        QTest::addColumn<QString>("expected"); // files seen, originals/raw/retouched
+        // expected: files seen, originals/raw/retouched
+        addColumns<QByteArray, QString>({"lists", "expected"});
 
         const auto row = [](const char *name, const QByteArray &lists, const char *expected) {
-            QTest::newRow(name) << quoted(lists) << utf8(expected);
+            newRow(name, quoted(lists), utf8(expected));
         };
         const QByteArray raw = "&type=1&rawimgnames=[{'name':'a.cr2','size':30}]";
         const QByteArray noRaw = "&type=1&rawimgnames=[]&imgnames=";
@@ -198,36 +198,35 @@ private slots:
     void batch()
     {
         QFETCH(QByteArray, lists);
-        QString folder = folder_.path() + QStringLiteral("/share/海棠路旗舰店/A&B 100%");
-        QVERIFY(writeFile(folder + QStringLiteral("/原片/a.jpg"), 10));
-        QVERIFY(writeFile(folder + QStringLiteral("/原始档/a.cr2"), 30));
-        QVERIFY(writeFile(folder + QStringLiteral("/精修片/r.jpg"), 20));
+        QString folder = folder_.path() + "/share/海棠路旗舰店/A&B 100%"_s;
+        QVERIFY(writeFile(folder + "/原片/a.jpg"_s, 10));
+        QVERIFY(writeFile(folder + "/原始档/a.cr2"_s, 30));
+        QVERIFY(writeFile(folder + "/精修片/r.jpg"_s, 20));
 
         const QByteArray path = folder.replace(u'/', u'\\').toUtf8().toPercentEncoding();
         const Answer answer =
             post("order&a=savepicpath_batch", "localpath=" + path + lists + firstOrder);
-        QCOMPARE(answer.code(), QStringLiteral("1"));
+        QCOMPARE(answer.code(), "1"_s);
         QCOMPARE(answer["local_imgnames"].toArray().size(), 1);
 
         const QJsonValue order = search("TS10001", flagship)["data"][0];
-        QTEST(QStringLiteral("%1 %2 %3/%4/%5")
-                  .arg(listed(answer["server_imgnames"], "name"),
-                       listed(answer["server_rawimgnames"], "name"),
-                       order[u"number_yuanpian"].toString(),
-                       order[u"number_yuanshidang"].toString(),
-                       order[u"number_jingxiu"].toString()),
+        QTEST("%1 %2 %3/%4/%5"_s.arg(listed(answer["server_imgnames"], "name"),
+                                     listed(answer["server_rawimgnames"], "name"),
+                                     order[u"number_yuanpian"].toString(),
+                                     order[u"number_yuanshidang"].toString(),
+                                     order[u"number_jingxiu"].toString()),
               "expected");
     }
 
     void booksKeepIds()
     {
-        const QString share = folder_.path() + QStringLiteral("/share");
+        const QString share = folder_.path() + "/share"_s;
         const QByteArray folder = QString(share).replace(u'/', u'\\').toUtf8();
-        QVERIFY(QDir().mkpath(share + QStringLiteral("/原片")));
-        QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(share + QStringLiteral("/原片/a.jpg")));
-        QVERIFY(writeFile(share + QStringLiteral("/原片/b.jpg"), 10));
-        QVERIFY(writeFile(share + QStringLiteral("/原始档/c.cr2"), 10));
-        const qint64 size = QFileInfo(share + QStringLiteral("/原片/a.jpg")).size();
+        QVERIFY(QDir().mkpath(share + "/原片"_s));
+        QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(share + "/原片/a.jpg"_s));
+        QVERIFY(writeFile(share + "/原片/b.jpg"_s, 10));
+        QVERIFY(writeFile(share + "/原始档/c.cr2"_s, 10));
+        const qint64 size = QFileInfo(share + "/原片/a.jpg"_s).size();
         const auto announce = [&](const QByteArray &names) {
             post("order&a=savepicpath_batch",
                  quoted("type=1&localpath=" + folder + "&imgnames=[" + names +
@@ -238,10 +237,10 @@ private slots:
         announce(both);
         announce(both);
         const Answer listing = post("order&a=getorder_pics", "timestamp=17" + firstOrder);
-        QCOMPARE(listing["timestamp"].toString(), QStringLiteral("17"));
+        QCOMPARE(listing["timestamp"].toString(), "17"_s);
         const QJsonValue photos = listing["images_yuanpian"];
-        QCOMPARE(listed(photos, "img_name"), QStringLiteral("a.jpg,b.jpg"));
-        QCOMPARE(listed(photos, "id"), QStringLiteral("90000001,90000002"));
+        QCOMPARE(listed(photos, "img_name"), "a.jpg,b.jpg"_s);
+        QCOMPARE(listed(photos, "id"), "90000001,90000002"_s);
         QCOMPARE(photos[0][u"localpath"].toString(), utf8(folder + "\\原片\\a.jpg"));
         QCOMPARE(listed(listing["images_yuanshidang"], "url"), QString());
         QCOMPARE(get(photos[0][u"url"].toString()).width(), 400);
@@ -252,21 +251,21 @@ private slots:
         const auto remove = [&](const QByteArray &ids) {
             return post("order&a=delete_pics", "timestamp=18&ids=" + ids + firstOrder).code();
         };
-        QCOMPARE(remove("90000001,4"), QStringLiteral("0"));
-        QCOMPARE(remove("90000001,90000003"), QStringLiteral("1"));
-        QCOMPARE(remove("90000001"), QStringLiteral("0"));
-        QVERIFY(QFileInfo::exists(share + QStringLiteral("/原片/a.jpg")));
+        QCOMPARE(remove("90000001,4"), "0"_s);
+        QCOMPARE(remove("90000001,90000003"), "1"_s);
+        QCOMPARE(remove("90000001"), "0"_s);
+        QVERIFY(QFileInfo::exists(share + "/原片/a.jpg"_s));
         announce(both);
         QCOMPARE(listed(post("order&a=getorder_pics", firstOrder.mid(1))["images_yuanpian"], "id"),
-                 QStringLiteral("90000004,90000002"));
+                 "90000004,90000002"_s);
 
         post("order&a=savepicpath", "size=10&path=\\all\\d.jpg" + firstOrder);
         post("order&a=savepicpathmv", "size=10&type=2&photonames=e&path=\\e.mp4" + firstOrder);
         QCOMPARE(firstOrderState()[u"files"].toArray(),
-                 (QJsonArray{QStringLiteral("\\all\\d.jpg"), QStringLiteral("\\e.mp4")}));
+                 (QJsonArray{"\\all\\d.jpg"_s, "\\e.mp4"_s}));
         QCOMPARE(listed(post("order&a=getorder_pics", firstOrder.mid(1))["images_yuanpian"],
                         "localpath_90"),
-                 QStringLiteral(",,\\90\\d.jpg"));
+                 ",,\\90\\d.jpg"_s);
     }
 
     void deletesWhatThePhotoImportRegistered()
@@ -287,11 +286,11 @@ private slots:
         const auto remove = [&](const QByteArray &action, const QByteArray &ids) {
             return post("order&a=" + action, "ids=" + ids + firstOrder).code();
         };
-        QCOMPARE(remove("delmv", photo), QStringLiteral("0"));
-        QCOMPARE(remove("delimages", photo + ',' + video), QStringLiteral("0"));
-        QCOMPARE(remove("delimages", ""), QStringLiteral("0"));
-        QCOMPARE(remove("delimages", photo), QStringLiteral("1"));
-        QCOMPARE(remove("delmv", video), QStringLiteral("1"));
+        QCOMPARE(remove("delmv", photo), "0"_s);
+        QCOMPARE(remove("delimages", photo + ',' + video), "0"_s);
+        QCOMPARE(remove("delimages", ""), "0"_s);
+        QCOMPARE(remove("delimages", photo), "1"_s);
+        QCOMPARE(remove("delmv", video), "1"_s);
         QCOMPARE(list("images").size(), chosen + 1);
         QCOMPARE(list("images_taipian").size(), trial);
     }
@@ -300,8 +299,7 @@ private slots:
     {
         const QString url = search("TS10001", flagship)["data"][0][u"images"][0][u"url"].toString();
         const auto next = [&](const char *kind) {
-            service_->misbehave({{QStringLiteral("action"), QStringLiteral("image")},
-                                 {QStringLiteral("kind"), QLatin1String(kind)}});
+            service_->misbehave({{"action"_s, "image"_s}, {"kind"_s, QLatin1String(kind)}});
             return network_.get(QNetworkRequest(QUrl(url)));
         };
         for (const auto &[kind, error, pictureWidth] :
@@ -313,7 +311,7 @@ private slots:
             QCOMPARE(answer.error, error);
             QBuffer body(&answer.body);
             QCOMPARE(QImageReader(&body).size().width(), pictureWidth);
-            QCOMPARE(service_->requests(QStringLiteral("image")).last()[u"misbehaviour"].toString(),
+            QCOMPARE(service_->requests("image"_s).last()[u"misbehaviour"].toString(),
                      QLatin1String(kind));
         }
         for (const char *kind : {"huge-body", "endless-body"}) {
@@ -327,13 +325,11 @@ private slots:
 
     void misbehaves_data()
     {
-        QTest::addColumn<int>("error");
-        QTest::addColumn<QString>("body"); // a pattern
-        QTest::addColumn<bool>("parses");
-        QTest::addColumn<bool>("acts");
+        // body: a pattern
+        addColumns<int, QString, bool, bool>({"error", "body", "parses", "acts"});
 
         const auto row = [](const char *kind, int error, const char *body, bool parses, bool acts) {
-            QTest::newRow(kind) << error << utf8(quoted(body)) << parses << acts;
+            newRow(kind, error, utf8(quoted(body)), parses, acts);
         };
         const int fine = QNetworkReply::NoError;
         row("http-error", QNetworkReply::InternalServerError, "^$", false, false);
@@ -370,7 +366,7 @@ private slots:
         if (!counts)
             service_->misbehave(json(order + "none'}"));
         post("order&a=saveorderphotopath", "path=b" + firstOrder);
-        QCOMPARE(firstOrderState()[u"folderpath"].toString(), QStringLiteral("b"));
+        QCOMPARE(firstOrderState()[u"folderpath"].toString(), "b"_s);
     }
 
     void distortsMembers()
@@ -395,16 +391,16 @@ private slots:
         QElapsedTimer clock;
         clock.start();
         service_->misbehave(json("{'action':'get_persons','kind':'delay','delay':60}"));
-        QCOMPARE(persons(flagship).code(), QStringLiteral("1"));
+        QCOMPARE(persons(flagship).code(), "1"_s);
         QVERIFY(clock.elapsed() >= 60);
 
         service_->misbehave(json("{'action':'get_persons','kind':'hold'}"));
         QNetworkReply *held = send(*service_, "order&a=get_persons", flagship);
         QTRY_COMPARE(service_->state()[u"held"].toInt(), 1);
-        QCOMPARE(persons(riverside).code(), QStringLiteral("1"));
+        QCOMPARE(persons(riverside).code(), "1"_s);
         QVERIFY(!held->isFinished());
         service_->release();
-        QCOMPARE(finished(held).code(), QStringLiteral("1"));
+        QCOMPARE(finished(held).code(), "1"_s);
 
         service_->misbehave(json("{'action':'get_persons','kind':'stale'}"));
         for (const char *ids : {"1011,1012,1013,1014", "1031,1032"})
@@ -414,15 +410,15 @@ private slots:
     void removesOnlyItsOwn()
     {
         const QTemporaryDir others;
-        const QString photo = others.filePath(QStringLiteral("share/wedding.jpg"));
+        const QString photo = others.filePath("share/wedding.jpg"_s);
         QVERIFY(writeFile(photo, 1));
         QVERIFY(!DemoService(optionsFor(others)).start().isEmpty());
         QVERIFY(QFileInfo::exists(photo));
 
         const QJsonObject before = service_->state();
-        const QString share = folder_.filePath(QStringLiteral("share"));
-        const QString link = share + QStringLiteral("/link");
-        const QString left = share + QStringLiteral("/滨江店/2024/a.jpg");
+        const QString share = folder_.filePath("share"_s);
+        const QString link = share + "/link"_s;
+        const QString left = share + "/滨江店/2024/a.jpg"_s;
         QVERIFY(writeFile(left, 1) && QFile::link(others.path(), link));
         post("order&a=saveorderphotopath", "path=x" + firstOrder);
         QCOMPARE(service_->reset(), QString());
@@ -447,7 +443,7 @@ private slots:
 
         tls.setCaCertificates(QSslCertificate::fromPath(service.caFile()));
         network_.clearConnectionCache();
-        QCOMPARE(persons().code(), QStringLiteral("1"));
+        QCOMPARE(persons().code(), "1"_s);
         service.misbehave(json("{'action':'*','kind':'drop'}"));
         QCOMPARE(persons().error, int(QNetworkReply::RemoteHostClosedError));
         QCOMPARE(service.requests().size(), 2);
@@ -459,7 +455,7 @@ private slots:
             return post("order&a=orderphotodetail", "order_photo_id=800001" + flagship);
         };
         const Answer answer = detail();
-        QCOMPARE(listed(answer["images"], "isdownload"), QStringLiteral("0,0,0,0"));
+        QCOMPARE(listed(answer["images"], "isdownload"), "0,0,0,0"_s);
         QCOMPARE(listed(answer["urgentgoods"], "goodname"), utf8("迎宾海报"));
         const QJsonObject first = answer["images"].toArray().first().toObject();
         for (const char *path : {"localpath", "localpath90"}) {
@@ -472,7 +468,7 @@ private slots:
         QCOMPARE(post("order&a=download_success", "id=" + id + flagship).code(), utf8("1"));
         QCOMPARE(post("order&a=download_success", "id=" + id + riverside).code(), utf8("0"));
         QCOMPARE(post("order&a=download_success", "id=" + flagship).code(), utf8("0"));
-        QCOMPARE(listed(detail()["images"], "isdownload"), QStringLiteral("1,0,0,0"));
+        QCOMPARE(listed(detail()["images"], "isdownload"), "1,0,0,0"_s);
 
         const char save[] = "public&a=save_goodsfoldernamerule";
         QCOMPARE(post(save, "goodsfoldernamerule=x" + flagship).code(), utf8("0"));
@@ -482,8 +478,7 @@ private slots:
 
         const QImage barcode =
             get(service_->url() +
-                QStringLiteral(
-                    "/index.php?g=OrvelleDPc&m=order&a=getbarcodegen&orderpayforkey=TS10001"));
+                "/index.php?g=OrvelleDPc&m=order&a=getbarcodegen&orderpayforkey=TS10001"_s);
         QVERIFY(barcode.width() > 200);
     }
 
@@ -491,11 +486,11 @@ private:
     QNetworkReply *send(const DemoService &service, const QByteArray &action,
                         const QByteArray &body, const QSslConfiguration &tls = {})
     {
-        QNetworkRequest request(QUrl(service.url() + QStringLiteral("/index.php?g=OrvelleDPc&m=") +
-                                     QString::fromLatin1(action)));
+        QNetworkRequest request(
+            QUrl(service.url() + "/index.php?g=OrvelleDPc&m="_s + QString::fromLatin1(action)));
         request.setSslConfiguration(tls);
         request.setHeader(QNetworkRequest::ContentTypeHeader,
-                          QStringLiteral("application/x-www-form-urlencoded"));
+                          "application/x-www-form-urlencoded"_s);
         return network_.post(request, body);
     }
 

@@ -1,6 +1,9 @@
 #include "distribution/distributionplan.h"
 #include "distribution/distributionrequests.h"
 #include "distribution/rawfiles.h"
+#include "tests/support/datarows.h"
+#include "tests/support/files.h"
+#include "tests/support/text.h"
 
 #include <QFile>
 #include <QJsonDocument>
@@ -12,8 +15,7 @@ using Type = DesignFileSplitTypes;
 
 namespace {
 
-const orderqueries::Identity somebody{QStringLiteral("1"), QStringLiteral("2"),
-                                      QStringLiteral("3")};
+const orderqueries::Identity somebody{"1"_s, "2"_s, "3"_s};
 
 /// JSON with single quotes.
 QJsonObject json(QByteArray text)
@@ -31,7 +33,7 @@ QStringList described(const OrderPlan &plan)
 {
     QStringList lines;
     for (const DistributionTask &task : plan.tasks) {
-        lines.append(QStringLiteral("%1 %2 %3%4 <- %5 %6")
+        lines.append("%1 %2 %3%4 <- %5 %6"_s
                          .arg(task.type, task.subType, task.targetFolder.mid(3), task.imgName,
                               task.sourcePath, task.imageId)
                          .simplified());
@@ -48,12 +50,10 @@ class TestDistributionPlan : public QObject
 private slots:
     void bodies_data()
     {
-        QTest::addColumn<QString>("type");
-        QTest::addColumn<QString>("keyword");
-        QTest::addColumn<QByteArray>("expected");
+        addColumns<QString, QString, QByteArray>({"type", "keyword", "expected"});
         const auto row = [](const char *type, const char *keyword, const char *expected) {
-            QTest::newRow(type) << utf8(type) << utf8(keyword)
-                                << QByteArray(expected) + "&shopid=1&eid=3&superid=2&personid=3";
+            newRow(type, utf8(type), utf8(keyword),
+                   QByteArray(expected) + "&shopid=1&eid=3&superid=2&personid=3");
         };
         row("基本信息", "A&B+1%", "keyword=A%26B%2B1%25&searchtype=1");
         row("拍照日期", "2024-03-07", "keyword=2024-03-07&searchtype=4");
@@ -70,7 +70,7 @@ private slots:
     void keywords()
     {
         orderqueries::OrderSearch search;
-        search.text = QStringLiteral("林");
+        search.text = "林"_s;
         search.shootingDate = {2024, 3, 7};
         search.selectionDate = {2024, 4, 8};
         QStringList keywords;
@@ -79,7 +79,7 @@ private slots:
                      << distributionrequests::keywordOf(search);
         }
         QCOMPARE(keywords.join(QLatin1Char(' ')),
-                 QStringLiteral("基本信息 林 拍照日期 2024-03-07 选片日期 2024-04-08  "));
+                 "基本信息 林 拍照日期 2024-03-07 选片日期 2024-04-08  "_s);
     }
 
     void cardsAndModes()
@@ -90,9 +90,8 @@ private slots:
             modes.append(cardName(type) + QString::number(runMode(type)) +
                          QString::number(listMode(type)));
         }
-        QCOMPARE(
-            modes.join(QLatin1Char(' ')),
-            QStringLiteral("下载原始档10 下载选片结果20 设计分件21 下载照片交付30 设计分件21"));
+        QCOMPARE(modes.join(QLatin1Char(' ')),
+                 "下载原始档10 下载选片结果20 设计分件21 下载照片交付30 设计分件21"_s);
     }
 
     void readsOrders()
@@ -102,8 +101,8 @@ private slots:
                  "'images':[{'id':1},5]},{'id':'1'},{'order_photo_id':'7'},null,"
                  "{'order_photo_id':'8','images':'none'}]}"));
         QCOMPARE(orders.size(), 2);
-        QCOMPARE(orders.first().displayNumber(), QStringLiteral("-服务2"));
-        QCOMPARE(orders.first().numberJingxiu, QStringLiteral("3"));
+        QCOMPARE(orders.first().displayNumber(), "-服务2"_s);
+        QCOMPARE(orders.first().numberJingxiu, "3"_s);
         QCOMPARE(orders.first().images.size(), 1);
         QVERIFY(orders.last().images.isEmpty());
     }
@@ -119,14 +118,14 @@ private slots:
                  "'images_biaoji':[{'remark':[{'text':'1'},{'text':''},'2',3]},{'remark':'3'}]}"));
         QCOMPARE(detail.value("mname") + detail.value("yx_number") + detail.value("list") +
                      detail.value("message") + detail.shopName + detail.downTxt,
-                 QStringLiteral("M12S"));
+                 "M12S"_s);
         QCOMPARE(detail.goods.size(), 1);
         const DetailProduct &set = detail.goods.first();
         QVERIFY(set.isSet() && !set.urgent() && set.imgs.first().downloaded);
         QVERIFY(set.sonGood.first().isSet() && set.sonGood.first().urgent());
-        QCOMPARE(set.imgs.first().source() + detail.images.first().source(), QStringLiteral("pl"));
+        QCOMPARE(set.imgs.first().source() + detail.images.first().source(), "pl"_s);
         QCOMPARE(detail.imagesBiaoji.first().remarks + detail.imagesBiaoji.last().remarks,
-                 (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3")}));
+                 (QStringList{"1"_s, "2"_s, "3"_s}));
         // Sets within sets without end would take the stack along.
         QByteArray deep = "{'goods':[{'id':'0'}]}";
         for (int level = 0; level < 200; ++level)
@@ -142,7 +141,7 @@ private slots:
     {
         PlanRequest request;
         request.type = Type::DownloadOriginals;
-        request.orderFolder = QStringLiteral("/o/");
+        request.orderFolder = "/o/"_s;
         request.options.originals = true;
         request.options.fullSize = true;
         request.detail = std::make_shared<const OrderDetail>(
@@ -152,15 +151,14 @@ private slots:
                                  "{'id':'3','localpath':'/z/c.jpg'},"
                                  "{'id':'4','img_name':'../d.jpg','localpath':'/z/d.jpg'}]}")));
         const OrderPlan plan = planOrder(request, [](const QString &photo) {
-            return photo == QLatin1String("/x/a.jpg") ? QStringList(QStringLiteral("/x/a.CR2"))
-                                                      : QStringList();
+            return photo == QLatin1String("/x/a.jpg") ? QStringList("/x/a.CR2"_s) : QStringList();
         });
         QCOMPARE(described(plan).mid(0, 5),
-                 (QStringList{QStringLiteral("下载原始档 原始档/a.jpg <- /x/a.jpg 1"),
-                              QStringLiteral("下载原始档 原始档/a.CR2 <- /x/a.CR2"),
-                              QStringLiteral("下载原始档 原始档/A (2).jpg <- /y/a.jpg 2"),
-                              QStringLiteral("下载原始档 原始档/../d.jpg <- /z/d.jpg 4"),
-                              QStringLiteral("下载精修片 原图/a.jpg <- /x/a.jpg")}));
+                 (QStringList{"下载原始档 原始档/a.jpg <- /x/a.jpg 1"_s,
+                              "下载原始档 原始档/a.CR2 <- /x/a.CR2"_s,
+                              "下载原始档 原始档/A (2).jpg <- /y/a.jpg 2"_s,
+                              "下载原始档 原始档/../d.jpg <- /z/d.jpg 4"_s,
+                              "下载精修片 原图/a.jpg <- /x/a.jpg"_s}));
         QCOMPARE(plan.tasks.size(), 7);
         QCOMPARE(plan.problems.size(), 4); // twice each: renamed, and without a name
         QVERIFY(!plan.makesProducts);
@@ -168,21 +166,19 @@ private slots:
 
     void takesTheMostFinishedVersion_data()
     {
-        QTest::addColumn<QString>("options");
-        QTest::addColumn<QString>("expected"); // role and source of a, b, c
-        QTest::newRow("all") << QStringLiteral("fbt")
-                             << QStringLiteral("精修成品 ta, 成品 bb, 成品 c");
-        QTest::newRow("retouched and full")
-            << QStringLiteral("ft") << QStringLiteral("精修成品 ta, 成品 b, 成品 c");
-        QTest::newRow("basic alone") << QStringLiteral("b") << QStringLiteral("成品 ba, 成品 bb");
-        QTest::newRow("nothing") << QString() << QString();
+        // expected: role and source of a, b, c
+        addColumns<QString, QString>({"options", "expected"});
+        newRow("all", "fbt", "精修成品 ta, 成品 bb, 成品 c");
+        newRow("retouched and full", "ft", "精修成品 ta, 成品 b, 成品 c");
+        newRow("basic alone", "b", "成品 ba, 成品 bb");
+        newRow("nothing", QString(), QString());
     }
     void takesTheMostFinishedVersion()
     {
         QFETCH(QString, options);
         PlanRequest request;
         request.type = Type::DownloadSelection;
-        request.orderFolder = QStringLiteral("/o/");
+        request.orderFolder = "/o/"_s;
         request.options.fullSize = options.contains(QLatin1Char('f'));
         request.options.basic = options.contains(QLatin1Char('b'));
         request.options.retouched = options.contains(QLatin1Char('t'));
@@ -194,10 +190,10 @@ private slots:
         const OrderPlan plan = planOrder(request, [](const QString &) { return QStringList(); });
         QStringList taken;
         for (const DistributionTask &task : plan.tasks) {
-            if (roleFolder(task.subType) == QStringLiteral("成品/"))
+            if (roleFolder(task.subType) == "成品/"_s)
                 taken.append(task.subType + QLatin1Char(' ') + task.sourcePath);
         }
-        QTEST(taken.join(QStringLiteral(", ")), "expected");
+        QTEST(taken.join(", "_s), "expected");
         QCOMPARE(plan.fetches.size(), 1); // the barcode
         QVERIFY(plan.makesProducts && plan.problems.isEmpty());
     }
@@ -206,8 +202,7 @@ private slots:
     {
         const QTemporaryDir folder;
         for (const char *name : {"a.jpg", "a.CR2", "a.nef", "a.RAF", "a.txt", "ab.cr2", "b.ARW"}) {
-            QFile file(folder.filePath(QString::fromLatin1(name)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
+            writeFile(folder.filePath(QString::fromLatin1(name)));
         }
         RawFiles raws;
         const auto beside = [&](const QString &photo) {
@@ -217,10 +212,10 @@ private slots:
                 names.append(QFileInfo(path).fileName());
             return names.join(QLatin1Char(' '));
         };
-        QCOMPARE(beside(QStringLiteral("/a.jpg")), QStringLiteral("a.CR2 a.nef a.RAF"));
-        QCOMPARE(beside(QStringLiteral("\\/b.jpg")), QStringLiteral("b.ARW")); // an escaped slash
-        QCOMPARE(beside(QStringLiteral("/a.CR2")), QStringLiteral("a.nef a.RAF"));
-        QCOMPARE(beside(QStringLiteral("/none/c.jpg")), QString());
+        QCOMPARE(beside("/a.jpg"_s), "a.CR2 a.nef a.RAF"_s);
+        QCOMPARE(beside("\\/b.jpg"_s), "b.ARW"_s); // an escaped slash
+        QCOMPARE(beside("/a.CR2"_s), "a.nef a.RAF"_s);
+        QCOMPARE(beside("/none/c.jpg"_s), QString());
     }
 };
 

@@ -1,22 +1,18 @@
-#include "app/context/accountcontext.h"
 #include "distribution/distributionordermodel.h"
 #include "distribution/fjhome.h"
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "distribution/photolistmodel.h"
-#include "net/background.h"
-#include "tests/support/democlient.h"
+#include "tests/support/datarows.h"
+#include "tests/support/toolwindow.h"
 #include "widgets/datepicker.h"
 #include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
-#include "widgets/toast.h"
 
 #include <QAbstractItemModelTester>
 #include <QCheckBox>
 #include <QClipboard>
-#include <QComboBox>
 #include <QDir>
 #include <QGuiApplication>
 #include <QHeaderView>
@@ -28,477 +24,386 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTableView>
 #include <QTemporaryDir>
-#include <QtTest>
 
 using Column = DistributionOrderModel::Column;
 
 /// The distribution window against the demo service, by mouse and keys.
-class TestFJHome : public QObject
+class TestFJHome : public ToolWindowTest<FJHome, DistributionOrderModel::NumberColumn>
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase() { MessageBox::setScripted(true); }
-    void init();
-    void cleanup();
-    void opensWithTheBranchsOrders_data();
-    void opensWithTheBranchsOrders();
-    void searches_data();
-    void searches();
-    void badSearchReplies_data();
-    void badSearchReplies();
-    void switchesTheBranch();
-    void aRefusedSwitchKeepsTheBranch();
-    void aSwitchThatFailedAtOpeningCanBeTriedAgain();
-    void ticks();
-    void needsADirectoryAndOrders();
-    void showsThePhotosOfAnOrder();
-    void distributesInTableOrder();
-    void listsWhatFailed();
-    void nothingElseMayChangeWhileItRuns();
-    void closesWhenTheServiceHasBeenTold();
+    void init()
+    {
+        logIn();
+        AccountContext::shopList.first().goodsfoldernamerule =
+            "[{\"name\":\"产品名称\",\"key\":\"name\",\"separator\":\"=\"}]"_s;
+        folder_ = std::make_unique<QTemporaryDir>();
+    }
+
+    void cleanup()
+    {
+        demo_.release();
+        if (window_)
+            window_->close();
+        QTRY_VERIFY(!window_);
+        diskPool()->waitForDone();
+        MessageBox::takeShown();
+    }
+
+    void opensWithTheBranchsOrders_data()
+    {
+        addColumns<QString, QString, QString, bool, bool>(
+            {"card", "action", "ticked", "lists", "naming"});
+        newRow("originals", "下载原始档", "order_list", "原始档", true, false);
+        newRow("selection", "下载选片结果", "order_list", "原图精修", true, true);
+        newRow("distribution", "设计分件", "order_list_type_1", "原图精修", true, true);
+        newRow("delivery", "下载照片交付", "order_list", "原图精修", false, false);
+    }
+
+    void opensWithTheBranchsOrders()
+    {
+        QFETCH(QString, card);
+        QFETCH(QString, action);
+        QFETCH(QString, ticked);
+        open(card);
+        QCOMPARE(window_->windowTitle(), "分件工具"_s);
+        QCOMPARE(body(action), "keyword=&searchtype=1&shopid=101&eid=3101&superid=7001"
+                               "&personid=3101"_s);
+        QVERIFY(orders()->model()->rowCount() > 5);
+        const QAbstractItemModelTester tester(orders()->model());
+        QStringList headers;
+        for (int column = 0; column < orders()->model()->columnCount(); ++column)
+            headers.append(orders()->model()->headerData(column, Qt::Horizontal).toString());
+        QCOMPARE(headers, ",订单号,男士姓名,女士姓名,摄影师,套系,拍照日期,初修数/精修数,"
+                          "化妆师,选片师,选片日期,选片完成时间,男士电话,女士电话,订单金额"_s.split(
+                              QLatin1Char(',')));
+        QString checked;
+        for (const char *option : {"原始档", "原图", "简修", "简修含汰片", "精修"}) {
+            if (child<QCheckBox>((QByteArray("option") + option).constData())->isChecked())
+                checked += QString::fromUtf8(option);
+        }
+        QCOMPARE(checked, ticked);
+        QTEST(child<QListView>("undownloadList")->isVisible(), "lists");
+        QTEST(child<QPushButton>("saveRuleButton")->isVisible(), "naming");
+    }
+
+    void searches_data()
+    {
+        // expected: body up to the identity
+        addColumns<int, QString>({"type", "expected"});
+        newRow("text", 0, "keyword=A%26B%2BC%25&searchtype=1");
+        newRow("shooting date", 1, "keyword=2025-10-01&searchtype=4");
+        newRow("selection date", 2, "keyword=2025-10-08&searchtype=5");
+    }
+
+    void searches()
+    {
+        QFETCH(int, type);
+        open();
+        child<QComboBox>("searchTypeBox")->setCurrentIndex(type);
+        child<QLineEdit>("keywordEdit")->setText("A&B+C%"_s);
+        QVERIFY(child<QLineEdit>("keywordEdit")->isVisible() == (type == 0));
+        child<DatePicker>("shootingDate")->choose({2025, 10, 1});
+        child<DatePicker>("selectionDate")->choose({2025, 10, 8});
+        demo_.hold("order_list_type_1"_s);
+        click("searchButton");
+        waitUntilHeld();
+        QCOMPARE(child<QPushButton>("searchButton")->text(), "搜索中..."_s);
+        QVERIFY(!child<QPushButton>("searchButton")->isEnabled());
+        QCOMPARE(orders()->model()->rowCount(), 0);
+        demo_.release();
+        QTRY_COMPARE(child<QPushButton>("searchButton")->text(), "搜索订单"_s);
+        QTEST(body("order_list_type_1"_s).section("&shopid"_s, 0, 0), "expected");
+        QVERIFY(orders()->model()->rowCount() >= 1);
+    }
+
+    void badSearchReplies_data()
+    {
+        // box: none: a toast tells
+        addColumns<QString, QJsonObject, QString>({"kind", "more", "box"});
+        newRow("refused", "refuse"_s, QJsonObject{{"message"_s, "账号已停用"_s}}, "账号已停用"_s);
+        newRow("no list", "missing-fields"_s, QJsonObject{{"fields"_s, QJsonArray{"data"_s}}},
+               "未检索到订单"_s);
+        newRow("dropped", "drop"_s, QJsonObject(), QString());
+        newRow("orders without photo sets", "missing-fields"_s,
+               QJsonObject{{"fields"_s, QJsonArray{"data.order_photo_id"_s}}}, "未检索到订单"_s);
+    }
+
+    void badSearchReplies()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QJsonObject, more);
+        QFETCH(QString, box);
+        open();
+        demo_.misbehave("order_list_type_1"_s, kind, more);
+        search(QString(), 0);
+        if (box.isEmpty())
+            QTRY_VERIFY(!Toast::currentText(window_).isEmpty());
+        else
+            EXPECT_BOXES(box);
+        search("TS10001"_s, 2);
+        search("nobody"_s, 0);
+        EXPECT_BOXES("未检索到订单"_s);
+    }
+
+    void switchesTheBranch()
+    {
+        open();
+        const auto rule = [this] {
+            return QJsonDocument::fromJson(
+                child<FJRightPanel>("rightPanel")->namingRule().toUtf8());
+        };
+        const QJsonDocument stored =
+            QJsonDocument::fromJson(AccountContext::shopList.first().goodsfoldernamerule.toUtf8());
+        QCOMPARE(rule(), stored);
+        child<QLineEdit>("keywordEdit")->setText("TS"_s);
+        QSignalSpy announced(child<FJLeftPanel>("leftPanel"), &FJLeftPanel::userInfoChange);
+        chooseBranch("102"_s);
+        QTRY_COMPARE(announced.size(), 1);
+        QCOMPARE(announced.first(), (QList<QVariant>{"102"_s, "3102"_s, "7002"_s}));
+        QTRY_VERIFY(!searchBar()->isBusy());
+        QCOMPARE(body("switch_shop"_s), "shopid=102"_s);
+        QCOMPARE(body("order_list_type_1"_s),
+                 "keyword=TS&searchtype=1&shopid=102&eid=3102&superid=7002&personid=3102"_s);
+        QCOMPARE(AccountContext::eid, "3102"_s);
+        QCOMPARE(AccountContext::superId, "7002"_s);
+        // A branch without a rule leaves the editor as it was.
+        QCOMPARE(rule(), stored);
+    }
+
+    void aRefusedSwitchKeepsTheBranch()
+    {
+        open();
+        const int before = orders()->model()->rowCount();
+        auto *branches = child<QComboBox>("branchBox");
+        demo_.refuse("switch_shop"_s, "没有权限"_s);
+        chooseBranch("102"_s);
+        EXPECT_BOXES("没有权限"_s);
+        QCOMPARE(branches->currentIndex(), 0);
+        QCOMPARE(orders()->model()->rowCount(), before);
+        QVERIFY(!searchBar()->isBusy());
+        QCOMPARE(AccountContext::eid, "3101"_s);
+    }
+
+    void aSwitchThatFailedAtOpeningCanBeTriedAgain()
+    {
+        demo_.misbehave("switch_shop"_s, "drop"_s);
+        open();
+        QCOMPARE(orders()->model()->rowCount(), 0);
+        search("TS10001"_s, 2);
+    }
+
+    void ticks()
+    {
+        open();
+        search("TS10001"_s, 2);
+        QSignalSpy selected(child<FJLeftPanel>("leftPanel"), &FJLeftPanel::orderSelected);
+        clickCell(1, Column::TickColumn);
+        QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
+        clickCell(1, Column::ManColumn);
+        QVERIFY(selected.isEmpty());
+        QTest::keyClick(orders(), Qt::Key_Space);
+        QCOMPARE(selected.takeLast(), (QList<QVariant>{1, false}));
+        // Sorted the other way round the ticks stay with their orders.
+        orders()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
+        clickCell(0, Column::TickColumn);
+        QCOMPARE(cell(0, Column::NumberColumn), "TS10001-2"_s);
+        QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
+        click("selectAllButton");
+        QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().first().serviceTimes, "2"_s);
+        QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 2);
+        click("unselectAllButton");
+        QVERIFY(child<FJLeftPanel>("leftPanel")->tickedOrders().isEmpty());
+    }
+
+    void needsADirectoryAndOrders()
+    {
+        open("下载原始档"_s);
+        QCOMPARE(child<QLabel>("directoryLabel")->text(), "未选择目录"_s);
+        click("startButton");
+        EXPECT_BOXES("请选择分件目录后再点击开始分件按钮"_s);
+        click("directoryButton"); // cancelled
+        QCOMPARE(child<QLabel>("directoryLabel")->text(), "未选择目录"_s);
+        const QString deep = folder_->filePath(QString(200, QLatin1Char('d')));
+        FileDialog::setNextFolder(deep);
+        click("directoryButton");
+        QVERIFY(child<QLabel>("directoryLabel")->text().contains("..."_s));
+        QCOMPARE(child<QLabel>("directoryLabel")->toolTip(), QDir::toNativeSeparators(deep));
+        click("startButton");
+        EXPECT_BOXES("请选择需要分件的订单"_s);
+        click("option原始档");
+        click("startButton");
+        EXPECT_BOXES("请至少勾选一项下载目录选项"_s);
+        QVERIFY(demo_.requests("orderphotodetail"_s).isEmpty());
+    }
+
+    void showsThePhotosOfAnOrder()
+    {
+        open("下载原始档"_s);
+        search("TS10001"_s, 2);
+        clickCell(0, Column::ManColumn);
+        QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (4张)  "_s);
+        QCOMPARE(child<QLabel>("downloadedLabel")->text(), "已下载:  (0张)  "_s);
+        auto *list = child<QListView>("undownloadList");
+        const QAbstractItemModelTester tester(list->model());
+        QSignalSpy changed(child<FJRightPanel>("rightPanel"),
+                           &FJRightPanel::downAndUnDownImgSelectedChange);
+        click("undownloadClearAll");
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                          list->visualRect(list->model()->index(2, 0)).center());
+        QCOMPARE(changed.size(), 2);
+
+        // What was left out is not downloaded, also when another order was shown meanwhile.
+        clickCell(1, Column::ManColumn);
+        QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (0张)  "_s);
+        clickCell(0, Column::TickColumn);
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        click("startButton");
+        EXPECT_BOXES("1个订单分件完成!"_s);
+        QCOMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (3张)  "_s);
+        QCOMPARE(child<QLabel>("downloadedLabel")->text(), "已下载:  (1张)  "_s);
+        QTRY_COMPARE(demo_.requests("download_success"_s).size(), 1);
+        const QDir made(folder_->filePath("TS10001-服务1 周子墨-林婉清 到店自取/原始档"_s));
+        QCOMPARE(made.entryList(QDir::Files), QStringList("IMG_0007.jpg"_s));
+    }
+
+    void distributesInTableOrder()
+    {
+        open();
+        search("TS10001"_s, 2);
+        orders()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
+        click("selectAllButton");
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        demo_.hold("orderphotodetail"_s);
+        demo_.clearRequests();
+        click("startButton");
+        waitUntilHeld();
+        QCOMPARE(child<QLabel>("progressLabel")->text(), "总进度 1/2  当前订单:TS10001-服务2"_s);
+        demo_.release();
+        EXPECT_BOXES("2个订单分件完成!"_s);
+        QCOMPARE(child<QLabel>("progressLabel")->text(), "总进度 2/2  当前订单:TS10001-服务1"_s);
+        QCOMPARE(body("orderphotodetail"_s),
+                 "order_photo_id=800001&shopid=101&eid=3101&superid=7001&personid=3101"_s);
+        QVERIFY(QDir(folder_->path())
+                    .exists("TS10001-服务1 周子墨-林婉清 到店自取/晨光制作厂 周子墨-林婉清"
+                            " 2026-01-15取 快递/迎宾海报=/IMG_0003.jpg"_s));
+        QVERIFY(child<QPushButton>("startButton")->text() == "开始分件"_s);
+    }
+
+    void listsWhatFailed()
+    {
+        open("下载照片交付"_s);
+        search("TS10001"_s, 2);
+        click("selectAllButton");
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        demo_.refuse("orderphotodetail"_s, "订单已锁定"_s);
+        click("startButton");
+        EXPECT_BOXES("1个订单分件完成!\n有 2 处失败，见失败记录"_s);
+        QVERIFY(child<QPlainTextEdit>("errorList")->isVisible());
+        click("copyErrorsButton");
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 "TS10001-服务1: 订单已锁定\nTS10001-服务2: 没有可下载的照片"_s);
+        // The next run begins with an empty list.
+        click("unselectAllButton");
+        clickCell(0, Column::TickColumn);
+        click("startButton");
+        EXPECT_BOXES("1个订单分件完成!"_s);
+        QVERIFY(!child<QPlainTextEdit>("errorList")->isVisible());
+    }
+
+    void nothingElseMayChangeWhileItRuns()
+    {
+        open();
+        search("TS10001"_s, 2);
+        clickCell(0, Column::TickColumn);
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        demo_.hold("orderphotodetail"_s, 2);
+        click("startButton");
+        QTRY_VERIFY(demo_.held() >= 1);
+        QCOMPARE(child<QPushButton>("startButton")->text(), "停止分件"_s);
+        const QString running = "分件中..."_s;
+        click("searchButton");
+        EXPECT_BOXES(running);
+        auto *branches = child<QComboBox>("branchBox");
+        chooseBranch("102"_s);
+        EXPECT_BOXES(running);
+        QCOMPARE(branches->currentIndex(), 0);
+        clickCell(0, Column::TickColumn);
+        QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 1);
+        QVERIFY(!child<QPushButton>("directoryButton")->isEnabled());
+        click("startButton");
+        QTRY_COMPARE(child<QPushButton>("startButton")->text(), "开始分件"_s);
+        QCOMPARE(Toast::currentText(window_), "已停止，完成 0/1 个订单"_s);
+        QVERIFY(boxes().isEmpty());
+    }
+
+    void closesWhenTheServiceHasBeenTold()
+    {
+        open();
+        search("TS10001"_s, 2);
+        clickCell(0, Column::TickColumn);
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        click("option原始档");
+        demo_.hold("download_success"_s, -1);
+        click("startButton");
+        EXPECT_BOXES("1个订单分件完成!"_s);
+        window_->close();
+        QVERIFY(window_ && !window_->isVisible()); // lives on until the service has been told
+        demo_.misbehave("download_success"_s, "none"_s);
+        demo_.release();
+        QTRY_VERIFY(!window_);
+        QCOMPARE(demo_.requests("download_success"_s).size(), 4);
+        QVERIFY(boxes().isEmpty());
+    }
 
 private:
-    void open(const QString &card = QStringLiteral("设计分件"));
-    void search(const QString &keyword, int expected);
-    template <typename Widget> Widget *child(const char *name)
+    void open(const QString &card = "设计分件"_s)
     {
-        return window_->findChild<Widget *>(QString::fromUtf8(name));
+        window_ = new FJHome;
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        window_->setCard(card);
+        window_->resize(1500, 1000);
+        window_->show();
+        QTRY_VERIFY(!searchBar()->isBusy());
     }
-    QTableView *table() { return child<QTableView>("orderTable"); }
+
+    void search(const QString &keyword, int expected)
+    {
+        auto *edit = child<QLineEdit>("keywordEdit");
+        edit->setText(keyword);
+        QTest::keyClick(edit, Qt::Key_Return);
+        QTRY_VERIFY(!searchBar()->isBusy());
+        QCOMPARE(orders()->model()->rowCount(), expected);
+    }
+
     OrderSearchBar *searchBar() { return window_->findChild<OrderSearchBar *>(); }
-    void click(const char *name)
+
+    void clickCell(int row, int column)
     {
-        QTest::mouseClick(child<QAbstractButton>(name), Qt::LeftButton);
+        QTest::mouseClick(orders()->viewport(), Qt::LeftButton, {},
+                          orders()->visualRect(orders()->model()->index(row, column)).center());
     }
-    void clickCell(int row, int column);
+
     QString cell(int row, int column)
     {
-        return table()->model()->index(row, column).data().toString();
+        return orders()->model()->index(row, column).data().toString();
     }
-    QString body(const QString &action);
-    const QStringList &boxes();
-    void waitUntilHeld() { QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1); }
 
-    DemoClient demo_;
+    QString body(const QString &action)
+    {
+        const QJsonArray sent = demo_.requests(action);
+        return sent.last()["body"_s].toString().section("&token"_s, 0, 0);
+    }
+
     std::unique_ptr<QTemporaryDir> folder_;
-    QPointer<FJHome> window_;
-    QStringList boxes_;
 };
-
-#define EXPECT_BOXES(texts)                                                                        \
-    do {                                                                                           \
-        QTRY_COMPARE(boxes(), texts);                                                              \
-        boxes_.clear();                                                                            \
-    } while (false)
-
-void TestFJHome::init()
-{
-    demo_.reset();
-    AccountContext::uid = QStringLiteral("9001");
-    AccountContext::eid = QStringLiteral("3101");
-    AccountContext::superId = QStringLiteral("7001");
-    AccountContext::shopId = QStringLiteral("101");
-    AccountContext::selectedShopId.clear();
-    const QString rule = QStringLiteral(R"([{"name":"产品名称","key":"name","separator":"="}])");
-    AccountContext::shopList = {{QStringLiteral("101"), QStringLiteral("一店"), rule, {}},
-                                {QStringLiteral("102"), QStringLiteral("二店"), {}, {}}};
-    folder_ = std::make_unique<QTemporaryDir>();
-    boxes_.clear();
-}
-
-void TestFJHome::cleanup()
-{
-    demo_.release();
-    if (window_)
-        window_->close();
-    QTRY_VERIFY(!window_);
-    diskPool()->waitForDone();
-    MessageBox::takeShown();
-}
-
-const QStringList &TestFJHome::boxes()
-{
-    const auto shown = MessageBox::takeShown();
-    for (const MessageBox::Shown &box : shown)
-        boxes_.append(box.text);
-    return boxes_;
-}
-
-void TestFJHome::open(const QString &card)
-{
-    window_ = new FJHome;
-    window_->setAttribute(Qt::WA_DeleteOnClose);
-    window_->setCard(card);
-    window_->resize(1500, 1000);
-    window_->show();
-    QTRY_VERIFY(!searchBar()->isBusy());
-}
-
-void TestFJHome::search(const QString &keyword, int expected)
-{
-    auto *edit = child<QLineEdit>("keywordEdit");
-    edit->setText(keyword);
-    QTest::keyClick(edit, Qt::Key_Return);
-    QTRY_VERIFY(!searchBar()->isBusy());
-    QCOMPARE(table()->model()->rowCount(), expected);
-}
-
-void TestFJHome::clickCell(int row, int column)
-{
-    QTest::mouseClick(table()->viewport(), Qt::LeftButton, {},
-                      table()->visualRect(table()->model()->index(row, column)).center());
-}
-
-QString TestFJHome::body(const QString &action)
-{
-    const QJsonArray sent = demo_.requests(action);
-    return sent.last()[QStringLiteral("body")].toString().section(QStringLiteral("&token"), 0, 0);
-}
-
-void TestFJHome::opensWithTheBranchsOrders_data()
-{
-    QTest::addColumn<QString>("card");
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<QString>("ticked");
-    QTest::addColumn<bool>("lists");
-    QTest::addColumn<bool>("naming");
-    const auto text = [](const char *value) { return QString::fromUtf8(value); };
-    QTest::newRow("originals") << text("下载原始档") << text("order_list") << text("原始档") << true
-                               << false;
-    QTest::newRow("selection") << text("下载选片结果") << text("order_list") << text("原图精修")
-                               << true << true;
-    QTest::newRow("distribution") << text("设计分件") << text("order_list_type_1")
-                                  << text("原图精修") << true << true;
-    QTest::newRow("delivery") << text("下载照片交付") << text("order_list") << text("原图精修")
-                              << false << false;
-}
-
-void TestFJHome::opensWithTheBranchsOrders()
-{
-    QFETCH(QString, card);
-    QFETCH(QString, action);
-    QFETCH(QString, ticked);
-    open(card);
-    QCOMPARE(window_->windowTitle(), QStringLiteral("分件工具"));
-    QCOMPARE(body(action), QStringLiteral("keyword=&searchtype=1&shopid=101&eid=3101&superid=7001"
-                                          "&personid=3101"));
-    QVERIFY(table()->model()->rowCount() > 5);
-    const QAbstractItemModelTester tester(table()->model());
-    QStringList headers;
-    for (int column = 0; column < table()->model()->columnCount(); ++column)
-        headers.append(table()->model()->headerData(column, Qt::Horizontal).toString());
-    QCOMPARE(headers,
-             QStringLiteral(",订单号,男士姓名,女士姓名,摄影师,套系,拍照日期,初修数/精修数,"
-                            "化妆师,选片师,选片日期,选片完成时间,男士电话,女士电话,订单金额")
-                 .split(QLatin1Char(',')));
-    QString checked;
-    for (const char *option : {"原始档", "原图", "简修", "简修含汰片", "精修"}) {
-        if (child<QCheckBox>((QByteArray("option") + option).constData())->isChecked())
-            checked += QString::fromUtf8(option);
-    }
-    QCOMPARE(checked, ticked);
-    QTEST(child<QListView>("undownloadList")->isVisible(), "lists");
-    QTEST(child<QPushButton>("saveRuleButton")->isVisible(), "naming");
-}
-
-void TestFJHome::searches_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("expected"); // body up to the identity
-    QTest::newRow("text") << 0 << QStringLiteral("keyword=A%26B%2BC%25&searchtype=1");
-    QTest::newRow("shooting date") << 1 << QStringLiteral("keyword=2025-10-01&searchtype=4");
-    QTest::newRow("selection date") << 2 << QStringLiteral("keyword=2025-10-08&searchtype=5");
-}
-
-void TestFJHome::searches()
-{
-    QFETCH(int, type);
-    open();
-    child<QComboBox>("searchTypeBox")->setCurrentIndex(type);
-    child<QLineEdit>("keywordEdit")->setText(QStringLiteral("A&B+C%"));
-    QVERIFY(child<QLineEdit>("keywordEdit")->isVisible() == (type == 0));
-    child<DatePicker>("shootingDate")->choose({2025, 10, 1});
-    child<DatePicker>("selectionDate")->choose({2025, 10, 8});
-    demo_.misbehave(QStringLiteral("order_list_type_1"), QStringLiteral("hold"));
-    click("searchButton");
-    waitUntilHeld();
-    QCOMPARE(child<QPushButton>("searchButton")->text(), QStringLiteral("搜索中..."));
-    QVERIFY(!child<QPushButton>("searchButton")->isEnabled());
-    QCOMPARE(table()->model()->rowCount(), 0);
-    demo_.release();
-    QTRY_COMPARE(child<QPushButton>("searchButton")->text(), QStringLiteral("搜索订单"));
-    QTEST(body(QStringLiteral("order_list_type_1")).section(QStringLiteral("&shopid"), 0, 0),
-          "expected");
-    QVERIFY(table()->model()->rowCount() >= 1);
-}
-
-void TestFJHome::badSearchReplies_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QJsonObject>("more");
-    QTest::addColumn<QString>("box"); // none: a toast tells
-    const auto text = [](const char *value) { return QString::fromUtf8(value); };
-    QTest::newRow("refused") << text("refuse") << QJsonObject{{text("message"), text("账号已停用")}}
-                             << text("账号已停用");
-    QTest::newRow("no list") << text("missing-fields")
-                             << QJsonObject{{text("fields"), QJsonArray{text("data")}}}
-                             << text("未检索到订单");
-    QTest::newRow("dropped") << text("drop") << QJsonObject() << QString();
-    QTest::newRow("orders without photo sets")
-        << text("missing-fields")
-        << QJsonObject{{text("fields"), QJsonArray{text("data.order_photo_id")}}}
-        << text("未检索到订单");
-}
-
-void TestFJHome::badSearchReplies()
-{
-    QFETCH(QString, kind);
-    QFETCH(QJsonObject, more);
-    QFETCH(QString, box);
-    open();
-    demo_.misbehave(QStringLiteral("order_list_type_1"), kind, more);
-    search(QString(), 0);
-    if (box.isEmpty())
-        QTRY_VERIFY(!Toast::currentText(window_).isEmpty());
-    else
-        EXPECT_BOXES(QStringList(box));
-    search(QStringLiteral("TS10001"), 2);
-    search(QStringLiteral("nobody"), 0);
-    EXPECT_BOXES(QStringList(QStringLiteral("未检索到订单")));
-}
-
-void TestFJHome::switchesTheBranch()
-{
-    open();
-    const auto rule = [this] {
-        return QJsonDocument::fromJson(child<FJRightPanel>("rightPanel")->namingRule().toUtf8());
-    };
-    const QJsonDocument stored =
-        QJsonDocument::fromJson(AccountContext::shopList.first().goodsfoldernamerule.toUtf8());
-    QCOMPARE(rule(), stored);
-    auto *branches = child<QComboBox>("branchBox");
-    child<QLineEdit>("keywordEdit")->setText(QStringLiteral("TS"));
-    QSignalSpy announced(child<FJLeftPanel>("leftPanel"), &FJLeftPanel::userInfoChange);
-    branches->setCurrentIndex(1);
-    emit branches->activated(1);
-    QTRY_COMPARE(announced.size(), 1);
-    QCOMPARE(announced.first(), (QList<QVariant>{QStringLiteral("102"), QStringLiteral("3102"),
-                                                 QStringLiteral("7002")}));
-    QTRY_VERIFY(!searchBar()->isBusy());
-    QCOMPARE(body(QStringLiteral("switch_shop")), QStringLiteral("shopid=102"));
-    QCOMPARE(
-        body(QStringLiteral("order_list_type_1")),
-        QStringLiteral("keyword=TS&searchtype=1&shopid=102&eid=3102&superid=7002&personid=3102"));
-    QCOMPARE(AccountContext::eid, QStringLiteral("3102"));
-    QCOMPARE(AccountContext::superId, QStringLiteral("7002"));
-    // A branch without a rule leaves the editor as it was.
-    QCOMPARE(rule(), stored);
-}
-
-void TestFJHome::aRefusedSwitchKeepsTheBranch()
-{
-    open();
-    const int before = table()->model()->rowCount();
-    auto *branches = child<QComboBox>("branchBox");
-    demo_.misbehave(QStringLiteral("switch_shop"), QStringLiteral("refuse"),
-                    {{QStringLiteral("message"), QStringLiteral("没有权限")}});
-    branches->setCurrentIndex(1);
-    emit branches->activated(1);
-    EXPECT_BOXES(QStringList(QStringLiteral("没有权限")));
-    QCOMPARE(branches->currentIndex(), 0);
-    QCOMPARE(table()->model()->rowCount(), before);
-    QVERIFY(!searchBar()->isBusy());
-    QCOMPARE(AccountContext::eid, QStringLiteral("3101"));
-}
-
-void TestFJHome::aSwitchThatFailedAtOpeningCanBeTriedAgain()
-{
-    demo_.misbehave(QStringLiteral("switch_shop"), QStringLiteral("drop"));
-    open();
-    QCOMPARE(table()->model()->rowCount(), 0);
-    search(QStringLiteral("TS10001"), 2);
-}
-
-void TestFJHome::ticks()
-{
-    open();
-    search(QStringLiteral("TS10001"), 2);
-    QSignalSpy selected(child<FJLeftPanel>("leftPanel"), &FJLeftPanel::orderSelected);
-    clickCell(1, Column::TickColumn);
-    QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
-    clickCell(1, Column::ManColumn);
-    QVERIFY(selected.isEmpty());
-    QTest::keyClick(table(), Qt::Key_Space);
-    QCOMPARE(selected.takeLast(), (QList<QVariant>{1, false}));
-    // Sorted the other way round the ticks stay with their orders.
-    table()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
-    clickCell(0, Column::TickColumn);
-    QCOMPARE(cell(0, Column::NumberColumn), QStringLiteral("TS10001-2"));
-    QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
-    click("selectAllButton");
-    QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().first().serviceTimes,
-             QStringLiteral("2"));
-    QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 2);
-    click("unselectAllButton");
-    QVERIFY(child<FJLeftPanel>("leftPanel")->tickedOrders().isEmpty());
-}
-
-void TestFJHome::needsADirectoryAndOrders()
-{
-    open(QStringLiteral("下载原始档"));
-    QCOMPARE(child<QLabel>("directoryLabel")->text(), QStringLiteral("未选择目录"));
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("请选择分件目录后再点击开始分件按钮")));
-    click("directoryButton"); // cancelled
-    QCOMPARE(child<QLabel>("directoryLabel")->text(), QStringLiteral("未选择目录"));
-    const QString deep = folder_->filePath(QString(200, QLatin1Char('d')));
-    FileDialog::setNextFolder(deep);
-    click("directoryButton");
-    QVERIFY(child<QLabel>("directoryLabel")->text().contains(QStringLiteral("...")));
-    QCOMPARE(child<QLabel>("directoryLabel")->toolTip(), QDir::toNativeSeparators(deep));
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("请选择需要分件的订单")));
-    click("option原始档");
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("请至少勾选一项下载目录选项")));
-    QVERIFY(demo_.requests(QStringLiteral("orderphotodetail")).isEmpty());
-}
-
-void TestFJHome::showsThePhotosOfAnOrder()
-{
-    open(QStringLiteral("下载原始档"));
-    search(QStringLiteral("TS10001"), 2);
-    clickCell(0, Column::ManColumn);
-    QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), QStringLiteral("未下载:  (4张)  "));
-    QCOMPARE(child<QLabel>("downloadedLabel")->text(), QStringLiteral("已下载:  (0张)  "));
-    auto *list = child<QListView>("undownloadList");
-    const QAbstractItemModelTester tester(list->model());
-    QSignalSpy changed(child<FJRightPanel>("rightPanel"),
-                       &FJRightPanel::downAndUnDownImgSelectedChange);
-    click("undownloadClearAll");
-    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                      list->visualRect(list->model()->index(2, 0)).center());
-    QCOMPARE(changed.size(), 2);
-
-    // What was left out is not downloaded, also when another order was shown meanwhile.
-    clickCell(1, Column::ManColumn);
-    QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), QStringLiteral("未下载:  (0张)  "));
-    clickCell(0, Column::TickColumn);
-    FileDialog::setNextFolder(folder_->path());
-    click("directoryButton");
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("1个订单分件完成!")));
-    QCOMPARE(child<QLabel>("undownloadLabel")->text(), QStringLiteral("未下载:  (3张)  "));
-    QCOMPARE(child<QLabel>("downloadedLabel")->text(), QStringLiteral("已下载:  (1张)  "));
-    QTRY_COMPARE(demo_.requests(QStringLiteral("download_success")).size(), 1);
-    const QDir made(
-        folder_->filePath(QStringLiteral("TS10001-服务1 周子墨-林婉清 到店自取/原始档")));
-    QCOMPARE(made.entryList(QDir::Files), QStringList(QStringLiteral("IMG_0007.jpg")));
-}
-
-void TestFJHome::distributesInTableOrder()
-{
-    open();
-    search(QStringLiteral("TS10001"), 2);
-    table()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
-    click("selectAllButton");
-    FileDialog::setNextFolder(folder_->path());
-    click("directoryButton");
-    demo_.misbehave(QStringLiteral("orderphotodetail"), QStringLiteral("hold"));
-    demo_.clearRequests();
-    click("startButton");
-    waitUntilHeld();
-    QCOMPARE(child<QLabel>("progressLabel")->text(),
-             QStringLiteral("总进度 1/2  当前订单:TS10001-服务2"));
-    demo_.release();
-    EXPECT_BOXES(QStringList(QStringLiteral("2个订单分件完成!")));
-    QCOMPARE(child<QLabel>("progressLabel")->text(),
-             QStringLiteral("总进度 2/2  当前订单:TS10001-服务1"));
-    QCOMPARE(
-        body(QStringLiteral("orderphotodetail")),
-        QStringLiteral("order_photo_id=800001&shopid=101&eid=3101&superid=7001&personid=3101"));
-    QVERIFY(
-        QDir(folder_->path())
-            .exists(QStringLiteral("TS10001-服务1 周子墨-林婉清 到店自取/晨光制作厂 周子墨-林婉清"
-                                   " 2026-01-15取 快递/迎宾海报=/IMG_0003.jpg")));
-    QVERIFY(child<QPushButton>("startButton")->text() == QStringLiteral("开始分件"));
-}
-
-void TestFJHome::listsWhatFailed()
-{
-    open(QStringLiteral("下载照片交付"));
-    search(QStringLiteral("TS10001"), 2);
-    click("selectAllButton");
-    FileDialog::setNextFolder(folder_->path());
-    click("directoryButton");
-    demo_.misbehave(QStringLiteral("orderphotodetail"), QStringLiteral("refuse"),
-                    {{QStringLiteral("message"), QStringLiteral("订单已锁定")}});
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("1个订单分件完成!\n有 2 处失败，见失败记录")));
-    QVERIFY(child<QPlainTextEdit>("errorList")->isVisible());
-    click("copyErrorsButton");
-    QCOMPARE(QGuiApplication::clipboard()->text(),
-             QStringLiteral("TS10001-服务1: 订单已锁定\nTS10001-服务2: 没有可下载的照片"));
-    // The next run begins with an empty list.
-    click("unselectAllButton");
-    clickCell(0, Column::TickColumn);
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("1个订单分件完成!")));
-    QVERIFY(!child<QPlainTextEdit>("errorList")->isVisible());
-}
-
-void TestFJHome::nothingElseMayChangeWhileItRuns()
-{
-    open();
-    search(QStringLiteral("TS10001"), 2);
-    clickCell(0, Column::TickColumn);
-    FileDialog::setNextFolder(folder_->path());
-    click("directoryButton");
-    demo_.misbehave(QStringLiteral("orderphotodetail"), QStringLiteral("hold"),
-                    {{QStringLiteral("times"), 2}});
-    click("startButton");
-    QTRY_VERIFY(demo_.state().value(QStringLiteral("held")).toInt() >= 1);
-    QCOMPARE(child<QPushButton>("startButton")->text(), QStringLiteral("停止分件"));
-    const QString running = QStringLiteral("分件中...");
-    click("searchButton");
-    EXPECT_BOXES(QStringList(running));
-    auto *branches = child<QComboBox>("branchBox");
-    branches->setCurrentIndex(1);
-    emit branches->activated(1);
-    EXPECT_BOXES(QStringList(running));
-    QCOMPARE(branches->currentIndex(), 0);
-    clickCell(0, Column::TickColumn);
-    QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 1);
-    QVERIFY(!child<QPushButton>("directoryButton")->isEnabled());
-    click("startButton");
-    QTRY_COMPARE(child<QPushButton>("startButton")->text(), QStringLiteral("开始分件"));
-    QCOMPARE(Toast::currentText(window_), QStringLiteral("已停止，完成 0/1 个订单"));
-    QVERIFY(boxes().isEmpty());
-}
-
-void TestFJHome::closesWhenTheServiceHasBeenTold()
-{
-    open();
-    search(QStringLiteral("TS10001"), 2);
-    clickCell(0, Column::TickColumn);
-    FileDialog::setNextFolder(folder_->path());
-    click("directoryButton");
-    click("option原始档");
-    demo_.misbehave(QStringLiteral("download_success"), QStringLiteral("hold"),
-                    {{QStringLiteral("times"), -1}});
-    click("startButton");
-    EXPECT_BOXES(QStringList(QStringLiteral("1个订单分件完成!")));
-    window_->close();
-    QVERIFY(window_ && !window_->isVisible()); // lives on until the service has been told
-    demo_.misbehave(QStringLiteral("download_success"), QStringLiteral("none"));
-    demo_.release();
-    QTRY_VERIFY(!window_);
-    QCOMPARE(demo_.requests(QStringLiteral("download_success")).size(), 4);
-    QVERIFY(boxes().isEmpty());
-}
 
 QTEST_MAIN(TestFJHome)
 #include "test_fjhome.moc"

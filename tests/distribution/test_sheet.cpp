@@ -1,8 +1,10 @@
 #include "distribution/foldernames.h"
 #include "distribution/productionsheet.h"
 #include "distribution/sheethtml.h"
+#include "tests/support/files.h"
 #include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
+#include "tests/support/text.h"
 
 #include <QDir>
 #include <QProcess>
@@ -21,7 +23,7 @@ QString s(const char *text)
 DetailPhoto photo(int number)
 {
     DetailPhoto made;
-    made.imgName = QStringLiteral("I#%1 100%.jpg").arg(number);
+    made.imgName = "I#%1 100%.jpg"_s.arg(number);
     return made;
 }
 
@@ -41,9 +43,9 @@ void set(OrderDetail *detail, const char *key, const QString &value)
 }
 
 /// Every picture is there, unless \a missing matches its path.
-SheetInput input(const OrderDetail &detail, const QString &missing = s("^$"))
+SheetInput input(const OrderDetail &detail, const QString &missing = "^$"_s)
 {
-    return {detail, s("/o #1"), QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)),
+    return {detail, "/o #1"_s, QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)),
             [missing](const QString &path) {
                 return path.contains(QRegularExpression(missing)) ? QSize() : QSize(90, 60);
             }};
@@ -71,14 +73,6 @@ QByteArray output(const char *program, const QStringList &arguments)
     return process.readAllStandardOutput();
 }
 
-void write(const QString &path, const QByteArray &bytes)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64(bytes.size()));
-}
-
 } // namespace
 
 class TestSheet : public QObject
@@ -86,241 +80,262 @@ class TestSheet : public QObject
     Q_OBJECT
 
 private slots:
-    void sections();
-    void orderValues();
-    void markupIsText();
-    void sevenPhotosMakeTwoRows();
-    void setsSpanTheirParts();
-    void totals();
-    void pictures();
-    void markedPhotos();
-    void printed_data();
-    void printed();
-    void notPrinted();
-    void fullDisk();
-};
-
-void TestSheet::sections()
-{
-    OrderDetail detail;
-    detail.shopName = s("店");
-    detail.shopDisclaimer = s("声明\n二");
-    detail.images = {photo(1), photo(2)};
-    detail.imagesRudi = {photo(3)};
-    const QString sheet = html(detail);
-    int at = 0;
-    for (const char *piece : {"<HTML><head>",
-                              "content=\"text/html; charset=gb232\"",
-                              "content=\"zh-cn\"",
-                              "<title></title>",
-                              "margin-left: 0px",
-                              "<span class=\"style1\">店</span>",
-                              "%E6%9D%A1%E5%BD%A2%E7%A0%81.jpg",
-                              "订单号:",
-                              "收件人姓名:",
-                              "总体要求",
-                              "消费要求",
-                              "调修要求",
-                              "指定制作",
-                              "color: #FF0000;\">加急件：",
-                              "color: #000000;\">普通件：",
-                              "已选张数 （2张）",
-                              "入底张数 （1张）",
-                              "声明<br>二",
-                              "选片人：",
-                              "核单员：___________",
-                              "收发人：___________",
-                              "客人确认签名：___________",
-                              "font-size: 12px;\">2026-01-02 03:04:05",
-                              "</body></HTML>"}) {
-        const int found = sheet.indexOf(s(piece), at);
-        QVERIFY2(found >= 0, piece);
-        at = found;
+    void sections()
+    {
+        OrderDetail detail;
+        detail.shopName = "店"_s;
+        detail.shopDisclaimer = "声明\n二"_s;
+        detail.images = {photo(1), photo(2)};
+        detail.imagesRudi = {photo(3)};
+        const QString sheet = html(detail);
+        int at = 0;
+        for (const char *piece : {"<HTML><head>",
+                                  "content=\"text/html; charset=gb232\"",
+                                  "content=\"zh-cn\"",
+                                  "<title></title>",
+                                  "margin-left: 0px",
+                                  "<span class=\"style1\">店</span>",
+                                  "%E6%9D%A1%E5%BD%A2%E7%A0%81.jpg",
+                                  "订单号:",
+                                  "收件人姓名:",
+                                  "总体要求",
+                                  "消费要求",
+                                  "调修要求",
+                                  "指定制作",
+                                  "color: #FF0000;\">加急件：",
+                                  "color: #000000;\">普通件：",
+                                  "已选张数 （2张）",
+                                  "入底张数 （1张）",
+                                  "声明<br>二",
+                                  "选片人：",
+                                  "核单员：___________",
+                                  "收发人：___________",
+                                  "客人确认签名：___________",
+                                  "font-size: 12px;\">2026-01-02 03:04:05",
+                                  "</body></HTML>"}) {
+            const int found = sheet.indexOf(s(piece), at);
+            QVERIFY2(found >= 0, piece);
+            at = found;
+        }
+        QVERIFY(between(sheet, "加急件", "普通件")
+                    .contains("<td width=\"20%\" align=\"center\">制作要求"_s));
+        QVERIFY(between(sheet, "普通件", "总计")
+                    .contains("<td width=\"25%\" align=\"center\">制作要求"_s));
     }
-    QVERIFY(between(sheet, "加急件", "普通件")
-                .contains(s("<td width=\"20%\" align=\"center\">制作要求")));
-    QVERIFY(between(sheet, "普通件", "总计")
-                .contains(s("<td width=\"25%\" align=\"center\">制作要求")));
-}
 
-void TestSheet::orderValues()
-{
-    OrderDetail detail;
-    for (const auto &[key, value] : {std::pair{"orderpayforkey", "TS1"},
-                                     {"servicetimes", "2"},
-                                     {"servicecount", "3"},
-                                     {"mname", "李"},
-                                     {"selectphotodate", "5-1"},
-                                     {"samplestarttime", "10"},
-                                     {"samplestartmin", "30"},
-                                     {"comparedate", "6-1"},
-                                     {"kanbanarea", "上午"},
-                                     {"getphotoarea", "下午"},
-                                     {"isurgenttime", "7-1"},
-                                     {"urgentdatearea", "早"},
-                                     {"recipients", "王"},
-                                     {"provinceid", "云"},
-                                     {"cityid", "临"},
-                                     {"countyid", "东"},
-                                     {"areaname", "花"},
-                                     {"address", "8号"}})
-        set(&detail, key, s(value));
-    set(&detail, "getphotodate_html",
-        s("8-1<br><b style='x'>周&lt;四</b><img src='http://x/y'><script>z()</script>"));
-    const QString sheet = html(detail);
-    for (const char *piece :
-         {"<td colspan=\"4\" class=\"td_thin\">订单号:TS1(服务次:2/3)</td>", ">男士:李</td>",
-          ">选片日期:5-1 10:30:00</td>", ">看版日期:6-1 上午</td>",
-          ">发货日期:下午 8-1<br>周&lt;四</td>", "加急件：7-1 早", "地址：云临东花8号"})
-        QVERIFY2(sheet.contains(s(piece)), piece);
-    const QString block = between(sheet, "订单号", "收件人姓名");
-    QCOMPARE(block.count(s("<td width=\"25%\" class=\"td_thin\">")), 44);
-    QCOMPARE(block.count(s("<tr><td width=\"25%\"")), 11);
-    QVERIFY(block.contains(s("转档师:</td><td width=\"25%\" class=\"td_thin\"></td>")));
-}
+    void orderValues()
+    {
+        OrderDetail detail;
+        for (const auto &[key, value] : {std::pair{"orderpayforkey", "TS1"},
+                                         {"servicetimes", "2"},
+                                         {"servicecount", "3"},
+                                         {"mname", "李"},
+                                         {"selectphotodate", "5-1"},
+                                         {"samplestarttime", "10"},
+                                         {"samplestartmin", "30"},
+                                         {"comparedate", "6-1"},
+                                         {"kanbanarea", "上午"},
+                                         {"getphotoarea", "下午"},
+                                         {"isurgenttime", "7-1"},
+                                         {"urgentdatearea", "早"},
+                                         {"recipients", "王"},
+                                         {"provinceid", "云"},
+                                         {"cityid", "临"},
+                                         {"countyid", "东"},
+                                         {"areaname", "花"},
+                                         {"address", "8号"}})
+            set(&detail, key, s(value));
+        set(&detail, "getphotodate_html",
+            "8-1<br><b style='x'>周&lt;四</b><img src='http://x/y'><script>z()</script>"_s);
+        const QString sheet = html(detail);
+        for (const char *piece :
+             {"<td colspan=\"4\" class=\"td_thin\">订单号:TS1(服务次:2/3)</td>", ">男士:李</td>",
+              ">选片日期:5-1 10:30:00</td>", ">看版日期:6-1 上午</td>",
+              ">发货日期:下午 8-1<br>周&lt;四</td>", "加急件：7-1 早", "地址：云临东花8号"})
+            QVERIFY2(sheet.contains(s(piece)), piece);
+        const QString block = between(sheet, "订单号", "收件人姓名");
+        QCOMPARE(block.count("<td width=\"25%\" class=\"td_thin\">"_s), 44);
+        QCOMPARE(block.count("<tr><td width=\"25%\""_s), 11);
+        QVERIFY(block.contains("转档师:</td><td width=\"25%\" class=\"td_thin\"></td>"_s));
+    }
 
-/// No value may bring markup along, wherever it stands.
-void TestSheet::markupIsText()
-{
-    const QString hostile = s("<b>&\"\r\n'</td>");
-    OrderDetail detail;
-    for (const char *key : {"orderpayforkey", "mname", "orderdescr", "consumption_statement",
-                            "orderpicdescr", "selectphotoname", "role12name", "pickuptime",
-                            "isurgenttime", "recipients", "getphotoarea"})
-        set(&detail, key, hostile);
-    detail.shopName = detail.shopDisclaimer = hostile;
-    DetailProduct one = product("a", 1);
-    one.goodName = one.goodTypeName = one.goodPageNumber = one.pNum = one.goodAmount = one.descr =
-        one.authRemark = one.goodRemark = one.imgs.first().imgName = hostile;
-    detail.goods = {one};
-    DetailPhoto marked = photo(1);
-    marked.remarks = QStringList{hostile};
-    detail.imagesBiaoji = {marked};
-    const QString sheet = html(detail);
-    QVERIFY(!sheet.contains(s("<b>")));
-    QVERIFY(!sheet.contains(s("'</td>")));
-    QCOMPARE(sheet.count(s("&lt;b&gt;&amp;&quot;<br>'&lt;/td&gt;")), 24);
-}
+    /// No value may bring markup along, wherever it stands.
+    void markupIsText()
+    {
+        const QString hostile = "<b>&\"\r\n'</td>"_s;
+        OrderDetail detail;
+        for (const char *key : {"orderpayforkey", "mname", "orderdescr", "consumption_statement",
+                                "orderpicdescr", "selectphotoname", "role12name", "pickuptime",
+                                "isurgenttime", "recipients", "getphotoarea"})
+            set(&detail, key, hostile);
+        detail.shopName = detail.shopDisclaimer = hostile;
+        DetailProduct one = product("a", 1);
+        one.goodName = one.goodTypeName = one.goodPageNumber = one.pNum = one.goodAmount =
+            one.descr = one.authRemark = one.goodRemark = one.imgs.first().imgName = hostile;
+        detail.goods = {one};
+        DetailPhoto marked = photo(1);
+        marked.remarks = QStringList{hostile};
+        detail.imagesBiaoji = {marked};
+        const QString sheet = html(detail);
+        QVERIFY(!sheet.contains("<b>"_s));
+        QVERIFY(!sheet.contains("'</td>"_s));
+        QCOMPARE(sheet.count("&lt;b&gt;&amp;&quot;<br>'&lt;/td&gt;"_s), 24);
+    }
 
-void TestSheet::sevenPhotosMakeTwoRows()
-{
-    OrderDetail detail;
-    detail.goods = {product("册", 7)};
-    const QString photos = between(html(detail), "<td colspan=\"10\"><table", "总计");
-    QStringList rows = photos.split(s("<tr>"));
-    QCOMPARE(rows.size(), 4); // before the first, two rows, the total's
-    QCOMPARE(rows.at(1).count(s("<td width=\"16.67%\"")), 6);
-    QCOMPARE(rows.at(1).count(s("width=\"83\" height=\"83\"")), 6);
-    QCOMPARE(rows.at(2).count(s("<td width=\"16.67%\"")), 6);
-    QCOMPARE(rows.at(2).count(s("<img")), 1);
-    QCOMPARE(rows.at(2).count(s("valign=\"top\"></td>")), 5);
-    QVERIFY(rows.at(2).contains(s("<span class=\"style3\">I#6 100%.jpg</span>")));
-}
+    void sevenPhotosMakeTwoRows()
+    {
+        OrderDetail detail;
+        detail.goods = {product("册", 7)};
+        const QString photos = between(html(detail), "<td colspan=\"10\"><table", "总计");
+        QStringList rows = photos.split("<tr>"_s);
+        QCOMPARE(rows.size(), 4); // before the first, two rows, the total's
+        QCOMPARE(rows.at(1).count("<td width=\"16.67%\""_s), 6);
+        QCOMPARE(rows.at(1).count("width=\"83\" height=\"83\""_s), 6);
+        QCOMPARE(rows.at(2).count("<td width=\"16.67%\""_s), 6);
+        QCOMPARE(rows.at(2).count("<img"_s), 1);
+        QCOMPARE(rows.at(2).count("valign=\"top\"></td>"_s), 5);
+        QVERIFY(rows.at(2).contains("<span class=\"style3\">I#6 100%.jpg</span>"_s));
+    }
 
-void TestSheet::setsSpanTheirParts()
-{
-    OrderDetail detail;
-    DetailProduct withParts = product("套", 1);
-    withParts.sonGood = {product("甲", 2), product("乙", 0)};
-    DetailProduct likeASet = product("框", 1);
-    likeASet.goodTypeId = s("40");
-    detail.urgentGoods = {product("急", 1)};
-    detail.goods = {withParts, likeASet, product("册", 1)};
-    const QString sheet = html(detail);
-    QVERIFY(between(sheet, "加急件", "普通件").contains(s("<td align=\"center\">1</td>")));
-    const QString normal = between(sheet, "普通件", "总计");
-    QVERIFY(normal.contains(
-        s("<tr><td align=\"center\" rowspan=\"3\">2</td><td><span class=\"style2\">套")));
-    QVERIFY(normal.contains(s("<tr><td><span class=\"style2\">甲")));
-    QVERIFY(normal.contains(s("<tr><td><span class=\"style2\">乙")));
-    QVERIFY(normal.contains(s("rowspan=\"1\">3</td><td><span class=\"style2\">框")));
-    QVERIFY(normal.contains(s("<td align=\"center\">4</td><td><span class=\"style2\">册")));
-    QCOMPARE(normal.count(s("<img")), 5);
-}
+    void setsSpanTheirParts()
+    {
+        OrderDetail detail;
+        DetailProduct withParts = product("套", 1);
+        withParts.sonGood = {product("甲", 2), product("乙", 0)};
+        DetailProduct likeASet = product("框", 1);
+        likeASet.goodTypeId = "40"_s;
+        detail.urgentGoods = {product("急", 1)};
+        detail.goods = {withParts, likeASet, product("册", 1)};
+        const QString sheet = html(detail);
+        QVERIFY(between(sheet, "加急件", "普通件").contains("<td align=\"center\">1</td>"_s));
+        const QString normal = between(sheet, "普通件", "总计");
+        QVERIFY(normal.contains(
+            "<tr><td align=\"center\" rowspan=\"3\">2</td><td><span class=\"style2\">套"_s));
+        QVERIFY(normal.contains("<tr><td><span class=\"style2\">甲"_s));
+        QVERIFY(normal.contains("<tr><td><span class=\"style2\">乙"_s));
+        QVERIFY(normal.contains("rowspan=\"1\">3</td><td><span class=\"style2\">框"_s));
+        QVERIFY(normal.contains("<td align=\"center\">4</td><td><span class=\"style2\">册"_s));
+        QCOMPARE(normal.count("<img"_s), 5);
+    }
 
-void TestSheet::totals()
-{
-    OrderDetail detail;
-    DetailProduct withParts = product("套", 1);
-    withParts.sonGood = {product("甲", 2)};
-    detail.goods = {product("空", 0), withParts, product("册", 4)};
-    const QString sheet = html(detail);
-    QVERIFY(sheet.contains(s("<td>总计</td><td colspan=\"9\">产品总数:0件, 选中总张数共0张</td>")));
-    QVERIFY(sheet.contains(s("<td>总计</td><td colspan=\"9\">产品总数:3件, 选中总张数共7张</td>")));
-    // Nobody chose photos for it: it stands behind the others, under a heading.
-    QVERIFY(sheet.indexOf(s("未操作产品")) > sheet.indexOf(s("册</span>")));
-    QVERIFY(sheet.indexOf(s(">空</span>")) > sheet.indexOf(s("未操作产品")));
-}
+    void totals()
+    {
+        OrderDetail detail;
+        DetailProduct withParts = product("套", 1);
+        withParts.sonGood = {product("甲", 2)};
+        detail.goods = {product("空", 0), withParts, product("册", 4)};
+        const QString sheet = html(detail);
+        QVERIFY(
+            sheet.contains("<td>总计</td><td colspan=\"9\">产品总数:0件, 选中总张数共0张</td>"_s));
+        QVERIFY(
+            sheet.contains("<td>总计</td><td colspan=\"9\">产品总数:3件, 选中总张数共7张</td>"_s));
+        // Nobody chose photos for it: it stands behind the others, under a heading.
+        QVERIFY(sheet.indexOf("未操作产品"_s) > sheet.indexOf("册</span>"_s));
+        QVERIFY(sheet.indexOf(">空</span>"_s) > sheet.indexOf("未操作产品"_s));
+    }
 
-void TestSheet::pictures()
-{
-    OrderDetail detail;
-    detail.goods = {product("册", 2)};
-    detail.goods.first().imgs.first().croppingImgUrl = s("http://x");
-    detail.images = {photo(7)};
-    const QString thumbnails = s("file:///o%20%231/%E7%BC%A9%E7%95%A5%E5%9B%BE/I%23");
-    const QString sheet = html(detail);
-    QVERIFY(sheet.contains(s("file:///o%20%231/%E8%A3%81%E5%89%AA/%E5%86%8C_I%230%20100%25.jpg")));
-    QVERIFY(sheet.contains(thumbnails + s("1%20100%25.jpg")));
-    QVERIFY(sheet.contains(thumbnails + s("7%20100%25.jpg#square\" width=\"150\" height=\"150\"")));
+    void pictures()
+    {
+        OrderDetail detail;
+        detail.goods = {product("册", 2)};
+        detail.goods.first().imgs.first().croppingImgUrl = "http://x"_s;
+        detail.images = {photo(7)};
+        const QString thumbnails = "file:///o%20%231/%E7%BC%A9%E7%95%A5%E5%9B%BE/I%23"_s;
+        const QString sheet = html(detail);
+        QVERIFY(
+            sheet.contains("file:///o%20%231/%E8%A3%81%E5%89%AA/%E5%86%8C_I%230%20100%25.jpg"_s));
+        QVERIFY(sheet.contains(thumbnails + "1%20100%25.jpg"_s));
+        QVERIFY(
+            sheet.contains(thumbnails + "7%20100%25.jpg#square\" width=\"150\" height=\"150\""_s));
 
-    QVERIFY(sheetHtml(input(detail, s("裁剪"))).contains(thumbnails + s("0%20100%25.jpg")));
-    const QString without = sheetHtml(input(detail, s(".")));
-    QVERIFY(!without.contains(s("<img")));
-    QVERIFY(without.contains(s("<td width=\"20%\" align=\"center\" valign=\"top\"></td>")));
-}
+        QVERIFY(sheetHtml(input(detail, "裁剪"_s)).contains(thumbnails + "0%20100%25.jpg"_s));
+        const QString without = sheetHtml(input(detail, "."_s));
+        QVERIFY(!without.contains("<img"_s));
+        QVERIFY(without.contains("<td width=\"20%\" align=\"center\" valign=\"top\"></td>"_s));
+    }
 
-void TestSheet::markedPhotos()
-{
-    OrderDetail detail;
-    DetailPhoto marked = photo(1);
-    marked.remarks = QStringList{s("瘦脸"), s("去斑\n提亮")};
-    detail.imagesBiaoji = {marked};
-    const QString table = between(html(detail), "调修要求", "指定制作");
-    QVERIFY(table.contains(s("width=\"120\" height=\"120\"")));
-    QVERIFY(table.contains(s("/%E6%A0%87%E8%AE%B0/I%231%20100%25.jpg")));
-    QVERIFY(table.contains(s("<li>1. 瘦脸</li><li>2. 去斑<br>提亮</li>")));
-}
+    void markedPhotos()
+    {
+        OrderDetail detail;
+        DetailPhoto marked = photo(1);
+        marked.remarks = QStringList{"瘦脸"_s, "去斑\n提亮"_s};
+        detail.imagesBiaoji = {marked};
+        const QString table = between(html(detail), "调修要求", "指定制作");
+        QVERIFY(table.contains("width=\"120\" height=\"120\""_s));
+        QVERIFY(table.contains("/%E6%A0%87%E8%AE%B0/I%231%20100%25.jpg"_s));
+        QVERIFY(table.contains("<li>1. 瘦脸</li><li>2. 去斑<br>提亮</li>"_s));
+    }
 
-void TestSheet::printed_data()
-{
-    QTest::addColumn<int>("lines");
-    // Shifts everything below, so that each page ends somewhere else.
-    for (int lines = 1; lines <= 41; lines += 4)
-        QTest::addRow("%d lines", lines) << lines;
-}
+    void printed_data()
+    {
+        QTest::addColumn<int>("lines");
+        // Shifts everything below, so that each page ends somewhere else.
+        for (int lines = 1; lines <= 41; lines += 4)
+            QTest::addRow("%d lines", lines) << lines;
+    }
+
+    void printed();
+
+    void notPrinted()
+    {
+        const QTemporaryDir root;
+        QCOMPARE(printProductionSheet({}, root.filePath("none"_s)), "明细制作单.pdf生成失败"_s);
+        const QString pdf = root.filePath("明细制作单.pdf"_s);
+        writeFile(pdf, "old");
+        QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner));
+        QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
+        QCOMPARE(readFile(pdf), QByteArray("old"));
+        QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(printProductionSheet({}, root.path()).isEmpty());
+    }
+
+    void fullDisk()
+    {
+        const QTemporaryDir root;
+        const SmallDisk disk(root.path(), 1);
+        if (!disk.isMounted())
+            QSKIP("Mounting a disk of our own needs the rights to do so.");
+        QFile filler(root.filePath("filler"_s));
+        QVERIFY(filler.open(QIODevice::WriteOnly));
+        while (filler.write(QByteArray(1000, 'x')) == 1000 && filler.flush()) {
+        }
+        filler.close();
+        QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
+        QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"filler"_s});
+    }
+};
 
 /// Read back: whatever a page's end cuts is painted on both pages.
 void TestSheet::printed()
 {
     QFETCH(int, lines);
     const QTemporaryDir root;
-    const QString folder = root.filePath(s("TS #1 100% &amp; \"中\"/单"));
+    const QString folder = root.filePath("TS #1 100% &amp; \"中\"/单"_s);
     OrderDetail detail;
     QStringList description;
     for (int line = 0; line < lines; ++line)
-        description.append(QStringLiteral("Q%1Q").arg(line));
+        description.append("Q%1Q"_s.arg(line));
     set(&detail, "orderdescr", description.join(QLatin1Char('\n')));
     constexpr int chosen = 40;
     for (int number = 0; number < chosen; ++number) {
         detail.images.append(photo(number));
-        detail.images.last().imgName = QStringLiteral("P%1P#%.jpg").arg(number);
-        write(folder + s("/缩略图/") + detail.images.last().imgName,
-              jpegOf(cornerPicture(number % 3 ? QSize(90, 60) : QSize(60, 90))));
+        detail.images.last().imgName = "P%1P#%.jpg"_s.arg(number);
+        writeFile(folder + "/缩略图/"_s + detail.images.last().imgName,
+                  jpegOf(cornerPicture(number % 3 ? QSize(90, 60) : QSize(60, 90))));
     }
     detail.goods = {product("A", 0), product("B", 0)};
     detail.goods[0].imgs = detail.images.mid(0, 13);
     detail.goods[1].imgs = detail.images.mid(13, 26);
-    detail.goods[1].goodRemark = s("R1R\nR2R\nR3R\nR4R\nR5R\nR6R");
-    write(folder + s("/其他/条形码.jpg"), jpegOf(cornerPicture(QSize(2000, 600))));
+    detail.goods[1].goodRemark = "R1R\nR2R\nR3R\nR4R\nR5R\nR6R"_s;
+    writeFile(folder + "/其他/条形码.jpg"_s, jpegOf(cornerPicture(QSize(2000, 600))));
 
     QCOMPARE(QtConcurrent::run([&] { return printProductionSheet(detail, folder); }).result(),
              QString());
-    const QString pdf = folder + s("/明细制作单.pdf");
+    const QString pdf = folder + "/明细制作单.pdf"_s;
     const QByteArray info = output("pdfinfo", {pdf});
     QVERIFY2(info.contains("Page size:       595 x 842 pts (A4)"), info.constData());
     QVERIFY(!info.contains("Pages:           1\n"));
-    const QList<QByteArray> images = output("pdfimages", {s("-list"), pdf}).split('\n');
+    const QList<QByteArray> images = output("pdfimages", {"-list"_s, pdf}).split('\n');
     // Two lines of heading, one end; the photo that is in no product is shown once.
     QCOMPARE(images.size() - 3, 1 + chosen + chosen - 1);
     QVERIFY2(images.at(2).simplified().split(' ').at(3).toInt() <= 450, images.at(2).constData());
@@ -334,25 +349,25 @@ void TestSheet::printed()
     }
     for (auto page = smallPictures.cbegin(); page != smallPictures.cend(); ++page) {
         const QString number = QString::number(page.key());
-        QCOMPARE(output("pdftotext", {s("-f"), number, s("-l"), number, pdf, s("-")}).count("P#%"),
+        QCOMPARE(output("pdftotext", {"-f"_s, number, "-l"_s, number, pdf, "-"_s}).count("P#%"),
                  page.value());
     }
 
-    const QString text = QString::fromUtf8(output("pdftotext", {pdf, s("-")}));
+    const QString text = QString::fromUtf8(output("pdftotext", {pdf, "-"_s}));
     for (int line = 0; line < lines; ++line)
-        QCOMPARE(text.count(QStringLiteral("Q%1Q").arg(line)), 1);
+        QCOMPARE(text.count("Q%1Q"_s.arg(line)), 1);
     for (int number = 0; number < chosen - 1; ++number)
-        QCOMPARE(text.count(QStringLiteral("P%1P#%.jpg").arg(number)), 1);
+        QCOMPARE(text.count("P%1P#%.jpg"_s.arg(number)), 1);
     // A product's row is whole and on the page of its first photos.
     const QStringList pages = text.split(QLatin1Char('\f'));
-    const QStringList withProduct = pages.filter(s("R1R"));
+    const QStringList withProduct = pages.filter("R1R"_s);
     QCOMPARE(withProduct.size(), 1);
     for (const char *piece : {"R2R", "R3R", "R4R", "R5R", "R6R", "P13P#"})
         QCOMPARE(withProduct.first().count(s(piece)), 1);
 
-    const QString boxes = QString::fromUtf8(output("pdftotext", {s("-bbox"), pdf, s("-")}));
-    QRegularExpression word(s("<word xMin=\"([-.0-9]+)\" yMin=\"([-.0-9]+)\" xMax=\"([-.0-9]+)\""
-                              " yMax=\"([-.0-9]+)\">"));
+    const QString boxes = QString::fromUtf8(output("pdftotext", {"-bbox"_s, pdf, "-"_s}));
+    QRegularExpression word("<word xMin=\"([-.0-9]+)\" yMin=\"([-.0-9]+)\" xMax=\"([-.0-9]+)\""
+                            " yMax=\"([-.0-9]+)\">"_s);
     double leftmost = 1000;
     for (auto found = word.globalMatch(boxes); found.hasNext();) {
         const QRegularExpressionMatch box = found.next();
@@ -362,36 +377,6 @@ void TestSheet::printed()
     }
     QVERIFY2(leftmost < 10, qPrintable(QString::number(leftmost)));
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 1);
-}
-
-void TestSheet::notPrinted()
-{
-    const QTemporaryDir root;
-    QCOMPARE(printProductionSheet({}, root.filePath(s("none"))), s("明细制作单.pdf生成失败"));
-    const QString pdf = root.filePath(s("明细制作单.pdf"));
-    write(pdf, "old");
-    QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner));
-    QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
-    QFile kept(pdf);
-    QVERIFY(kept.open(QIODevice::ReadOnly));
-    QCOMPARE(kept.readAll(), QByteArray("old"));
-    QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner | QFile::WriteOwner));
-    QVERIFY(printProductionSheet({}, root.path()).isEmpty());
-}
-
-void TestSheet::fullDisk()
-{
-    const QTemporaryDir root;
-    const SmallDisk disk(root.path(), 1);
-    if (!disk.isMounted())
-        QSKIP("Mounting a disk of our own needs the rights to do so.");
-    QFile filler(root.filePath(s("filler")));
-    QVERIFY(filler.open(QIODevice::WriteOnly));
-    while (filler.write(QByteArray(1000, 'x')) == 1000 && filler.flush()) {
-    }
-    filler.close();
-    QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
-    QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden), QStringList{s("filler")});
 }
 
 QTEST_MAIN(TestSheet)

@@ -3,6 +3,8 @@
 #include "fileimport/importrecords.h"
 #include "fileimport/originalrequests.h"
 #include "net/servicecall.h"
+#include "tests/support/files.h"
+#include "tests/support/text.h"
 
 #include <QFile>
 #include <QtTest>
@@ -11,12 +13,12 @@
 inline originalrequests::OrderMap firstOrder()
 {
     ImportOrder order;
-    order.id = QStringLiteral("50001");
-    order.orderPhotoId = QStringLiteral("800001");
-    order.orderPayForKey = QStringLiteral("TS10001");
-    order.serviceTimes = QStringLiteral("1");
-    order.delyp = QStringLiteral("1");
-    return originalrequests::orderMap(order, QStringLiteral("101"));
+    order.id = "50001"_s;
+    order.orderPhotoId = "800001"_s;
+    order.orderPayForKey = "TS10001"_s;
+    order.serviceTimes = "1"_s;
+    order.delyp = "1"_s;
+    return originalrequests::orderMap(order, "101"_s);
 }
 
 inline ServiceReply ask(const QString &action, const QByteArray &body)
@@ -36,10 +38,8 @@ inline ServiceReply ask(const QString &action, const QByteArray &body)
 /// Writes the file and puts it on the order's books.
 inline void registerFile(const QString &path, const QByteArray &content)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-        qFatal("fixture not written");
-    ask(QStringLiteral("&m=order&a=savepicpath"),
+    writeFile(path, content);
+    ask("&m=order&a=savepicpath"_s,
         originalrequests::listBody(firstOrder(), {}) + "&path=" + QUrl::toPercentEncoding(path));
 }
 

@@ -2,8 +2,11 @@
 #include "fileimport/importrun.h"
 #include "net/background.h"
 #include "platform/pathform.h"
+#include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
+#include "tests/support/files.h"
 #include "tests/support/smalldisk.h"
+#include "tests/support/text.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -13,7 +16,7 @@
 
 namespace {
 
-const QString batch = QStringLiteral("savepicpath_batch");
+const QString batch = "savepicpath_batch"_s;
 
 } // namespace
 
@@ -24,40 +27,368 @@ class TestImportRun : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void importsOneOrderAfterTheOther();
-    void failuresAreCountedAndTheRunGoesOn();
-    void aSecondStartFinishesAHalfDoneOrder();
-    void retryOutsideARunRegistersItsOrderAlone();
-    void retryWhileItsOrderIsRegisteredRegistersAgain();
-    void stopLeavesWaitingAndCancelledFiles();
-    void stopWhileRegisteringLeavesTheOrderUnregistered();
-    void failedRegistrations_data();
-    void failedRegistrations();
-    void aFolderThatCannotBeListedIsNotAnnounced();
-    void aFullDiskFailsWhatDoesNotFit();
-    void aShareThatGoesAwayFailsTheFilesAndAsks();
-    void aMismatchEndsTheRun();
-    void startWithNothingToDo();
+    void init()
+    {
+        demo_.reset();
+        AccountContext::uid = "9001"_s;
+        card_ = std::make_unique<QTemporaryDir>();
+        run_ = std::make_unique<ImportRun>(ImportMode::Originals);
+        shown_.clear();
+        registered_.clear();
+        unregistered_.clear();
+        questions_.clear();
+        notices_.clear();
+        allImported_ = 0;
+        connect(run_.get(), &ImportRun::fileChanged, this,
+                [this](const QString &orderId, const ImportFile &file) {
+                    ImportFile &own = shown_[orderId].files[file.fileIndex];
+                    own.state = file.state;
+                    own.message = file.message;
+                });
+        connect(run_.get(), &ImportRun::orderStateChanged, this,
+                [this](const QString &orderId, PhotoState state) {
+                    shown_[orderId].photoState = state;
+                });
+        connect(run_.get(), &ImportRun::orderRegistered, this,
+                [this](const QString &orderId) { registered_ += orderId; });
+        connect(run_.get(), &ImportRun::orderLeftUnregistered, this,
+                [this](const QString &orderId) { unregistered_ += orderId; });
+        connect(run_.get(), &ImportRun::resubmitNeeded, this,
+                [this](const QString &, const QString &question) { questions_ += question; });
+        connect(run_.get(), &ImportRun::mismatchFound, this,
+                [this](const QString &, const QString &notice) { notices_ += notice; });
+        connect(run_.get(), &ImportRun::allImported, this, [this] { ++allImported_; });
+    }
+
+    void cleanup()
+    {
+        demo_.release();
+        run_.reset();
+        diskPool()->waitForDone();
+    }
+
+    void importsOneOrderAfterTheOther()
+    {
+        const ImportOrder first = makeOrder(0, 9);
+        const ImportOrder without = makeOrder(1, 0);
+        const ImportOrder second = makeOrder(2, 4);
+        start({first, without, second});
+        QTRY_COMPARE(allImported_, 1);
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(registered_, (QStringList{first.id, second.id}));
+        QCOMPARE(states(first.id).count(ImportFile::Imported), 9);
+        QVERIFY(shown_[first.id].photoState == PhotoState::Done);
+        QCOMPARE(namesOnDisk(first.id, "原片"_s).size(), 7);
+        QCOMPARE(namesOnDisk(first.id, "原始档"_s).size(), 2);
+        // The folder is told when the first file lies there, then once per order what it holds.
+        QTRY_COMPARE(requests("saveorderphotopath"_s), 2);
+        QCOMPARE(requests(batch), 2);
+        const QJsonObject state = demo_.state().value("orders"_s).toArray().at(0).toObject();
+        QCOMPARE(state.value("yuanpian"_s).toArray().size(), 7);
+        QCOMPARE(state.value("yuanshidang"_s).toArray().size(), 2);
+    }
+
+    void failuresAreCountedAndTheRunGoesOn()
+    {
+        const ImportOrder first = makeOrder(0, 3);
+        const ImportOrder second = makeOrder(2, 1);
+        removeSource(first.id, 1);
+        start({first, second});
+        QTRY_COMPARE(allImported_, 1);
+        QCOMPARE(states(first.id), (QList<int>{1, 2, 1}));
+        QCOMPARE(shown_[first.id].files.at(1).message,
+                 "原文件不存在: %1"_s.arg(sourceOf(first.id, 1)));
+        QCOMPARE(photoStateText(shown_[first.id]), "成功:2, 失败:1"_s);
+        QCOMPARE(registered_, (QStringList{first.id, second.id}));
+    }
+
+    void aSecondStartFinishesAHalfDoneOrder()
+    {
+        const ImportOrder order = makeOrder(0, 3);
+        removeSource(order.id, 0);
+        start({order});
+        QTRY_COMPARE(allImported_, 1);
+        restoreSource(order.id, 0);
+        start({shown_[order.id]});
+        QTRY_COMPARE(allImported_, 2);
+        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QCOMPARE(requests(batch), 2);
+        QVERIFY(!run_->start({shown_[order.id]}, identity_));
+    }
+
+    void retryOutsideARunRegistersItsOrderAlone()
+    {
+        const ImportOrder order = makeOrder(0, 3);
+        const ImportOrder other = makeOrder(2, 2);
+        removeSource(order.id, 1);
+        removeSource(order.id, 2);
+        start({order});
+        QTRY_COMPARE(allImported_, 1);
+        demo_.clearRequests();
+        restoreSource(order.id, 1);
+        restoreSource(order.id, 2);
+
+        run_->retry(shown_[order.id], 1, identity_);
+        QVERIFY(run_->hasLiveTasks());
+        run_->retry(shown_[order.id], 1, identity_); // pressed twice: one copy
+        QTRY_COMPARE(requests(batch), 1);
+        QTRY_VERIFY(!run_->isBusy());
+        QCOMPARE(photoStateText(shown_[order.id]), "成功:2, 失败:1"_s);
+        run_->retry(shown_[order.id], 2, identity_);
+        QTRY_COMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QTRY_VERIFY(!run_->isBusy());
+        QCOMPARE(registered_, (QStringList{order.id, order.id, order.id}));
+        QCOMPARE(allImported_, 1);
+        QCOMPARE(states(other.id), (QList<int>{0, 0}));
+    }
+
+    void retryWhileItsOrderIsRegisteredRegistersAgain()
+    {
+        const ImportOrder order = makeOrder(0, 2);
+        removeSource(order.id, 1);
+        demo_.hold(batch);
+        start({order});
+        QTRY_COMPARE(demo_.held(), 1);
+        restoreSource(order.id, 1);
+        run_->retry(shown_[order.id], 1, identity_);
+        QTRY_COMPARE(allImported_, 1);
+        QTRY_VERIFY(!run_->isBusy());
+        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        const QJsonObject last = demo_.requests(batch).last().toObject();
+        QVERIFY(last.value("body"_s).toString().contains(order.id + "_1.jpg"_s));
+    }
+
+    void stopLeavesWaitingAndCancelledFiles()
+    {
+        const ImportOrder order = makeOrder(0, 100);
+        start({order});
+        run_->stopAllImports(); // before the interface thread has seen any result
+        QVERIFY(!run_->isRunning());
+        QTRY_VERIFY(!run_->hasLiveTasks());
+        const QList<int> after = states(order.id);
+        const int imported = after.count(ImportFile::Imported);
+        const int failed = after.count(ImportFile::Failed);
+        QVERIFY(after.count(ImportFile::Waiting) >= 36); // never given to the pool
+        for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
+            if (file.state == ImportFile::Failed)
+                QCOMPARE(file.message, "任务已取消"_s);
+        }
+        QCOMPARE(photoStateText(shown_[order.id]), "成功:%0, 失败:%1"_s.arg(imported).arg(failed));
+        demo_.state(); // a round trip
+        QCOMPARE(requests(batch), 0);
+        QCOMPARE(requests("saveorderphotopath"_s), 0);
+        QVERIFY(registered_.isEmpty());
+
+        start({shown_[order.id]});
+        QTRY_COMPARE(allImported_, 1);
+        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QCOMPARE(requests(batch), 1);
+    }
+
+    void stopWhileRegisteringLeavesTheOrderUnregistered()
+    {
+        const ImportOrder first = makeOrder(0, 2);
+        const ImportOrder second = makeOrder(2, 2);
+        demo_.hold(batch);
+        start({first, second});
+        QTRY_COMPARE(demo_.held(), 1);
+        run_->stopAllImports();
+        demo_.release();
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(unregistered_, QStringList(first.id));
+        QVERIFY(shown_[first.id].photoState == PhotoState::Failed);
+        QCOMPARE(states(second.id), (QList<int>{0, 0}));
+
+        run_->registerAgain(shown_[first.id], identity_);
+        QTRY_COMPARE(registered_, QStringList(first.id));
+        QVERIFY(shown_[first.id].photoState == PhotoState::Done);
+        QVERIFY(!run_->isBusy());
+    }
+
+    void failedRegistrations_data()
+    {
+        addColumns<QString, QString>({"kind", "question"});
+        const QString network = "网络不好，是否重新提交？如果取消，会停止导入。"_s;
+        for (const char *kind : {"drop", "html", "array", "empty", "http-error", "truncated-utf8"})
+            newRow(kind, QString::fromLatin1(kind), network);
+        newRow("refuse", "refuse", "不行 是否重新提交?");
+        newRow("code-number", "code-number", QString());
+    }
+
+    void failedRegistrations()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, question);
+        const ImportOrder first = makeOrder(0, 2);
+        const ImportOrder second = makeOrder(2, 1);
+        demo_.misbehave(batch, kind, {{"times"_s, 2}, {"message"_s, "不行"_s}});
+        start({first, second});
+        QTRY_COMPARE(questions_.size(), 1);
+        if (!question.isEmpty())
+            QCOMPARE(questions_.first(), question);
+        QVERIFY(questions_.first().contains("是否重新提交"_s));
+        run_->answerResubmit(first.id, true);
+        QTRY_COMPARE(questions_.size(), 2);
+        QVERIFY(run_->isRunning());
+        run_->answerResubmit(first.id, true);
+        QTRY_COMPARE(allImported_, 1);
+        QCOMPARE(registered_, (QStringList{first.id, second.id}));
+
+        demo_.misbehave(batch, kind);
+        run_->registerAgain(shown_[first.id], identity_);
+        QTRY_COMPARE(questions_.size(), 3);
+        run_->answerResubmit(first.id, false);
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(unregistered_, QStringList(first.id));
+    }
+
+    void aFolderThatCannotBeListedIsNotAnnounced()
+    {
+        const ImportOrder order = makeOrder(0, 1);
+        demo_.misbehave(batch, "drop"_s);
+        start({order});
+        QTRY_COMPARE(questions_.size(), 1);
+        demo_.clearRequests();
+        QVERIFY(QDir(platform::toLocalPath(order.importPath)).removeRecursively());
+        run_->answerResubmit(order.id, true);
+        QTRY_COMPARE(questions_.size(), 2);
+        QVERIFY(questions_.last().startsWith("导片目录无法访问: "_s));
+        QCOMPARE(requests(batch), 0);
+        run_->answerResubmit(order.id, false);
+        QVERIFY(!run_->isRunning());
+    }
+
+    void aFullDiskFailsWhatDoesNotFit()
+    {
+        const QString folder = card_->filePath("disk"_s);
+        SmallDisk disk(folder, 1);
+        if (!disk.isMounted())
+            QSKIP("mounting a small disk needs administrator rights");
+        constexpr int photoBytes = 300 * 1024;
+        const ImportOrder order = makeOrder(0, 7, photoBytes, folder);
+        start({order});
+        QTRY_COMPARE(allImported_, 1);
+        int imported = 0;
+        for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
+            imported += file.state == ImportFile::Imported;
+            if (file.state != ImportFile::Imported)
+                QCOMPARE(file.message, "文件拷贝失败(可能是磁盘已满或权限受限)"_s);
+        }
+        QVERIFY(imported >= 1 && imported <= 3);
+        // What lies there is whole, and only what is whole was announced.
+        const QStringList found = filesBelow(folder);
+        QCOMPARE(found.size(), imported);
+        for (const QString &photo : found)
+            QVERIFY(QFileInfo(folder + "/"_s + photo).size() >= photoBytes);
+        QVERIFY(notices_.isEmpty());
+    }
+
+    void aShareThatGoesAwayFailsTheFilesAndAsks()
+    {
+        const QString folder = card_->filePath("disk"_s);
+        SmallDisk disk(folder, 4);
+        if (!disk.isMounted())
+            QSKIP("mounting a small disk needs administrator rights");
+        const ImportOrder order = makeOrder(0, 5, 1000, folder);
+        disk.vanish();
+        start({order});
+        QTRY_COMPARE(questions_.size(), 1);
+        QVERIFY(questions_.first().startsWith("导片目录无法访问: "_s));
+        QCOMPARE(states(order.id).count(ImportFile::Failed), 5);
+        QCOMPARE(requests(batch), 0);
+        run_->answerResubmit(order.id, false);
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(unregistered_, QStringList(order.id));
+    }
+
+    void aMismatchEndsTheRun()
+    {
+        const ImportOrder first = makeOrder(0, 2);
+        const ImportOrder second = makeOrder(2, 1);
+        demo_.misbehave(batch, "missing-fields"_s, {{"fields"_s, QJsonArray{"server_imgnames"_s}}});
+        start({first, second});
+        QTRY_COMPARE(notices_.size(), 1);
+        QVERIFY(notices_.first().contains(first.id + "_1.jpg"_s));
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(states(second.id), QList<int>{0});
+        QCOMPARE(allImported_, 0);
+    }
+
+    void startWithNothingToDo()
+    {
+        QVERIFY(!run_->start({}, identity_));
+        QVERIFY(!run_->start({makeOrder(0, 0)}, identity_));
+        QVERIFY(!run_->isRunning());
+        run_->stopAllImports();
+        QVERIFY(!run_->isBusy());
+    }
 
 private:
     /// An order of the demo studio with \a count readable files;
-    ImportOrder makeOrder(int number, int count, int bytes = 1000, const QString &folder = {});
-    void start(const QVector<ImportOrder> &orders);
-    void removeSource(const QString &orderId, int index);
-    void restoreSource(const QString &orderId, int index);
+    ImportOrder makeOrder(int number, int count, int bytes = 1000, const QString &folder = {})
+    {
+        const QJsonArray known = demo_.state().value("orders"_s).toArray();
+        const QJsonObject studios = known.at(number).toObject();
+        ImportOrder order;
+        order.id = studios.value("id"_s).toString();
+        order.orderPhotoId = studios.value("order_photo_id"_s).toString();
+        order.orderPayForKey = studios.value("orderpayforkey"_s).toString();
+        order.serviceTimes = studios.value("servicetimes"_s).toString();
+        const QString share = demo_.share();
+        order.importPath = folder.isEmpty() ? QString(share + "/test/"_s + order.id) : folder;
+        order.importPath.replace(QLatin1Char('/'), QLatin1Char('\\'));
+        ChoiceRequest request;
+        request.importPath = order.importPath;
+        request.orderIndex = number;
+        for (int index = 0; index < count; ++index) {
+            const QString photo =
+                writeFile(card_->filePath("%1_%2.%3"_s.arg(order.id).arg(index).arg(
+                              index % 4 == 3 ? "cr2"_s : "jpg"_s)),
+                          QByteArray(bytes + index, 'p'));
+            request.paths.append(photo);
+        }
+        order.files = prepareChoice(request).files;
+        order.photoState = PhotoState::Chosen;
+        shown_.insert(order.id, order);
+        return order;
+    }
+
+    void start(const QVector<ImportOrder> &orders) { QVERIFY(run_->start(orders, identity_)); }
+
+    void removeSource(const QString &orderId, int index)
+    {
+        QVERIFY(QFile::rename(sourceOf(orderId, index), sourceOf(orderId, index) + ".away"_s));
+    }
+
+    void restoreSource(const QString &orderId, int index)
+    {
+        QVERIFY(QFile::rename(sourceOf(orderId, index) + ".away"_s, sourceOf(orderId, index)));
+    }
+
     QString sourceOf(const QString &orderId, int index)
     {
         return shown_[orderId].files[index].sourcePath;
     }
-    QList<int> states(const QString &orderId);
-    QStringList namesOnDisk(const QString &orderId, const QString &subFolder);
+
+    QList<int> states(const QString &orderId)
+    {
+        QList<int> states;
+        for (const ImportFile &file : qAsConst(shown_[orderId].files))
+            states.append(file.state);
+        return states;
+    }
+
+    QStringList namesOnDisk(const QString &orderId, const QString &subFolder)
+    {
+        return QDir(platform::toLocalPath(shown_[orderId].importPath) + QLatin1Char('/') +
+                    subFolder)
+            .entryList(QDir::Files | QDir::Hidden, QDir::Name);
+    }
+
     int requests(const QString &action) { return demo_.requests(action).size(); }
 
     DemoClient demo_;
-    orderqueries::Identity identity_{QStringLiteral("101"), QStringLiteral("7001"),
-                                     QStringLiteral("3101")};
+    orderqueries::Identity identity_{"101"_s, "7001"_s, "3101"_s};
     std::unique_ptr<QTemporaryDir> card_;
     std::unique_ptr<ImportRun> run_;
     QHash<QString, ImportOrder> shown_;
@@ -67,376 +398,6 @@ private:
     QStringList notices_;
     int allImported_ = 0;
 };
-
-void TestImportRun::init()
-{
-    demo_.reset();
-    AccountContext::uid = QStringLiteral("9001");
-    card_ = std::make_unique<QTemporaryDir>();
-    run_ = std::make_unique<ImportRun>(ImportMode::Originals);
-    shown_.clear();
-    registered_.clear();
-    unregistered_.clear();
-    questions_.clear();
-    notices_.clear();
-    allImported_ = 0;
-    connect(run_.get(), &ImportRun::fileChanged, this,
-            [this](const QString &orderId, const ImportFile &file) {
-                ImportFile &own = shown_[orderId].files[file.fileIndex];
-                own.state = file.state;
-                own.message = file.message;
-            });
-    connect(
-        run_.get(), &ImportRun::orderStateChanged, this,
-        [this](const QString &orderId, PhotoState state) { shown_[orderId].photoState = state; });
-    connect(run_.get(), &ImportRun::orderRegistered, this,
-            [this](const QString &orderId) { registered_ += orderId; });
-    connect(run_.get(), &ImportRun::orderLeftUnregistered, this,
-            [this](const QString &orderId) { unregistered_ += orderId; });
-    connect(run_.get(), &ImportRun::resubmitNeeded, this,
-            [this](const QString &, const QString &question) { questions_ += question; });
-    connect(run_.get(), &ImportRun::mismatchFound, this,
-            [this](const QString &, const QString &notice) { notices_ += notice; });
-    connect(run_.get(), &ImportRun::allImported, this, [this] { ++allImported_; });
-}
-
-void TestImportRun::cleanup()
-{
-    demo_.release();
-    run_.reset();
-    diskPool()->waitForDone();
-}
-
-ImportOrder TestImportRun::makeOrder(int number, int count, int bytes, const QString &folder)
-{
-    const QJsonArray known = demo_.state().value(QStringLiteral("orders")).toArray();
-    const QJsonObject studios = known.at(number).toObject();
-    ImportOrder order;
-    order.id = studios.value(QStringLiteral("id")).toString();
-    order.orderPhotoId = studios.value(QStringLiteral("order_photo_id")).toString();
-    order.orderPayForKey = studios.value(QStringLiteral("orderpayforkey")).toString();
-    order.serviceTimes = studios.value(QStringLiteral("servicetimes")).toString();
-    const QString share = demo_.state().value(QStringLiteral("share")).toString();
-    order.importPath =
-        folder.isEmpty() ? QString(share + QStringLiteral("/test/") + order.id) : folder;
-    order.importPath.replace(QLatin1Char('/'), QLatin1Char('\\'));
-    ChoiceRequest request;
-    request.importPath = order.importPath;
-    request.orderIndex = number;
-    for (int index = 0; index < count; ++index) {
-        QFile photo(card_->filePath(
-            QStringLiteral("%1_%2.%3")
-                .arg(order.id)
-                .arg(index)
-                .arg(index % 4 == 3 ? QStringLiteral("cr2") : QStringLiteral("jpg"))));
-        if (!photo.open(QIODevice::WriteOnly) || photo.write(QByteArray(bytes + index, 'p')) < 0)
-            qFatal("fixture not written");
-        request.paths.append(photo.fileName());
-    }
-    order.files = prepareChoice(request).files;
-    order.photoState = PhotoState::Chosen;
-    shown_.insert(order.id, order);
-    return order;
-}
-
-void TestImportRun::start(const QVector<ImportOrder> &orders)
-{
-    QVERIFY(run_->start(orders, identity_));
-}
-
-void TestImportRun::removeSource(const QString &orderId, int index)
-{
-    QVERIFY(QFile::rename(sourceOf(orderId, index),
-                          sourceOf(orderId, index) + QStringLiteral(".away")));
-}
-
-void TestImportRun::restoreSource(const QString &orderId, int index)
-{
-    QVERIFY(QFile::rename(sourceOf(orderId, index) + QStringLiteral(".away"),
-                          sourceOf(orderId, index)));
-}
-
-QList<int> TestImportRun::states(const QString &orderId)
-{
-    QList<int> states;
-    for (const ImportFile &file : qAsConst(shown_[orderId].files))
-        states.append(file.state);
-    return states;
-}
-
-QStringList TestImportRun::namesOnDisk(const QString &orderId, const QString &subFolder)
-{
-    return QDir(platform::toLocalPath(shown_[orderId].importPath) + QLatin1Char('/') + subFolder)
-        .entryList(QDir::Files | QDir::Hidden, QDir::Name);
-}
-
-void TestImportRun::importsOneOrderAfterTheOther()
-{
-    const ImportOrder first = makeOrder(0, 9);
-    const ImportOrder without = makeOrder(1, 0);
-    const ImportOrder second = makeOrder(2, 4);
-    start({first, without, second});
-    QTRY_COMPARE(allImported_, 1);
-    QVERIFY(!run_->isBusy());
-    QCOMPARE(registered_, (QStringList{first.id, second.id}));
-    QCOMPARE(states(first.id).count(ImportFile::Imported), 9);
-    QVERIFY(shown_[first.id].photoState == PhotoState::Done);
-    QCOMPARE(namesOnDisk(first.id, QStringLiteral("原片")).size(), 7);
-    QCOMPARE(namesOnDisk(first.id, QStringLiteral("原始档")).size(), 2);
-    // The folder is told when the first file lies there, then once per order what it holds.
-    QTRY_COMPARE(requests(QStringLiteral("saveorderphotopath")), 2);
-    QCOMPARE(requests(batch), 2);
-    const QJsonObject state =
-        demo_.state().value(QStringLiteral("orders")).toArray().at(0).toObject();
-    QCOMPARE(state.value(QStringLiteral("yuanpian")).toArray().size(), 7);
-    QCOMPARE(state.value(QStringLiteral("yuanshidang")).toArray().size(), 2);
-}
-
-void TestImportRun::failuresAreCountedAndTheRunGoesOn()
-{
-    const ImportOrder first = makeOrder(0, 3);
-    const ImportOrder second = makeOrder(2, 1);
-    removeSource(first.id, 1);
-    start({first, second});
-    QTRY_COMPARE(allImported_, 1);
-    QCOMPARE(states(first.id), (QList<int>{1, 2, 1}));
-    QCOMPARE(shown_[first.id].files.at(1).message,
-             QStringLiteral("原文件不存在: %1").arg(sourceOf(first.id, 1)));
-    QCOMPARE(photoStateText(shown_[first.id]), QStringLiteral("成功:2, 失败:1"));
-    QCOMPARE(registered_, (QStringList{first.id, second.id}));
-}
-
-void TestImportRun::aSecondStartFinishesAHalfDoneOrder()
-{
-    const ImportOrder order = makeOrder(0, 3);
-    removeSource(order.id, 0);
-    start({order});
-    QTRY_COMPARE(allImported_, 1);
-    restoreSource(order.id, 0);
-    start({shown_[order.id]});
-    QTRY_COMPARE(allImported_, 2);
-    QCOMPARE(photoStateText(shown_[order.id]), QStringLiteral("导入完成"));
-    QCOMPARE(requests(batch), 2);
-    QVERIFY(!run_->start({shown_[order.id]}, identity_));
-}
-
-void TestImportRun::retryOutsideARunRegistersItsOrderAlone()
-{
-    const ImportOrder order = makeOrder(0, 3);
-    const ImportOrder other = makeOrder(2, 2);
-    removeSource(order.id, 1);
-    removeSource(order.id, 2);
-    start({order});
-    QTRY_COMPARE(allImported_, 1);
-    demo_.clearRequests();
-    restoreSource(order.id, 1);
-    restoreSource(order.id, 2);
-
-    run_->retry(shown_[order.id], 1, identity_);
-    QVERIFY(run_->hasLiveTasks());
-    run_->retry(shown_[order.id], 1, identity_); // pressed twice: one copy
-    QTRY_COMPARE(requests(batch), 1);
-    QTRY_VERIFY(!run_->isBusy());
-    QCOMPARE(photoStateText(shown_[order.id]), QStringLiteral("成功:2, 失败:1"));
-    run_->retry(shown_[order.id], 2, identity_);
-    QTRY_COMPARE(photoStateText(shown_[order.id]), QStringLiteral("导入完成"));
-    QTRY_VERIFY(!run_->isBusy());
-    QCOMPARE(registered_, (QStringList{order.id, order.id, order.id}));
-    QCOMPARE(allImported_, 1);
-    QCOMPARE(states(other.id), (QList<int>{0, 0}));
-}
-
-void TestImportRun::retryWhileItsOrderIsRegisteredRegistersAgain()
-{
-    const ImportOrder order = makeOrder(0, 2);
-    removeSource(order.id, 1);
-    demo_.misbehave(batch, QStringLiteral("hold"));
-    start({order});
-    QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
-    restoreSource(order.id, 1);
-    run_->retry(shown_[order.id], 1, identity_);
-    QTRY_COMPARE(allImported_, 1);
-    QTRY_VERIFY(!run_->isBusy());
-    QCOMPARE(photoStateText(shown_[order.id]), QStringLiteral("导入完成"));
-    const QJsonObject last = demo_.requests(batch).last().toObject();
-    QVERIFY(last.value(QStringLiteral("body"))
-                .toString()
-                .contains(order.id + QStringLiteral("_1.jpg")));
-}
-
-void TestImportRun::stopLeavesWaitingAndCancelledFiles()
-{
-    const ImportOrder order = makeOrder(0, 100);
-    start({order});
-    run_->stopAllImports(); // before the interface thread has seen any result
-    QVERIFY(!run_->isRunning());
-    QTRY_VERIFY(!run_->hasLiveTasks());
-    const QList<int> after = states(order.id);
-    const int imported = after.count(ImportFile::Imported);
-    const int failed = after.count(ImportFile::Failed);
-    QVERIFY(after.count(ImportFile::Waiting) >= 36); // never given to the pool
-    for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
-        if (file.state == ImportFile::Failed)
-            QCOMPARE(file.message, QStringLiteral("任务已取消"));
-    }
-    QCOMPARE(photoStateText(shown_[order.id]),
-             QStringLiteral("成功:%0, 失败:%1").arg(imported).arg(failed));
-    demo_.state(); // a round trip
-    QCOMPARE(requests(batch), 0);
-    QCOMPARE(requests(QStringLiteral("saveorderphotopath")), 0);
-    QVERIFY(registered_.isEmpty());
-
-    start({shown_[order.id]});
-    QTRY_COMPARE(allImported_, 1);
-    QCOMPARE(photoStateText(shown_[order.id]), QStringLiteral("导入完成"));
-    QCOMPARE(requests(batch), 1);
-}
-
-void TestImportRun::stopWhileRegisteringLeavesTheOrderUnregistered()
-{
-    const ImportOrder first = makeOrder(0, 2);
-    const ImportOrder second = makeOrder(2, 2);
-    demo_.misbehave(batch, QStringLiteral("hold"));
-    start({first, second});
-    QTRY_COMPARE(demo_.state().value(QStringLiteral("held")).toInt(), 1);
-    run_->stopAllImports();
-    demo_.release();
-    QVERIFY(!run_->isBusy());
-    QCOMPARE(unregistered_, QStringList(first.id));
-    QVERIFY(shown_[first.id].photoState == PhotoState::Failed);
-    QCOMPARE(states(second.id), (QList<int>{0, 0}));
-
-    run_->registerAgain(shown_[first.id], identity_);
-    QTRY_COMPARE(registered_, QStringList(first.id));
-    QVERIFY(shown_[first.id].photoState == PhotoState::Done);
-    QVERIFY(!run_->isBusy());
-}
-
-void TestImportRun::failedRegistrations_data()
-{
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<QString>("question");
-    const QString network = QStringLiteral("网络不好，是否重新提交？如果取消，会停止导入。");
-    for (const char *kind : {"drop", "html", "array", "empty", "http-error", "truncated-utf8"})
-        QTest::newRow(kind) << QString::fromLatin1(kind) << network;
-    QTest::newRow("refuse") << "refuse"
-                            << "不行 是否重新提交?";
-    QTest::newRow("code-number") << "code-number" << QString();
-}
-
-void TestImportRun::failedRegistrations()
-{
-    QFETCH(QString, kind);
-    QFETCH(QString, question);
-    const ImportOrder first = makeOrder(0, 2);
-    const ImportOrder second = makeOrder(2, 1);
-    demo_.misbehave(
-        batch, kind,
-        {{QStringLiteral("times"), 2}, {QStringLiteral("message"), QStringLiteral("不行")}});
-    start({first, second});
-    QTRY_COMPARE(questions_.size(), 1);
-    if (!question.isEmpty())
-        QCOMPARE(questions_.first(), question);
-    QVERIFY(questions_.first().contains(QStringLiteral("是否重新提交")));
-    run_->answerResubmit(first.id, true);
-    QTRY_COMPARE(questions_.size(), 2);
-    QVERIFY(run_->isRunning());
-    run_->answerResubmit(first.id, true);
-    QTRY_COMPARE(allImported_, 1);
-    QCOMPARE(registered_, (QStringList{first.id, second.id}));
-
-    demo_.misbehave(batch, kind);
-    run_->registerAgain(shown_[first.id], identity_);
-    QTRY_COMPARE(questions_.size(), 3);
-    run_->answerResubmit(first.id, false);
-    QVERIFY(!run_->isBusy());
-    QCOMPARE(unregistered_, QStringList(first.id));
-}
-
-void TestImportRun::aFolderThatCannotBeListedIsNotAnnounced()
-{
-    const ImportOrder order = makeOrder(0, 1);
-    demo_.misbehave(batch, QStringLiteral("drop"));
-    start({order});
-    QTRY_COMPARE(questions_.size(), 1);
-    demo_.clearRequests();
-    QVERIFY(QDir(platform::toLocalPath(order.importPath)).removeRecursively());
-    run_->answerResubmit(order.id, true);
-    QTRY_COMPARE(questions_.size(), 2);
-    QVERIFY(questions_.last().startsWith(QStringLiteral("导片目录无法访问: ")));
-    QCOMPARE(requests(batch), 0);
-    run_->answerResubmit(order.id, false);
-    QVERIFY(!run_->isRunning());
-}
-
-void TestImportRun::aFullDiskFailsWhatDoesNotFit()
-{
-    const QString folder = card_->filePath(QStringLiteral("disk"));
-    SmallDisk disk(folder, 1);
-    if (!disk.isMounted())
-        QSKIP("mounting a small disk needs administrator rights");
-    constexpr int photoBytes = 300 * 1024;
-    const ImportOrder order = makeOrder(0, 7, photoBytes, folder);
-    start({order});
-    QTRY_COMPARE(allImported_, 1);
-    int imported = 0;
-    for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
-        imported += file.state == ImportFile::Imported;
-        if (file.state != ImportFile::Imported)
-            QCOMPARE(file.message, QStringLiteral("文件拷贝失败(可能是磁盘已满或权限受限)"));
-    }
-    QVERIFY(imported >= 1 && imported <= 3);
-    // What lies there is whole, and only what is whole was announced.
-    QDirIterator files(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    int found = 0;
-    for (; files.hasNext(); ++found) {
-        files.next();
-        QVERIFY(files.fileInfo().size() >= photoBytes);
-    }
-    QCOMPARE(found, imported);
-    QVERIFY(notices_.isEmpty());
-}
-
-void TestImportRun::aShareThatGoesAwayFailsTheFilesAndAsks()
-{
-    const QString folder = card_->filePath(QStringLiteral("disk"));
-    SmallDisk disk(folder, 4);
-    if (!disk.isMounted())
-        QSKIP("mounting a small disk needs administrator rights");
-    const ImportOrder order = makeOrder(0, 5, 1000, folder);
-    disk.vanish();
-    start({order});
-    QTRY_COMPARE(questions_.size(), 1);
-    QVERIFY(questions_.first().startsWith(QStringLiteral("导片目录无法访问: ")));
-    QCOMPARE(states(order.id).count(ImportFile::Failed), 5);
-    QCOMPARE(requests(batch), 0);
-    run_->answerResubmit(order.id, false);
-    QVERIFY(!run_->isBusy());
-    QCOMPARE(unregistered_, QStringList(order.id));
-}
-
-void TestImportRun::aMismatchEndsTheRun()
-{
-    const ImportOrder first = makeOrder(0, 2);
-    const ImportOrder second = makeOrder(2, 1);
-    demo_.misbehave(batch, QStringLiteral("missing-fields"),
-                    {{QStringLiteral("fields"), QJsonArray{QStringLiteral("server_imgnames")}}});
-    start({first, second});
-    QTRY_COMPARE(notices_.size(), 1);
-    QVERIFY(notices_.first().contains(first.id + QStringLiteral("_1.jpg")));
-    QVERIFY(!run_->isBusy());
-    QCOMPARE(states(second.id), QList<int>{0});
-    QCOMPARE(allImported_, 0);
-}
-
-void TestImportRun::startWithNothingToDo()
-{
-    QVERIFY(!run_->start({}, identity_));
-    QVERIFY(!run_->start({makeOrder(0, 0)}, identity_));
-    QVERIFY(!run_->isRunning());
-    run_->stopAllImports();
-    QVERIFY(!run_->isBusy());
-}
 
 QTEST_GUILESS_MAIN(TestImportRun)
 #include "test_importrun.moc"

@@ -1,4 +1,5 @@
 #include "app/helpers/sharedfolderopener.h"
+#include "tests/support/text.h"
 
 #include <QCoreApplication>
 #include <QSemaphore>
@@ -15,15 +16,14 @@ QString text(const char *utf8)
 
 platform::Command standIn(const QString &behaviour)
 {
-    return {QCoreApplication::applicationDirPath() + QStringLiteral("/tessavo-standin"),
-            {behaviour}};
+    return {QCoreApplication::applicationDirPath() + "/tessavo-standin"_s, {behaviour}};
 }
 
-const QString succeeds = QStringLiteral("succeed");
-const QString fails = QStringLiteral("fail");
-const QString hangs = QStringLiteral("hang");
-const QString share = QStringLiteral("\\\\nas\\photos");
-const QString local = QStringLiteral("C:\\photos");
+const QString succeeds = "succeed"_s;
+const QString fails = "fail"_s;
+const QString hangs = "hang"_s;
+const QString share = "\\\\nas\\photos"_s;
+const QString local = "C:\\photos"_s;
 
 FolderCommands commands(const QString &showing, const QString &pinging)
 {
@@ -120,7 +120,7 @@ private slots:
         for (const auto &row : rows) {
             const auto show = [&row](const QString &) {
                 return row.behaviour ? standIn(text(row.behaviour))
-                                     : platform::Command{QStringLiteral("/nowhere/explorer"), {}};
+                                     : platform::Command{"/nowhere/explorer"_s, {}};
             };
             const SharedFolderOpener opener(nullptr, {show, {}});
             const FolderOpening result = opener.openInExplorer(local, row.timeoutMs);
@@ -137,8 +137,8 @@ private slots:
         QSignalSpy finished(&opener, &SharedFolderOpener::finished);
 
         opener.open(local);
-        opener.open(QStringLiteral("file://C:/photos"));
-        QVERIFY(opener.isProcessing(QStringLiteral("C:/photos")));
+        opener.open("file://C:/photos"_s);
+        QVERIFY(opener.isProcessing("C:/photos"_s));
         gate.asked.acquire();
         QVERIFY(!gate.asked.tryAcquire());
         QVERIFY(finished.isEmpty());
@@ -148,7 +148,7 @@ private slots:
         QCOMPARE(states, QList<QVariantList>({{local, true}, {local, false}}));
         QVERIFY(!opener.isProcessing(local));
 #ifndef Q_OS_WIN
-        QCOMPARE(gate.shown, QStringLiteral("C:/photos"));
+        QCOMPARE(gate.shown, "C:/photos"_s);
 #endif
 
         gate.mayGoOn.release();

@@ -1,5 +1,6 @@
 #include "app/context/installation.h"
 #include "net/servicecall.h"
+#include "tests/support/text.h"
 
 #include <QtTest>
 
@@ -10,22 +11,20 @@ class TestCertificates : public QObject
     Q_OBJECT
 
 private slots:
-    void trustsWhatTheInstallationSays();
+    void trustsWhatTheInstallationSays()
+    {
+        const Installation &installation = Installation::current();
+        const bool trusted = !installation.caFile.isEmpty() || !installation.verifiesCertificates;
+        QVector<ServiceReply> replies;
+        callService(this, "&m=public&a=dologin"_s, "username=demo01&password=abc123",
+                    [&replies](const ServiceReply &reply) { replies.append(reply); });
+        QTRY_COMPARE(replies.size(), 1);
+        QCOMPARE(int(replies.first().outcome),
+                 int(trusted ? ServiceReply::Outcome::Success
+                             : ServiceReply::Outcome::CertificateRefused));
+        QCOMPARE(replies.first().message.isEmpty(), false); // the reason, or the service's own word
+    }
 };
-
-void TestCertificates::trustsWhatTheInstallationSays()
-{
-    const Installation &installation = Installation::current();
-    const bool trusted = !installation.caFile.isEmpty() || !installation.verifiesCertificates;
-    QVector<ServiceReply> replies;
-    callService(this, QStringLiteral("&m=public&a=dologin"), "username=demo01&password=abc123",
-                [&replies](const ServiceReply &reply) { replies.append(reply); });
-    QTRY_COMPARE(replies.size(), 1);
-    QCOMPARE(
-        int(replies.first().outcome),
-        int(trusted ? ServiceReply::Outcome::Success : ServiceReply::Outcome::CertificateRefused));
-    QCOMPARE(replies.first().message.isEmpty(), false); // the reason, or the service's own word
-}
 
 QTEST_GUILESS_MAIN(TestCertificates)
 #include "test_certificates.moc"

@@ -2,32 +2,14 @@
 #include "net/formbody.h"
 #include "net/orderqueries.h"
 #include "net/replyfields.h"
+#include "tests/support/datarows.h"
+#include "tests/support/text.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QtTest>
 
 using namespace orderqueries;
-
-class TestQueries : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void escapesExactlyThreeSigns();
-    void searchBodies_data();
-    void searchBodies();
-    void otherBodies();
-    void looseFields_data();
-    void looseFields();
-    void onlyTheTextOneIsSuccess_data();
-    void onlyTheTextOneIsSuccess();
-    void readsAnOrder();
-    void readsShops();
-    void identityFollowsTheChosenBranch();
-    void imagesBecomeDataUrls_data();
-    void imagesBecomeDataUrls();
-};
 
 namespace {
 
@@ -36,91 +18,119 @@ QJsonObject parsed(const char *json)
     return QJsonDocument::fromJson(json).object();
 }
 
-const Identity identity{QStringLiteral("7"), QStringLiteral("S7"), QStringLiteral("E7")};
+const Identity identity{"7"_s, "S7"_s, "E7"_s};
 
 } // namespace
 
-void TestQueries::escapesExactlyThreeSigns()
+class TestQueries : public QObject
 {
-    const QString value = QStringLiteral("A&B+C% =#?/\\张");
-    QCOMPARE(FormBody().add(QStringLiteral("k"), value).bytes(),
-             QByteArray("k=A%26B%2BC%25 =#?/\\张"));
-    QCOMPARE(FormBody().addRaw(QStringLiteral("k"), value).bytes(),
-             QByteArray("k=A&B+C% =#?/\\张"));
-}
+    Q_OBJECT
 
-void TestQueries::searchBodies_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("role7id");
-    QTest::addColumn<QByteArray>("body");
-    const QByteArray tail = "&ratio=90&shopid=7&eid=E7&superid=S7&personid=E7";
-    QTest::newRow("text") << 0 << QString() << "keyword=李 四&searchtype=1" + tail;
-    QTest::newRow("shooting") << 1 << QString() << "keyword=2024-03-07&searchtype=4" + tail;
-    QTest::newRow("selection") << 2 << QString() << "keyword=2024-12-30&searchtype=5" + tail;
-    QTest::newRow("completion") << 3 << QString() << "keyword=2024-01-02&searchtype=6" + tail;
-    QTest::newRow("other") << 9 << QString() << "keyword=李 四&searchtype=1" + tail;
-    QTest::newRow("everybody") << 0 << QString::fromLatin1("")
-                               << "keyword=李 四&searchtype=1&role7id=" + tail;
-    QTest::newRow("somebody") << 0 << QStringLiteral("31")
-                              << "keyword=李 四&searchtype=1&role7id=31" + tail;
-}
+private slots:
+    void escapesExactlyThreeSigns()
+    {
+        const QString value = "A&B+C% =#?/\\张"_s;
+        QCOMPARE(FormBody().add("k"_s, value).bytes(), QByteArray("k=A%26B%2BC%25 =#?/\\张"));
+        QCOMPARE(FormBody().addRaw("k"_s, value).bytes(), QByteArray("k=A&B+C% =#?/\\张"));
+    }
 
-void TestQueries::searchBodies()
-{
-    QFETCH(int, type);
-    QFETCH(QString, role7id);
-    const OrderSearch search{type, QStringLiteral("李 四"), QDate(2024, 3, 7), QDate(2024, 12, 30),
-                             QDate(2024, 1, 2)};
-    QTEST(orderListBody(search, identity, role7id), "body");
-}
+    void searchBodies_data()
+    {
+        addColumns<int, QString, QByteArray>({"type", "role7id", "body"});
+        const QByteArray tail = "&ratio=90&shopid=7&eid=E7&superid=S7&personid=E7";
+        newRow("text", 0, QString(), "keyword=李 四&searchtype=1" + tail);
+        newRow("shooting", 1, QString(), "keyword=2024-03-07&searchtype=4" + tail);
+        newRow("selection", 2, QString(), "keyword=2024-12-30&searchtype=5" + tail);
+        newRow("completion", 3, QString(), "keyword=2024-01-02&searchtype=6" + tail);
+        newRow("other", 9, QString(), "keyword=李 四&searchtype=1" + tail);
+        newRow("everybody", 0, QString::fromLatin1(""),
+               "keyword=李 四&searchtype=1&role7id=" + tail);
+        newRow("somebody", 0, "31", "keyword=李 四&searchtype=1&role7id=31" + tail);
+    }
 
-void TestQueries::otherBodies()
-{
-    QCOMPARE(switchShopBody(QStringLiteral("7")), QByteArray("shopid=7"));
-    QCOMPARE(personsBody(identity), QByteArray("shopid=7&eid=E7&superid=S7&personid=E7"));
-}
+    void searchBodies()
+    {
+        QFETCH(int, type);
+        QFETCH(QString, role7id);
+        const OrderSearch search{type, "李 四"_s, QDate(2024, 3, 7), QDate(2024, 12, 30),
+                                 QDate(2024, 1, 2)};
+        QTEST(orderListBody(search, identity, role7id), "body");
+    }
+
+    void otherBodies()
+    {
+        QCOMPARE(switchShopBody("7"_s), QByteArray("shopid=7"));
+        QCOMPARE(personsBody(identity), QByteArray("shopid=7&eid=E7&superid=S7&personid=E7"));
+    }
+
+    void looseFields_data();
+
+    void looseFields()
+    {
+        QFETCH(QByteArray, json);
+        const QJsonObject object = parsed(json.constData());
+        QTEST(reply::text(object, "k"_s), "text");
+        QTEST(reply::number(object, "k"_s, -1), "number");
+    }
+
+    void onlyTheTextOneIsSuccess_data();
+
+    void onlyTheTextOneIsSuccess()
+    {
+        QFETCH(QByteArray, json);
+        QTEST(reply::isSuccess(parsed(json.constData())), "success");
+    }
+
+    void readsAnOrder();
+    void readsShops();
+    void identityFollowsTheChosenBranch();
+
+    void imagesBecomeDataUrls_data()
+    {
+        addColumns<QByteArray, QString, QString>({"image", "url", "mime"});
+        newRow("jpeg", QByteArray("\xff\xd8\xff\xe0"), "http://h/a.png", "image/jpeg");
+        newRow("png", QByteArray("\x89PNG\r\n\x1a\nxx"), "http://h/a.jpg", "image/png");
+        newRow("gif", QByteArray("GIF89a.."), "http://h/a", "image/gif");
+        newRow("webp", QByteArray("RIFF....WEBP"), "http://h/a.jpg", "image/webp");
+        newRow("riff alone", QByteArray("RIFF....WAVE"), "http://h/a.JPG", "image/jpeg");
+        newRow("bmp", QByteArray("BM.."), "http://h/a.jpg", "image/bmp");
+        newRow("query", QByteArray("?"), "http://h/a.PNG?x=a.gif", "image/png");
+        newRow("other suffix", QByteArray("?"), "http://h/a.TIFF", "image/tiff");
+    }
+
+    void imagesBecomeDataUrls()
+    {
+        QFETCH(QByteArray, image);
+        QFETCH(QString, url);
+        QFETCH(QString, mime);
+        QCOMPARE(imageDataUrl(image, url),
+                 "data:%1;base64,%2"_s.arg(mime, QString::fromLatin1(image.toBase64())));
+    }
+};
 
 void TestQueries::looseFields_data()
 {
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("number");
-    QTest::newRow("text") << QByteArray(R"({"k":"12"})") << "12" << 12;
-    QTest::newRow("number") << QByteArray(R"({"k":12})") << "12" << 12;
-    QTest::newRow("large") << QByteArray(R"({"k":1234567890123})") << "1234567890123" << -1;
-    QTest::newRow("fraction") << QByteArray(R"({"k":1.5})") << "1.5" << -1;
-    QTest::newRow("null") << QByteArray(R"({"k":null})") << "" << -1;
-    QTest::newRow("list") << QByteArray(R"({"k":[1]})") << "" << -1;
-    QTest::newRow("object") << QByteArray(R"({"k":{}})") << "" << -1;
-    QTest::newRow("missing") << QByteArray(R"({})") << "" << -1;
-    QTest::newRow("words") << QByteArray(R"({"k":"many"})") << "many" << -1;
-}
-
-void TestQueries::looseFields()
-{
-    QFETCH(QByteArray, json);
-    const QJsonObject object = parsed(json.constData());
-    QTEST(reply::text(object, QStringLiteral("k")), "text");
-    QTEST(reply::number(object, QStringLiteral("k"), -1), "number");
+    addColumns<QByteArray, QString, int>({"json", "text", "number"});
+    newRow("text", QByteArray(R"({"k":"12"})"), "12", 12);
+    newRow("number", QByteArray(R"({"k":12})"), "12", 12);
+    newRow("large", QByteArray(R"({"k":1234567890123})"), "1234567890123", -1);
+    newRow("fraction", QByteArray(R"({"k":1.5})"), "1.5", -1);
+    newRow("null", QByteArray(R"({"k":null})"), "", -1);
+    newRow("list", QByteArray(R"({"k":[1]})"), "", -1);
+    newRow("object", QByteArray(R"({"k":{}})"), "", -1);
+    newRow("missing", QByteArray(R"({})"), "", -1);
+    newRow("words", QByteArray(R"({"k":"many"})"), "many", -1);
 }
 
 void TestQueries::onlyTheTextOneIsSuccess_data()
 {
-    QTest::addColumn<QByteArray>("json");
-    QTest::addColumn<bool>("success");
-    QTest::newRow("text 1") << QByteArray(R"({"code":"1"})") << true;
-    QTest::newRow("number 1") << QByteArray(R"({"code":1})") << false;
-    QTest::newRow("text 1.0") << QByteArray(R"({"code":"1.0"})") << false;
-    QTest::newRow("blank") << QByteArray(R"({"code":" 1"})") << false;
-    QTest::newRow("true") << QByteArray(R"({"code":true})") << false;
-    QTest::newRow("missing") << QByteArray(R"({})") << false;
-}
-
-void TestQueries::onlyTheTextOneIsSuccess()
-{
-    QFETCH(QByteArray, json);
-    QTEST(reply::isSuccess(parsed(json.constData())), "success");
+    addColumns<QByteArray, bool>({"json", "success"});
+    newRow("text 1", QByteArray(R"({"code":"1"})"), true);
+    newRow("number 1", QByteArray(R"({"code":1})"), false);
+    newRow("text 1.0", QByteArray(R"({"code":"1.0"})"), false);
+    newRow("blank", QByteArray(R"({"code":" 1"})"), false);
+    newRow("true", QByteArray(R"({"code":true})"), false);
+    newRow("missing", QByteArray(R"({})"), false);
 }
 
 void TestQueries::readsAnOrder()
@@ -130,16 +140,16 @@ void TestQueries::readsAnOrder()
         "shotdate": "2024-3-7", "netpath": "\\\\nas\\x", "order_photo_id": "90",
         "imagesize_small": "", "imagesize_middle": "200", "imagesize_big": -1,
         "images": [{"img_name": "IMG_1.jpg", "type": 2}, "no object", null]})"));
-    QCOMPARE(order.id, QStringLiteral("17"));
-    QCOMPARE(order.serviceTimes, QStringLiteral("2"));
+    QCOMPARE(order.id, "17"_s);
+    QCOMPARE(order.serviceTimes, "2"_s);
     QCOMPARE(order.wname, QString());
-    QCOMPARE(order.shotDate.month, QStringLiteral("03"));
-    QCOMPARE(order.netPath, QStringLiteral("\\\\nas\\x"));
+    QCOMPARE(order.shotDate.month, "03"_s);
+    QCOMPARE(order.netPath, "\\\\nas\\x"_s);
     QCOMPARE(order.smallSize, 90);
     QCOMPARE(order.middleSize, 200);
     QCOMPARE(order.bigSize, 1920);
     QCOMPARE(order.images.size(), 1);
-    QCOMPARE(order.images.first().type, QStringLiteral("2"));
+    QCOMPARE(order.images.first().type, "2"_s);
     QVERIFY(order.imagesTaipian.isEmpty());
 }
 
@@ -150,9 +160,9 @@ void TestQueries::readsShops()
         {"id": "4", "name": "分店"}, 5]})");
     const QList<ShopRecord> shops = readShops(login);
     QCOMPARE(shops.size(), 2);
-    QCOMPARE(shops.first().id, QStringLiteral("3"));
-    QCOMPARE(shops.first().goodsfoldernamerule, QStringLiteral("[]"));
-    QCOMPARE(shops.first().importPublicPath, QStringLiteral("\\\\nas\\3"));
+    QCOMPARE(shops.first().id, "3"_s);
+    QCOMPARE(shops.first().goodsfoldernamerule, "[]"_s);
+    QCOMPARE(shops.first().importPublicPath, "\\\\nas\\3"_s);
     QCOMPARE(shops.last().importPublicPath, QString());
     QCOMPARE(readShops(login, false).constFirst().goodsfoldernamerule, QString());
     QVERIFY(readShops(parsed(R"({"shop_data": {"id": 3}})")).isEmpty());
@@ -161,43 +171,11 @@ void TestQueries::readsShops()
 void TestQueries::identityFollowsTheChosenBranch()
 {
     AccountContext::shopList = readShops(parsed(R"({"shop_data": [{"id":"3"},{"id":"4"}]})"));
-    AccountContext::shopId = QStringLiteral("3");
-    AccountContext::selectedShopId = QStringLiteral("4");
-    QCOMPARE(Identity::fromAccount().shopId, QStringLiteral("4"));
-    AccountContext::selectedShopId = QStringLiteral("gone");
-    QCOMPARE(Identity::fromAccount().shopId, QStringLiteral("3"));
-}
-
-void TestQueries::imagesBecomeDataUrls_data()
-{
-    QTest::addColumn<QByteArray>("image");
-    QTest::addColumn<QString>("url");
-    QTest::addColumn<QString>("mime");
-    QTest::newRow("jpeg") << QByteArray("\xff\xd8\xff\xe0") << "http://h/a.png"
-                          << "image/jpeg";
-    QTest::newRow("png") << QByteArray("\x89PNG\r\n\x1a\nxx") << "http://h/a.jpg"
-                         << "image/png";
-    QTest::newRow("gif") << QByteArray("GIF89a..") << "http://h/a"
-                         << "image/gif";
-    QTest::newRow("webp") << QByteArray("RIFF....WEBP") << "http://h/a.jpg"
-                          << "image/webp";
-    QTest::newRow("riff alone") << QByteArray("RIFF....WAVE") << "http://h/a.JPG"
-                                << "image/jpeg";
-    QTest::newRow("bmp") << QByteArray("BM..") << "http://h/a.jpg"
-                         << "image/bmp";
-    QTest::newRow("query") << QByteArray("?") << "http://h/a.PNG?x=a.gif"
-                           << "image/png";
-    QTest::newRow("other suffix") << QByteArray("?") << "http://h/a.TIFF"
-                                  << "image/tiff";
-}
-
-void TestQueries::imagesBecomeDataUrls()
-{
-    QFETCH(QByteArray, image);
-    QFETCH(QString, url);
-    QFETCH(QString, mime);
-    QCOMPARE(imageDataUrl(image, url),
-             QStringLiteral("data:%1;base64,%2").arg(mime, QString::fromLatin1(image.toBase64())));
+    AccountContext::shopId = "3"_s;
+    AccountContext::selectedShopId = "4"_s;
+    QCOMPARE(Identity::fromAccount().shopId, "4"_s);
+    AccountContext::selectedShopId = "gone"_s;
+    QCOMPARE(Identity::fromAccount().shopId, "3"_s);
 }
 
 QTEST_GUILESS_MAIN(TestQueries)

@@ -1,9 +1,12 @@
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/jpegend.h"
+#include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/loglines.h"
 #include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
+#include "tests/support/text.h"
 
 #include <QColorSpace>
 #include <QDir>
@@ -64,77 +67,397 @@ class TestImageOperations : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        folder_ = std::make_unique<QTemporaryDir>();
+        log_ = std::make_unique<LogLines>();
+    }
+
+    void cleanup()
+    {
+        log_.reset();
+        QCOMPARE(leftOvers(), QStringList());
+    }
+
     void orientations_data();
-    void orientations();
-    void coloursKeepTheirMeaning();
-    void rotationTable();
-    void intermediateSizes_data();
-    void intermediateSizes();
-    void variantSizes_data();
-    void variantSizes();
-    void thresholdsOfBytes_data();
-    void thresholdsOfBytes();
-    void thresholdsOfPixels_data();
-    void thresholdsOfPixels();
-    void largeOriginalsKeepTheirSize();
-    void damagedSources_data();
-    void damagedSources();
-    void theEndOfAJpeg();
-    void targetsThatMayNotBeReplaced();
-    void fullDisk();
-    void anOriginalInItsPlaceStays();
-    void sharedDecodingChangesNoPixel();
-    void sourcesAreDecodedOnceAndTwoAreKept();
-    void aDecoderThatThrows();
+
+    void orientations()
+    {
+        const int orientation = QByteArray(QTest::currentDataTag()).toInt();
+        const QByteArray camera = jpegOf(cornerPicture({96, 64}), orientation);
+        const QString source = write("camera.JPG"_s, camera);
+        const QDateTime shot(QDate(2024, 3, 7), QTime(9, 30));
+        QFile file(source);
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(shot, QFileDevice::FileModificationTime));
+        file.close();
+        QTEST(readExifOrientation(source), "reported");
+
+        const QString original = write("original.JPG"_s, "an earlier file");
+        QVERIFY(copyOriginal(source, original));
+        QImageReader reader(original);
+        QCOMPARE(int(reader.transformation()), 0);
+        const QImage upright = reader.read();
+        QCOMPARE(upright.size(), orientation < 5 ? QSize(96, 64) : QSize(64, 96));
+        QTEST(corners(upright), "original");
+        QCOMPARE(QFileInfo(original).lastModified(), shot);
+        if (orientation == 1)
+            QCOMPARE(readFile(original), camera);
+
+        const QString variant = write("variant.JPG"_s, "an earlier file");
+        QVERIFY(compressImage(source, variant, 48));
+        const QImage small(variant);
+        QCOMPARE(small.size(), orientation < 5 ? QSize(48, 32) : QSize(32, 48));
+        QTEST(corners(small), "variant");
+        QCOMPARE(logged("缩小后检测到需要旋转，EXIF方向: "), orientation == 1 ? 0 : 1);
+        QCOMPARE(logged("照片存在，先删除照片"), 1);
+    }
+
+    void coloursKeepTheirMeaning()
+    {
+        QImage picture = cornerPicture({96, 64});
+        picture.setColorSpace(QColorSpace::AdobeRgb);
+        const QString source = write("a.jpg"_s, jpegOf(picture, 6));
+        QVERIFY(copyOriginal(source, path("b.jpg"_s)));
+        QVERIFY(compressImage(source, path("c.jpg"_s), 48));
+        for (const char *made : {"b.jpg", "c.jpg"})
+            QCOMPARE(QImage(path(QLatin1String(made))).colorSpace(), QImage(source).colorSpace());
+        QVERIFY(QImage(source).colorSpace() != QColorSpace(QColorSpace::SRgb));
+    }
+
+    void rotationTable()
+    {
+        const QImage picture = cornerPicture({96, 64});
+        QStringList turned;
+        for (int orientation = 0; orientation <= 9; ++orientation)
+            turned << corners(rotateImageByExif(picture, orientation));
+        QCOMPARE(turned.join(QLatin1Char(' ')),
+                 "RGBx RGBx GRxB xBGR BxRG RBGx GxRB xGBR BRxG RGBx"_s);
+        QCOMPARE(logged("未知的EXIF方向值: "), 2);
+        QCOMPARE(logged("图片旋转成功，EXIF方向: 8, 原尺寸: 96x64, 新尺寸: 64x96"), 1);
+        QVERIFY(rotateImageByExif(QImage(), 3).isNull());
+        QCOMPARE(logged("传入的图片为空，无法旋转"), 1);
+    }
+
+    void intermediateSizes_data()
+    {
+        addColumns<QSize, int, QSize>({"original", "target", "size"});
+        newRow("4t reaches", QSize(7680, 100), 1920, QSize(7680, 100));
+        newRow("4t just short", QSize(7681, 7681), 1920, QSize(4096, 4096));
+        newRow("wide", QSize(12000, 9000), 190, QSize(760, 570));
+        newRow("tall", QSize(9000, 12000), 1920, QSize(3072, 4096));
+        newRow("15000", QSize(15000, 3000), 1920, QSize(4096, 819));
+        newRow("15001", QSize(15001, 3000), 1920, QSize(3072, 614));
+        newRow("15001, small", QSize(15001, 3000), 90, QSize(270, 53));
+        newRow("20000", QSize(20000, 10000), 1920, QSize(3072, 1536));
+        newRow("20001", QSize(20001, 10000), 1920, QSize(2048, 1023));
+        newRow("huge", QSize(60000, 60000), 600, QSize(1800, 1800));
+    }
+
+    void intermediateSizes()
+    {
+        QFETCH(QSize, original);
+        QFETCH(int, target);
+        QTEST(calculateIntermediateSize(original, target), "size");
+    }
+
+    void variantSizes_data()
+    {
+        // size: empty: refused
+        addColumns<QSize, int, QSize>({"source", "target", "size"});
+        newRow("enlarged", QSize(1000, 800), 1920, QSize(1920, 1536));
+        newRow("near", QSize(1925, 1280), 1920, QSize(1925, 1280));
+        newRow("9 px away", QSize(1929, 1000), 1920, QSize(1929, 1000));
+        newRow("10 px away", QSize(1930, 965), 1920, QSize(1920, 960));
+        newRow("9 px below", QSize(1000, 1911), 1920, QSize(1000, 1911));
+        newRow("tall", QSize(800, 1000), 90, QSize(72, 90));
+        newRow("square", QSize(300, 300), 190, QSize(190, 190));
+        newRow("10000 px, whole", QSize(10000, 100), 2000, QSize(2000, 20));
+        newRow("10001 px, reduced", QSize(10001, 1000), 90, QSize(82, 8));
+        newRow("no size", QSize(100, 100), 0, QSize());
+        newRow("absurd size", QSize(100, 100), 1000000, QSize());
+    }
+
+    void variantSizes()
+    {
+        QFETCH(QSize, source);
+        QFETCH(int, target);
+        QFETCH(QSize, size);
+        const QString from = write("a.jpg"_s, grayJpeg(source, 1));
+        const QString to = path("b.jpg"_s);
+        QCOMPARE(compressImage(from, to, target), !size.isEmpty());
+        QCOMPARE(QImage(to).size(), size.isEmpty() ? QImage().size() : size);
+        QCOMPARE(logged("当前尺寸已接近目标尺寸，跳过缩放"), int(size == source));
+        QCOMPARE(logged("检测到超大图片 ("), int(source.width() > 10000));
+        QCOMPARE(logged("渐进式缩放成功，中间尺寸: 360x35"), int(source.width() > 10000));
+    }
+
+    void thresholdsOfBytes_data()
+    {
+        addColumns<qint64, bool, bool>({"bytes", "large", "copied"});
+        newRow("30 MB", qint64(31457280), false, false);
+        newRow("30 MB and a byte", qint64(31457281), true, false);
+        newRow("100 MB", qint64(104857600), true, false);
+        newRow("100 MB and a byte", qint64(104857601), false, true);
+    }
+
+    void thresholdsOfBytes()
+    {
+        QFETCH(qint64, bytes);
+        QFETCH(bool, large);
+        QFETCH(bool, copied);
+        const QString source = write("a.jpg"_s, jpegOf(cornerPicture({96, 64}), 6));
+        QVERIFY(QFile::resize(source, bytes)); // a hole behind the picture
+        const QString target = path("b.jpg"_s);
+        QVERIFY(copyOriginal(source, target));
+        QCOMPARE(logged("超大图片旋转拷贝处理 (96x64, 0.0MP)"), int(large));
+        QCOMPARE(logged("文件过大 (100MB)，使用直接拷贝: "), int(copied));
+        QCOMPARE(readExifOrientation(target), copied ? 6 : 1);
+        QCOMPARE(QFileInfo(target).size() == bytes, copied);
+        QCOMPARE(corners(QImageReader(target).read()), // not read reduced: nothing was scaled back
+                 copied ? "RGBx"_s : "BRxG"_s);
+        QCOMPARE(logged("缩放回目标尺寸"), 0);
+    }
+
+    void thresholdsOfPixels_data()
+    {
+        addColumns<QSize, int, QString, QString, QSize>(
+            {"source", "orientation", "large", "scaled", "size"});
+        newRow("50 MP", QSize(10000, 5000), 3, QString(), QString(), QSize(10000, 5000));
+        newRow("50 MP and a line", QSize(10000, 5001), 6,
+               "超大图片旋转拷贝处理 (10000x5001, 50.0MP)",
+               "缩放回目标尺寸: 2048x4096 -> 5001x10000", QSize(5001, 10000));
+        newRow("108 MP", QSize(12000, 9000), 3, "超大图片旋转拷贝处理 (12000x9000, 108.0MP)",
+               "缩放回目标尺寸: 4096x3072 -> 8192x6144", QSize(8192, 6144));
+    }
+
+    void thresholdsOfPixels()
+    {
+        QFETCH(QSize, source);
+        QFETCH(int, orientation);
+        QFETCH(QString, large);
+        QFETCH(QString, scaled);
+        const QString from = write("a.jpg"_s, grayJpeg(source, orientation));
+        const QString to = path("b.jpg"_s);
+        QVERIFY(copyOriginal(from, to));
+        QCOMPARE(logged("超大图片旋转拷贝处理"), int(!large.isEmpty()));
+        if (!large.isEmpty()) {
+            QCOMPARE(log_->count(large), 1);
+            QCOMPARE(log_->count(scaled), 1);
+        }
+        QTEST(QImageReader(to).size(), "size");
+        QVERIFY(compressImage(from, path("c.jpg"_s), 90));
+        QCOMPARE(logged("检测到超大图片"), int(!large.isEmpty()));
+    }
+
+    void largeOriginalsKeepTheirSize()
+    {
+        const QString source = write("a.jpg"_s, grayJpeg({6000, 4000}, 3));
+        QVERIFY(QFile::resize(source, 40000000));
+        QVERIFY(copyOriginal(source, path("b.jpg"_s)));
+        QCOMPARE(logged("缩放回目标尺寸: 4096x2730 -> 6000x4000"), 1);
+        QCOMPARE(QImageReader(path("b.jpg"_s)).size(), QSize(6000, 4000));
+    }
+
+    void damagedSources_data()
+    {
+        // line: of the variant
+        addColumns<QString, QByteArray, QString>({"name", "bytes", "line"});
+        const QByteArray turned = jpegOf(cornerPicture({960, 640}), 6);
+        const QString jpg = "a.jpg"_s;
+        newRow("cut short", jpg, turned.left(turned.size() - 400), "图片读取失败:");
+        newRow("head only", jpg, turned.left(40), "无法");
+        newRow("no picture", jpg, QByteArray("not a picture"), "无法读取图片:");
+        newRow("claims 3.6 GP", jpg, claiming(turned, 60000, 60000), "保守模式读取仍然失败:");
+        newRow("of a kind that is only read whole", "a.ppm",
+               QByteArray("P6\n12000 12000\n255\nxxxxxx"), "保守模式读取仍然失败:");
+    }
+
+    void damagedSources()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, bytes);
+        QFETCH(QString, line);
+        const QString source = write(name, bytes);
+        const QString original = path("original"_s);
+        QVERIFY(copyOriginal(source, original));
+        QCOMPARE(readFile(original), bytes);
+        QVERIFY(rotateCopyImage(source, original));
+        QCOMPARE(readFile(original), bytes);
+        QCOMPARE(log_->all().filter(QRegularExpression("回退到直接拷贝|进行旋转拷贝:"_s)).isEmpty(),
+                 false);
+
+        const QString variant = write("variant"_s, "an earlier file");
+        QVERIFY(!compressImage(source, variant, 90));
+        QCOMPARE(readFile(variant), QByteArray("an earlier file"));
+        QVERIFY(log_->count(line) > 0);
+    }
+
+    void theEndOfAJpeg()
+    {
+        const QByteArray whole = jpegOf(cornerPicture({96, 64}), 6);
+        const auto reachesEnd = [this](const QByteArray &bytes) {
+            return jpegReachesItsEnd(write("a.jpg"_s, bytes));
+        };
+        QVERIFY(reachesEnd(whole));
+        QVERIFY(reachesEnd(whole + "what the camera added"));
+        QVERIFY(!reachesEnd(whole.left(whole.size() - 1)));
+        // The end of a preview inside a segment is not that of the picture.
+        const QByteArray segment("\xff\xe1\x00\x06\xff\xd8\xff\xd9", 8);
+        QVERIFY(reachesEnd(QByteArray(whole).insert(2, segment)));
+        QVERIFY(!reachesEnd(QByteArray(whole).insert(2, segment).left(whole.size())));
+        QVERIFY(!reachesEnd(QByteArray()));
+        QVERIFY(!jpegReachesItsEnd(path("missing.jpg"_s)));
+    }
+
+    void targetsThatMayNotBeReplaced()
+    {
+        const QString source = write("a.jpg"_s, jpegOf(cornerPicture({96, 64}), 6));
+        const QString target = write("protected.jpg"_s, "protected");
+        QVERIFY(QFile::setPermissions(target, QFileDevice::ReadOwner));
+        QVERIFY(!copyOriginal(source, target));
+        QVERIFY(!rotateCopyImage(source, target));
+        QVERIFY(!compressImage(source, target, 90));
+        QCOMPARE(readFile(target), QByteArray("protected"));
+        QVERIFY(!copyOriginal(path("missing"_s), target));
+        QCOMPARE(logged("源文件不存在:"), 1);
+    }
+
+    void fullDisk()
+    {
+        const SmallDisk disk(path("disk"_s), 1);
+        if (!disk.isMounted())
+            QSKIP("no rights to mount a file system");
+        const QString source = write("a.jpg"_s, jpegOf(cornerPicture({960, 640}), 6));
+        const QString target = write("disk/a.jpg"_s, "an earlier file");
+        // All room but a page, then all of it.
+        for (const int left : {4096, 0}) {
+            QFile filler(path("disk/filler"_s));
+            QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+            while (filler.write(QByteArray(4096, 'x')) == 4096) {
+            }
+            QVERIFY(filler.resize(filler.size() - left));
+            filler.close();
+            QVERIFY(!copyOriginal(source, target));
+            QVERIFY(!compressImage(source, target, 900));
+            QCOMPARE(readFile(target), QByteArray("an earlier file"));
+            QCOMPARE(QDir(path("disk"_s)).entryList(QDir::Files | QDir::Hidden).size(), 2);
+        }
+    }
+
+    void anOriginalInItsPlaceStays()
+    {
+        const QByteArray camera = jpegOf(cornerPicture({96, 64}), 6);
+        const QString source = write("a.jpg"_s, camera);
+        QVERIFY(copyOriginal(source, source));
+        QCOMPARE(readFile(source), camera);
+    }
+
+    void sharedDecodingChangesNoPixel()
+    {
+        DecodedSources shared;
+        const QString sources[] = {
+            write("a.jpg"_s, jpegOf(cornerPicture({1200, 800}), 8)),
+            write("b.jpg"_s, jpegOf(cornerPicture({12000, 700}), 1)),
+        };
+        for (const QString &source : sources) {
+            std::vector<std::future<bool>> variants;
+            for (const int size : {90, 190, 1920}) {
+                const QString target = path(QString::number(size));
+                variants.push_back(
+                    std::async(std::launch::async, compressImage, source, target, size, &shared));
+            }
+            for (std::future<bool> &made : variants)
+                QVERIFY(made.get());
+            for (const int size : {90, 190, 1920}) {
+                const QString alone = path("alone"_s);
+                QVERIFY(compressImage(source, alone, size));
+                QCOMPARE(QImage(path(QString::number(size))), QImage(alone));
+            }
+        }
+        // Another picture under the same name is another source.
+        write("a.jpg"_s, jpegOf(QImage(1200, 800, QImage::Format_RGB32), 1));
+        QVERIFY(compressImage(sources[0], path("new"_s), 90, &shared));
+        QCOMPARE(corners(QImage(path("new"_s))), "xxxx"_s);
+    }
+
+    void sourcesAreDecodedOnceAndTwoAreKept()
+    {
+        DecodedSources shared;
+        std::atomic<int> decoded{0};
+        const auto decode = [&decoded] {
+            ++decoded;
+            return cornerPicture({8, 8});
+        };
+        std::vector<std::future<QImage>> all;
+        for (int reader = 0; reader < 8; ++reader) {
+            all.push_back(
+                std::async(std::launch::async, [&] { return shared.picture("a"_s, decode); }));
+        }
+        for (std::future<QImage> &image : all)
+            QCOMPARE(image.get(), cornerPicture({8, 8}));
+        QCOMPARE(decoded, 1);
+
+        const auto decodes = [&](const char *key) {
+            const int before = decoded;
+            shared.picture(QLatin1String(key), decode);
+            return decoded - before;
+        };
+        QCOMPARE(decodes("b"), 1);
+        QCOMPARE(decodes("a"), 0);
+        QCOMPARE(decodes("c"), 1); // pushes out b, which was used longest ago
+        QCOMPARE(decodes("a"), 0);
+        QCOMPARE(decodes("b"), 1);
+        shared.clear();
+        QCOMPARE(decodes("b"), 1);
+        QVERIFY(shared.picture("d"_s, [] { return QImage(); }).isNull());
+        QCOMPARE(decodes("d"), 1);
+    }
+
+    void aDecoderThatThrows()
+    {
+        DecodedSources shared;
+        std::promise<void> begun;
+        std::promise<void> mayThrow;
+        auto first = std::async(std::launch::async, [&] {
+            return shared.picture("a"_s, [&]() -> QImage {
+                begun.set_value();
+                mayThrow.get_future().wait();
+                throw std::runtime_error("no memory");
+            });
+        });
+        begun.get_future().wait();
+        auto second = std::async(std::launch::async, [&] {
+            return shared.picture("a"_s, [] { return cornerPicture({8, 8}); });
+        });
+        mayThrow.set_value();
+        QVERIFY_EXCEPTION_THROWN(first.get(), std::runtime_error);
+        QCOMPARE(second.get(), cornerPicture({8, 8}));
+    }
 
 private:
     QString path(const QString &name) const { return folder_->filePath(name); }
-    QString write(const QString &name, const QByteArray &bytes) const;
-    static QByteArray read(const QString &path);
+
+    QString write(const QString &name, const QByteArray &bytes) const
+    {
+        const QString file = writeFile(path(name), bytes);
+        return file;
+    }
+
     int logged(const char *line) const { return log_->count(QString::fromUtf8(line)); }
     QStringList leftOvers() const
     {
-        return QDir(folder_->path())
-            .entryList({QStringLiteral("*.part")}, QDir::Files | QDir::Hidden);
+        return QDir(folder_->path()).entryList({"*.part"_s}, QDir::Files | QDir::Hidden);
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<LogLines> log_;
 };
 
-void TestImageOperations::init()
-{
-    folder_ = std::make_unique<QTemporaryDir>();
-    log_ = std::make_unique<LogLines>();
-}
-
-void TestImageOperations::cleanup()
-{
-    log_.reset();
-    QCOMPARE(leftOvers(), QStringList());
-}
-
-QString TestImageOperations::write(const QString &name, const QByteArray &bytes) const
-{
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        qFatal("fixture not written");
-    return file.fileName();
-}
-
-QByteArray TestImageOperations::read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
 void TestImageOperations::orientations_data()
 {
-    QTest::addColumn<int>("reported");
-    QTest::addColumn<QString>("original"); // corners of what lands in "all"
-    QTest::addColumn<QString>("variant");
+    // original: corners of what lands in "all"
+    addColumns<int, QString, QString>({"reported", "original", "variant"});
     const struct
     {
         int reported;
@@ -147,379 +470,6 @@ void TestImageOperations::orientations_data()
         QTest::addRow("%d", ++orientation) << row.reported << QString::fromLatin1(row.original)
                                            << QString::fromLatin1(row.variant);
     }
-}
-
-void TestImageOperations::orientations()
-{
-    const int orientation = QByteArray(QTest::currentDataTag()).toInt();
-    const QByteArray camera = jpegOf(cornerPicture({96, 64}), orientation);
-    const QString source = write(QStringLiteral("camera.JPG"), camera);
-    const QDateTime shot(QDate(2024, 3, 7), QTime(9, 30));
-    QFile file(source);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QVERIFY(file.setFileTime(shot, QFileDevice::FileModificationTime));
-    file.close();
-    QTEST(readExifOrientation(source), "reported");
-
-    const QString original = write(QStringLiteral("original.JPG"), "an earlier file");
-    QVERIFY(copyOriginal(source, original));
-    QImageReader reader(original);
-    QCOMPARE(int(reader.transformation()), 0);
-    const QImage upright = reader.read();
-    QCOMPARE(upright.size(), orientation < 5 ? QSize(96, 64) : QSize(64, 96));
-    QTEST(corners(upright), "original");
-    QCOMPARE(QFileInfo(original).lastModified(), shot);
-    if (orientation == 1)
-        QCOMPARE(read(original), camera);
-
-    const QString variant = write(QStringLiteral("variant.JPG"), "an earlier file");
-    QVERIFY(compressImage(source, variant, 48));
-    const QImage small(variant);
-    QCOMPARE(small.size(), orientation < 5 ? QSize(48, 32) : QSize(32, 48));
-    QTEST(corners(small), "variant");
-    QCOMPARE(logged("缩小后检测到需要旋转，EXIF方向: "), orientation == 1 ? 0 : 1);
-    QCOMPARE(logged("照片存在，先删除照片"), 1);
-}
-
-void TestImageOperations::coloursKeepTheirMeaning()
-{
-    QImage picture = cornerPicture({96, 64});
-    picture.setColorSpace(QColorSpace::AdobeRgb);
-    const QString source = write(QStringLiteral("a.jpg"), jpegOf(picture, 6));
-    QVERIFY(copyOriginal(source, path(QStringLiteral("b.jpg"))));
-    QVERIFY(compressImage(source, path(QStringLiteral("c.jpg")), 48));
-    for (const char *made : {"b.jpg", "c.jpg"})
-        QCOMPARE(QImage(path(QLatin1String(made))).colorSpace(), QImage(source).colorSpace());
-    QVERIFY(QImage(source).colorSpace() != QColorSpace(QColorSpace::SRgb));
-}
-
-void TestImageOperations::rotationTable()
-{
-    const QImage picture = cornerPicture({96, 64});
-    QStringList turned;
-    for (int orientation = 0; orientation <= 9; ++orientation)
-        turned << corners(rotateImageByExif(picture, orientation));
-    QCOMPARE(turned.join(QLatin1Char(' ')),
-             QStringLiteral("RGBx RGBx GRxB xBGR BxRG RBGx GxRB xGBR BRxG RGBx"));
-    QCOMPARE(logged("未知的EXIF方向值: "), 2);
-    QCOMPARE(logged("图片旋转成功，EXIF方向: 8, 原尺寸: 96x64, 新尺寸: 64x96"), 1);
-    QVERIFY(rotateImageByExif(QImage(), 3).isNull());
-    QCOMPARE(logged("传入的图片为空，无法旋转"), 1);
-}
-
-void TestImageOperations::intermediateSizes_data()
-{
-    QTest::addColumn<QSize>("original");
-    QTest::addColumn<int>("target");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("4t reaches") << QSize(7680, 100) << 1920 << QSize(7680, 100);
-    QTest::newRow("4t just short") << QSize(7681, 7681) << 1920 << QSize(4096, 4096);
-    QTest::newRow("wide") << QSize(12000, 9000) << 190 << QSize(760, 570);
-    QTest::newRow("tall") << QSize(9000, 12000) << 1920 << QSize(3072, 4096);
-    QTest::newRow("15000") << QSize(15000, 3000) << 1920 << QSize(4096, 819);
-    QTest::newRow("15001") << QSize(15001, 3000) << 1920 << QSize(3072, 614);
-    QTest::newRow("15001, small") << QSize(15001, 3000) << 90 << QSize(270, 53);
-    QTest::newRow("20000") << QSize(20000, 10000) << 1920 << QSize(3072, 1536);
-    QTest::newRow("20001") << QSize(20001, 10000) << 1920 << QSize(2048, 1023);
-    QTest::newRow("huge") << QSize(60000, 60000) << 600 << QSize(1800, 1800);
-}
-
-void TestImageOperations::intermediateSizes()
-{
-    QFETCH(QSize, original);
-    QFETCH(int, target);
-    QTEST(calculateIntermediateSize(original, target), "size");
-}
-
-void TestImageOperations::variantSizes_data()
-{
-    QTest::addColumn<QSize>("source");
-    QTest::addColumn<int>("target");
-    QTest::addColumn<QSize>("size"); // empty: refused
-    QTest::newRow("enlarged") << QSize(1000, 800) << 1920 << QSize(1920, 1536);
-    QTest::newRow("near") << QSize(1925, 1280) << 1920 << QSize(1925, 1280);
-    QTest::newRow("9 px away") << QSize(1929, 1000) << 1920 << QSize(1929, 1000);
-    QTest::newRow("10 px away") << QSize(1930, 965) << 1920 << QSize(1920, 960);
-    QTest::newRow("9 px below") << QSize(1000, 1911) << 1920 << QSize(1000, 1911);
-    QTest::newRow("tall") << QSize(800, 1000) << 90 << QSize(72, 90);
-    QTest::newRow("square") << QSize(300, 300) << 190 << QSize(190, 190);
-    QTest::newRow("10000 px, whole") << QSize(10000, 100) << 2000 << QSize(2000, 20);
-    QTest::newRow("10001 px, reduced") << QSize(10001, 1000) << 90 << QSize(82, 8);
-    QTest::newRow("no size") << QSize(100, 100) << 0 << QSize();
-    QTest::newRow("absurd size") << QSize(100, 100) << 1000000 << QSize();
-}
-
-void TestImageOperations::variantSizes()
-{
-    QFETCH(QSize, source);
-    QFETCH(int, target);
-    QFETCH(QSize, size);
-    const QString from = write(QStringLiteral("a.jpg"), grayJpeg(source, 1));
-    const QString to = path(QStringLiteral("b.jpg"));
-    QCOMPARE(compressImage(from, to, target), !size.isEmpty());
-    QCOMPARE(QImage(to).size(), size.isEmpty() ? QImage().size() : size);
-    QCOMPARE(logged("当前尺寸已接近目标尺寸，跳过缩放"), int(size == source));
-    QCOMPARE(logged("检测到超大图片 ("), int(source.width() > 10000));
-    QCOMPARE(logged("渐进式缩放成功，中间尺寸: 360x35"), int(source.width() > 10000));
-}
-
-void TestImageOperations::thresholdsOfBytes_data()
-{
-    QTest::addColumn<qint64>("bytes");
-    QTest::addColumn<bool>("large");
-    QTest::addColumn<bool>("copied");
-    QTest::newRow("30 MB") << qint64(31457280) << false << false;
-    QTest::newRow("30 MB and a byte") << qint64(31457281) << true << false;
-    QTest::newRow("100 MB") << qint64(104857600) << true << false;
-    QTest::newRow("100 MB and a byte") << qint64(104857601) << false << true;
-}
-
-void TestImageOperations::thresholdsOfBytes()
-{
-    QFETCH(qint64, bytes);
-    QFETCH(bool, large);
-    QFETCH(bool, copied);
-    const QString source = write(QStringLiteral("a.jpg"), jpegOf(cornerPicture({96, 64}), 6));
-    QVERIFY(QFile::resize(source, bytes)); // a hole behind the picture
-    const QString target = path(QStringLiteral("b.jpg"));
-    QVERIFY(copyOriginal(source, target));
-    QCOMPARE(logged("超大图片旋转拷贝处理 (96x64, 0.0MP)"), int(large));
-    QCOMPARE(logged("文件过大 (100MB)，使用直接拷贝: "), int(copied));
-    QCOMPARE(readExifOrientation(target), copied ? 6 : 1);
-    QCOMPARE(QFileInfo(target).size() == bytes, copied);
-    QCOMPARE(corners(QImageReader(target).read()), // not read reduced: nothing was scaled back
-             copied ? QStringLiteral("RGBx") : QStringLiteral("BRxG"));
-    QCOMPARE(logged("缩放回目标尺寸"), 0);
-}
-
-void TestImageOperations::thresholdsOfPixels_data()
-{
-    QTest::addColumn<QSize>("source");
-    QTest::addColumn<int>("orientation");
-    QTest::addColumn<QString>("large");
-    QTest::addColumn<QString>("scaled");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("50 MP") << QSize(10000, 5000) << 3 << QString() << QString()
-                           << QSize(10000, 5000);
-    QTest::newRow("50 MP and a line")
-        << QSize(10000, 5001) << 6 << QStringLiteral("超大图片旋转拷贝处理 (10000x5001, 50.0MP)")
-        << QStringLiteral("缩放回目标尺寸: 2048x4096 -> 5001x10000") << QSize(5001, 10000);
-    QTest::newRow("108 MP") << QSize(12000, 9000) << 3
-                            << QStringLiteral("超大图片旋转拷贝处理 (12000x9000, 108.0MP)")
-                            << QStringLiteral("缩放回目标尺寸: 4096x3072 -> 8192x6144")
-                            << QSize(8192, 6144);
-}
-
-void TestImageOperations::thresholdsOfPixels()
-{
-    QFETCH(QSize, source);
-    QFETCH(int, orientation);
-    QFETCH(QString, large);
-    QFETCH(QString, scaled);
-    const QString from = write(QStringLiteral("a.jpg"), grayJpeg(source, orientation));
-    const QString to = path(QStringLiteral("b.jpg"));
-    QVERIFY(copyOriginal(from, to));
-    QCOMPARE(logged("超大图片旋转拷贝处理"), int(!large.isEmpty()));
-    if (!large.isEmpty()) {
-        QCOMPARE(log_->count(large), 1);
-        QCOMPARE(log_->count(scaled), 1);
-    }
-    QTEST(QImageReader(to).size(), "size");
-    QVERIFY(compressImage(from, path(QStringLiteral("c.jpg")), 90));
-    QCOMPARE(logged("检测到超大图片"), int(!large.isEmpty()));
-}
-
-void TestImageOperations::largeOriginalsKeepTheirSize()
-{
-    const QString source = write(QStringLiteral("a.jpg"), grayJpeg({6000, 4000}, 3));
-    QVERIFY(QFile::resize(source, 40000000));
-    QVERIFY(copyOriginal(source, path(QStringLiteral("b.jpg"))));
-    QCOMPARE(logged("缩放回目标尺寸: 4096x2730 -> 6000x4000"), 1);
-    QCOMPARE(QImageReader(path(QStringLiteral("b.jpg"))).size(), QSize(6000, 4000));
-}
-
-void TestImageOperations::damagedSources_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("line"); // of the variant
-    const QByteArray turned = jpegOf(cornerPicture({960, 640}), 6);
-    const QString jpg = QStringLiteral("a.jpg");
-    QTest::newRow("cut short") << jpg << turned.left(turned.size() - 400)
-                               << QStringLiteral("图片读取失败:");
-    QTest::newRow("head only") << jpg << turned.left(40) << QStringLiteral("无法");
-    QTest::newRow("no picture") << jpg << QByteArray("not a picture")
-                                << QStringLiteral("无法读取图片:");
-    QTest::newRow("claims 3.6 GP")
-        << jpg << claiming(turned, 60000, 60000) << QStringLiteral("保守模式读取仍然失败:");
-    QTest::newRow("of a kind that is only read whole")
-        << QStringLiteral("a.ppm") << QByteArray("P6\n12000 12000\n255\nxxxxxx")
-        << QStringLiteral("保守模式读取仍然失败:");
-}
-
-void TestImageOperations::damagedSources()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, line);
-    const QString source = write(name, bytes);
-    const QString original = path(QStringLiteral("original"));
-    QVERIFY(copyOriginal(source, original));
-    QCOMPARE(read(original), bytes);
-    QVERIFY(rotateCopyImage(source, original));
-    QCOMPARE(read(original), bytes);
-    QCOMPARE(log_->all()
-                 .filter(QRegularExpression(QStringLiteral("回退到直接拷贝|进行旋转拷贝:")))
-                 .isEmpty(),
-             false);
-
-    const QString variant = write(QStringLiteral("variant"), "an earlier file");
-    QVERIFY(!compressImage(source, variant, 90));
-    QCOMPARE(read(variant), QByteArray("an earlier file"));
-    QVERIFY(log_->count(line) > 0);
-}
-
-void TestImageOperations::theEndOfAJpeg()
-{
-    const QByteArray whole = jpegOf(cornerPicture({96, 64}), 6);
-    const auto reachesEnd = [this](const QByteArray &bytes) {
-        return jpegReachesItsEnd(write(QStringLiteral("a.jpg"), bytes));
-    };
-    QVERIFY(reachesEnd(whole));
-    QVERIFY(reachesEnd(whole + "what the camera added"));
-    QVERIFY(!reachesEnd(whole.left(whole.size() - 1)));
-    // The end of a preview inside a segment is not that of the picture.
-    const QByteArray segment("\xff\xe1\x00\x06\xff\xd8\xff\xd9", 8);
-    QVERIFY(reachesEnd(QByteArray(whole).insert(2, segment)));
-    QVERIFY(!reachesEnd(QByteArray(whole).insert(2, segment).left(whole.size())));
-    QVERIFY(!reachesEnd(QByteArray()));
-    QVERIFY(!jpegReachesItsEnd(path(QStringLiteral("missing.jpg"))));
-}
-
-void TestImageOperations::targetsThatMayNotBeReplaced()
-{
-    const QString source = write(QStringLiteral("a.jpg"), jpegOf(cornerPicture({96, 64}), 6));
-    const QString target = write(QStringLiteral("protected.jpg"), "protected");
-    QVERIFY(QFile::setPermissions(target, QFileDevice::ReadOwner));
-    QVERIFY(!copyOriginal(source, target));
-    QVERIFY(!rotateCopyImage(source, target));
-    QVERIFY(!compressImage(source, target, 90));
-    QCOMPARE(read(target), QByteArray("protected"));
-    QVERIFY(!copyOriginal(path(QStringLiteral("missing")), target));
-    QCOMPARE(logged("源文件不存在:"), 1);
-}
-
-void TestImageOperations::fullDisk()
-{
-    const SmallDisk disk(path(QStringLiteral("disk")), 1);
-    if (!disk.isMounted())
-        QSKIP("no rights to mount a file system");
-    const QString source = write(QStringLiteral("a.jpg"), jpegOf(cornerPicture({960, 640}), 6));
-    const QString target = write(QStringLiteral("disk/a.jpg"), "an earlier file");
-    // All room but a page, then all of it.
-    for (const int left : {4096, 0}) {
-        QFile filler(path(QStringLiteral("disk/filler")));
-        QVERIFY(filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-        while (filler.write(QByteArray(4096, 'x')) == 4096) {
-        }
-        QVERIFY(filler.resize(filler.size() - left));
-        filler.close();
-        QVERIFY(!copyOriginal(source, target));
-        QVERIFY(!compressImage(source, target, 900));
-        QCOMPARE(read(target), QByteArray("an earlier file"));
-        QCOMPARE(QDir(path(QStringLiteral("disk"))).entryList(QDir::Files | QDir::Hidden).size(),
-                 2);
-    }
-}
-
-void TestImageOperations::anOriginalInItsPlaceStays()
-{
-    const QByteArray camera = jpegOf(cornerPicture({96, 64}), 6);
-    const QString source = write(QStringLiteral("a.jpg"), camera);
-    QVERIFY(copyOriginal(source, source));
-    QCOMPARE(read(source), camera);
-}
-
-void TestImageOperations::sharedDecodingChangesNoPixel()
-{
-    DecodedSources shared;
-    const QString sources[] = {
-        write(QStringLiteral("a.jpg"), jpegOf(cornerPicture({1200, 800}), 8)),
-        write(QStringLiteral("b.jpg"), jpegOf(cornerPicture({12000, 700}), 1)),
-    };
-    for (const QString &source : sources) {
-        std::vector<std::future<bool>> variants;
-        for (const int size : {90, 190, 1920}) {
-            const QString target = path(QString::number(size));
-            variants.push_back(
-                std::async(std::launch::async, compressImage, source, target, size, &shared));
-        }
-        for (std::future<bool> &made : variants)
-            QVERIFY(made.get());
-        for (const int size : {90, 190, 1920}) {
-            const QString alone = path(QStringLiteral("alone"));
-            QVERIFY(compressImage(source, alone, size));
-            QCOMPARE(QImage(path(QString::number(size))), QImage(alone));
-        }
-    }
-    // Another picture under the same name is another source.
-    write(QStringLiteral("a.jpg"), jpegOf(QImage(1200, 800, QImage::Format_RGB32), 1));
-    QVERIFY(compressImage(sources[0], path(QStringLiteral("new")), 90, &shared));
-    QCOMPARE(corners(QImage(path(QStringLiteral("new")))), QStringLiteral("xxxx"));
-}
-
-void TestImageOperations::sourcesAreDecodedOnceAndTwoAreKept()
-{
-    DecodedSources shared;
-    std::atomic<int> decoded{0};
-    const auto decode = [&decoded] {
-        ++decoded;
-        return cornerPicture({8, 8});
-    };
-    std::vector<std::future<QImage>> all;
-    for (int reader = 0; reader < 8; ++reader) {
-        all.push_back(std::async(std::launch::async,
-                                 [&] { return shared.picture(QStringLiteral("a"), decode); }));
-    }
-    for (std::future<QImage> &image : all)
-        QCOMPARE(image.get(), cornerPicture({8, 8}));
-    QCOMPARE(decoded, 1);
-
-    const auto decodes = [&](const char *key) {
-        const int before = decoded;
-        shared.picture(QLatin1String(key), decode);
-        return decoded - before;
-    };
-    QCOMPARE(decodes("b"), 1);
-    QCOMPARE(decodes("a"), 0);
-    QCOMPARE(decodes("c"), 1); // pushes out b, which was used longest ago
-    QCOMPARE(decodes("a"), 0);
-    QCOMPARE(decodes("b"), 1);
-    shared.clear();
-    QCOMPARE(decodes("b"), 1);
-    QVERIFY(shared.picture(QStringLiteral("d"), [] { return QImage(); }).isNull());
-    QCOMPARE(decodes("d"), 1);
-}
-
-void TestImageOperations::aDecoderThatThrows()
-{
-    DecodedSources shared;
-    std::promise<void> begun;
-    std::promise<void> mayThrow;
-    auto first = std::async(std::launch::async, [&] {
-        return shared.picture(QStringLiteral("a"), [&]() -> QImage {
-            begun.set_value();
-            mayThrow.get_future().wait();
-            throw std::runtime_error("no memory");
-        });
-    });
-    begun.get_future().wait();
-    auto second = std::async(std::launch::async, [&] {
-        return shared.picture(QStringLiteral("a"), [] { return cornerPicture({8, 8}); });
-    });
-    mayThrow.set_value();
-    QVERIFY_EXCEPTION_THROWN(first.get(), std::runtime_error);
-    QCOMPARE(second.get(), cornerPicture({8, 8}));
 }
 
 QTEST_GUILESS_MAIN(TestImageOperations)

@@ -2,6 +2,8 @@
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
 #include "platform/power.h"
+#include "tests/support/datarows.h"
+#include "tests/support/text.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -68,31 +70,20 @@ private slots:
 
     void tellsDrives_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("root");
-        QTest::addColumn<bool>("remote");
+        addColumns<QString, QString, bool>({"path", "root", "remote"});
 #ifdef Q_OS_WIN
-        QTest::newRow("own drive") << "C:\\windows\\x"
-                                   << "C:/" << false;
+        newRow("own drive", "C:\\windows\\x", "C:/", false);
         // The test's session has this one on another machine.
-        QTest::newRow("remote drive") << "Y:\\photos\\gone.jpg"
-                                      << "Y:/" << true;
-        QTest::newRow("remote drive, small") << "y:/photos"
-                                             << "y:/" << true;
-        QTest::newRow("no such drive") << "Q:/photos"
-                                       << "Q:/" << false;
-        QTest::newRow("share") << "\\\\nas\\photos"
-                               << "" << false;
-        QTest::newRow("no drive") << "photos"
-                                  << "" << false;
+        newRow("remote drive", "Y:\\photos\\gone.jpg", "Y:/", true);
+        newRow("remote drive, small", "y:/photos", "y:/", true);
+        newRow("no such drive", "Q:/photos", "Q:/", false);
+        newRow("share", "\\\\nas\\photos", "", false);
+        newRow("no drive", "photos", "", false);
 #else
-        QTest::newRow("mounted") << "/proc/version"
-                                 << "/proc" << false;
-        QTest::newRow("gone") << "/proc/gone/gone.jpg"
-                              << "/proc" << false;
+        newRow("mounted", "/proc/version", "/proc", false);
+        newRow("gone", "/proc/gone/gone.jpg", "/proc", false);
 #endif
-        QTest::newRow("empty") << ""
-                               << "" << false;
+        newRow("empty", "", "", false);
     }
 
     void tellsDrives()
@@ -105,23 +96,22 @@ private slots:
     void tellsWhoHoldsAFile_data()
     {
         QTest::addColumn<QString>("how");
-        QTest::newRow("whole") << "whole";
-        QTest::newRow("region") << "region";
+        newRow("whole", "whole");
+        newRow("region", "region");
     }
 
     void tellsWhoHoldsAFile()
     {
         QFETCH(QString, how);
         QTemporaryDir folder;
-        QFile photo(folder.filePath(QStringLiteral("婚 1.jpg")));
+        QFile photo(folder.filePath("婚 1.jpg"_s));
         QVERIFY(photo.open(QIODevice::WriteOnly) && photo.write("photo") == 5);
         photo.close();
         QVERIFY(!platform::isInUse(photo.fileName()));
-        QVERIFY(!platform::isInUse(folder.filePath(QStringLiteral("gone"))));
+        QVERIFY(!platform::isInUse(folder.filePath("gone"_s)));
 
         QProcess other;
-        other.start(QCoreApplication::applicationFilePath(),
-                    {QStringLiteral("--hold"), photo.fileName(), how});
+        other.start(QCoreApplication::applicationFilePath(), {"--hold"_s, photo.fileName(), how});
         QVERIFY(other.waitForReadyRead(60000));
         QCOMPARE(other.readAllStandardOutput().trimmed(), QByteArray("held"));
         QVERIFY(platform::isInUse(photo.fileName()));
@@ -155,15 +145,13 @@ private slots:
     {
         const QString drive = QDir::current().absolutePath().left(2);
         for (const auto &[path, expected] :
-             {std::pair(QStringLiteral("C:/a/../b"), QStringLiteral("\\\\?\\C:\\b")),
-              {QStringLiteral("C:\\a\\b. "), QStringLiteral("\\\\?\\C:\\a\\b. ")},
-              {QStringLiteral("//nas/photos/a"), QStringLiteral("\\\\?\\UNC\\nas\\photos\\a")},
-              {QStringLiteral("\\\\nas\\photos"), QStringLiteral("\\\\?\\UNC\\nas\\photos")},
-              {QStringLiteral("\\photos\\a"),
-               QStringLiteral("\\\\?\\") + drive + QStringLiteral("\\photos\\a")},
-              { QStringLiteral("a"),
-                QStringLiteral("\\\\?\\") +
-                    QDir::toNativeSeparators(QDir().absoluteFilePath(QStringLiteral("a"))) }})
+             {std::pair("C:/a/../b"_s, "\\\\?\\C:\\b"_s),
+              {"C:\\a\\b. "_s, "\\\\?\\C:\\a\\b. "_s},
+              {"//nas/photos/a"_s, "\\\\?\\UNC\\nas\\photos\\a"_s},
+              {"\\\\nas\\photos"_s, "\\\\?\\UNC\\nas\\photos"_s},
+              {"\\photos\\a"_s, "\\\\?\\"_s + drive + "\\photos\\a"_s},
+              { "a"_s,
+                "\\\\?\\"_s + QDir::toNativeSeparators(QDir().absoluteFilePath("a"_s)) }})
             QCOMPARE(QString::fromStdWString(platform::longPath(path)), expected);
     }
 #endif

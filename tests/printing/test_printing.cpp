@@ -1,4 +1,5 @@
 #include "app/context/k.h"
+#include "tests/support/text.h"
 
 #include <QApplication>
 #include <QFile>
@@ -18,24 +19,22 @@ private slots:
     {
         K::instance()->initApplication(qGuiApp);
         QTemporaryDir folder;
-        const QString path = folder.filePath(QStringLiteral("明细制作单.pdf"));
+        const QString path = folder.filePath("明细制作单.pdf"_s);
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setPageSize(QPageSize(QPageSize::A4));
         printer.setOutputFileName(path);
         QTextDocument document;
-        document.setHtml(QStringLiteral("<h1>婚纱照</h1>") +
-                         QStringLiteral("<p>张三 李四</p>").repeated(200));
+        document.setHtml("<h1>婚纱照</h1>"_s + "<p>张三 李四</p>"_s.repeated(200));
         document.print(&printer);
 
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         const QByteArray bytes = file.readAll();
         const QString pdf(QLatin1String(bytes.constData(), bytes.size()));
-        QVERIFY(pdf.startsWith(QStringLiteral("%PDF-")));
-        QVERIFY(pdf.trimmed().endsWith(QStringLiteral("%%EOF")));
-        const QRegularExpression box(
-            QStringLiteral("/MediaBox \\[0 0 (\\d+)(?:\\.\\d+)? (\\d+)(?:\\.\\d+)?\\]"));
+        QVERIFY(pdf.startsWith("%PDF-"_s));
+        QVERIFY(pdf.trimmed().endsWith("%%EOF"_s));
+        const QRegularExpression box("/MediaBox \\[0 0 (\\d+)(?:\\.\\d+)? (\\d+)(?:\\.\\d+)?\\]"_s);
         int pages = 0;
         for (auto found = box.globalMatch(pdf); found.hasNext(); ++pages) {
             const auto match = found.next();
@@ -43,7 +42,7 @@ private slots:
             QCOMPARE(match.captured(2).toInt(), 842);
         }
         QVERIFY(pages > 1);
-        QVERIFY(pdf.contains(QStringLiteral("/FontFile2"))); // the glyphs go along
+        QVERIFY(pdf.contains("/FontFile2"_s)); // the glyphs go along
     }
 };
 

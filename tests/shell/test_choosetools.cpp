@@ -1,6 +1,7 @@
 #include "app/shell/cardgrid.h"
 #include "app/shell/choosetools.h"
 #include "app/shell/toolcardwidget.h"
+#include "tests/support/text.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -39,9 +40,7 @@ private slots:
         };
         const QString icon = allTools().first().icon;
         launcher_ = std::make_unique<ChooseTools>(
-            nullptr, QVector<Tool>{{QStringLiteral("甲"), icon, make},
-                                   {QStringLiteral("乙"), icon},
-                                   {QStringLiteral("丙"), icon, make}});
+            nullptr, QVector<Tool>{{"甲"_s, icon, make}, {"乙"_s, icon}, {"丙"_s, icon, make}});
         launcher_->show();
         QApplication::setActiveWindow(launcher_.get());
         cards_ = launcher_->findChildren<ToolCardWidget *>();
@@ -63,7 +62,7 @@ private slots:
                 continue;
             const std::unique_ptr<QWidget> window(tool.makeWindow());
             // One window serves several cards under a title of its own.
-            if (window->windowTitle() != QStringLiteral("分件工具"))
+            if (window->windowTitle() != "分件工具"_s)
                 QCOMPARE(window->windowTitle(), tool.label);
         }
     }
@@ -130,15 +129,14 @@ private slots:
         open(1);
         QTest::keyClick(card(1), Qt::Key_Return);
         QVERIFY(doubleClicked.isEmpty());
-        QVERIFY(card(1)->toolTip().contains(QStringLiteral("乙")));
+        QVERIFY(card(1)->toolTip().contains("乙"_s));
     }
 
     void leavesToolsOpen()
     {
         open(0);
         QSignalSpy closed(launcher_.get(), &FramelessWindow::closed);
-        QTest::mouseClick(launcher_->findChild<QWidget *>(QStringLiteral("closeButton")),
-                          Qt::LeftButton);
+        QTest::mouseClick(launcher_->findChild<QWidget *>("closeButton"_s), Qt::LeftButton);
         QCOMPARE(closed.size(), 1);
         QVERIFY(!launcher_->isVisible());
         launcher_.reset();

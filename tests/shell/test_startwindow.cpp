@@ -6,6 +6,7 @@
 #include "app/shell/startwindow.h"
 #include "distribution/fjhome.h"
 #include "tests/support/democlient.h"
+#include "tests/support/text.h"
 
 #include <QApplication>
 #include <QPointer>
@@ -33,28 +34,26 @@ class TestStartWindow : public QObject
 private slots:
     void findsTheAddress()
     {
-        const QString address = QStringLiteral("https://a");
+        const QString address = "https://a"_s;
         for (const auto &[arguments, found] :
-             {std::pair(QStringLiteral("tool --login-data x"), QString()),
-              {QStringLiteral("tool --url-host https://a --parent-window 7"), address},
-              {QStringLiteral("tool --url-host https://b --url-host https://a"), address},
-              {QStringLiteral("tool --url-host"), QString()},
-              {QStringLiteral("tool --URL-host https://a"), QString()}})
+             {std::pair("tool --login-data x"_s, QString()),
+              {"tool --url-host https://a --parent-window 7"_s, address},
+              {"tool --url-host https://b --url-host https://a"_s, address},
+              {"tool --url-host"_s, QString()},
+              {"tool --URL-host https://a"_s, QString()}})
             QCOMPARE(urlHostIn(arguments.split(QLatin1Char(' '))), found);
     }
 
     void startsFromSavedLoginData()
     {
-        const QJsonObject shop{{QStringLiteral("id"), QStringLiteral("5")},
-                               {QStringLiteral("goodsfoldernamerule"), QStringLiteral("[]")}};
-        K::instance()->saveLoginData({{QStringLiteral("UID"), QStringLiteral("77")},
-                                      {QStringLiteral("shop_data"), QJsonArray{shop}}});
-        AccountContext::shopId = QStringLiteral("before");
+        const QJsonObject shop{{"id"_s, "5"_s}, {"goodsfoldernamerule"_s, "[]"_s}};
+        K::instance()->saveLoginData({{"UID"_s, "77"_s}, {"shop_data"_s, QJsonArray{shop}}});
+        AccountContext::shopId = "before"_s;
         K::instance()->openStartWindow(2);
-        QCOMPARE(AccountContext::uid, QStringLiteral("77"));
+        QCOMPARE(AccountContext::uid, "77"_s);
         QCOMPARE(AccountContext::shopList.size(), 1);
         QCOMPARE(AccountContext::shopList.first().goodsfoldernamerule, QString());
-        QCOMPARE(AccountContext::shopId, QStringLiteral("before"));
+        QCOMPARE(AccountContext::shopId, "before"_s);
         QVERIFY(QApplication::topLevelWidgets().isEmpty());
     }
 
@@ -62,21 +61,20 @@ private slots:
     {
         DemoClient demo;
         demo.reset();
-        const QJsonObject shop{{QStringLiteral("id"), QStringLiteral("102")},
-                               {QStringLiteral("name"), QStringLiteral("滨江店")}};
-        K::instance()->saveLoginData({{QStringLiteral("UID"), QStringLiteral("9001")},
-                                      {QStringLiteral("EID"), QStringLiteral("3102")},
-                                      {QStringLiteral("SUPERID"), QStringLiteral("7002")},
-                                      {QStringLiteral("shop_data"), QJsonArray{shop}}});
+        const QJsonObject shop{{"id"_s, "102"_s}, {"name"_s, "滨江店"_s}};
+        K::instance()->saveLoginData({{"UID"_s, "9001"_s},
+                                      {"EID"_s, "3102"_s},
+                                      {"SUPERID"_s, "7002"_s},
+                                      {"shop_data"_s, QJsonArray{shop}}});
         AccountContext::shopId.clear();
         AccountContext::selectedShopId.clear();
         K::instance()->openStartWindow(1);
         QPointer<FJHome> window = topLevel<FJHome>();
         QVERIFY(window && window->isVisible() && window->isMaximized());
         QCOMPARE(window->splitType(), DesignFileSplitTypes::Distribution);
-        auto *orders = window->findChild<QTableView *>(QStringLiteral("orderTable"));
+        auto *orders = window->findChild<QTableView *>("orderTable"_s);
         QTRY_VERIFY(orders->model()->rowCount() > 0);
-        QCOMPARE(demo.requests(QStringLiteral("order_list_type_1")).size(), 1);
+        QCOMPARE(demo.requests("order_list_type_1"_s).size(), 1);
         window->close();
         QTRY_VERIFY(!window);
     }
@@ -84,7 +82,7 @@ private slots:
     void leadsFromLoginToLauncher()
     {
         DemoClient().reset();
-        CredentialsFile().write({QStringLiteral("demo01"), QStringLiteral("abc123"), true});
+        CredentialsFile().write({"demo01"_s, "abc123"_s, true});
         K::instance()->openStartWindow(0);
         QPointer<LoginNew> login = topLevel<LoginNew>();
         QVERIFY(login && login->isVisible());
@@ -92,7 +90,7 @@ private slots:
         QTRY_VERIFY(topLevel<ChooseTools>());
         QPointer<ChooseTools> launcher = topLevel<ChooseTools>();
         QVERIFY(launcher->isVisible());
-        QCOMPARE(launcher->loginReply()[QStringLiteral("UID")].toString(), AccountContext::uid);
+        QCOMPARE(launcher->loginReply()["UID"_s].toString(), AccountContext::uid);
         QTRY_VERIFY(!login);
         launcher->close();
         QTRY_VERIFY(!launcher);

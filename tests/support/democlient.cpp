@@ -2,6 +2,7 @@
 
 #include "app/context/accountcontext.h"
 #include "net/basereq.h"
+#include "tests/support/text.h"
 
 #include <QEventLoop>
 #include <QJsonDocument>
@@ -11,55 +12,68 @@
 
 void DemoClient::reset()
 {
-    post(QStringLiteral("reset"), {});
+    post("reset"_s, {});
 }
 
 QJsonArray DemoClient::requests(const QString &action)
 {
-    QString path = QStringLiteral("requests");
+    QString path = "requests"_s;
     if (!action.isEmpty())
-        path += QStringLiteral("?action=") + action;
+        path += "?action="_s + action;
     return QJsonDocument::fromJson(call(path, nullptr)).array();
 }
 
 void DemoClient::clearRequests()
 {
-    post(QStringLiteral("requests/clear"), {});
+    post("requests/clear"_s, {});
 }
 
 void DemoClient::misbehave(const QString &action, const QString &kind, QJsonObject more)
 {
-    more.insert(QStringLiteral("action"), action);
-    more.insert(QStringLiteral("kind"), kind);
-    post(QStringLiteral("misbehave"), more);
+    more.insert("action"_s, action);
+    more.insert("kind"_s, kind);
+    post("misbehave"_s, more);
+}
+
+void DemoClient::hold(const QString &action, int times)
+{
+    misbehave(action, "hold"_s, {{"times"_s, times}});
+}
+
+void DemoClient::refuse(const QString &action, const QString &message)
+{
+    misbehave(action, "refuse"_s, {{"message"_s, message}});
+}
+
+QString DemoClient::body(const QString &action, int index)
+{
+    const QJsonArray sent = requests(action);
+    return sent.at(index < 0 ? sent.size() + index : index)["body"_s].toString();
 }
 
 void DemoClient::release()
 {
-    post(QStringLiteral("release"), {});
+    post("release"_s, {});
 }
 
 QJsonObject DemoClient::state()
 {
-    return QJsonDocument::fromJson(call(QStringLiteral("state"), nullptr)).object();
+    return QJsonDocument::fromJson(call("state"_s, nullptr)).object();
 }
 
 void DemoClient::changeOrder(const QString &orderId, const QJsonObject &fields)
 {
-    post(QStringLiteral("orders"),
-         {{QStringLiteral("id"), orderId}, {QStringLiteral("fields"), fields}});
+    post("orders"_s, {{"id"_s, orderId}, {"fields"_s, fields}});
 }
 
 void DemoClient::choosePhotos(const QString &orderId, int count)
 {
-    post(QStringLiteral("orders"),
-         {{QStringLiteral("id"), orderId}, {QStringLiteral("photos"), count}});
+    post("orders"_s, {{"id"_s, orderId}, {"photos"_s, count}});
 }
 
 void DemoClient::addOrders(int count, const QString &shopId)
 {
-    post(QStringLiteral("orders"),
-         {{QStringLiteral("add"), count}, {QStringLiteral("shopid"), shopId}});
+    post("orders"_s, {{"add"_s, count}, {"shopid"_s, shopId}});
 }
 
 void DemoClient::post(const QString &path, const QJsonObject &body)
@@ -71,8 +85,8 @@ void DemoClient::post(const QString &path, const QJsonObject &body)
 QByteArray DemoClient::call(const QString &path, const QByteArray *body)
 {
     QNetworkAccessManager manager;
-    QNetworkRequest request(QUrl(AccountContext::baseUrl + QStringLiteral("/demo/") + path));
-    request.setHeader(QNetworkRequest::ContentTypeHeader, QStringLiteral("application/json"));
+    QNetworkRequest request(QUrl(AccountContext::baseUrl + "/demo/"_s + path));
+    request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json"_s);
     BaseReq::applyTlsSettings(&request);
     QNetworkReply *reply = body ? manager.post(request, *body) : manager.get(request);
     QEventLoop loop;

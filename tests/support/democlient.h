@@ -17,9 +17,17 @@ public:
     void clearRequests();
     /// Such as {"action": "order_list", "kind": "drop", "times": 1}.
     void misbehave(const QString &action, const QString &kind, QJsonObject more = {});
+    /// Keeps the answers of the action's next requests back; held() tells how many wait.
+    void hold(const QString &action, int times = 1);
     /// Answers what is held back.
     void release();
+    int held() { return state().value(QStringLiteral("held")).toInt(); }
+    /// Refuses the action's next request.
+    void refuse(const QString &action, const QString &message);
+    /// What one of the action's requests said; of a negative index, counted from the last.
+    QString body(const QString &action, int index = -1);
     QJsonObject state();
+    QString share() { return state().value(QStringLiteral("share")).toString(); }
     /// Changes one order's fields, for both its records and the client's next search.
     void changeOrder(const QString &orderId, const QJsonObject &fields);
     /// From now on so many photos of the order are chosen; the caller puts them on the share.

@@ -1,68 +1,33 @@
-#include "app/shell/choosetools.h"
-#include "app/shell/toolcardwidget.h"
 #include "distribution/distributionordermodel.h"
 #include "distribution/fjhome.h"
 #include "distribution/foldernamingrule.h"
-#include "tests/tour/guide.h"
-#include "tests/tour/steps.h"
+#include "tests/tour/toolhand.h"
 #include "widgets/filedialog.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QImage>
 #include <QLabel>
-#include <QLineEdit>
 #include <QProcess>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTableView>
 #include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 
-const QString orderNumber = QStringLiteral("TS10001");
+const QString orderNumber = "TS10001"_s;
 
 /// The distribution window of one card, as the tour handles it.
-class DistributionHand
+class DistributionHand : public ToolHand<FJHome, DistributionOrderModel::NumberColumn>
 {
 public:
-    DistributionHand(Guide &guide, const QString &card) : guide_(guide)
-    {
-        auto *launcher = guide.waitForWindow<ChooseTools>(QStringLiteral("the launcher is there"));
-        QTest::mouseDClick(launcher->findChild<ToolCardWidget *>(card), Qt::LeftButton);
-        window_ = guide.waitForWindow<FJHome>(QStringLiteral("its window opens"));
-        guide.spread(window_);
-        guide.waitFor([this] { return table()->model()->rowCount() > 2; },
-                      QStringLiteral("the branch's orders are listed"));
-    }
+    using ToolHand::ToolHand;
 
-    FJHome *window() const { return window_; }
-    QTableView *table() const
-    {
-        return window_->findChild<QTableView *>(QStringLiteral("orderTable"));
-    }
     QString label(const char *name) const
     {
         return window_->findChild<QLabel *>(QString::fromLatin1(name))->text();
     }
 
-    void search()
-    {
-        guide_.typeInto(window_, "keywordEdit", orderNumber);
-        QTest::keyClick(window_->findChild<QLineEdit *>(QStringLiteral("keywordEdit")),
-                        Qt::Key_Return);
-        guide_.waitFor([this] { return table()->model()->rowCount() == 2; },
-                       QStringLiteral("a search finds the order's two services"));
-    }
-
-    void clickCell(int row, int column)
-    {
-        const QModelIndex index = table()->model()->index(row, column);
-        QTest::mouseClick(table()->viewport(), Qt::LeftButton, {},
-                          table()->visualRect(index).center());
-    }
+    void clickCell(int row, int column) { press(orders()->model()->index(row, column)); }
 
     void choose(const QString &directory)
     {
@@ -74,30 +39,17 @@ public:
     QDir distribute(const QString &directory, const QString &pictureName)
     {
         choose(directory);
-        guide_.answerNextBox(QStringLiteral("确定"), pictureName + QStringLiteral("-finished"));
+        guide_.answerNextBox("确定"_s, pictureName + "-finished"_s);
         guide_.click(window_, "startButton");
-        guide_.check(guide_.boxText() == QStringLiteral("1个订单分件完成!"),
-                     QStringLiteral("the end is announced, without failures"));
+        guide_.check(guide_.boxText() == "1个订单分件完成!"_s,
+                     "the end is announced, without failures"_s);
         guide_.picture(window_, pictureName);
         const QStringList folders = QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         guide_.check(folders.size() == 1 && folders.first().startsWith(orderNumber),
-                     QStringLiteral("the order has one folder"));
+                     "the order has one folder"_s);
         return QDir(directory).filePath(folders.first());
     }
-
-private:
-    Guide &guide_;
-    FJHome *window_ = nullptr;
 };
-
-int filesBelow(const QString &folder, const QString &pattern = QStringLiteral("*"))
-{
-    int count = 0;
-    QDirIterator files(folder, {pattern}, QDir::Files, QDirIterator::Subdirectories);
-    for (; files.hasNext(); files.next())
-        ++count;
-    return count;
-}
 
 /// One card's window, one order, one folder.
 void tourCard(Guide &guide, const QString &card, const QString &name, const QStringList &files)
@@ -105,11 +57,11 @@ void tourCard(Guide &guide, const QString &card, const QString &name, const QStr
     guide.step(card);
     const QTemporaryDir directory;
     DistributionHand hand(guide, card);
-    hand.search();
+    hand.search(orderNumber, 2);
     hand.clickCell(0, DistributionOrderModel::TickColumn);
     const QDir made = hand.distribute(directory.path(), name);
     for (const QString &file : files)
-        guide.check(QFileInfo(made, file).size() > 0, file + QStringLiteral(" is there"));
+        guide.check(QFileInfo(made, file).size() > 0, file + " is there"_s);
     hand.window()->close();
 }
 
@@ -117,79 +69,66 @@ void showSheet(Guide &guide, const QString &sheet)
 {
 #ifdef Q_OS_WIN
     // Nothing there turns a document into pictures.
-    guide.check(QFileInfo(sheet).size() > 0, QStringLiteral("the sheet is there"));
+    guide.check(QFileInfo(sheet).size() > 0, "the sheet is there"_s);
     return;
 #endif
     const QTemporaryDir pages;
     QProcess render;
-    render.start(QStringLiteral("pdftoppm"),
-                 {QStringLiteral("-png"), QStringLiteral("-r"), QStringLiteral("80"), sheet,
-                  pages.filePath(QStringLiteral("page"))});
+    render.start("pdftoppm"_s, {"-png"_s, "-r"_s, "80"_s, sheet, pages.filePath("page"_s)});
     guide.check(render.waitForFinished() && render.exitCode() == 0,
-                QStringLiteral("the sheet is a document that others can read"));
+                "the sheet is a document that others can read"_s);
     const QStringList names = QDir(pages.path()).entryList(QDir::Files, QDir::Name);
-    guide.check(!names.isEmpty(), QStringLiteral("it has %1 pages").arg(names.size()));
+    guide.check(!names.isEmpty(), "it has %1 pages"_s.arg(names.size()));
     for (const QString &name : names)
-        guide.picture(QImage(pages.filePath(name)), QStringLiteral("sheet-") + name.left(6));
+        guide.picture(QImage(pages.filePath(name)), "sheet-"_s + name.left(6));
 }
 
 } // namespace
 
 void tourDistribution(Guide &guide)
 {
-    guide.step(QStringLiteral("设计分件: 打开"));
+    guide.step("设计分件: 打开"_s);
     const QTemporaryDir directory;
-    DistributionHand hand(guide, QStringLiteral("设计分件"));
-    guide.picture(hand.window(), QStringLiteral("distribution-opened"));
-    hand.search();
+    DistributionHand hand(guide, "设计分件"_s);
+    guide.picture(hand.window(), "distribution-opened"_s);
+    hand.search(orderNumber, 2);
     hand.clickCell(0, DistributionOrderModel::NumberColumn);
-    guide.waitFor(
-        [&hand] { return hand.label("undownloadLabel").contains(QStringLiteral("(4张)")); },
-        QStringLiteral("the order's photos are listed"));
+    guide.waitFor([&hand] { return hand.label("undownloadLabel").contains("(4张)"_s); },
+                  "the order's photos are listed"_s);
 
     auto *naming = hand.window()->findChild<FolderNamingRule *>();
     hand.window()->findChild<QScrollArea *>()->ensureWidgetVisible(naming);
-    guide.picture(hand.window(), QStringLiteral("distribution-naming"));
+    guide.picture(hand.window(), "distribution-naming"_s);
     hand.window()->findChild<QScrollArea *>()->verticalScrollBar()->setValue(0);
 
-    guide.step(QStringLiteral("设计分件: 开始分件"));
+    guide.step("设计分件: 开始分件"_s);
     hand.clickCell(0, DistributionOrderModel::TickColumn);
-    hand.window()->findChild<QAbstractButton *>(QStringLiteral("option原始档"))->click();
-    const QDir made = hand.distribute(directory.path(), QStringLiteral("distribution-complete"));
-    guide.check(filesBelow(made.path(), QStringLiteral("IMG_0003.jpg")) >= 8,
-                QStringLiteral("a photo lies in every product that uses it"));
-    guide.check(made.exists(QStringLiteral("其他/成品/IMG_0009.jpg")),
-                QStringLiteral("what no product uses is kept"));
-    guide.waitFor(
-        [&hand] { return hand.label("downloadedLabel").contains(QStringLiteral("(4张)")); },
-        QStringLiteral("all photos count as downloaded"));
-    guide.waitFor(
-        [&guide] {
-            return guide.studio().requests(QStringLiteral("download_success")).size() == 4;
-        },
-        QStringLiteral("and the service knows"));
-    showSheet(guide, made.filePath(QStringLiteral("明细制作单.pdf")));
+    hand.window()->findChild<QAbstractButton *>("option原始档"_s)->click();
+    const QDir made = hand.distribute(directory.path(), "distribution-complete"_s);
+    guide.check(filesBelow(made.path()).filter("IMG_0003.jpg"_s).size() >= 8,
+                "a photo lies in every product that uses it"_s);
+    guide.check(made.exists("其他/成品/IMG_0009.jpg"_s), "what no product uses is kept"_s);
+    guide.waitFor([&hand] { return hand.label("downloadedLabel").contains("(4张)"_s); },
+                  "all photos count as downloaded"_s);
+    guide.waitFor([&guide] { return guide.studio().requests("download_success"_s).size() == 4; },
+                  "and the service knows"_s);
+    showSheet(guide, made.filePath("明细制作单.pdf"_s));
 
-    guide.step(QStringLiteral("设计分件: 失败记录"));
-    const QDir share(guide.studio().state().value(QStringLiteral("share")).toString());
-    const QString photo =
-        share.filePath(QStringLiteral("海棠路旗舰店/选片/TS10001-1/选片/all/IMG_0009.jpg"));
-    guide.check(QFile::rename(photo, photo + QStringLiteral(".away")),
-                QStringLiteral("a photo vanishes from the share"));
-    guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("distribution-failed-box"));
+    guide.step("设计分件: 失败记录"_s);
+    const QDir share(guide.studio().share());
+    const QString photo = share.filePath("海棠路旗舰店/选片/TS10001-1/选片/all/IMG_0009.jpg"_s);
+    guide.check(QFile::rename(photo, photo + ".away"_s), "a photo vanishes from the share"_s);
+    guide.answerNextBox("确定"_s, "distribution-failed-box"_s);
     guide.click(hand.window(), "startButton");
-    guide.check(guide.boxText().startsWith(QStringLiteral("1个订单分件完成!\n有 ")),
-                QStringLiteral("the failures are counted"));
-    guide.picture(hand.window(), QStringLiteral("distribution-failures"));
-    guide.check(QFile::rename(photo + QStringLiteral(".away"), photo),
-                QStringLiteral("the photo is back"));
+    guide.check(guide.boxText().startsWith("1个订单分件完成!\n有 "_s),
+                "the failures are counted"_s);
+    guide.picture(hand.window(), "distribution-failures"_s);
+    guide.check(QFile::rename(photo + ".away"_s, photo), "the photo is back"_s);
     hand.window()->close();
 
-    tourCard(guide, QStringLiteral("下载选片结果"), QStringLiteral("selection"),
-             {QStringLiteral("成品/IMG_0007.jpg"), QStringLiteral("入底/RD_0001.jpg"),
-              QStringLiteral("明细制作单.pdf")});
-    tourCard(guide, QStringLiteral("下载原始档"), QStringLiteral("originals"),
-             {QStringLiteral("原始档/IMG_0003.jpg"), QStringLiteral("原始档/IMG_0003.CR2")});
-    tourCard(guide, QStringLiteral("下载照片交付"), QStringLiteral("delivery"),
-             {QStringLiteral("原图/IMG_0005.jpg"), QStringLiteral("精修/IMG_0003.jpg")});
+    tourCard(guide, "下载选片结果"_s, "selection"_s,
+             {"成品/IMG_0007.jpg"_s, "入底/RD_0001.jpg"_s, "明细制作单.pdf"_s});
+    tourCard(guide, "下载原始档"_s, "originals"_s,
+             {"原始档/IMG_0003.jpg"_s, "原始档/IMG_0003.CR2"_s});
+    tourCard(guide, "下载照片交付"_s, "delivery"_s, {"原图/IMG_0005.jpg"_s, "精修/IMG_0003.jpg"_s});
 }

@@ -1,5 +1,6 @@
 #include "tests/tour/guide.h"
 
+#include "tests/support/text.h"
 #include "widgets/noticedialog.h"
 
 #include <QApplication>
@@ -36,8 +37,8 @@ Guide::Guide(const QString &pictureFolder, float scale)
     : pictureFolder_(pictureFolder), scale_(scale)
 {
     QDir folder(pictureFolder);
-    folder.mkpath(QStringLiteral("."));
-    const QStringList earlier = folder.entryList({QStringLiteral("[0-9][0-9]-*.png")}, QDir::Files);
+    folder.mkpath("."_s);
+    const QStringList earlier = folder.entryList({"[0-9][0-9]-*.png"_s}, QDir::Files);
     for (const QString &picture : earlier)
         folder.remove(picture);
     boxTimer_.setInterval(boxLookMs);
@@ -56,7 +57,7 @@ void Guide::finish()
     if (stepTitle_.isEmpty())
         return;
     printf("%02d %s: %s\n", stepNumber_, qUtf8Printable(stepTitle_),
-           qUtf8Printable(checked_.join(QStringLiteral("; "))));
+           qUtf8Printable(checked_.join("; "_s)));
     fflush(stdout);
     stepTitle_.clear();
     checked_.clear();
@@ -82,12 +83,10 @@ void Guide::picture(QWidget *window, const QString &name)
 
 void Guide::picture(const QImage &image, const QString &name)
 {
-    const QString path = QStringLiteral("%1/%2-%3.png")
-                             .arg(pictureFolder_)
-                             .arg(stepNumber_, 2, 10, QLatin1Char('0'))
-                             .arg(name);
+    const QString path =
+        "%1/%2-%3.png"_s.arg(pictureFolder_).arg(stepNumber_, 2, 10, QLatin1Char('0')).arg(name);
     if (!image.save(path))
-        throw TourFailure{QStringLiteral("picture not saved: ") + path};
+        throw TourFailure{"picture not saved: "_s + path};
 }
 
 void Guide::answerNextBox(const QString &buttonText, const QString &pictureName)
@@ -123,9 +122,8 @@ void Guide::answerBox()
 
 QString Guide::boxText()
 {
-    if (!QTest::qWaitFor([this] { return boxCame_ && !box_; },
-                         patienceMs))
-        throw TourFailure{QStringLiteral("a box was expected and did not come")};
+    if (!QTest::qWaitFor([this] { return boxCame_ && !box_; }, patienceMs))
+        throw TourFailure{"a box was expected and did not come"_s};
     return boxText_;
 }
 
@@ -133,7 +131,7 @@ void Guide::typeInto(QWidget *window, const char *objectName, const QString &tex
 {
     auto *edit = window->findChild<QLineEdit *>(QString::fromLatin1(objectName));
     if (!edit)
-        throw TourFailure{QStringLiteral("no field ") + QString::fromLatin1(objectName)};
+        throw TourFailure{"no field "_s + QString::fromLatin1(objectName)};
     edit->setFocus();
     edit->clear();
     QTest::keyClicks(edit, text);
@@ -143,7 +141,7 @@ void Guide::click(QWidget *window, const char *objectName)
 {
     auto *button = window->findChild<QAbstractButton *>(QString::fromLatin1(objectName));
     if (!button)
-        throw TourFailure{QStringLiteral("no button ") + QString::fromLatin1(objectName)};
+        throw TourFailure{"no button "_s + QString::fromLatin1(objectName)};
     QTest::mouseClick(button, Qt::LeftButton);
 }
 
@@ -164,6 +162,6 @@ QList<QWidget *> Guide::topLevelWidgets()
 
 QString Guide::material(const QString &relativePath)
 {
-    const QString share = studio_.state().value(QStringLiteral("share")).toString();
+    const QString share = studio_.share();
     return QFileInfo(share).path() + QLatin1Char('/') + relativePath;
 }

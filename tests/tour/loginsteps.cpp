@@ -2,30 +2,30 @@
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
 #include "app/shell/choosetools.h"
+#include "tests/support/text.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
 
 void tourLogin(Guide &guide)
 {
-    guide.step(QStringLiteral("登录失败"));
+    guide.step("登录失败"_s);
     K::instance()->openStartWindow(0);
-    auto *login = guide.waitForWindow<LoginNew>(QStringLiteral("the login window opens"));
-    guide.typeInto(login, "accountEdit", QStringLiteral("demo01"));
-    guide.typeInto(login, "passwordEdit", QStringLiteral("wrong"));
-    guide.picture(login, QStringLiteral("login"));
-    guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("login-refused"));
+    auto *login = guide.waitForWindow<LoginNew>("the login window opens"_s);
+    guide.typeInto(login, "accountEdit", "demo01"_s);
+    guide.typeInto(login, "passwordEdit", "wrong"_s);
+    guide.picture(login, "login"_s);
+    guide.answerNextBox("确定"_s, "login-refused"_s);
     guide.click(login, "loginButton");
-    guide.check(guide.boxText() == QStringLiteral("账号或密码错误"),
-                QStringLiteral("a wrong password shows the service's own text"));
+    guide.check(guide.boxText() == "账号或密码错误"_s,
+                "a wrong password shows the service's own text"_s);
 
-    guide.step(QStringLiteral("登录"));
-    guide.typeInto(login, "passwordEdit", QStringLiteral("abc123"));
+    guide.step("登录"_s);
+    guide.typeInto(login, "passwordEdit", "abc123"_s);
     guide.click(login, "loginButton");
-    guide.waitFor([] { return !AccountContext::shopList.isEmpty(); },
-                  QStringLiteral("the account is known"));
-    guide.check(AccountContext::shopList.size() == 3, QStringLiteral("it has three branches"));
-    guide.picture(login, QStringLiteral("login-succeeded"));
-    auto *launcher = guide.waitForWindow<ChooseTools>(QStringLiteral("the launcher opens"));
+    guide.waitFor([] { return !AccountContext::shopList.isEmpty(); }, "the account is known"_s);
+    guide.check(AccountContext::shopList.size() == 3, "it has three branches"_s);
+    guide.picture(login, "login-succeeded"_s);
+    auto *launcher = guide.waitForWindow<ChooseTools>("the launcher opens"_s);
     launcher->resize(K::scaledPx(760), K::scaledPx(560)); // a virtual screen is small
-    guide.picture(launcher, QStringLiteral("launcher"));
+    guide.picture(launcher, "launcher"_s);
 }

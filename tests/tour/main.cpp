@@ -1,4 +1,5 @@
 #include "app/context/k.h"
+#include "tests/support/text.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
 #include "widgets/theme.h"
@@ -21,21 +22,18 @@ void onlyTrouble(QtMsgType type, const QMessageLogContext &, const QString &mess
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication::setApplicationName(QStringLiteral("tessavo_tools"));
+    QCoreApplication::setApplicationName("tessavo_tools"_s);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Guided tour against the demo studio service"));
+    parser.setApplicationDescription("Guided tour against the demo studio service"_s);
     parser.addHelpOption();
-    const QCommandLineOption scale(QStringLiteral("scale"),
-                                   QStringLiteral("Interface scale, 1.0 to 3.0."),
-                                   QStringLiteral("FACTOR"), QStringLiteral("1.0"));
-    const QCommandLineOption log(QStringLiteral("log"),
-                                 QStringLiteral("Show the program's log, too."));
+    const QCommandLineOption scale("scale"_s, "Interface scale, 1.0 to 3.0."_s, "FACTOR"_s,
+                                   "1.0"_s);
+    const QCommandLineOption log("log"_s, "Show the program's log, too."_s);
     parser.addOptions({scale, log});
-    parser.addPositionalArgument(QStringLiteral("folder"),
-                                 QStringLiteral("Where the pictures go."));
+    parser.addPositionalArgument("folder"_s, "Where the pictures go."_s);
     parser.process(application);
     if (parser.positionalArguments().size() != 1)
         parser.showHelp(2);

@@ -1,21 +1,13 @@
-#include "app/shell/choosetools.h"
-#include "app/shell/toolcardwidget.h"
 #include "photoimport/tfhome.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
 #include "photoimport/tfphotoview.h"
-#include "platform/pathform.h"
+#include "tests/support/dropping.h"
 #include "tests/support/pictures.h"
-#include "tests/tour/guide.h"
-#include "tests/tour/steps.h"
+#include "tests/tour/toolhand.h"
 
-#include <QDir>
-#include <QDropEvent>
 #include <QImageReader>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QUrl>
-#include <QtTest>
 
 namespace {
 
@@ -24,77 +16,40 @@ using Column = tforderlistmodel::Column;
 constexpr int orientations = 8;
 
 /// The photo import's window as the tour handles it.
-class PhotoImportHand
+class PhotoImportHand : public ToolHand<tfhome, Column::NumberColumn>
 {
 public:
-    explicit PhotoImportHand(Guide &guide)
+    PhotoImportHand(Guide &guide, const QString &card) : ToolHand(guide, card)
     {
-        const QString card = QStringLiteral("导片工具");
-        auto *launcher = guide.waitForWindow<ChooseTools>(QStringLiteral("the launcher is there"));
-        QTest::mouseDClick(launcher->findChild<ToolCardWidget *>(card), Qt::LeftButton);
-        window_ = guide.waitForWindow<tfhome>(QStringLiteral("its window opens"));
-        guide.check(window_->windowTitle() == card, QStringLiteral("under the card's name"));
-        guide.spread(window_);
-        guide.waitFor([this] { return table()->model()->rowCount() > 0; },
-                      QStringLiteral("the branch's orders are listed"));
+        guide.check(window_->windowTitle() == card, "under the card's name"_s);
     }
 
-    tfhome *window() const { return window_; }
-    tfhomeorders_OrderListWidget *table() const
-    {
-        return window_->findChild<tfhomeorders_OrderListWidget *>(QStringLiteral("orderTable"));
-    }
-    tfphotoview *photos() const
-    {
-        return window_->findChild<tfphotoview *>(QStringLiteral("photoView"));
-    }
+    tfphotoview *photos() const { return window_->findChild<tfphotoview *>("photoView"_s); }
     QImage thumbnail(int row) const
     {
         return photos()->model()->index(row, 0).data(Qt::DecorationRole).value<QImage>();
     }
 
-    int rowOf(const QString &number) const
-    {
-        for (int row = 0; row < table()->model()->rowCount(); ++row) {
-            if (table()->model()->index(row, Column::NumberColumn).data() == number)
-                return row;
-        }
-        throw TourFailure{QStringLiteral("order %1 is not listed").arg(number)};
-    }
-    QString cell(const QString &number, int column) const
-    {
-        return table()->model()->index(rowOf(number), column).data().toString();
-    }
-
     void drop(const QString &number, const QString &folder) const
     {
-        const QModelIndex index = table()->model()->index(rowOf(number), Column::NumberColumn);
-        table()->scrollTo(index);
-        const QPoint at = table()->visualRect(index).center();
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(folder)});
-        QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QDropEvent dropped(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-        for (QEvent *event : std::initializer_list<QEvent *>{&enter, &move, &dropped})
-            QCoreApplication::sendEvent(table()->viewport(), event);
+        const QModelIndex index = cell(number, Column::NumberColumn);
+        orders()->scrollTo(index);
+        guide_.check(
+            dropFiles(orders()->viewport(), orders()->visualRect(index).center(), {folder}),
+            "the folder can be dropped"_s);
     }
 
     QDir folder(const QString &number, const QString &kind) const
     {
-        return QDir(platform::toLocalPath(cell(number, Column::PathColumn)) + QLatin1Char('/') +
-                    kind);
+        return ToolHand::folder(number, Column::PathColumn, kind);
     }
-
-private:
-    tfhome *window_ = nullptr;
 };
 
 /// One landscape, as eight ways of holding a camera store it.
 void makeTurnedPhotos(Guide &guide, const QString &folder)
 {
-    const QImage upright(guide.material(QStringLiteral("camera-card/DCIM/100TESSA/IMG_0001.jpg")));
-    guide.check(!upright.isNull(), QStringLiteral("the card has a picture"));
+    const QImage upright(guide.material("camera-card/DCIM/100TESSA/IMG_0001.jpg"_s));
+    guide.check(!upright.isNull(), "the card has a picture"_s);
     for (int orientation = 1; orientation <= orientations; ++orientation) {
         // What the tag says is done to the stored picture when it is shown.
         QTransform back;
@@ -107,9 +62,7 @@ void makeTurnedPhotos(Guide &guide, const QString &folder)
         const bool mirrored =
             orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7;
         const QImage stored = upright.mirrored(mirrored, false).transformed(back);
-        QFile photo(QStringLiteral("%1/DSC_%2.jpg").arg(folder).arg(orientation));
-        if (!photo.open(QIODevice::WriteOnly) || photo.write(jpegOf(stored, orientation)) <= 0)
-            throw TourFailure{QStringLiteral("%1 is made").arg(photo.fileName())};
+        writeFile("%1/DSC_%2.jpg"_s.arg(folder).arg(orientation), jpegOf(stored, orientation));
     }
 }
 
@@ -130,74 +83,69 @@ bool looksLike(const QImage &one, const QImage &other)
 
 void tourPhotoImport(Guide &guide)
 {
-    guide.step(QStringLiteral("导片工具: 拖入照片"));
+    guide.step("导片工具: 拖入照片"_s);
     QTemporaryDir card;
     makeTurnedPhotos(guide, card.path());
-    PhotoImportHand hand(guide);
-    const QString order = QStringLiteral("TS10004-1");
+    PhotoImportHand hand(guide, "导片工具"_s);
+    const QString order = "TS10004-1"_s;
     hand.drop(order, card.path());
     guide.waitFor([&] { return hand.photos()->model()->rowCount() == orientations; },
-                  QStringLiteral("the folder's photos are listed"));
+                  "the folder's photos are listed"_s);
     int uprightThumbnails = 0;
     for (int row = 0; row < orientations; ++row) {
         hand.photos()->scrollTo(hand.photos()->model()->index(row, 0));
         guide.waitFor([&] { return !hand.thumbnail(row).isNull(); },
-                      QStringLiteral("thumbnail %1 comes").arg(row + 1));
+                      "thumbnail %1 comes"_s.arg(row + 1));
         uprightThumbnails += looksLike(hand.thumbnail(row), hand.thumbnail(0)) ? 1 : 0;
     }
-    guide.check(uprightThumbnails == orientations, QStringLiteral("all of them upright"));
+    guide.check(uprightThumbnails == orientations, "all of them upright"_s);
     hand.photos()->scrollToTop();
-    guide.picture(hand.window(), QStringLiteral("photoimport-dropped"));
+    guide.picture(hand.window(), "photoimport-dropped"_s);
 
-    guide.step(QStringLiteral("导片工具: 导入"));
-    guide.studio().misbehave(QStringLiteral("savepicpath"), QStringLiteral("hold"));
-    guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("photoimport-finished-box"));
+    guide.step("导片工具: 导入"_s);
+    guide.studio().hold("savepicpath"_s);
+    guide.answerNextBox("确定"_s, "photoimport-finished-box"_s);
     guide.click(hand.window(), "startOrderButton");
-    guide.waitFor([&] { return guide.studio().state().value(QStringLiteral("held")).toInt() == 1; },
-                  QStringLiteral("photos are being registered"));
-    guide.picture(hand.window(), QStringLiteral("photoimport-running"));
+    guide.waitFor([&] { return guide.studio().held() == 1; }, "photos are being registered"_s);
+    guide.picture(hand.window(), "photoimport-running"_s);
     guide.studio().release();
-    guide.check(guide.boxText() == QStringLiteral("导片完成！"),
-                QStringLiteral("the end is announced"));
-    const QImage reference(card.filePath(QStringLiteral("DSC_1.jpg")));
+    guide.check(guide.boxText() == "导片完成！"_s, "the end is announced"_s);
+    const QImage reference(card.filePath("DSC_1.jpg"_s));
     int upright = 0;
-    const QDir all = hand.folder(order, QStringLiteral("all"));
+    const QDir all = hand.folder(order, "all"_s);
     const QStringList names = all.entryList(QDir::Files);
     for (const QString &name : names) {
         QImageReader reader(all.filePath(name));
         upright += looksLike(reader.read(), reference) ? 1 : 0; // without looking at a tag
     }
-    guide.check(upright == orientations,
-                QStringLiteral("%1 originals lie in all, upright").arg(upright));
-    for (const QString &kind :
-         {QStringLiteral("90"), QStringLiteral("190"), QStringLiteral("1920")}) {
+    guide.check(upright == orientations, "%1 originals lie in all, upright"_s.arg(upright));
+    for (const QString &kind : {"90"_s, "190"_s, "1920"_s}) {
         const QDir folder = hand.folder(order, kind);
-        const QImage variant(folder.filePath(QStringLiteral("DSC_1.jpg")));
+        const QImage variant(folder.filePath("DSC_1.jpg"_s));
         guide.check(folder.entryList(QDir::Files).size() == orientations &&
                         qAbs(qMax(variant.width(), variant.height()) - kind.toInt()) < 2,
-                    QStringLiteral("and their variants in %1").arg(kind));
+                    "and their variants in %1"_s.arg(kind));
     }
-    guide.check(guide.studio().requests(QStringLiteral("savepicpath")).size() == orientations,
-                QStringLiteral("the service was told of each photo"));
+    guide.check(guide.studio().requests("savepicpath"_s).size() == orientations,
+                "the service was told of each photo"_s);
     guide.waitFor(
-        [&] { return hand.cell(order, Column::ImportedColumn) == QString::number(orientations); },
-        QStringLiteral("and lists them"));
+        [&] { return hand.text(order, Column::ImportedColumn) == QString::number(orientations); },
+        "and lists them"_s);
     guide.click(hand.window(), "viewButton");
-    guide.picture(hand.window(), QStringLiteral("photoimport-list"));
+    guide.picture(hand.window(), "photoimport-list"_s);
 
-    guide.step(QStringLiteral("导片工具: 删除照片"));
+    guide.step("导片工具: 删除照片"_s);
     hand.photos()->setCurrentIndex(hand.photos()->model()->index(2, 0));
-    guide.answerNextBox(QStringLiteral("确定"), QStringLiteral("photoimport-delete-box"));
+    guide.answerNextBox("确定"_s, "photoimport-delete-box"_s);
     guide.click(hand.window(), "deleteButton");
     guide.boxText();
     guide.waitFor([&] { return hand.photos()->model()->rowCount() == orientations - 1; },
-                  QStringLiteral("the photo leaves the list"));
-    for (const QString &kind : {QStringLiteral("all"), QStringLiteral("90"), QStringLiteral("190"),
-                                QStringLiteral("1920")}) {
-        guide.waitFor([&] { return !hand.folder(order, kind).exists(QStringLiteral("DSC_3.jpg")); },
-                      QStringLiteral("and the folder %1").arg(kind));
+                  "the photo leaves the list"_s);
+    for (const QString &kind : {"all"_s, "90"_s, "190"_s, "1920"_s}) {
+        guide.waitFor([&] { return !hand.folder(order, kind).exists("DSC_3.jpg"_s); },
+                      "and the folder %1"_s.arg(kind));
     }
     guide.click(hand.window(), "viewButton");
-    guide.picture(hand.window(), QStringLiteral("photoimport-deleted"));
+    guide.picture(hand.window(), "photoimport-deleted"_s);
     hand.window()->close();
 }

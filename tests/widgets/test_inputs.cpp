@@ -1,4 +1,6 @@
 #include "app/context/k.h"
+#include "tests/support/datarows.h"
+#include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/datepicker.h"
 #include "widgets/ordersearchbar.h"
@@ -28,11 +30,9 @@ protected:
     }
 };
 
-const QList<ShopRecord> twoBranches = {{QStringLiteral("11"), QStringLiteral("旗舰店"), {}, {}},
-                                       {QStringLiteral("12"), QStringLiteral("万达店"), {}, {}}};
+const QList<ShopRecord> twoBranches = {{"11"_s, "旗舰店"_s, {}, {}}, {"12"_s, "万达店"_s, {}, {}}};
 
-const QVector<orderqueries::Person> twoPersons = {{QStringLiteral("31"), QStringLiteral("陈一凡")},
-                                                  {QStringLiteral("32"), QStringLiteral("郑颖")}};
+const QVector<orderqueries::Person> twoPersons = {{"31"_s, "陈一凡"_s}, {"32"_s, "郑颖"_s}};
 
 } // namespace
 
@@ -48,14 +48,14 @@ private slots:
     {
         K::uiScale = 2.0F;
         const QString sheet = theme::messageBoxStyle();
-        QVERIFY(sheet.contains(QStringLiteral("padding: 12px 24px; min-width: 120px;")));
-        QVERIFY(!sheet.contains(QStringLiteral("dp")));
+        QVERIFY(sheet.contains("padding: 12px 24px; min-width: 120px;"_s));
+        QVERIFY(!sheet.contains("dp"_s));
     }
 
     void comboIgnoresTheWheelWithoutFocus()
     {
         ComboBox box;
-        box.addItems({QStringLiteral("a"), QStringLiteral("b")});
+        box.addItems({"a"_s, "b"_s});
         showActive(&box);
         for (const bool focused : {false, true}) {
             focused ? box.setFocus() : box.clearFocus();
@@ -70,14 +70,14 @@ private slots:
     {
         FramelessWindow window;
         showWithFields(&window);
-        auto &field = *window.findChild<LineEdit *>(QStringLiteral("second"));
+        auto &field = *window.findChild<LineEdit *>("second"_s);
         field.setPassword(true);
         QSignalSpy focused(&field, &LineEdit::focused);
         QSignalSpy unfocused(&field, &LineEdit::unfocused);
-        QCOMPARE(tabOrder(3), QStringLiteral("first second showPasswordButton"));
+        QCOMPARE(tabOrder(3), "first second showPasswordButton"_s);
         QCOMPARE(focused.count(), 1);
         QCOMPARE(unfocused.count(), 1);
-        auto *eye = field.findChild<QAbstractButton *>(QStringLiteral("showPasswordButton"));
+        auto *eye = field.findChild<QAbstractButton *>("showPasswordButton"_s);
         QCOMPARE(field.echoMode(), QLineEdit::Password);
         for (const auto mode : {QLineEdit::Normal, QLineEdit::Password}) {
             QTest::mouseClick(eye, Qt::LeftButton);
@@ -87,15 +87,12 @@ private slots:
 
     void dateIsPickedOrLeftAlone_data()
     {
-        QTest::addColumn<bool>("hasCalendar");
-        QTest::addColumn<bool>("canBeShown");
-        QTest::addColumn<QString>("lines");
-        const QString attempt = QStringLiteral("尝试使用内置日历控件\n内置日历显示状态: ");
-        QTest::newRow("own") << true << true << attempt + QStringLiteral("true");
-        QTest::newRow("own, cannot be shown")
-            << true << false
-            << attempt + QStringLiteral("false\n内置日历无法显示，创建独立日历弹窗");
-        QTest::newRow("none") << false << true << "无法获取日历控件，创建独立日历";
+        addColumns<bool, bool, QString>({"hasCalendar", "canBeShown", "lines"});
+        const QString attempt = "尝试使用内置日历控件\n内置日历显示状态: "_s;
+        newRow("own", true, true, attempt + "true"_s);
+        newRow("own, cannot be shown", true, false,
+               attempt + "false\n内置日历无法显示，创建独立日历弹窗"_s);
+        newRow("none", false, true, "无法获取日历控件，创建独立日历");
     }
 
     void dateIsPickedOrLeftAlone()
@@ -103,14 +100,14 @@ private slots:
         QFETCH(bool, hasCalendar);
         QFETCH(bool, canBeShown);
         QFETCH(QString, lines);
-        DatePicker picker(QStringLiteral("点击选择拍照日期"));
+        DatePicker picker("点击选择拍照日期"_s);
         picker.setCalendarPopup(hasCalendar);
         Hider hider;
         if (!canBeShown)
             picker.calendarWidget()->window()->installEventFilter(&hider);
         showActive(&picker);
-        QCOMPARE(picker.text(), QStringLiteral("点击选择拍照日期"));
-        const QRegularExpression clicked(QStringLiteral("^日期选择器被点击，控件:"));
+        QCOMPARE(picker.text(), "点击选择拍照日期"_s);
+        const QRegularExpression clicked("^日期选择器被点击，控件:"_s);
         QTest::ignoreMessage(QtDebugMsg, clicked);
         const QStringList expected = lines.split(QLatin1Char('\n'));
         for (const QString &line : expected)
@@ -133,7 +130,7 @@ private slots:
         for (const Qt::Key last : {Qt::Key_Return, Qt::Key_Escape}) {
             picker.openCalendar();
             press({Qt::Key_Left, last});
-            QCOMPARE(picker.text(), QStringLiteral("2024-03-06"));
+            QCOMPARE(picker.text(), "2024-03-06"_s);
         }
         picker.reset();
         picker.openCalendar();
@@ -143,16 +140,16 @@ private slots:
 
     void typingADateBeginsWithToday()
     {
-        DatePicker picker(QStringLiteral("点击选择选片日期"));
+        DatePicker picker("点击选择选片日期"_s);
         QSignalSpy entered(&picker, &DatePicker::entered);
         showActive(&picker);
         QTest::keyClick(&picker, Qt::Key_Return);
         QCOMPARE(entered.count(), 1);
         QVERIFY(!picker.isChosen());
-        QTest::keyClicks(&picker, QStringLiteral("20231105"));
+        QTest::keyClicks(&picker, "20231105"_s);
         QCOMPARE(picker.chosenDate(), QDate(2023, 11, 5));
         picker.reset();
-        QCOMPARE(picker.text(), QStringLiteral("点击选择选片日期"));
+        QCOMPARE(picker.text(), "点击选择选片日期"_s);
     }
 
     void searchBarAsksForWhatWasTyped()
@@ -160,13 +157,13 @@ private slots:
         OrderSearchBar bar;
         showActive(&bar);
         QSignalSpy requested(&bar, &OrderSearchBar::searchRequested);
-        auto *keyword = bar.findChild<LineEdit *>(QStringLiteral("keywordEdit"));
-        auto *type = bar.findChild<ComboBox *>(QStringLiteral("searchTypeBox"));
-        auto *button = bar.findChild<QPushButton *>(QStringLiteral("searchButton"));
-        QTest::keyClicks(keyword, QStringLiteral(" A&B"));
+        auto *keyword = bar.findChild<LineEdit *>("keywordEdit"_s);
+        auto *type = bar.findChild<ComboBox *>("searchTypeBox"_s);
+        auto *button = bar.findChild<QPushButton *>("searchButton"_s);
+        QTest::keyClicks(keyword, " A&B"_s);
         QTest::keyClick(keyword, Qt::Key_Return);
         QCOMPARE(requested.count(), 1);
-        QCOMPARE(bar.search().text, QStringLiteral(" A&B"));
+        QCOMPARE(bar.search().text, " A&B"_s);
 
         bar.setBusy(true);
         QTest::keyClick(keyword, Qt::Key_Return);
@@ -182,7 +179,7 @@ private slots:
         QCOMPARE(requested.count(), 1);
         QVERIFY(QApplication::activePopupWidget());
         QApplication::activePopupWidget()->close();
-        auto *date = bar.findChild<DatePicker *>(QStringLiteral("shootingDate"));
+        auto *date = bar.findChild<DatePicker *>("shootingDate"_s);
         date->choose(QDate(2024, 3, 7));
         QTest::mouseClick(button, Qt::LeftButton);
         QCOMPARE(requested.count(), 2);
@@ -199,20 +196,20 @@ private slots:
         OrderSearchBar bar;
         showActive(&bar);
         QSignalSpy chosen(&bar, &OrderSearchBar::branchChosen);
-        bar.setBranches(twoBranches, QStringLiteral("12"));
-        bar.selectBranch(QStringLiteral("nowhere"));
-        QCOMPARE(bar.selectedBranchId(), QStringLiteral("12"));
+        bar.setBranches(twoBranches, "12"_s);
+        bar.selectBranch("nowhere"_s);
+        QCOMPARE(bar.selectedBranchId(), "12"_s);
         QVERIFY(chosen.isEmpty());
-        auto *branches = bar.findChild<ComboBox *>(QStringLiteral("branchBox"));
+        auto *branches = bar.findChild<ComboBox *>("branchBox"_s);
         branches->setFocus();
         QTest::keyClick(branches, Qt::Key_Up);
         QCOMPARE(chosen.count(), 1);
-        QCOMPARE(bar.branchId(chosen.at(0).at(0).toInt()), QStringLiteral("11"));
+        QCOMPARE(bar.branchId(chosen.at(0).at(0).toInt()), "11"_s);
         branches->showPopup();
         QTest::keyClick(branches->view(), Qt::Key_Return);
         QCOMPARE(chosen.count(), 1);
         // Refused by the owner: the same choice made again is a choice again.
-        bar.selectBranch(QStringLiteral("12"));
+        bar.selectBranch("12"_s);
         QTest::keyClick(branches, Qt::Key_Up);
         QCOMPARE(chosen.count(), 2);
     }
@@ -224,21 +221,21 @@ private slots:
         bar.addPersonFilter();
         showActive(&bar);
         QSignalSpy requested(&bar, &OrderSearchBar::searchRequested);
-        auto *box = bar.findChild<ComboBox *>(QStringLiteral("personBox"));
-        QCOMPARE(box->currentText(), QStringLiteral("全部"));
+        auto *box = bar.findChild<ComboBox *>("personBox"_s);
+        QCOMPARE(box->currentText(), "全部"_s);
         QVERIFY(bar.personId().isEmpty() && !bar.personId().isNull());
 
         bar.setPersons(twoPersons);
         box->setFocus();
         QTest::keyClick(box, Qt::Key_Down);
-        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        QCOMPARE(bar.personId(), "31"_s);
         QCOMPARE(requested.count(), 1);
         bar.setBusy(true);
         QTest::keyClick(box, Qt::Key_Down);
-        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        QCOMPARE(bar.personId(), "31"_s);
         QCOMPARE(requested.count(), 1);
         bar.setPersons({twoPersons.last(), twoPersons.first()});
-        QCOMPARE(bar.personId(), QStringLiteral("31"));
+        QCOMPARE(bar.personId(), "31"_s);
         bar.setPersons({twoPersons.last()});
         QCOMPARE(bar.personId(), QString());
     }
@@ -278,9 +275,9 @@ private slots:
         K::uiScale = 1.5F;
         QWidget window;
         auto *bar = new OrderSearchBar;
-        bar->setBranches(twoBranches, QStringLiteral("11"));
+        bar->setBranches(twoBranches, "11"_s);
         bar->addPersonFilter();
-        bar->findChild<ComboBox *>(QStringLiteral("searchTypeBox"))->setCurrentIndex(1);
+        bar->findChild<ComboBox *>("searchTypeBox"_s)->setCurrentIndex(1);
         auto *layout = new QVBoxLayout(&window);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(bar);

@@ -1,3 +1,4 @@
+#include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/edgegrip.h"
@@ -88,7 +89,7 @@ private slots:
         FramelessWindow window;
         QSignalSpy minimise(&window, &FramelessWindow::minimizeRequested);
         showWithFields(&window);
-        QCOMPARE(tabOrder(4), QStringLiteral("first second minimizeButton closeButton"));
+        QCOMPARE(tabOrder(4), "first second minimizeButton closeButton"_s);
         TitleBar *bar = window.titleBar();
 #ifndef Q_OS_WIN // where the system itself moves and resizes, with the real mouse
         drag(&window, bar->mapTo(&window, bar->rect().center()), QPoint(40, 30));
@@ -177,8 +178,7 @@ private slots:
         QWidget parent;
         for (const auto &row : rows) {
             onNextBox(&parent, [&row](NoticeDialog *box) { QTest::keyClick(box, row.key); });
-            QCOMPARE(MessageBox::question(&parent, QStringLiteral("？"), {}, row.buttons),
-                     row.answer);
+            QCOMPARE(MessageBox::question(&parent, "？"_s, {}, row.buttons), row.answer);
         }
         QStringList texts;
         onNextBox(&parent, [&texts](NoticeDialog *box) {
@@ -186,20 +186,20 @@ private slots:
                                  box->button(Box::Yes)->text(), box->button(Box::Cancel)->text()});
             QTest::mouseClick(box->button(Box::Yes), Qt::LeftButton);
         });
-        QCOMPARE(MessageBox::question(&parent, QStringLiteral("<b>A&B</b>")), Box::Yes);
-        QCOMPARE(texts.join(QLatin1Char(' ')), QStringLiteral("<b>A&B</b> 是 取消"));
+        QCOMPARE(MessageBox::question(&parent, "<b>A&B</b>"_s), Box::Yes);
+        QCOMPARE(texts.join(QLatin1Char(' ')), "<b>A&B</b> 是 取消"_s);
     }
 
     void boxWhoseParentDiesGivesTheSafeAnswer()
     {
         auto *parent = new QWidget;
         onNextBox(parent, [parent](NoticeDialog *) { delete parent; });
-        QCOMPARE(MessageBox::question(parent, QStringLiteral("？")), QMessageBox::Cancel);
+        QCOMPARE(MessageBox::question(parent, "？"_s), QMessageBox::Cancel);
     }
 
     void longConfirmationStaysOnTheScreen()
     {
-        const QString text = QStringLiteral("IMG_0001.jpg\n").repeated(3000);
+        const QString text = "IMG_0001.jpg\n"_s.repeated(3000);
         int height = 0;
         QString focus;
         bool scrolls = false;
@@ -210,7 +210,7 @@ private slots:
             QTest::keyClick(box, Qt::Key_Return);
         });
         QVERIFY(!ConfirmDialog::ask(nullptr, text, ConfirmDialog::Enter::Cancels));
-        QCOMPARE(focus, QStringLiteral("取消"));
+        QCOMPARE(focus, "取消"_s);
         QVERIFY(scrolls);
         QVERIFY(height < QGuiApplication::primaryScreen()->availableSize().height());
     }
@@ -220,16 +220,15 @@ private slots:
         MessageBox::setScripted(true);
         MessageBox::setNextAnswer(QMessageBox::Yes);
         MessageBox::setNextAnswer(QMessageBox::Yes);
-        QCOMPARE(MessageBox::question(nullptr, QStringLiteral("一")), QMessageBox::Yes);
-        QVERIFY(ConfirmDialog::ask(nullptr, QStringLiteral("二")));
-        QCOMPARE(MessageBox::question(nullptr, QStringLiteral("三")), QMessageBox::Cancel);
-        QCOMPARE(MessageBox::warning(nullptr, QStringLiteral("四"), QStringLiteral("提示")),
-                 QMessageBox::Ok);
+        QCOMPARE(MessageBox::question(nullptr, "一"_s), QMessageBox::Yes);
+        QVERIFY(ConfirmDialog::ask(nullptr, "二"_s));
+        QCOMPARE(MessageBox::question(nullptr, "三"_s), QMessageBox::Cancel);
+        QCOMPARE(MessageBox::warning(nullptr, "四"_s, "提示"_s), QMessageBox::Ok);
         const QList<MessageBox::Shown> shown = MessageBox::takeShown();
         QString told;
         for (const MessageBox::Shown &box : shown)
             told += box.title + box.text;
-        QCOMPARE(told, QStringLiteral("温馨提示一温馨提示二温馨提示三提示四"));
+        QCOMPARE(told, "温馨提示一温馨提示二温馨提示三提示四"_s);
         QCOMPARE(int(shown.at(1).kind), int(MessageBox::Kind::Confirmation));
         QVERIFY(MessageBox::takeShown().isEmpty());
     }
@@ -237,12 +236,12 @@ private slots:
     void fileDialogRemembersItsFolder()
     {
         MessageBox::setScripted(true);
-        const QString photos = QStringLiteral("photos");
-        FileDialog::setNextFiles({QStringLiteral("/card/DCIM/a.jpg")});
+        const QString photos = "photos"_s;
+        FileDialog::setNextFiles({"/card/DCIM/a.jpg"_s});
         QCOMPARE(FileDialog::openFiles(nullptr, {}, {}, photos).size(), 1);
         QVERIFY(FileDialog::openFiles(nullptr, {}, {}, photos).isEmpty());
-        QCOMPARE(FileDialog::lastFolder(photos), QStringLiteral("/card/DCIM"));
-        QVERIFY(FileDialog::lastFolder(QStringLiteral("other")).isEmpty());
+        QCOMPARE(FileDialog::lastFolder(photos), "/card/DCIM"_s);
+        QVERIFY(FileDialog::lastFolder("other"_s).isEmpty());
     }
 
     void toastReplacesAndGoes()
@@ -250,15 +249,15 @@ private slots:
         FramelessWindow window;
         showWithFields(&window);
         auto *shortLived = new QWidget(&window);
-        Toast::show(shortLived, QStringLiteral("一"), 60000);
-        Toast::show(&window, QStringLiteral("二\n行"), 60000);
-        QCOMPARE(Toast::currentText(&window), QStringLiteral("二 行"));
-        QCOMPARE(focusName(), QStringLiteral("first"));
-        Toast::show(shortLived, QStringLiteral("三"), 60000);
+        Toast::show(shortLived, "一"_s, 60000);
+        Toast::show(&window, "二\n行"_s, 60000);
+        QCOMPARE(Toast::currentText(&window), "二 行"_s);
+        QCOMPARE(focusName(), "first"_s);
+        Toast::show(shortLived, "三"_s, 60000);
         delete shortLived;
         QTRY_COMPARE(Toast::currentText(&window), QString());
-        Toast::show(window.content(), QStringLiteral("四"), 1);
-        QCOMPARE(Toast::currentText(&window), QStringLiteral("四"));
+        Toast::show(window.content(), "四"_s, 1);
+        QCOMPARE(Toast::currentText(&window), "四"_s);
         QTRY_COMPARE(Toast::currentText(&window), QString());
     }
 
@@ -266,10 +265,10 @@ private slots:
     {
         FramelessWindow window;
         showWithFields(&window);
-        auto *field = window.findChild<LineEdit *>(QStringLiteral("first"));
+        auto *field = window.findChild<LineEdit *>("first"_s);
         LoadingOverlay overlay(&window);
         QSignalSpy cancelled(&overlay, &LoadingOverlay::cancelled);
-        overlay.showText(QStringLiteral("正在刷新中..."));
+        overlay.showText("正在刷新中..."_s);
         QCOMPARE(overlay.geometry(), window.contentArea());
         window.resize(500, 400);
         QTRY_COMPARE(overlay.geometry(), window.contentArea());
@@ -277,18 +276,18 @@ private slots:
         keyToFocus(Qt::Key_X);
         QVERIFY(field->text().isEmpty());
         keyToFocus(Qt::Key_Tab);
-        QCOMPARE(focusName(), QStringLiteral("loadingCancelButton"));
+        QCOMPARE(focusName(), "loadingCancelButton"_s);
         keyToFocus(Qt::Key_Tab);
         QCOMPARE(QApplication::focusWidget(), static_cast<QWidget *>(&overlay));
         keyToFocus(Qt::Key_Escape);
         keyToFocus(Qt::Key_Escape);
         QCOMPARE(cancelled.count(), 1);
-        overlay.showText(QStringLiteral("再试"), false);
+        overlay.showText("再试"_s, false);
         QTest::keyClick(&overlay, Qt::Key_Escape);
         QCOMPARE(cancelled.count(), 1);
-        overlay.showResult(QStringLiteral("完成"), LoadingOverlay::Result::Success, 1);
+        overlay.showResult("完成"_s, LoadingOverlay::Result::Success, 1);
         QTRY_VERIFY(overlay.isHidden());
-        QCOMPARE(focusName(), QStringLiteral("first"));
+        QCOMPARE(focusName(), "first"_s);
     }
 };
 

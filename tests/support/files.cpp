@@ -1,0 +1,37 @@
+#include "tests/support/files.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QFileInfo>
+
+QString writeFile(const QString &path, const QByteArray &content)
+{
+    QFile file(path);
+    if (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly) ||
+        file.write(content) != content.size())
+        qFatal("fixture not written: %s", qPrintable(path));
+    return path;
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+}
+
+QStringList filesBelow(const QString &folder)
+{
+    QStringList files;
+    QDirIterator each(folder, QDir::Files | QDir::Hidden | QDir::System,
+                      QDirIterator::Subdirectories);
+    while (each.hasNext())
+        files.append(QDir(folder).relativeFilePath(each.next()));
+    files.sort();
+    return files;
+}
+
+QString wireForm(QString path)
+{
+    return path.replace(QLatin1Char('/'), QLatin1Char('\\'));
+}

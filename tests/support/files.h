@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/// Fixtures on disk. What cannot be written ends the test program: nothing after it would mean
+/// anything.
+
+/// Writes the file, and the folders above it where they lack; returns its path.
+QString writeFile(const QString &path, const QByteArray &content = QByteArray());
+
+/// "(no file)" when there is none.
+QByteArray readFile(const QString &path);
+
+/// Every file below \a folder, hidden, temporary and broken ones too, as its path from there;
+/// sorted.
+QStringList filesBelow(const QString &folder);
+
+/// As the service writes paths.
+QString wireForm(QString path);
