@@ -1,30 +1,23 @@
-#include "app/context/accountcontext.h"
-#include "app/context/k.h"
-#include "bench/benchapplication.h"
-#include "bench/fixture.h"
 #include "bench/measure.h"
+#include "bench/options.h"
+#include "bench/windowbench.h"
 #include "distribution/fjhome.h"
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "net/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
+#include "tests/support/text.h"
 #include "widgets/filedialog.h"
-#include "widgets/messagebox.h"
 
 #include <QAbstractButton>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
-#include <QMetaEnum>
-#include <QProcess>
 #include <QStorageInfo>
 #include <QTableView>
-
-#include <cstdio>
 
 namespace {
 
@@ -32,7 +25,7 @@ constexpr double ratioBound = 1.5;
 constexpr double eventBoundMs = 50;
 constexpr int patienceMs = 10 * 60 * 1000;
 constexpr qint64 megabyte = 1 << 20;
-const QString orderId = QStringLiteral("50001");
+const QString orderId = "50001"_s;
 
 struct Settings
 {
@@ -42,54 +35,16 @@ struct Settings
     QString folder;
 };
 
-bool readOptions(const QCoreApplication &application, Settings *settings)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Times the distribution of an order beside a plain parallel copy of the same files and a "
-        "sync, in turns, and watches the interface thread meanwhile."));
-    parser.addHelpOption();
-    const QVector<QPair<QString, int *>> numbers{
-        {QStringLiteral("photos"), &settings->photos},
-        {QStringLiteral("megabytes"), &settings->megabytes},
-        {QStringLiteral("pairs"), &settings->pairs}};
-    for (const auto &[name, number] : numbers) {
-        parser.addOption({name, QStringLiteral("See the first line."), QStringLiteral("N"),
-                          QString::number(*number)});
-    }
-    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
-                      QStringLiteral("FOLDER"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
-    parser.process(application);
-    settings->folder = parser.value(QStringLiteral("folder"));
-    bool fine = true;
-    for (const auto &[name, number] : numbers) {
-        *number = parser.value(name).toInt();
-        fine = fine && *number > 0;
-    }
-    return fine;
-}
-
-void logIn()
-{
-    AccountContext::uid = QStringLiteral("9001");
-    AccountContext::eid = QStringLiteral("3101");
-    AccountContext::superId = QStringLiteral("7001");
-    AccountContext::shopId = QStringLiteral("101");
-    AccountContext::shopList = {{QStringLiteral("101"), QStringLiteral("一店"), {}, {}}};
-}
-
 /// Puts an order's photos on the share, each with its thumbnail; returns their folder.
 QString makeOrder(const Settings &settings)
 {
     DemoClient demo;
     demo.reset();
     demo.choosePhotos(orderId, settings.photos);
-    const QString folder = demo.state().value(QStringLiteral("share")).toString() +
-                           QStringLiteral("/海棠路旗舰店/选片/TS10001-1/选片");
-    const QString photos = folder + QStringLiteral("/all");
+    const QString folder = demo.share() + "/海棠路旗舰店/选片/TS10001-1/选片"_s;
+    const QString photos = folder + "/all"_s;
     bench::makePhotos(photos, settings.photos, int(settings.megabytes * megabyte));
-    QDir().mkpath(folder + QStringLiteral("/90"));
+    QDir().mkpath(folder + "/90"_s);
     const QByteArray thumbnail = jpegOf(cornerPicture({90, 60}));
     QStringList names = QDir(photos).entryList(QDir::Files);
     for (const char *archive : {"RD_0001.jpg", "RD_0002.jpg"}) {
@@ -98,7 +53,7 @@ QString makeOrder(const Settings &settings)
         names.append(QString::fromLatin1(archive));
     }
     for (const QString &name : qAsConst(names)) {
-        QFile file(folder + QStringLiteral("/90/") + name);
+        QFile file(folder + "/90/"_s + name);
         if (!file.open(QIODevice::WriteOnly) || file.write(thumbnail) != thumbnail.size())
             throw bench::Failure(file.errorString());
     }
@@ -111,14 +66,13 @@ class Desk
 public:
     explicit Desk(BenchApplication *application) : application_(application)
     {
-        window_.setCard(QStringLiteral("设计分件"));
+        window_.setCard("设计分件"_s);
         window_.resize(1600, 900);
         window_.show();
-        await(QStringLiteral("orders"), [this] { return rows() > 2; });
-        window_.findChild<QLineEdit *>(QStringLiteral("keywordEdit"))
-            ->setText(QStringLiteral("TS10001"));
+        await("orders"_s, [this] { return rows() > 2; });
+        window_.findChild<QLineEdit *>("keywordEdit"_s)->setText("TS10001"_s);
         click("searchButton");
-        await(QStringLiteral("the order"), [this] { return rows() == 2; });
+        await("the order"_s, [this] { return rows() == 2; });
         window_.findChild<FJLeftPanel *>()->onCellClicked(0, 0);
         click("option精修"); // off: the bench has one version of each photo
     }
@@ -141,23 +95,20 @@ public:
             &window_, [this] { window_.findChild<FJRightPanel *>()->onStartProcessClicked(); },
             Qt::QueuedConnection);
         QStringList boxes;
-        await(QStringLiteral("end of the run"), [&boxes] {
+        await("end of the run"_s, [&boxes] {
             const auto shown = MessageBox::takeShown();
             for (const MessageBox::Shown &box : shown)
                 boxes.append(box.text);
             return !boxes.isEmpty();
         });
         const double seconds = double(clock.nsecsElapsed()) / 1e9;
-        if (boxes != QStringList(QStringLiteral("1个订单分件完成!")))
+        if (boxes != QStringList("1个订单分件完成!"_s))
             throw bench::Failure(boxes.join(QLatin1Char('\n')));
         return seconds;
     }
 
 private:
-    int rows()
-    {
-        return window_.findChild<QTableView *>(QStringLiteral("orderTable"))->model()->rowCount();
-    }
+    int rows() { return window_.findChild<QTableView *>("orderTable"_s)->model()->rowCount(); }
     void click(const char *name)
     {
         window_.findChild<QAbstractButton *>(QString::fromUtf8(name))->click();
@@ -165,7 +116,7 @@ private:
     void await(const QString &what, const std::function<bool()> &done)
     {
         if (!application_->runUntil(done, patienceMs))
-            throw bench::Failure(QStringLiteral("waited in vain for ") + what);
+            throw bench::Failure("waited in vain for "_s + what);
     }
 
     BenchApplication *application_;
@@ -177,15 +128,13 @@ private:
 QMap<QString, QStringList> copiedFiles(const QString &made, const QString &share)
 {
     QMap<QString, QStringList> copied;
-    QDirIterator files(made, {QStringLiteral("IMG_*"), QStringLiteral("RD_*")}, QDir::Files,
-                       QDirIterator::Subdirectories);
+    QDirIterator files(made, {"IMG_*"_s, "RD_*"_s}, QDir::Files, QDirIterator::Subdirectories);
     while (files.hasNext()) {
         files.next();
         const QString folder = QDir(made).relativeFilePath(files.fileInfo().path());
-        if (folder == QStringLiteral("其他/标记"))
+        if (folder == "其他/标记"_s)
             continue; // came over the network
-        const QString variant = folder.endsWith(QStringLiteral("缩略图")) ? QStringLiteral("/90/")
-                                                                          : QStringLiteral("/all/");
+        const QString variant = folder.endsWith("缩略图"_s) ? "/90/"_s : "/all/"_s;
         copied[folder].append(share + variant + files.fileName());
     }
     return copied;
@@ -196,22 +145,8 @@ double plainSeconds(const QMap<QString, QStringList> &files, const QString &targ
 {
     QElapsedTimer clock;
     clock.start();
-    for (auto folder = files.cbegin(); folder != files.cend(); ++folder) {
-        const QString into = target + QLatin1Char('/') + folder.key();
-        QDir().mkpath(into);
-        QByteArray names;
-        for (const QString &source : folder.value())
-            names += QFile::encodeName(source) + '\0';
-        QProcess copying;
-        copying.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        copying.start(QStringLiteral("xargs"),
-                      {QStringLiteral("-0"), QStringLiteral("-P4"), QStringLiteral("-n10"),
-                       QStringLiteral("cp"), QStringLiteral("-t"), into});
-        copying.write(names);
-        copying.closeWriteChannel();
-        if (!copying.waitForFinished(-1) || copying.exitCode() != 0)
-            throw bench::Failure(QStringLiteral("the plain copy failed"));
-    }
+    for (auto folder = files.cbegin(); folder != files.cend(); ++folder)
+        bench::copyPlainly(folder.value(), target + QLatin1Char('/') + folder.key());
     bench::syncDisk(target);
     return double(clock.nsecsElapsed()) / 1e9;
 }
@@ -221,31 +156,20 @@ void prepare(const QString &share, const QString &target)
 {
     QDir(target).removeRecursively();
     QDir().mkpath(target);
-    QDirIterator files(share, QDir::Files, QDirIterator::Subdirectories);
-    while (files.hasNext()) {
-        QFile file(files.next());
-        if (!file.open(QIODevice::ReadOnly))
-            throw bench::Failure(file.errorString());
-        QByteArray buffer(int(megabyte), Qt::Uninitialized);
-        while (file.read(buffer.data(), buffer.size()) > 0) {
-        }
-    }
-    bench::syncDisk(share);
+    bench::warm(share);
 }
 
 void compare(BenchApplication *application, const Settings &settings, const QString &folder)
 {
     const qint64 needed = megabyte * settings.photos * settings.megabytes * 21 / 10;
     if (QStorageInfo(folder).bytesAvailable() < needed)
-        throw bench::Failure(QStringLiteral("%1 MB are needed").arg(needed / megabyte));
-    bench::line(
-        QStringLiteral("Distributing an order of %1 photos of %2 MB, sheet included, beside "
-                       "xargs -P4 cp of the same files and a sync")
-            .arg(settings.photos)
-            .arg(settings.megabytes));
+        throw bench::Failure("%1 MB are needed"_s.arg(needed / megabyte));
+    bench::line("Distributing an order of %1 photos of %2 MB, sheet included, beside "
+                "xargs -P4 cp of the same files and a sync"_s.arg(settings.photos)
+                    .arg(settings.megabytes));
     const QString share = makeOrder(settings);
-    const QString ours = folder + QStringLiteral("/distributed");
-    const QString plain = folder + QStringLiteral("/plain");
+    const QString ours = folder + "/distributed"_s;
+    const QString plain = folder + "/plain"_s;
     Desk desk(application);
     QVector<double> ratios;
     QVector<double> costs;
@@ -269,22 +193,17 @@ void compare(BenchApplication *application, const Settings &settings, const QStr
             continue;
         ratios.append(distributed / copied);
         costs.append(events.first().cpuMs);
-        const char *type = QMetaEnum::fromType<QEvent::Type>().valueToKey(events.first().type);
-        bench::line(QStringLiteral("  pair %1: %2 files distributed in %3 s, plain copy and sync "
-                                   "%4 s, ratio %5; longest event %6 ms processor, %7 ms wall, %8 "
-                                   "to %9")
-                        .arg(pair)
+        bench::line("  pair %1: %2 files distributed in %3 s, plain copy and sync "
+                    "%4 s, ratio %5; longest events:"_s.arg(pair)
                         .arg(count)
                         .arg(bench::number(distributed, 2), bench::number(copied, 2),
-                             bench::number(ratios.last(), 3), bench::number(costs.last(), 1),
-                             bench::number(events.first().wallMs, 1),
-                             QString::fromLatin1(type ? type : "event"),
-                             QString::fromLatin1(events.first().receiver)));
+                             bench::number(ratios.last(), 3)));
+        BenchApplication::print(events);
     }
-    bench::judge(QStringLiteral("median ratio of distribution to plain copy and sync"),
-                 bench::median(ratios), ratioBound, QString(), 3);
-    bench::judge(QStringLiteral("longest event during a distribution, the worst round"),
-                 bench::largest(costs), eventBoundMs, QStringLiteral("ms"), 1);
+    bench::judge("median ratio of distribution to plain copy and sync"_s, bench::median(ratios),
+                 ratioBound, QString(), 3);
+    bench::judge("longest event during a distribution, the worst round"_s, bench::largest(costs),
+                 eventBoundMs, "ms"_s, 1);
     DemoClient().reset();
 }
 
@@ -294,15 +213,14 @@ int main(int argc, char **argv)
 {
     BenchApplication application(argc, argv);
     Settings settings;
-    if (!readOptions(application, &settings)) {
-        std::fprintf(stderr, "A number makes no sense; see --help\n");
-        return 2;
-    }
-    return bench::runIn(settings.folder, [&](const QString &folder) {
-        K::instance()->initApplication(&application);
-        QApplication::setQuitOnLastWindowClosed(false);
-        MessageBox::setScripted(true);
-        logIn();
+    settings.folder = bench::readOptions(
+        application,
+        "Times the distribution of an order beside a plain parallel copy of the same files and a "
+        "sync, in turns, and watches the interface thread meanwhile."_s,
+        {{"photos", "Photos of the order.", &settings.photos},
+         {"megabytes", "Size of each photo.", &settings.megabytes},
+         {"pairs", "Times each of the two is run.", &settings.pairs}});
+    return bench::runWindowIn(&application, settings.folder, [&](const QString &folder) {
         compare(&application, settings, folder);
     });
 }

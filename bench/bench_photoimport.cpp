@@ -1,21 +1,21 @@
 #include "bench/benchapplication.h"
 #include "bench/fixture.h"
 #include "bench/measure.h"
+#include "bench/options.h"
 #include "net/background.h"
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
 #include "photoimport/tfimportthreadmanager.h"
 #include "tests/support/pictures.h"
+#include "tests/support/text.h"
 
 #include <QBuffer>
-#include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QMetaEnum>
 #include <QPainter>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -45,42 +45,6 @@ struct Settings
     int rounds = 5;
     QString folder;
 };
-
-bool readOptions(const QCoreApplication &application, Settings *settings)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "What importing photos costs beside the bare work and an off-the-shelf thumbnailer."));
-    parser.addHelpOption();
-    const struct
-    {
-        const char *name;
-        const char *meaning;
-        int *number;
-    } numbers[] = {
-        {"photos", "Photos of 24 MP imported beside the thumbnailer.", &settings->photos},
-        {"crowd", "Photos of 24 MP imported for the peak of memory.", &settings->crowd},
-        {"queued", "Photos in the order that is queued and stopped.", &settings->queued},
-        {"seconds", "How long that order is watched.", &settings->seconds},
-        {"rounds", "Times each figure is taken.", &settings->rounds},
-    };
-    for (const auto &number : numbers) {
-        parser.addOption({QLatin1String(number.name), QLatin1String(number.meaning),
-                          QStringLiteral("N"), QString::number(*number.number)});
-    }
-    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
-                      QStringLiteral("FOLDER"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
-    parser.process(application);
-    settings->folder = parser.value(QStringLiteral("folder"));
-    bool fine = true;
-    for (const auto &number : numbers) {
-        bool isNumber = false;
-        *number.number = parser.value(QLatin1String(number.name)).toInt(&isNumber);
-        fine = fine && isNumber && *number.number > 0;
-    }
-    return fine;
-}
 
 void check(bool fine, const QString &what)
 {
@@ -116,7 +80,7 @@ QStringList makePhotographs(const QString &folder, int count, bool onTheirSide)
     QDir().mkpath(folder);
     QStringList paths;
     for (int index = 0; index < count; ++index) {
-        const QString path = QStringLiteral("%1/IMG_%2.jpg").arg(folder).arg(index);
+        const QString path = "%1/IMG_%2.jpg"_s.arg(folder).arg(index);
         if (index < distinctPhotos) {
             const int orientation = onTheirSide && index % 2 == 0 ? 6 : 1;
             QFile file(path);
@@ -141,21 +105,21 @@ double processorSeconds()
 /// Most memory that was ever resident since resetPeak(), in MB.
 double peakMb()
 {
-    QFile status(QStringLiteral("/proc/self/status"));
+    QFile status("/proc/self/status"_s);
     check(status.open(QIODevice::ReadOnly), status.errorString());
     for (const QByteArray &line : status.readAll().split('\n')) {
         if (line.startsWith("VmHWM:"))
             return line.mid(6).trimmed().split(' ').first().toDouble() / 1024;
     }
-    throw bench::Failure(QStringLiteral("no peak of memory"));
+    throw bench::Failure("no peak of memory"_s);
 }
 
 void resetPeak()
 {
     malloc_trim(0);
-    QFile references(QStringLiteral("/proc/self/clear_refs"));
+    QFile references("/proc/self/clear_refs"_s);
     check(references.open(QIODevice::WriteOnly) && references.write("5") == 1,
-          QStringLiteral("the peak of memory cannot be reset"));
+          "the peak of memory cannot be reset"_s);
 }
 
 /// What nobody can do without: one decoding, three scalings, three encodings.
@@ -180,17 +144,17 @@ double variantSeconds(const QString &source, const QString &folder)
     DecodedSources shared;
     const double begun = processorSeconds();
     for (const int side : variantSides) {
-        check(imageoperations::compressImage(
-                  source, QStringLiteral("%1/%2.jpg").arg(folder).arg(side), side, &shared),
-              QStringLiteral("no variant"));
+        check(imageoperations::compressImage(source, "%1/%2.jpg"_s.arg(folder).arg(side), side,
+                                             &shared),
+              "no variant"_s);
     }
     return processorSeconds() - begun;
 }
 
 void measureProcessor(const Settings &settings, const QStringList &photos, const QString &folder)
 {
-    bench::line(QStringLiteral("Three variants of 24 MP beside one decoding, three scalings and "
-                               "three encodings"));
+    bench::line("Three variants of 24 MP beside one decoding, three scalings and "
+                "three encodings"_s);
     QVector<double> ratios;
     variantSeconds(photos.first(), folder);
     for (int round = 0; round < settings.rounds; ++round) {
@@ -201,19 +165,17 @@ void measureProcessor(const Settings &settings, const QStringList &photos, const
             ours += variantSeconds(photos.at(photo), folder);
         }
         ratios << ours / bare;
-        bench::line(QStringLiteral("  round %1: %2 s, bare %3 s, ratio %4")
-                        .arg(round + 1)
-                        .arg(bench::number(ours, 2), bench::number(bare, 2),
-                             bench::number(ratios.last(), 3)));
+        bench::line("  round %1: %2 s, bare %3 s, ratio %4"_s.arg(round + 1).arg(
+            bench::number(ours, 2), bench::number(bare, 2), bench::number(ratios.last(), 3)));
     }
-    bench::judge(QStringLiteral("median ratio of processor time"), bench::median(ratios),
-                 processorBound, QString(), 3);
+    bench::judge("median ratio of processor time"_s, bench::median(ratios), processorBound,
+                 QString(), 3);
 }
 
 OrderInfo orderOf(const QStringList &photos, const QString &folder)
 {
     OrderInfo order;
-    order.id = order.orderPayForKey = QStringLiteral("bench");
+    order.id = order.orderPayForKey = "bench"_s;
     order.importPath = QString(folder).replace(QLatin1Char('/'), QLatin1Char('\\'));
     order.photos = photorules::jobsFor(order, photos, photorules::Photos);
     return order;
@@ -236,31 +198,25 @@ double importSeconds(BenchApplication *application, const QStringList &photos,
     clock.start();
     pool.startImportOrder(orderOf(photos, folder));
     check(application->runUntil([&complete] { return complete; }, patienceMs) && failed == 0,
-          QStringLiteral("%1 photos failed").arg(failed));
+          "%1 photos failed"_s.arg(failed));
     return double(clock.nsecsElapsed()) / 1e9;
 }
 
 /// The same by the off-the-shelf thumbnailer, photo after photo.
 double thumbnailerSeconds(const QStringList &photos, const QString &folder)
 {
-    QString script = QStringLiteral("set -e; cd '%1'; mkdir all 90 190 1920; for f; do n=${f##*/}; "
-                                    "cp \"$f\" all/; ")
-                         .arg(folder);
+    QString script = "set -e; cd '%1'; mkdir all 90 190 1920; for f; do n=${f##*/}; "
+                     "cp \"$f\" all/; "_s.arg(folder);
     for (const int side : variantSides) {
-        script += QStringLiteral("vipsthumbnail \"$f\" --size %1 -o \"$PWD/%1/$n[Q=%2]\"; ")
-                      .arg(side)
-                      .arg(imageoperations::variantQuality);
+        script += "vipsthumbnail \"$f\" --size %1 -o \"$PWD/%1/$n[Q=%2]\"; "_s.arg(side).arg(
+            imageoperations::variantQuality);
     }
     QProcess shell;
     shell.setProcessChannelMode(QProcess::ForwardedChannels);
     QElapsedTimer clock;
     clock.start();
-    shell.start(
-        QStringLiteral("sh"),
-        QStringList{QStringLiteral("-c"), script + QStringLiteral("done"), QStringLiteral("sh")} +
-            photos);
-    check(shell.waitForFinished(patienceMs) && shell.exitCode() == 0,
-          QStringLiteral("the thumbnailer failed"));
+    shell.start("sh"_s, QStringList{"-c"_s, script + "done"_s, "sh"_s} + photos);
+    check(shell.waitForFinished(patienceMs) && shell.exitCode() == 0, "the thumbnailer failed"_s);
     bench::syncDisk(folder);
     return double(clock.nsecsElapsed()) / 1e9;
 }
@@ -268,20 +224,18 @@ double thumbnailerSeconds(const QStringList &photos, const QString &folder)
 void measureOrder(BenchApplication *application, const Settings &settings,
                   const QStringList &photos, const QString &folder)
 {
-    bench::line(
-        QStringLiteral("An order of %1 photos beside vipsthumbnail three times per photo, a "
-                       "copy and a sync; %2 workers")
-            .arg(photos.size())
-            .arg(tfimportthreadmanager::defaultWorkers));
-    check(!QStandardPaths::findExecutable(QStringLiteral("vipsthumbnail")).isEmpty(),
-          QStringLiteral("vipsthumbnail is not installed (Debian package libvips-tools)"));
+    bench::line("An order of %1 photos beside vipsthumbnail three times per photo, a "
+                "copy and a sync; %2 workers"_s.arg(photos.size())
+                    .arg(tfimportthreadmanager::defaultWorkers));
+    check(!QStandardPaths::findExecutable("vipsthumbnail"_s).isEmpty(),
+          "vipsthumbnail is not installed (Debian package libvips-tools)"_s);
     QVector<double> ratios;
     for (int round = 0; round < settings.rounds; ++round) {
         double ours = 0;
         double theirs = 0;
         // Neither always comes first.
         for (const bool our : {round % 2 == 0, round % 2 != 0}) {
-            const QString target = folder + QStringLiteral("/order");
+            const QString target = folder + "/order"_s;
             QDir().mkpath(target);
             bench::syncDisk(target);
             if (our)
@@ -289,76 +243,51 @@ void measureOrder(BenchApplication *application, const Settings &settings,
             else
                 theirs = thumbnailerSeconds(photos, target);
             for (const int side : variantSides) {
-                check(QDir(QStringLiteral("%1/%2").arg(target).arg(side))
-                              .entryList(QDir::Files)
-                              .size() == photos.size(),
-                      QStringLiteral("not all variants were made"));
+                check(QDir("%1/%2"_s.arg(target).arg(side)).entryList(QDir::Files).size() ==
+                          photos.size(),
+                      "not all variants were made"_s);
             }
             QDir(target).removeRecursively();
         }
         ratios << ours / theirs;
-        bench::line(QStringLiteral("  round %1: %2 s, thumbnailer %3 s, ratio %4")
-                        .arg(round + 1)
-                        .arg(bench::number(ours, 2), bench::number(theirs, 2),
-                             bench::number(ratios.last(), 3)));
+        bench::line("  round %1: %2 s, thumbnailer %3 s, ratio %4"_s.arg(round + 1).arg(
+            bench::number(ours, 2), bench::number(theirs, 2), bench::number(ratios.last(), 3)));
     }
-    bench::judge(QStringLiteral("median ratio of wall time"), bench::median(ratios), wallBound,
-                 QString(), 3);
+    bench::judge("median ratio of wall time"_s, bench::median(ratios), wallBound, QString(), 3);
 }
 
 void measureMemory(BenchApplication *application, const Settings &settings, const QString &folder)
 {
     const auto peakOf = [&](const QStringList &photos) {
-        const QString target = folder + QStringLiteral("/crowd");
+        const QString target = folder + "/crowd"_s;
         resetPeak();
         importSeconds(application, photos, target);
         QDir(target).removeRecursively();
         return peakMb();
     };
-    const QString card = folder + QStringLiteral("/crowd-card");
-    bench::judge(QStringLiteral("peak of memory, %1 photos of 24 MP, half of them on their side")
-                     .arg(settings.crowd),
-                 peakOf(makePhotographs(card, settings.crowd, true)), memoryBoundMb,
-                 QStringLiteral("MB"), 0);
+    const QString card = folder + "/crowd-card"_s;
+    bench::judge(
+        "peak of memory, %1 photos of 24 MP, half of them on their side"_s.arg(settings.crowd),
+        peakOf(makePhotographs(card, settings.crowd, true)), memoryBoundMb, "MB"_s, 0);
     QDir(card).removeRecursively();
 
-    const QString large = folder + QStringLiteral("/large.jpg");
+    const QString large = folder + "/large.jpg"_s;
     {
         const QImage picture = photograph({1200, 900}, 7).scaled(12000, 9000);
         QFile file(large);
         check(file.open(QIODevice::WriteOnly) && file.write(jpegOf(picture, 6, 85)) > 0, large);
     }
-    bench::judge(QStringLiteral("peak of memory, one photo of 108 MP on its side"), peakOf({large}),
-                 largeBoundMb, QStringLiteral("MB"), 0);
-}
-
-void printEvents(const QVector<BenchApplication::Cost> &costs)
-{
-    const QMetaEnum types = QMetaEnum::fromType<QEvent::Type>();
-    for (const BenchApplication::Cost &cost : costs) {
-        bench::line(QStringLiteral("    %1 ms processor, %2 ms wall: %3 to %4")
-                        .arg(bench::number(cost.cpuMs, 2), bench::number(cost.wallMs, 2),
-                             QString::fromLatin1(types.valueToKey(cost.type)),
-                             QString::fromLatin1(cost.receiver)));
-    }
+    bench::judge("peak of memory, one photo of 108 MP on its side"_s, peakOf({large}), largeBoundMb,
+                 "MB"_s, 0);
 }
 
 void measureDealing(BenchApplication *application, const Settings &settings, const QString &folder)
 {
-    bench::line(QStringLiteral("An order of %1 photos, %2 jobs, queued, watched for %3 s, stopped")
-                    .arg(settings.queued)
-                    .arg(settings.queued * 4)
-                    .arg(settings.seconds));
-    const QString card = folder + QStringLiteral("/small-card");
-    QDir().mkpath(card);
-    const QByteArray bytes = jpegOf(cornerPicture({300, 200}));
-    QStringList photos;
-    for (int index = 0; index < settings.queued; ++index) {
-        QFile file(QStringLiteral("%1/IMG_%2.jpg").arg(card).arg(index));
-        check(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size(),
-              file.fileName());
-        photos << file.fileName();
-    }
+    bench::line(
+        "An order of %1 photos, %2 jobs, queued, watched for %3 s, stopped"_s.arg(settings.queued)
+            .arg(settings.queued * 4)
+            .arg(settings.seconds));
+    const QStringList photos = bench::makePictures(folder + "/small-card"_s, settings.queued);
     QVector<double> costs;
     QVector<double> stops;
     int reports = 0;
@@ -368,8 +297,7 @@ void measureDealing(BenchApplication *application, const Settings &settings, con
                          [&reports] { ++reports; });
         application->startWatching();
         QMetaObject::invokeMethod(
-            &pool,
-            [&] { pool.startImportOrder(orderOf(photos, folder + QStringLiteral("/dealt"))); },
+            &pool, [&] { pool.startImportOrder(orderOf(photos, folder + "/dealt"_s)); },
             Qt::QueuedConnection);
         application->runUntil([] { return false; }, settings.seconds * 1000);
         QElapsedTimer clock;
@@ -386,17 +314,14 @@ void measureDealing(BenchApplication *application, const Settings &settings, con
         application->runUntil([&] { return stopped && !pool.hasLiveWorkers(); }, patienceMs);
         const auto events = application->stopWatching();
         costs << events.first().cpuMs;
-        bench::line(QStringLiteral("  %1 jobs reported, %2 s of processor time on the interface "
-                                   "thread; longest events:")
-                        .arg(reports)
+        bench::line("  %1 jobs reported, %2 s of processor time on the interface "
+                    "thread; longest events:"_s.arg(reports)
                         .arg(bench::number(application->cpuMs() / 1e3, 2)));
-        printEvents(events);
+        BenchApplication::print(events);
     }
-    check(reports > 0, QStringLiteral("nothing was imported"));
-    bench::judge(QStringLiteral("longest event, processor time"), bench::largest(costs),
-                 eventBoundMs, QStringLiteral("ms"), 1);
-    bench::judge(QStringLiteral("stopAllImport, wall time"), bench::largest(stops), stopBoundMs,
-                 QStringLiteral("ms"), 2);
+    check(reports > 0, "nothing was imported"_s);
+    bench::judge("longest event, processor time"_s, bench::largest(costs), eventBoundMs, "ms"_s, 1);
+    bench::judge("stopAllImport, wall time"_s, bench::largest(stops), stopBoundMs, "ms"_s, 2);
 }
 
 } // namespace
@@ -405,13 +330,16 @@ int main(int argc, char **argv)
 {
     BenchApplication application(argc, argv);
     Settings settings;
-    if (!readOptions(application, &settings)) {
-        std::fprintf(stderr, "A number makes no sense; see --help\n");
-        return 2;
-    }
+    settings.folder = bench::readOptions(
+        application,
+        "What importing photos costs beside the bare work and an off-the-shelf thumbnailer."_s,
+        {{"photos", "Photos of 24 MP imported beside the thumbnailer.", &settings.photos},
+         {"crowd", "Photos of 24 MP imported for the peak of memory.", &settings.crowd},
+         {"queued", "Photos in the order that is queued and stopped.", &settings.queued},
+         {"seconds", "How long that order is watched.", &settings.seconds},
+         {"rounds", "Times each figure is taken.", &settings.rounds}});
     return bench::runIn(settings.folder, [&](const QString &folder) {
-        const QStringList photos =
-            makePhotographs(folder + QStringLiteral("/card"), settings.photos, false);
+        const QStringList photos = makePhotographs(folder + "/card"_s, settings.photos, false);
         measureProcessor(settings, photos, folder);
         measureOrder(&application, settings, photos, folder);
         measureMemory(&application, settings, folder);

@@ -1,17 +1,15 @@
-#include "app/context/accountcontext.h"
-#include "app/context/k.h"
-#include "bench/benchapplication.h"
-#include "bench/fixture.h"
 #include "bench/measure.h"
+#include "bench/options.h"
+#include "bench/windowbench.h"
 #include "fileimport/originalrequests.h"
 #include "fileimport/photocell.h"
 #include "fileimport/thumbnailtableview.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
+#include "tests/support/text.h"
 #include "widgets/theme.h"
 
-#include <QCommandLineParser>
 #include <QFile>
 #include <QJsonArray>
 #include <QScrollBar>
@@ -20,9 +18,6 @@
 #include <QUrl>
 
 #include <algorithm>
-#include <cstdio>
-#include <malloc.h>
-#include <unistd.h>
 
 namespace {
 
@@ -30,31 +25,19 @@ constexpr double eventBoundMs = 50;
 constexpr double memoryBoundMb = 300;
 constexpr int patienceMs = 10 * 60 * 1000;
 
-double residentMb()
-{
-    malloc_trim(0);
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        throw bench::Failure(file.errorString());
-    const qint64 pages = file.readAll().split(' ').value(1).toLongLong();
-    return double(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-}
-
 /// The address of a picture that the service makes from a file.
 QString registerPicture(BenchApplication *application, const QString &folder)
 {
-    QFile file(folder + QStringLiteral("/picture.jpg"));
+    QFile file(folder + "/picture.jpg"_s);
     if (!file.open(QIODevice::WriteOnly) || file.write(jpegOf(cornerPicture({400, 400}))) < 0)
         throw bench::Failure(file.errorString());
     file.close();
-    const originalrequests::OrderMap order{
-        {QStringLiteral("shopid"), QStringLiteral("101")},
-        {QStringLiteral("order_photo_id"), QStringLiteral("800001")}};
+    const originalrequests::OrderMap order{{"shopid"_s, "101"_s}, {"order_photo_id"_s, "800001"_s}};
     const QByteArray body = originalrequests::listBody(order, QString());
     QObject owner;
     QString url;
     callService(
-        &owner, QStringLiteral("&m=order&a=savepicpath"),
+        &owner, "&m=order&a=savepicpath"_s,
         body + "&path=" + QUrl::toPercentEncoding(file.fileName()), [&](const ServiceReply &) {
             callService(&owner, originalrequests::listAction, body,
                         [&url](const ServiceReply &reply) {
@@ -63,7 +46,7 @@ QString registerPicture(BenchApplication *application, const QString &folder)
                         });
         });
     if (!application->runUntil([&url] { return !url.isEmpty(); }, patienceMs))
-        throw bench::Failure(QStringLiteral("the picture was not registered"));
+        throw bench::Failure("the picture was not registered"_s);
     return url;
 }
 
@@ -72,8 +55,8 @@ QVector<PhotoEntry> entriesWith(const QString &url, int count)
     QVector<PhotoEntry> entries;
     for (int index = 0; index < count; ++index) {
         PhotoEntry entry;
-        entry.imgName = QStringLiteral("IMG_%1.jpg").arg(index + 1, 5, 10, QLatin1Char('0'));
-        entry.url = QStringLiteral("%1?%2").arg(url).arg(index);
+        entry.imgName = "IMG_%1.jpg"_s.arg(index + 1, 5, 10, QLatin1Char('0'));
+        entry.url = "%1?%2"_s.arg(url).arg(index);
         entries.append(entry);
     }
     return entries;
@@ -99,7 +82,7 @@ public:
     void await(const QString &what, const std::function<bool()> &done)
     {
         if (!application_->runUntil(done, patienceMs))
-            throw bench::Failure(QStringLiteral("waited in vain for ") + what);
+            throw bench::Failure("waited in vain for "_s + what);
     }
     /// What \a act and the waiting for \a done cost in single events.
     void measure(const QString &what, const std::function<void()> &act,
@@ -112,9 +95,9 @@ public:
             &grid_, [&began] { began = true; }, Qt::QueuedConnection);
         await(what, [&] { return began && done(); });
         const auto costs = application_->stopWatching();
-        bench::judge(QStringLiteral("  longest event while ") + what, costs.first().cpuMs,
-                     eventBoundMs, QStringLiteral("ms"), 1);
-        bench::line(QStringLiteral("    (%1 ms of the wall clock; event %2 to %3)")
+        bench::judge("  longest event while "_s + what, costs.first().cpuMs, eventBoundMs, "ms"_s,
+                     1);
+        bench::line("    (%1 ms of the wall clock; event %2 to %3)"_s
                         .arg(bench::number(costs.first().wallMs, 1))
                         .arg(costs.first().type)
                         .arg(QString::fromLatin1(costs.first().receiver)));
@@ -164,56 +147,53 @@ void scrollThrough(Desk *desk, int step, const std::function<bool()> &mayGoOn)
             desk->bar()->setValue(desk->bar()->value() + step);
     });
     desk->measure(
-        QStringLiteral("scrolling by %1 pixels").arg(step), [&ticks] { ticks.start(tickMs); },
+        "scrolling by %1 pixels"_s.arg(step), [&ticks] { ticks.start(tickMs); },
         [desk] { return desk->bar()->value() == desk->bar()->maximum(); });
 }
 
 void measureGrid(BenchApplication *application, const QString &url, int count, float scale)
 {
     K::uiScale = scale;
-    bench::line(QStringLiteral("%1 photos at %2 %").arg(count).arg(qRound(double(scale) * 100)));
-    const double before = residentMb();
+    bench::line("%1 photos at %2 %"_s.arg(count).arg(qRound(double(scale) * 100)));
+    const double before = bench::residentMb();
     const auto entries = entriesWith(url, count);
     DemoClient().clearRequests();
     auto desk = std::make_unique<Desk>(application);
     ThumbnailTableView *grid = desk->grid();
     desk->measure(
-        QStringLiteral("cells are made"), [&] { grid->setEntries(entries); },
+        "cells are made"_s, [&] { grid->setEntries(entries); },
         [&] {
             desk->look();
             return grid->createdCells() == count;
         });
-    desk->await(QStringLiteral("first pictures"), [&] { return desk->showsPictures(); });
-    const double withCells = residentMb();
+    desk->await("first pictures"_s, [&] { return desk->showsPictures(); });
+    const double withCells = bench::residentMb();
 
     scrollThrough(desk.get(), desk->bar()->pageStep() / 4, [] { return true; });
-    const auto requests = [] { return DemoClient().requests(QStringLiteral("image")).size(); };
-    bench::judge(QStringLiteral("  images asked for, of those seen"), requests(), desk->seen(),
-                 QString(), 0);
+    const auto requests = [] { return DemoClient().requests("image"_s).size(); };
+    bench::judge("  images asked for, of those seen"_s, requests(), desk->seen(), QString(), 0);
     desk->bar()->setValue(0);
     scrollThrough(desk.get(), desk->bar()->pageStep(), [&] { return desk->showsPictures(); });
-    desk->await(QStringLiteral("last pictures"), [&] { return desk->showsPictures(); });
-    bench::judge(QStringLiteral("  images asked for after every page was looked at"), requests(),
-                 count, QString(), 0);
-    const double withPictures = residentMb();
-    bench::line(QStringLiteral("  resident: %1 MB before, %2 MB with cells, %3 MB with all images")
-                    .arg(bench::number(before, 1), bench::number(withCells, 1),
-                         bench::number(withPictures, 1)));
+    desk->await("last pictures"_s, [&] { return desk->showsPictures(); });
+    bench::judge("  images asked for after every page was looked at"_s, requests(), count,
+                 QString(), 0);
+    const double withPictures = bench::residentMb();
+    bench::line("  resident: %1 MB before, %2 MB with cells, %3 MB with all images"_s.arg(
+        bench::number(before, 1), bench::number(withCells, 1), bench::number(withPictures, 1)));
     if (scale > 1.0F)
-        bench::line(QStringLiteral("  (memory is bounded at 100 % alone)"));
+        bench::line("  (memory is bounded at 100 % alone)"_s);
     else
-        bench::judge(QStringLiteral("  resident memory"), withPictures, memoryBoundMb,
-                     QStringLiteral("MB"), 1);
+        bench::judge("  resident memory"_s, withPictures, memoryBoundMb, "MB"_s, 1);
 
     desk->measure(
-        QStringLiteral("selecting all and none"),
+        "selecting all and none"_s,
         [grid] {
             grid->selectAll();
             grid->clearSelection();
         },
         [] { return true; });
     desk->measure(
-        QStringLiteral("another list replaces it"), [&] { grid->setEntries(entries.mid(0, 10)); },
+        "another list replaces it"_s, [&] { grid->setEntries(entries.mid(0, 10)); },
         [grid] { return grid->viewport()->findChildren<PhotoCell *>().size() == 10; });
 }
 
@@ -222,25 +202,11 @@ void measureGrid(BenchApplication *application, const QString &url, int count, f
 int main(int argc, char **argv)
 {
     BenchApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("What the grid of imported photos costs and keeps its user waiting."));
-    parser.addHelpOption();
-    parser.addOption({QStringLiteral("photos"), QStringLiteral("Photos in the grid."),
-                      QStringLiteral("N"), QStringLiteral("5000")});
-    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
-                      QStringLiteral("FOLDER"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
-    parser.process(application);
-    const int count = parser.value(QStringLiteral("photos")).toInt();
-    if (count < 100) {
-        std::fprintf(stderr, "--photos wants a number of 100 or more\n");
-        return 2;
-    }
-    return bench::runIn(parser.value(QStringLiteral("folder")), [&](const QString &folder) {
-        K::instance()->initApplication(&application);
-        QApplication::setQuitOnLastWindowClosed(false);
-        AccountContext::uid = QStringLiteral("9001");
+    int count = 5000;
+    const QString parent = bench::readOptions(
+        application, "What the grid of imported photos costs and keeps its user waiting."_s,
+        {{"photos", "Photos in the grid.", &count, 100}});
+    return bench::runWindowIn(&application, parent, [&](const QString &folder) {
         const QString url = registerPicture(&application, folder);
         for (const float scale : {1.0F, 2.0F})
             measureGrid(&application, url, count, scale);

@@ -1,10 +1,11 @@
 #include "bench/fixture.h"
 #include "bench/measure.h"
+#include "bench/options.h"
 #include "distribution/foldernames.h"
 #include "distribution/productionsheet.h"
 #include "tests/support/pictures.h"
+#include "tests/support/text.h"
 
-#include <QCommandLineParser>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -27,7 +28,7 @@ constexpr int runs = 5;
 
 QString photoName(int number)
 {
-    return QStringLiteral("IMG_%1.jpg").arg(number, 4, 10, QLatin1Char('0'));
+    return "IMG_%1.jpg"_s.arg(number, 4, 10, QLatin1Char('0'));
 }
 
 /// A thumbnail with as much detail as a photo has.
@@ -53,7 +54,7 @@ OrderDetail makeOrder(const QString &folder)
     for (int number = 0; number < photoCount; ++number) {
         QFile file(thumbnails + QLatin1Char('/') + photoName(number));
         if (!file.open(QIODevice::WriteOnly) || file.write(thumbnail(&random)) <= 0)
-            throw bench::Failure(QStringLiteral("cannot write ") + file.fileName());
+            throw bench::Failure("cannot write "_s + file.fileName());
         DetailPhoto photo;
         photo.imgName = photoName(number);
         detail.images.append(photo);
@@ -61,7 +62,7 @@ OrderDetail makeOrder(const QString &folder)
     for (int number = 0; number < productCount; ++number) {
         DetailProduct product;
         product.id = QString::number(number);
-        product.goodName = QStringLiteral("纪念相册 %1 寸").arg(number);
+        product.goodName = "纪念相册 %1 寸"_s.arg(number);
         product.imgs =
             detail.images.mid(number * photoCount / productCount, photoCount / productCount);
         (number < 2 ? detail.urgentGoods : detail.goods).append(product);
@@ -91,7 +92,7 @@ void decodeAll(const QString &folder)
         const QString path = folder + QLatin1Char('/') + foldernames::thumbnails +
                              QLatin1Char('/') + photoName(number);
         if (QImageReader(path).read().isNull())
-            throw bench::Failure(QStringLiteral("cannot read ") + path);
+            throw bench::Failure("cannot read "_s + path);
     }
 }
 
@@ -111,18 +112,15 @@ void measure(const QString &folder)
         cpu.append(printing.cpu);
     }
     const double decode = bench::median(decoding);
-    bench::line(QStringLiteral("bare decoding of %1 thumbnails: %2 s of processor time")
-                    .arg(photoCount)
+    bench::line("bare decoding of %1 thumbnails: %2 s of processor time"_s.arg(photoCount)
                     .arg(bench::number(decode, 3)));
-    bench::line(QStringLiteral("printing, processor time: %1 s").arg(bench::listed(cpu, 2)));
-    bench::line(QStringLiteral("printing, wall: %1 s").arg(bench::listed(wall, 2)));
-    bench::judge(QStringLiteral("sheet, processor time"), bench::median(cpu),
-                 decodeFactor * decode + allowance, QStringLiteral("s"), 2);
-    bench::judge(QStringLiteral("sheet, wall"), bench::median(wall),
-                 decodeFactor * decode + allowance, QStringLiteral("s"), 2);
+    bench::line("printing, processor time: %1 s"_s.arg(bench::listed(cpu, 2)));
+    bench::line("printing, wall: %1 s"_s.arg(bench::listed(wall, 2)));
+    bench::judge("sheet, processor time"_s, bench::median(cpu), decodeFactor * decode + allowance,
+                 "s"_s, 2);
+    bench::judge("sheet, wall"_s, bench::median(wall), decodeFactor * decode + allowance, "s"_s, 2);
     const QFileInfo sheet(folder + QLatin1Char('/') + foldernames::sheetFile);
-    bench::judge(QStringLiteral("size of the file"), double(sheet.size()) / (1 << 20), largestFile,
-                 QStringLiteral("MB"), 1);
+    bench::judge("size of the file"_s, double(sheet.size()) / (1 << 20), largestFile, "MB"_s, 1);
 }
 
 } // namespace
@@ -130,13 +128,8 @@ void measure(const QString &folder)
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Times the printing of a production sheet with 500 photos."));
-    parser.addHelpOption();
-    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
-                      QStringLiteral("FOLDER"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
-    parser.process(application);
-    return bench::runIn(parser.value(QStringLiteral("folder")), measure);
+    return bench::runIn(
+        bench::readOptions(application,
+                           "Times the printing of a production sheet with 500 photos."_s, {}),
+        measure);
 }

@@ -1,24 +1,16 @@
 #include "app/context/accountcontext.h"
-#include "app/context/k.h"
-#include "bench/benchapplication.h"
-#include "bench/fixture.h"
 #include "bench/measure.h"
+#include "bench/options.h"
+#include "bench/windowbench.h"
 #include "fileimport/importfiles.h"
 #include "net/background.h"
 #include "tests/support/democlient.h"
+#include "tests/support/text.h"
 #include "widgets/filedialog.h"
-#include "widgets/messagebox.h"
 
-#include <QCommandLineParser>
 #include <QElapsedTimer>
-#include <QFile>
-#include <QMetaEnum>
 #include <QNetworkReply>
 #include <QTableView>
-
-#include <cstdio>
-#include <malloc.h>
-#include <unistd.h>
 
 using Column = ImportOrderTableModel::Column;
 
@@ -39,58 +31,6 @@ struct Settings
     QString folder;
 };
 
-bool readOptions(const QCoreApplication &application, Settings *settings)
-{
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("What the import window costs in memory and keeps its user waiting."));
-    parser.addHelpOption();
-    const QVector<QPair<QString, int *>> numbers{{QStringLiteral("chosen"), &settings->chosen},
-                                                 {QStringLiteral("orders"), &settings->orders},
-                                                 {QStringLiteral("imported"), &settings->imported},
-                                                 {QStringLiteral("bytes"), &settings->bytes},
-                                                 {QStringLiteral("rounds"), &settings->rounds}};
-    const QStringList meanings{
-        QStringLiteral("Files chosen for measuring memory."),
-        QStringLiteral("Orders in the branch."), QStringLiteral("Files imported."),
-        QStringLiteral("Size of an imported file."), QStringLiteral("Times each figure is taken.")};
-    for (int index = 0; index < numbers.size(); ++index) {
-        parser.addOption({numbers.at(index).first, meanings.at(index), QStringLiteral("N"),
-                          QString::number(*numbers.at(index).second)});
-    }
-    parser.addOption({QStringLiteral("folder"), QStringLiteral("Where the files lie."),
-                      QStringLiteral("FOLDER"),
-                      QCoreApplication::applicationDirPath() + QStringLiteral("/data")});
-    parser.process(application);
-    settings->folder = parser.value(QStringLiteral("folder"));
-    bool fine = true;
-    for (const auto &number : numbers) {
-        bool isNumber = false;
-        *number.second = parser.value(number.first).toInt(&isNumber);
-        fine = fine && isNumber && *number.second > 0;
-    }
-    return fine;
-}
-
-double residentMb()
-{
-    malloc_trim(0);
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        throw bench::Failure(file.errorString());
-    const qint64 pages = file.readAll().split(' ').value(1).toLongLong();
-    return double(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
-}
-
-void logIn()
-{
-    AccountContext::uid = QStringLiteral("9001");
-    AccountContext::eid = QStringLiteral("3101");
-    AccountContext::superId = QStringLiteral("7001");
-    AccountContext::shopId = QStringLiteral("101");
-    AccountContext::shopList = {{QStringLiteral("101"), QStringLiteral("一店"), {}, {}}};
-}
-
 /// The import window and its user.
 class Desk
 {
@@ -109,7 +49,7 @@ public:
     Q_DISABLE_COPY_MOVE(Desk)
 
     ImportFiles *window() { return &window_; }
-    QTableView *table() { return window_.findChild<QTableView *>(QStringLiteral("orderTable")); }
+    QTableView *table() { return window_.findChild<QTableView *>("orderTable"_s); }
     int rows() { return table()->model()->rowCount(); }
     QString text(int column) { return table()->model()->index(0, column).data().toString(); }
 
@@ -117,14 +57,14 @@ public:
     {
         if (application_->runUntil(done, patienceMs))
             return;
-        QString problem = QStringLiteral("waited in vain for ") + what;
+        QString problem = "waited in vain for "_s + what;
         for (const MessageBox::Shown &box : MessageBox::takeShown())
             problem += QLatin1Char('\n') + box.text;
         throw bench::Failure(problem);
     }
     void awaitOrders()
     {
-        await(QStringLiteral("orders"), [this] { return rows() > 0; });
+        await("orders"_s, [this] { return rows() > 0; });
     }
     /// Until animations have ended and everything is painted.
     void settle()
@@ -141,7 +81,7 @@ public:
         QMetaObject::invokeMethod(
             &window_, [this] { window_.onSelectFilesClicked(0); }, Qt::QueuedConnection);
         const QString wanted = QString::number(count);
-        await(QStringLiteral("chosen files"), [&] { return text(Column::ChosenColumn) == wanted; });
+        await("chosen files"_s, [&] { return text(Column::ChosenColumn) == wanted; });
     }
 
 private:
@@ -149,22 +89,10 @@ private:
     ImportFiles window_;
 };
 
-void printEvents(const QVector<BenchApplication::Cost> &costs)
-{
-    const QMetaEnum types = QMetaEnum::fromType<QEvent::Type>();
-    for (const BenchApplication::Cost &cost : costs) {
-        const char *type = types.valueToKey(cost.type);
-        bench::line(QStringLiteral("    %1 ms processor, %2 ms wall: %3 to %4")
-                        .arg(bench::number(cost.cpuMs, 2), bench::number(cost.wallMs, 2),
-                             type ? QString::fromLatin1(type) : QString::number(cost.type),
-                             QString::fromLatin1(cost.receiver)));
-    }
-}
-
 void measureMemory(BenchApplication *application, const Settings &settings, const QString &folder)
 {
-    bench::line(QStringLiteral("Choosing %1 files for one order").arg(settings.chosen));
-    const QString card = folder + QStringLiteral("/full-card");
+    bench::line("Choosing %1 files for one order"_s.arg(settings.chosen));
+    const QString card = folder + "/full-card"_s;
     bench::makePhotos(card, settings.chosen, 1);
     QVector<double> growths;
     QVector<double> costs;
@@ -172,27 +100,27 @@ void measureMemory(BenchApplication *application, const Settings &settings, cons
         Desk desk(application);
         desk.awaitOrders();
         desk.settle();
-        const double before = residentMb();
+        const double before = bench::residentMb();
         application->startWatching();
         desk.choose(card, settings.chosen);
         const auto events = application->stopWatching();
         desk.settle();
-        const double after = residentMb();
+        const double after = bench::residentMb();
         growths.append(after - before);
         costs.append(events.first().cpuMs);
-        bench::line(QStringLiteral("  round %1: resident %2 MB idle, %3 MB with the files, %4 more")
-                        .arg(round + 1)
-                        .arg(bench::number(before, 1), bench::number(after, 1),
-                             bench::number(after - before, 1)));
+        bench::line(
+            "  round %1: resident %2 MB idle, %3 MB with the files, %4 more"_s.arg(round + 1).arg(
+                bench::number(before, 1), bench::number(after, 1),
+                bench::number(after - before, 1)));
         if (round == settings.rounds - 1)
-            printEvents(events);
+            BenchApplication::print(events);
     }
-    bench::line(QStringLiteral("median growth of resident memory: %1 MB")
-                    .arg(bench::number(bench::median(growths), 1)));
-    bench::judge(QStringLiteral("largest growth of resident memory"), bench::largest(growths),
-                 memoryBoundMb, QStringLiteral("MB"), 1);
-    bench::judge(QStringLiteral("longest event while choosing, median of processor time"),
-                 bench::median(costs), eventBoundMs, QStringLiteral("ms"), 1);
+    bench::line(
+        "median growth of resident memory: %1 MB"_s.arg(bench::number(bench::median(growths), 1)));
+    bench::judge("largest growth of resident memory"_s, bench::largest(growths), memoryBoundMb,
+                 "MB"_s, 1);
+    bench::judge("longest event while choosing, median of processor time"_s, bench::median(costs),
+                 eventBoundMs, "ms"_s, 1);
 }
 
 /// Milliseconds from the search reply's end until the table has painted its rows.
@@ -206,7 +134,7 @@ double msUntilTable(BenchApplication *application, int orders,
     application->painted = [&](QObject *widget) {
         painted = painted || (widget == desk.table()->viewport() && desk.rows() == orders);
     };
-    desk.await(QStringLiteral("painted orders"), [&] {
+    desk.await("painted orders"_s, [&] {
         if (reply)
             return painted;
         const auto replies = desk.window()->findChildren<QNetworkReply *>();
@@ -228,7 +156,7 @@ double msUntilTable(BenchApplication *application, int orders,
 
 void measureTable(BenchApplication *application, const Settings &settings)
 {
-    bench::line(QStringLiteral("Showing the %1 orders of a branch").arg(settings.orders));
+    bench::line("Showing the %1 orders of a branch"_s.arg(settings.orders));
     DemoClient demo;
     demo.reset();
     int already = 0;
@@ -238,7 +166,7 @@ void measureTable(BenchApplication *application, const Settings &settings)
         already = desk.rows();
     }
     if (already > settings.orders)
-        throw bench::Failure(QStringLiteral("there are %1 orders already").arg(already));
+        throw bench::Failure("there are %1 orders already"_s.arg(already));
     demo.addOrders(settings.orders - already, AccountContext::shopId);
     QVector<double> times;
     QVector<double> costs;
@@ -247,15 +175,14 @@ void measureTable(BenchApplication *application, const Settings &settings)
         application->startWatching();
         times.append(msUntilTable(application, settings.orders, &events));
         costs.append(events.first().cpuMs);
-        bench::line(
-            QStringLiteral("  round %1: %2 ms").arg(round + 1).arg(bench::number(times.last(), 1)));
+        bench::line("  round %1: %2 ms"_s.arg(round + 1).arg(bench::number(times.last(), 1)));
         if (round == settings.rounds - 1)
-            printEvents(events);
+            BenchApplication::print(events);
     }
-    bench::judge(QStringLiteral("median from the reply's arrival to the painted table"),
-                 bench::median(times), tableBoundMs, QStringLiteral("ms"), 1);
-    bench::judge(QStringLiteral("longest event of opening, median of processor time"),
-                 bench::median(costs), eventBoundMs, QStringLiteral("ms"), 1);
+    bench::judge("median from the reply's arrival to the painted table"_s, bench::median(times),
+                 tableBoundMs, "ms"_s, 1);
+    bench::judge("longest event of opening, median of processor time"_s, bench::median(costs),
+                 eventBoundMs, "ms"_s, 1);
 }
 
 /// Seconds that the import of the chosen files takes, from the button to the last box.
@@ -266,24 +193,22 @@ double importSeconds(Desk *desk, const Settings &settings)
     QMetaObject::invokeMethod(desk->window(), &ImportFiles::onStartAllClicked,
                               Qt::QueuedConnection);
     QStringList boxes;
-    desk->await(QStringLiteral("end of the import"), [&boxes] {
+    desk->await("end of the import"_s, [&boxes] {
         for (const MessageBox::Shown &box : MessageBox::takeShown())
             boxes.append(box.text);
         return !boxes.isEmpty();
     });
     const double seconds = double(clock.nsecsElapsed()) / 1e9;
-    if (boxes != QStringList(QStringLiteral("导入完成！")) ||
+    if (boxes != QStringList("导入完成！"_s) ||
         desk->text(Column::OriginalsColumn).toInt() != settings.imported)
-        throw bench::Failure(QStringLiteral("not imported: ") + boxes.join(QLatin1Char('\n')));
+        throw bench::Failure("not imported: "_s + boxes.join(QLatin1Char('\n')));
     return seconds;
 }
 
 void measureImport(BenchApplication *application, const Settings &settings, const QString &folder)
 {
-    bench::line(QStringLiteral("Importing %1 files of %2 bytes")
-                    .arg(settings.imported)
-                    .arg(settings.bytes));
-    const QString card = folder + QStringLiteral("/small-files");
+    bench::line("Importing %1 files of %2 bytes"_s.arg(settings.imported).arg(settings.bytes));
+    const QString card = folder + "/small-files"_s;
     bench::makePhotos(card, settings.imported, settings.bytes);
     QVector<double> durations;
     QVector<double> costs;
@@ -299,21 +224,20 @@ void measureImport(BenchApplication *application, const Settings &settings, cons
         durations.append(importSeconds(&desk, settings));
         const auto events = application->stopWatching();
         costs.append(events.first().cpuMs);
-        bench::line(QStringLiteral("  round %1: %2 s, %3 files/s, %4 s of processor time on the "
-                                   "interface thread; longest events:")
-                        .arg(round + 1)
+        bench::line("  round %1: %2 s, %3 files/s, %4 s of processor time on the "
+                    "interface thread; longest events:"_s.arg(round + 1)
                         .arg(bench::number(durations.last(), 2),
                              bench::number(settings.imported / durations.last(), 0),
                              bench::number(application->cpuMs() / 1e3, 2)));
-        printEvents(events);
+        BenchApplication::print(events);
     }
-    bench::line(QStringLiteral("median duration: %1 s, %2 files/s")
-                    .arg(bench::number(bench::median(durations), 2),
-                         bench::number(settings.imported / bench::median(durations), 0)));
-    bench::judge(QStringLiteral("longest event during an import, median of processor time"),
-                 bench::median(costs), eventBoundMs, QStringLiteral("ms"), 1);
-    bench::judge(QStringLiteral("longest event during an import, the worst round"),
-                 bench::largest(costs), eventBoundMs, QStringLiteral("ms"), 1);
+    bench::line("median duration: %1 s, %2 files/s"_s.arg(
+        bench::number(bench::median(durations), 2),
+        bench::number(settings.imported / bench::median(durations), 0)));
+    bench::judge("longest event during an import, median of processor time"_s, bench::median(costs),
+                 eventBoundMs, "ms"_s, 1);
+    bench::judge("longest event during an import, the worst round"_s, bench::largest(costs),
+                 eventBoundMs, "ms"_s, 1);
     DemoClient().reset();
 }
 
@@ -323,15 +247,14 @@ int main(int argc, char **argv)
 {
     BenchApplication application(argc, argv);
     Settings settings;
-    if (!readOptions(application, &settings)) {
-        std::fprintf(stderr, "A number makes no sense; see --help\n");
-        return 2;
-    }
-    return bench::runIn(settings.folder, [&](const QString &folder) {
-        K::instance()->initApplication(&application);
-        QApplication::setQuitOnLastWindowClosed(false);
-        MessageBox::setScripted(true);
-        logIn();
+    settings.folder = bench::readOptions(
+        application, "What the import window costs in memory and keeps its user waiting."_s,
+        {{"chosen", "Files chosen for measuring memory.", &settings.chosen},
+         {"orders", "Orders in the branch.", &settings.orders},
+         {"imported", "Files imported.", &settings.imported},
+         {"bytes", "Size of an imported file.", &settings.bytes},
+         {"rounds", "Times each figure is taken.", &settings.rounds}});
+    return bench::runWindowIn(&application, settings.folder, [&](const QString &folder) {
         measureMemory(&application, settings, folder);
         measureTable(&application, settings);
         measureImport(&application, settings, folder);

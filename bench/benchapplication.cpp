@@ -1,7 +1,11 @@
 #include "bench/benchapplication.h"
 
+#include "bench/measure.h"
+#include "tests/support/text.h"
+
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QMetaEnum>
 #include <QThread>
 #include <QTimer>
 
@@ -20,6 +24,18 @@ double threadCpuMs()
 }
 
 } // namespace
+
+void BenchApplication::print(const QVector<Cost> &costs)
+{
+    const QMetaEnum types = QMetaEnum::fromType<QEvent::Type>();
+    for (const Cost &cost : costs) {
+        const char *type = types.valueToKey(cost.type);
+        bench::line("    %1 ms processor, %2 ms wall: %3 to %4"_s.arg(
+            bench::number(cost.cpuMs, 2), bench::number(cost.wallMs, 2),
+            type ? QString::fromLatin1(type) : QString::number(cost.type),
+            QString::fromLatin1(cost.receiver)));
+    }
+}
 
 void BenchApplication::startWatching()
 {

@@ -25,6 +25,9 @@ public:
 
     using QApplication::QApplication;
 
+    /// One line each, the longest first.
+    static void print(const QVector<Cost> &costs);
+
     /// Forgets earlier events and counts from here on.
     void startWatching();
     /// The events since startWatching() that took most processor time, the longest first.

@@ -1,13 +1,20 @@
 #include "bench/fixture.h"
 
+#include "app/context/accountcontext.h"
+#include "tests/support/pictures.h"
+#include "tests/support/text.h"
+
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QVector>
 
 #include <cstdio>
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace bench {
@@ -29,13 +36,13 @@ void logTo(const QString &file)
     logFile =
         open(QFile::encodeName(file).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (logFile < 0)
-        throw Failure(QStringLiteral("%1 cannot be written").arg(file));
+        throw Failure("%1 cannot be written"_s.arg(file));
     qInstallMessageHandler(writeLog);
 }
 
 QString photoPath(const QString &folder, int index)
 {
-    return QStringLiteral("%1/IMG_%2.jpg").arg(folder).arg(index + 1, 5, 10, QLatin1Char('0'));
+    return "%1/IMG_%2.jpg"_s.arg(folder).arg(index + 1, 5, 10, QLatin1Char('0'));
 }
 
 } // namespace
@@ -48,11 +55,11 @@ int runIn(const QString &parent, const std::function<void(const QString &folder)
         return 2;
     }
     QDir().mkpath(parent);
-    const QTemporaryDir folder(parent + QStringLiteral("/bench-XXXXXX"));
+    const QTemporaryDir folder(parent + "/bench-XXXXXX"_s);
     try {
         if (!folder.isValid())
             throw Failure(folder.errorString());
-        logTo(folder.filePath(QStringLiteral("program.log")));
+        logTo(folder.filePath("program.log"_s));
         bench(folder.path());
     } catch (const Failure &failure) {
         std::fprintf(stderr, "The bench failed: %s\n", failure.what());
@@ -73,7 +80,7 @@ void makePhotos(const QString &folder, int count, int bytes)
         if (!photo.open(QIODevice::WriteOnly) ||
             photo.write(reinterpret_cast<const char *>(words.constData()), bytes) != bytes ||
             !photo.flush())
-            throw Failure(photo.fileName() + QStringLiteral(": ") + photo.errorString());
+            throw Failure(photo.fileName() + ": "_s + photo.errorString());
     }
 }
 
@@ -91,8 +98,71 @@ void syncDisk(const QString &folder)
     const int directory =
         open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (directory < 0 || syncfs(directory) != 0)
-        throw Failure(QStringLiteral("%1 cannot be synced").arg(folder));
+        throw Failure("%1 cannot be synced"_s.arg(folder));
     close(directory);
+}
+
+QStringList makePictures(const QString &folder, int count)
+{
+    QDir().mkpath(folder);
+    const QByteArray bytes = jpegOf(cornerPicture({300, 200}));
+    QStringList paths;
+    for (int index = 0; index < count; ++index) {
+        QFile file("%1/IMG_%2.jpg"_s.arg(folder).arg(index));
+        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+            throw Failure(file.fileName() + ": "_s + file.errorString());
+        paths.append(file.fileName());
+    }
+    return paths;
+}
+
+void logIn()
+{
+    AccountContext::uid = "9001"_s;
+    AccountContext::eid = "3101"_s;
+    AccountContext::superId = "7001"_s;
+    AccountContext::shopId = "101"_s;
+    AccountContext::shopList = {{"101"_s, "一店"_s, {}, {}}};
+}
+
+double residentMb()
+{
+    malloc_trim(0);
+    QFile file("/proc/self/statm"_s);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Failure(file.errorString());
+    const qint64 pages = file.readAll().split(' ').value(1).toLongLong();
+    return double(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
+}
+
+void copyPlainly(const QStringList &sources, const QString &target)
+{
+    QDir().mkpath(target);
+    QByteArray names;
+    for (const QString &source : sources)
+        names += QFile::encodeName(source) + '\0';
+    QProcess copying;
+    copying.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    copying.start("xargs"_s, {"-0"_s, "-P4"_s, "-n10"_s, "cp"_s, "-t"_s, target});
+    copying.write(names);
+    copying.closeWriteChannel();
+    if (!copying.waitForFinished(-1) || copying.exitStatus() != QProcess::NormalExit ||
+        copying.exitCode() != 0)
+        throw Failure("the plain copy failed"_s);
+}
+
+void warm(const QString &folder)
+{
+    QByteArray buffer(1 << 20, Qt::Uninitialized);
+    QDirIterator files(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        if (!file.open(QIODevice::ReadOnly))
+            throw Failure(file.errorString());
+        while (file.read(buffer.data(), buffer.size()) > 0) {
+        }
+    }
+    syncDisk(folder);
 }
 
 } // namespace bench

@@ -27,6 +27,21 @@ void makePhotos(const QString &folder, int count, int bytes);
 /// Their paths, in order.
 QStringList photoPaths(const QString &folder, int count);
 
+/// \a count small pictures, IMG_0.jpg and so on, in a new folder; their paths.
+QStringList makePictures(const QString &folder, int count);
+
+/// The context of the program as after a login into the demo service's first branch.
+void logIn();
+
+/// Resident memory of this program.
+double residentMb();
+
+/// Copies by four plain copying processes and waits until all is on the disk.
+void copyPlainly(const QStringList &sources, const QString &target);
+
+/// Reads every file below \a folder, so that it lies in memory, and syncs its disk.
+void warm(const QString &folder);
+
 /// Waits until everything written to the disk that holds \a folder is on it.
 void syncDisk(const QString &folder);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/support/text.h"
+
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -50,9 +52,9 @@ inline void judge(const QString &what, double value, double bound, const QString
                   int decimals)
 {
     const QString after = unit.isEmpty() ? QString() : QLatin1Char(' ') + unit;
-    line(QStringLiteral("%1: %2%3 (bound %4%3) %5")
-             .arg(what, number(value, decimals), after, number(bound, decimals),
-                  value <= bound ? QStringLiteral("within") : QStringLiteral("MISSED")));
+    line("%1: %2%3 (bound %4%3) %5"_s.arg(what, number(value, decimals), after,
+                                          number(bound, decimals),
+                                          value <= bound ? "within"_s : "MISSED"_s));
 }
 
 } // namespace bench
