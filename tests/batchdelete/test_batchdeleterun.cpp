@@ -8,7 +8,6 @@
 #include "tests/support/text.h"
 
 #include <QDir>
-#include <QJsonDocument>
 #include <QSignalSpy>
 #include <QtTest>
 

@@ -3,7 +3,6 @@
 #include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
-#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>

@@ -2,7 +2,6 @@
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
 #include "net/transferprogress.h"
-#include "platform/pathform.h"
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 

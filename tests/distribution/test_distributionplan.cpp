@@ -5,7 +5,6 @@
 #include "tests/support/files.h"
 #include "tests/support/text.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTemporaryDir>

@@ -7,7 +7,6 @@
 #include "tests/support/toolwindow.h"
 #include "widgets/datepicker.h"
 #include "widgets/filedialog.h"
-#include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
 
 #include <QAbstractItemModelTester>

@@ -6,7 +6,6 @@
 #include "tests/support/files.h"
 #include "tests/support/text.h"
 
-#include <QFile>
 #include <QtTest>
 
 /// The first order of the demo service, as the window hands it to the imported-photo view.

@@ -9,8 +9,6 @@
 #include "tests/support/text.h"
 
 #include <QDir>
-#include <QDirIterator>
-#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
 

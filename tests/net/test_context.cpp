@@ -6,7 +6,6 @@
 #include "tests/support/text.h"
 
 #include <QDataStream>
-#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtTest>

@@ -8,7 +8,6 @@
 
 #include <QDateTime>
 #include <QDir>
-#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QtTest>
 

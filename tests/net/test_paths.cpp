@@ -13,26 +13,23 @@ private slots:
     void safeNames_data()
     {
         addColumns<QString, QString>({"name", "safe"});
-        const auto row = [](const char *title, const QString &name, const QString &safe) {
-            newRow(title, name, safe);
-        };
-        row("harmless", "IMG_0001 (2).JPG"_s, "IMG_0001 (2).JPG"_s);
-        row("signs of URLs", "a#b%c&d+e😀.jpg"_s, "a#b%c&d+e😀.jpg"_s);
-        row("leading dot", ".hidden"_s, ".hidden"_s);
-        row("separators", "..\\..\\x/y"_s, ".._.._x_y"_s);
-        row("illegal", "a<b>c:d\"e|f?g*"_s, "a_b_c_d_e_f_g_"_s);
-        row("control", "a\tb\x7f"_s, "a_b_"_s);
-        row("trailing dots", "张三. . "_s, "张三"_s);
-        row("dot", "."_s, "_"_s);
-        row("dots", ".."_s, "_"_s);
-        row("blank", "   "_s, "_"_s);
-        row("empty", QString(), "_"_s);
-        row("device", "nul"_s, "nul_"_s);
-        row("device with suffix", "Com1.tar.gz"_s, "Com1_.tar.gz"_s);
-        row("device with blank", "CON .jpg"_s, "CON _.jpg"_s);
-        row("device with superscript", "LPT²"_s, "LPT²_"_s);
-        row("no device", "COM10.jpg"_s, "COM10.jpg"_s);
-        row("console", "CONSOLE"_s, "CONSOLE"_s);
+        newRow("harmless", "IMG_0001 (2).JPG"_s, "IMG_0001 (2).JPG"_s);
+        newRow("signs of URLs", "a#b%c&d+e😀.jpg"_s, "a#b%c&d+e😀.jpg"_s);
+        newRow("leading dot", ".hidden"_s, ".hidden"_s);
+        newRow("separators", "..\\..\\x/y"_s, ".._.._x_y"_s);
+        newRow("illegal", "a<b>c:d\"e|f?g*"_s, "a_b_c_d_e_f_g_"_s);
+        newRow("control", "a\tb\x7f"_s, "a_b_"_s);
+        newRow("trailing dots", "张三. . "_s, "张三"_s);
+        newRow("dot", "."_s, "_"_s);
+        newRow("dots", ".."_s, "_"_s);
+        newRow("blank", "   "_s, "_"_s);
+        newRow("empty", QString(), "_"_s);
+        newRow("device", "nul"_s, "nul_"_s);
+        newRow("device with suffix", "Com1.tar.gz"_s, "Com1_.tar.gz"_s);
+        newRow("device with blank", "CON .jpg"_s, "CON _.jpg"_s);
+        newRow("device with superscript", "LPT²"_s, "LPT²_"_s);
+        newRow("no device", "COM10.jpg"_s, "COM10.jpg"_s);
+        newRow("console", "CONSOLE"_s, "CONSOLE"_s);
     }
 
     void safeNames()

@@ -9,7 +9,6 @@
 #include "tests/support/loglines.h"
 #include "tests/support/text.h"
 
-#include <QDir>
 #include <QJsonArray>
 #include <QSignalSpy>
 #include <QTemporaryDir>

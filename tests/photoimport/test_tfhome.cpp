@@ -11,7 +11,6 @@
 #include "widgets/filedialog.h"
 
 #include <QDir>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>

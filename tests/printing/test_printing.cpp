@@ -1,7 +1,6 @@
 #include "app/context/k.h"
 #include "tests/support/text.h"
 
-#include <QApplication>
 #include <QFile>
 #include <QPrinter>
 #include <QRegularExpression>

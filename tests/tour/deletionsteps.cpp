@@ -6,7 +6,6 @@
 #include "tests/tour/toolhand.h"
 
 #include <QFile>
-#include <QLabel>
 
 namespace {
 

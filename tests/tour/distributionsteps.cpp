@@ -4,10 +4,10 @@
 #include "tests/tour/toolhand.h"
 #include "widgets/filedialog.h"
 
+#include <QAbstractButton>
 #include <QImage>
 #include <QLabel>
 #include <QProcess>
-#include <QPushButton>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>

@@ -7,7 +7,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QPlainTextEdit>

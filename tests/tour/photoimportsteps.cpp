@@ -6,7 +6,6 @@
 #include "tests/tour/toolhand.h"
 
 #include <QImageReader>
-#include <QPushButton>
 #include <QTemporaryDir>
 
 namespace {
