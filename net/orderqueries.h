@@ -53,7 +53,7 @@ struct ShopSwitch
     QString employeeId;
     QString importPublicPath;
     bool mayDeleteAllPhotos = false; ///< the files of whole orders
-    QString distributionMode; ///< "issjfenjianms"
+    QString distributionMode;        ///< "issjfenjianms"
 };
 
 struct Person

@@ -16,8 +16,8 @@ public:
     /// Empty when the user cancelled. \a filter as QFileDialog words it.
     static QStringList openFiles(QWidget *parent, const QString &title, const QString &filter,
                                  const QString &folderKey);
-    /// Where to save to, \a name being proposed; the user has agreed to replace a file of that name.
-    /// Empty when the user cancelled.
+    /// Where to save to, \a name being proposed; the user has agreed to replace a file of that
+    /// name. Empty when the user cancelled.
     static QString saveFile(QWidget *parent, const QString &title, const QString &name,
                             const QString &filter, const QString &folderKey);
     /// Empty when the user cancelled.

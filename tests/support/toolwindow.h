@@ -13,17 +13,20 @@
 #include <QTableView>
 #include <QtTest>
 
+/// How long a whole run may take on a busy machine, ms.
+constexpr int patienceMs = 60000;
+
 /// Boxes of these texts were shown since the last were expected.
 #define EXPECT_BOXES(...)                                                                          \
     do {                                                                                           \
-        QTRY_COMPARE(boxes(), (QStringList{__VA_ARGS__}));                                         \
+        QTRY_COMPARE_WITH_TIMEOUT(boxes(), (QStringList{__VA_ARGS__}), patienceMs);                \
         boxes_.clear();                                                                            \
     } while (false)
 
 /// One box was shown, and of its text (box) this is true.
 #define EXPECT_BOX_THAT(condition)                                                                 \
     do {                                                                                           \
-        QTRY_COMPARE(boxes().size(), 1);                                                           \
+        QTRY_COMPARE_WITH_TIMEOUT(boxes().size(), 1, patienceMs);                                  \
         const QString box = boxes_.takeFirst();                                                    \
         QVERIFY2(condition, qUtf8Printable(box));                                                  \
     } while (false)
