@@ -23,8 +23,8 @@ namespace {
 // Requests that are held keep their thread, and everything else must go on beside them.
 constexpr size_t threadCount = 32;
 constexpr int readTimeoutSeconds = 60;
-constexpr size_t hugeBodySize = 200 * 1024 * 1024;
-constexpr size_t pieceSize = 256 * 1024;
+constexpr size_t hugeBodySize = size_t(200) * 1024 * 1024;
+constexpr size_t pieceSize = size_t(256) * 1024;
 const char host[] = "127.0.0.1";
 
 QByteArray bytes(const std::string &text)
