@@ -9,6 +9,7 @@
 #include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtConcurrentRun>
 #include <QtTest>
@@ -310,7 +311,11 @@ void TestSheet::printed()
 {
     QFETCH(int, lines);
     const QTemporaryDir root;
+#ifdef Q_OS_WIN
+    const QString folder = root.filePath("TS #1 100% &amp; '中'/单"_s); // no " in names here
+#else
     const QString folder = root.filePath("TS #1 100% &amp; \"中\"/单"_s);
+#endif
     OrderDetail detail;
     QStringList description;
     for (int line = 0; line < lines; ++line)
@@ -331,6 +336,9 @@ void TestSheet::printed()
 
     QCOMPARE(QtConcurrent::run([&] { return printProductionSheet(detail, folder); }).result(),
              QString());
+    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"明细制作单.pdf"_s});
+    if (QStandardPaths::findExecutable("pdfinfo"_s).isEmpty())
+        QSKIP("Reading it back needs the programs of poppler-utils.");
     const QString pdf = folder + "/明细制作单.pdf"_s;
     const QByteArray info = output("pdfinfo", {pdf});
     QVERIFY2(info.contains("Page size:       595 x 842 pts (A4)"), info.constData());
@@ -376,7 +384,6 @@ void TestSheet::printed()
         QVERIFY(box.captured(3).toDouble() <= 596 && box.captured(4).toDouble() <= 843);
     }
     QVERIFY2(leftmost < 10, qPrintable(QString::number(leftmost)));
-    QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 QTEST_MAIN(TestSheet)
