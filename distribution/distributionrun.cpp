@@ -5,6 +5,7 @@
 #include "distribution/productfolders.h"
 #include "distribution/rawfiles.h"
 #include "net/background.h"
+#include "net/filewriting.h"
 
 #include <QDebug>
 #include <QDir>
@@ -27,7 +28,7 @@ struct Planned
 /// Blocks; for worker threads.
 Planned prepare(PlanRequest request, const QString &namingRule)
 {
-    if (!QDir().mkpath(request.orderFolder))
+    if (!makeFolder(request.orderFolder))
         return {request.orderFolder + QStringLiteral(" 路径创建失败/连接不上服务端"), {}};
     request.productFolders = productFolderPaths(*request.detail, namingRule, request.orderFolder);
     RawFiles raws;

@@ -6,7 +6,6 @@
 
 #include <QBuffer>
 #include <QDebug>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QImageReader>
@@ -66,7 +65,7 @@ QString thumbnailOf(const QString &path)
 
 bool ensureFolder(const QString &folder)
 {
-    return QFileInfo(folder).isDir() || QDir().mkpath(folder) || QFileInfo(folder).isDir();
+    return QFileInfo(folder).isDir() || makeFolder(folder);
 }
 
 bool copyOnto(const QString &source, const QString &target)

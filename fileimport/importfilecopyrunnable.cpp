@@ -1,10 +1,10 @@
 #include "fileimport/importfilecopyrunnable.h"
 
+#include "net/filewriting.h"
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
 
 #include <QDebug>
-#include <QDir>
 #include <QFileInfo>
 
 #include <exception>
@@ -137,7 +137,7 @@ bool ImportFileCopyRunnable::ensureFolder(const QString &folder, QString *error)
 {
     if (QFileInfo(folder).isDir())
         return true;
-    if (!QDir().mkpath(folder)) {
+    if (!makeFolder(folder)) {
         *error = QStringLiteral("创建目录失败: %1").arg(folder);
         return false;
     }

@@ -2,6 +2,7 @@
 
 #include "platform/filetransfer.h"
 
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -26,6 +27,16 @@ bool writeWholeFile(const QString &target, const std::function<bool(const QStrin
     const TemporaryFile temporary(QFileInfo(target).path());
     return write(temporary.path()) && platform::flushToMedium(temporary.path()) &&
            platform::replaceFile(temporary.path(), target);
+}
+
+bool makeFolder(const QString &folder)
+{
+    const QString path = QDir::cleanPath(folder);
+    const auto isThere = [&path] { return QDir().mkdir(path) || QFileInfo(path).isDir(); };
+    if (isThere())
+        return true;
+    const QString above = QFileInfo(path).path();
+    return above != path && makeFolder(above) && isThere();
 }
 
 QString temporaryPathIn(const QString &folder)

@@ -14,6 +14,12 @@
 bool writeWholeFile(const QString &target,
                     const std::function<bool(const QString &temporary)> &write);
 
+/// Makes \a folder and whatever lacks above it; true when it is there then. Several threads may
+/// make the same folders at the same time, which QDir::mkpath() does not stand on Windows: it takes
+/// a folder that another thread was faster to make for one that cannot be made. Blocks; for worker
+/// threads.
+bool makeFolder(const QString &folder);
+
 /// A name for a file being written into \a folder until it is whole; no listing of photos takes it.
 QString temporaryPathIn(const QString &folder);
 

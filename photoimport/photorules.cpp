@@ -46,11 +46,6 @@ QVector<Form> formsOf(const OrderInfo &order, int photoMode)
     return forms;
 }
 
-bool isFolder(const QString &wirePath)
-{
-    return QFileInfo(platform::toLocalPath(wirePath)).isDir();
-}
-
 bool isReachable(const QString &wirePath)
 {
     const QString path = QDir::cleanPath(platform::toLocalPath(wirePath));
@@ -109,7 +104,7 @@ void prepareFolders(const QStringList &folders)
 {
     for (const QString &folder : folders) {
         const QString path = platform::toLocalPath(folder);
-        if (QDir().mkpath(path))
+        if (makeFolder(path))
             removeStaleTemporaries(path);
     }
 }
@@ -131,7 +126,7 @@ PathProblem validatePaths(const QList<OrderInfo> &orders)
         }
         if (isReachable(order.importPath))
             continue;
-        if (!QDir().mkpath(platform::toLocalPath(order.importPath)) || !isFolder(order.importPath))
+        if (!makeFolder(platform::toLocalPath(order.importPath)))
             return {QStringLiteral("导入路径无法访问并且无法创建，请检查局域网是否能连接"),
                     order.importPath};
         // A share that takes one new folder takes those of the other orders, too.

@@ -1,6 +1,7 @@
 #include "photoimport/tfimportworker.h"
 
 #include "net/filecopy.h"
+#include "net/filewriting.h"
 #include "net/safename.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
@@ -8,7 +9,6 @@
 #include "platform/pathform.h"
 
 #include <QDebug>
-#include <QDir>
 #include <QFileInfo>
 #include <QMutexLocker>
 
@@ -17,11 +17,6 @@
 namespace {
 
 constexpr unsigned long breathMs = 10; // after each job, so that disks and shares get a breath
-
-bool makeFolder(const QString &path)
-{
-    return QDir().mkpath(path) && QFileInfo(path).isDir();
-}
 
 } // namespace
 

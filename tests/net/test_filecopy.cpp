@@ -9,8 +9,10 @@
 #include <QDateTime>
 #include <QDir>
 #include <QTemporaryDir>
+#include <QThreadPool>
 #include <QtTest>
 
+#include <atomic>
 #include <stdexcept>
 
 #ifdef Q_OS_UNIX
@@ -223,6 +225,30 @@ private slots:
         QVERIFY(!platform::mayBeRemoved(path("t"_s)));
         QVERIFY(!platform::mayBeRemoved(folder_->path()));
         QVERIFY(!platform::mayBeRemoved(path("gone"_s)));
+    }
+
+    void makesTheSameFoldersInManyThreads()
+    {
+        QThreadPool threads;
+        threads.setMaxThreadCount(4);
+        for (int round = 0; round < 50; ++round) {
+            const QString deep = path("%1/a/婚/c/d/"_s.arg(round));
+            std::atomic<int> waiting{4};
+            std::atomic<int> made{0};
+            for (int thread = 0; thread < 4; ++thread) {
+                threads.start([&] {
+                    --waiting;
+                    while (waiting > 0)
+                        QThread::yieldCurrentThread();
+                    made += makeFolder(deep) && QFileInfo(deep).isDir();
+                });
+            }
+            threads.waitForDone();
+            QCOMPARE(made.load(), 4);
+        }
+        write("file"_s, 3);
+        QVERIFY(!makeFolder(path("file"_s)) && !makeFolder(path("file/a/b"_s)));
+        QCOMPARE(read("file"_s).size(), 3);
     }
 
     void writesWholeFilesOrNone_data()
