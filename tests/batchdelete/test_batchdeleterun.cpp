@@ -90,6 +90,8 @@ private slots:
 
     void filesThatCannotBeDeletedAreTold()
     {
+        if (shortcutsForLinks)
+            QSKIP("Qt makes shortcuts for links here, which are files.");
         const auto order = makeOrder(0, 3);
         QVERIFY(QFile::setPermissions(pathOf(order, "2.jpg"_s), QFile::ReadOwner));
         QVERIFY(QFile::link(QDir::tempPath(), pathOf(order, "zz"_s)));
@@ -136,6 +138,8 @@ private slots:
 
     void ordersThatAreSkipped()
     {
+        if (shortcutsForLinks)
+            QSKIP("Qt makes shortcuts for links here, which are files.");
         auto missing = makeOrder(0, 0);
         missing.netPath += "\\none"_s;
         const auto empty = makeOrder(2, 0);

@@ -3,6 +3,7 @@
 #include "batchdelete/deletionrules.h"
 #include "net/transferprogress.h"
 #include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/text.h"
 
 #include <QDir>
@@ -146,6 +147,8 @@ private slots:
 
     void refusesLinks()
     {
+        if (shortcutsForLinks)
+            QSKIP("Qt makes shortcuts here, which are files.");
         const QTemporaryDir folder;
         const auto inside = [&folder](const char *name) {
             return folder.filePath(QString::fromUtf8(name))

@@ -27,13 +27,15 @@ private slots:
         makeFiles("原片/1"_s, 2);
         makeFiles(".hidden"_s, 1);
         makeFiles("empty"_s, 0);
-        QVERIFY(
-            QFile::copy(folder_->filePath("原片/1/1.jpg"_s), folder_->filePath("a\\b #1%.jpg"_s)));
+        // A back slash is part of a name only where it does not part names.
+        const QString odd =
+            QDir::separator() == QLatin1Char('/') ? "a\\b #1%.jpg"_s : "a b #1%.jpg"_s;
+        QVERIFY(QFile::copy(folder_->filePath("原片/1/1.jpg"_s), folder_->filePath(odd)));
         const FileScanResult result = scan(wireForm(folder_->path()));
         QVERIFY(result.success);
         QCOMPARE(result.errorText, QString());
-        QCOMPARE(paths(result), QStringList({".hidden/0.jpg"_s, "a\\b #1%.jpg"_s, "原片/1/0.jpg"_s,
-                                             "原片/1/1.jpg"_s}));
+        QCOMPARE(paths(result),
+                 QStringList({".hidden/0.jpg"_s, odd, "原片/1/0.jpg"_s, "原片/1/1.jpg"_s}));
         for (const BatchDeleteFileInfo &file : result.files) {
             QVERIFY(QFile::exists(file.fullPath()));
             QCOMPARE(file.size, QFile(file.fullPath()).size());
@@ -48,6 +50,8 @@ private slots:
 
     void linksAreNotFollowed()
     {
+        if (shortcutsForLinks)
+            QSKIP("Qt makes shortcuts here, which are files.");
         makeFiles("order"_s, 1);
         makeFiles("other"_s, 3);
         const auto link = [this](const char *target, const char *name) {
@@ -122,6 +126,9 @@ private slots:
 
     void aFolderThatMayNotBeReadIsKept()
     {
+#ifdef Q_OS_WIN
+        QSKIP("Qt closes no folder here.");
+#endif
         makeFiles("closed"_s, 1);
         makeFiles("open"_s, 1);
         const QString closed = folder_->filePath("closed"_s);

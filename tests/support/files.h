@@ -17,5 +17,12 @@ QByteArray readFile(const QString &path);
 /// sorted.
 QStringList filesBelow(const QString &folder);
 
+/// Whether QFile::link() makes a shortcut, which is a file like any other, and no link.
+#ifdef Q_OS_WIN
+constexpr bool shortcutsForLinks = true;
+#else
+constexpr bool shortcutsForLinks = false;
+#endif
+
 /// As the service writes paths.
 QString wireForm(QString path);
