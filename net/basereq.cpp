@@ -19,7 +19,7 @@ namespace {
 /// Larger replies, such as a list of thousands of orders, would hold the interface up.
 constexpr int parsedAtOnceBytes = 256 * 1024;
 /// No picture that the service offers is larger; whatever goes on beyond this is none.
-constexpr qint64 largestImageBytes = 64 * 1024 * 1024;
+constexpr qint64 largestImageBytes = qint64(64) * 1024 * 1024;
 
 QByteArray withSessionFields(const QByteArray &body)
 {
