@@ -84,7 +84,7 @@ private slots:
         QTest::mouseClick(button(1)->findChild<QPushButton *>("deleteButton"_s), Qt::LeftButton);
         QCOMPARE(rule(), "a_ c#"_s);
         QCOMPARE(changed.count(), 1);
-        QCOMPARE(json.takeFirst().first().toJsonArray(), namingrule::toJson(editor_->rule()));
+        QCOMPARE(json.takeFirst().constFirst().toJsonArray(), namingrule::toJson(editor_->rule()));
         QTest::mouseClick(panelButton("resetRuleButton"), Qt::LeftButton);
         QCOMPARE(rule(), "a_ b- c#"_s);
         editor_->load("[]"_s);
@@ -181,7 +181,7 @@ private slots:
         QCOMPARE(rule(), "a_ b- c#"_s);
         QVERIFY(drop(fielddrag::itemType, "名|k|more"));
         QCOMPARE(rule(), "k_ a_ b- c#"_s);
-        QCOMPARE(editor_->rule().first().name, "名"_s);
+        QCOMPARE(editor_->rule().constFirst().name, "名"_s);
     }
 
     void indicator()

@@ -374,7 +374,8 @@ private slots:
         // No temporary file is left behind, and what has its name is whole.
         const QStringList files = filesBelow(demo_.share());
         QVERIFY(files.filter(".part"_s).isEmpty());
-        for (const QString &photo : files.filter("IMG_"_s))
+        const QStringList photos = files.filter("IMG_"_s);
+        for (const QString &photo : photos)
             QCOMPARE(QFileInfo(demo_.share() + "/"_s + photo).size(), qint64(2 * 1024 * 1024));
     }
 

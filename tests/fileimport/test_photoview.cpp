@@ -115,7 +115,7 @@ private slots:
         worker.loadPhoto(url, {}, 3);
         QTRY_COMPARE(loaded.size() + failed.size(), 1);
         QTEST(loaded.size() == 1, "loaded");
-        const auto told = (loaded + failed).first();
+        const auto told = (loaded + failed).constFirst();
         QCOMPARE(told.at(told.size() - 2).toString(), url);
         QCOMPARE(told.last().toInt(), 3);
 
@@ -264,7 +264,7 @@ private slots:
         key(Qt::Key_End);
         key(Qt::Key_Down); // there is no row below
         key(Qt::Key_Space);
-        QCOMPARE(grid.selectedIndexes().last(), 22);
+        QCOMPARE(grid.selectedIndexes().constLast(), 22);
         QTRY_COMPARE(grid.verticalScrollBar()->value(), grid.verticalScrollBar()->maximum());
         key(Qt::Key_A, Qt::ControlModifier);
         QCOMPARE(grid.selectedIndexes().size(), 23);
@@ -286,12 +286,12 @@ private slots:
         QVERIFY(grid.cell(0)->isRequested);
         QPixmap old(9, 9);
         old.fill(Qt::red);
-        grid.onPhotoLoaded(old, photos(1).first().url, 0); // a decode that ends only now
+        grid.onPhotoLoaded(old, photos(1).constFirst().url, 0); // a decode that ends only now
         QCOMPARE(grid.cell(0)->photoLabel()->text(), "加载中..."_s);
         demo_.release();
         for (int index : {0, 1})
             QTRY_COMPARE(grid.cell(index)->photoLabel()->text(), "加载失败"_s);
-        grid.onPhotoLoaded(old, photos(1).first().url, 2); // no such cell
+        grid.onPhotoLoaded(old, photos(1).constFirst().url, 2); // no such cell
         QTRY_COMPARE(grid.viewport()->findChildren<PhotoCell *>().size(),
                      2); // the old ones have gone
     }
@@ -344,7 +344,7 @@ private slots:
         QCOMPARE(view_->findChild<QLabel *>("photoCount"_s)->text(), "共 8 个，已选 3 个"_s);
         MessageBox::setNextAnswer(QMessageBox::Cancel);
         press("deletePhotosButton");
-        QVERIFY(MessageBox::takeShown().first().text.contains("3 个文件"_s));
+        QVERIFY(MessageBox::takeShown().constFirst().text.contains("3 个文件"_s));
         QVERIFY(demo_.requests("delete_pics"_s).isEmpty());
 
         demo_.hold("delete_pics"_s);
@@ -359,7 +359,7 @@ private slots:
         demo_.release();
         QTRY_COMPARE(grid()->count(), 5);
         QCOMPARE(overlayText(), "删除完成！"_s);
-        QCOMPARE(MessageBox::takeShown().first().text,
+        QCOMPARE(MessageBox::takeShown().constFirst().text,
                  "本地文件删除失败，请检查手动删除以下照片！\n1.jpg 文件不存在"_s);
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files),
                  (QStringList{"3.jpg"_s, "4.jpg"_s, "5.jpg"_s, "6.jpg"_s, "7.cr2"_s}));

@@ -16,7 +16,8 @@ QMap<QString, QByteArray> contentOf(const QString &wirePath)
 {
     QMap<QString, QByteArray> content;
     const QString folder = platform::toLocalPath(wirePath);
-    for (const QString &name : filesBelow(folder))
+    const QStringList names = filesBelow(folder);
+    for (const QString &name : names)
         content.insert(folder + "/"_s + name, readFile(folder + "/"_s + name));
     return content;
 }
