@@ -53,6 +53,7 @@ void onNextBox(QObject *context, const std::function<void(NoticeDialog *)> &act)
         auto *box = qobject_cast<NoticeDialog *>(QApplication::activeModalWidget());
         if (!box || !box->isVisible())
             return;
+        looking->stop(); // it is deleted only after the next box may have opened
         looking->deleteLater();
         act(box);
     });
