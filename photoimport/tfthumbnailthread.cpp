@@ -3,7 +3,6 @@
 #include "app/context/logging.h"
 
 #include <QImageReader>
-#include <QMutexLocker>
 
 #include <algorithm>
 
@@ -29,22 +28,22 @@ tfthumbnailthread::~tfthumbnailthread()
 
 void tfthumbnailthread::want(const QStringList &paths, int side)
 {
-    const QMutexLocker lock(&mutex_);
+    const std::lock_guard<std::mutex> lock(mutex_);
     wanted_ = paths;
     side_ = side;
     if (stopped_ || wanted_.isEmpty())
         return;
-    changed_.wakeOne();
+    changed_.notify_one();
     if (!isRunning())
         start(QThread::LowPriority);
 }
 
 void tfthumbnailthread::stop()
 {
-    const QMutexLocker lock(&mutex_);
+    const std::lock_guard<std::mutex> lock(mutex_);
     stopped_ = true;
     wanted_.clear();
-    changed_.wakeOne();
+    changed_.notify_one();
 }
 
 void tfthumbnailthread::run()
@@ -53,9 +52,8 @@ void tfthumbnailthread::run()
         QString path;
         int side = 0;
         {
-            const QMutexLocker lock(&mutex_);
-            while (wanted_.isEmpty() && !stopped_)
-                changed_.wait(&mutex_);
+            std::unique_lock<std::mutex> lock(mutex_);
+            changed_.wait(lock, [this] { return !wanted_.isEmpty() || stopped_; });
             if (stopped_)
                 return;
             path = wanted_.takeFirst();

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QImage>
-#include <QMutex>
-#include <QSize>
 #include <QString>
 #include <QStringList>
 #include <QThread>
-#include <QWaitCondition>
+
+#include <condition_variable>
+#include <mutex>
 
 /// Reads thumbnails of pictures on disk, upright and scaled while decoding, one after the other.
 /// Only what was asked for last is read: scrolling on drops what is out of sight. Starts with the
@@ -39,8 +39,8 @@ protected:
     void run() override;
 
 private:
-    QMutex mutex_; ///< guards all below
-    QWaitCondition changed_;
+    std::mutex mutex_; ///< guards all below
+    std::condition_variable changed_;
     QStringList wanted_;
     int side_ = 0;
     bool stopped_ = false;
