@@ -5,7 +5,6 @@
 #include "photoimport/photorules.h"
 
 #include <QFileInfo>
-#include <QSet>
 
 #include <algorithm>
 
@@ -48,6 +47,20 @@ FilesSummary summarise(const QVector<SourceFile> &files)
         summary.bytesReported += file.size * (jobs - waiting) / jobs;
     }
     return summary;
+}
+
+FilesToRetry filesToRetry(const QVector<SourceFile> &files, const QSet<int> &indexes)
+{
+    FilesToRetry retry;
+    for (int index = 0; index < files.size(); ++index) {
+        if (!indexes.isEmpty() && !indexes.contains(index))
+            continue;
+        if (files.at(index).hasFailed())
+            retry.failed.append(index);
+        if (files.at(index).registration == RegistrationState::Refused)
+            retry.unregistered.append(index);
+    }
+    return retry;
 }
 
 QString sourceFilter(int photoMode)

@@ -2,6 +2,7 @@
 
 #include "photoimport/photorecords.h"
 
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -53,6 +54,16 @@ struct FilesSummary
 };
 
 FilesSummary summarise(const QVector<SourceFile> &files);
+
+/// Positions of the files that are to be tried once more.
+struct FilesToRetry
+{
+    QVector<int> failed;       ///< some job failed
+    QVector<int> unregistered; ///< refused by the service
+};
+
+/// Among the files at \a indexes; among all when empty.
+FilesToRetry filesToRetry(const QVector<SourceFile> &files, const QSet<int> &indexes);
 
 /// Chosen or dropped paths that are to become files of an order.
 struct FileChoice

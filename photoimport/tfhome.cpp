@@ -6,10 +6,10 @@
 #include "photoimport/tfhomeorders_orderlistwidget.h"
 #include "photoimport/tfhomephotos.h"
 #include "photoimport/tfimportbar.h"
+#include "photoimport/tfphotodeleter.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"
-#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 
@@ -42,6 +42,8 @@ tfhome::tfhome(QWidget *parent)
     , overlay_(new LoadingOverlay(this))
     , chooser_(
           new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
+    , deleter_(
+          new tfphotodeleter(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
@@ -62,16 +64,14 @@ tfhome::tfhome(QWidget *parent)
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
         chooser_->cancel();
         overlay_->hideOverlay();
-        if (deletion_.isActive()) {
-            deletion_.cancel();
+        if (deleter_->cancel())
             orderPanel_->refreshImportCounts(); // whether the service has deleted them is not known
-        }
     });
     connectOrders();
     connectPhotos();
     connectBar();
     connectRun();
-    connectDeletion();
+    connectDeleter();
 }
 
 tfhome::~tfhome()
@@ -184,17 +184,16 @@ void tfhome::connectRun()
     connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
 }
 
-void tfhome::connectDeletion()
+void tfhome::connectDeleter()
 {
-    connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this, &tfhome::onPhotosDeleted);
-    connect(&deletion_, &tfphotodeletion::refused, this, [this](const ServiceReply &reply) {
-        overlay_->hideOverlay();
-        if (isClosingLater())
-            endClosing();
-        else
-            showServiceFailure(this, reply, reply.message);
+    connect(deleter_, &tfphotodeleter::asking, this,
+            [this] { photoPanel_->thumbnails()->want({}, 0); });
+    connect(deleter_, &tfphotodeleter::answered, this, [this](const QString &orderId) {
+        if (orderId == shownOrderId_)
+            showSelectedOrder(); // which asks for the thumbnails that are missing now
+        endClosing();
     });
-    connect(&deletion_, &tfphotodeletion::removed, this, &tfhome::endClosing);
+    connect(deleter_, &tfphotodeleter::removed, this, &tfhome::endClosing);
 }
 
 void tfhome::showEvent(QShowEvent *event)
@@ -389,85 +388,25 @@ void tfhome::retry(const QVector<int> &photoRows)
     QSet<int> among;
     for (const int photoRow : photoRows)
         among.insert(photos_.photo(photoRow).fileIndex);
-    const QVector<SourceFile> &files = orders_.files(row);
-    const auto having = [&](auto what) {
-        QVector<int> indexes;
-        for (int index = 0; index < files.size(); ++index) {
-            if (what(files.at(index)) && (among.isEmpty() || among.contains(index)))
-                indexes.append(index);
-        }
-        return indexes;
-    };
-    const QVector<int> failed = having([](const SourceFile &file) { return file.hasFailed(); });
-    const QVector<int> unregistered = having(
-        [](const SourceFile &file) { return file.registration == RegistrationState::Refused; });
-    if (failed.isEmpty() && unregistered.isEmpty() && orders_.order(row).folderRefusal.isEmpty()) {
+    const FilesToRetry files = filesToRetry(orders_.files(row), among);
+    if (files.failed.isEmpty() && files.unregistered.isEmpty() &&
+        orders_.order(row).folderRefusal.isEmpty()) {
         Toast::show(this, QStringLiteral("没有失败的文件"));
         return;
     }
-    run_.registerAgain(row, unregistered, orderPanel_->identity());
-    if (!failed.isEmpty())
-        start({row}, failed);
+    run_.registerAgain(row, files.unregistered, orderPanel_->identity());
+    if (!files.failed.isEmpty())
+        start({row}, files.failed);
 }
 
 // Deleting.
 
 void tfhome::deletePhotos(const QVector<int> &photoRows)
 {
-    const int row = orders_.rowOf(shownOrderId_);
-    if (!mayChange(row))
-        return;
-    if (deletion_.isActive()) {
-        Toast::show(this, QStringLiteral("正在删除，请稍候"));
-        return;
-    }
-    const QString id = shownOrderId_;
-    QStringList ids;
-    QStringList names;
-    for (const int photoRow : photoRows) {
-        const PanelPhoto &photo = photos_.photo(photoRow);
-        if (photo.serviceId.isEmpty())
-            continue;
-        ids.append(photo.serviceId);
-        names.append(photo.name);
-    }
-    if (ids.isEmpty()) {
-        Toast::show(this, QStringLiteral("请选择要删除的已导入照片"));
-        return;
-    }
-    if (!ConfirmDialog::ask(this,
-                            QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
-                                           "服务和磁盘上的文件都会删除，不能恢复。")
-                                .arg(ids.size()),
-                            ConfirmDialog::Enter::Cancels))
-        return;
-    // Meanwhile the list may have become another one.
-    if (!mayChange(orders_.rowOf(id)))
-        return;
-    overlay_->showText(QStringLiteral("正在删除..."));
-    photoPanel_->thumbnails()->want({}, 0); // a file that is being read may refuse to go
-    deletion_.start(deletionOf(orders_.order(orders_.rowOf(id)), ids, names, orders_.photoMode()),
-                    orderPanel_->identity());
-}
-
-void tfhome::onPhotosDeleted(const DeletionRequest &deleted)
-{
-    overlay_->hideOverlay();
-    const int row = orders_.rowOf(deleted.orderId);
-    if (row >= 0) {
-        QVector<int> indexes;
-        const QVector<SourceFile> &files = orders_.files(row);
-        for (int index = 0; index < files.size(); ++index) {
-            // One that waits under the same name is another photo.
-            if (files.at(index).isComplete() &&
-                deleted.names.contains(files.at(index).name, Qt::CaseInsensitive))
-                indexes.append(index);
-        }
-        orders_.forgetServicePhotos(row, deleted.ids);
-        orders_.removeFiles(row, indexes);
-        showSelectedOrder();
-    }
-    Toast::show(this, QStringLiteral("删除成功"));
+    QVector<PanelPhoto> chosen;
+    for (const int photoRow : photoRows)
+        chosen.append(photos_.photo(photoRow));
+    deleter_->deletePhotos(orders_.rowOf(shownOrderId_), chosen, orderPanel_->identity());
 }
 
 // Closing.
@@ -483,9 +422,9 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
     orderPanel_->abandon();
     photoPanel_->thumbnails()->stop();
     // What the service was asked and not yet answered.
-    if (run_.isBusy() || deletion_.isActive()) {
+    if (run_.isBusy() || deleter_->isActive()) {
         QTimer::singleShot(lastAnswersMs, this, [this] {
-            deletion_.cancel();
+            deleter_->cancel();
             run_.cancelRegistrations();
             endClosing();
         });
@@ -495,7 +434,7 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
 
 bool tfhome::mayEnd() const
 {
-    return !run_.isBusy() && !run_.hasLiveWorkers() && !deletion_.isActive() &&
+    return !run_.isBusy() && !run_.hasLiveWorkers() && !deleter_->isActive() &&
            !photoPanel_->thumbnails()->isRunning();
 }
 

@@ -3,7 +3,6 @@
 #include "app/helpers/sharedfolderopener.h"
 #include "photoimport/photoimportrun.h"
 #include "photoimport/tforderlistmodel.h"
-#include "photoimport/tfphotodeletion.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "widgets/framelesswindow.h"
 
@@ -16,6 +15,7 @@ class tffilechooser;
 class tfhomeorders;
 class tfhomephotos;
 class tfimportbar;
+class tfphotodeleter;
 
 /// The window of the photo import: search orders, add photos or videos to them, import them in all
 /// their forms, tell the service, delete what was imported. What it decides lives in photorules,
@@ -38,7 +38,7 @@ private:
     void connectPhotos();
     void connectBar();
     void connectRun();
-    void connectDeletion();
+    void connectDeleter();
 
     // Choosing.
     void showSelectedOrder();
@@ -61,7 +61,6 @@ private:
 
     // Deleting, closing.
     void deletePhotos(const QVector<int> &photoRows);
-    void onPhotosDeleted(const DeletionRequest &deleted);
     bool mayEnd() const;
     void endClosing();
 
@@ -71,7 +70,6 @@ private:
     tforderlistmodel orders_;
     tfphotolistmodel photos_;
     PhotoImportRun run_;
-    tfphotodeletion deletion_;
     SharedFolderOpener folderOpener_;
     QTimer progressTimer_;
     QElapsedTimer clock_;
@@ -82,4 +80,5 @@ private:
     tfimportbar *bar_;
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;
+    tfphotodeleter *deleter_;
 };

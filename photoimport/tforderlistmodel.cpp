@@ -69,15 +69,21 @@ void tforderlistmodel::setFolderRefusal(int row, const QString &reason)
     announce(row);
 }
 
-void tforderlistmodel::forgetServicePhotos(int row, const QStringList &ids)
+void tforderlistmodel::forgetDeleted(int row, const QStringList &ids, const QStringList &names)
 {
     if (!hasRow(row))
         return;
-    const auto gone = [&ids](const orderqueries::PhotoEntry &photo) {
-        return ids.contains(photo.id);
-    };
-    for (auto &photos : orders_[row].importedByMode)
-        photos.erase(std::remove_if(photos.begin(), photos.end(), gone), photos.end());
+    for (auto &photos : orders_[row].importedByMode) {
+        const auto gone = std::remove_if(photos.begin(), photos.end(), [&ids](const auto &photo) {
+            return ids.contains(photo.id);
+        });
+        photos.erase(gone, photos.end());
+    }
+    QVector<SourceFile> &files = orders_[row].files(photoMode_);
+    const auto gone = std::remove_if(files.begin(), files.end(), [&names](const SourceFile &file) {
+        return file.isComplete() && names.contains(file.name, Qt::CaseInsensitive);
+    });
+    files.erase(gone, files.end());
     announce(row);
 }
 

@@ -52,8 +52,10 @@ public:
     void removeFiles(int row, const QVector<int> &indexes);
     void setRun(int row, PhotoOrder::Run run);
     void setFolderRefusal(int row, const QString &reason);
-    /// The service has no photos with these ids any more.
-    void forgetServicePhotos(int row, const QStringList &ids);
+    /// The service has no photos with these \a ids and \a names any more: neither these nor the
+    /// files that they were imported from are listed then. A file that is still to be imported is
+    /// another photo, whatever its name.
+    void forgetDeleted(int row, const QStringList &ids, const QStringList &names);
     /// What the service says now of listed orders; files and states stay.
     void refreshInfo(const QVector<PhotoOrder> &found);
 

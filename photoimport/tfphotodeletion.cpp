@@ -4,6 +4,8 @@
 #include "photoimport/photorules.h"
 #include "photoimport/tfdellocalphotoimg.h"
 
+#include <utility>
+
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
                            const QStringList &names, int photoMode)
 {
@@ -41,17 +43,17 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
     return true;
 }
 
-void tfphotodeletion::cancel()
+bool tfphotodeletion::cancel()
 {
     call_.cancel();
-    asking_ = false;
+    return std::exchange(asking_, false);
 }
 
 void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
 {
     asking_ = false;
     if (!reply.isSuccess()) {
-        emit refused(reply);
+        emit refused(request, reply);
         return;
     }
     thread_->setDelPhotos(request.paths);

@@ -37,8 +37,8 @@ public:
 
     /// False, and nothing happens, while another deletion is under way.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
-    /// Gives up asking the service; what it has agreed to goes on.
-    void cancel();
+    /// Gives up asking the service; what it has agreed to goes on. False when nothing was asked.
+    bool cancel();
     bool isActive() const { return asking_ || isRemoving(); }
     bool isRemoving() const;
 
@@ -46,7 +46,7 @@ signals:
     /// The service agreed; the files are being removed.
     void selectedPhotosDeleted(const DeletionRequest &deleted);
     /// Nothing was deleted.
-    void refused(const ServiceReply &reply);
+    void refused(const DeletionRequest &request, const ServiceReply &reply);
     /// The files are gone from the disk.
     void removed();
 

@@ -1,0 +1,82 @@
+#include "photoimport/tfphotodeleter.h"
+
+#include "photoimport/tforderlistmodel.h"
+#include "widgets/confirmdialog.h"
+#include "widgets/loadingoverlay.h"
+#include "widgets/servicenotice.h"
+#include "widgets/toast.h"
+
+#include <utility>
+
+tfphotodeleter::tfphotodeleter(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
+                               std::function<bool(int row)> mayChange)
+    : QObject(window)
+    , window_(window)
+    , orders_(orders)
+    , overlay_(overlay)
+    , mayChange_(std::move(mayChange))
+{
+    connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this,
+            &tfphotodeleter::onPhotosDeleted);
+    connect(&deletion_, &tfphotodeletion::refused, this, &tfphotodeleter::onRefused);
+    connect(&deletion_, &tfphotodeletion::removed, this, &tfphotodeleter::removed);
+}
+
+void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
+                                  const orderqueries::Identity &identity)
+{
+    if (!mayChange_(row))
+        return;
+    if (isActive()) {
+        Toast::show(window_, QStringLiteral("正在删除，请稍候"));
+        return;
+    }
+    const QString id = orders_->order(row).info.id;
+    QStringList ids;
+    QStringList names;
+    for (const PanelPhoto &photo : photos) {
+        if (photo.serviceId.isEmpty())
+            continue;
+        ids.append(photo.serviceId);
+        names.append(photo.name);
+    }
+    if (ids.isEmpty()) {
+        Toast::show(window_, QStringLiteral("请选择要删除的已导入照片"));
+        return;
+    }
+    if (!ConfirmDialog::ask(window_,
+                            QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
+                                           "服务和磁盘上的文件都会删除，不能恢复。")
+                                .arg(ids.size()),
+                            ConfirmDialog::Enter::Cancels))
+        return;
+    // Meanwhile the list may have become another one.
+    if (!mayChange_(orders_->rowOf(id)))
+        return;
+    overlay_->showText(QStringLiteral("正在删除..."));
+    emit asking();
+    deletion_.start(
+        deletionOf(orders_->order(orders_->rowOf(id)), ids, names, orders_->photoMode()), identity);
+}
+
+bool tfphotodeleter::cancel()
+{
+    return deletion_.cancel();
+}
+
+void tfphotodeleter::onPhotosDeleted(const DeletionRequest &deleted)
+{
+    overlay_->hideOverlay();
+    orders_->forgetDeleted(orders_->rowOf(deleted.orderId), deleted.ids, deleted.names);
+    emit answered(deleted.orderId);
+    Toast::show(window_, QStringLiteral("删除成功"));
+}
+
+void tfphotodeleter::onRefused(const DeletionRequest &request, const ServiceReply &reply)
+{
+    overlay_->hideOverlay();
+    const bool closed = !window_->isVisible();
+    emit answered(request.orderId);
+    if (!closed)
+        showServiceFailure(window_, reply, reply.message);
+}
