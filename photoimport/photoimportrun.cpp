@@ -20,13 +20,8 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
             Qt::QueuedConnection);
     connect(&registrar_, &PhotoRegistrar::idle, this, &PhotoImportRun::afterStep,
             Qt::QueuedConnection);
-    connect(
-        &pool_, &tfimportthreadmanager::pathErrorOccurred, this,
-        [this](const QString &message, const QString &path) {
-            releaseOrders();
-            emit refused(message, path);
-        },
-        Qt::QueuedConnection);
+    connect(&pool_, &tfimportthreadmanager::pathErrorOccurred, this,
+            &PhotoImportRun::onStartRefused, Qt::QueuedConnection);
     connect(&pool_, &tfimportthreadmanager::workersEnded, this, &PhotoImportRun::workersEnded);
     connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
             [this](const QString &orderId, const PhotoInfo &photo) {
@@ -54,19 +49,19 @@ bool PhotoImportRun::isQueuedOrActive(int row) const
 bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes,
                            const orderqueries::Identity &identity)
 {
-    if (preparing_)
+    if (!preparing_.isEmpty())
         return false;
     if (!open_)
         batch_.clear();
     identity_ = identity;
     open_ = true;
-    preparing_ = true;
     QVector<PhotoOrder> started;
     for (const int row : rows) {
         const QString id = orders_->order(row).info.id;
         orders_->resetFailedJobs(row, indexes);
         started.append(orders_->order(row));
         orders_->setRun(row, PhotoOrder::Run::Queued);
+        preparing_.insert(id);
         batch_.insert(id);
         announced_.remove(id);
     }
@@ -89,7 +84,7 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
 
 void PhotoImportRun::begin(const QList<OrderInfo> &orders)
 {
-    preparing_ = false;
+    preparing_.clear();
     if (orders.size() == 1)
         pool_.startImportOrder(orders.constFirst());
     else
@@ -100,23 +95,36 @@ void PhotoImportRun::begin(const QList<OrderInfo> &orders)
 void PhotoImportRun::stop()
 {
     ++start_;
-    preparing_ = false;
+    preparing_.clear();
+    open_ = false;
     pool_.stopAllImport();
     if (pool_.isPaused())
         pool_.resumeAllImport(); // the next run is not to begin paused
     releaseOrders();
+    afterStep();
 }
 
-/// Orders that the pool does not hold are idle; when it holds none the run is over.
+/// Orders that are not held any more, though not completed either, leave the run.
 void PhotoImportRun::releaseOrders()
 {
-    for (int row = 0; row < orders_->orders().size() && !preparing_; ++row) {
-        if (!pool_.isQueuedOrActive(orders_->order(row).info.id))
-            orders_->setRun(row, PhotoOrder::Run::Idle);
+    for (int row = 0; row < orders_->orders().size(); ++row) {
+        const PhotoOrder &order = orders_->order(row);
+        const QString id = order.info.id;
+        if (order.run == PhotoOrder::Run::Idle || preparing_.contains(id) ||
+            pool_.isQueuedOrActive(id))
+            continue;
+        batch_.remove(id);
+        orders_->setRun(row, PhotoOrder::Run::Idle);
     }
-    if (!isImporting())
-        open_ = false;
+}
+
+void PhotoImportRun::onStartRefused(const QString &message, const QString &path)
+{
+    releaseOrders();
+    if (batch_.isEmpty())
+        open_ = false; // there was nothing but what was refused
     afterStep();
+    emit refused(message, path);
 }
 
 void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &fileName,
@@ -129,8 +137,8 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
         orders_->setRun(row, PhotoOrder::Run::Active);
     if (success) {
         qDebug().noquote() << QStringLiteral("照片导入完成：成功: %1 - %2-%3 第 %4")
-                                  .arg(orderinfo.orderPayForKey, fileName, job.kind)
-                                  .arg(photoindex + 1);
+                                  .arg(orderinfo.orderPayForKey, fileName, job.kind,
+                                       QString::number(photoindex + 1));
         if (photorequests::isRegistered(orders_->photoMode(), job))
             orders_->applyRegistration(orderinfo.id, job, RegistrationState::Pending);
         registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_->photoMode(), identity_);
@@ -140,9 +148,8 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
         }
     } else {
         qDebug().noquote() << QStringLiteral("照片导入完成：失败: %1 - %2 第 %3, 错误: %4")
-                                  .arg(orderinfo.orderPayForKey, fileName)
-                                  .arg(photoindex + 1)
-                                  .arg(errorMsg);
+                                  .arg(orderinfo.orderPayForKey, fileName,
+                                       QString::number(photoindex + 1), errorMsg);
     }
     if (index >= 0)
         emit fileChanged(orderinfo.id, index);
@@ -151,10 +158,9 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
 void PhotoImportRun::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
 {
     qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
-                              .arg(orderinfo.orderPayForKey)
-                              .arg(completed)
-                              .arg(total)
-                              .arg(total > 0 ? completed * 100 / total : 100);
+                              .arg(orderinfo.orderPayForKey, QString::number(completed),
+                                   QString::number(total),
+                                   QString::number(total > 0 ? completed * 100 / total : 100));
 }
 
 TransferProgress PhotoImportRun::progress()

@@ -41,7 +41,7 @@ public:
     void cancelRegistrations();
 
     /// Whether anything is queued, active or about to be.
-    bool isImporting() const { return preparing_ || pool_.isBusy(); }
+    bool isImporting() const { return !preparing_.isEmpty() || pool_.isBusy(); }
     int pendingRegistrations() const { return registrar_.pending(); }
     /// Whether the list must keep what it holds.
     bool isBusy() const { return isImporting() || pendingRegistrations() > 0; }
@@ -73,6 +73,7 @@ signals:
 private:
     void begin(const QList<OrderInfo> &orders);
     void releaseOrders();
+    void onStartRefused(const QString &message, const QString &path);
     void onRegistered(const QString &orderId, const PhotoInfo &photo, RegistrationState state,
                       const QString &reason);
     void afterStep();
@@ -82,7 +83,7 @@ private:
     PhotoRegistrar registrar_;
     orderqueries::Identity identity_;
     int start_ = 0;           ///< number of the start being prepared
-    bool preparing_ = false;  ///< jobs of a start are being made
+    QSet<QString> preparing_; ///< orders of that start: their jobs are being made
     bool open_ = false;       ///< begun, and neither ended nor stopped
     bool stale_ = false;      ///< something was registered
     QSet<QString> batch_;     ///< orders of the run

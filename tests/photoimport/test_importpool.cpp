@@ -1,5 +1,5 @@
 #include "net/background.h"
-#include "photoimport/photorules.h"
+#include "photoimport/photoimportrun.h"
 #include "photoimport/tfimportthreadmanager.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
@@ -262,6 +262,24 @@ private slots:
         for (const QList<QVariant> &report : qAsConst(*orders_))
             order << report.at(0).value<OrderInfo>().id;
         QCOMPARE(order.join(QString()), "ABC"_s);
+    }
+
+    void aRefusedStartFreesItsOrders()
+    {
+        PhotoOrder good;
+        good.info = makeOrder("B"_s, 0);
+        tforderlistmodel orders;
+        orders.setOrders({PhotoOrder(), good});
+        PhotoImportRun run(&orders);
+        // The other order joins before the run hears of the refusal.
+        connect(run.pool(), &Manager::pathErrorOccurred, &run, [&run] { run.start({1}, {}, {}); });
+        QSignalSpy refused(&run, &PhotoImportRun::refused);
+        QSignalSpy ended(&run, &PhotoImportRun::ended);
+        run.start({0}, {}, {});
+        TRY_LONG(ended.size(), 1);
+        QCOMPARE(refused.size(), 1);
+        for (const int row : {0, 1})
+            QVERIFY(!run.isQueuedOrActive(row));
     }
 
     void timersDoNotPileUp()
