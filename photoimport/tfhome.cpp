@@ -1,5 +1,6 @@
 #include "photoimport/tfhome.h"
 
+#include "app/context/logging.h"
 #include "app/helpers/macwindowmanager.h"
 #include "photoimport/tffilechooser.h"
 #include "photoimport/tfhomeorders.h"
@@ -28,8 +29,8 @@ namespace {
 constexpr int ordersShare = 3;
 constexpr int photosShare = 2;
 constexpr int progressIntervalMs = 250;
-/// How long a closed window waits for what the service still has to answer.
-constexpr int lastAnswersMs = 10000;
+/// How long a closed window waits for the next of what the service still has to answer.
+constexpr int nextAnswerMs = 10000;
 
 } // namespace
 
@@ -53,6 +54,9 @@ tfhome::tfhome(QWidget *parent)
     buildLayout();
     progressTimer_.setInterval(progressIntervalMs);
     connect(&progressTimer_, &QTimer::timeout, this, &tfhome::refreshState);
+    lastAnswers_.setInterval(nextAnswerMs);
+    lastAnswers_.setSingleShot(true);
+    connect(&lastAnswers_, &QTimer::timeout, this, &tfhome::giveUpAnswers);
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     connect(&folderOpener_, &SharedFolderOpener::finished, this,
@@ -173,6 +177,10 @@ void tfhome::connectBar()
 void tfhome::connectRun()
 {
     connect(&run_, &PhotoImportRun::fileChanged, this, &tfhome::showFile);
+    connect(&run_, &PhotoImportRun::fileChanged, &lastAnswers_, [this] {
+        if (lastAnswers_.isActive())
+            lastAnswers_.start(); // the service is slow, but it goes on
+    });
     connect(&run_, &PhotoImportRun::stateChanged, this, &tfhome::refreshState);
     connect(&run_, &PhotoImportRun::refused, this,
             [this](const QString &message, const QString &path) {
@@ -243,8 +251,11 @@ void tfhome::removeFiles(const QVector<int> &photoRows)
         return;
     QVector<int> indexes;
     for (const int photoRow : photoRows) {
-        if (photos_.photo(photoRow).fileIndex >= 0)
-            indexes.append(photos_.photo(photoRow).fileIndex);
+        const PanelPhoto &photo = photos_.photo(photoRow);
+        if (photo.file.registration == RegistrationState::Pending)
+            Toast::show(this, QStringLiteral("正在登记的文件不能移出"));
+        else if (photo.fileIndex >= 0)
+            indexes.append(photo.fileIndex);
     }
     if (indexes.isEmpty())
         return;
@@ -336,7 +347,7 @@ void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
 /// Also four times a second while something goes on.
 void tfhome::refreshState()
 {
-    bar_->setRunning(run_.isImporting());
+    bar_->setRunning(run_.isImporting(), run_.pendingRegistrations() > 0);
     bar_->setPaused(run_.pool()->isPaused());
     orderPanel_->setImporting(run_.isBusy());
     const TransferProgress progress = run_.progress();
@@ -422,14 +433,18 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
     orderPanel_->abandon();
     photoPanel_->thumbnails()->stop();
     // What the service was asked and not yet answered.
-    if (run_.isBusy() || deleter_->isActive()) {
-        QTimer::singleShot(lastAnswersMs, this, [this] {
-            deleter_->cancel();
-            run_.cancelRegistrations();
-            endClosing();
-        });
-    }
+    if (run_.isBusy() || deleter_->isActive())
+        lastAnswers_.start();
     return mayEnd() ? CloseAnswer::Close : CloseAnswer::CloseLater;
+}
+
+void tfhome::giveUpAnswers()
+{
+    qCWarning(lcTessavo) << "closed without an answer; not registered:"
+                         << run_.pendingRegistrations();
+    deleter_->cancel();
+    run_.cancelRegistrations();
+    endClosing();
 }
 
 bool tfhome::mayEnd() const

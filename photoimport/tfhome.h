@@ -61,6 +61,7 @@ private:
 
     // Deleting, closing.
     void deletePhotos(const QVector<int> &photoRows);
+    void giveUpAnswers();
     bool mayEnd() const;
     void endClosing();
 
@@ -72,6 +73,7 @@ private:
     PhotoImportRun run_;
     SharedFolderOpener folderOpener_;
     QTimer progressTimer_;
+    QTimer lastAnswers_; ///< runs once the window is closed
     QElapsedTimer clock_;
     TransferRate rate_;
 

@@ -11,15 +11,6 @@
 
 #include <algorithm>
 
-namespace {
-
-QString lockedTip()
-{
-    return QStringLiteral("导片进行中，全部完成或停止后才能修改");
-}
-
-} // namespace
-
 tfimportbar::tfimportbar(QWidget *parent)
     : QWidget(parent)
     , modeBox_(new ComboBox(this))
@@ -52,7 +43,7 @@ tfimportbar::tfimportbar(QWidget *parent)
     layout->addWidget(pauseButton_);
     layout->addWidget(startButton_);
 
-    setRunning(false);
+    setRunning(false, false);
     setPaused(false);
     connect(modeBox_, qOverload<int>(&QComboBox::activated), this, &tfimportbar::photoModeChosen);
     connect(workerBox_, qOverload<int>(&QComboBox::activated), this,
@@ -72,12 +63,14 @@ void tfimportbar::setWorkers(int count)
     workerBox_->setCurrentIndex(count - 1);
 }
 
-void tfimportbar::setRunning(bool running)
+void tfimportbar::setRunning(bool running, bool registering)
 {
-    modeBox_->setEnabled(!running);
-    workerBox_->setEnabled(!running);
-    modeBox_->setToolTip(running ? lockedTip() : QStringLiteral("导入照片还是视频"));
-    workerBox_->setToolTip(running ? lockedTip() : QStringLiteral("同时导入的线程数"));
+    const auto lock = [](QWidget *box, bool locked, const QString &tip) {
+        box->setEnabled(!locked);
+        box->setToolTip(locked ? QStringLiteral("导片进行中，全部完成或停止后才能修改") : tip);
+    };
+    lock(modeBox_, running || registering, QStringLiteral("导入照片还是视频"));
+    lock(workerBox_, running, QStringLiteral("同时导入的线程数"));
     pauseButton_->setEnabled(running);
     if (running)
         showRunButton(startButton_, QStringLiteral("停止导片"), theme::stopButtonStyle());

@@ -20,8 +20,9 @@ public:
     void setPhotoMode(int mode);
     void setWorkers(int count);
     /// Whether something is queued or active: the start button stops then, and what must not change
-    /// meanwhile is locked.
-    void setRunning(bool running);
+    /// meanwhile is locked. While photos are still being registered that is the mode, by which
+    /// they are found again.
+    void setRunning(bool running, bool registering);
     void setPaused(bool paused);
     void showProgress(const TransferProgress &progress, const TransferRate &rate);
     /// Registrations that are still to be sent; the progress stays without a rate.

@@ -122,12 +122,16 @@ public:
         const int textWidth = qBound(0, room, K::scaledPx(rowTextWidthPx));
         text({left, middle - line, textWidth, line}, photo_.name, colours::heading,
              Qt::ElideMiddle);
-        text({left, middle, textWidth, line}, sizeText(), colours::placeholder);
-        left += textWidth + padding_;
-        const int width = area_.right() - padding_ - left;
+        const int right = area_.right() - padding_;
+        const QString size = sizeText();
         const QString failure = photo_.file.failureText();
-        marks({left, failure.isEmpty() ? middle - line / 2 : middle - line, width, line});
-        text({left, middle, width, line}, failure, colours::failure);
+        // Why something failed gets all the room that the size leaves.
+        const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size);
+        text({left, middle, sizeWidth, line}, size, colours::placeholder);
+        const int failureLeft = left + (size.isEmpty() ? 0 : sizeWidth + 2 * padding_);
+        text({failureLeft, middle, right - failureLeft, line}, failure, colours::failure);
+        left += textWidth + padding_;
+        marks({left, failure.isEmpty() ? middle - line / 2 : middle - line, right - left, line});
     }
 
 private:
