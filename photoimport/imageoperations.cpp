@@ -91,8 +91,7 @@ QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &
                                                             : size);
     QImage image = readTurned(reader, size);
     if (!image.isNull() && image.width() != upright.width()) {
-        const QSize target =
-            pixelsOf(size) > veryLargePixels ? withLongSide(upright, veryLargeOutputSide) : upright;
+        const QSize target = uprightSize(upright);
         log(QStringLiteral("缩放回目标尺寸: %1x%2 -> %3x%4")
                 .arg(image.width())
                 .arg(image.height())
@@ -369,6 +368,12 @@ QSize calculateIntermediateSize(const QSize &original, int target)
             .arg(size.height())
             .arg(target));
     return size;
+}
+
+QSize uprightSize(const QSize &original)
+{
+    return pixelsOf(original) > veryLargePixels ? withLongSide(original, veryLargeOutputSide)
+                                                : original;
 }
 
 bool rotateCopyImage(const QString &source, const QString &target)

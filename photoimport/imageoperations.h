@@ -35,6 +35,9 @@ QImage rotateImageByExif(const QImage &image, int orientation);
 /// The size at which a very large picture is read for a variant with the long side \a target.
 QSize calculateIntermediateSize(const QSize &original, int target);
 
+/// The size that an upright original gets that had to be read reduced; \a original is its own.
+QSize uprightSize(const QSize &original);
+
 /// Copies an original so that it stands upright without an orientation tag. Whatever goes wrong
 /// with the picture, the file is copied byte for byte; false only when that fails, too.
 bool rotateCopyImage(const QString &source, const QString &target);

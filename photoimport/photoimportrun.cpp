@@ -98,8 +98,6 @@ void PhotoImportRun::stop()
     preparing_.clear();
     open_ = false;
     pool_.stopAllImport();
-    if (pool_.isPaused())
-        pool_.resumeAllImport(); // the next run is not to begin paused
     releaseOrders();
     afterStep();
 }
@@ -201,6 +199,8 @@ void PhotoImportRun::cancelRegistrations()
 void PhotoImportRun::afterStep()
 {
     orders_->flush();
+    if (pool_.isPaused() && !isImporting())
+        pool_.resumeAllImport(); // the next run is not to begin paused
     emit stateChanged();
     if (isBusy())
         return;
@@ -212,8 +212,10 @@ void PhotoImportRun::afterStep()
             const int row = orders_->rowOf(id);
             if (row < 0)
                 continue;
-            failed += orders_->order(row).summary(orders_->photoMode()).failed;
-            unregistered += orders_->order(row).summary(orders_->photoMode()).unregistered;
+            const PhotoOrder &order = orders_->order(row);
+            failed += order.summary(orders_->photoMode()).failed;
+            unregistered += order.summary(orders_->photoMode()).unregistered;
+            unregistered += order.folderRefusal.isEmpty() ? 0 : 1;
         }
         emit ended(failed, unregistered);
     }

@@ -63,8 +63,9 @@ signals:
     void stateChanged();
     /// A start was refused because of the folder \a path (Windows form, may be empty).
     void refused(const QString &message, const QString &path);
-    /// All of the run is imported and registered, or failed to be.
-    void ended(int failedFiles, int unregisteredFiles);
+    /// All of the run is imported and registered, or failed to be: so many files, and so many files
+    /// and folders of orders.
+    void ended(int failedFiles, int unregistered);
     /// Nothing goes on any more, and the service knows of more than the list says.
     void countsStale();
     /// After a stop: the last worker has finished its photo.

@@ -21,7 +21,7 @@ struct PhotoInfo
     QString sourcePath;   ///< absolute, as this machine writes it
     QString importFolder; ///< the order's folder, in Windows form
 
-    // Kept by the window that shows the photo; the pool does not look at them.
+    // For whoever shows the photo; the pool only carries them along.
     int sourceIndex = 0;  ///< position of the source file among those chosen for the order
     int state = 0;        ///< of the import
     int registration = 0; ///< state of telling the service

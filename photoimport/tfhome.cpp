@@ -379,7 +379,7 @@ void tfhome::announceEnd(int failed, int unregistered)
             MessageBox::information(this, QStringLiteral("导片完成！"));
         return;
     }
-    tell(QStringLiteral("导片结束，%1 个文件失败，%2 个文件未登记。\n"
+    tell(QStringLiteral("导片结束，%1 个文件失败，%2 项未登记。\n"
                         "请在照片列表中查看原因，再点“重试失败”。")
              .arg(failed)
              .arg(unregistered));

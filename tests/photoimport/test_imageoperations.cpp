@@ -1,6 +1,7 @@
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/jpegend.h"
+#include "photoimport/tfthumbnailthread.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"
@@ -24,40 +25,11 @@ using namespace imageoperations;
 
 namespace {
 
-/// The corners of a picture, row by row: R, G and B of cornerPicture(), x for what is none of them.
-QString corners(const QImage &image)
-{
-    QString found;
-    for (const int bottom : {0, 1}) {
-        for (const int right : {0, 1}) {
-            const QColor colour(
-                image.pixel(right ? image.width() - 2 : 1, bottom ? image.height() - 2 : 1));
-            const int red = colour.red();
-            const int green = colour.green();
-            const int blue = colour.blue();
-            found += red > green + 90 && red > blue + 90     ? QLatin1Char('R')
-                     : green > red + 90 && green > blue + 90 ? QLatin1Char('G')
-                     : blue > red + 90 && blue > green + 90  ? QLatin1Char('B')
-                                                             : QLatin1Char('x');
-        }
-    }
-    return found;
-}
-
 QByteArray grayJpeg(const QSize &size, int orientation)
 {
     QImage picture(size, QImage::Format_Grayscale8);
     picture.fill(Qt::gray);
     return jpegOf(picture, orientation, 50);
-}
-
-/// A JPEG that claims another size than its own.
-QByteArray claiming(QByteArray jpeg, int width, int height)
-{
-    const int frame = jpeg.indexOf(QByteArray("\xff\xc0"));
-    const QByteArray size{QByteArray(1, char(height >> 8)) + char(height) + char(width >> 8) +
-                          char(width)};
-    return jpeg.replace(frame + 5, size.size(), size);
 }
 
 } // namespace
@@ -76,10 +48,22 @@ private slots:
     void cleanup()
     {
         log_.reset();
-        QCOMPARE(leftOvers(), QStringList());
+        QCOMPARE(filesBelow(folder_->path()).filter(".part"_s), QStringList());
     }
 
-    void orientations_data();
+    void orientations_data()
+    {
+        // reported: folded; upright: what lands in "all", and thumbnails
+        addColumns<int, QString, QString>({"reported", "upright", "variant"});
+        newRow("1", 1, "RGBx", "RGBx");
+        newRow("2", 3, "GRxB", "xBGR");
+        newRow("3", 3, "xBGR", "xBGR");
+        newRow("4", 3, "BxRG", "xBGR");
+        newRow("5", 6, "RBGx", "GxRB");
+        newRow("6", 6, "BRxG", "GxRB");
+        newRow("7", 6, "xGBR", "GxRB");
+        newRow("8", 6, "GxRB", "GxRB");
+    }
 
     void orientations()
     {
@@ -99,7 +83,7 @@ private slots:
         QCOMPARE(int(reader.transformation()), 0);
         const QImage upright = reader.read();
         QCOMPARE(upright.size(), orientation < 5 ? QSize(96, 64) : QSize(64, 96));
-        QTEST(corners(upright), "original");
+        QTEST(corners(upright), "upright");
         QCOMPARE(QFileInfo(original).lastModified(), shot);
         if (orientation == 1)
             QCOMPARE(readFile(original), camera);
@@ -111,6 +95,12 @@ private slots:
         QTEST(corners(small), "variant");
         QCOMPARE(logged("缩小后检测到需要旋转，EXIF方向: "), orientation == 1 ? 0 : 1);
         QCOMPARE(logged("照片存在，先删除照片"), 1);
+
+        const QImage thumbnail = tfthumbnailthread::thumbnailOf(source, 48);
+        QCOMPARE(thumbnail.size(), small.size());
+        QTEST(corners(thumbnail), "upright");
+        // None is enlarged.
+        QCOMPARE(tfthumbnailthread::thumbnailOf(source, 960).size(), upright.size());
     }
 
     void coloursKeepTheirMeaning()
@@ -159,6 +149,8 @@ private slots:
         QFETCH(QSize, original);
         QFETCH(int, target);
         QTEST(calculateIntermediateSize(original, target), "size");
+        QCOMPARE(uprightSize({10000, 10000}), QSize(10000, 10000));
+        QCOMPARE(uprightSize({10001, 10000}), QSize(8192, 8191));
     }
 
     void variantSizes_data()
@@ -221,23 +213,30 @@ private slots:
 
     void thresholdsOfPixels_data()
     {
-        addColumns<QSize, int, QString, QString, QSize>(
-            {"source", "orientation", "large", "scaled", "size"});
-        newRow("50 MP", QSize(10000, 5000), 3, QString(), QString(), QSize(10000, 5000));
-        newRow("50 MP and a line", QSize(10000, 5001), 6,
+        // bytes: of the file; 0: as many as it has
+        addColumns<QSize, int, qint64, QString, QString, QSize>(
+            {"source", "orientation", "bytes", "large", "scaled", "size"});
+        const qint64 own = 0;
+        newRow("50 MP", QSize(10000, 5000), 3, own, QString(), QString(), QSize(10000, 5000));
+        newRow("50 MP and a line", QSize(10000, 5001), 6, own,
                "超大图片旋转拷贝处理 (10000x5001, 50.0MP)",
                "缩放回目标尺寸: 2048x4096 -> 5001x10000", QSize(5001, 10000));
-        newRow("108 MP", QSize(12000, 9000), 3, "超大图片旋转拷贝处理 (12000x9000, 108.0MP)",
+        newRow("108 MP", QSize(12000, 9000), 3, own, "超大图片旋转拷贝处理 (12000x9000, 108.0MP)",
                "缩放回目标尺寸: 4096x3072 -> 8192x6144", QSize(8192, 6144));
+        newRow("24 MP in 40 MB", QSize(6000, 4000), 3, qint64(40000000),
+               "超大图片旋转拷贝处理 (6000x4000, 24.0MP)", "缩放回目标尺寸: 4096x2730 -> 6000x4000",
+               QSize(6000, 4000));
     }
 
     void thresholdsOfPixels()
     {
         QFETCH(QSize, source);
         QFETCH(int, orientation);
+        QFETCH(qint64, bytes);
         QFETCH(QString, large);
         QFETCH(QString, scaled);
         const QString from = write("a.jpg"_s, grayJpeg(source, orientation));
+        QVERIFY(bytes == 0 || QFile::resize(from, bytes));
         const QString to = path("b.jpg"_s);
         QVERIFY(copyOriginal(from, to));
         QCOMPARE(logged("超大图片旋转拷贝处理"), int(!large.isEmpty()));
@@ -247,16 +246,7 @@ private slots:
         }
         QTEST(QImageReader(to).size(), "size");
         QVERIFY(compressImage(from, path("c.jpg"_s), 90));
-        QCOMPARE(logged("检测到超大图片"), int(!large.isEmpty()));
-    }
-
-    void largeOriginalsKeepTheirSize()
-    {
-        const QString source = write("a.jpg"_s, grayJpeg({6000, 4000}, 3));
-        QVERIFY(QFile::resize(source, 40000000));
-        QVERIFY(copyOriginal(source, path("b.jpg"_s)));
-        QCOMPARE(logged("缩放回目标尺寸: 4096x2730 -> 6000x4000"), 1);
-        QCOMPARE(QImageReader(path("b.jpg"_s)).size(), QSize(6000, 4000));
+        QCOMPARE(logged("检测到超大图片"), int(bytes == 0 && !large.isEmpty()));
     }
 
     void damagedSources_data()
@@ -291,6 +281,9 @@ private slots:
         QVERIFY(!compressImage(source, variant, 90));
         QCOMPARE(readFile(variant), QByteArray("an earlier file"));
         QVERIFY(log_->count(line) > 0);
+        // What there is of a photo cut short can be shown.
+        QCOMPARE(tfthumbnailthread::thumbnailOf(source, 90).isNull(),
+                 qstrcmp(QTest::currentDataTag(), "cut short") != 0);
     }
 
     void theEndOfAJpeg()
@@ -440,37 +433,14 @@ private:
 
     QString write(const QString &name, const QByteArray &bytes) const
     {
-        const QString file = writeFile(path(name), bytes);
-        return file;
+        return writeFile(path(name), bytes);
     }
 
     int logged(const char *line) const { return log_->count(QString::fromUtf8(line)); }
-    QStringList leftOvers() const
-    {
-        return QDir(folder_->path()).entryList({"*.part"_s}, QDir::Files | QDir::Hidden);
-    }
 
     std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<LogLines> log_;
 };
-
-void TestImageOperations::orientations_data()
-{
-    // original: corners of what lands in "all"
-    addColumns<int, QString, QString>({"reported", "original", "variant"});
-    const struct
-    {
-        int reported;
-        const char *original;
-        const char *variant;
-    } rows[] = {{1, "RGBx", "RGBx"}, {3, "GRxB", "xBGR"}, {3, "xBGR", "xBGR"}, {3, "BxRG", "xBGR"},
-                {6, "RBGx", "GxRB"}, {6, "BRxG", "GxRB"}, {6, "xGBR", "GxRB"}, {6, "GxRB", "GxRB"}};
-    int orientation = 0;
-    for (const auto &row : rows) {
-        QTest::addRow("%d", ++orientation) << row.reported << QString::fromLatin1(row.original)
-                                           << QString::fromLatin1(row.variant);
-    }
-}
 
 QTEST_GUILESS_MAIN(TestImageOperations)
 #include "test_imageoperations.moc"

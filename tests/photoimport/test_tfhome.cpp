@@ -48,9 +48,8 @@ private slots:
         QFETCH(float, scale);
         QFETCH(int, width);
         K::uiScale = scale;
-        open();
+        openWith(2);
         window_->resize(width, 720);
-        dropPhotos(first_, 2);
         K::uiScale = 1.0F;
         QCOMPARE(window_->width(), width); // smaller than that it cannot be
     }
@@ -71,8 +70,7 @@ private slots:
 
     void importsWhatIsDropped()
     {
-        open();
-        dropPhotos(first_, 8);
+        openWith(8);
         QCOMPARE(Toast::currentText(window_), "已忽略 1 个不支持的文件"_s);
         QCOMPARE(photos()->model()->rowCount(), 8);
         QTRY_VERIFY(
@@ -91,8 +89,7 @@ private slots:
 
     void filesOfOneNameAreNotTaken()
     {
-        open();
-        dropPhotos(first_, 2);
+        openWith(2);
         QFile::copy(card_->filePath(first_ + "/IMG_0.jpg"_s), card_->filePath("img_0.JPG"_s));
         // Chosen one by one, by the button: the clash is with what is listed already.
         select(first_);
@@ -139,8 +136,7 @@ private slots:
         folder.replace(QLatin1Char('/'), QLatin1Char('\\')).append("\\one"_s);
         for (const char *order : {"50001", "50003"})
             demo_.changeOrder(QLatin1String(order), {{"netpath"_s, folder}});
-        open();
-        dropPhotos(first_, 1);
+        openWith(1);
         click("startOrderButton");
         EXPECT_BOX_THAT(box.contains(folder + "\n"_s + first_) && box.contains(second_));
         QCOMPARE(state(first_), "已选择"_s);
@@ -148,13 +144,12 @@ private slots:
         click("startOrderButton");
         QTRY_COMPARE(state(first_), "导片完成"_s);
         QTRY_COMPARE(boxes().size(), 2);
-        boxes_.clear();
+        forgetBoxes();
     }
 
     void anOrderIsNotQueuedTwice()
     {
-        open();
-        dropPhotos(first_, 3);
+        openWith(3);
         click("startOrderButton");
         demo_.hold("savepicpath"_s, 4); // as many as are sent at once
         QCOMPARE(state(first_), "等待导片"_s);
@@ -188,8 +183,7 @@ private slots:
 
     void stopsAndGoesOn()
     {
-        open();
-        dropPhotos(first_, 6);
+        openWith(6);
         click("startButton");
         click("pauseButton");
         QCOMPARE(child<QPushButton>("pauseButton")->text(), "继续"_s);
@@ -213,13 +207,12 @@ private slots:
 
     void failedFilesAreRetried()
     {
-        open();
-        dropPhotos(first_, 3);
+        openWith(3);
         const QString away = card_->filePath("away"_s);
         const QString photo = card_->filePath(first_ + "/IMG_2.jpg"_s);
         QVERIFY(QFile::rename(photo, away));
         click("startOrderButton");
-        EXPECT_BOX_THAT(box.startsWith("导片结束，1 个文件失败，0 个文件未登记。"_s));
+        EXPECT_BOX_THAT(box.startsWith("导片结束，1 个文件失败，0 项未登记。"_s));
         QCOMPARE(state(first_), "成功:2, 失败:1"_s);
         const auto panel = photos()->model()->index(2, 0).data(tfphotolistmodel::PhotoRole);
         QCOMPARE(panel.value<PanelPhoto>().file.failureText(),
@@ -237,12 +230,11 @@ private slots:
 
     void refusedRegistrationsAreRetried()
     {
-        open();
-        dropPhotos(first_, 2);
+        openWith(2);
         demo_.refuse("savepicpath"_s, "稍后再试"_s);
         demo_.refuse("saveorderphotopath"_s, "目录被占用"_s);
         click("startOrderButton");
-        EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，1 个文件未登记。"_s));
+        EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，2 项未登记。"_s));
         QCOMPARE(state(first_), "未登记:1"_s);
         QTRY_COMPARE(text(first_, Column::ImportedColumn), "1"_s);
         click("retryButton");
@@ -253,8 +245,7 @@ private slots:
 
     void deletesAtTheServiceFirst()
     {
-        open();
-        dropPhotos(first_, 3);
+        openWith(3);
         click("startOrderButton");
         EXPECT_BOXES(done);
         QTRY_COMPARE(text(first_, Column::ImportedColumn), "3"_s);
@@ -318,9 +309,7 @@ private slots:
 
     void unfinishedOrdersSurviveASearch()
     {
-        open();
-        dropPhotos(first_, 2);
-        const int all = orders()->model()->rowCount();
+        openWith(2);
         auto *keyword = child<QLineEdit>("keywordEdit");
         keyword->setText("TS10003"_s);
         QTest::keyClick(keyword, Qt::Key_Return);
@@ -331,21 +320,18 @@ private slots:
         auto *branches = child<QComboBox>("branchBox");
         branches->setFocus();
         QTest::keyClick(branches, Qt::Key_Down);
-        QCOMPARE(boxes().size(), 1);
-        boxes_.clear();
+        EXPECT_BOX_THAT(box.startsWith("切换分店会清空"_s));
         QCOMPARE(branches->currentText(), "一店"_s);
         MessageBox::setNextAnswer(QMessageBox::Ok);
         QTest::keyClick(branches, Qt::Key_Down);
-        QTRY_VERIFY(orders()->model()->rowCount() > 2 || orders()->model()->rowCount() < all);
-        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 3);
-        QCOMPARE(boxes().size(), 1);
-        boxes_.clear();
+        QTRY_VERIFY(orders()->model()->rowCount() > 2);
+        QVERIFY(orders()->model()->index(0, Column::NumberColumn).data() != first_);
+        forgetBoxes();
     }
 
     void closesInMidRun()
     {
-        open();
-        dropPhotos(first_, 8);
+        openWith(8);
         demo_.hold("savepicpath"_s);
         click("startOrderButton");
         waitUntilHeld();
@@ -363,6 +349,11 @@ private slots:
 
 private:
     void open() { show(new tfhome); }
+    void openWith(int photos)
+    {
+        open();
+        dropPhotos(first_, photos);
+    }
 
     tfphotoview *photos() { return child<tfphotoview>("photoView"); }
 

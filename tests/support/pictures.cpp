@@ -18,6 +18,24 @@ QImage cornerPicture(const QSize &size)
     return picture;
 }
 
+QString corners(const QImage &picture)
+{
+    QString found;
+    for (const int y : {1, picture.height() - 2}) {
+        for (const int x : {1, picture.width() - 2}) {
+            const QColor colour(picture.pixel(x, y));
+            const auto stands = [](int one, int other, int third) {
+                return one > other + 90 && one > third + 90;
+            };
+            found += stands(colour.red(), colour.green(), colour.blue())   ? QLatin1Char('R')
+                     : stands(colour.green(), colour.red(), colour.blue()) ? QLatin1Char('G')
+                     : stands(colour.blue(), colour.red(), colour.green()) ? QLatin1Char('B')
+                                                                           : QLatin1Char('x');
+        }
+    }
+    return found;
+}
+
 QByteArray jpegOf(const QImage &picture, int orientation, int quality)
 {
     QByteArray bytes;
@@ -27,4 +45,12 @@ QByteArray jpegOf(const QImage &picture, int orientation, int quality)
     if (!writer.write(picture))
         return QByteArray();
     return orientation == 1 ? bytes : demo::withOrientation(bytes, orientation);
+}
+
+QByteArray claiming(QByteArray jpeg, int width, int height)
+{
+    const int frame = jpeg.indexOf("\xff\xc0");
+    const QByteArray size{QByteArray(1, char(height >> 8)) + char(height) + char(width >> 8) +
+                          char(width)};
+    return jpeg.replace(frame + 5, size.size(), size);
 }

@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "net/background.h"
 #include "tests/support/democlient.h"
+#include "tests/support/patience.h"
 #include "tests/support/text.h"
 #include "widgets/messagebox.h"
 #include "widgets/toast.h"
@@ -11,22 +12,18 @@
 #include <QComboBox>
 #include <QPointer>
 #include <QTableView>
-#include <QtTest>
-
-/// How long a whole run may take on a busy machine, ms.
-constexpr int patienceMs = 60000;
 
 /// Boxes of these texts were shown since the last were expected.
 #define EXPECT_BOXES(...)                                                                          \
     do {                                                                                           \
-        QTRY_COMPARE_WITH_TIMEOUT(boxes(), (QStringList{__VA_ARGS__}), patienceMs);                \
+        QTRY_COMPARE(boxes(), (QStringList{__VA_ARGS__}));                                         \
         boxes_.clear();                                                                            \
     } while (false)
 
 /// One box was shown, and of its text (box) this is true.
 #define EXPECT_BOX_THAT(condition)                                                                 \
     do {                                                                                           \
-        QTRY_COMPARE_WITH_TIMEOUT(boxes().size(), 1, patienceMs);                                  \
+        QTRY_COMPARE(boxes().size(), 1);                                                           \
         const QString box = boxes_.takeFirst();                                                    \
         QVERIFY2(condition, qUtf8Printable(box));                                                  \
     } while (false)
