@@ -7,6 +7,7 @@
 #include "tests/support/democlient.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"
+#include "tests/support/patience.h"
 #include "tests/support/text.h"
 
 #include <QJsonArray>
@@ -27,14 +28,7 @@ private slots:
         demo_.reset();
         AccountContext::uid = "9001"_s;
         folder_ = std::make_unique<QTemporaryDir>();
-        registrar_ = std::make_unique<PhotoRegistrar>();
-        registered_ =
-            std::make_unique<QSignalSpy>(registrar_.get(), &PhotoRegistrar::photoRegistered);
-        refused_ = std::make_unique<QSignalSpy>(registrar_.get(), &PhotoRegistrar::photoRefused);
-        orders_ = std::make_unique<QSignalSpy>(registrar_.get(), &PhotoRegistrar::orderRegistered);
-        ordersRefused_ =
-            std::make_unique<QSignalSpy>(registrar_.get(), &PhotoRegistrar::orderRefused);
-        idle_ = std::make_unique<QSignalSpy>(registrar_.get(), &PhotoRegistrar::idle);
+        registrar_ = std::make_unique<Registrar>();
     }
 
     void cleanup()
@@ -46,40 +40,31 @@ private slots:
 
     void registers_data()
     {
-        addColumns<int, int, QString, QString>({"mode", "registered", "output", "type"});
-        newRow("photos", 0, 2, "\\all\\1.jpg", QString());
-        newRow("trial videos", 1, 2, "\\试拍视频\\1.jpg", "2");
-        newRow("retouched videos", 2, 2, "\\精修视频\\1.jpg", "3");
+        addColumns<int, QString, QString>({"mode", "action", "output"});
+        newRow("photos", 0, "savepicpath", "\\all\\1.jpg");
+        newRow("trial videos", 1, "savepicpathmv", "\\试拍视频\\1.jpg");
+        newRow("retouched videos", 2, "savepicpathmv", "\\精修视频\\1.jpg");
     }
 
     void registers()
     {
         QFETCH(int, mode);
-        QFETCH(int, registered);
+        QFETCH(QString, action);
         QFETCH(QString, output);
         const OrderInfo order = makeOrder(2, mode);
-        for (int index = 0; index < order.photos.size(); ++index)
-            registrar_->upImportPhotoInfo(order, index, mode, identity_);
+        registerAll(order, mode);
         registrar_->upImportOrderData(order, identity_);
-        QCOMPARE(registrar_->pending(), registered + 1);
-        QTRY_COMPARE(idle_->size(), 1);
-        QCOMPARE(registered_->size(), registered);
-        QCOMPARE(orders_->size(), 1);
-        QCOMPARE(orders_->first().first().toString(), order.id);
+        QCOMPARE(registrar_->pending(), 3);
+        QTRY_COMPARE(registrar_->idle.size(), 1);
+        QCOMPARE(registrar_->registered.size(), 2);
+        QCOMPARE(registrar_->orders.size(), 1);
+        QCOMPARE(registrar_->orders.first().first().toString(), order.id);
 
-        const QString action = mode == 0 ? "savepicpath"_s : "savepicpathmv"_s;
-        QStringList paths;
-        const QJsonArray requests = demo_.requests(action);
-        for (const QJsonValue &request : requests) {
-            const QJsonValue fields = request[u"fields"];
-            QCOMPARE(fields[u"size"].toString(), "5"_s);
-            QTEST(fields[u"type"].toString(), "type");
-            paths << fields[u"path"].toString();
-        }
-        QCOMPARE(paths.size(), registered);
-        QVERIFY(paths.contains(order.importPath + output));
-        QCOMPARE(demo_.requests("saveorderphotopath"_s).at(0)[u"fields"][u"path"].toString(),
-                 order.importPath);
+        QCOMPARE(demo_.requests(action).size(), 2);
+        const QString bodies = demo_.body(action, 0) + demo_.body(action, 1);
+        QVERIFY(bodies.contains("&size=5&"_s));
+        QVERIFY(bodies.contains("&path=%1%2&"_s.arg(order.importPath, output)));
+        QVERIFY(demo_.body("saveorderphotopath"_s).contains("&path=%1&"_s.arg(order.importPath)));
     }
 
     void missingOutputs()
@@ -88,7 +73,7 @@ private slots:
         QVERIFY(QFile::remove(folder_->filePath("all/0.jpg"_s)));
         const LogLines log;
         registrar_->upImportPhotoInfo(order, 0, Photos, identity_);
-        QTRY_COMPARE(refused_->size(), 1);
+        QTRY_COMPARE(registrar_->refused.size(), 1);
         QCOMPARE(log.count("导入照片路径失败，不执行upImportPhotoInfo"_s), 1);
         QVERIFY(demo_.requests("savepicpath"_s).isEmpty());
         // No such job.
@@ -111,57 +96,63 @@ private slots:
         QFETCH(QString, message);
         QFETCH(QString, reason);
         const OrderInfo order = makeOrder(1, Photos);
-        for (const char *action : {"savepicpath", "saveorderphotopath"}) {
+        for (const char *action : {"savepicpath", "saveorderphotopath"})
             demo_.misbehave(QLatin1String(action), kind, {{"message"_s, message}});
-        }
         registrar_->upImportPhotoInfo(order, 0, Photos, identity_);
         registrar_->upImportOrderData(order, identity_);
-        QTRY_COMPARE(idle_->size(), 1);
-        QCOMPARE(refused_->size(), 1);
-        QCOMPARE(refused_->first().at(0).toString(), order.id);
-        QCOMPARE(refused_->first().at(1).value<PhotoInfo>().fileName, "0.jpg"_s);
-        QCOMPARE(refused_->first().at(2).toString(), reason);
-        QCOMPARE(ordersRefused_->size(), 1);
-        QCOMPARE(ordersRefused_->first().at(1).toString(), reason);
+        QTRY_COMPARE(registrar_->idle.size(), 1);
+        QCOMPARE(registrar_->refused.size(), 1);
+        QCOMPARE(registrar_->refused.first().at(0).toString(), order.id);
+        QCOMPARE(registrar_->refused.first().at(1).value<PhotoInfo>().fileName, "0.jpg"_s);
+        QCOMPARE(registrar_->refused.first().at(2).toString(), reason);
+        QCOMPARE(registrar_->ordersRefused.size(), 1);
+        QCOMPARE(registrar_->ordersRefused.first().at(1).toString(), reason);
         // Asked for again, it goes through.
         registrar_->upImportPhotoInfo(order, 0, Photos, identity_);
-        QTRY_COMPARE(registered_->size(), 1);
+        QTRY_COMPARE(registrar_->registered.size(), 1);
     }
 
     void aFewAtATime()
     {
         demo_.hold("savepicpathmv"_s, 8);
         const OrderInfo order = makeOrder(10, TrialVideos);
-        for (int index = 0; index < order.photos.size(); ++index)
-            registrar_->upImportPhotoInfo(order, index, TrialVideos, identity_);
-        QTRY_COMPARE(held(), PhotoRegistrar::requestsAtOnce);
+        registerAll(order, TrialVideos);
+        QTRY_COMPARE(demo_.held(), PhotoRegistrar::requestsAtOnce);
         QCOMPARE(registrar_->pending(), 10);
         demo_.release();
-        QTRY_COMPARE(held(), PhotoRegistrar::requestsAtOnce);
+        QTRY_COMPARE(demo_.held(), PhotoRegistrar::requestsAtOnce);
         QCOMPARE(demo_.requests("savepicpathmv"_s).size(), 8);
         demo_.release();
-        QTRY_COMPARE(idle_->size(), 1);
-        QCOMPARE(registered_->size(), 10);
+        QTRY_COMPARE(registrar_->idle.size(), 1);
+        QCOMPARE(registrar_->registered.size(), 10);
     }
 
     void cancelled()
     {
         demo_.hold("savepicpathmv"_s, 4);
         const OrderInfo order = makeOrder(6, TrialVideos);
-        for (int index = 0; index < order.photos.size(); ++index)
-            registrar_->upImportPhotoInfo(order, index, TrialVideos, identity_);
-        QTRY_COMPARE(held(), PhotoRegistrar::requestsAtOnce);
+        registerAll(order, TrialVideos);
+        QTRY_COMPARE(demo_.held(), PhotoRegistrar::requestsAtOnce);
         registrar_->cancel();
         QCOMPARE(registrar_->pending(), 0);
         registrar_->upImportPhotoInfo(order, 5, TrialVideos, identity_);
         demo_.release();
-        QTRY_COMPARE(idle_->size(), 1);
-        QCOMPARE(registered_->size(), 1);
-        QCOMPARE(registered_->first().at(1).value<PhotoInfo>().fileName, "5.jpg"_s);
-        QCOMPARE(refused_->size(), 0);
+        QTRY_COMPARE(registrar_->idle.size(), 1);
+        QCOMPARE(registrar_->registered.size(), 1);
+        QCOMPARE(registrar_->registered.first().at(1).value<PhotoInfo>().fileName, "5.jpg"_s);
+        QCOMPARE(registrar_->refused.size(), 0);
     }
 
 private:
+    struct Registrar : PhotoRegistrar
+    {
+        QSignalSpy registered{this, &PhotoRegistrar::photoRegistered};
+        QSignalSpy refused{this, &PhotoRegistrar::photoRefused};
+        QSignalSpy orders{this, &PhotoRegistrar::orderRegistered};
+        QSignalSpy ordersRefused{this, &PhotoRegistrar::orderRefused};
+        QSignalSpy idle{this, &PhotoRegistrar::idle};
+    };
+
     /// The demo studio's first order with this many sources, whose outputs lie on disk.
     OrderInfo makeOrder(int sources, int mode)
     {
@@ -174,24 +165,21 @@ private:
         for (int index = 0; index < sources; ++index)
             paths << "/card/%1.jpg"_s.arg(index);
         order.photos = jobsFor(order, paths, mode);
-        prepareFolders(foldersOf(order.importPath, order.photos));
-        for (const PhotoInfo &photo : qAsConst(order.photos)) {
+        for (const PhotoInfo &photo : qAsConst(order.photos))
             writeFile(platform::toLocalPath(outputPathOf(order.importPath, photo)), "12345");
-        }
         return order;
     }
 
-    int held() { return demo_.held(); }
+    void registerAll(const OrderInfo &order, int mode)
+    {
+        for (int index = 0; index < order.photos.size(); ++index)
+            registrar_->upImportPhotoInfo(order, index, mode, identity_);
+    }
 
     DemoClient demo_;
     const orderqueries::Identity identity_{"101"_s, "7001"_s, "3101"_s};
     std::unique_ptr<QTemporaryDir> folder_;
-    std::unique_ptr<PhotoRegistrar> registrar_;
-    std::unique_ptr<QSignalSpy> registered_;
-    std::unique_ptr<QSignalSpy> refused_;
-    std::unique_ptr<QSignalSpy> orders_;
-    std::unique_ptr<QSignalSpy> ordersRefused_;
-    std::unique_ptr<QSignalSpy> idle_;
+    std::unique_ptr<Registrar> registrar_;
 };
 
 QTEST_GUILESS_MAIN(TestPhotoRegistrar)

@@ -90,16 +90,6 @@ private slots:
         QCOMPARE(foldersOf(folder, photos), expected);
     }
 
-    void preparedFolders()
-    {
-        const QTemporaryDir root;
-        const QString folder = root.filePath("new/order"_s);
-        prepareFolders(foldersOf(wireForm(folder), jobsFor(OrderInfo(), {QString()}, TrialVideos)));
-        const QStringList made =
-            QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name);
-        QCOMPARE(made.join(QLatin1Char(' ')), "all 原始档 试拍视频"_s);
-    }
-
     void paths_data()
     {
         // importPath: below a folder that exists; "-" for none
