@@ -126,7 +126,7 @@ public:
         const QString size = sizeText();
         const QString failure = photo_.file.failureText();
         // Why something failed gets all the room that the size leaves.
-        const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size);
+        const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size) + padding_ / 2;
         text({left, middle, sizeWidth, line}, size, colours::placeholder);
         const int failureLeft = left + (size.isEmpty() ? 0 : sizeWidth + 2 * padding_);
         text({failureLeft, middle, right - failureLeft, line}, failure, colours::failure);
