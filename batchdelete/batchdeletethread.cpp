@@ -17,10 +17,17 @@ QString unknownFailureText()
     return QStringLiteral("删除失败，未知原因");
 }
 
-/// A link is there even if what it leads to is not.
-bool exists(const QString &path)
+/// The folder, from the file's up to its order's, that has become a link since they were listed:
+/// what lies behind it is not the order's. Empty when none has.
+QString linkOnTheWay(const BatchDeleteFileInfo &file)
 {
-    return platform::isLink(path) || QFileInfo::exists(path);
+    QString folder = file.folderPath;
+    while (!folder.isEmpty() && folder.size() >= file.rootLength) {
+        if (platform::isLink(folder))
+            return folder;
+        folder.truncate(folder.lastIndexOf(QLatin1Char('/')));
+    }
+    return {};
 }
 
 /// Server and share of a share path; otherwise empty.
@@ -73,7 +80,11 @@ void BatchdeleteThread::run()
 
 void BatchdeleteThread::removeOrDiagnose()
 {
-    if (platform::removeFile(path_))
+    const QString link = linkOnTheWay(file_);
+    if (!link.isEmpty())
+        setResult(BatchDeleteFileInfo::Failed,
+                  QStringLiteral("目录已变成链接，不删除: %1").arg(link));
+    else if (platform::removeFile(path_))
         setResult(BatchDeleteFileInfo::Deleted, {});
     else
         diagnose();
@@ -83,28 +94,21 @@ void BatchdeleteThread::diagnose()
 {
     if (stopped_)
         return;
-    if (!exists(path_)) {
-        const bool unreachable = isUnreachablePath(path_);
-        if (stopped_)
-            return;
-        file_.missing = !unreachable;
-        if (unreachable)
-            setResult(BatchDeleteFileInfo::Unreachable, QStringLiteral("网络路径无法访问"));
-        else
-            setResult(BatchDeleteFileInfo::Deleted, {});
-        return;
-    }
-    const bool writable = platform::mayBeRemoved(path_);
+    const platform::Presence presence = platform::presenceOf(path_);
+    const bool there = presence == platform::Presence::There;
+    const bool unreachable = !there && !stopped_ && isUnreachablePath(path_);
+    const bool writable = there && platform::mayBeRemoved(path_);
+    const bool inUse = writable && !stopped_ && platform::isInUse(path_);
     if (stopped_)
         return;
-    if (!writable) {
+    file_.missing = presence == platform::Presence::Gone && !unreachable;
+    if (unreachable)
+        setResult(BatchDeleteFileInfo::Unreachable, QStringLiteral("网络路径无法访问"));
+    else if (file_.missing)
+        setResult(BatchDeleteFileInfo::Deleted, {});
+    else if (presence == platform::Presence::Denied || (there && !writable))
         setResult(BatchDeleteFileInfo::NotWritable, QStringLiteral("没有删除权限"));
-        return;
-    }
-    const bool inUse = platform::isInUse(path_);
-    if (stopped_)
-        return;
-    if (inUse)
+    else if (inUse)
         setResult(BatchDeleteFileInfo::InUse, QStringLiteral("文件被其他程序占用"));
     else
         setResult(BatchDeleteFileInfo::UnknownFailure, unknownFailureText());

@@ -6,7 +6,8 @@
 
 #include <atomic>
 
-/// Deletes one file and, when that fails, works out why. Release it on finished().
+/// Deletes one file and, when that fails, works out why. A file whose folder, up to that of its
+/// order, has become a link is left alone. Release it on finished().
 class BatchdeleteThread : public QThread
 {
     Q_OBJECT

@@ -4,6 +4,16 @@
 
 namespace platform {
 
+/// What the system says of the entry at a path, a link taken as itself.
+enum class Presence {
+    There,
+    Gone,    ///< there is no such entry, or no such folder
+    Denied,  ///< it may be there: the way to it is closed
+    Unknown, ///< it may be there: the disk or the share gives no answer
+};
+/// Touches the disk.
+Presence presenceOf(const QString &path);
+
 /// Whether the file at \a path may be written to. A file that carries a read-only mark (elsewhere
 /// than on Windows: none of whose write bits is set) may not, not even by an administrator, so that
 /// a photo somebody protected stays protected. False for what does not exist. Touches the disk.

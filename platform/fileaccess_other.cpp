@@ -16,6 +16,25 @@ constexpr mode_t anyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 
 } // namespace
 
+Presence presenceOf(const QString &path)
+{
+    struct stat info
+    {
+    };
+    if (lstat(QFile::encodeName(path).constData(), &info) == 0)
+        return Presence::There;
+    switch (errno) {
+    case ENOENT:
+    case ENOTDIR:
+        return Presence::Gone;
+    case EACCES:
+    case EPERM:
+        return Presence::Denied;
+    default:
+        return Presence::Unknown;
+    }
+}
+
 bool mayBeWritten(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);

@@ -5,6 +5,23 @@
 
 namespace platform {
 
+Presence presenceOf(const QString &path)
+{
+    if (GetFileAttributesW(longPath(path).c_str()) != INVALID_FILE_ATTRIBUTES)
+        return Presence::There;
+    switch (GetLastError()) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        return Presence::Gone;
+    case ERROR_SHARING_VIOLATION:
+        return Presence::There;
+    case ERROR_ACCESS_DENIED:
+        return Presence::Denied;
+    default:
+        return Presence::Unknown;
+    }
+}
+
 bool mayBeWritten(const QString &path)
 {
     const DWORD attributes = GetFileAttributesW(longPath(path).c_str());

@@ -1,8 +1,8 @@
 #include "batchdelete/batchdeletethread.h"
 #include "tests/support/files.h"
-#include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
+#include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -14,9 +14,7 @@
 #include <sys/mount.h>
 #endif
 #ifdef Q_OS_UNIX
-#include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 #endif
 
 /// Each row of the table of results, met with real files.
@@ -28,70 +26,73 @@ private slots:
     void init()
     {
         folder_ = std::make_unique<QTemporaryDir>();
-        path_ = folder_->filePath("a.jpg"_s);
-        writeFile(path_);
+        path_ = writeFile(folder_->filePath("order/原片/a.jpg"_s));
     }
-    void removes()
+    void removesWhatIsThere()
     {
         QCOMPARE(outcome(), "2  gone"_s);
-        QVERIFY(!processed_.missing);
-    }
-    void whatIsGoneCountsAsDeleted()
-    {
-        QVERIFY(QFile::remove(path_));
-        QCOMPARE(outcome(), "2  gone"_s);
-        QVERIFY(processed_.missing);
+        QCOMPARE(outcome(), "2  missing gone"_s); // again
+        QVERIFY(QDir(folder_->filePath("order"_s)).removeRecursively());
+        QCOMPARE(outcome(), "2  missing gone"_s);
     }
     void aShareThatIsGone()
     {
         for (const char *share : {"//192.0.2.1/photos", "\\\\192.0.2.1\\photos"}) {
             path_ = QLatin1String(share) + "/order/a.jpg"_s;
             QCOMPARE(outcome(), "6 网络路径无法访问 gone"_s);
-            QVERIFY(!processed_.missing);
         }
     }
-    void aReadOnlyFileStays()
+    void whatIsProtectedStays()
     {
         QVERIFY(QFile::setPermissions(path_, QFile::ReadOwner));
         QCOMPARE(outcome(), "7 没有删除权限 stays"_s);
         QFile::setPermissions(path_, QFile::ReadOwner | QFile::WriteOwner);
-    }
-    void aFolderStays()
-    {
-        path_ = folder_->path();
+        path_ = folder_->path(); // no file
         QCOMPARE(outcome(), "7 没有删除权限 stays"_s);
     }
     void aFileInUseStays()
     {
-#ifdef Q_OS_UNIX
-        const int held = open(QFile::encodeName(path_).constData(), O_RDWR);
-        QCOMPARE(flock(held, LOCK_EX), 0);
-        QCOMPARE(outcome(), "5 文件被其他程序占用 stays"_s);
-        close(held);
-#else
         QFile held(path_);
-        QVERIFY(held.open(QIODevice::ReadOnly));
+        QVERIFY(held.open(QIODevice::ReadWrite));
+#ifdef Q_OS_UNIX
+        QCOMPARE(flock(held.handle(), LOCK_EX), 0);
+#endif
         QCOMPARE(outcome(), "5 文件被其他程序占用 stays"_s);
         held.close();
-#endif
         QCOMPARE(outcome(), "2  gone"_s);
     }
     void whatCannotBeExplained()
     {
+        // What the system gives no answer about is not gone.
+        const QString real = std::exchange(path_, path_ + QString(300, QLatin1Char('x')));
+        QCOMPARE(outcome(), "8 删除失败，未知原因 gone"_s);
 #ifdef Q_OS_LINUX
         // A file that something is mounted on cannot be removed, by nobody's fault.
+        path_ = real;
         const QByteArray name = QFile::encodeName(path_);
         if (mount(name.constData(), name.constData(), nullptr, MS_BIND, nullptr) != 0)
             QSKIP("mounting is not allowed here");
         QCOMPARE(outcome(), "8 删除失败，未知原因 stays"_s);
         QCOMPARE(umount(name.constData()), 0);
-#else
-        QSKIP("nothing of the sort here");
 #endif
+    }
+    void whatLiesBehindALinkStays()
+    {
+        // Since the scan a folder has been moved away, and a link put in its place.
+        for (const char *name : {"order/原片", "order"}) {
+            const QString folder = folder_->filePath(QString::fromUtf8(name));
+            QVERIFY(QFile::rename(folder, folder + "-moved"_s));
+            if (!linkFolder(folder + "-moved"_s, folder))
+                QSKIP("no links to folders here");
+            QCOMPARE(outcome(), "4 目录已变成链接，不删除: %1 stays"_s.arg(folder));
+            QVERIFY(QFile::remove(folder) || QDir().rmdir(folder));
+            QVERIFY(QFile::rename(folder + "-moved"_s, folder));
+        }
+        QCOMPARE(outcome(), "2  gone"_s);
     }
     void aLinkIsRemovedAsALink()
     {
-        const QString link = folder_->filePath("link"_s);
+        const QString link = folder_->filePath("order/link"_s);
         if (!QFile::link(path_, link))
             QSKIP("no links here");
         QVERIFY(QFile::setPermissions(path_, QFile::ReadOwner));
@@ -111,30 +112,31 @@ private slots:
     }
 
 private:
-    /// Runs a thread on path_: its state, its reason and what became of the file.
+    /// Runs a thread on path_: the file's state, its reason and what became of it.
     QString outcome()
     {
         BatchDeleteFileInfo file;
+        file.folderPath = QFileInfo(path_).path();
+        file.rootLength = folder_->filePath("order"_s).size();
         file.reason = "earlier"_s;
+        file.missing = true;
         BatchdeleteThread thread("81"_s, file, path_);
-        QString orderPhotoId;
+        QString outcome = "no result"_s;
         connect(&thread, &BatchdeleteThread::fileProcessed, this,
                 [&](const QString &id, const BatchDeleteFileInfo &processed) {
-                    orderPhotoId = id;
-                    processed_ = processed;
+                    if (id == "81"_s)
+                        outcome = "%1 %2%3"_s.arg(processed.state)
+                                      .arg(processed.reason,
+                                           processed.missing ? " missing"_s : QString());
                 });
         thread.start();
         thread.wait();
         QCoreApplication::processEvents();
-        if (orderPhotoId != "81"_s)
-            return "no result"_s;
-        return "%1 %2 %3"_s.arg(processed_.state)
-            .arg(processed_.reason, QFileInfo::exists(path_) ? "stays"_s : "gone"_s);
+        return outcome + (QFileInfo::exists(path_) ? " stays"_s : " gone"_s);
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
     QString path_;
-    BatchDeleteFileInfo processed_;
 };
 
 QTEST_GUILESS_MAIN(TestDeleteThread)

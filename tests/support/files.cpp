@@ -4,6 +4,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 
 QString writeFile(const QString &path, const QByteArray &content)
 {
@@ -29,6 +30,19 @@ QStringList filesBelow(const QString &folder)
         files.append(QDir(folder).relativeFilePath(each.next()));
     files.sort();
     return files;
+}
+
+bool linkFolder(const QString &target, const QString &link)
+{
+#ifdef Q_OS_WIN
+    const auto native = QDir::toNativeSeparators;
+    return QProcess::execute(QStringLiteral("cmd"),
+                             {QStringLiteral("/c"), QStringLiteral("mklink"), QStringLiteral("/J"),
+                              native(link), native(target)}) == 0 &&
+           QFileInfo(link).isDir();
+#else
+    return QFile::link(target, link);
+#endif
 }
 
 QString wireForm(QString path)

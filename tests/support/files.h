@@ -24,5 +24,9 @@ constexpr bool shortcutsForLinks = true;
 constexpr bool shortcutsForLinks = false;
 #endif
 
+/// Makes \a link lead to the folder \a target: a junction on Windows, elsewhere a symbolic link.
+/// False where the system makes none.
+bool linkFolder(const QString &target, const QString &link);
+
 /// As the service writes paths.
 QString wireForm(QString path);
