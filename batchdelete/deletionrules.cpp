@@ -41,41 +41,75 @@ QString slashed(QString path)
     return path.replace(QLatin1Char('\\'), slash);
 }
 
-/// The keys of the folders above \a key, the nearest first.
-QStringList foldersAbove(const QString &key)
+QString localFolder(const QString &netPath)
 {
-    QStringList above;
-    for (int end = key.lastIndexOf(slash); end > 0; end = key.lastIndexOf(slash, end - 1))
-        above.append(key.left(end));
-    return above;
+    return QDir::cleanPath(QDir::fromNativeSeparators(platform::toLocalPath(netPath)));
+}
+
+/// A folder by everything it can be known by: the key of its path, and what the disk says.
+struct Place
+{
+    QStringList itself;
+    QStringList above; ///< the same of the folders above it, the nearest first
+
+    Place(const QString &netPath, const FolderKey &key, const IdentityOf &identityOf);
+};
+
+Place::Place(const QString &netPath, const FolderKey &key, const IdentityOf &identityOf)
+{
+    if (key.text.isEmpty())
+        return;
+    itself.append(key.text);
+    const bool isShare = key.text.startsWith(QLatin1String("//"));
+    for (int end = key.text.lastIndexOf(slash); end > (isShare ? 1 : 0);
+         end = key.text.lastIndexOf(slash, end - 1))
+        above.append(key.text.left(end));
+
+    // From the root down: where that cannot be reached the rest would only keep everybody waiting.
+    QStringList folders{localFolder(netPath)};
+    const int names = key.depth - (isShare ? 2 : 0);
+    for (int step = 0; step < names; ++step)
+        folders.prepend(folders.first().left(folders.first().lastIndexOf(slash)));
+    if (folders.first().endsWith(QLatin1Char(':')) || folders.first().isEmpty())
+        folders.first() += slash;
+    if (identityOf(folders.first()).isEmpty())
+        return;
+    const auto addTo = [&identityOf](QStringList *list, const QString &folder) {
+        const QByteArray identity = identityOf(folder);
+        if (!identity.isEmpty())
+            list->append(QString::fromLatin1(identity));
+    };
+    addTo(&itself, folders.takeLast());
+    while (!folders.isEmpty())
+        addTo(&above, folders.takeLast());
 }
 
 /// The folders of orders that stay, as they are asked about.
 class ProtectedFolders
 {
 public:
-    void add(const FolderKey &key, const QString &name)
+    void add(const Place &place, const QString &name)
     {
-        if (key.text.isEmpty())
-            return;
-        folders_.insert(key.text, name);
-        const auto above = foldersAbove(key.text);
-        for (const QString &folder : above)
-            above_.insert(folder, name);
+        for (const QString &known : place.itself)
+            folders_.insert(known, name);
+        for (const QString &known : place.above)
+            above_.insert(known, name);
     }
 
-    QString conflict(const FolderKey &key) const
+    QString conflict(const Place &place) const
     {
-        if (folders_.contains(key.text)) {
-            return QStringLiteral("与未删除的订单 %1 使用同一个目录").arg(folders_.value(key.text));
+        for (const QString &known : place.itself) {
+            if (folders_.contains(known))
+                return QStringLiteral("与未删除的订单 %1 使用同一个目录")
+                    .arg(folders_.value(known));
         }
-        if (above_.contains(key.text))
-            return QStringLiteral("目录中包含未删除的订单 %1 的目录").arg(above_.value(key.text));
-        const auto above = foldersAbove(key.text);
-        for (const QString &folder : above) {
-            if (folders_.contains(folder)) {
-                return QStringLiteral("位于未删除的订单 %1 的目录中").arg(folders_.value(folder));
-            }
+        for (const QString &known : place.itself) {
+            if (above_.contains(known))
+                return QStringLiteral("目录中包含未删除的订单 %1 的目录").arg(above_.value(known));
+        }
+        for (const QString &known : place.above) {
+            if (folders_.contains(known))
+                return QStringLiteral("位于未删除的订单 %1 的目录中").arg(folders_.value(known));
         }
         return {};
     }
@@ -85,20 +119,26 @@ private:
     QHash<QString, QString> above_;
 };
 
-QString refusalByItself(const BatchDeleteOrderInfo &order, const FolderKey &key,
-                        const FolderKey &publicRoot)
+bool haveCommon(const QStringList &some, const QStringList &others)
+{
+    return std::any_of(some.cbegin(), some.cend(),
+                       [&others](const QString &each) { return others.contains(each); });
+}
+
+QString refusalByItself(const BatchDeleteOrderInfo &order, const FolderKey &key, const Place &place,
+                        const Place &publicRoot)
 {
     if (order.netPath.trimmed().isEmpty())
         return QStringLiteral("订单没有导片路径");
     if (order.orderPhotoId.isEmpty())
         return QStringLiteral("订单没有照片编号");
-    if (key.text.isEmpty() || QDir::isRelativePath(platform::toLocalPath(order.netPath)))
-        return QStringLiteral("导片路径不完整");
     if (key.isRoot)
         return QStringLiteral("导片路径是磁盘或共享的根目录");
-    if (publicRoot.text == key.text)
+    if (key.text.isEmpty() || !platform::componentsBelowRoot(order.netPath))
+        return QStringLiteral("导片路径不完整");
+    if (haveCommon(place.itself, publicRoot.itself))
         return QStringLiteral("导片路径是公共导片目录");
-    if (!publicRoot.text.isEmpty() && publicRoot.isWithin(key))
+    if (haveCommon(place.itself, publicRoot.above))
         return QStringLiteral("公共导片目录在该目录之中");
     return {};
 }
@@ -135,49 +175,54 @@ FolderKey folderKey(const QString &path)
     QStringList names;
     if (!splitNames(isDrive ? unified.mid(2) : unified, &names))
         return {};
-    if (isDrive)
-        return {unified.left(2).toCaseFolded() + slash + names.join(slash), names.isEmpty()};
+    const int depth = names.size();
+    if (isDrive) {
+        names.prepend(unified.left(2).toCaseFolded());
+        return {names.join(slash), depth, depth == 0};
+    }
     if (!isShare)
-        return {slash + names.join(slash), names.isEmpty()};
+        return {slash + names.join(slash), depth, depth == 0};
     // Names such as "\\?\D:\photos" are another way of writing what is compared here.
     const QString server = unified.section(slash, 0, 0, QString::SectionSkipEmpty);
     if (server == QLatin1String("?") || server == QLatin1String("."))
         return {};
-    return {QStringLiteral("//") + names.join(slash), names.size() <= 2};
+    return {QStringLiteral("//") + names.join(slash), depth, depth <= 2};
 }
 
 QHash<QString, QString> refusals(const QVector<BatchDeleteOrderInfo> &listed,
-                                 const QString &publicPath)
+                                 const QString &publicPath, const IdentityOf &identityOf)
 {
     struct Candidate
     {
         const BatchDeleteOrderInfo *order;
-        FolderKey key;
+        Place place;
     };
-    const FolderKey publicRoot = folderKey(publicPath);
+    const Place publicRoot(publicPath, folderKey(publicPath), identityOf);
     QHash<QString, QString> refused;
     ProtectedFolders kept;
     QVector<Candidate> candidates;
     for (const BatchDeleteOrderInfo &order : listed) {
         const FolderKey key = folderKey(order.netPath);
-        const QString reason = order.checked ? refusalByItself(order, key, publicRoot) : QString();
+        const Place place(order.netPath, key, identityOf);
+        const QString reason =
+            order.checked ? refusalByItself(order, key, place, publicRoot) : QString();
         if (!reason.isEmpty())
             refused.insert(order.id, reason);
         if (order.checked && reason.isEmpty())
-            candidates.append({&order, key});
+            candidates.append({&order, place});
         else
-            kept.add(key, order.displayNumber());
+            kept.add(place, order.displayNumber());
     }
     // An order that is refused stays, and so do the orders that share files with it.
     for (bool changed = true; changed;) {
         changed = false;
         for (int index = candidates.size() - 1; index >= 0; --index) {
             const Candidate candidate = candidates.at(index);
-            const QString reason = kept.conflict(candidate.key);
+            const QString reason = kept.conflict(candidate.place);
             if (reason.isEmpty())
                 continue;
             refused.insert(candidate.order->id, reason);
-            kept.add(candidate.key, candidate.order->displayNumber());
+            kept.add(candidate.place, candidate.order->displayNumber());
             candidates.removeAt(index);
             changed = true;
         }
@@ -189,11 +234,10 @@ QString linkRefusal(const QString &netPath, const QString &publicPath)
 {
     const FolderKey key = folderKey(netPath);
     const FolderKey publicRoot = folderKey(publicPath);
-    QString path = QDir::cleanPath(QDir::fromNativeSeparators(platform::toLocalPath(netPath)));
+    QString path = localFolder(netPath);
     QStringList looked{path};
     if (!publicRoot.text.isEmpty() && key.isWithin(publicRoot)) {
-        const int below = key.text.count(slash) - publicRoot.text.count(slash);
-        for (int step = 1; step < below; ++step) {
+        for (int step = 1; step < key.depth - publicRoot.depth; ++step) {
             path = path.left(path.lastIndexOf(slash));
             looked.append(path);
         }
@@ -219,7 +263,14 @@ DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &pu
         links.insert(order.id, reason);
         order.checked = false;
     }
-    const QHash<QString, QString> refused = refusals(judged, publicPath);
+    QHash<QString, QByteArray> identities;
+    const auto identityOf = [&identities](const QString &folder) {
+        const auto known = identities.constFind(folder);
+        return known != identities.constEnd()
+                   ? *known
+                   : *identities.insert(folder, platform::folderIdentity(folder));
+    };
+    const QHash<QString, QString> refused = refusals(judged, publicPath, identityOf);
     DeletionPlan plan;
     for (const BatchDeleteOrderInfo &candidate : listed) {
         if (!candidate.checked)

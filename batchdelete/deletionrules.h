@@ -2,10 +2,13 @@
 
 #include "batchdelete/batchdeleterecords.h"
 
+#include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include <functional>
 
 /// Which folders may be emptied, and how that is told. Pure functions unless said otherwise; paths
 /// are in Windows form.
@@ -16,16 +19,22 @@ namespace deletionrules {
 struct FolderKey
 {
     QString text;        ///< empty when the path is none that can be judged
+    int depth = 0;       ///< how many names it has, those of server and share included
     bool isRoot = false; ///< of a drive or a share
     bool isWithin(const FolderKey &above) const;
 };
 FolderKey folderKey(const QString &path);
 
+/// What tells a folder, given in this machine's form, from every other; empty for unknown.
+using IdentityOf = std::function<QByteArray(const QString &folder)>;
+
 /// Why orders among \a listed (those that are checked are to be deleted) must not be, by order id:
 /// their folder is none, a root, holds or is the public import root, or shares files with an order
-/// that stays. \a publicPath may be empty.
-QHash<QString, QString> refusals(const QVector<BatchDeleteOrderInfo> &listed,
-                                 const QString &publicPath);
+/// that stays. \a publicPath may be empty. Folders are compared by their paths and, since a drive
+/// letter or another name of a server makes two paths of one folder, by \a identityOf.
+QHash<QString, QString> refusals(
+    const QVector<BatchDeleteOrderInfo> &listed, const QString &publicPath,
+    const IdentityOf &identityOf = [](const QString &) { return QByteArray(); });
 
 /// Why the folder must not be entered: it is a link, or a folder on the way to it from the public
 /// import root is. Empty when it may be. Touches the disk and can block; for worker threads.
@@ -37,7 +46,8 @@ struct DeletionPlan
     QVector<BatchDeleteOrderInfo> orders;
     QVector<BatchDeleteOrderInfo> refused; ///< the reason is their note
 };
-/// Judges the checked orders of \a listed. Touches the disk as linkRefusal() does.
+/// Judges the checked orders of \a listed. Looks at the folders of all: touches the disk as
+/// linkRefusal() does.
 DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &publicPath);
 
 /// What a new scan of an order's folder found, joined with what is known from before: files that

@@ -18,16 +18,22 @@ FileScanResult failed(const QString &text)
     return {false, text, {}};
 }
 
-QString missingText(const QString &path)
-{
-    if (path.startsWith(QLatin1String("\\\\")) || path.startsWith(QLatin1String("//")))
-        return QStringLiteral("共享目录连接失败: %1\n请检查网络连接或共享目录权限").arg(path);
-    return QStringLiteral("目录不存在: %1").arg(path);
-}
-
 QString deniedText(const QString &path)
 {
     return QStringLiteral("没有权限访问目录: %1").arg(path);
+}
+
+/// Why the folder could not be read.
+QString failureText(platform::FolderListing listing, const QString &path)
+{
+    if (listing == platform::FolderListing::Denied)
+        return deniedText(path);
+    // Of a share that is gone the system says one thing or another.
+    if (path.startsWith(QLatin1String("\\\\")) || path.startsWith(QLatin1String("//")))
+        return QStringLiteral("共享目录连接失败: %1\n请检查网络连接或共享目录权限").arg(path);
+    return listing == platform::FolderListing::Missing
+               ? QStringLiteral("目录不存在: %1").arg(path)
+               : QStringLiteral("读取目录失败: %1").arg(path);
 }
 
 } // namespace
@@ -62,17 +68,10 @@ FileScanResult FileScanWorker::result(const QString &path)
         return failed(QStringLiteral("用户取消"));
 
     root_ = QDir(platform::toLocalPath(path)).absolutePath();
-    switch (platform::listFolder(root_, [](const platform::FolderEntry &) { return false; })) {
-    case platform::FolderListing::Missing:
-        return failed(missingText(path));
-    case platform::FolderListing::Denied:
-        return failed(deniedText(path));
-    case platform::FolderListing::Failed:
-        return failed(QStringLiteral("读取目录失败: %1").arg(path));
-    case platform::FolderListing::Done:
-    case platform::FolderListing::Stopped:
-        break;
-    }
+    const auto first =
+        platform::listFolder(root_, [](const platform::FolderEntry &) { return false; });
+    if (first != platform::FolderListing::Done && first != platform::FolderListing::Stopped)
+        return failed(failureText(first, path));
     const bool whole = walk(root_, 1);
     if (!whole && cancelled_)
         return failed(QStringLiteral("扫描已取消"));
@@ -104,10 +103,8 @@ bool FileScanWorker::walk(const QString &folderPath, int depth)
         return true;
     }
     case platform::FolderListing::Missing:
-        failure_ = missingText(folderPath);
-        return false;
     case platform::FolderListing::Failed:
-        failure_ = QStringLiteral("读取目录失败: %1").arg(folderPath);
+        failure_ = failureText(listing, folderPath);
         return false;
     }
     const QString prefix =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <functional>
@@ -39,5 +40,10 @@ FolderListing listFolder(const QString &folder,
 /// Whether the entry at \a path itself leads elsewhere: a link, a junction or a mounted volume.
 /// False for what does not exist. Touches the disk.
 bool isLink(const QString &path);
+
+/// What tells the folder at \a path, links followed, from every other: two paths with the same
+/// identity lead to one place, whatever their names. Empty when nothing can be told. Touches the
+/// disk, and can block.
+QByteArray folderIdentity(const QString &path);
 
 } // namespace platform

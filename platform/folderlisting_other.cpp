@@ -18,12 +18,12 @@ struct CloseFolder
     void operator()(DIR *folder) const { closedir(folder); }
 };
 
-EntryKind kindOf(int folder, const char *name, const struct stat &info)
+EntryKind kindOf(int folder, dev_t volume, const char *name, const struct stat &info)
 {
     if (S_ISREG(info.st_mode))
         return EntryKind::File;
     if (S_ISDIR(info.st_mode))
-        return EntryKind::Folder;
+        return info.st_dev == volume ? EntryKind::Folder : EntryKind::FolderLink;
     if (!S_ISLNK(info.st_mode))
         return EntryKind::Other;
     struct stat target
@@ -50,6 +50,11 @@ FolderListing listFolder(const QString &folder,
         return errno == EACCES || errno == EPERM ? FolderListing::Denied : FolderListing::Failed;
     }
     const int handle = dirfd(open.get());
+    struct stat itself
+    {
+    };
+    if (fstat(handle, &itself) != 0)
+        return FolderListing::Failed;
     for (;;) {
         errno = 0;
         const dirent *found = readdir(open.get());
@@ -69,7 +74,7 @@ FolderListing listFolder(const QString &folder,
         const QByteArray bytes = QByteArray::fromRawData(name, int(std::strlen(name)));
         FolderEntry entry;
         entry.name = QFile::decodeName(bytes);
-        entry.kind = kindOf(handle, name, info);
+        entry.kind = kindOf(handle, itself.st_dev, name, info);
         if (entry.kind == EntryKind::File)
             entry.size = info.st_size;
         if (QFile::encodeName(entry.name) != bytes)
@@ -85,6 +90,17 @@ bool isLink(const QString &path)
     {
     };
     return lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISLNK(info.st_mode);
+}
+
+QByteArray folderIdentity(const QString &path)
+{
+    struct stat info
+    {
+    };
+    if (stat(QFile::encodeName(path).constData(), &info) != 0 || !S_ISDIR(info.st_mode))
+        return {};
+    return QByteArray::number(quint64(info.st_dev)) + ':' +
+           QByteArray::number(quint64(info.st_ino));
 }
 
 } // namespace platform

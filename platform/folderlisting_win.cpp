@@ -26,18 +26,24 @@ private:
 };
 
 /// Links and mounted volumes lead elsewhere; files of a cloud or a deduplicating disk carry a mark
-/// of the same sort and do not.
-bool leadsElsewhere(const WIN32_FIND_DATAW &found)
+/// of the same sort and do not. Of a folder the mark has to say that what is in it is its own: one
+/// that does not, or that cannot be read, may be a way to another server.
+bool leadsElsewhere(DWORD attributes, DWORD tag)
 {
-    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
-           IsReparseTagNameSurrogate(found.dwReserved0);
+    constexpr DWORD ownContents =
+        0x10000000; // of a folder; the headers at hand have no name for it
+    if (!(attributes & FILE_ATTRIBUTE_REPARSE_POINT))
+        return false;
+    const bool isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return IsReparseTagNameSurrogate(tag) || (isFolder && !(tag & ownContents));
 }
 
 EntryKind kindOf(const WIN32_FIND_DATAW &found)
 {
     if (!(found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
         return EntryKind::File;
-    return leadsElsewhere(found) ? EntryKind::FolderLink : EntryKind::Folder;
+    return leadsElsewhere(found.dwFileAttributes, found.dwReserved0) ? EntryKind::FolderLink
+                                                                     : EntryKind::Folder;
 }
 
 std::wstring within(const QString &folder, const wchar_t *pattern)
@@ -108,7 +114,30 @@ bool isLink(const QString &path)
 {
     WIN32_FIND_DATAW found{};
     const FoundFiles file(FindFirstFileW(longPath(path).c_str(), &found));
-    return file.isValid() && leadsElsewhere(found);
+    if (file.isValid())
+        return leadsElsewhere(found.dwFileAttributes, found.dwReserved0);
+    // Where the folder above may not be listed, the mark alone can be seen.
+    constexpr DWORD unknownTag = 0;
+    const DWORD attributes = GetFileAttributesW(longPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && leadsElsewhere(attributes, unknownTag);
+}
+
+QByteArray folderIdentity(const QString &path)
+{
+    const HANDLE folder = CreateFileW(longPath(path).c_str(), 0,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (folder == INVALID_HANDLE_VALUE)
+        return {};
+    BY_HANDLE_FILE_INFORMATION info{};
+    const bool known = GetFileInformationByHandle(folder, &info) != 0 &&
+                       (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
+                       (info.nFileIndexHigh != 0 || info.nFileIndexLow != 0);
+    CloseHandle(folder);
+    if (!known)
+        return {};
+    const quint64 index = (quint64(info.nFileIndexHigh) << 32) | info.nFileIndexLow;
+    return QByteArray::number(quint64(info.dwVolumeSerialNumber)) + ':' + QByteArray::number(index);
 }
 
 } // namespace platform

@@ -68,9 +68,9 @@ private slots:
         row("\\\\nas\\photos", "//nas/photos", true);
         row("\\\\nas\\photos\\a\\..", "//nas/photos", true);
         row("\\\\nas", "//nas", true);
-        row("D:\\", "d:/", true);
-        row("D:", "d:/", true);
-        row("D:\\a\\..\\.", "d:/", true);
+        row("D:\\", "d:", true);
+        row("D:", "d:", true);
+        row("D:\\a\\..\\.", "d:", true);
         row("D:\\照片", "d:/照片", false);
         row("/", "/", true);
         row("\\studio\\Å", "/studio/\u00e5", false);
@@ -86,6 +86,8 @@ private slots:
         const FolderKey key = folderKey(path);
         QTEST(key.text, "key");
         QTEST(key.isRoot, "isRoot");
+        QVERIFY(key.text.isEmpty() || key.text == "/"_s ||
+                folderKey(path + "\\below"_s).isWithin(key));
     }
 
     void refusesWhatIsNotTheOrdersOwn_data()
@@ -103,6 +105,11 @@ private slots:
         row("relative", "root\\a", "", "导片路径不完整");
         row("drive", "\\", "", "导片路径是磁盘或共享的根目录");
         row("share", "\\\\nas\\photos\\", "", "导片路径是磁盘或共享的根目录");
+#ifdef Q_OS_WIN
+        newRow("no drive", "\\share\\root\\a", "", "导片路径不完整");
+        row("below another's drive", "\\x", "D:\\", "位于未删除的订单 T2 的目录中");
+#endif
+        row("below another's share", "\\\\nas\\p\\a", "\\\\NAS\\p", "位于未删除的订单 T2 的目录中");
         row("public root", "\\Share\\.\\ROOT\\", "", "导片路径是公共导片目录");
         row("above the root", "\\share", "", "公共导片目录在该目录之中");
         row("shared", "\\share\\root\\a", "\\share/root\\A/", "与未删除的订单 T2 使用同一个目录");
@@ -123,7 +130,7 @@ private slots:
         QTEST(refusals(listed, root).value(one), "reason");
         QVERIFY(!refusals(listed, root).contains(two));
         // Ticked together they may share what they like.
-        if (!other.isEmpty()) {
+        if (!other.isEmpty() && !folderKey(other).isRoot) {
             listed[1].checked = true;
             QVERIFY(refusals(listed, root).isEmpty());
         }
@@ -145,20 +152,17 @@ private slots:
         QCOMPARE(refusals({makeOrder("6"_s, onDisk("\\r\\e")), incomplete}, {}).size(), 2);
     }
 
-    void refusesLinks()
+    void refusesLinksAndOtherNames()
     {
-        if (shortcutsForLinks)
-            QSKIP("Qt makes shortcuts here, which are files.");
         const QTemporaryDir folder;
         const auto inside = [&folder](const char *name) {
-            return folder.filePath(QString::fromUtf8(name))
-                .replace(QLatin1Char('/'), QLatin1Char('\\'));
+            return wireForm(folder.filePath(QString::fromUtf8(name)));
         };
-        QVERIFY(QDir(folder.path()).mkpath("real/root/order"_s));
-        if (!QFile::link(folder.filePath("real"_s), folder.filePath("link"_s)))
-            QSKIP("no links here");
-        QVERIFY(QFile::link(folder.filePath("real/root/order"_s),
-                            folder.filePath("real/root/alias"_s)));
+        QVERIFY(QDir(folder.path()).mkpath("real/root/order/a/b"_s));
+        if (!linkFolder(folder.filePath("real"_s), folder.filePath("link"_s)))
+            QSKIP("no links to folders here");
+        QVERIFY(
+            linkFolder(folder.filePath("real/root/order"_s), folder.filePath("real/root/alias"_s)));
         QVERIFY(linkRefusal(inside("real/root/order"), inside("real/root")).isEmpty());
         QVERIFY(linkRefusal(inside("real/root/alias/"), {}).contains("alias"_s));
         QVERIFY(
@@ -166,6 +170,23 @@ private slots:
         // How the studio comes to its public root is its own affair.
         QVERIFY(linkRefusal(inside("link/root/order"), inside("link/root")).isEmpty());
         QVERIFY(linkRefusal(inside("link/root/order"), inside("")).contains("link"_s));
+
+        // One folder by two names, as of a share and of the drive letter it has.
+        for (const auto &[path, other, root, reason] :
+             {std::tuple("link/root/order/a", "real/root/order/a", "x", "与未删除的订单 T2 使用"),
+              {"link/root/order/a", "real/root/order/a/b", "x", "目录中包含未删除的订单 T2"},
+              {"link/root/order/a/b", "real/root/order/a", "x", "位于未删除的订单 T2"},
+              {"link/root", "x", "real/root", "导片路径是公共导片目录"},
+              {"link/root", "x", "real/root/order", "公共导片目录在该目录之中"},
+              {"link/root/order/a", "real/root/order/b", "real/root", ""}}) {
+            const auto judged =
+                plan({makeOrder("1"_s, inside(path)), makeOrder("2"_s, inside(other), false)},
+                     inside(root));
+            QCOMPARE(judged.refused.isEmpty(), *reason == '\0');
+            QVERIFY2(*reason == '\0' ||
+                         judged.refused.first().note.startsWith(QString::fromUtf8(reason)),
+                     reason);
+        }
     }
 
     void plansAndWords()
@@ -190,7 +211,8 @@ private slots:
         const orderqueries::Identity identity{"7"_s, "S7"_s, "E7"_s};
         BatchDeleteFileInfo kept = makeFile("link"_s);
         kept.kept = true;
-        const auto files = {makeFile("a&b.jpg"_s), kept};
+        const auto files = {makeFile("a&b.jpg"_s), kept,
+                            makeFile("gone"_s, BatchDeleteFileInfo::NotReported)};
         QCOMPARE(
             deletionrequests::announceBody(identity, "81"_s, files),
             QByteArray("shopid=7&eid=E7&superid=S7&personid=E7&order_photo_id=81&pics="
