@@ -157,11 +157,7 @@ void BatchDelete::connectRun()
             order.note.clear();
             order.processed = true;
             order.listed = 0;
-            order.setFiles({});
         });
-        if (orderId == fileList_->orderId())
-            fileList_->showFiles(orders_.order(orders_.rowOf(orderId)), {});
-        showRunState();
     });
     connect(&run_, &BatchDeleteRun::scanProgress, this, [this](const QString &, int count) {
         runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单，已找到 %3 个文件")
@@ -169,13 +165,9 @@ void BatchDelete::connectRun()
                                .arg(turns_)
                                .arg(count));
     });
-    connect(&run_, &BatchDeleteRun::orderScanned, this,
+    connect(&run_, &BatchDeleteRun::filesListed, this,
             [this](const QString &orderId, const QVector<BatchDeleteFileInfo> &files) {
-                const int row = orders_.rowOf(orderId);
-                orders_.change(row,
-                               [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
-                if (orderId == fileList_->orderId())
-                    fileList_->showFiles(orders_.order(row), files);
+                setFiles(orderId, files);
                 showRunState();
             });
     connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
@@ -364,13 +356,19 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
             return deletionrules::merged(before, files);
         },
         [this, id = order.id](const QVector<BatchDeleteFileInfo> &all) {
-            if (run_.isBusy())
-                return; // it has read the folder itself, or is about to
             const int shown = orders_.rowOf(id);
-            orders_.change(shown, [&all](BatchDeleteOrderInfo &changed) { changed.setFiles(all); });
-            if (shown >= 0 && id == fileList_->orderId())
-                fileList_->showFiles(orders_.order(shown), all);
+            // Whatever is being deleted keeps its place in its order's list.
+            if (shown >= 0)
+                setFiles(id, run_.isBusy() ? orders_.order(shown).files() : all);
         });
+}
+
+void BatchDelete::setFiles(const QString &orderId, const QVector<BatchDeleteFileInfo> &files)
+{
+    const int row = orders_.rowOf(orderId);
+    orders_.change(row, [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
+    if (row >= 0 && orderId == fileList_->orderId())
+        fileList_->showFiles(orders_.order(row), files);
 }
 
 void BatchDelete::onViewClicked(int row, BatchDeleteProgressDelegate::Button button)

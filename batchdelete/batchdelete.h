@@ -66,6 +66,7 @@ private:
     void onRefreshOrderFiles();
     void onFilesScanned(const BatchDeleteOrderInfo &order,
                         const QVector<BatchDeleteFileInfo> &files);
+    void setFiles(const QString &orderId, const QVector<BatchDeleteFileInfo> &files);
     void onViewClicked(int row, BatchDeleteProgressDelegate::Button button);
     void retryFiles(const QVector<int> &indexes);
 

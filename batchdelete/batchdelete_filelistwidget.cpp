@@ -177,14 +177,14 @@ void BatchDelete_FileListWidget::onScanFinished(const FileScanResult &result)
 {
     scan_.release()->deleteLater(); // it is the one that calls
     overlay_->hideOverlay();
-    if (result.success) {
-        table_->setEmptyText(QStringLiteral("目录中没有文件"));
-        model_.setFiles(result.files);
-        showCount();
-        emit scanned(order_, result.files);
+    if (!result.success) {
+        table_->setEmptyText(result.errorText);
         return;
     }
-    table_->setEmptyText(result.errorText);
+    // Rows are positions in the order's list, which is another one when a run has been at it.
+    if (!order_.processed)
+        showFiles(order_, result.files);
+    emit scanned(order_, result.files);
 }
 
 void BatchDelete_FileListWidget::endScan(const QString &emptyText)

@@ -28,7 +28,8 @@ public:
     const QString &orderId() const { return order_.id; }
     /// Shows these files of \a order; a scan that goes on is abandoned.
     void showFiles(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files);
-    /// Reads the folder of \a order; scanned() tells what is there.
+    /// Reads the folder of \a order; scanned() tells what is there. For an order that a run has
+    /// processed nothing is shown before showFiles().
     void scan(const BatchDeleteOrderInfo &order);
     /// No order is shown.
     void clear();

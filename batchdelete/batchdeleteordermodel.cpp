@@ -54,11 +54,14 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders)
     for (BatchDeleteOrderInfo &order : orders) {
         listed.insert(order.id);
         const int before = rowOf(order.id);
-        // The folder may be another one by now; then those files are not this list's any more.
-        if (before < 0 ||
-            (orders_.at(before).netPath != order.netPath && orders_.at(before).unreported() == 0))
+        if (before < 0)
             continue;
-        order.setFiles(orders_.at(before).files());
+        // The folder may be another one by now; then nothing in the earlier one is the order's any
+        // more, only that some files are gone has still to be told.
+        const bool moved = orders_.at(before).netPath != order.netPath;
+        if (moved && orders_.at(before).unreported() == 0)
+            continue;
+        order.setFiles(moved ? orders_.at(before).unreportedFiles() : orders_.at(before).files());
         order.note = orders_.at(before).note;
         order.listed = orders_.at(before).listed;
         order.processed = orders_.at(before).processed;

@@ -2,6 +2,9 @@
 
 #include "widgets/colours.h"
 
+#include <algorithm>
+#include <iterator>
+
 QString BatchDeleteFileInfo::folder() const
 {
     return folderPath.mid(folderPath.lastIndexOf(QLatin1Char('/')) + 1);
@@ -73,6 +76,16 @@ QString BatchDeleteOrderInfo::displayNumber() const
 QString BatchDeleteOrderInfo::customers() const
 {
     return mname.isEmpty() || wname.isEmpty() ? mname + wname : mname + QLatin1Char(' ') + wname;
+}
+
+QVector<BatchDeleteFileInfo> BatchDeleteOrderInfo::unreportedFiles() const
+{
+    QVector<BatchDeleteFileInfo> files;
+    std::copy_if(files_.cbegin(), files_.cend(), std::back_inserter(files),
+                 [](const BatchDeleteFileInfo &file) {
+                     return file.state == BatchDeleteFileInfo::NotReported;
+                 });
+    return files;
 }
 
 void BatchDeleteOrderInfo::setFiles(const QVector<BatchDeleteFileInfo> &files)

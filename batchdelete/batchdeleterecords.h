@@ -86,6 +86,8 @@ struct BatchDeleteOrderInfo
     int failed() const { return failed_; }
     int total() const { return files_.isEmpty() ? listed : files_.size(); }
     int unreported() const { return unreported_; }
+    /// Those that are gone without the service knowing.
+    QVector<BatchDeleteFileInfo> unreportedFiles() const;
     void setFiles(const QVector<BatchDeleteFileInfo> &files);
     /// The only way in which a file changes, so that the counts always are those of the states. An
     /// index out of range is ignored.

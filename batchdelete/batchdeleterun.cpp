@@ -93,7 +93,7 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
         return false;
     QVector<int> pending;
     for (const int index : indexes) {
-        if (index >= 0 && index < order.total() && mayRetry(order.files().at(index)))
+        if (index >= 0 && index < order.files().size() && mayRetry(order.files().at(index)))
             pending.prepend(index);
     }
     if (pending.isEmpty())
@@ -146,9 +146,9 @@ void BatchDeleteRun::startNextOrder()
     ++current_;
     phase_ = Phase::Checking;
     order().note.clear();
-    order().setFiles({});
     qDebug() << "获取文件照片信息";
     emit orderStarted(order().id);
+    listFiles(order().unreportedFiles());
     // Time has passed since the plan was made.
     inBackground(
         this,
@@ -181,12 +181,11 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
         skipOrder(result.errorText);
         return;
     }
-    order().setFiles(withKeptAsFailed(result.files));
     for (int index = result.files.size() - 1; index >= 0; --index) {
         if (!result.files.at(index).kept)
             pending_.append(index);
     }
-    emit orderScanned(order().id, order().files());
+    listFiles(withKeptAsFailed(result.files) + order().files());
     if (pending_.isEmpty())
         skipOrder(QStringLiteral("目录中没有可删除的文件"));
     else
@@ -293,15 +292,16 @@ void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file)
     file.missing = false;
     file.state = BatchDeleteFileInfo::Failed;
     file.reason = QStringLiteral("网络路径无法访问");
-    setFile(file_, file);
+    QVector<BatchDeleteFileInfo> files = order().files();
+    files[file_] = file;
     for (const int index : qAsConst(pending_)) {
-        BatchDeleteFileInfo left = order().files().at(index);
+        BatchDeleteFileInfo &left = files[index];
         if (left.state == BatchDeleteFileInfo::NotReported)
             continue;
         left.state = BatchDeleteFileInfo::Failed;
         left.reason = file.reason;
-        setFile(index, left);
     }
+    listFiles(files);
     pending_.clear();
     note(QStringLiteral("订单目录无法访问，其余文件没有删除"));
     processNextFile();
@@ -323,6 +323,12 @@ void BatchDeleteRun::onReported(BatchDeleteFileInfo file, bool reported)
     declined_ = declined_ || !reported;
     setFile(file_, file);
     processNextFile();
+}
+
+void BatchDeleteRun::listFiles(const QVector<BatchDeleteFileInfo> &files)
+{
+    order().setFiles(files);
+    emit filesListed(order().id, files);
 }
 
 void BatchDeleteRun::setFile(int index, const BatchDeleteFileInfo &file)

@@ -76,8 +76,10 @@ public:
 signals:
     void orderStarted(const QString &orderId);
     void scanProgress(const QString &orderId, int count);
-    /// What will be deleted, about to be announced.
-    void orderScanned(const QString &orderId, const QVector<BatchDeleteFileInfo> &files);
+    /// The order's files from now on: what the service has yet to be told of when the order is
+    /// begun, with what is about to be announced when it has been scanned, and whenever many change
+    /// at once.
+    void filesListed(const QString &orderId, const QVector<BatchDeleteFileInfo> &files);
     void fileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
     /// Why the order was skipped, or not finished.
     void orderNoted(const QString &orderId, const QString &note);
@@ -104,6 +106,7 @@ private:
     void onFolderGone(BatchDeleteFileInfo file);
     void report(const BatchDeleteFileInfo &file);
     void onReported(BatchDeleteFileInfo file, bool reported);
+    void listFiles(const QVector<BatchDeleteFileInfo> &files);
     void setFile(int index, const BatchDeleteFileInfo &file);
     void note(const QString &text);
     void skipOrder(const QString &reason);

@@ -51,7 +51,7 @@ QByteArray announceBody(const orderqueries::Identity &identity, const QString &o
 {
     QJsonArray pics;
     for (const BatchDeleteFileInfo &file : files) {
-        if (file.kept)
+        if (file.kept || file.isRemoved())
             continue;
         pics.append(QJsonObject{{QStringLiteral("picpath"), file.fullPath()},
                                 {QStringLiteral("picname"), file.fileName},

@@ -126,33 +126,29 @@ private slots:
         QCOMPARE(combo("branchBox")->currentText(), "一店"_s);
     }
 
-    void startWithNothingTicked()
+    void ticksByMouseAndKeys()
     {
         open();
         click("startButton");
         EXPECT_TOAST("请选择要删除的订单!");
-        QVERIFY(demo_.requests(before).isEmpty());
-    }
-
-    void ticksByMouseAndKeys()
-    {
-        open();
         auto *list = window_->findChild<BatchDelete_OrderListWidget *>();
         auto *all = child<QCheckBox>("selectAllBox");
         QSignalSpy changed(list, &BatchDelete_OrderListWidget::orderSelectionChanged);
+        const auto ticked = [&changed] {
+            return changed.last().first().value<QList<BatchDeleteOrderInfo>>().size();
+        };
         tick(second);
-        QCOMPARE(changed.last().first().value<QList<BatchDeleteOrderInfo>>().size(), 1);
+        QCOMPARE(ticked(), 1);
         QCOMPARE(all->checkState(), Qt::PartiallyChecked);
         orders()->setFocus();
         select(first);
         QTest::keyClick(orders(), Qt::Key_Space);
-        QCOMPARE(changed.last().first().value<QList<BatchDeleteOrderInfo>>().size(), 2);
+        QCOMPARE(ticked(), 2);
         QTest::keyClick(orders(), Qt::Key_Space);
-        QCOMPARE(changed.last().first().value<QList<BatchDeleteOrderInfo>>().size(), 1);
+        QCOMPARE(ticked(), 1);
         QTest::mouseClick(all, Qt::LeftButton);
         QCOMPARE(all->checkState(), Qt::Checked);
-        QCOMPARE(changed.last().first().value<QList<BatchDeleteOrderInfo>>().size(),
-                 orders()->model()->rowCount());
+        QCOMPARE(ticked(), orders()->model()->rowCount());
         // A tick belongs to its order, however the table is sorted.
         tick(second);
         orders()->sortByColumn(Column::CustomerColumn, Qt::DescendingOrder);
@@ -160,7 +156,7 @@ private slots:
                  int(Qt::Unchecked));
         QTest::mouseClick(all, Qt::LeftButton);
         QTest::mouseClick(all, Qt::LeftButton);
-        QCOMPARE(changed.last().first().value<QList<BatchDeleteOrderInfo>>().size(), 0);
+        QCOMPARE(ticked(), 0);
     }
 
     void deletesTheTickedOrders()
@@ -176,6 +172,7 @@ private slots:
         select(first);
         QTRY_COMPARE(child<QLabel>("fileCountLabel")->text(), "共 3 个文件"_s);
         QCOMPARE(text(first, Column::ProgressColumn), "0/0/3"_s);
+        retryAll(); // nothing has failed yet
         startConfirmed();
         EXPECT_BOXES(allDone + "\n\n成功 4 个文件，失败 1 个文件"_s);
         QCOMPARE(text(first, Column::ProgressColumn), "2/1/3"_s);
@@ -192,14 +189,9 @@ private slots:
         view(third, BatchDeleteProgressDelegate::ViewSucceeded);
         EXPECT_BOX_THAT(box.startsWith(" 删除成功的照片\n"_s));
 
-        // Again, by the key on all of the shown files.
         QVERIFY(QFile::setPermissions(folder + "1.jpg"_s, QFile::ReadOwner | QFile::WriteOwner));
         select(first);
-        window_->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window_));
-        files()->setFocus();
-        files()->selectAll();
-        QTest::keyClick(files(), Qt::Key_R, Qt::ControlModifier);
+        retryAll();
         QTRY_COMPARE(text(first, Column::ProgressColumn), "3/0/3"_s);
         QCOMPARE(demo_.requests(after).size(), 5);
         QVERIFY(namesOnDisk(first).isEmpty());
@@ -242,26 +234,21 @@ private slots:
         QCOMPARE(namesOnDisk(first).size(), 1);
     }
 
-    void failedAnnouncements_data()
-    {
-        addColumns<QString, QString>({"kind", "box"});
-        newRow("no answer", "drop", "提交数据失败!");
-        newRow("refused", "refuse", "该订单不能删除");
-    }
-
     void failedAnnouncements()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, box);
+        const QString refusal = "该订单不能删除"_s;
         fill(first, 2);
         open();
         tick(first);
-        demo_.misbehave(before, kind, {{"message"_s, "该订单不能删除"_s}});
-        startConfirmed();
-        EXPECT_BOXES(box);
-        QCOMPARE(namesOnDisk(first).size(), 2);
-        QCOMPARE(text(first, Column::ProgressColumn), "0/0/2"_s);
-        QCOMPARE(startButton()->text(), "开始批量删除"_s);
+        for (const QString &box : {"提交数据失败!"_s, refusal}) {
+            demo_.misbehave(before, box == refusal ? "refuse"_s : "drop"_s,
+                            {{"message"_s, refusal}});
+            startConfirmed();
+            EXPECT_BOXES(box);
+            QCOMPARE(namesOnDisk(first).size(), 2);
+            QCOMPARE(text(first, Column::ProgressColumn), "0/0/2"_s);
+            QCOMPARE(startButton()->text(), "开始批量删除"_s);
+        }
     }
 
     void resubmitPrompts_data()
@@ -476,6 +463,16 @@ private:
     QStringList namesOnDisk(const QString &number)
     {
         return filesBelow(share_ + "/test/"_s + number);
+    }
+
+    /// By the key on all of the shown files.
+    void retryAll()
+    {
+        window_->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window_));
+        files()->setFocus();
+        files()->selectAll();
+        QTest::keyClick(files(), Qt::Key_R, Qt::ControlModifier);
     }
 
     QTableView *files() { return child<QTableView>("fileTable"); }
