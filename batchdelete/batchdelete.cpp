@@ -1,9 +1,9 @@
 #include "batchdelete/batchdelete.h"
 
 #include "app/helpers/macwindowmanager.h"
-#include "batchdelete/batchdelete_exportbutton.h"
 #include "batchdelete/batchdelete_filelistwidget.h"
 #include "batchdelete/batchdelete_orderlistwidget.h"
+#include "batchdelete/batchdelete_runbar.h"
 #include "batchdelete/deletionapproval.h"
 #include "batchdelete/deletionreport.h"
 #include "batchdelete/deletionrules.h"
@@ -19,10 +19,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QPointer>
-#include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -45,10 +42,7 @@ QString noPermissionText()
 BatchDelete::BatchDelete(QWidget *parent)
     : FramelessWindow(parent)
     , searchBar_(new OrderSearchBar(this))
-    , countLabel_(new QLabel(this))
-    , runLabel_(new QLabel(this))
-    , exportButton_(new BatchDelete_ExportButton(&orders_, this))
-    , startButton_(new QPushButton(this))
+    , runBar_(new BatchDelete_RunBar(&orders_, &run_, this))
     , orderList_(new BatchDelete_OrderListWidget(&orders_))
     , fileList_(new BatchDelete_FileListWidget)
     , finder_(
@@ -68,15 +62,14 @@ BatchDelete::BatchDelete(QWidget *parent)
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     connectLists();
     connectRun();
-    showOrderCount();
     showRunState();
 }
 
 BatchDelete::~BatchDelete()
 {
-    // The lists outlive the models they show by a moment.
+    // What shows them outlives the models and the run by a moment.
     disconnect(orderList_, nullptr, this, nullptr);
-    run_.disconnect(this);
+    run_.disconnect();
 }
 
 void BatchDelete::buildLayout()
@@ -84,17 +77,6 @@ void BatchDelete::buildLayout()
     searchBar_->searchByCompletion(QStringLiteral("搜索订单号、姓名、电话、微信..."));
     searchBar_->captionBranches(QStringLiteral("分店选择:"));
     searchBar_->addPersonFilter();
-    countLabel_->setObjectName(QStringLiteral("orderCountLabel"));
-    runLabel_->setObjectName(QStringLiteral("runLabel"));
-    startButton_->setObjectName(QStringLiteral("startButton"));
-    startButton_->setMinimumHeight(theme::controlHeight());
-
-    auto *bar = new QHBoxLayout;
-    bar->setSpacing(theme::spacing());
-    bar->addWidget(countLabel_);
-    bar->addWidget(runLabel_, 1);
-    bar->addWidget(exportButton_);
-    bar->addWidget(startButton_);
     auto *splitter = new QSplitter(Qt::Horizontal);
     splitter->setStyleSheet(theme::splitterStyle());
     splitter->addWidget(orderList_);
@@ -109,7 +91,7 @@ void BatchDelete::buildLayout()
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(theme::spacing());
     layout->addWidget(searchBar_);
-    layout->addLayout(bar);
+    layout->addWidget(runBar_);
     layout->addWidget(splitter, 1);
     setContent(content);
 }
@@ -146,24 +128,17 @@ void BatchDelete::connectLists()
     connect(fileList_, &BatchDelete_FileListWidget::refreshOrderFiles, this,
             &BatchDelete::onRefreshOrderFiles);
     connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
-    connect(startButton_, &QPushButton::clicked, this, &BatchDelete::onStartBatchDelete);
+    connect(runBar_, &BatchDelete_RunBar::startClicked, this, &BatchDelete::onStartBatchDelete);
 }
 
 void BatchDelete::connectRun()
 {
     connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const QString &orderId) {
-        ++turn_;
         orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
             order.note.clear();
             order.processed = true;
             order.listed = 0;
         });
-    });
-    connect(&run_, &BatchDeleteRun::scanProgress, this, [this](const QString &, int count) {
-        runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单，已找到 %3 个文件")
-                               .arg(turn_)
-                               .arg(turns_)
-                               .arg(count));
     });
     connect(&run_, &BatchDeleteRun::filesListed, this,
             [this](const QString &orderId, const QVector<BatchDeleteFileInfo> &files) {
@@ -237,7 +212,6 @@ void BatchDelete::onBranchSwitched()
     // What another branch's orders are must not be deleted in this one's name.
     orders_.clear();
     fileList_->clear();
-    showOrderCount();
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     const bool permitted = branch_.mayDeleteAllPhotos();
     orderList_->setEnabled(permitted);
@@ -288,14 +262,8 @@ void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
     orderList_->table()->setEmptyText(nothingFound);
     if (list.isList)
         orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
-    showOrderCount();
     if (list.elements == 0)
         MessageBox::warning(this, nothingFound);
-}
-
-void BatchDelete::showOrderCount()
-{
-    countLabel_->setText(QStringLiteral("    共%1个订单").arg(orders_.orders().size()));
 }
 
 bool BatchDelete::mayForgetUnreported(const QString &question)
@@ -314,8 +282,7 @@ bool BatchDelete::mayForgetUnreported(const QString &question)
 
 void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &orders)
 {
-    startButton_->setToolTip(
-        orders.isEmpty() ? QString() : QStringLiteral("已选择 %1 个订单").arg(orders.size()));
+    runBar_->showChecked(orders.size());
 }
 
 void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
@@ -432,8 +399,6 @@ void BatchDelete::onStartBatchDelete()
 
 void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
 {
-    turn_ = 0;
-    turns_ = orders.size();
     run_.start(orders, branch_.identity(), branch_.publicPath());
     showRunState();
 }
@@ -496,19 +461,6 @@ void BatchDelete::onRunFinished(const DeletionSummary &summary)
 
 void BatchDelete::showRunState()
 {
-    const bool running = run_.isRunning();
-    QString text = QStringLiteral("开始批量删除");
-    if (running)
-        text = run_.isStopping() ? QStringLiteral("立即停止") : QStringLiteral("停止删除");
-    startButton_->setText(text);
-    startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
-    orderList_->setCheckable(!running);
-    exportButton_->setEnabled(!running);
-    exportButton_->setToolTip(running ? QStringLiteral("删除结束后可导出") : QString());
-    if (!running)
-        runLabel_->clear();
-    else if (run_.isStopping())
-        runLabel_->setText(QStringLiteral("当前文件处理完后停止..."));
-    else
-        runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单").arg(turn_).arg(turns_));
+    orderList_->setCheckable(!run_.isRunning());
+    runBar_->showRunState();
 }

@@ -11,14 +11,12 @@
 #include <QList>
 #include <QMap>
 
-class BatchDelete_ExportButton;
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
+class BatchDelete_RunBar;
 class DeletionApproval;
 class OrderFinder;
 class OrderSearchBar;
-class QLabel;
-class QPushButton;
 
 /// The tool window for deleting all files of many orders: search orders, tick them, confirm what is
 /// going to be emptied, confirm the account, and see what becomes of every file. What it decides
@@ -60,7 +58,6 @@ private:
     void showSearchResult(const deletionrequests::OrderList &list);
     bool mayDelete();
     bool mayForgetUnreported(const QString &question);
-    void showOrderCount();
 
     void showOrder(const BatchDeleteOrderInfo &order);
     void onRefreshOrderFiles();
@@ -83,14 +80,9 @@ private:
     SharedFolderOpener folderOpener_;
     bool opened_ = false;
     bool closing_ = false;
-    int turn_ = 0; ///< which order of the run is being worked on, from 1
-    int turns_ = 0;
 
     OrderSearchBar *searchBar_;
-    QLabel *countLabel_;
-    QLabel *runLabel_;
-    BatchDelete_ExportButton *exportButton_;
-    QPushButton *startButton_;
+    BatchDelete_RunBar *runBar_;
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;
     OrderFinder *finder_;

@@ -58,11 +58,6 @@ BatchDeleteRun::~BatchDeleteRun()
     }
 }
 
-QString BatchDeleteRun::currentOrder() const
-{
-    return phase_ == Phase::Idle || current_ < 0 ? QString() : orders_.at(current_).id;
-}
-
 void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
                            const orderqueries::Identity &identity)
 {

@@ -70,8 +70,9 @@ public:
     bool isStopping() const { return stopping_; }
     /// Whether anything goes on that a new search would pull the ground from under.
     bool isBusy() const { return phase_ != Phase::Idle || !threads_.isEmpty(); }
-    /// Id of the order being worked on; empty while idle.
-    QString currentOrder() const;
+    /// Which of its orders the run is at, from 1.
+    int turn() const { return current_ + 1; }
+    int turns() const { return orders_.size(); }
 
 signals:
     void orderStarted(const QString &orderId);
