@@ -26,6 +26,7 @@ FileScanThread::FileScanThread(QObject *parent)
     thread_->setObjectName(QStringLiteral("FileScanThread"));
     worker_->moveToThread(thread_);
     connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
+    connect(this, &FileScanThread::scanRequested, worker_, &FileScanWorker::scan);
     connect(worker_, &FileScanWorker::progress, this, &FileScanThread::progress);
     connect(worker_, &FileScanWorker::finished, this, &FileScanThread::finished);
     thread_->start();
@@ -45,6 +46,5 @@ FileScanThread::~FileScanThread()
 void FileScanThread::scan(const QString &path)
 {
     worker_->prepare();
-    QMetaObject::invokeMethod(
-        worker_, [worker = worker_, path] { worker->scan(path); }, Qt::QueuedConnection);
+    emit scanRequested(path, {});
 }

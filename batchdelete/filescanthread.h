@@ -26,6 +26,8 @@ public:
 signals:
     void progress(int count, const QString &folder);
     void finished(const FileScanResult &result);
+    /// To the worker.
+    void scanRequested(const QString &path, QPrivateSignal);
 
 private:
     QThread *thread_;

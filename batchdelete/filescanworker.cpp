@@ -41,7 +41,6 @@ QString failureText(platform::FolderListing listing, const QString &path)
 void FileScanWorker::prepare()
 {
     cancelled_ = false;
-    count_ = 0;
 }
 
 void FileScanWorker::scan(const QString &path)
@@ -60,6 +59,7 @@ void FileScanWorker::scan(const QString &path)
 
 FileScanResult FileScanWorker::result(const QString &path)
 {
+    count_ = 0;
     files_.clear();
     failure_.clear();
     if (path.isEmpty())
