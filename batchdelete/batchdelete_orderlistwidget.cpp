@@ -10,6 +10,7 @@
 
 #include <QEvent>
 #include <QHeaderView>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -18,14 +19,14 @@ namespace {
 
 using Model = BatchDeleteOrderModel;
 
-constexpr int checkColumnPx = 104;
-constexpr int numberColumnPx = 92;
-constexpr int customerColumnPx = 112;
-constexpr int nameColumnPx = 60;
-constexpr int dateColumnPx = 140;
-constexpr int progressColumnPx = 240;
-constexpr int retoucherColumnPx = 90;
-constexpr int pathColumnPx = 180;
+/// Of each column in design pixels: how wide it starts, and how far it gives way in a narrow window
+/// for the buttons of the progress column to stay in sight.
+constexpr struct
+{
+    int wanted;
+    int least;
+} columnWidths[Model::ColumnCount] = {{104, 100}, {92, 80},   {112, 68}, {60, 56},
+                                      {140, 84},  {240, 200}, {90, 90},  {180, 180}};
 
 } // namespace
 
@@ -53,7 +54,10 @@ BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *
             [this] { onCheckBoxStateChanged(Qt::Unchecked); });
     QHeaderView *header = table_->horizontalHeader();
     header->installEventFilter(this);
-    connect(header, &QHeaderView::sectionResized, this, [this] { placeSelectAll(); });
+    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
+        placeSelectAll();
+        widthsAreTheUsers_ = widthsAreTheUsers_ || (!fitting_ && column <= Model::ProgressColumn);
+    });
     connect(header, &QHeaderView::geometriesChanged, this, [this] { placeSelectAll(); });
     connect(table_->horizontalScrollBar(), &QAbstractSlider::valueChanged, this,
             [this] { placeSelectAll(); });
@@ -71,10 +75,8 @@ void BatchDelete_OrderListWidget::buildTable()
     table_->setItemDelegateForColumn(Model::ProgressColumn, progress);
     table_->setItemDelegateForColumn(Model::PathColumn,
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
-    const int widths[] = {checkColumnPx, numberColumnPx,   customerColumnPx,  nameColumnPx,
-                          dateColumnPx,  progressColumnPx, retoucherColumnPx, pathColumnPx};
     for (int column = 0; column < Model::ColumnCount; ++column)
-        table_->setColumnWidth(column, K::scaledPx(widths[column]));
+        table_->setColumnWidth(column, K::scaledPx(columnWidths[column].wanted));
     connect(progress, &BatchDeleteProgressDelegate::buttonClicked, this,
             [this](int row, BatchDeleteProgressDelegate::Button button) {
                 emit viewClicked(rows_->position(row), button);
@@ -142,9 +144,32 @@ void BatchDelete_OrderListWidget::onSelectAllChanged(int state)
 
 bool BatchDelete_OrderListWidget::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Resize || event->type() == QEvent::Show)
+    if (event->type() == QEvent::Resize || event->type() == QEvent::Show) {
+        fitColumns();
         placeSelectAll();
+    }
     return QWidget::eventFilter(watched, event);
+}
+
+void BatchDelete_OrderListWidget::fitColumns()
+{
+    if (widthsAreTheUsers_)
+        return;
+    int wanted = 0;
+    int least = 0;
+    for (int column = 0; column <= Model::ProgressColumn; ++column) {
+        wanted += K::scaledPx(columnWidths[column].wanted);
+        least += K::scaledPx(columnWidths[column].least);
+    }
+    const double givenWay =
+        qBound(0.0, double(wanted - table_->horizontalHeader()->width()) / (wanted - least), 1.0);
+    const QScopedValueRollback<bool> guard(fitting_, true);
+    for (int column = 0; column <= Model::ProgressColumn; ++column) {
+        const auto &width = columnWidths[column];
+        const double pixels = K::scaledPx(width.wanted) -
+                              givenWay * (K::scaledPx(width.wanted) - K::scaledPx(width.least));
+        table_->setColumnWidth(column, int(pixels));
+    }
 }
 
 /// At the right of its section, beside the section's own text, and scrolling with it.

@@ -55,6 +55,7 @@ protected:
 private:
     void buildTable();
     void addActions();
+    void fitColumns();
     void placeSelectAll();
 
     BatchDeleteOrderModel *model_;
@@ -62,4 +63,6 @@ private:
     SortedRows *rows_ = nullptr;
     CustomCheckBoxNew *selectAll_;
     LoadingOverlay *overlay_;
+    bool fitting_ = false;
+    bool widthsAreTheUsers_ = false;
 };

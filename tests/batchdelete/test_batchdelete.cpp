@@ -157,6 +157,10 @@ private slots:
         QTest::mouseClick(all, Qt::LeftButton);
         QTest::mouseClick(all, Qt::LeftButton);
         QCOMPARE(ticked(), 0);
+        // In a narrow window, too, the buttons of an order are in sight.
+        window_->resize(1280, 700);
+        QTRY_VERIFY(orders()->visualRect(cell(first, Column::ProgressColumn)).right() <=
+                    orders()->viewport()->width());
     }
 
     void deletesTheTickedOrders()
