@@ -11,11 +11,15 @@ class FormBody
 {
 public:
     FormBody &add(const QString &key, const QString &value);
+    /// For a value so large that it had better be written as UTF-8 at once.
+    FormBody &addUtf8(const QString &key, QByteArray value);
     /// A value that the service takes unescaped (login and account verification).
     FormBody &addRaw(const QString &key, const QString &value);
 
     const QByteArray &bytes() const { return bytes_; }
 
 private:
+    FormBody &append(const QString &key, const QByteArray &value);
+
     QByteArray bytes_;
 };
