@@ -1,17 +1,15 @@
 #include "demo/demoservice.h"
 #include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/text.h"
 
-#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
-#include <QImageReader>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
-#include <QSslConfiguration>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -59,13 +57,6 @@ QByteArray quoted(QByteArray text)
 QJsonObject json(const QByteArray &text)
 {
     return QJsonDocument::fromJson(quoted(text)).object();
-}
-
-bool writeFile(const QString &path, int size)
-{
-    QFile file(path);
-    return QDir().mkpath(QFileInfo(path).path()) && file.open(QIODevice::WriteOnly) &&
-           file.write(QByteArray(size, 'x')) == size;
 }
 
 DemoService::Options optionsFor(const QTemporaryDir &folder)
@@ -199,9 +190,9 @@ private slots:
     {
         QFETCH(QByteArray, lists);
         QString folder = folder_.path() + "/share/海棠路旗舰店/A&B 100%"_s;
-        QVERIFY(writeFile(folder + "/原片/a.jpg"_s, 10));
-        QVERIFY(writeFile(folder + "/原始档/a.cr2"_s, 30));
-        QVERIFY(writeFile(folder + "/精修片/r.jpg"_s, 20));
+        writeFile(folder + "/原片/a.jpg"_s, QByteArray(10, 'x'));
+        writeFile(folder + "/原始档/a.cr2"_s, QByteArray(30, 'x'));
+        writeFile(folder + "/精修片/r.jpg"_s, QByteArray(20, 'x'));
 
         const QByteArray path = folder.replace(u'/', u'\\').toUtf8().toPercentEncoding();
         const Answer answer =
@@ -224,8 +215,8 @@ private slots:
         const QByteArray folder = QString(share).replace(u'/', u'\\').toUtf8();
         QVERIFY(QDir().mkpath(share + "/原片"_s));
         QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(share + "/原片/a.jpg"_s));
-        QVERIFY(writeFile(share + "/原片/b.jpg"_s, 10));
-        QVERIFY(writeFile(share + "/原始档/c.cr2"_s, 10));
+        writeFile(share + "/原片/b.jpg"_s, QByteArray(10, 'x'));
+        writeFile(share + "/原始档/c.cr2"_s, QByteArray(10, 'x'));
         const qint64 size = QFileInfo(share + "/原片/a.jpg"_s).size();
         const auto announce = [&](const QByteArray &names) {
             post("order&a=savepicpath_batch",
@@ -293,34 +284,6 @@ private slots:
         QCOMPARE(remove("delmv", video), "1"_s);
         QCOMPARE(list("images").size(), chosen + 1);
         QCOMPARE(list("images_taipian").size(), trial);
-    }
-
-    void misbehavesWithPictures()
-    {
-        const QString url = search("TS10001", flagship)["data"][0][u"images"][0][u"url"].toString();
-        const auto next = [&](const char *kind) {
-            service_->misbehave({{"action"_s, "image"_s}, {"kind"_s, QLatin1String(kind)}});
-            return network_.get(QNetworkRequest(QUrl(url)));
-        };
-        for (const auto &[kind, error, pictureWidth] :
-             {std::tuple<const char *, int, int>("not-a-picture", QNetworkReply::NoError, -1),
-              {"huge-picture", QNetworkReply::NoError, 20000},
-              {"redirect-loop", QNetworkReply::NoError, -1},
-              {"http-error", QNetworkReply::InternalServerError, -1}}) {
-            Answer answer = finished(next(kind));
-            QCOMPARE(answer.error, error);
-            QBuffer body(&answer.body);
-            QCOMPARE(QImageReader(&body).size().width(), pictureWidth);
-            QCOMPARE(service_->requests("image"_s).last()[u"misbehaviour"].toString(),
-                     QLatin1String(kind));
-        }
-        for (const char *kind : {"huge-body", "endless-body"}) {
-            QNetworkReply *reply = next(kind);
-            QTRY_VERIFY(reply->bytesAvailable() > 5);
-            reply->abort();
-            reply->deleteLater();
-        }
-        QVERIFY(!get(url).isNull());
     }
 
     void misbehaves_data()
@@ -395,7 +358,7 @@ private slots:
         QVERIFY(clock.elapsed() >= 60);
 
         service_->misbehave(json("{'action':'get_persons','kind':'hold'}"));
-        QNetworkReply *held = send(*service_, "order&a=get_persons", flagship);
+        QNetworkReply *held = send("order&a=get_persons", flagship);
         QTRY_COMPARE(service_->state()[u"held"].toInt(), 1);
         QCOMPARE(persons(riverside).code(), "1"_s);
         QVERIFY(!held->isFinished());
@@ -411,7 +374,7 @@ private slots:
     {
         const QTemporaryDir others;
         const QString photo = others.filePath("share/wedding.jpg"_s);
-        QVERIFY(writeFile(photo, 1));
+        writeFile(photo, QByteArray(1, 'x'));
         QVERIFY(!DemoService(optionsFor(others)).start().isEmpty());
         QVERIFY(QFileInfo::exists(photo));
 
@@ -419,34 +382,13 @@ private slots:
         const QString share = folder_.filePath("share"_s);
         const QString link = share + "/link"_s;
         const QString left = share + "/滨江店/2024/a.jpg"_s;
-        QVERIFY(writeFile(left, 1) && QFile::link(others.path(), link));
+        writeFile(left);
+        QVERIFY(QFile::link(others.path(), link));
         post("order&a=saveorderphotopath", "path=x" + firstOrder);
         QCOMPARE(service_->reset(), QString());
         QVERIFY(service_->state() == before && service_->requests().isEmpty());
         QVERIFY(!QFileInfo::exists(left) && !QFileInfo::exists(link));
         QVERIFY(QFileInfo::exists(photo));
-    }
-
-    void speaksTls()
-    {
-        const QTemporaryDir folder;
-        DemoService::Options options = optionsFor(folder);
-        options.tls = true;
-        DemoService service(options);
-        QCOMPARE(service.start(), QString());
-        QSslConfiguration tls = QSslConfiguration::defaultConfiguration();
-        const auto persons = [&] {
-            return finished(send(service, "order&a=get_persons", flagship, tls));
-        };
-        QCOMPARE(persons().error, int(QNetworkReply::SslHandshakeFailedError));
-        QCOMPARE(service.requests().size(), 0);
-
-        tls.setCaCertificates(QSslCertificate::fromPath(service.caFile()));
-        network_.clearConnectionCache();
-        QCOMPARE(persons().code(), "1"_s);
-        service.misbehave(json("{'action':'*','kind':'drop'}"));
-        QCOMPARE(persons().error, int(QNetworkReply::RemoteHostClosedError));
-        QCOMPARE(service.requests().size(), 2);
     }
 
     void answersToTheDistribution()
@@ -475,20 +417,13 @@ private slots:
         QCOMPARE(post(save, "goodsfoldernamerule=[1]" + flagship).code(), utf8("1"));
         const Answer login = post("public&a=dologin", "username=demo01&password=abc123" + session);
         QVERIFY(listed(login["shop_data"], "goodsfoldernamerule").startsWith(utf8("[1],")));
-
-        const QImage barcode =
-            get(service_->url() +
-                "/index.php?g=OrvelleDPc&m=order&a=getbarcodegen&orderpayforkey=TS10001"_s);
-        QVERIFY(barcode.width() > 200);
     }
 
 private:
-    QNetworkReply *send(const DemoService &service, const QByteArray &action,
-                        const QByteArray &body, const QSslConfiguration &tls = {})
+    QNetworkReply *send(const QByteArray &action, const QByteArray &body)
     {
         QNetworkRequest request(
-            QUrl(service.url() + "/index.php?g=OrvelleDPc&m="_s + QString::fromLatin1(action)));
-        request.setSslConfiguration(tls);
+            QUrl(service_->url() + "/index.php?g=OrvelleDPc&m="_s + QString::fromLatin1(action)));
         request.setHeader(QNetworkRequest::ContentTypeHeader,
                           "application/x-www-form-urlencoded"_s);
         return network_.post(request, body);
@@ -508,7 +443,7 @@ private:
     }
     Answer post(const QByteArray &action, const QByteArray &body)
     {
-        return finished(send(*service_, action, body));
+        return finished(send(action, body));
     }
     Answer persons(const QByteArray &ids) { return post("order&a=get_persons", ids); }
     Answer search(const QByteArray &keyword, const QByteArray &ids)
