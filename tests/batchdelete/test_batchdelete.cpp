@@ -275,16 +275,10 @@ private slots:
         tick(first);
         tick(second);
         demo_.refuse(after, "忙"_s);
-        MessageBox::setNextAnswer(QMessageBox::Ok);
-        click("startButton");
-        QTRY_VERIFY(window_->findChild<BatchLoginDialog *>());
-        MessageBox::setNextAnswer(QMessageBox::StandardButton(answer));
-        confirmAccount();
+        startConfirmed(QMessageBox::StandardButton(answer));
         QStringList expected{"忙，需要继续提交吗？"_s};
         if (!end.isEmpty())
             expected.append(end);
-        boxes();
-        QVERIFY(boxes_.takeFirst().startsWith("下列 2 个订单"_s));
         EXPECT_BOXES(expected);
         QTRY_COMPARE(startButton()->text(), "开始批量删除"_s);
         QTEST(text(first, Column::ProgressColumn), "counts");
@@ -297,12 +291,7 @@ private slots:
 
     void whileRunningNothingElseMayChange()
     {
-        fill(first, 3);
-        open();
-        tick(first);
-        demo_.hold(after);
-        startConfirmed();
-        waitUntilHeld();
+        runUntilReporting(3);
         QCOMPARE(startButton()->text(), "停止删除"_s);
         click("searchButton");
         chooseBranch("102"_s);
@@ -326,12 +315,7 @@ private slots:
 
     void whatIsUnreportedIsNotForgotten()
     {
-        fill(first, 2);
-        open();
-        tick(first);
-        demo_.hold(after, 1);
-        startConfirmed();
-        waitUntilHeld();
+        runUntilReporting(2);
         click("startButton");
         click("startButton"); // not even for the answer
         QTRY_COMPARE(text(first, Column::ProgressColumn), "0/1/2"_s);
@@ -351,11 +335,8 @@ private slots:
             {"有 1 个文件已删除，但状态没有提交成功。\n切换分店后无法再次提交，确认要切换吗？"_s});
         QCOMPARE(combo("branchBox")->currentText(), "一店"_s);
 
-        const int row =
-            files()->model()->index(0, 0).data(BatchDeleteFileModel::RetryRole).toString().isEmpty()
-                ? 1
-                : 0;
-        const QModelIndex state = files()->model()->index(row, BatchDeleteFileModel::StateColumn);
+        // What is still there comes first.
+        const QModelIndex state = files()->model()->index(1, BatchDeleteFileModel::StateColumn);
         QCOMPARE(state.data().toString(), "提交状态失败"_s);
         QTest::mouseClick(
             files()->viewport(), Qt::LeftButton, {},
@@ -366,12 +347,7 @@ private slots:
 
     void closingInMidRun()
     {
-        fill(first, 3);
-        open();
-        tick(first);
-        demo_.hold(after);
-        startConfirmed();
-        waitUntilHeld();
+        runUntilReporting(3);
         window_->close();
         QVERIFY(window_ && !window_->isVisible());
         demo_.release();
@@ -382,12 +358,10 @@ private slots:
 
     void aReplyAfterClosingIsHarmless()
     {
-        open();
-        for (const char *action : {"order_list", "switch_shop"}) {
-            if (!window_)
-                open();
-            demo_.hold(QLatin1String(action));
-            if (QLatin1String(action) == QLatin1String("order_list"))
+        for (const bool searching : {true, false}) {
+            open();
+            demo_.hold(searching ? "order_list"_s : "switch_shop"_s);
+            if (searching)
                 click("searchButton");
             else
                 chooseBranch("102"_s);
@@ -494,23 +468,32 @@ private:
             BatchDeleteProgressDelegate::buttonRect(orders()->visualRect(index), button).center());
     }
 
-    /// Presses start, confirms the list of orders and the account.
-    void startConfirmed()
+    /// Presses start, confirms the list of orders and the account; \a next answers the box after
+    /// that.
+    void startConfirmed(QMessageBox::StandardButton next = QMessageBox::NoButton)
     {
         MessageBox::setNextAnswer(QMessageBox::Ok);
         click("startButton");
-        confirmAccount();
-        QVERIFY(!boxes().isEmpty() && boxes_.takeFirst().startsWith("下列 "_s));
-    }
-
-    void confirmAccount()
-    {
         QTRY_VERIFY(window_->findChild<BatchLoginDialog *>());
+        QVERIFY(!boxes().isEmpty() && boxes_.takeFirst().startsWith("下列 "_s));
+        if (next != QMessageBox::NoButton)
+            MessageBox::setNextAnswer(next);
         auto *dialog = window_->findChild<BatchLoginDialog *>();
         dialog->findChild<QLineEdit *>("accountEdit"_s)->setText("demo01"_s);
         dialog->findChild<QLineEdit *>("passwordEdit"_s)->setText("abc123"_s);
         QTest::mouseClick(dialog->findChild<QPushButton *>("loginButton"_s), Qt::LeftButton);
         QTRY_VERIFY(!window_->findChild<BatchLoginDialog *>());
+    }
+
+    /// A run of the first order, of \a count files, whose first report is not answered yet.
+    void runUntilReporting(int count)
+    {
+        fill(first, count);
+        open();
+        tick(first);
+        demo_.hold(after);
+        startConfirmed();
+        waitUntilHeld();
     }
 
     QString share_;

@@ -95,8 +95,7 @@ private slots:
         const auto order = makeOrder(0, 3);
         QVERIFY(QFile::setPermissions(pathOf(order, "2.jpg"_s), QFile::ReadOwner));
         QVERIFY(QFile::link(QDir::tempPath(), pathOf(order, "zz"_s)));
-        start({order});
-        QTRY_COMPARE(ends_.size(), 1);
+        runOut({order});
         QCOMPARE(states(order), "2442"_s);              // 0.jpg 2.jpg zz 原片/1
         QCOMPARE(booked(order, "announced").size(), 3); // the link to a folder is none of them
         QCOMPARE(booked(order, "deleted").size(), 2);
@@ -109,9 +108,7 @@ private slots:
         // Retried: what can be now, and what was never to be.
         QVERIFY(
             QFile::setPermissions(pathOf(order, "2.jpg"_s), QFile::ReadOwner | QFile::WriteOwner));
-        QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(order.id), {0, 1, 2, 3, 99, -1}, identity_));
-        QTRY_VERIFY(!run_->isBusy());
+        retry(order, {0, 1, 2, 3, 99, -1});
         QCOMPARE(states(order), "2242"_s);
         QCOMPARE(booked(order, "deleted").size(), 3);
         QCOMPARE(requests(after), 3);
@@ -148,8 +145,7 @@ private slots:
         QVERIFY(QFile::rename(real, real + "-real"_s));
         QVERIFY(QFile::link(real + "-real"_s, real));
         const auto fine = makeOrder(5, 1);
-        start({missing, empty, link, fine});
-        QTRY_COMPARE(ends_.size(), 1);
+        runOut({missing, empty, link, fine});
         QCOMPARE(shown_.value(missing.id).note, "目录不存在: "_s + missing.netPath);
         QCOMPARE(shown_.value(empty.id).note, "目录中没有可删除的文件"_s);
         QVERIFY(shown_.value(link.id).note.contains("链接"_s));
@@ -176,8 +172,7 @@ private slots:
         const auto first = makeOrder(0, 2);
         const auto second = makeOrder(2, 2);
         demo_.misbehave(before, kind, {{"message"_s, message}});
-        start({first, second});
-        QTRY_COMPARE(ends_.size(), 1);
+        runOut({first, second});
         QCOMPARE(refusals_, QStringList(message));
         QCOMPARE(int(ends_.first().end), int(End::NotAnnounced));
         QCOMPARE(ends_.first().untouched, 1);
@@ -239,9 +234,7 @@ private slots:
         QTRY_COMPARE(ends_.size(), 2);
         QCOMPARE(states(first), "32"_s);
         QCOMPARE(booked(first, "announced").size(), 4);
-        QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(first.id), {0, 1}, identity_));
-        QTRY_VERIFY(!run_->isBusy());
+        retry(first, {0, 1});
         QCOMPARE(states(first), "22"_s);
         QCOMPARE(requests(after), 5);
     }
@@ -419,6 +412,17 @@ private:
     void start(const QVector<BatchDeleteOrderInfo> &orders)
     {
         QVERIFY(run_->start(orders, identity_, {}));
+    }
+    void runOut(const QVector<BatchDeleteOrderInfo> &orders)
+    {
+        start(orders);
+        QTRY_COMPARE(ends_.size(), 1);
+    }
+    void retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes)
+    {
+        QTRY_VERIFY(!run_->isBusy());
+        QVERIFY(run_->retry(shown_.value(order.id), indexes, identity_));
+        QTRY_VERIFY(!run_->isBusy());
     }
 
     DemoClient demo_;

@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cmath>
+
 using namespace deletionrules;
 
 namespace {
@@ -225,21 +227,15 @@ private slots:
 
     void readsOrders();
 
-    void sizes_data()
-    {
-        addColumns<qint64, QString>({"bytes", "text"});
-        newRow("none", qint64(0), "0 B");
-        newRow("bytes", qint64(1023), "1023 B");
-        newRow("kilo", qint64(1024), "1.0 KB");
-        newRow("rounded up a unit", qint64(1048575), "1.0 MB");
-        newRow("giga", qint64(5) * 1024 * 1024 * 1024 / 2, "2.5 GB");
-        newRow("beyond", qint64(2048) * 1024 * 1024 * 1024, "2048.0 GB");
-    }
-
     void sizes()
     {
-        QFETCH(qint64, bytes);
-        QTEST(dataSizeText(double(bytes)), "text");
+        for (const auto &[bytes, text] : {std::pair(0.0, "0 B"),
+                                          {1023, "1023 B"},
+                                          {1024, "1.0 KB"},
+                                          {1048575, "1.0 MB"},
+                                          {5 * std::pow(2, 29), "2.5 GB"},
+                                          {std::pow(2, 41), "2048.0 GB"}})
+            QCOMPARE(dataSizeText(bytes), QLatin1String(text));
     }
 
     void listsAndTables()

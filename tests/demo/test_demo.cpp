@@ -131,6 +131,9 @@ private slots:
         row("broken list", batch, "imgnames=[{&type=5&localpath=x" + firstOrder, "0  ");
         row("no raw list", batch, "imgnames=[]&type=1&localpath=x" + firstOrder, "0  ");
         row("no path", "order&a=savepicpath", "path=" + firstOrder, "0  ");
+        row("no photo", "order&a=download_success", "id=" + flagship, "0  ");
+        row("no rule", "public&a=save_goodsfoldernamerule", "goodsfoldernamerule=x" + flagship,
+            "0  ");
     }
 
     void answers()
@@ -389,34 +392,6 @@ private slots:
         QVERIFY(service_->state() == before && service_->requests().isEmpty());
         QVERIFY(!QFileInfo::exists(left) && !QFileInfo::exists(link));
         QVERIFY(QFileInfo::exists(photo));
-    }
-
-    void answersToTheDistribution()
-    {
-        const auto detail = [this] {
-            return post("order&a=orderphotodetail", "order_photo_id=800001" + flagship);
-        };
-        const Answer answer = detail();
-        QCOMPARE(listed(answer["images"], "isdownload"), "0,0,0,0"_s);
-        QCOMPARE(listed(answer["urgentgoods"], "goodname"), utf8("迎宾海报"));
-        const QJsonObject first = answer["images"].toArray().first().toObject();
-        for (const char *path : {"localpath", "localpath90"}) {
-            const QString file = first.value(QLatin1String(path)).toString();
-            QVERIFY2(!QImage(QString(file).replace(u'\\', u'/')).isNull(), qPrintable(file));
-        }
-        QVERIFY(!get(first.value(QLatin1String("url")).toString()).isNull());
-
-        const QByteArray id = first.value(QLatin1String("id")).toString().toUtf8();
-        QCOMPARE(post("order&a=download_success", "id=" + id + flagship).code(), utf8("1"));
-        QCOMPARE(post("order&a=download_success", "id=" + id + riverside).code(), utf8("0"));
-        QCOMPARE(post("order&a=download_success", "id=" + flagship).code(), utf8("0"));
-        QCOMPARE(listed(detail()["images"], "isdownload"), "1,0,0,0"_s);
-
-        const char save[] = "public&a=save_goodsfoldernamerule";
-        QCOMPARE(post(save, "goodsfoldernamerule=x" + flagship).code(), utf8("0"));
-        QCOMPARE(post(save, "goodsfoldernamerule=[1]" + flagship).code(), utf8("1"));
-        const Answer login = post("public&a=dologin", "username=demo01&password=abc123" + session);
-        QVERIFY(listed(login["shop_data"], "goodsfoldernamerule").startsWith(utf8("[1],")));
     }
 
 private:
