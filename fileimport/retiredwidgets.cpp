@@ -1,5 +1,6 @@
 #include "fileimport/retiredwidgets.h"
 
+#include <QByteArray>
 #include <QWidget>
 
 namespace {
@@ -7,6 +8,14 @@ namespace {
 constexpr int intervalMs = 50;
 constexpr int atOnce = 40; // children deleted between two events
 constexpr int farAway = 1000 * 1000;
+
+/// Some C libraries put small pieces of freed memory together only when a large one is asked for:
+/// a few at a time so, and not those of thousands of widgets at once.
+void tidyMemory()
+{
+    constexpr int largePiece = 64 * 1024;
+    const QByteArray asked(largePiece, Qt::Uninitialized);
+}
 
 } // namespace
 
@@ -35,6 +44,7 @@ void RetiredWidgets::deleteSome()
             delete children.last();
         }
     }
+    tidyMemory();
     if (widgets_.isEmpty())
         timer_.stop();
 }
