@@ -114,8 +114,3 @@ QVector<PhotoEntry> readListing(const QJsonObject &reply)
 }
 
 } // namespace originalrequests
-
-QString kindText(PhotoEntry::Kind kind)
-{
-    return kind == PhotoEntry::Kind::RawFile ? QStringLiteral("原始档") : QStringLiteral("原片");
-}

@@ -156,7 +156,6 @@ void OriginalView::setOrder(const originalrequests::OrderMap &order)
     refreshButton_->setEnabled(hasOrder);
     abandonListing();
     showEmpty(hasOrder ? refreshingText() : QStringLiteral("请在左侧选择订单"));
-    listingDue_ = !ready_;
     requestListing();
 }
 
@@ -173,20 +172,18 @@ void OriginalView::refresh()
 
 void OriginalView::requestListing()
 {
+    listingDue_ = !ready_;
     if (!ready_ || order_.isEmpty() || stopping_)
         return;
-    listingDue_ = false;
     ++listingNumber_;
     lastTimestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
     listing_.start(originalrequests::listAction, originalrequests::listBody(order_, lastTimestamp_),
-                   [this, timestamp = lastTimestamp_](const ServiceReply &reply) {
-                       onListing(reply, timestamp);
-                   });
+                   [this](const ServiceReply &reply) { onListing(reply); });
 }
 
-void OriginalView::onListing(const ServiceReply &reply, const QString &timestamp)
+void OriginalView::onListing(const ServiceReply &reply)
 {
-    if (originalrequests::isStale(reply.object, timestamp)) {
+    if (originalrequests::isStale(reply.object, lastTimestamp_)) {
         endRefreshing();
         if (grid_->count() == 0)
             grid_->setEmptyText(QStringLiteral("没有收到最新的照片列表，请刷新"));

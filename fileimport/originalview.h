@@ -31,7 +31,8 @@ public:
     /// Lists the order's photos anew, covered meanwhile. Nothing happens without an order or during
     /// a deletion.
     void refresh();
-    /// The same while the view, and the keyboard, stay as they are.
+    /// The same while the view, and the keyboard, stay as they are; during a deletion it waits for
+    /// the end of that.
     void requestListing();
     void deleteSelected();
 
@@ -47,7 +48,7 @@ private:
     void build();
     QPushButton *addButton(const QString &text, const char *name, const QString &style);
 
-    void onListing(const ServiceReply &reply, const QString &timestamp);
+    void onListing(const ServiceReply &reply);
     void abandonListing();
     void showListing(const QVector<PhotoEntry> &entries);
     void endRefreshing();
@@ -63,7 +64,7 @@ private:
     int listingNumber_ = 0;   ///< tells a listing that is still being read from the latest one
     bool refreshing_ = false; ///< the overlay tells of a refresh
     bool ready_ = true;       ///< no deletion is under way
-    bool listingDue_ = false; ///< an order was chosen during a deletion
+    bool listingDue_ = false; ///< was asked for during a deletion
     bool stopping_ = false;
     LatestCall listing_;
     OriginalDeletion deletion_;

@@ -31,3 +31,10 @@ Q_DECLARE_METATYPE(DeleteFileResult)
 
 /// Text of an entry's kind.
 QString kindText(PhotoEntry::Kind kind);
+
+/// Where each entry of \a before is in the later list; -1 for those that are not in it. An entry
+/// without an id is not known again.
+QVector<int> laterPositions(const QVector<PhotoEntry> &before, const QVector<PhotoEntry> &later);
+/// Given such \a positions, the first entry from \a from on that is in the later list or, when
+/// there is none, the last one before it; -1 when none is left at all.
+int nearestKept(const QVector<int> &positions, int from);

@@ -1,6 +1,7 @@
 #include "fileimport/thumbnailtableview.h"
 
 #include "fileimport/photocell.h"
+#include "fileimport/photogrid.h"
 #include "widgets/colours.h"
 #include "widgets/theme.h"
 
@@ -14,20 +15,12 @@
 
 namespace {
 
-constexpr int columns = 5;
+using photogrid::columns;
+using photogrid::rowHeight;
+
 constexpr int batchSize = 8;
 constexpr int batchIntervalMs = 50;
 constexpr int visibilityIntervalMs = 100;
-
-int pitch(int cell)
-{
-    return cell + theme::spacing();
-}
-
-int rowHeight()
-{
-    return pitch(PhotoCell::cellSize().height());
-}
 
 /// Changes a part of a cell that is not on the screen. Asked to repaint, it would look through
 /// thousands of siblings for one that lies over it; it is painted anyway when it is scrolled to.
@@ -46,7 +39,7 @@ ThumbnailTableView::ThumbnailTableView(QWidget *parent, const ThumbnailLimits &l
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
     setAccessibleName(QStringLiteral("已导入照片"));
-    setMinimumWidth(contentSize().width() + theme::scrollBarWidth());
+    setMinimumWidth(photogrid::contentSize(0).width() + theme::scrollBarWidth());
     verticalScrollBar()->setSingleStep(rowHeight() / 4);
     horizontalScrollBar()->setSingleStep(PhotoCell::cellSize().width() / 4);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this,
@@ -98,6 +91,10 @@ void ThumbnailTableView::stop()
 
 void ThumbnailTableView::setEntries(const QVector<PhotoEntry> &entries)
 {
+    const QVector<int> positions = laterPositions(entries_, entries);
+    const int top = verticalScrollBar()->value();
+    const int shown = nearestKept(positions, onScreen().first);
+    const int at = nearestKept(positions, current_);
     entries_ = entries;
     ++generation_;
     visibilityTimer_.stop();
@@ -107,28 +104,45 @@ void ThumbnailTableView::setEntries(const QVector<PhotoEntry> &entries)
         emit cancelAllPhotoRequests();
     }
     retireCells();
-    current_ = anchor_ = 0;
-    const bool hadSelection = !selected_.isEmpty();
-    selected_.clear();
+    cells_.resize(entries_.size());
+    current_ = anchor_ = positions.value(at, 0);
     updateScrollBars();
+    if (shown < 0)
+        verticalScrollBar()->setValue(0);
+    else if (top > 0)
+        verticalScrollBar()->setValue(top + (positions.at(shown) / columns - shown / columns) *
+                                                rowHeight());
     placeContent();
     viewport()->update();
     qDebug() << "缩略图刷新了：" << entries_.isEmpty();
-    if (hadSelection)
-        emit selectedCountChanged(0);
+    keepSelection(positions);
     if (entries_.isEmpty() || ending_)
         return;
     batchGeneration_ = generation_;
     batchTimer_.start();
 }
 
+void ThumbnailTableView::keepSelection(const QVector<int> &positions)
+{
+    const QSet<int> before = selected_;
+    selected_.clear();
+    for (const int index : before) {
+        if (positions.at(index) >= 0)
+            selected_.insert(positions.at(index));
+    }
+    if (selected_.size() != before.size())
+        emit selectedCountChanged(selected_.size());
+}
+
 void ThumbnailTableView::retireCells()
 {
-    if (cells_.isEmpty())
-        return;
-    retired_.add(content_);
     cells_.clear();
+    nextCell_ = 0;
+    if (createdCells_ == 0)
+        return;
+    createdCells_ = 0;
     pictured_.clear();
+    retired_.add(content_);
     content_ = new QWidget(viewport());
     content_->show();
 }
@@ -137,27 +151,41 @@ void ThumbnailTableView::createPhotoItemsBatch()
 {
     if (batchGeneration_ != generation_)
         return;
-    const int end = qMin(cells_.size() + batchSize, entries_.size());
-    for (int index = cells_.size(); index < end; ++index) {
-        auto *cell = new PhotoCell(entries_.at(index), index, content_);
-        cell->move(cellPosition(index));
-        cell->selectButton()->setChecked(selected_.contains(index));
-        cell->setCurrent(index == current_ && hasFocus());
-        connect(cell->selectButton(), &QAbstractButton::toggled, this,
-                &ThumbnailTableView::onPhotoSelectionChanged);
-        cell->installEventFilter(this);
-        cell->selectButton()->installEventFilter(this);
-        cells_.append(cell);
-        cell->show();
-    }
-    updateScrollBars();
-    placeContent();
-    if (cells_.size() == entries_.size()) {
+    for (int left = batchSize; left > 0 && createdCells_ < entries_.size(); --left)
+        makeCell(nextToMake());
+    if (createdCells_ == entries_.size()) {
         batchTimer_.stop();
         loadVisiblePhotos();
     } else if (!visibilityTimer_.isActive()) {
         visibilityTimer_.start();
     }
+}
+
+int ThumbnailTableView::nextToMake()
+{
+    const Range seen = onScreen();
+    for (int index = seen.first; index < seen.end; ++index) {
+        if (!cells_.at(index))
+            return index;
+    }
+    while (cells_.at(nextCell_))
+        ++nextCell_;
+    return nextCell_;
+}
+
+void ThumbnailTableView::makeCell(int index)
+{
+    auto *cell = new PhotoCell(entries_.at(index), index, content_);
+    cell->move(photogrid::cellPosition(index));
+    cell->selectButton()->setChecked(selected_.contains(index));
+    cell->setCurrent(index == current_ && hasFocus());
+    connect(cell->selectButton(), &QAbstractButton::toggled, this,
+            &ThumbnailTableView::onPhotoSelectionChanged);
+    cell->installEventFilter(this);
+    cell->selectButton()->installEventFilter(this);
+    cells_[index] = cell;
+    ++createdCells_;
+    cell->show();
 }
 
 void ThumbnailTableView::setEmptyText(const QString &text)
@@ -170,19 +198,16 @@ void ThumbnailTableView::setEmptyText(const QString &text)
 
 void ThumbnailTableView::loadVisiblePhotos()
 {
-    if (!isVisible() || cells_.isEmpty() || ending_)
+    if (!isVisible() || createdCells_ == 0 || ending_)
         return;
     if (!thread_.isRunning())
         startWorker();
     releaseFarPictures();
-    const int top = verticalScrollBar()->value();
-    const int bottom = top + viewport()->height() + 1;
-    const int first = qMax(0, top / rowHeight() * columns);
-    const int end = qMin(cells_.size(), (bottom / rowHeight() + 1) * columns);
+    const Range seen = onScreen();
     // The worker takes the latest first, so that these come from top to bottom.
-    for (int index = end - 1; index >= first; --index) {
+    for (int index = seen.end - 1; index >= seen.first; --index) {
         PhotoCell *cell = cells_.at(index);
-        if (cell->isLoaded || cell->isRequested || !cell->isVisible() || !isOnScreen(index))
+        if (!cell || cell->isLoaded || cell->isRequested || !cell->isVisible())
             continue;
         cell->isRequested = true;
         emit loadPhotoRequest(entries_.at(index).url, entries_.at(index).icon, index);
@@ -234,39 +259,36 @@ void ThumbnailTableView::onPhotoLoadFailed(const QString &name, int index)
 
 // Scrolling and painting.
 
+ThumbnailTableView::Range ThumbnailTableView::onScreen() const
+{
+    const int top = verticalScrollBar()->value();
+    const int bottom = top + viewport()->height();
+    // Between two rows there is nothing of the upper one to see.
+    const int first = (top + theme::spacing()) / rowHeight() * columns;
+    return {qMin(first, entries_.size()),
+            qMin((bottom / rowHeight() + 1) * columns, entries_.size())};
+}
+
 bool ThumbnailTableView::isOnScreen(int index) const
 {
-    const int top = cellPosition(index).y() - verticalScrollBar()->value();
-    return top + PhotoCell::cellSize().height() > 0 && top < viewport()->height() + 1;
-}
-
-QPoint ThumbnailTableView::cellPosition(int index) const
-{
-    const QSize cell = PhotoCell::cellSize();
-    return {index % columns * pitch(cell.width()), index / columns * rowHeight()};
-}
-
-QSize ThumbnailTableView::contentSize() const
-{
-    const int rows = (cells_.size() + columns - 1) / columns;
-    return {columns * pitch(PhotoCell::cellSize().width()) - theme::spacing(),
-            qMax(0, rows * rowHeight() - theme::spacing())};
+    const Range seen = onScreen();
+    return index >= seen.first && index < seen.end;
 }
 
 void ThumbnailTableView::updateScrollBars()
 {
-    const QSize content = contentSize();
+    const QSize content = photogrid::contentSize(entries_.size());
     const QSize view = viewport()->size();
     verticalScrollBar()->setRange(0, qMax(0, content.height() - view.height()));
     verticalScrollBar()->setPageStep(view.height());
-    horizontalScrollBar()->setRange(0,
-                                    cells_.isEmpty() ? 0 : qMax(0, content.width() - view.width()));
+    const bool hidesColumns = !entries_.isEmpty() && content.width() > view.width();
+    horizontalScrollBar()->setRange(0, hidesColumns ? content.width() - view.width() : 0);
     horizontalScrollBar()->setPageStep(view.width());
 }
 
 void ThumbnailTableView::placeContent()
 {
-    const QSize content = contentSize();
+    const QSize content = photogrid::contentSize(entries_.size());
     const int margin = qMax(0, (viewport()->width() - content.width()) / 2);
     content_->setGeometry(QRect(
         QPoint(margin - horizontalScrollBar()->value(), -verticalScrollBar()->value()), content));
@@ -451,14 +473,12 @@ void ThumbnailTableView::setCurrent(int index)
 
 void ThumbnailTableView::moveTo(int index, bool selecting)
 {
-    if (cells_.isEmpty())
-        return;
-    setCurrent(qBound(0, index, cells_.size() - 1));
+    setCurrent(index);
     if (selecting)
         selectRange(anchor_, current_);
     else
         anchor_ = current_;
-    const int top = cellPosition(current_).y();
+    const int top = photogrid::cellPosition(current_).y();
     const int lowest = top + PhotoCell::cellSize().height() - viewport()->height();
     QScrollBar *bar = verticalScrollBar();
     bar->setValue(qMin(top, qMax(lowest, bar->value())));
@@ -466,34 +486,13 @@ void ThumbnailTableView::moveTo(int index, bool selecting)
 
 void ThumbnailTableView::keyPressEvent(QKeyEvent *event)
 {
-    if (event->matches(QKeySequence::SelectAll)) {
+    const int target = photogrid::keyTarget(event->key(), current_, count(), rowsPerPage());
+    if (event->matches(QKeySequence::SelectAll))
         selectAll();
-        return;
-    }
-    const bool selecting = event->modifiers() & Qt::ShiftModifier;
-    const int page = rowsPerPage() * columns;
-    switch (event->key()) {
-    case Qt::Key_Left:
-        return moveTo(current_ - 1, selecting);
-    case Qt::Key_Right:
-        return moveTo(current_ + 1, selecting);
-    case Qt::Key_Up:
-        return moveTo(current_ < columns ? current_ : current_ - columns, selecting);
-    case Qt::Key_Down:
-        return moveTo(current_ + columns < cells_.size() ? current_ + columns : current_,
-                      selecting);
-    case Qt::Key_PageUp:
-        return moveTo(current_ - page, selecting);
-    case Qt::Key_PageDown:
-        return moveTo(current_ + page, selecting);
-    case Qt::Key_Home:
-        return moveTo(0, selecting);
-    case Qt::Key_End:
-        return moveTo(cells_.size() - 1, selecting);
-    case Qt::Key_Space:
+    else if (event->key() == Qt::Key_Space)
         checkButton(current_, !selected_.contains(current_));
-        return;
-    default:
+    else if (target >= 0)
+        moveTo(target, event->modifiers() & Qt::ShiftModifier);
+    else
         QAbstractScrollArea::keyPressEvent(event);
-    }
 }

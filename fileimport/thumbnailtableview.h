@@ -12,10 +12,10 @@
 
 class PhotoCell;
 
-/// The scrolling grid of an order's photos, five in a row. Cells are made a few at a time, and
-/// images are fetched, on a thread of the view's own, for those cells alone that are on the screen;
-/// each at most once. Cells far from the screen give their image up; the thread keeps it in fewer
-/// bytes.
+/// The scrolling grid of an order's photos, five in a row. Cells are made a few at a time, those on
+/// the screen first, and images are fetched, on a thread of the view's own, for those cells alone
+/// that are on the screen; each at most once. Cells far from the screen give their image up; the
+/// thread keeps it in fewer bytes.
 ///
 /// Cells are selected with the mouse (Shift for a range) and with the keyboard: arrows, Home, End
 /// and the page keys move, with Shift they select; blank toggles; Ctrl+A selects all. An entry can
@@ -31,7 +31,8 @@ public:
     explicit ThumbnailTableView(QWidget *parent = nullptr, const ThumbnailLimits &limits = {});
     ~ThumbnailTableView() override;
 
-    /// Replaces the list; nothing is selected then.
+    /// Replaces the list. The user stays at the photos that were on the screen, and those selected
+    /// stay selected, as far as they are in the new list, too.
     void setEntries(const QVector<PhotoEntry> &entries);
     int count() const { return entries_.size(); }
     /// An entry without any field when there is none at \a index.
@@ -46,7 +47,8 @@ public:
     void clearSelection();
 
     /// How many entries have their cell.
-    int createdCells() const { return cells_.size(); }
+    int createdCells() const { return createdCells_; }
+    /// Null as long as the entry has none.
     PhotoCell *cell(int index) const { return cells_.value(index); }
 
     /// Ends the thread without waiting; no image is loaded any more.
@@ -83,11 +85,19 @@ private:
     void startWorker();
     void releaseFarPictures();
     void retireCells();
+    void keepSelection(const QVector<int> &positions);
+    int nextToMake();
+    void makeCell(int index);
     PhotoCell *awaiting(const QString &name, int index) const;
 
+    struct Range
+    {
+        int first;
+        int end;
+    };
+    /// Of entries of which some pixel is on the screen.
+    Range onScreen() const;
     bool isOnScreen(int index) const;
-    QPoint cellPosition(int index) const;
-    QSize contentSize() const;
     void updateScrollBars();
     void placeContent();
     int rowsPerPage() const;
@@ -101,7 +111,9 @@ private:
 
     const ThumbnailLimits limits_;
     QVector<PhotoEntry> entries_;
-    QVector<PhotoCell *> cells_;
+    QVector<PhotoCell *> cells_; ///< one for each entry; null until it is made
+    int createdCells_ = 0;
+    int nextCell_ = 0; ///< all before it are made
     QSet<int> selected_;
     QSet<int> pictured_; ///< cells that hold an image
     int current_ = 0;    ///< where the keyboard is
