@@ -291,8 +291,9 @@ void OriginalView::deleteSelected()
 
 void OriginalView::onSubmitFailed(const ServiceReply &reply)
 {
-    const bool refused = reply.outcome == ServiceReply::Outcome::Refused;
-    overlay_->showResult(refused ? reply.message : QStringLiteral("提交数据失败"),
+    const bool saysWhy =
+        reply.outcome == ServiceReply::Outcome::Refused && !reply.message.isEmpty();
+    overlay_->showResult(saysWhy ? reply.message : QStringLiteral("提交数据失败"),
                          LoadingOverlay::Result::Failure, resultMs);
     ready_ = true;
     if (listingDue_)

@@ -2,7 +2,6 @@
 #include "platform/pathform.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
-#include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
 #include <QDir>
@@ -159,17 +158,6 @@ private slots:
         // rename; how often in mid-copy is the system's affair.
         QVERIFY(points >= 5);
         QVERIFY(targetContent("a.jpg"_s) != "earlier");
-    }
-
-    void fullDisk()
-    {
-        SmallDisk disk(target(QString()), 1);
-        if (!disk.isMounted())
-            QSKIP("mounting a small disk needs administrator rights");
-        ImportFileCopyRunnable task(makeFile("a.jpg"_s, QByteArray(3 * 1024 * 1024, 'p')));
-        const Ended ended = run(task);
-        QCOMPARE(ended.file.message, "文件拷贝失败(可能是磁盘已满或权限受限)"_s);
-        QVERIFY(QDir(target(QString())).entryList(QDir::Files | QDir::Hidden).isEmpty());
     }
 
     void unsafeNamesBecomeSafe()

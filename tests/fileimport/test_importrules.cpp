@@ -177,11 +177,9 @@ private slots:
     void droppingReadsFolders()
     {
         QTemporaryDir folder;
-        QVERIFY(QDir(folder.path()).mkpath("card/DCIM"_s));
         for (const char *name : {"card/IMG_10.jpg", "card/IMG_9.jpg", "card/DCIM/b.NEF",
-                                 "card/DCIM/note.txt", "single.png"}) {
+                                 "card/DCIM/note.txt", "single.png"})
             writeFile(folder.filePath(QString::fromLatin1(name)));
-        }
         ChoiceRequest request;
         request.importPath = folder.filePath("order"_s);
         request.dropped = true;
@@ -282,19 +280,20 @@ void TestImportRules::notices_data()
                "重新导入:</span><br/><span style=\"font-size: 23px; color: #FF0000;\">"
                "%2</span>"_s.arg(kind, names);
     };
-    QTest::newRow("equal") << QByteArray(R"({"local_imgnames":[{"name":"a"}],
-        "server_imgnames":[{"name":"a"}]})")
-                           << QString() << QString();
-    newRow("missing lists", QByteArray("{}"), QString(), QString());
-    QTest::newRow("order does not matter") << QByteArray(R"({"local_imgnames":[{"name":"a"},
-        {"name":"b"}], "server_imgnames":[{"name":"b"},{"name":"a"}]})")
-                                           << QString() << QString();
-    QTest::newRow("photo missing") << QByteArray(R"({"local_imgnames":[{"name":"a<b>"},
-        {"name":"c"}], "server_imgnames":[{"name":"d"}]})")
-                                   << title + section("原片"_s, "a&lt;b&gt;, c, d"_s)
-                                   << title + section("精修照片"_s, "a&lt;b&gt;, c, d"_s);
-    QTest::newRow("raw missing") << QByteArray(R"({"local_rawimgnames":[{"name":"r"}]})")
-                                 << title + section("原始档"_s, "r"_s) << QString();
+    const auto row = [](const char *tag, const char *reply, const QString &originals,
+                        const QString &retouched) {
+        newRow(tag, QByteArray(reply), originals, retouched);
+    };
+    row("missing lists", "{}", {}, {});
+    row("order does not matter", R"({"local_imgnames":[{"name":"a"},{"name":"b"}],
+        "server_imgnames":[{"name":"b"},{"name":"a"}]})",
+        {}, {});
+    row("photo missing", R"({"local_imgnames":[{"name":"a<b>"},{"name":"c"}],
+        "server_imgnames":[{"name":"d"}]})",
+        title + section("原片"_s, "a&lt;b&gt;, c, d"_s),
+        title + section("精修照片"_s, "a&lt;b&gt;, c, d"_s));
+    row("raw missing", R"({"local_rawimgnames":[{"name":"r"}]})",
+        title + section("原始档"_s, "r"_s), {});
 }
 
 QTEST_GUILESS_MAIN(TestImportRules)

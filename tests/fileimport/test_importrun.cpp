@@ -322,28 +322,27 @@ private slots:
     }
 
 private:
-    /// An order of the demo studio with \a count readable files;
+    /// An order of the demo studio with \a count readable files.
     ImportOrder makeOrder(int number, int count, int bytes = 1000, const QString &folder = {})
     {
         const QJsonArray known = demo_.state().value("orders"_s).toArray();
-        const QJsonObject studios = known.at(number).toObject();
+        const auto field = [studios = known.at(number).toObject()](const char *name) {
+            return studios.value(QLatin1String(name)).toString();
+        };
         ImportOrder order;
-        order.id = studios.value("id"_s).toString();
-        order.orderPhotoId = studios.value("order_photo_id"_s).toString();
-        order.orderPayForKey = studios.value("orderpayforkey"_s).toString();
-        order.serviceTimes = studios.value("servicetimes"_s).toString();
-        const QString share = demo_.share();
-        order.importPath = folder.isEmpty() ? QString(share + "/test/"_s + order.id) : folder;
-        order.importPath.replace(QLatin1Char('/'), QLatin1Char('\\'));
+        order.id = field("id");
+        order.orderPhotoId = field("order_photo_id");
+        order.orderPayForKey = field("orderpayforkey");
+        order.serviceTimes = field("servicetimes");
+        order.importPath =
+            wireForm(folder.isEmpty() ? QString(demo_.share() + "/test/"_s + order.id) : folder);
         ChoiceRequest request;
         request.importPath = order.importPath;
         request.orderIndex = number;
         for (int index = 0; index < count; ++index) {
-            const QString photo =
-                writeFile(card_->filePath("%1_%2.%3"_s.arg(order.id).arg(index).arg(
-                              index % 4 == 3 ? "cr2"_s : "jpg"_s)),
-                          QByteArray(bytes + index, 'p'));
-            request.paths.append(photo);
+            const QString name =
+                "%1_%2.%3"_s.arg(order.id).arg(index).arg(index % 4 == 3 ? "cr2"_s : "jpg"_s);
+            request.paths += writeFile(card_->filePath(name), QByteArray(bytes + index, 'p'));
         }
         order.files = prepareChoice(request).files;
         order.photoState = PhotoState::Chosen;

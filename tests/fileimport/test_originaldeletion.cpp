@@ -113,23 +113,20 @@ private slots:
 #else
         const QString root = "\\"_s;
 #endif
-        const auto row = [](const QString &path, bool fine) {
-            newRow(qPrintable(path), path, fine);
-        };
-        row(root + "studio\\a.jpg"_s, true);
-        row(root + "studio/a.jpg"_s, true);
-        row(root + "studio\\..a.jpg"_s, true);
-        row("\\\\nas\\photos\\a.jpg"_s, true);
-        row("\\\\nas\\photos"_s, false);
-        row("\\\\nas\\photos\\"_s, false);
-        row(root, false);
-        row(root + "studio\\"_s, false);
-        row(root + "studio\\..\\a.jpg"_s, false);
-        row(root + "studio/../a.jpg"_s, false);
-        row(root + "studio\\.. \\a.jpg"_s, false);
-        row("studio\\a.jpg"_s, false);
-        row("D:a.jpg"_s, false);
-        row(QString(), false);
+        const QStringList fine{root + "studio\\a.jpg"_s, root + "studio/a.jpg"_s,
+                               root + "studio\\..a.jpg"_s, "\\\\nas\\photos\\a.jpg"_s};
+        const QStringList wrong{root,
+                                root + "studio\\"_s,
+                                root + "studio\\..\\a.jpg"_s,
+                                root + "studio/../a.jpg"_s,
+                                root + "studio\\.. \\a.jpg"_s,
+                                "\\\\nas\\photos"_s,
+                                "\\\\nas\\photos\\"_s,
+                                "studio\\a.jpg"_s,
+                                "D:a.jpg"_s,
+                                QString()};
+        for (const QString &path : fine + wrong)
+            newRow(qPrintable(path), path, fine.contains(path));
     }
 
     void paths()
@@ -168,9 +165,8 @@ private slots:
         QFETCH(QString, main);
         QFETCH(QStringList, variants);
         QFETCH(QString, message);
-        for (const char *name : {"fine", "small", "protected", "locked"}) {
+        for (const char *name : {"fine", "small", "protected", "locked"})
             writeFile(folder_->filePath(QLatin1String(name)));
-        }
         QVERIFY(QDir(folder_->path()).mkdir("folder"_s));
         QVERIFY(QFile::setPermissions(folder_->filePath("protected"_s), QFile::ReadOwner));
         PhotoEntry photo;
@@ -243,13 +239,10 @@ private slots:
     void refusalsTouchNothing_data()
     {
         QTest::addColumn<int>("outcome");
-        const auto row = [](const char *kind, ServiceReply::Outcome outcome) {
-            newRow(kind, int(outcome));
-        };
-        row("refuse", ServiceReply::Outcome::Refused);
-        row("code-number", ServiceReply::Outcome::Refused);
-        row("http-error", ServiceReply::Outcome::NoAnswer);
-        row("html", ServiceReply::Outcome::NoAnswer);
+        for (const char *kind : {"refuse", "code-number"})
+            newRow(kind, int(ServiceReply::Outcome::Refused));
+        for (const char *kind : {"http-error", "html"})
+            newRow(kind, int(ServiceReply::Outcome::NoAnswer));
     }
 
     void refusalsTouchNothing()
@@ -283,9 +276,7 @@ private slots:
 
     void stopLeavesWhatHasNotBegun()
     {
-        QVector<PhotoEntry> entries;
-        for (int number = 0; number < 12; ++number)
-            entries.append(registered("%1.jpg"_s.arg(number)));
+        const auto entries = registeredDozen();
         QSemaphore begun;
         QSemaphore mayGoOn;
         OriginalDeletion deletion([&](const QString &path, QString *error) {
@@ -315,9 +306,7 @@ private slots:
 
     void destroyedInMidDeletion()
     {
-        QVector<PhotoEntry> entries;
-        for (int number = 0; number < 12; ++number)
-            entries.append(registered("%1.jpg"_s.arg(number)));
+        const auto entries = registeredDozen();
         auto begun = std::make_shared<QSemaphore>();
         auto deletion =
             std::make_unique<OriginalDeletion>([begun](const QString &path, QString *error) {
@@ -349,6 +338,13 @@ private:
                 return entry;
         }
         qFatal("not on the books");
+    }
+
+    QVector<PhotoEntry> registeredDozen()
+    {
+        for (int number = 0; number < 12; ++number)
+            registerFile(folder_->filePath("%1.jpg"_s.arg(number)), {});
+        return listedEntries();
     }
 
     void start(OriginalDeletion *deletion, const QVector<PhotoEntry> &entries)
