@@ -94,11 +94,8 @@ private slots:
     {
         QFETCH(bool, isFolder);
         const QString path = target("a.jpg"_s);
-        if (isFolder) {
-            QVERIFY(QDir().mkdir(path));
-        } else {
-            QVERIFY(QFile::setPermissions(writeFile(path, "protected"), QFile::ReadOwner));
-        }
+        QVERIFY(isFolder ? QDir().mkdir(path)
+                         : QFile::setPermissions(writeFile(path, "protected"), QFile::ReadOwner));
         ImportFileCopyRunnable task(makeFile("a.jpg"_s, "photo"));
         const Ended ended = run(task);
         QCOMPARE(ended.file.message, "无法覆盖已存在的文件: %1"_s.arg(toldTarget("a.jpg"_s)));
@@ -163,11 +160,6 @@ private slots:
     void unsafeNamesBecomeSafe()
     {
         ImportFile file = makeFile("a.jpg"_s, "photo");
-        file.baseName = "nul"_s;
-        ImportFileCopyRunnable device(file);
-        QCOMPARE(run(device).file.state, qint32(ImportFile::Imported));
-        QCOMPARE(targetContent("nul_.jpg"_s), QByteArray("photo"));
-
         file.baseName = "../../x"_s;
         ImportFileCopyRunnable climbing(file);
         QCOMPARE(run(climbing).file.state, qint32(ImportFile::Imported));

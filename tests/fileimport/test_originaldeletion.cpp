@@ -261,7 +261,7 @@ private slots:
         QVERIFY(QFile::exists(folder_->filePath("a.jpg"_s)));
     }
 
-    void unsafePathsAreNeverSubmitted()
+    void withoutASafePathNothingIsSubmitted()
     {
         PhotoEntry entry = registered("a.jpg"_s);
         entry.localPath = wire("..\\a.jpg"_s);
@@ -269,8 +269,6 @@ private slots:
         QSignalSpy finished(&deletion, &OriginalDeletion::finished);
         start(&deletion, {entry});
         QTRY_COMPARE(finished.size(), 1);
-        QCOMPARE(finished.first().first().value<OriginalDeletionSummary>().messages,
-                 QStringList("a.jpg 的路径错误"_s));
         QVERIFY(demo_.requests("delete_pics"_s).isEmpty());
     }
 
