@@ -99,20 +99,13 @@ private slots:
                  "原文件不存在: %1"_s.arg(sourceOf(first.id, 1)));
         QCOMPARE(photoStateText(shown_[first.id]), "成功:2, 失败:1"_s);
         QCOMPARE(registered_, (QStringList{first.id, second.id}));
-    }
 
-    void aSecondStartFinishesAHalfDoneOrder()
-    {
-        const ImportOrder order = makeOrder(0, 3);
-        removeSource(order.id, 0);
-        start({order});
-        QTRY_COMPARE(allImported_, 1);
-        restoreSource(order.id, 0);
-        start({shown_[order.id]});
+        restoreSource(first.id, 1);
+        start({shown_[first.id], shown_[second.id]}); // what was left of the first
         QTRY_COMPARE(allImported_, 2);
-        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
-        QCOMPARE(requests(batch), 2);
-        QVERIFY(!run_->start({shown_[order.id]}, identity_));
+        QCOMPARE(photoStateText(shown_[first.id]), "导入完成"_s);
+        QCOMPARE(requests(batch), 3);
+        QVERIFY(!run_->start({shown_[first.id], shown_[second.id]}, identity_));
     }
 
     void retryOutsideARunRegistersItsOrderAlone()

@@ -158,7 +158,6 @@ private slots:
         newRow("refuse", "服务暂不可用", false, failed);
         newRow("data-wrong-type", QString(), false, "该订单还没有导入照片"); // no list, no photos
         newRow("http-error", QString(), true, failed);
-        newRow("broken-json", QString(), true, failed);
     }
 
     void badListings()
