@@ -76,6 +76,7 @@ void FJLeftPanel::buildTable()
     table_->setObjectName(QStringLiteral("orderTable"));
     prepareTable(table_);
     table_->setStyleSheet(theme::plainTableStyle());
+    table_->shadeHoveredRow(colours::rowHover);
     table_->setAlternatingRowColors(false);
     rows_ = new SortedRows(table_, &model_, DistributionOrderModel::SortRole);
     table_->setItemDelegateForColumn(Column::TickColumn, new TickDelegate(table_));

@@ -172,8 +172,22 @@ void EmptyStateTable::setEmptyText(const QString &text)
     viewport()->update();
 }
 
+void EmptyStateTable::shadeHoveredRow(QRgb colour)
+{
+    hoverColour_ = colour;
+    // Another row comes under a pointer that stands still.
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, viewport(),
+            QOverload<>::of(&QWidget::update));
+}
+
 void EmptyStateTable::paintEvent(QPaintEvent *event)
 {
+    const int hovered = rowAt(viewport()->mapFromGlobal(QCursor::pos()).y());
+    if (viewport()->underMouse() && hovered >= 0) {
+        QPainter(viewport())
+            .fillRect(0, rowViewportPosition(hovered), viewport()->width(), rowHeight(hovered),
+                      colours::toColor(hoverColour_));
+    }
     QTableView::paintEvent(event);
     if (emptyText_.isEmpty() || (model() && model()->rowCount(rootIndex()) > 0))
         return;

@@ -44,7 +44,7 @@ private:
     Qt::TextElideMode mode_;
 };
 
-/// A table that says in its middle why it is empty.
+/// A table that says in its middle why it is empty, and may shade the row under the pointer.
 class EmptyStateTable : public QTableView
 {
     Q_OBJECT
@@ -54,6 +54,8 @@ public:
 
     void setEmptyText(const QString &text);
     const QString &emptyText() const { return emptyText_; }
+    /// Shades the whole row under the pointer; the framework would do so with its cell alone.
+    void shadeHoveredRow(QRgb colour);
 
 protected:
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
@@ -63,4 +65,5 @@ protected:
 
 private:
     QString emptyText_;
+    QRgb hoverColour_ = 0; ///< transparent: nothing is shaded
 };

@@ -76,7 +76,7 @@ QString calendarStyle();
 QString tableStyle();
 /// A list or grid of items, or a read-only text of many lines.
 QString listStyle();
-/// A table whose rows are shaded under the mouse and not when they are selected.
+/// A table whose rows look the same when they are selected.
 QString plainTableStyle();
 /// A white half of a split window, by its object name.
 QString sidePanelStyle(const QString &objectName);

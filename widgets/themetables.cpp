@@ -41,13 +41,11 @@ QString listStyle()
 QString plainTableStyle()
 {
     return tableStyle() +
-           scaled(
-               QStringLiteral(
-                   "QTableView { selection-background-color: transparent; outline: none; }"
-                   "QTableView::item:hover { background-color: %1; }"
-                   "QTableView::item:focus { border: 1dp solid %3; }"
-                   "QHeaderView, QHeaderView::section { background-color: %2; }")
-                   .arg(css(colours::rowHover), css(colours::plainHeader), css(colours::accent)));
+           scaled(QStringLiteral(
+                      "QTableView { selection-background-color: transparent; outline: none; }"
+                      "QTableView::item:focus { border: 1dp solid %2; }"
+                      "QHeaderView, QHeaderView::section { background-color: %1; }")
+                      .arg(css(colours::plainHeader), css(colours::accent)));
 }
 
 QString scrollBarStyle()

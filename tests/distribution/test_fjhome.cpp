@@ -215,6 +215,17 @@ private slots:
         QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 2);
         click("unselectAllButton");
         QVERIFY(child<FJLeftPanel>("leftPanel")->tickedOrders().isEmpty());
+        // The row under the pointer is shaded, all of it.
+        const auto ground = [this](int row, int column) {
+            const QRect cell = orders()->visualRect(orders()->model()->index(row, column));
+            return orders()->viewport()->grab().toImage().pixel(cell.topRight() + QPoint(-2, 2));
+        };
+        QTest::mouseMove(orders()->viewport(),
+                         orders()->visualRect(orders()->model()->index(1, 2)).center());
+        for (const int column : {Column::TickColumn, Column::ManColumn, Column::PackageColumn}) {
+            QTRY_COMPARE(ground(1, column), QRgb(0xfff2f2f7));
+            QCOMPARE(ground(0, column), QRgb(0xffffffff));
+        }
     }
 
     void needsADirectoryAndOrders()
