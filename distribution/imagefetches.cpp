@@ -1,6 +1,6 @@
 #include "distribution/imagefetches.h"
 
-#include "net/basereq.h"
+#include "distribution/fjdataoperate.h"
 
 namespace {
 
@@ -8,7 +8,8 @@ constexpr int fetchesAtOnce = 4;
 
 } // namespace
 
-ImageFetches::ImageFetches(QObject *parent) : QObject(parent)
+ImageFetches::ImageFetches(QObject *parent)
+    : QObject(parent), requests_(std::make_unique<QObject>())
 {
 }
 
@@ -22,34 +23,27 @@ void ImageFetches::add(const QVector<ImageFetch> &fetches)
 void ImageFetches::cancel()
 {
     waiting_.clear();
-    const QVector<BaseReq *> abandoned = underWay_;
-    underWay_.clear();
-    for (BaseReq *request : abandoned) {
-        request->abortRequest();
-        request->deleteLater();
-    }
+    underWay_ = 0;
+    requests_ = std::make_unique<QObject>();
 }
 
 void ImageFetches::feed()
 {
-    while (!waiting_.isEmpty() && underWay_.size() < fetchesAtOnce) {
+    while (!waiting_.isEmpty() && underWay_ < fetchesAtOnce) {
         const ImageFetch next = waiting_.dequeue();
-        auto *request = new BaseReq(this);
-        underWay_.append(request);
-        request->downloadImageAsDataUrl(
-            next.url, [this, request, store = next.store](bool ok, const QString &dataUrl,
-                                                          const QString &error) {
-                finish(request, store, ok, dataUrl, error);
+        ++underWay_;
+        FJDataOperate::downloadImageAsDataUrl(
+            next.url, requests_.get(),
+            [this, store = next.store](bool ok, const QString &dataUrl, const QString &error) {
+                finish(store, ok, dataUrl, error);
             });
     }
 }
 
-void ImageFetches::finish(BaseReq *request, DistributionTask store, bool ok, const QString &dataUrl,
+void ImageFetches::finish(DistributionTask store, bool ok, const QString &dataUrl,
                           const QString &error)
 {
-    if (!underWay_.removeOne(request))
-        return; // abandoned
-    request->deleteLater();
+    --underWay_;
     feed();
     if (ok) {
         store.data = dataUrl;
@@ -57,4 +51,16 @@ void ImageFetches::finish(BaseReq *request, DistributionTask store, bool ok, con
     } else {
         emit failed(store, store.imgName + error);
     }
+}
+
+// Here, not where the files are worked on: that brings along what printing needs.
+void FJDataOperate::downloadImageAsDataUrl(const QString &url, QObject *owner,
+                                           const BaseReq::ImageCallback &callback)
+{
+    auto *request = new BaseReq(owner);
+    request->downloadImageAsDataUrl(
+        url, [request, callback](bool ok, const QString &dataUrl, const QString &error) {
+            request->deleteLater();
+            callback(ok, dataUrl, error);
+        });
 }

@@ -6,7 +6,7 @@
 #include <QQueue>
 #include <QVector>
 
-class BaseReq;
+#include <memory>
 
 /// Fetches the pictures of one order, a few at a time. Lives on the interface thread; each picture
 /// is announced once, fetched or not, unless it is abandoned.
@@ -20,8 +20,6 @@ public:
     void add(const QVector<ImageFetch> &fetches);
     /// Abandons what has not come yet.
     void cancel();
-    /// Pictures not yet announced.
-    int pending() const { return waiting_.size() + underWay_.size(); }
 
 signals:
     /// \a store holds the picture as a data URL.
@@ -30,9 +28,9 @@ signals:
 
 private:
     void feed();
-    void finish(BaseReq *request, DistributionTask store, bool ok, const QString &dataUrl,
-                const QString &error);
+    void finish(DistributionTask store, bool ok, const QString &dataUrl, const QString &error);
 
     QQueue<ImageFetch> waiting_;
-    QVector<BaseReq *> underWay_;
+    int underWay_ = 0;
+    std::unique_ptr<QObject> requests_; ///< owns those under way
 };
