@@ -299,21 +299,20 @@ void Planner::planSheetPictures()
             takeThumbnail(photo, request_.orderFolder);
             const QString url = cropUrl(product, photo);
             if (!url.isEmpty()) {
-                fetch(url, QStringLiteral("裁剪"), orderFolder("裁剪/"),
-                      cropFileName(product, photo));
+                fetch(url, imagetype::crop, orderFolder("裁剪/"), cropFileName(product, photo));
             }
         });
     }
     for (const DetailPhoto &photo : detail_.imagesBiaoji) {
-        fetch(photo.url, QStringLiteral("标记"), orderFolder("其他/标记/"), photo.imgName);
+        fetch(photo.url, imagetype::marked, orderFolder("其他/标记/"), photo.imgName);
     }
     const QString number = detail_.value("orderpayforkey");
-    fetch(distributionrequests::barcodeUrl(number), QStringLiteral("条形码"), orderFolder("其他/"),
+    fetch(distributionrequests::barcodeUrl(number), imagetype::barcode, orderFolder("其他/"),
           QStringLiteral("条形码.jpg"));
     if (!detail_.downTxt.isEmpty()) {
         DistributionTask task;
         task.type = tasktype::storePhoto;
-        task.subType = QStringLiteral("快递信息");
+        task.subType = imagetype::delivery;
         task.targetFolder = orderFolder("其他/");
         task.imgName = QStringLiteral("快递信息.txt");
         task.data = detail_.downTxt;

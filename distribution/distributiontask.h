@@ -23,7 +23,7 @@ struct StepProgress
 struct DistributionTask
 {
     QString type;         ///< one of tasktype
-    QString subType;      ///< one of photorole, for "拷贝照片"
+    QString subType;      ///< of photorole for "拷贝照片", of imagetype for "存储照片"
     QString sourcePath;   ///< as the reply writes it
     QString targetFolder; ///< as this machine writes it; what the file goes into, or below
     QString imgName;      ///< as the reply writes it: made safe where it becomes a name on disk
@@ -59,6 +59,14 @@ inline const QString makeSheet = QStringLiteral("生成Html");
 inline const QString deliverOriginals = QStringLiteral("下载照片交付-拷贝原始档");
 inline const QString deliverPhotos = QStringLiteral("下载照片交付-拷贝原片");
 } // namespace tasktype
+
+/// What is stored though no photo of it lies on the share.
+namespace imagetype {
+inline const QString barcode = QStringLiteral("条形码");
+inline const QString delivery = QStringLiteral("快递信息"); ///< a text
+inline const QString crop = QStringLiteral("裁剪");
+inline const QString marked = QStringLiteral("标记");
+} // namespace imagetype
 
 namespace photorole {
 inline const QString retouched = QStringLiteral("精修成品");

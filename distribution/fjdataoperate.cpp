@@ -138,7 +138,7 @@ TaskResult storePhoto(const DistributionTask &task)
     const QString target = targetIn(task.targetFolder, task);
     if (!photofiles::ensureFolder(task.targetFolder))
         return noFolder(task, target);
-    if (target.endsWith(QLatin1String(".txt"), Qt::CaseInsensitive))
+    if (task.subType == imagetype::delivery)
         return storeText(task, target);
     QByteArray bytes = bytesOfDataUrl(task.data);
     if (task.data.isEmpty()) {

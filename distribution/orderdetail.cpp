@@ -82,8 +82,7 @@ DetailPhoto readDetailPhoto(const QJsonObject &element)
                       {"picpath", &DetailPhoto::picPath},
                       {"url", &DetailPhoto::url},
                       {"url_yuanpian", &DetailPhoto::urlOriginal},
-                      {"cropping_imgurl", &DetailPhoto::croppingImgUrl},
-                      {"image_type", &DetailPhoto::imageType}});
+                      {"cropping_imgurl", &DetailPhoto::croppingImgUrl}});
     photo.downloaded = reply::text(element, QStringLiteral("isdownload")) == QLatin1String("1");
     photo.remarks = readRemarks(element);
     return photo;

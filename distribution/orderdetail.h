@@ -21,7 +21,6 @@ struct DetailPhoto
     QString url;            ///< of a small picture
     QString urlOriginal;    ///< "url_yuanpian"
     QString croppingImgUrl; ///< of the crop that the customer chose; empty without one
-    QString imageType;
     bool downloaded = false; ///< what the service knows: "isdownload"
     QStringList remarks;     ///< of a marked photo, in order; line breaks stay
 

@@ -226,7 +226,7 @@ private slots:
         newRow("not Base64", "x.jpg"_s, QString(good).replace("base64,"_s, "base32,"_s),
                "x.jpg无法从数据创建图像"_s, QByteArray());
         newRow("nothing", "x.jpg"_s, QString(), "x.jpg文件不存在"_s, QByteArray());
-        newRow("no such format", "x.none"_s, good, "保存文件失败：%1/x.none"_s, QByteArray());
+        newRow("no such format", "x.txt"_s, good, "保存文件失败：%1/x.txt"_s, QByteArray());
     }
 
     void storedImages()
@@ -253,7 +253,7 @@ private slots:
 
     void storedText()
     {
-        DistributionTask store = task("存储照片");
+        DistributionTask store = task("存储照片", "快递信息");
         store.imgName = "快递信息.txt"_s;
         store.data = "王丽\n8 号"_s;
         // As a pattern: a plain text would go through the system's code page.
