@@ -9,6 +9,7 @@
 #include "widgets/colours.h"
 #include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
+#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 
@@ -171,8 +172,9 @@ void FJHome::getOrderInfo(const OrderData &order)
                           if (reply.isSuccess()) {
                               right_->showPhotos(order.orderPhotoId, order.displayNumber(),
                                                  readOrderDetail(reply.object));
-                          } else if (!reply.message.isEmpty()) {
-                              Toast::show(this, reply.message);
+                          } else {
+                              showServiceFailure(
+                                  this, reply, reply.message.isEmpty() ? reply.msg : reply.message);
                           }
                       });
 }
