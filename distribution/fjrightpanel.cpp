@@ -368,6 +368,8 @@ void FJRightPanel::clearPhotos(const QString &orderPhotoId, const QString &name)
                                         : QStringLiteral("照片: ") + name);
     undownloaded_.model.setPhotos({});
     downloaded_.model.setPhotos({});
+    if (orderPhotoId.isEmpty())
+        leftOut_.clear();
     updateCounts();
     namingPanel_->editor()->setPreviewOrder({});
 }

@@ -45,7 +45,8 @@ public:
     /// Fills both lists and previews the rule with the order's first product. \a name is what the
     /// user knows the order by.
     void showPhotos(const QString &orderPhotoId, const QString &name, const OrderDetail &detail);
-    /// The order is to be shown, but its photos are not known yet; or nothing is to be shown.
+    /// The order is to be shown, but its photos are not known yet; or, before another list of
+    /// orders, nothing: what was left out of the orders so far is forgotten then, like their ticks.
     void clearPhotos(const QString &orderPhotoId = {}, const QString &name = {});
     const QString &shownOrder() const { return shownOrder_; }
     /// Moves the photo to the downloaded ones, if its order is shown.
