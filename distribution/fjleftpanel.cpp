@@ -227,6 +227,7 @@ void FJLeftPanel::onBranchSwitched()
     AccountContext::selectedShopId = who.shopId;
     AccountContext::superId = who.superId;
     AccountContext::eid = who.employeeId;
+    AccountContext::distributionRule = branch_.distributionMode();
     emit userInfoChange(who.shopId, who.employeeId, who.superId);
     reqOrderList(searchType_, keyword_);
 }

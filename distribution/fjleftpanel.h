@@ -29,8 +29,6 @@ public:
     /// 1: searches by "order_list_type_1".
     void setListMode(int mode) { listMode_ = mode; }
     const orderqueries::Identity &identity() const { return branch_.identity(); }
-    /// "issjfenjianms" of the branch.
-    const QString &distributionMode() const { return branch_.distributionMode(); }
 
     /// Searches, or first switches to the branch when the service has not confirmed one yet.
     void reqOrderList(const QString &searchType, const QString &keyword);

@@ -27,6 +27,13 @@
 
 using Column = DistributionOrderModel::Column;
 
+namespace {
+
+const QString identity = "&shopid=101&eid=3101&superid=7001&personid=3101"_s;
+const QString orderFolder = "TS10001-服务1 周子墨-林婉清 到店自取"_s;
+
+} // namespace
+
 /// The distribution window against the demo service, by mouse and keys.
 class TestFJHome : public ToolWindowTest<FJHome, DistributionOrderModel::NumberColumn>
 {
@@ -41,15 +48,7 @@ private slots:
         folder_ = std::make_unique<QTemporaryDir>();
     }
 
-    void cleanup()
-    {
-        demo_.release();
-        if (window_)
-            window_->close();
-        QTRY_VERIFY(!window_);
-        diskPool()->waitForDone();
-        MessageBox::takeShown();
-    }
+    void cleanup() { endTest(); }
 
     void opensWithTheBranchsOrders_data()
     {
@@ -68,10 +67,8 @@ private slots:
         QFETCH(QString, ticked);
         open(card);
         QCOMPARE(window_->windowTitle(), "分件工具"_s);
-        QCOMPARE(body(action), "keyword=&searchtype=1&shopid=101&eid=3101&superid=7001"
-                               "&personid=3101"_s);
+        QCOMPARE(body(action), "keyword=&searchtype=1"_s + identity);
         QVERIFY(orders()->model()->rowCount() > 5);
-        const QAbstractItemModelTester tester(orders()->model());
         QStringList headers;
         for (int column = 0; column < orders()->model()->columnCount(); ++column)
             headers.append(orders()->model()->headerData(column, Qt::Horizontal).toString());
@@ -90,11 +87,10 @@ private slots:
 
     void searches_data()
     {
-        // expected: body up to the identity
         addColumns<int, QString>({"type", "expected"});
-        newRow("text", 0, "keyword=A%26B%2BC%25&searchtype=1");
-        newRow("shooting date", 1, "keyword=2025-10-01&searchtype=4");
-        newRow("selection date", 2, "keyword=2025-10-08&searchtype=5");
+        newRow("text", 0, "keyword=A%26B%2BC%25&searchtype=1"_s + identity);
+        newRow("shooting date", 1, "keyword=2025-10-01&searchtype=4"_s + identity);
+        newRow("selection date", 2, "keyword=2025-10-08&searchtype=5"_s + identity);
     }
 
     void searches()
@@ -109,12 +105,12 @@ private slots:
         demo_.hold("order_list_type_1"_s);
         click("searchButton");
         waitUntilHeld();
-        QCOMPARE(child<QPushButton>("searchButton")->text(), "搜索中..."_s);
+        QCOMPARE(texts("searchButton"), "搜索中..."_s);
         QVERIFY(!child<QPushButton>("searchButton")->isEnabled());
         QCOMPARE(orders()->model()->rowCount(), 0);
         demo_.release();
-        QTRY_COMPARE(child<QPushButton>("searchButton")->text(), "搜索订单"_s);
-        QTEST(body("order_list_type_1"_s).section("&shopid"_s, 0, 0), "expected");
+        QTRY_COMPARE(texts("searchButton"), "搜索订单"_s);
+        QTEST(body("order_list_type_1"_s), "expected");
         QVERIFY(orders()->model()->rowCount() >= 1);
     }
 
@@ -168,6 +164,7 @@ private slots:
                  "keyword=TS&searchtype=1&shopid=102&eid=3102&superid=7002&personid=3102"_s);
         QCOMPARE(AccountContext::eid, "3102"_s);
         QCOMPARE(AccountContext::superId, "7002"_s);
+        QCOMPARE(AccountContext::distributionRule, "1"_s);
         // A branch without a rule leaves the editor as it was.
         QCOMPARE(rule(), stored);
     }
@@ -208,13 +205,13 @@ private slots:
         // Sorted the other way round the ticks stay with their orders.
         orders()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
         clickCell(0, Column::TickColumn);
-        QCOMPARE(cell(0, Column::NumberColumn), "TS10001-2"_s);
         QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
+        const auto *panel = child<FJLeftPanel>("leftPanel");
+        QCOMPARE(panel->tickedOrders().first().serviceTimes, "2"_s);
         click("selectAllButton");
-        QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().first().serviceTimes, "2"_s);
-        QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 2);
+        QCOMPARE(panel->tickedOrders().size(), 2);
         click("unselectAllButton");
-        QVERIFY(child<FJLeftPanel>("leftPanel")->tickedOrders().isEmpty());
+        QVERIFY(panel->tickedOrders().isEmpty());
         // The row under the pointer is shaded, all of it.
         const auto ground = [this](int row, int column) {
             const QRect cell = orders()->visualRect(orders()->model()->index(row, column));
@@ -231,15 +228,15 @@ private slots:
     void needsADirectoryAndOrders()
     {
         open("下载原始档"_s);
-        QCOMPARE(child<QLabel>("directoryLabel")->text(), "未选择目录"_s);
+        QCOMPARE(texts("directoryLabel"), "未选择目录"_s);
         click("startButton");
         EXPECT_BOXES("请选择分件目录后再点击开始分件按钮"_s);
         click("directoryButton"); // cancelled
-        QCOMPARE(child<QLabel>("directoryLabel")->text(), "未选择目录"_s);
+        QCOMPARE(texts("directoryLabel"), "未选择目录"_s);
         const QString deep = folder_->filePath(QString(200, QLatin1Char('d')));
         FileDialog::setNextFolder(deep);
         click("directoryButton");
-        QVERIFY(child<QLabel>("directoryLabel")->text().contains("..."_s));
+        QVERIFY(texts("directoryLabel").contains("..."_s));
         QCOMPARE(child<QLabel>("directoryLabel")->toolTip(), QDir::toNativeSeparators(deep));
         click("startButton");
         EXPECT_BOXES("请选择需要分件的订单"_s);
@@ -253,9 +250,12 @@ private slots:
     {
         open("下载原始档"_s);
         search("TS10001"_s, 2);
+        demo_.refuse("orderphotodetail"_s, "订单已锁定"_s);
+        clickCell(1, Column::ManColumn);
+        EXPECT_BOXES("订单已锁定"_s);
         clickCell(0, Column::ManColumn);
-        QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (4张)  "_s);
-        QCOMPARE(child<QLabel>("downloadedLabel")->text(), "已下载:  (0张)  "_s);
+        QTRY_COMPARE(texts("undownloadLabel", "downloadedLabel"),
+                     "未下载:  (4张)  已下载:  (0张)  "_s);
         auto *list = child<QListView>("undownloadList");
         const QAbstractItemModelTester tester(list->model());
         QSignalSpy changed(child<FJRightPanel>("rightPanel"),
@@ -267,17 +267,21 @@ private slots:
 
         // What was left out is not downloaded, also when another order was shown meanwhile.
         clickCell(1, Column::ManColumn);
-        QTRY_COMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (0张)  "_s);
+        QTRY_COMPARE(texts("undownloadLabel"), "未下载:  (0张)  "_s);
         clickCell(0, Column::TickColumn);
-        FileDialog::setNextFolder(folder_->path());
-        click("directoryButton");
-        click("startButton");
+        start();
         EXPECT_BOXES("1个订单分件完成!"_s);
-        QCOMPARE(child<QLabel>("undownloadLabel")->text(), "未下载:  (3张)  "_s);
-        QCOMPARE(child<QLabel>("downloadedLabel")->text(), "已下载:  (1张)  "_s);
+        QCOMPARE(texts("undownloadLabel", "downloadedLabel"), "未下载:  (3张)  已下载:  (1张)  "_s);
         QTRY_COMPARE(demo_.requests("download_success"_s).size(), 1);
-        const QDir made(folder_->filePath("TS10001-服务1 周子墨-林婉清 到店自取/原始档"_s));
+        const QDir made(folder_->filePath(orderFolder + "/原始档"_s));
         QCOMPARE(made.entryList(QDir::Files), QStringList("IMG_0007.jpg"_s));
+
+        // Another search forgets it, with the ticks.
+        search("TS10001"_s, 2);
+        clickCell(0, Column::TickColumn);
+        start();
+        EXPECT_BOXES("1个订单分件完成!"_s);
+        QCOMPARE(made.entryList({"*.jpg"_s}, QDir::Files).size(), 4);
     }
 
     void distributesInTableOrder()
@@ -286,22 +290,17 @@ private slots:
         search("TS10001"_s, 2);
         orders()->sortByColumn(Column::NumberColumn, Qt::DescendingOrder);
         click("selectAllButton");
-        FileDialog::setNextFolder(folder_->path());
-        click("directoryButton");
         demo_.hold("orderphotodetail"_s);
-        demo_.clearRequests();
-        click("startButton");
+        start();
         waitUntilHeld();
-        QCOMPARE(child<QLabel>("progressLabel")->text(), "总进度 1/2  当前订单:TS10001-服务2"_s);
+        QCOMPARE(texts("progressLabel"), "总进度 1/2  当前订单:TS10001-服务2"_s);
         demo_.release();
         EXPECT_BOXES("2个订单分件完成!"_s);
-        QCOMPARE(child<QLabel>("progressLabel")->text(), "总进度 2/2  当前订单:TS10001-服务1"_s);
-        QCOMPARE(body("orderphotodetail"_s),
-                 "order_photo_id=800001&shopid=101&eid=3101&superid=7001&personid=3101"_s);
-        QVERIFY(QDir(folder_->path())
-                    .exists("TS10001-服务1 周子墨-林婉清 到店自取/晨光制作厂 周子墨-林婉清"
-                            " 2026-01-15取 快递/迎宾海报=/IMG_0003.jpg"_s));
-        QVERIFY(child<QPushButton>("startButton")->text() == "开始分件"_s);
+        QCOMPARE(texts("progressLabel"), "总进度 2/2  当前订单:TS10001-服务1"_s);
+        QCOMPARE(body("orderphotodetail"_s), "order_photo_id=800001"_s + identity);
+        QVERIFY(QDir(folder_->filePath(orderFolder))
+                    .exists("晨光制作厂 周子墨-林婉清 2026-01-15取 快递/迎宾海报=/IMG_0003.jpg"_s));
+        QCOMPARE(texts("startButton"), "开始分件"_s);
     }
 
     void listsWhatFailed()
@@ -309,10 +308,8 @@ private slots:
         open("下载照片交付"_s);
         search("TS10001"_s, 2);
         click("selectAllButton");
-        FileDialog::setNextFolder(folder_->path());
-        click("directoryButton");
         demo_.refuse("orderphotodetail"_s, "订单已锁定"_s);
-        click("startButton");
+        start();
         EXPECT_BOXES("1个订单分件完成!\n有 2 处失败，见失败记录"_s);
         QVERIFY(child<QPlainTextEdit>("errorList")->isVisible());
         click("copyErrorsButton");
@@ -331,12 +328,10 @@ private slots:
         open();
         search("TS10001"_s, 2);
         clickCell(0, Column::TickColumn);
-        FileDialog::setNextFolder(folder_->path());
-        click("directoryButton");
         demo_.hold("orderphotodetail"_s, 2);
-        click("startButton");
+        start();
         QTRY_VERIFY(demo_.held() >= 1);
-        QCOMPARE(child<QPushButton>("startButton")->text(), "停止分件"_s);
+        QCOMPARE(texts("startButton"), "停止分件"_s);
         const QString running = "分件中..."_s;
         click("searchButton");
         EXPECT_BOXES(running);
@@ -348,9 +343,8 @@ private slots:
         QCOMPARE(child<FJLeftPanel>("leftPanel")->tickedOrders().size(), 1);
         QVERIFY(!child<QPushButton>("directoryButton")->isEnabled());
         click("startButton");
-        QTRY_COMPARE(child<QPushButton>("startButton")->text(), "开始分件"_s);
+        QTRY_COMPARE(texts("startButton"), "开始分件"_s);
         QCOMPARE(Toast::currentText(window_), "已停止，完成 0/1 个订单"_s);
-        QVERIFY(boxes().isEmpty());
     }
 
     void closesWhenTheServiceHasBeenTold()
@@ -358,30 +352,33 @@ private slots:
         open();
         search("TS10001"_s, 2);
         clickCell(0, Column::TickColumn);
-        FileDialog::setNextFolder(folder_->path());
-        click("directoryButton");
         click("option原始档");
         demo_.hold("download_success"_s, -1);
-        click("startButton");
+        start();
         EXPECT_BOXES("1个订单分件完成!"_s);
+        window_->setAttribute(Qt::WA_DeleteOnClose);
         window_->close();
         QVERIFY(window_ && !window_->isVisible()); // lives on until the service has been told
         demo_.misbehave("download_success"_s, "none"_s);
         demo_.release();
         QTRY_VERIFY(!window_);
         QCOMPARE(demo_.requests("download_success"_s).size(), 4);
-        QVERIFY(boxes().isEmpty());
     }
 
 private:
     void open(const QString &card = "设计分件"_s)
     {
-        window_ = new FJHome;
-        window_->setAttribute(Qt::WA_DeleteOnClose);
-        window_->setCard(card);
-        window_->resize(1500, 1000);
-        window_->show();
+        auto *window = new FJHome;
+        window->setCard(card);
+        show(window, 0);
         QTRY_VERIFY(!searchBar()->isBusy());
+    }
+
+    void start()
+    {
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        click("startButton");
     }
 
     void search(const QString &keyword, int expected)
@@ -395,22 +392,15 @@ private:
 
     OrderSearchBar *searchBar() { return window_->findChild<OrderSearchBar *>(); }
 
-    void clickCell(int row, int column)
+    void clickCell(int row, int column) { click(orders()->model()->index(row, column)); }
+
+    /// What labels and buttons say, one after the other.
+    template <typename... Names> QString texts(const Names &...names)
     {
-        QTest::mouseClick(orders()->viewport(), Qt::LeftButton, {},
-                          orders()->visualRect(orders()->model()->index(row, column)).center());
+        return (child<QWidget>(names)->property("text").toString() + ...);
     }
 
-    QString cell(int row, int column)
-    {
-        return orders()->model()->index(row, column).data().toString();
-    }
-
-    QString body(const QString &action)
-    {
-        const QJsonArray sent = demo_.requests(action);
-        return sent.last()["body"_s].toString().section("&token"_s, 0, 0);
-    }
+    QString body(const QString &action) { return demo_.body(action).section("&token"_s, 0, 0); }
 
     std::unique_ptr<QTemporaryDir> folder_;
 };
