@@ -22,11 +22,6 @@ QJsonObject json(QByteArray text)
     return QJsonDocument::fromJson(text.replace('\'', '"')).object();
 }
 
-QString utf8(const char *text)
-{
-    return QString::fromUtf8(text);
-}
-
 /// "type role target <- source" of each task, below the order's folder.
 QStringList described(const OrderPlan &plan)
 {
@@ -47,45 +42,32 @@ class TestDistributionPlan : public QObject
     Q_OBJECT
 
 private slots:
-    void bodies_data()
-    {
-        addColumns<QString, QString, QByteArray>({"type", "keyword", "expected"});
-        const auto row = [](const char *type, const char *keyword, const char *expected) {
-            newRow(type, utf8(type), utf8(keyword),
-                   QByteArray(expected) + "&shopid=1&eid=3&superid=2&personid=3");
-        };
-        row("基本信息", "A&B+1%", "keyword=A%26B%2B1%25&searchtype=1");
-        row("拍照日期", "2024-03-07", "keyword=2024-03-07&searchtype=4");
-        row("选片日期", "2024-03-07", "keyword=2024-03-07&searchtype=5");
-        row("别的", "", "keyword=");
-    }
-    void bodies()
-    {
-        QFETCH(QString, type);
-        QFETCH(QString, keyword);
-        QTEST(distributionrequests::orderListBody(type, keyword, somebody), "expected");
-    }
-
-    void keywords()
+    void searches()
     {
         orderqueries::OrderSearch search;
-        search.text = "林"_s;
+        search.text = "A&B+1%"_s;
         search.shootingDate = {2024, 3, 7};
         search.selectionDate = {2024, 4, 8};
-        QStringList keywords;
-        for (search.type = 0; search.type < 4; ++search.type) {
-            keywords << distributionrequests::searchTypeText(search.type)
-                     << distributionrequests::keywordOf(search);
+        search.type = 0;
+        for (const auto &[type, expected] :
+             {std::pair{"基本信息"_s, QByteArray("keyword=A%26B%2B1%25&searchtype=1")},
+              {"拍照日期"_s, "keyword=2024-03-07&searchtype=4"},
+              {"选片日期"_s, "keyword=2024-04-08&searchtype=5"},
+              {QString(), "keyword="}}) {
+            QCOMPARE(distributionrequests::searchTypeText(search.type), type);
+            QCOMPARE(distributionrequests::orderListBody(
+                         type, distributionrequests::keywordOf(search), somebody),
+                     expected + "&shopid=1&eid=3&superid=2&personid=3");
+            ++search.type;
         }
-        QCOMPARE(keywords.join(QLatin1Char(' ')),
-                 "基本信息 林 拍照日期 2024-03-07 选片日期 2024-04-08  "_s);
     }
 
     void cardsAndModes()
     {
         QStringList modes;
-        for (const char *card : {"下载原始档", "下载选片结果", "设计分件", "下载照片交付", "?"}) {
-            const Type type = splitTypeOf(utf8(card));
+        for (const QString &card :
+             {"下载原始档"_s, "下载选片结果"_s, "设计分件"_s, "下载照片交付"_s, "?"_s}) {
+            const Type type = splitTypeOf(card);
             modes.append(cardName(type) + QString::number(runMode(type)) +
                          QString::number(listMode(type)));
         }

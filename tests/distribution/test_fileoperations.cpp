@@ -6,7 +6,6 @@
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/pictures.h"
-#include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
 #include <QDir>
@@ -304,17 +303,6 @@ private slots:
         QVERIFY(!reports.at(3));
         QVERIFY(FJDataOperate::perform(task("别的")).type.isEmpty());
         QVERIFY(!FJDataOperate::perform(task("拷贝照片", "别的")).success);
-    }
-
-    void fullDisk()
-    {
-        QVERIFY(QDir().mkpath(at("out")));
-        const SmallDisk disk(at("out"), 1);
-        if (!disk.isMounted())
-            QSKIP("Mounting a disk of our own needs the rights to do so.");
-        writeFile(at("in/all/a.jpg"), QByteArray(2 << 20, 'x'));
-        QCOMPARE(FJDataOperate::perform(task("下载原始档")).errmsg, "a.jpg复制失败"_s);
-        QVERIFY(filesBelow(at("out")).isEmpty());
     }
 
 private:
