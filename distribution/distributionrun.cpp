@@ -192,14 +192,23 @@ void DistributionRun::startTask(const DistributionTask &task)
 {
     ++tasksInFlight_;
     const auto report = [this](const std::optional<TaskResult> &result) {
-        QMetaObject::invokeMethod(
-            this, [this, result] { onTaskEnded(result); }, Qt::QueuedConnection);
+        {
+            const std::lock_guard<std::mutex> lock(resultsMutex_);
+            results_.enqueue(result);
+        }
+        QMetaObject::invokeMethod(this, &DistributionRun::takeResult, Qt::QueuedConnection);
     };
     pool_.start(new FJDataThread(task, stopFlag_, perform_, report));
 }
 
-void DistributionRun::onTaskEnded(const std::optional<TaskResult> &result)
+/// Of one task that has ended.
+void DistributionRun::takeResult()
 {
+    std::optional<TaskResult> result;
+    {
+        const std::lock_guard<std::mutex> lock(resultsMutex_);
+        result = results_.dequeue();
+    }
     --tasksInFlight_;
     if (result)
         count(*result);

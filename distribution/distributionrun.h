@@ -10,6 +10,7 @@
 #include <QHash>
 #include <QMetaType>
 #include <QObject>
+#include <QQueue>
 #include <QSet>
 #include <QStringList>
 #include <QThreadPool>
@@ -18,6 +19,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <optional>
 
 /// What a run is started with, besides the orders; it keeps its own copy.
@@ -93,7 +95,7 @@ private:
     void onPlanned(const QString &folderError, const OrderPlan &plan);
     void startTask(const DistributionTask &task);
     void startOrderTask(const QString &type);
-    void onTaskEnded(const std::optional<TaskResult> &result);
+    void takeResult();
     void count(const TaskResult &result);
     void countDownload(const TaskResult &result);
     void countDistribution(const TaskResult &result);
@@ -135,6 +137,8 @@ private:
     int listSettled_ = 0; ///< of them those that need nothing any more
 
     int tasksInFlight_ = 0;
+    std::mutex resultsMutex_;
+    QQueue<std::optional<TaskResult>> results_; ///< not taken yet; guarded by the mutex
     QString orderTask_; ///< type of the task after the photos that is going on
     std::shared_ptr<StepProgress> productProgress_;
     QTimer stepTimer_;

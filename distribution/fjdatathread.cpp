@@ -7,13 +7,17 @@
 
 FJDataThread::FJDataThread(DistributionTask task, StopFlag stopped, PerformTask perform,
                            Report report)
-    : task_(std::move(task)), perform_(std::move(perform)), report_(std::move(report))
 {
+    const std::lock_guard<std::mutex> lock(handOver_);
+    task_ = std::move(task);
     task_.stopped = std::move(stopped);
+    perform_ = std::move(perform);
+    report_ = std::move(report);
 }
 
 void FJDataThread::run()
 {
+    const std::lock_guard<std::mutex> lock(handOver_);
     const bool stopped = task_.stopped && *task_.stopped;
     report_(stopped ? std::nullopt : std::make_optional(result()));
 }

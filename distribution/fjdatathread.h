@@ -5,6 +5,7 @@
 #include <QRunnable>
 
 #include <functional>
+#include <mutex>
 #include <optional>
 
 /// One file operation of a distribution run, on a thread of a pool, which deletes it. Whatever
@@ -22,6 +23,7 @@ public:
 private:
     TaskResult result() const;
 
+    std::mutex handOver_; ///< brings the members to the pool's thread, whatever the pool does
     DistributionTask task_;
     PerformTask perform_;
     Report report_;

@@ -6,7 +6,12 @@
 
 #include <QFileInfo>
 #include <QSet>
-#include <QtConcurrentMap>
+#include <QThread>
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <vector>
 
 namespace {
 
@@ -55,6 +60,21 @@ QString failure(const PhotoCopy &copy)
     const QString reason =
         QFileInfo(copy.source).isFile() ? QString() : QStringLiteral("，照片不存在");
     return copy.name + QStringLiteral("拷贝失败（") + product + reason + QStringLiteral("）");
+}
+
+/// Calls \a work with each number from 0 below \a count, on as many threads as the machine has, and
+/// returns when all is done.
+template <typename Work> void inParallel(int count, const Work &work)
+{
+    std::atomic<int> next{0};
+    const auto takeTurns = [&] {
+        for (int number = next++; number < count; number = next++)
+            work(number);
+    };
+    std::vector<std::future<void>> others; // wait for their ends when they go
+    for (int thread = std::min(count, QThread::idealThreadCount()); thread > 1; --thread)
+        others.push_back(std::async(std::launch::async, takeTurns));
+    takeTurns();
 }
 
 QString inFolder(const QString &folder, const QString &name)
@@ -106,9 +126,10 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
 
     if (progress)
         progress->total = copies.size();
-    QtConcurrent::blockingMap(copies, [&stopped, progress](PhotoCopy &copy) {
+    inParallel(copies.size(), [&stopped, progress, all = copies.data()](int number) {
         if (stopped && stopped())
             return;
+        PhotoCopy &copy = all[number];
         copy.ending = photofiles::copyOnto(copy.source, copy.target) ? PhotoCopy::Ending::Copied
                                                                      : PhotoCopy::Ending::Failed;
         if (progress)
