@@ -118,10 +118,8 @@ private slots:
             QVERIFY2(found >= 0, piece);
             at = found;
         }
-        QVERIFY(between(sheet, "加急件", "普通件")
-                    .contains("<td width=\"20%\" align=\"center\">制作要求"_s));
-        QVERIFY(between(sheet, "普通件", "总计")
-                    .contains("<td width=\"25%\" align=\"center\">制作要求"_s));
+        QVERIFY(between(sheet, "加急件", "普通件").contains("\"20%\" align=\"center\">制作要求"_s));
+        QVERIFY(between(sheet, "普通件", "总计").contains("\"25%\" align=\"center\">制作要求"_s));
     }
 
     void orderValues()
@@ -206,30 +204,21 @@ private slots:
         DetailProduct likeASet = product("框", 1);
         likeASet.goodTypeId = "40"_s;
         detail.urgentGoods = {product("急", 1)};
-        detail.goods = {withParts, likeASet, product("册", 1)};
+        detail.goods = {product("空", 0), withParts, likeASet, product("册", 1)};
         const QString sheet = html(detail);
         QVERIFY(between(sheet, "加急件", "普通件").contains("<td align=\"center\">1</td>"_s));
         const QString normal = between(sheet, "普通件", "总计");
         QVERIFY(normal.contains(
-            "<tr><td align=\"center\" rowspan=\"3\">2</td><td><span class=\"style2\">套"_s));
+            "<tr><td align=\"center\" rowspan=\"3\">3</td><td><span class=\"style2\">套"_s));
         QVERIFY(normal.contains("<tr><td><span class=\"style2\">甲"_s));
         QVERIFY(normal.contains("<tr><td><span class=\"style2\">乙"_s));
-        QVERIFY(normal.contains("rowspan=\"1\">3</td><td><span class=\"style2\">框"_s));
-        QVERIFY(normal.contains("<td align=\"center\">4</td><td><span class=\"style2\">册"_s));
+        QVERIFY(normal.contains("rowspan=\"1\">4</td><td><span class=\"style2\">框"_s));
+        QVERIFY(normal.contains("<td align=\"center\">5</td><td><span class=\"style2\">册"_s));
         QCOMPARE(normal.count("<img"_s), 5);
-    }
-
-    void totals()
-    {
-        OrderDetail detail;
-        DetailProduct withParts = product("套", 1);
-        withParts.sonGood = {product("甲", 2)};
-        detail.goods = {product("空", 0), withParts, product("册", 4)};
-        const QString sheet = html(detail);
-        QVERIFY(
-            sheet.contains("<td>总计</td><td colspan=\"9\">产品总数:0件, 选中总张数共0张</td>"_s));
-        QVERIFY(
-            sheet.contains("<td>总计</td><td colspan=\"9\">产品总数:3件, 选中总张数共7张</td>"_s));
+        const QString total =
+            "<td>总计</td><td colspan=\"9\">产品总数:%1件, 选中总张数共%2张</td>"_s;
+        QVERIFY(sheet.contains(total.arg(1).arg(1)));
+        QVERIFY(sheet.contains(total.arg(4).arg(5)));
         // Nobody chose photos for it: it stands behind the others, under a heading.
         QVERIFY(sheet.indexOf("未操作产品"_s) > sheet.indexOf("册</span>"_s));
         QVERIFY(sheet.indexOf(">空</span>"_s) > sheet.indexOf("未操作产品"_s));
@@ -253,11 +242,7 @@ private slots:
         const QString without = sheetHtml(input(detail, "/"_s));
         QVERIFY(!without.contains("<img"_s));
         QVERIFY(without.contains("<td width=\"20%\" align=\"center\" valign=\"top\"></td>"_s));
-    }
 
-    void markedPhotos()
-    {
-        OrderDetail detail;
         DetailPhoto marked = photo(1);
         marked.remarks = QStringList{"瘦脸"_s, "去斑\n提亮"_s};
         detail.imagesBiaoji = {marked};
