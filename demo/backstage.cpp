@@ -184,10 +184,25 @@ bool Backstage::spoilPicture(const Misbehaviour &misbehaviour, const QString &pa
 
 Backstage::Reply Backstage::picture(const QString &path, const QByteArray &userAgent)
 {
-    const QString id = path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0);
+    return picture(path, userAgent, [this, path] {
+        const QString id = path.section(QLatin1Char('/'), -1).section(QLatin1Char('.'), 0, 0);
+        std::unique_lock<std::mutex> lock(mutex_);
+        const std::optional<PhotoFile> photo = studio_.findPhoto(id);
+        lock.unlock();
+        QByteArray drawn;
+        if (photo && !photo->path.isEmpty())
+            drawn = smallPicture(paths_.toDisk(photo->path));
+        if (photo && !photo->isRegistered && drawn.isEmpty())
+            drawn = inventedPicture(id);
+        return drawn;
+    });
+}
+
+Backstage::Reply Backstage::picture(const QString &path, const QByteArray &userAgent,
+                                    const std::function<QByteArray()> &draw)
+{
     Reply reply;
     reply.contentType = "image/jpeg";
-    std::optional<PhotoFile> photo;
     {
         std::unique_lock<std::mutex> lock(mutex_);
         const auto misbehaviour = misbehaviours_.take(QStringLiteral("image"));
@@ -198,13 +213,9 @@ Backstage::Reply Backstage::picture(const QString &path, const QByteArray &userA
             if (spoilPicture(*misbehaviour, path, &reply))
                 return reply;
         }
-        photo = studio_.findPhoto(id);
     }
     // Pictures take their time, and the other requests need not wait for them.
-    if (photo && !photo->path.isEmpty())
-        reply.body = smallPicture(paths_.toDisk(photo->path));
-    if (photo && !photo->isRegistered && reply.body.isEmpty())
-        reply.body = inventedPicture(id);
+    reply.body = draw();
     if (reply.body.isEmpty())
         reply.status = 404;
     return reply;

@@ -14,6 +14,7 @@
 #include <QString>
 
 #include <condition_variable>
+#include <functional>
 #include <mutex>
 
 namespace demo {
@@ -51,6 +52,9 @@ public:
 
     // path: of a photo, such as "/photos/17.jpg".
     Reply picture(const QString &path, const QByteArray &userAgent);
+    // What draw makes; where that is nothing, there is no such picture.
+    Reply picture(const QString &path, const QByteArray &userAgent,
+                  const std::function<QByteArray()> &draw);
     // Waits a moment; false when the service is closing.
     bool pause();
 

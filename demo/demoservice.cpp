@@ -239,20 +239,29 @@ void DemoService::Front::addRoutes()
                           backstage_.picture(QString::fromStdString(request.path),
                                              bytes(request.get_header_value("User-Agent"))));
                  });
-    server_->Get("/index\\.php", [](const httplib::Request &request, httplib::Response &response) {
-        const demo::Fields query = demo::decodeForm(queryOf(request));
-        if (query.value(QStringLiteral("a")) != QStringLiteral("getbarcodegen")) {
-            response.status = 404;
-            return;
-        }
-        setContent(response, demo::barcodePicture(query.value(QStringLiteral("orderpayforkey"))),
-                   "image/jpeg");
-    });
+    const auto draw = [this](const httplib::Request &request, httplib::Response &response,
+                             const std::function<QByteArray()> &drawn) {
+        send(request, response,
+             backstage_.picture(QString::fromStdString(request.path),
+                                bytes(request.get_header_value("User-Agent")), drawn));
+    };
     server_->Get(
-        "/distribution/.*", [](const httplib::Request &request, httplib::Response &response) {
-            setContent(response, demo::distributionPicture(QString::fromStdString(request.path)),
-                       "image/jpeg");
+        "/index\\.php", [draw](const httplib::Request &request, httplib::Response &response) {
+            const demo::Fields query = demo::decodeForm(queryOf(request));
+            if (query.value(QStringLiteral("a")) != QStringLiteral("getbarcodegen")) {
+                response.status = 404;
+                return;
+            }
+            draw(request, response, [number = query.value(QStringLiteral("orderpayforkey"))] {
+                return demo::barcodePicture(number);
+            });
         });
+    server_->Get("/distribution/.*",
+                 [draw](const httplib::Request &request, httplib::Response &response) {
+                     draw(request, response, [path = QString::fromStdString(request.path)] {
+                         return demo::distributionPicture(path);
+                     });
+                 });
     server_->Get(
         "/demo/requests", [this](const httplib::Request &request, httplib::Response &response) {
             const demo::Fields query = demo::decodeForm(queryOf(request));

@@ -302,6 +302,28 @@ private slots:
         QVERIFY(filesBelow(folder_->path()).size() >= 3); // the other order's
     }
 
+    void whatFailsIsListedAndTheOrderIsFinished_data()
+    {
+        addColumns<QString, int, QString>({"pictures", "failed", "error"});
+        newRow("crop, mark and barcode", "http-error", 3, ".jpg图片下载失败:");
+        newRow("no pictures", "not-a-picture", 3, ".jpg无法从数据创建图像");
+        newRow("sheet", "none", 1, "明细制作单.pdf生成失败");
+    }
+
+    void whatFailsIsListedAndTheOrderIsFinished()
+    {
+        QFETCH(QString, pictures);
+        QFETCH(int, failed);
+        QFETCH(QString, error);
+        demo_.misbehave("image"_s, pictures, {{"times"_s, failed}});
+        if (pictures == "none"_s)
+            QVERIFY(QDir().mkpath(target(orderFolder + "/明细制作单.pdf"_s)));
+        const RunSummary summary = run({order(1)}, settings(Type::DownloadSelection, "f"_s));
+        QCOMPARE(summary.completed, 1);
+        QCOMPARE(summary.errors.size(), failed);
+        QCOMPARE(summary.errors.filter(error).size(), failed);
+    }
+
     void hostileNamesStayInTheirFolder()
     {
         for (const Type type :
@@ -353,6 +375,19 @@ private slots:
         QCOMPARE(finished.size(), 1);
         QVERIFY(!run_->isRunning());
         QVERIFY(filesBelow(folder_->path()).isEmpty());
+    }
+
+    void waitsForTheReportsUnlessTheyAreAbandoned()
+    {
+        demo_.hold(reports, -1);
+        QSignalSpy finished(run_.get(), &DistributionRun::finished);
+        QSignalSpy idle(run_.get(), &DistributionRun::idle);
+        QVERIFY(run_->start({order(1)}, settings(Type::DownloadOriginals, "o"_s)));
+        QTRY_COMPARE(finished.size(), 1);
+        QVERIFY(run_->isBusy() && idle.isEmpty());
+        run_->abandonReports();
+        QVERIFY(!run_->isBusy());
+        QCOMPARE(idle.size(), 1);
     }
 
     void aFullDiskFailsWhatDoesNotFit()
