@@ -158,7 +158,7 @@ private slots:
         chooseBranch("102"_s);
         QTRY_COMPARE(announced.size(), 1);
         QCOMPARE(announced.first(), (QList<QVariant>{"102"_s, "3102"_s, "7002"_s}));
-        QTRY_VERIFY(!searchBar()->isBusy());
+        waitForOrders();
         QCOMPARE(body("switch_shop"_s), "shopid=102"_s);
         QCOMPARE(body("order_list_type_1"_s),
                  "keyword=TS&searchtype=1&shopid=102&eid=3102&superid=7002&personid=3102"_s);
@@ -371,7 +371,7 @@ private:
         auto *window = new FJHome;
         window->setCard(card);
         show(window, 0);
-        QTRY_VERIFY(!searchBar()->isBusy());
+        waitForOrders();
     }
 
     void start()
@@ -386,9 +386,11 @@ private:
         auto *edit = child<QLineEdit>("keywordEdit");
         edit->setText(keyword);
         QTest::keyClick(edit, Qt::Key_Return);
-        QTRY_VERIFY(!searchBar()->isBusy());
+        waitForOrders();
         QCOMPARE(orders()->model()->rowCount(), expected);
     }
+
+    void waitForOrders() { QTRY_VERIFY_WITH_TIMEOUT(!searchBar()->isBusy(), patienceMs); }
 
     OrderSearchBar *searchBar() { return window_->findChild<OrderSearchBar *>(); }
 
