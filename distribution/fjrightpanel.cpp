@@ -76,7 +76,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
     parts->addWidget(options_ = buildOptions());
     parts->addWidget(photoLists_ = buildPhotoLists());
     parts->addWidget(namingPanel_);
-    parts->addStretch();
+    parts->addStretch(1); // all the room that is left; labels would take a share of it
     auto *scroll = new QScrollArea(this);
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);

@@ -83,6 +83,7 @@ private slots:
         QCOMPARE(checked, ticked);
         QTEST(child<QListView>("undownloadList")->isVisible(), "lists");
         QTEST(child<QPushButton>("saveRuleButton")->isVisible(), "naming");
+        QCOMPARE(searchBar()->height(), searchBar()->sizeHint().height());
     }
 
     void searches_data()
