@@ -74,10 +74,17 @@ void change(QJsonObject &object, const QString &name, bool remove)
             object[name] = ofAnotherType(object.value(name));
         return;
     }
+    const QString inner = name.mid(dot + 1);
+    if (object.value(head).isObject()) {
+        QJsonObject changed = object.value(head).toObject();
+        change(changed, inner, remove);
+        object[head] = changed;
+        return;
+    }
     QJsonArray entries = object.value(head).toArray();
     for (int i = 0; i < entries.size(); ++i) {
         QJsonObject entry = entries.at(i).toObject();
-        change(entry, name.mid(dot + 1), remove);
+        change(entry, inner, remove);
         entries[i] = entry;
     }
     object[head] = entries;

@@ -9,6 +9,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QDirIterator>
 #include <QJsonObject>
 #include <QRunnable>
 #include <QThread>
@@ -30,6 +31,12 @@ Planned prepare(PlanRequest request, const QString &namingRule)
 {
     if (!makeFolder(request.orderFolder))
         return {request.orderFolder + QStringLiteral(" 路径创建失败/连接不上服务端"), {}};
+    // What an earlier run that was killed has left must not go to the factory.
+    removeStaleTemporaries(request.orderFolder);
+    QDirIterator below(request.orderFolder, QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks,
+                       QDirIterator::Subdirectories);
+    while (below.hasNext())
+        removeStaleTemporaries(below.next());
     request.productFolders = productFolderPaths(*request.detail, namingRule, request.orderFolder);
     RawFiles raws;
     return {{}, planOrder(request, [&raws](const QString &photo) { return raws.beside(photo); })};
@@ -77,6 +84,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     running_ = true;
     stopFlag_ = std::make_shared<std::atomic<bool>>(false);
     completed_ = 0;
+    folders_.clear();
     index_ = -1;
     stepTimer_.start();
     startNextOrder();
@@ -145,6 +153,12 @@ void DistributionRun::planCurrent(const OrderDetailPtr &detail)
     orderFolder_ = QDir::cleanPath(settings_.directory) + QLatin1Char('/') +
                    orderFolderName(*detail) + QLatin1Char('/');
     qDebug() << "生成的导入路径是：" << orderFolder_;
+    const QString folder = orderFolder_.toCaseFolded();
+    if (folders_.contains(folder)) {
+        skipOrder(QStringLiteral("与前面的订单文件夹相同，没有下载（%1）").arg(orderFolder_));
+        return;
+    }
+    folders_.insert(folder);
     PlanRequest request;
     request.type = settings_.type;
     request.options = settings_.options;

@@ -122,6 +122,7 @@ private:
     /// Shared with the tasks: one that has not begun when it is set does nothing.
     std::shared_ptr<std::atomic<bool>> stopFlag_ = std::make_shared<std::atomic<bool>>(false);
     int completed_ = 0;
+    QSet<QString> folders_; ///< of the orders so far: no two orders may be mixed in one
 
     // The current order.
     int index_ = -1;
