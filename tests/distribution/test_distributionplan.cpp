@@ -145,40 +145,6 @@ private slots:
         QVERIFY(!plan.makesProducts);
     }
 
-    void takesTheMostFinishedVersion_data()
-    {
-        // expected: role and source of a, b, c
-        addColumns<QString, QString>({"options", "expected"});
-        newRow("all", "fbt", "精修成品 ta, 成品 bb, 成品 c");
-        newRow("retouched and full", "ft", "精修成品 ta, 成品 b, 成品 c");
-        newRow("basic alone", "b", "成品 ba, 成品 bb");
-        newRow("nothing", QString(), QString());
-    }
-    void takesTheMostFinishedVersion()
-    {
-        QFETCH(QString, options);
-        PlanRequest request;
-        request.type = Type::DownloadSelection;
-        request.orderFolder = "/o/"_s;
-        request.options.fullSize = options.contains(QLatin1Char('f'));
-        request.options.basic = options.contains(QLatin1Char('b'));
-        request.options.retouched = options.contains(QLatin1Char('t'));
-        request.detail = std::make_shared<const OrderDetail>(readOrderDetail(json(
-            "{'images':[{'img_name':'a','localpath':'a'},{'img_name':'b','localpath':'b'},"
-            "{'img_name':'c','localpath':'c'}],"
-            "'images_1_1':[{'img_name':'a','localpath':'ba'},{'img_name':'b','localpath':'bb'}],"
-            "'images_jingxiu':[{'img_name':'a','localpath':'ta'}]}")));
-        const OrderPlan plan = planOrder(request, [](const QString &) { return QStringList(); });
-        QStringList taken;
-        for (const DistributionTask &task : plan.tasks) {
-            if (roleFolder(task.subType) == "成品/"_s)
-                taken.append(task.subType + QLatin1Char(' ') + task.sourcePath);
-        }
-        QTEST(taken.join(", "_s), "expected");
-        QCOMPARE(plan.fetches.size(), 1); // the barcode
-        QVERIFY(plan.makesProducts && plan.problems.isEmpty());
-    }
-
     void findsRawFilesBesideAPhoto()
     {
         const QTemporaryDir folder;

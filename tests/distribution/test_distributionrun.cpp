@@ -368,6 +368,7 @@ private slots:
         QTRY_COMPARE(begun.load(), threads);
         run_->stop();
         QVERIFY(run_->isRunning()); // those in flight end by themselves
+        QVERIFY(!run_->start({order(2)}, settings(Type::Distribution, QString())));
         gate.release(1000);
         QTRY_COMPARE(finished.size(), 1);
         QCOMPARE(begun.load(), threads);
@@ -375,19 +376,6 @@ private slots:
         QVERIFY(summary_.stopped);
         QCOMPARE(summary_.completed, 0);
         QCOMPARE(demo_.requests(detailAction).size(), 1);
-    }
-
-    void stopsWhileWaitingForTheService()
-    {
-        demo_.hold(detailAction);
-        QSignalSpy finished(run_.get(), &DistributionRun::finished);
-        QVERIFY(run_->start({order(1)}, settings(Type::Distribution, QString())));
-        QVERIFY(!run_->start({order(2)}, settings(Type::Distribution, QString())));
-        QTRY_COMPARE(demo_.held(), 1);
-        run_->stop();
-        QCOMPARE(finished.size(), 1);
-        QVERIFY(!run_->isRunning());
-        QVERIFY(filesBelow(folder_->path()).isEmpty());
     }
 
     void waitsForTheReportsUnlessTheyAreAbandoned()

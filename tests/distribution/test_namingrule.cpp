@@ -12,17 +12,13 @@ namespace {
 OrderDetail sampleDetail()
 {
     OrderDetail detail;
-    for (const auto &[key, value] : {std::pair{"orderpayforkey", "TS7"},
-                                     {"servicetimes", "2"},
-                                     {"wname", "王丽"},
-                                     {"mname", "李明"},
-                                     {"isurgenttime", "6-1"},
-                                     {"pickuptime", "7-9"},
-                                     {"pickuptypename", "自取"},
-                                     {"factoryname", "一厂"},
-                                     {"isurgent", "0"},
-                                     {"isems", "顺丰"}})
-        detail.order.insert(QLatin1String(key), QString::fromUtf8(value));
+    const QStringList values =
+        "orderpayforkey=TS7 servicetimes=2 wname=王丽 mname=李明 isurgenttime=6-1 "
+        "pickuptime=7-9 pickuptypename=自取 factoryname=一厂 isurgent=0 isems=顺丰"_s.split(
+            QLatin1Char(' '));
+    for (const QString &each : values)
+        detail.order.insert(each.section(QLatin1Char('='), 0, 0),
+                            each.section(QLatin1Char('='), 1));
     return detail;
 }
 
@@ -98,7 +94,8 @@ private slots:
         QFETCH(QString, keysAndSeparators);
         QFETCH(QString, expected);
         namingrule::Rule rule;
-        for (const QString &each : keysAndSeparators.split(QLatin1Char('|'), Qt::SkipEmptyParts))
+        const QStringList items = keysAndSeparators.split(QLatin1Char('|'), Qt::SkipEmptyParts);
+        for (const QString &each : items)
             rule.append({each, each.chopped(1), each.right(1)});
         QCOMPARE(foldernames::productFolder(rule, sampleDetail(), sampleProduct(), 4), expected);
     }

@@ -364,7 +364,7 @@ private slots:
         QVERIFY(!flow->takeAt(3));
     }
 
-    /// Nothing is cut off at any scale; TESSAVO_PICTURES asks for pictures to look at.
+    /// Nothing is cut off at any scale.
     void scales()
     {
         for (const float scale : {1.0F, 1.5F, 2.0F}) {
@@ -383,9 +383,6 @@ private slots:
                 const int label = field->fontMetrics().horizontalAdvance(field->label());
                 QVERIFY(field->separatorButton()->x() >= label + K::scaledPx(8));
             }
-            if (qEnvironmentVariableIsSet("TESSAVO_PICTURES"))
-                panel.grab().save(qEnvironmentVariable("TESSAVO_PICTURES") +
-                                  "/rule-%1.png"_s.arg(double(scale)));
         }
     }
 

@@ -28,13 +28,13 @@ DetailPhoto photo(int number)
     return made;
 }
 
-DetailProduct product(const char *name, int photos, int firstPhoto = 0)
+DetailProduct product(const char *name, int photos)
 {
     DetailProduct made;
     made.id = s(name);
     made.goodName = s(name);
     for (int number = 0; number < photos; ++number)
-        made.imgs.append(photo(firstPhoto + number));
+        made.imgs.append(photo(number));
     return made;
 }
 
@@ -90,32 +90,16 @@ private slots:
         detail.imagesRudi = {photo(3)};
         const QString sheet = html(detail);
         int at = 0;
-        for (const char *piece : {"<HTML><head>",
-                                  "content=\"text/html; charset=gb232\"",
-                                  "content=\"zh-cn\"",
-                                  "<title></title>",
-                                  "margin-left: 0px",
-                                  "<span class=\"style1\">店</span>",
-                                  "%E6%9D%A1%E5%BD%A2%E7%A0%81.jpg",
-                                  "订单号:",
-                                  "收件人姓名:",
-                                  "总体要求",
-                                  "消费要求",
-                                  "调修要求",
-                                  "指定制作",
-                                  "color: #FF0000;\">加急件：",
-                                  "color: #000000;\">普通件：",
-                                  "已选张数 （2张）",
-                                  "入底张数 （1张）",
-                                  "声明<br>二",
-                                  "选片人：",
-                                  "核单员：___________",
-                                  "收发人：___________",
-                                  "客人确认签名：___________",
-                                  "font-size: 12px;\">2026-01-02 03:04:05",
-                                  "</body></HTML>"}) {
-            const int found = sheet.indexOf(s(piece), at);
-            QVERIFY2(found >= 0, piece);
+        const QStringList pieces =
+            "<HTML><head>|content=\"text/html; charset=gb232\"|content=\"zh-cn\"|<title></title>|"
+            "margin-left: 0px|<span class=\"style1\">店</span>|%E6%9D%A1%E5%BD%A2%E7%A0%81.jpg|"
+            "订单号:|收件人姓名:|总体要求|消费要求|调修要求|指定制作|color: #FF0000;\">加急件：|"
+            "color: #000000;\">普通件：|已选张数 （2张）|入底张数 （1张）|声明<br>二|选片人：|"
+            "核单员：___________|收发人：___________|客人确认签名：___________|"
+            "font-size: 12px;\">2026-01-02 03:04:05|</body></HTML>"_s.split(QLatin1Char('|'));
+        for (const QString &piece : pieces) {
+            const int found = sheet.indexOf(piece, at);
+            QVERIFY2(found >= 0, qPrintable(piece));
             at = found;
         }
         QVERIFY(between(sheet, "加急件", "普通件").contains("\"20%\" align=\"center\">制作要求"_s));
@@ -125,25 +109,14 @@ private slots:
     void orderValues()
     {
         OrderDetail detail;
-        for (const auto &[key, value] : {std::pair{"orderpayforkey", "TS1"},
-                                         {"servicetimes", "2"},
-                                         {"servicecount", "3"},
-                                         {"mname", "李"},
-                                         {"selectphotodate", "5-1"},
-                                         {"samplestarttime", "10"},
-                                         {"samplestartmin", "30"},
-                                         {"comparedate", "6-1"},
-                                         {"kanbanarea", "上午"},
-                                         {"getphotoarea", "下午"},
-                                         {"isurgenttime", "7-1"},
-                                         {"urgentdatearea", "早"},
-                                         {"recipients", "王"},
-                                         {"provinceid", "云"},
-                                         {"cityid", "临"},
-                                         {"countyid", "东"},
-                                         {"areaname", "花"},
-                                         {"address", "8号"}})
-            set(&detail, key, s(value));
+        const QStringList values =
+            "orderpayforkey=TS1|servicetimes=2|servicecount=3|mname=李|selectphotodate=5-1|"
+            "samplestarttime=10|samplestartmin=30|comparedate=6-1|kanbanarea=上午|getphotoarea=下午|"
+            "isurgenttime=7-1|urgentdatearea=早|recipients=王|provinceid=云|cityid=临|countyid=东|"
+            "areaname=花|address=8号"_s.split(QLatin1Char('|'));
+        for (const QString &each : values)
+            detail.order.insert(each.section(QLatin1Char('='), 0, 0),
+                                each.section(QLatin1Char('='), 1));
         set(&detail, "getphotodate_html",
             "8-1<br><b style='x'>周&lt;四</b><img src='http://x/y'><script>z()</script>"_s);
         const QString sheet = html(detail);
