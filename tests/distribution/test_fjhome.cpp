@@ -208,7 +208,7 @@ private slots:
         clickCell(0, Column::TickColumn);
         QCOMPARE(selected.takeLast(), (QList<QVariant>{1, true}));
         const auto *panel = child<FJLeftPanel>("leftPanel");
-        QCOMPARE(panel->tickedOrders().first().serviceTimes, "2"_s);
+        QCOMPARE(panel->tickedOrders().constFirst().serviceTimes, "2"_s);
         click("selectAllButton");
         QCOMPARE(panel->tickedOrders().size(), 2);
         click("unselectAllButton");
