@@ -62,8 +62,8 @@ QString failure(const PhotoCopy &copy)
     return copy.name + QStringLiteral("拷贝失败（") + product + reason + QStringLiteral("）");
 }
 
-/// Calls \a work with each number from 0 below \a count, on as many threads as the machine has, and
-/// returns when all is done.
+/// Calls \a work with each number from 0 below \a count, on this thread and on as many others as
+/// the machine runs at once, and returns when all is done.
 template <typename Work> void inParallel(int count, const Work &work)
 {
     std::atomic<int> next{0};
@@ -72,7 +72,7 @@ template <typename Work> void inParallel(int count, const Work &work)
             work(number);
     };
     std::vector<std::future<void>> others; // wait for their ends when they go
-    for (int thread = std::min(count, QThread::idealThreadCount()); thread > 1; --thread)
+    for (int thread = std::min(count - 1, QThread::idealThreadCount()); thread > 0; --thread)
         others.push_back(std::async(std::launch::async, takeTurns));
     takeTurns();
 }
