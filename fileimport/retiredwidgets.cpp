@@ -15,6 +15,7 @@ void tidyMemory()
 {
     constexpr int largePiece = 64 * 1024;
     const QByteArray asked(largePiece, Qt::Uninitialized);
+    Q_UNUSED(asked)
 }
 
 } // namespace

@@ -125,7 +125,8 @@ private slots:
                                 "studio\\a.jpg"_s,
                                 "D:a.jpg"_s,
                                 QString()};
-        for (const QString &path : fine + wrong)
+        const QStringList all = fine + wrong;
+        for (const QString &path : all)
             newRow(qPrintable(path), path, fine.contains(path));
     }
 

@@ -285,7 +285,7 @@ private slots:
         grid.setEntries(entries);
         QCOMPARE(grid.selectedIndexes(), QVector<int>{193});
         QCOMPARE(grid.entry(193).id, "204"_s);
-        QCOMPARE(counts.takeLast().first().toInt(), 1);
+        QCOMPARE(counts.takeLast().constFirst().toInt(), 1);
         QCOMPARE(bar->value(), 38 * row + 7);
         grid.createPhotoItemsBatch();
         QVERIFY(grid.cell(193)->selectButton()->isChecked());
