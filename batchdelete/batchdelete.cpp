@@ -7,7 +7,7 @@
 #include "batchdelete/deletionapproval.h"
 #include "batchdelete/deletionreport.h"
 #include "batchdelete/deletionrules.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/messagebox.h"
 #include "widgets/orderfinder.h"

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/helpers/sharedfolderopener.h"
 #include "batchdelete/batchdelete_delegates.h"
 #include "batchdelete/batchdeleteordermodel.h"
 #include "batchdelete/batchdeleterun.h"
 #include "batchdelete/deletionrequests.h"
+#include "files/sharedfolderopener.h"
 #include "net/branchsession.h"
 #include "widgets/framelesswindow.h"
 

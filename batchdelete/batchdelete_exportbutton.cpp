@@ -2,8 +2,8 @@
 
 #include "batchdelete/batchdeleteordermodel.h"
 #include "batchdelete/deletionreport.h"
-#include "net/background.h"
-#include "net/filewriting.h"
+#include "files/filewriting.h"
+#include "tasks/background.h"
 #include "widgets/contextmenu.h"
 #include "widgets/filedialog.h"
 #include "widgets/messagebox.h"

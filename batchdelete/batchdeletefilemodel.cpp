@@ -1,6 +1,6 @@
 #include "batchdelete/batchdeletefilemodel.h"
 
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 
 #include <QColor>
 

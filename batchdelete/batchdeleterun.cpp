@@ -4,8 +4,8 @@
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
 #include "batchdelete/filescanthread.h"
-#include "net/background.h"
 #include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 #include <QDir>

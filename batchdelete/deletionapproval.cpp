@@ -2,7 +2,7 @@
 
 #include "app/account/batchlogindialog.h"
 #include "batchdelete/batchdeleteordermodel.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"

@@ -4,7 +4,7 @@
 #include "bench/measure.h"
 #include "bench/options.h"
 #include "bench/windowbench.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 

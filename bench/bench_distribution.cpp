@@ -4,7 +4,7 @@
 #include "distribution/fjhome.h"
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"

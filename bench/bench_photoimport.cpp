@@ -2,11 +2,11 @@
 #include "bench/fixture.h"
 #include "bench/measure.h"
 #include "bench/options.h"
-#include "net/background.h"
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
 #include "photoimport/tfimportthreadmanager.h"
+#include "tasks/background.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
 

@@ -3,7 +3,7 @@
 #include "bench/options.h"
 #include "bench/windowbench.h"
 #include "fileimport/importfiles.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 #include "widgets/filedialog.h"

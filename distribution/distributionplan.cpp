@@ -3,7 +3,7 @@
 #include "distribution/distributionrequests.h"
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include <QHash>
 

@@ -4,8 +4,8 @@
 #include "distribution/fjdatathread.h"
 #include "distribution/productfolders.h"
 #include "distribution/rawfiles.h"
-#include "net/background.h"
-#include "net/filewriting.h"
+#include "files/filewriting.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 #include <QDir>

@@ -6,7 +6,7 @@
 #include "distribution/productfolders.h"
 #include "distribution/productionsheet.h"
 #include "distribution/rawfiles.h"
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include <QDebug>
 #include <QFile>

@@ -4,7 +4,7 @@
 #include "app/context/k.h"
 #include "distribution/distributionrequests.h"
 #include "distribution/tickdelegate.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "widgets/colours.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"

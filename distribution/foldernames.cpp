@@ -1,6 +1,6 @@
 #include "distribution/foldernames.h"
 
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include <QSet>
 

@@ -6,7 +6,7 @@
 #include "distribution/flowlayout.h"
 #include "distribution/foldernames.h"
 #include "distribution/orderdetail.h"
-#include "net/safename.h"
+#include "files/safename.h"
 #include "widgets/theme.h"
 
 #include <QLabel>

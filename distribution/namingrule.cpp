@@ -1,8 +1,8 @@
 #include "distribution/namingrule.h"
 
+#include "files/safename.h"
 #include "net/formbody.h"
 #include "net/replyfields.h"
-#include "net/safename.h"
 
 #include <QDebug>
 #include <QJsonDocument>

@@ -1,7 +1,7 @@
 #include "distribution/photofiles.h"
 
-#include "net/filecopy.h"
-#include "net/filewriting.h"
+#include "files/filecopy.h"
+#include "files/filewriting.h"
 #include "platform/fileaccess.h"
 
 #include <QBuffer>

@@ -3,7 +3,7 @@
 #include "distribution/foldernames.h"
 #include "distribution/sheethtml.h"
 #include "distribution/sheetpages.h"
-#include "net/filewriting.h"
+#include "files/filewriting.h"
 #include "platform/fileaccess.h"
 
 #include <QFile>

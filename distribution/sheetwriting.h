@@ -1,7 +1,7 @@
 #pragma once
 
 #include "distribution/sheethtml.h"
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include <QString>
 #include <QStringList>

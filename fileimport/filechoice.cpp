@@ -2,9 +2,9 @@
 
 #include "fileimport/importfilecopyrunnable.h"
 #include "fileimport/importrules.h"
-#include "net/chosenfiles.h"
-#include "net/filewriting.h"
-#include "net/paths.h"
+#include "files/chosenfiles.h"
+#include "files/filewriting.h"
+#include "files/paths.h"
 #include "platform/pathform.h"
 
 #include <QFileInfo>

@@ -1,6 +1,6 @@
 #include "fileimport/importfilecopyrunnable.h"
 
-#include "net/filewriting.h"
+#include "files/filewriting.h"
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fileimport/importrecords.h"
-#include "net/filecopy.h"
+#include "files/filecopy.h"
 
 #include <QObject>
 #include <QRunnable>

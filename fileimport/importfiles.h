@@ -1,10 +1,10 @@
 #pragma once
 
-#include "app/helpers/sharedfolderopener.h"
 #include "fileimport/importfiletablemodel.h"
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrecords.h"
 #include "fileimport/importrun.h"
+#include "files/sharedfolderopener.h"
 #include "net/branchsession.h"
 #include "widgets/framelesswindow.h"
 

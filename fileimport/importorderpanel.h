@@ -1,7 +1,7 @@
 #pragma once
 
 #include "fileimport/orderactionsdelegate.h"
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 
 #include <QStringList>
 #include <QWidget>

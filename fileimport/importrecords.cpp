@@ -1,6 +1,6 @@
 #include "fileimport/importrecords.h"
 
-#include "net/safename.h"
+#include "files/safename.h"
 #include "widgets/colours.h"
 
 #include <algorithm>

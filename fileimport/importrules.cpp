@@ -1,7 +1,7 @@
 #include "fileimport/importrules.h"
 
-#include "net/chosenfiles.h"
-#include "net/paths.h"
+#include "files/chosenfiles.h"
+#include "files/paths.h"
 
 #include <QSet>
 

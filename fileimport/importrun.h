@@ -2,7 +2,7 @@
 
 #include "fileimport/importrecords.h"
 #include "fileimport/orderregistration.h"
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 
 #include <QHash>
 #include <QObject>

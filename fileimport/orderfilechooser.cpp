@@ -2,8 +2,8 @@
 
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrules.h"
-#include "net/background.h"
-#include "net/chosenfiles.h"
+#include "files/chosenfiles.h"
+#include "tasks/background.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"

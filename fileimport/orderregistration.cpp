@@ -1,9 +1,9 @@
 #include "fileimport/orderregistration.h"
 
 #include "fileimport/importrules.h"
-#include "net/background.h"
-#include "net/paths.h"
+#include "files/paths.h"
 #include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <QDir>
 

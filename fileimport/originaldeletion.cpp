@@ -1,7 +1,7 @@
 #include "fileimport/originaldeletion.h"
 
-#include "net/background.h"
 #include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <QDateTime>
 #include <QDebug>

@@ -1,7 +1,7 @@
 #include "fileimport/originalview.h"
 
 #include "fileimport/thumbnailtableview.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "widgets/colours.h"
 #include "widgets/confirmdialog.h"
 #include "widgets/loadingoverlay.h"

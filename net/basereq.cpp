@@ -3,7 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "app/context/installation.h"
 #include "app/context/logging.h"
-#include "net/background.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/context/accountcontext.h"
-#include "net/paths.h"
+#include "files/paths.h"
 
 #include <QByteArray>
 #include <QDate>

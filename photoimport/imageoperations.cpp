@@ -1,9 +1,9 @@
 #include "photoimport/imageoperations.h"
 
 #include "app/context/logging.h"
-#include "net/filecopy.h"
+#include "files/filecopy.h"
 #include "photoimport/decodedsources.h"
-#include "photoimport/pictureio.h"
+#include "pictures/pictureio.h"
 
 #include <QColorSpace>
 #include <QDateTime>

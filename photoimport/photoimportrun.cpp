@@ -1,7 +1,7 @@
 #include "photoimport/photoimportrun.h"
 
-#include "net/background.h"
 #include "photoimport/photorequests.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 

@@ -1,6 +1,6 @@
 #include "photoimport/photoorder.h"
 
-#include "net/paths.h"
+#include "files/paths.h"
 #include "net/replyfields.h"
 #include "photoimport/photorules.h"
 #include "widgets/colours.h"

@@ -1,11 +1,11 @@
 #include "photoimport/photoregistrar.h"
 
 #include "app/context/accountcontext.h"
-#include "net/background.h"
-#include "net/paths.h"
+#include "files/paths.h"
 #include "photoimport/photorequests.h"
 #include "photoimport/photorules.h"
 #include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 #include <QFileInfo>

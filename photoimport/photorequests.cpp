@@ -1,7 +1,7 @@
 #include "photoimport/photorequests.h"
 
+#include "files/paths.h"
 #include "net/formbody.h"
-#include "net/paths.h"
 #include "photoimport/photorules.h"
 
 namespace photorequests {

@@ -1,8 +1,8 @@
 #include "photoimport/photorules.h"
 
-#include "net/filewriting.h"
-#include "net/paths.h"
-#include "net/safename.h"
+#include "files/filewriting.h"
+#include "files/paths.h"
+#include "files/safename.h"
 #include "platform/pathform.h"
 
 #include <QDir>

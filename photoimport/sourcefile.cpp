@@ -1,7 +1,7 @@
 #include "photoimport/sourcefile.h"
 
-#include "net/chosenfiles.h"
-#include "net/safename.h"
+#include "files/chosenfiles.h"
+#include "files/safename.h"
 #include "photoimport/photorules.h"
 
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 #include "photoimport/tffilechooser.h"
 
-#include "net/background.h"
-#include "net/chosenfiles.h"
+#include "files/chosenfiles.h"
 #include "photoimport/tforderlistmodel.h"
+#include "tasks/background.h"
 #include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/messagebox.h"

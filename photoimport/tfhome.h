@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/helpers/sharedfolderopener.h"
+#include "files/sharedfolderopener.h"
 #include "photoimport/photoimportrun.h"
 #include "photoimport/tforderlistmodel.h"
 #include "photoimport/tfphotolistmodel.h"

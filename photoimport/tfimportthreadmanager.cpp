@@ -1,6 +1,6 @@
 #include "photoimport/tfimportthreadmanager.h"
 
-#include "net/background.h"
+#include "tasks/background.h"
 
 #include <QDebug>
 

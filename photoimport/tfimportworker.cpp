@@ -1,8 +1,8 @@
 #include "photoimport/tfimportworker.h"
 
-#include "net/filecopy.h"
-#include "net/filewriting.h"
-#include "net/safename.h"
+#include "files/filecopy.h"
+#include "files/filewriting.h"
+#include "files/safename.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
 #include "platform/fileaccess.h"

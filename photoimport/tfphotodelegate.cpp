@@ -1,7 +1,7 @@
 #include "photoimport/tfphotodelegate.h"
 
 #include "app/context/k.h"
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 #include "photoimport/photorules.h"
 #include "photoimport/tfphotolistmodel.h"
 #include "widgets/colours.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "net/background.h"
 #include "net/branchsession.h"
+#include "tasks/background.h"
 
 #include <QObject>
 #include <QString>

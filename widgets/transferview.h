@@ -1,6 +1,6 @@
 #pragma once
 
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 
 #include <QWidget>
 

@@ -1,6 +1,6 @@
 #include "batchdelete/batchdeleterun.h"
 #include "batchdelete/deletionreport.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/files.h"

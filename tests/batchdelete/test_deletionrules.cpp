@@ -1,7 +1,7 @@
 #include "batchdelete/deletionreport.h"
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"

@@ -2,7 +2,7 @@
 #include "distribution/distributionrequests.h"
 #include "distribution/distributionrun.h"
 #include "distribution/fjdataoperate.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/files.h"

@@ -1,7 +1,7 @@
 #include "fileimport/filechoice.h"
 #include "fileimport/importrun.h"
-#include "net/background.h"
 #include "platform/pathform.h"
+#include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/files.h"

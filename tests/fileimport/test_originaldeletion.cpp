@@ -1,7 +1,7 @@
 #include "app/context/accountcontext.h"
 #include "fileimport/originaldeletion.h"
 #include "fileimport/originalrequests.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/fileimport/registering.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"

@@ -2,7 +2,7 @@
 #include "fileimport/originalview.h"
 #include "fileimport/photocell.h"
 #include "fileimport/thumbnailtableview.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/fileimport/registering.h"
 #include "tests/fileimport/showing.h"
 #include "tests/support/datarows.h"

@@ -1,7 +1,7 @@
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
-#include "photoimport/jpegend.h"
 #include "photoimport/tfthumbnailthread.h"
+#include "pictures/jpegend.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"

@@ -1,6 +1,6 @@
-#include "net/background.h"
 #include "photoimport/photoimportrun.h"
 #include "photoimport/tfimportthreadmanager.h"
+#include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"

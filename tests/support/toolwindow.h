@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/context/accountcontext.h"
-#include "net/background.h"
+#include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"

@@ -1,6 +1,6 @@
-#include "net/filecopy.h"
+#include "files/filecopy.h"
 
-#include "net/filewriting.h"
+#include "files/filewriting.h"
 
 #include <QFileInfo>
 

@@ -1,4 +1,4 @@
-#include "net/background.h"
+#include "tasks/background.h"
 
 QThreadPool *diskPool()
 {

@@ -1,4 +1,4 @@
-#include "app/helpers/sharedfolderopener.h"
+#include "files/sharedfolderopener.h"
 
 #include "platform/pathform.h"
 

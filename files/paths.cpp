@@ -1,6 +1,6 @@
-#include "net/paths.h"
+#include "files/paths.h"
 
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include <QDebug>
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "photoimport/jpegend.h"
+#include "pictures/jpegend.h"
 
 #include <QByteArray>
 #include <QFile>

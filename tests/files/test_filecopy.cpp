@@ -1,5 +1,5 @@
-#include "net/filecopy.h"
-#include "net/filewriting.h"
+#include "files/filecopy.h"
+#include "files/filewriting.h"
 #include "platform/fileaccess.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"

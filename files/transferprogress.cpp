@@ -1,4 +1,4 @@
-#include "net/transferprogress.h"
+#include "files/transferprogress.h"
 
 #include <algorithm>
 #include <array>

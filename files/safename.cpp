@@ -1,4 +1,4 @@
-#include "net/safename.h"
+#include "files/safename.h"
 
 #include "platform/pathform.h"
 

@@ -1,6 +1,6 @@
-#include "net/chosenfiles.h"
+#include "files/chosenfiles.h"
 
-#include "net/paths.h"
+#include "files/paths.h"
 
 #include <QCollator>
 #include <QDir>

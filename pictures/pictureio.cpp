@@ -1,7 +1,7 @@
-#include "photoimport/pictureio.h"
+#include "pictures/pictureio.h"
 
-#include "net/filewriting.h"
-#include "photoimport/jpegend.h"
+#include "files/filewriting.h"
+#include "pictures/jpegend.h"
 #include "platform/fileaccess.h"
 
 #include <QBuffer>

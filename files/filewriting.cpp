@@ -1,4 +1,4 @@
-#include "net/filewriting.h"
+#include "files/filewriting.h"
 
 #include "platform/filetransfer.h"
 

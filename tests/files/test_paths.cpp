@@ -1,5 +1,5 @@
-#include "net/paths.h"
-#include "net/safename.h"
+#include "files/paths.h"
+#include "files/safename.h"
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 
