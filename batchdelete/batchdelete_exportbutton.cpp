@@ -4,9 +4,9 @@
 #include "batchdelete/deletionreport.h"
 #include "files/filewriting.h"
 #include "tasks/background.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/contextmenu.h"
-#include "widgets/filedialog.h"
-#include "widgets/messagebox.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

@@ -3,9 +3,9 @@
 #include "app/account/batchlogindialog.h"
 #include "batchdelete/batchdeleteordermodel.h"
 #include "tasks/background.h"
-#include "widgets/confirmdialog.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/toast.h"
 
 #include <QPointer>

@@ -8,7 +8,7 @@
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
 #include <QAbstractButton>
 #include <QDir>

@@ -6,7 +6,7 @@
 #include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
 #include <QElapsedTimer>
 #include <QPushButton>

@@ -3,7 +3,7 @@
 #include "app/context/k.h"
 #include "bench/benchapplication.h"
 #include "bench/fixture.h"
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 
 namespace bench {
 

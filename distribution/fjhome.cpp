@@ -6,10 +6,10 @@
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "distribution/namingrulepanel.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/colours.h"
-#include "widgets/messagebox.h"
 #include "widgets/ordersearchbar.h"
-#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

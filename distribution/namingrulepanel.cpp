@@ -3,8 +3,8 @@
 #include "app/context/accountcontext.h"
 #include "distribution/foldernamingrule.h"
 #include "net/servicecall.h"
-#include "widgets/messagebox.h"
-#include "widgets/servicenotice.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

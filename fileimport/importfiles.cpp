@@ -6,11 +6,11 @@
 #include "fileimport/importrequests.h"
 #include "fileimport/orderfilechooser.h"
 #include "fileimport/originalview.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/filedroptable.h"
-#include "widgets/messagebox.h"
 #include "widgets/orderfinder.h"
 #include "widgets/ordersearchbar.h"
-#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

@@ -4,10 +4,10 @@
 #include "fileimport/importrules.h"
 #include "files/chosenfiles.h"
 #include "tasks/background.h"
-#include "widgets/confirmdialog.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/toast.h"
 
 namespace {

@@ -2,11 +2,11 @@
 
 #include "fileimport/thumbnailtableview.h"
 #include "tasks/background.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/colours.h"
-#include "widgets/confirmdialog.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
-#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

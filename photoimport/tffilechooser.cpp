@@ -3,9 +3,9 @@
 #include "files/chosenfiles.h"
 #include "photoimport/tforderlistmodel.h"
 #include "tasks/background.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/toast.h"
 
 #include <utility>

@@ -8,9 +8,9 @@
 #include "photoimport/tfhomephotos.h"
 #include "photoimport/tfimportbar.h"
 #include "photoimport/tfphotodeleter.h"
-#include "widgets/confirmdialog.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

@@ -1,9 +1,9 @@
 #include "photoimport/tfphotodeleter.h"
 
 #include "photoimport/tforderlistmodel.h"
-#include "widgets/confirmdialog.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/servicenotice.h"
 #include "widgets/toast.h"
 
 #include <utility>

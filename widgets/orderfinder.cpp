@@ -1,9 +1,9 @@
 #include "widgets/orderfinder.h"
 
 #include "app/context/accountcontext.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
-#include "widgets/servicenotice.h"
 #include "widgets/tables.h"
 
 OrderFinder::OrderFinder(QWidget *window, const Place &place)

@@ -5,11 +5,11 @@
 #include "app/context/k.h"
 #include "net/formbody.h"
 #include "net/servicecall.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
 #include "widgets/colours.h"
 #include "widgets/inputs.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
-#include "widgets/servicenotice.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

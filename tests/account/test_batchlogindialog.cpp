@@ -5,8 +5,8 @@
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/toast.h"
 
 #include <QPushButton>

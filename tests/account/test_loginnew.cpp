@@ -6,8 +6,8 @@
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/customcheckboxnew.h"
-#include "widgets/messagebox.h"
 
 #include <QDir>
 #include <QPushButton>

@@ -5,8 +5,8 @@
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
+#include "widgets/boxes/filedialog.h"
 #include "widgets/datepicker.h"
-#include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
 

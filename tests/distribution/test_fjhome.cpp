@@ -5,8 +5,8 @@
 #include "distribution/photolistmodel.h"
 #include "tests/support/datarows.h"
 #include "tests/support/toolwindow.h"
+#include "widgets/boxes/filedialog.h"
 #include "widgets/datepicker.h"
-#include "widgets/filedialog.h"
 #include "widgets/ordersearchbar.h"
 
 #include <QAbstractItemModelTester>

@@ -12,7 +12,7 @@
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/toast.h"
 
 #include <QDragEnterEvent>

@@ -5,7 +5,7 @@
 #include "tests/support/dropping.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
 

@@ -8,8 +8,8 @@
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/theme.h"
 #include "widgets/toast.h"
 

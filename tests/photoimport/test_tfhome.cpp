@@ -7,7 +7,7 @@
 #include "tests/support/files.h"
 #include "tests/support/pictures.h"
 #include "tests/support/toolwindow.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
 #include <QDir>
 #include <QLineEdit>

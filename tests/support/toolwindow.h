@@ -5,7 +5,7 @@
 #include "tests/support/democlient.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/toast.h"
 
 #include <QAbstractButton>

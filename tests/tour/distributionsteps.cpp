@@ -2,7 +2,7 @@
 #include "distribution/fjhome.h"
 #include "distribution/foldernamingrule.h"
 #include "tests/tour/toolhand.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
 #include <QAbstractButton>
 #include <QImage>

@@ -1,7 +1,7 @@
 #include "tests/tour/guide.h"
 
 #include "tests/support/text.h"
-#include "widgets/noticedialog.h"
+#include "widgets/boxes/noticedialog.h"
 
 #include <QApplication>
 #include <QDir>

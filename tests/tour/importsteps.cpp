@@ -5,7 +5,7 @@
 #include "fileimport/photocell.h"
 #include "fileimport/thumbnailtableview.h"
 #include "tests/tour/toolhand.h"
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
 #include <QFile>
 #include <QLabel>

@@ -1,10 +1,10 @@
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
-#include "widgets/confirmdialog.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/edgegrip.h"
-#include "widgets/filedialog.h"
 #include "widgets/loadingoverlay.h"
-#include "widgets/messagebox.h"
 #include "widgets/titlebar.h"
 #include "widgets/toast.h"
 

@@ -1,6 +1,6 @@
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 
-#include "widgets/noticedialog.h"
+#include "widgets/boxes/noticedialog.h"
 
 QMessageBox::StandardButton MessageBox::information(QWidget *parent, const QString &text,
                                                     const QString &title,

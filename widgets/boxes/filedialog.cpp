@@ -1,6 +1,6 @@
-#include "widgets/filedialog.h"
+#include "widgets/boxes/filedialog.h"
 
-#include "widgets/boxscript.h"
+#include "widgets/boxes/boxscript.h"
 
 #include <QFileDialog>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "widgets/boxscript.h"
+#include "widgets/boxes/boxscript.h"
 
 #include "app/context/logging.h"
 

@@ -1,6 +1,6 @@
-#include "widgets/servicenotice.h"
+#include "widgets/boxes/servicenotice.h"
 
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/toast.h"
 
 void showServiceFailure(QWidget *parent, const ServiceReply &reply, const QString &refusal)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "widgets/boxscript.h"
+#include "widgets/boxes/boxscript.h"
 
 #include <QList>
 #include <QMessageBox>

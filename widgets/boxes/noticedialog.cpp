@@ -1,4 +1,4 @@
-#include "widgets/noticedialog.h"
+#include "widgets/boxes/noticedialog.h"
 
 #include "widgets/colours.h"
 #include "widgets/theme.h"

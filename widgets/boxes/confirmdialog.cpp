@@ -1,6 +1,6 @@
-#include "widgets/confirmdialog.h"
+#include "widgets/boxes/confirmdialog.h"
 
-#include "widgets/messagebox.h"
+#include "widgets/boxes/messagebox.h"
 
 namespace {
 

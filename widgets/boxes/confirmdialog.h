@@ -1,6 +1,6 @@
 #pragma once
 
-#include "widgets/noticedialog.h"
+#include "widgets/boxes/noticedialog.h"
 
 #include <QString>
 
