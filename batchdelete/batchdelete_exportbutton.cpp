@@ -12,7 +12,6 @@
 
 #include <QClipboard>
 #include <QDateTime>
-#include <QFile>
 #include <QGuiApplication>
 
 #include <algorithm>
@@ -20,14 +19,6 @@
 namespace {
 
 constexpr int toastMs = 2000;
-
-bool writeBytes(const QString &path, const QByteArray &bytes)
-{
-    return writeWholeFile(path, [&bytes](const QString &temporary) {
-        QFile file(temporary);
-        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-    });
-}
 
 } // namespace
 

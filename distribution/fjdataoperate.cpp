@@ -6,6 +6,8 @@
 #include "distribution/productfolders.h"
 #include "distribution/productionsheet.h"
 #include "distribution/rawfiles.h"
+#include "files/filewriting.h"
+#include "files/paths.h"
 #include "files/safename.h"
 
 #include <QDebug>
@@ -13,11 +15,6 @@
 #include <QFileInfo>
 
 namespace {
-
-QString joined(const QString &folder, const QString &name)
-{
-    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
-}
 
 TaskResult succeeded(const DistributionTask &task, const QString &file)
 {
@@ -37,7 +34,7 @@ TaskResult noFolder(const DistributionTask &task, const QString &file)
 /// Where the photo of \a task goes in \a folder.
 QString targetIn(const QString &folder, const DistributionTask &task)
 {
-    return joined(folder, safeFileName(task.imgName));
+    return joinLocalPath(folder, safeFileName(task.imgName));
 }
 
 /// How one kind of copying words its failures, behind the file's name.
@@ -70,14 +67,14 @@ TaskResult download(const DistributionTask &task)
 
 TaskResult copyThumbnail(const DistributionTask &task, const QString &thumbnail)
 {
-    return copyInto(task, thumbnail, joined(task.targetFolder, foldernames::thumbnails),
+    return copyInto(task, thumbnail, joinLocalPath(task.targetFolder, foldernames::thumbnails),
                     {QStringLiteral("缩略图不存在"), QStringLiteral("缩略图复制失败")});
 }
 
 TaskResult copyPhotoByRole(const DistributionTask &task)
 {
     return copyInto(task, sourceOnDisk(task.sourcePath),
-                    joined(task.targetFolder, roleFolder(task.subType)),
+                    joinLocalPath(task.targetFolder, roleFolder(task.subType)),
                     {QStringLiteral("照片不存在"), QStringLiteral("照片复制失败")});
 }
 
@@ -116,7 +113,7 @@ TaskResult storeText(const DistributionTask &task, const QString &target)
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"))
         .replace(QLatin1Char('\n'), QLatin1String("\r\n"));
 #endif
-    const bool saved = photofiles::writeBytes(target, text.toUtf8());
+    const bool saved = writeBytes(target, text.toUtf8());
     qDebug().noquote() << (saved ? QStringLiteral("文件保存成功:") : QStringLiteral("保存失败:"))
                        << target;
     return saved ? succeeded(task, target)
@@ -171,7 +168,7 @@ TaskResult createProducts(const DistributionTask &task)
 
 TaskResult makeSheet(const DistributionTask &task)
 {
-    const QString target = joined(task.targetFolder, foldernames::sheetFile);
+    const QString target = joinLocalPath(task.targetFolder, foldernames::sheetFile);
     const OrderDetail nothing;
     const QString error =
         printProductionSheet(task.detail ? *task.detail : nothing, task.targetFolder);

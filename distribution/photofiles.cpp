@@ -2,7 +2,6 @@
 
 #include "files/filecopy.h"
 #include "files/filewriting.h"
-#include "platform/fileaccess.h"
 
 #include <QBuffer>
 #include <QDebug>
@@ -26,12 +25,6 @@ QByteArray formatOf(const QString &path)
     if (suffix == QLatin1String("jpg") || suffix == QLatin1String("jpeg"))
         return "jpeg";
     return suffix.toLatin1();
-}
-
-bool mayReplace(const QString &target)
-{
-    const QFileInfo existing(target);
-    return (!existing.exists() && !existing.isSymLink()) || platform::mayBeRemoved(target);
 }
 
 bool saveImage(const QImage &image, const QString &target, QString *error)
@@ -102,15 +95,6 @@ bool copyUprightOnto(const QString &source, const QString &target)
         }
     }
     return copyOnto(source, target);
-}
-
-bool writeBytes(const QString &target, const QByteArray &bytes)
-{
-    return mayReplace(target) && writeWholeFile(target, [&bytes](const QString &temporary) {
-               QFile file(temporary);
-               return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-                      file.flush();
-           });
 }
 
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target)

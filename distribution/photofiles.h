@@ -20,9 +20,6 @@ bool copyOnto(const QString &source, const QString &target);
 /// anything else is copied byte for byte, and so is what cannot be turned.
 bool copyUprightOnto(const QString &source, const QString &target);
 
-/// Writes \a bytes as the file \a target.
-bool writeBytes(const QString &target, const QByteArray &bytes);
-
 enum class StoreOutcome { Stored, NoImage, NotSaved };
 /// Stores the image that \a bytes hold in the format that the suffix of \a target names.
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target);

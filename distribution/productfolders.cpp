@@ -3,6 +3,7 @@
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
 #include "distribution/rawfiles.h"
+#include "files/paths.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -49,7 +50,7 @@ void planCopies(const QVector<DetailPhoto> &photos, const QString &folder,
     }
     const QStringList targets = foldernames::distinctFileNames(names);
     for (int index = 0; index < planned.size(); ++index)
-        planned[index].target = folder + QLatin1Char('/') + targets.at(index);
+        planned[index].target = joinLocalPath(folder, targets.at(index));
     *copies += planned;
 }
 
@@ -77,11 +78,6 @@ template <typename Work> void inParallel(int count, const Work &work)
     takeTurns();
 }
 
-QString inFolder(const QString &folder, const QString &name)
-{
-    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
-}
-
 QString folderFailure(const QString &name)
 {
     return name + QStringLiteral(" 路径创建失败/连接不上服务端");
@@ -92,11 +88,11 @@ QString folderFailure(const QString &name)
 QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleText,
                                const QString &orderFolder)
 {
-    const QString factory = inFolder(orderFolder, foldernames::factoryFolder(detail));
+    const QString factory = joinLocalPath(orderFolder, foldernames::factoryFolder(detail));
     const namingrule::Rule rule = namingrule::parse(ruleText).value_or(namingrule::Rule());
     QStringList paths = foldernames::productFolders(rule, detail);
     for (QString &path : paths)
-        path = inFolder(factory, path);
+        path = joinLocalPath(factory, path);
     return paths;
 }
 
@@ -105,13 +101,13 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
                                  StepProgress *progress)
 {
     const QString factoryName = foldernames::factoryFolder(detail);
-    if (!photofiles::ensureFolder(inFolder(orderFolder, factoryName)))
+    if (!photofiles::ensureFolder(joinLocalPath(orderFolder, factoryName)))
         return {folderFailure(factoryName)};
 
     QStringList errors;
     // Finished photos that no product uses are copied there.
     if (!photofiles::ensureFolder(
-            inFolder(inFolder(orderFolder, foldernames::other), foldernames::finished)))
+            joinLocalPath(joinLocalPath(orderFolder, foldernames::other), foldernames::finished)))
         errors.append(folderFailure(foldernames::finished));
     QVector<PhotoCopy> copies;
     const QStringList folders = productFolderPaths(detail, ruleText, orderFolder);

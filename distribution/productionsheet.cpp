@@ -4,10 +4,9 @@
 #include "distribution/sheethtml.h"
 #include "distribution/sheetpages.h"
 #include "files/filewriting.h"
-#include "platform/fileaccess.h"
+#include "files/paths.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QHash>
 #include <QImageReader>
 #include <QPainter>
@@ -106,16 +105,12 @@ bool print(const QString &html, const QString &path)
 
 QString printProductionSheet(const OrderDetail &detail, const QString &orderFolder)
 {
-    QString target = orderFolder;
-    if (!target.endsWith(QLatin1Char('/')))
-        target += QLatin1Char('/');
-    target += foldernames::sheetFile;
-    const QFileInfo existing(target);
-    const bool mayReplace = !existing.exists() || platform::mayBeRemoved(target);
+    const QString target = joinLocalPath(orderFolder, foldernames::sheetFile);
     const QString html =
         sheetHtml({detail, orderFolder, QDateTime::currentDateTime(), sizeOfPicture});
-    const bool printed = mayReplace && writeWholeFile(target, [&html](const QString &temporary) {
-                             return print(html, temporary);
-                         });
+    const bool printed =
+        mayReplace(target) && writeWholeFile(target, [&html](const QString &temporary) {
+            return print(html, temporary);
+        });
     return printed ? QString() : foldernames::sheetFile + QStringLiteral("生成失败");
 }

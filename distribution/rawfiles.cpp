@@ -1,5 +1,6 @@
 #include "distribution/rawfiles.h"
 
+#include "files/paths.h"
 #include "platform/pathform.h"
 
 #include <QDir>
@@ -36,7 +37,7 @@ QStringList RawFiles::beside(const QString &photoPath)
         const QStringList found = listing(photo.path()).values(name.toLower());
         for (const QString &each : found) {
             if (each != photo.fileName())
-                raws.append(photo.path() + QLatin1Char('/') + each);
+                raws.append(joinLocalPath(photo.path(), each));
         }
     }
     return raws;

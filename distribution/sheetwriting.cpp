@@ -1,6 +1,7 @@
 #include "distribution/sheetwriting.h"
 
 #include "distribution/foldernames.h"
+#include "files/paths.h"
 
 #include <QUrl>
 
@@ -54,10 +55,7 @@ QString borderedTable()
 
 QString inOrderFolder(const SheetInput &input, const QString &folder, const QString &name)
 {
-    QString path = input.orderFolder;
-    if (!path.endsWith(QLatin1Char('/')))
-        path += QLatin1Char('/');
-    return path + folder + QLatin1Char('/') + name;
+    return joinLocalPath(joinLocalPath(input.orderFolder, folder), name);
 }
 
 QString thumbnailPath(const SheetInput &input, const DetailPhoto &photo)

@@ -1,6 +1,7 @@
 #include "fileimport/importfilecopyrunnable.h"
 
 #include "files/filewriting.h"
+#include "files/paths.h"
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
 
@@ -62,7 +63,7 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::process()
     if (isCancelled())
         return cancelled();
     const QString target =
-        platform::toLocalPath(file_.targetFolder) + QLatin1Char('/') + file_.targetName();
+        joinLocalPath(platform::toLocalPath(file_.targetFolder), file_.targetName());
     const QFileInfo existing(target);
     if ((existing.exists() || existing.isSymLink()) && !platform::mayBeRemoved(target))
         return failed(QStringLiteral("无法覆盖已存在的文件: %1").arg(target));

@@ -1,5 +1,7 @@
 #include "files/filewriting.h"
 
+#include "files/paths.h"
+#include "platform/fileaccess.h"
 #include "platform/filetransfer.h"
 
 #include <QDir>
@@ -29,6 +31,21 @@ bool writeWholeFile(const QString &target, const std::function<bool(const QStrin
            platform::replaceFile(temporary.path(), target);
 }
 
+bool mayReplace(const QString &target)
+{
+    const QFileInfo existing(target);
+    return (!existing.exists() && !existing.isSymLink()) || platform::mayBeRemoved(target);
+}
+
+bool writeBytes(const QString &target, const QByteArray &bytes)
+{
+    return mayReplace(target) && writeWholeFile(target, [&bytes](const QString &temporary) {
+               QFile file(temporary);
+               return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+                      file.flush();
+           });
+}
+
 bool makeFolder(const QString &folder)
 {
     const QString path = QDir::cleanPath(folder);
@@ -41,8 +58,8 @@ bool makeFolder(const QString &folder)
 
 QString temporaryPathIn(const QString &folder)
 {
-    return folder + QLatin1String("/~$") + QUuid::createUuid().toString(QUuid::Id128) +
-           QLatin1String(".part");
+    return joinLocalPath(folder, QLatin1String("~$") + QUuid::createUuid().toString(QUuid::Id128) +
+                                     QLatin1String(".part"));
 }
 
 void removeStaleTemporaries(const QString &folder, const QDateTime &now)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QDateTime>
 #include <QString>
 
@@ -13,6 +14,14 @@
 /// to ask first. Blocks; for worker threads.
 bool writeWholeFile(const QString &target,
                     const std::function<bool(const QString &temporary)> &write);
+
+/// Whether writeWholeFile() and copyFile() may put a file under the name \a target: nothing stands
+/// there, or a file or link without a read-only mark does. Touches the disk.
+bool mayReplace(const QString &target);
+
+/// writeWholeFile() of \a bytes; false, and nothing changed, where mayReplace() says no. Blocks;
+/// for worker threads.
+bool writeBytes(const QString &target, const QByteArray &bytes);
 
 /// Makes \a folder and whatever lacks above it; true when it is there then. Several threads may
 /// make the same folders at the same time, which QDir::mkpath() does not stand on Windows: it takes

@@ -108,5 +108,11 @@ QString wirePathKey(const QString &wirePath)
 
 QString joinWirePath(const QString &folder, const QString &name)
 {
-    return folder.endsWith(QLatin1Char('\\')) ? folder + name : folder + QLatin1Char('\\') + name;
+    const bool isOpen = folder.endsWith(QLatin1Char('\\')) || folder.endsWith(QLatin1Char('/'));
+    return isOpen ? folder + name : folder + QLatin1Char('\\') + name;
+}
+
+QString joinLocalPath(const QString &folder, const QString &name)
+{
+    return folder.endsWith(QLatin1Char('/')) ? folder + name : folder + QLatin1Char('/') + name;
 }

@@ -36,3 +36,6 @@ QString wirePathKey(const QString &wirePath);
 
 /// The Windows form of \a name inside \a folder, both in Windows form.
 QString joinWirePath(const QString &folder, const QString &name);
+
+/// The same for paths as this machine writes them, with slashes.
+QString joinLocalPath(const QString &folder, const QString &name);

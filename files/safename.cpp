@@ -15,21 +15,10 @@ bool isIllegal(QChar character)
            forbidden.contains(character);
 }
 
-/// Windows opens a device under these names, whatever suffix follows.
-bool isDeviceName(const QString &baseName)
+/// What stands before the first dot: the part of a name that decides whether it is a device.
+QString stemOf(const QString &name)
 {
-    static const QStringList devices = {
-        QStringLiteral("CON"),    QStringLiteral("PRN"),    QStringLiteral("AUX"),
-        QStringLiteral("NUL"),    QStringLiteral("CONIN$"), QStringLiteral("CONOUT$"),
-        QStringLiteral("CLOCK$"),
-    };
-    const QString name = baseName.trimmed().toUpper();
-    if (devices.contains(name))
-        return true;
-    static const QString portDigits = QStringLiteral("0123456789¹²³");
-    return name.size() == 4 &&
-           (name.startsWith(QLatin1String("COM")) || name.startsWith(QLatin1String("LPT"))) &&
-           portDigits.contains(name.at(3));
+    return name.left(name.indexOf(QLatin1Char('.')));
 }
 
 QString withoutTrailingDotsAndBlanks(QString name)
@@ -57,6 +46,22 @@ QString shortened(const QString &name)
 
 } // namespace
 
+bool isDeviceName(const QString &component)
+{
+    static const QStringList devices = {
+        QStringLiteral("CON"),    QStringLiteral("PRN"),    QStringLiteral("AUX"),
+        QStringLiteral("NUL"),    QStringLiteral("CONIN$"), QStringLiteral("CONOUT$"),
+        QStringLiteral("CLOCK$"),
+    };
+    const QString name = stemOf(component).trimmed().toUpper();
+    if (devices.contains(name))
+        return true;
+    static const QString portDigits = QStringLiteral("0123456789¹²³");
+    return name.size() == 4 &&
+           (name.startsWith(QLatin1String("COM")) || name.startsWith(QLatin1String("LPT"))) &&
+           portDigits.contains(name.at(3));
+}
+
 QString safeFileName(const QString &name)
 {
     QString safe = name;
@@ -64,9 +69,7 @@ QString safeFileName(const QString &name)
     safe = withoutTrailingDotsAndBlanks(safe);
     if (!platform::nameFits(safe))
         safe = shortened(safe);
-    const int dot = safe.indexOf(QLatin1Char('.'));
-    const QString base = dot < 0 ? safe : safe.left(dot);
-    if (isDeviceName(base))
-        safe.insert(base.size(), QLatin1Char('_'));
+    if (isDeviceName(safe))
+        safe.insert(stemOf(safe).size(), QLatin1Char('_'));
     return safe.isEmpty() ? QStringLiteral("_") : safe;
 }

@@ -10,3 +10,6 @@
 /// reserved device names get a "_" behind their base name, "", "." and ".." become "_", and what is
 /// too long for this machine is cut before its suffix. A harmless name comes out unchanged.
 QString safeFileName(const QString &name);
+
+/// Whether Windows opens a device under the name \a component, whatever suffix follows it.
+bool isDeviceName(const QString &component);

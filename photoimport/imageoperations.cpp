@@ -2,6 +2,7 @@
 
 #include "app/context/logging.h"
 #include "files/filecopy.h"
+#include "files/filewriting.h"
 #include "photoimport/decodedsources.h"
 #include "pictures/pictureio.h"
 

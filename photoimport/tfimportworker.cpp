@@ -2,6 +2,7 @@
 
 #include "files/filecopy.h"
 #include "files/filewriting.h"
+#include "files/paths.h"
 #include "files/safename.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
@@ -106,7 +107,7 @@ QString tfimportworker::write(const PhotoJob &job) const
     if (!makeFolder(folder))
         return QStringLiteral("无法创建目标目录: %1").arg(QFileInfo(folder).absoluteFilePath());
     const QString source = job.photo.sourcePath;
-    const QString target = folder + QLatin1Char('/') + safeFileName(job.photo.fileName);
+    const QString target = joinLocalPath(folder, safeFileName(job.photo.fileName));
     const QString &kind = job.photo.kind;
 
     if (kind == photorules::originalKind) {

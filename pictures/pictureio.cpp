@@ -2,7 +2,6 @@
 
 #include "files/filewriting.h"
 #include "pictures/jpegend.h"
-#include "platform/fileaccess.h"
 
 #include <QBuffer>
 #include <QDebug>
@@ -42,12 +41,6 @@ QSize withLongSide(const QSize &size, int side)
     if (size.height() >= size.width())
         return {int(qint64(side) * size.width() / size.height()), side};
     return {side, int(qint64(side) * size.height() / size.width())};
-}
-
-bool mayReplace(const QString &target)
-{
-    const QFileInfo earlier(target);
-    return (!earlier.exists() && !earlier.isSymLink()) || platform::mayBeRemoved(target);
 }
 
 QImage readWithin(QImageReader &reader, const QSize &size)

@@ -25,9 +25,6 @@ int longSideOf(const QSize &size);
 /// \a size with its long side brought to \a side; the other side rounded down.
 QSize withLongSide(const QSize &size, int side);
 
-/// Whether nothing stands at \a target, or what may be replaced.
-bool mayReplace(const QString &target);
-
 /// Reads the picture that \a reader is set up for, whole or not at all, and within the bounds.
 /// \a size is that of the stored picture. Null when it cannot be had.
 QImage readWithin(QImageReader &reader, const QSize &size);

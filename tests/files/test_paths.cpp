@@ -1,3 +1,4 @@
+#include "files/pathgate.h"
 #include "files/paths.h"
 #include "files/safename.h"
 #include "tests/support/datarows.h"
@@ -54,6 +55,72 @@ private slots:
             QCOMPARE(QString::fromUtf8(cut.toUtf8()), cut);
             QCOMPARE(cut.left(cut.size() - 5).remove(letter), QString());
         }
+    }
+
+    void gate_data()
+    {
+        using pathgate::Flaw;
+        addColumns<QString, int>({"path", "flaw"});
+        const auto row = [](Flaw flaw, const char *path) {
+            newRow(path, QString::fromUtf8(path), int(flaw));
+        };
+        row(Flaw::None, "\\\\nas\\photos");
+        row(Flaw::None, "//nas/photos/2024/..a/b c.~1");
+#ifdef Q_OS_WIN
+        row(Flaw::None, "d:/photos\\婚 #1 100%&+😀.jpg");
+        row(Flaw::NotAbsolute, "\\photos");
+        row(Flaw::Illegal, "D:\\photos:x");
+#else
+        row(Flaw::None, "/tmp/photos:x/婚 #1 100%&+😀.jpg");
+        row(Flaw::None, "\\tmp\\.\\photos\\");
+        row(Flaw::NotAbsolute, "D:\\photos");
+#endif
+        row(Flaw::Illegal, "\\\\nas\\photos:x");
+        row(Flaw::Illegal, "//nas/photos/a\nb");
+        row(Flaw::Empty, " ");
+        for (const char *path : {"photos", "C:photos", "C:", "~/photos", "./photos", "未选择"})
+            row(Flaw::NotAbsolute, path);
+        for (const char *path : {"..", "../photos", "//nas/photos/..", "//nas/p/../x",
+                                 "/tmp/... /x", "D:\\p\\..\\x", "\\\\..\\x\\y", "/tmp/.. /x"})
+            row(Flaw::LeadsUp, path);
+        for (const char *path : {"CON", "//nas/photos/nul.txt/x", "/tmp/Com1", "\\\\.\\COM1",
+                                 "\\\\?\\D:\\photos", "\\??\\D:\\photos", "//nas/p/LPT² .jpg"})
+            row(Flaw::Device, path);
+    }
+
+    void gate()
+    {
+        QFETCH(QString, path);
+        QFETCH(int, flaw);
+        QCOMPARE(int(pathgate::flawOf(path)), flaw);
+        const pathgate::Refusal refusal{"A100-1 张三"_s, path, pathgate::Flaw(flaw)};
+        QCOMPARE(refusal.isRefused(), flaw != 0);
+        QVERIFY(refusal.text().contains(refusal.order) && refusal.text().contains(path));
+    }
+
+    void gateKeepsPathsInTheirFolder_data()
+    {
+        addColumns<QString, QString, bool>({"path", "folder", "below"});
+        const QString order = "\\\\nas\\photos\\07-A1"_s;
+        newRow("below", "//NAS/photos/07-a1/90/x.jpg"_s, order, true);
+        newRow("dots and blanks", "\\\\nas\\photos.\\.\\07-A1 \\x.jpg"_s, order + "\\"_s, true);
+        newRow("two spellings of one letter", "//nas/photos/07-A1/é/x"_s,
+               "//nas/photos/07-A1/e\u0301"_s, true);
+        newRow("itself", order + "\\"_s, order, false);
+        newRow("beside", order + "-2\\x.jpg"_s, order, false);
+        newRow("above", "//nas/photos"_s, order, false);
+        newRow("and out again", order + "\\..\\x.jpg"_s, order, false);
+        newRow("other share", "//nas/other/07-A1/x.jpg"_s, order, false);
+        newRow("share and folder", "/nas/photos/07-A1/x.jpg"_s, order, false);
+        newRow("of no folder", order + "\\x.jpg"_s, QString(), false);
+        newRow("of a relative folder", order + "\\x.jpg"_s, "nas"_s, false);
+    }
+
+    void gateKeepsPathsInTheirFolder()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, folder);
+        QTEST(pathgate::isBelow(path, folder), "below");
     }
 
     void shootDates_data()
