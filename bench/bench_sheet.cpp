@@ -19,11 +19,15 @@
 
 namespace {
 
-constexpr int photoCount = 500;
 constexpr double decodeFactor = 3;
 constexpr double allowance = 2; // seconds
 constexpr double largestFile = 15;
-constexpr int runs = 5;
+
+struct Settings
+{
+    int photos = 500;
+    int rounds = 5;
+};
 
 QString photoName(int number)
 {
@@ -44,7 +48,7 @@ QByteArray thumbnail(QRandomGenerator *random)
 }
 
 /// An order with a thumbnail for each of its photos, each of which is chosen and in a product.
-OrderDetail makeOrder(const QString &folder, int products)
+OrderDetail makeOrder(const QString &folder, int photoCount, int products)
 {
     const QString thumbnails = folder + QLatin1Char('/') + foldernames::thumbnails;
     QDir().mkpath(thumbnails);
@@ -85,7 +89,7 @@ template <typename Work> Seconds timed(const Work &work)
     return {double(clock.nsecsElapsed()) / 1e9, double(std::clock() - cpu) / CLOCKS_PER_SEC};
 }
 
-void decodeAll(const QString &folder)
+void decodeAll(const QString &folder, int photoCount)
 {
     for (int number = 0; number < photoCount; ++number) {
         const QString path = folder + QLatin1Char('/') + foldernames::thumbnails +
@@ -95,14 +99,14 @@ void decodeAll(const QString &folder)
     }
 }
 
-void measure(const QString &folder, int products)
+void measure(const Settings &settings, const QString &folder, int products)
 {
-    const OrderDetail detail = makeOrder(folder, products);
+    const OrderDetail detail = makeOrder(folder, settings.photos, products);
     QVector<double> wall;
     QVector<double> cpu;
     QVector<double> decoding;
-    for (int run = 0; run < runs; ++run) {
-        decoding.append(timed([&folder] { decodeAll(folder); }).cpu);
+    for (int round = 0; round < settings.rounds; ++round) {
+        decoding.append(timed([&] { decodeAll(folder, settings.photos); }).cpu);
         QString problem;
         const Seconds printing = timed([&] { problem = printProductionSheet(detail, folder); });
         if (!problem.isEmpty())
@@ -111,8 +115,8 @@ void measure(const QString &folder, int products)
         cpu.append(printing.cpu);
     }
     const double decode = bench::median(decoding);
-    bench::line("%1 products of %2 photos"_s.arg(products).arg(photoCount / products));
-    bench::line("bare decoding of %1 thumbnails: %2 s of processor time"_s.arg(photoCount)
+    bench::line("%1 products of %2 photos"_s.arg(products).arg(settings.photos / products));
+    bench::line("bare decoding of %1 thumbnails: %2 s of processor time"_s.arg(settings.photos)
                     .arg(bench::number(decode, 3)));
     bench::line("printing, processor time: %1 s"_s.arg(bench::listed(cpu, 2)));
     bench::line("printing, wall: %1 s"_s.arg(bench::listed(wall, 2)));
@@ -128,10 +132,13 @@ void measure(const QString &folder, int products)
 int main(int argc, char **argv)
 {
     QGuiApplication application(argc, argv);
-    const QString folder = bench::readOptions(
-        application, "Times the printing of a production sheet with 500 photos."_s, {});
-    return bench::runIn(folder, [](const QString &made) {
+    Settings settings;
+    const QString folder =
+        bench::readOptions(application, "Times the printing of a production sheet."_s,
+                           {{"photos", "Photos, all in products.", &settings.photos, 100},
+                            {"rounds", "Times each figure is taken.", &settings.rounds}});
+    return bench::runIn(folder, [&settings](const QString &made) {
         for (const int products : {10, 100})
-            measure(made, products);
+            measure(settings, made, products);
     });
 }

@@ -100,6 +100,8 @@ bool BenchApplication::notify(QObject *receiver, QEvent *event)
 
 bool BenchApplication::deliver(QObject *receiver, QEvent *event)
 {
+    if (delivering)
+        delivering(receiver);
     const bool isPaint = event->type() == QEvent::Paint;
     const bool result = QApplication::notify(receiver, event);
     if (isPaint && painted)

@@ -39,6 +39,8 @@ public:
     /// Serves events until \a done is true, which is asked after each; false after \a timeoutMs.
     bool runUntil(const std::function<bool()> &done, int timeoutMs);
 
+    /// Called before an event of the interface thread reaches its receiver.
+    std::function<void(QObject *receiver)> delivering;
     /// Called when a widget has painted itself.
     std::function<void(QObject *widget)> painted;
 
