@@ -4,6 +4,29 @@
 
 namespace platform {
 
+namespace {
+
+/// Where file systems are mounted, each with a slash at its end; nothing where the system has no
+/// such list. The kernel writes it without asking any disk.
+QStringList mountedPlaces()
+{
+    constexpr int placeField = 4;
+    QFile list(QStringLiteral("/proc/self/mountinfo"));
+    if (!list.open(QIODevice::ReadOnly))
+        return {};
+    QStringList places;
+    const QList<QByteArray> lines = list.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        QByteArray place = line.split(' ').value(placeField);
+        place.replace("\\040", " ");
+        if (!place.isEmpty())
+            places.append(QFile::decodeName(place) + QLatin1Char('/'));
+    }
+    return places;
+}
+
+} // namespace
+
 QString toLocalPath(const QString &wirePath)
 {
     return QString(wirePath).replace(QLatin1Char('\\'), QLatin1Char('/'));
@@ -24,6 +47,22 @@ std::optional<QStringList> componentsBelowRoot(const QString &wirePath)
     // A share is mounted under its name, and is no less a root for it.
     constexpr int hostAndShare = 2;
     return components.mid(path.startsWith(QLatin1String("//")) ? hostAndShare : 0);
+}
+
+QString volumeOf(const QString &path)
+{
+    const QString local = toLocalPath(path);
+    const QStringList components = local.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (local.startsWith(QLatin1String("//")))
+        return QLatin1String("//") + components.mid(0, 2).join(QLatin1Char('/')).toCaseFolded();
+    if (!local.startsWith(QLatin1Char('/')))
+        return {};
+    QString longest(QLatin1Char('/'));
+    for (const QString &place : mountedPlaces()) {
+        if (place.size() > longest.size() && (local + QLatin1Char('/')).startsWith(place))
+            longest = place;
+    }
+    return longest;
 }
 
 } // namespace platform

@@ -32,4 +32,15 @@ std::optional<QStringList> componentsBelowRoot(const QString &wirePath)
     return components.mid(1);
 }
 
+QString volumeOf(const QString &path)
+{
+    const QString wire = QString(path).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    if (wire.startsWith(QLatin1String("\\\\"))) {
+        const QStringList components = wire.split(QLatin1Char('\\'), Qt::SkipEmptyParts);
+        return QLatin1String("\\\\") + components.mid(0, 2).join(QLatin1Char('\\')).toCaseFolded();
+    }
+    return wire.size() > 1 && wire.at(1) == QLatin1Char(':') ? wire.left(2).toCaseFolded()
+                                                             : QString();
+}
+
 } // namespace platform

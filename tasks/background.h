@@ -1,64 +1,111 @@
 #pragma once
 
-#include <QFutureInterface>
-#include <QFutureWatcher>
-#include <QObject>
-#include <QRunnable>
-#include <QThreadPool>
+#include "tasks/workerpool.h"
 
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
 #include <mutex>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
-/// The threads for short looks at disks and shares (existence, listings, creating folders): a share
-/// that has gone away may hang each of them for a minute, and the interface must not notice.
-QThreadPool *diskPool();
+/// The threads for looks at disks and shares (existence, listings, creating folders). A share that
+/// has gone away may hang a look for a minute: at most two go on for one volume or share, and those
+/// for the others go on.
+WorkerPool &diskPool();
+
+/// The threads for what computes and touches no disk, such as reading a reply: as many as the
+/// machine runs at once.
+WorkerPool &processorPool();
 
 namespace background {
 
-/// Work on its way to a thread of the pool, and its result on its way back.
-template <typename Work> class Task : public QRunnable
+/// The way back to the thread of a context, as long as that lives.
+class Answer : public QObject
 {
 public:
-    using Result = decltype(std::declval<Work &>()());
-
-    explicit Task(Work work) : work_(std::move(work))
+    /// Rings the answer's bell, from any thread.
+    class Bell
     {
-        // Hands the members over to the thread that takes the mutex in run(), whatever the pool
-        // does.
-        const std::lock_guard<std::mutex> handOver(mutex_);
-        result_.reportStarted();
-    }
+    public:
+        void ring();
 
-    QFuture<Result> future() { return result_.future(); }
+    private:
+        friend class Answer;
+        std::mutex mutex_;
+        Answer *answer_ = nullptr; ///< null once nobody listens
+    };
 
-    void run() override
-    {
-        const std::lock_guard<std::mutex> handOver(mutex_);
-        result_.reportResult(work_());
-        result_.reportFinished();
-    }
+    /// \a deliver runs once, on this thread, when the bell has rung.
+    Answer(QObject *context, std::function<void()> deliver);
+    ~Answer() override;
+
+    const std::shared_ptr<Bell> &bell() const { return bell_; }
+
+protected:
+    bool event(QEvent *event) override;
 
 private:
-    std::mutex mutex_;
-    Work work_;
-    QFutureInterface<Result> result_;
+    std::function<void()> deliver_;
+    std::shared_ptr<Bell> bell_ = std::make_shared<Bell>();
 };
+
+/// The job for a pool's thread that does \a work and brings its result to \a done.
+template <typename Work, typename Done>
+std::function<void()> job(QObject *context, Work work, Done done)
+{
+    using Result = std::invoke_result_t<Work &>;
+    if constexpr (std::is_void_v<Result>) {
+        const auto *answer = new Answer(context, std::move(done));
+        return [work = std::move(work), bell = answer->bell()]() mutable {
+            work();
+            bell->ring();
+        };
+    } else {
+        const auto result = std::make_shared<std::optional<Result>>();
+        const auto *answer = new Answer(
+            context, [result, done = std::move(done)]() mutable { done(std::move(**result)); });
+        return [work = std::move(work), result, bell = answer->bell()]() mutable {
+            result->emplace(work());
+            bell->ring();
+        };
+    }
+}
+
+/// The volumes that the paths lie on, each once.
+QStringList volumesOf(const QStringList &paths);
 
 } // namespace background
 
-/// Runs \a work (plain values in, a value out) on the disk pool and then \a done with its result on
-/// the thread of \a context. When \a context dies first, \a done never runs. Throwing is not
+/// Runs \a work (plain values in, a value or nothing out), which touches the disks that \a paths
+/// lie on (wire form or this machine's), and then \a done with its result on the thread of \a
+/// context. When \a context dies first, \a done never runs. Call it on that thread. Throwing is not
 /// allowed.
+template <typename Work, typename Done>
+void onDisk(QObject *context, const QStringList &paths, Work work, Done done)
+{
+    diskPool().start(background::job(context, std::move(work), std::move(done)),
+                     background::volumesOf(paths));
+}
+
+template <typename Work, typename Done>
+void onDisk(QObject *context, const QString &path, Work work, Done done)
+{
+    onDisk(context, QStringList(path), std::move(work), std::move(done));
+}
+
+/// The same for \a work that touches no disk.
+template <typename Work, typename Done> void onProcessor(QObject *context, Work work, Done done)
+{
+    processorPool().start(background::job(context, std::move(work), std::move(done)));
+}
+
+/// The same for work on disks that nobody names.
 template <typename Work, typename Done> void inBackground(QObject *context, Work work, Done done)
 {
-    auto *task = new background::Task<Work>(std::move(work));
-    using Result = typename background::Task<Work>::Result;
-    auto *watcher = new QFutureWatcher<Result>(context);
-    QObject::connect(watcher, &QFutureWatcherBase::finished, context,
-                     [watcher, done = std::move(done)] {
-                         watcher->deleteLater();
-                         done(watcher->result());
-                     });
-    watcher->setFuture(task->future());
-    diskPool()->start(task);
+    diskPool().start(background::job(context, std::move(work), std::move(done)));
 }
