@@ -134,12 +134,13 @@ void ImportFiles::connectRun()
 {
     const ImportRun *run = run_.get();
     connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
-    connect(run, &ImportRun::orderStateChanged, this,
-            [this](const QString &orderId, PhotoState state) {
+    connect(run, &ImportRun::orderActivityChanged, this,
+            [this](const QString &orderId, bool importing) {
                 const int row = orders_.rowOf(orderId);
                 // Told after every file; the row is announced only when something is new.
-                if (orders_.hasRow(row) && orders_.order(row).photoState != state)
-                    orders_.change(row, [state](ImportOrder &order) { order.photoState = state; });
+                if (orders_.hasRow(row) && orders_.order(row).importing != importing)
+                    orders_.change(
+                        row, [importing](ImportOrder &order) { order.importing = importing; });
             });
     connect(run, &ImportRun::orderStarted, this, [this](const QString &orderId) {
         if (orders_.hasRow(orders_.rowOf(orderId)))
@@ -306,22 +307,23 @@ void ImportFiles::onOrderNumberClicked(int row)
     Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
 }
 
-bool ImportFiles::refusesWhileImporting()
+bool ImportFiles::mayChangeFiles(int row)
 {
-    if (importing_)
+    const bool busy = importing_ || (orders_.hasRow(row) && run_->isAtWork(orders_.order(row).id));
+    if (busy)
         MessageBox::warning(this, importingText());
-    return importing_;
+    return !busy;
 }
 
 void ImportFiles::onSelectFilesClicked(int row)
 {
-    if (!refusesWhileImporting())
+    if (mayChangeFiles(row))
         chooser_->choose(row);
 }
 
 void ImportFiles::onFilesDropped(int row, const QStringList &paths)
 {
-    if (!refusesWhileImporting())
+    if (mayChangeFiles(row))
         chooser_->take(row, paths);
 }
 
@@ -333,7 +335,7 @@ void ImportFiles::onFilesChosen(int row)
 
 void ImportFiles::onClearFilesClicked(int row)
 {
-    if (refusesWhileImporting() || !orders_.hasRow(row))
+    if (!mayChangeFiles(row) || !orders_.hasRow(row))
         return;
     chooser_->clear(row);
     qDebug() << "订单" << orders_.order(row).displayNumber() << "已清空文件";
@@ -367,11 +369,16 @@ void ImportFiles::onStartAllClicked()
         MessageBox::warning(this, QStringLiteral("请先为订单选择要导入的文件"), title);
         return;
     }
-    // A reply that comes now must not replace the orders under the run.
-    finder_->cancel();
-    finder_->showBranch();
+    abandonSearch();
     emit startImportAllFiles(orders_.orders().toList());
     setImporting(true);
+}
+
+/// A reply that comes now must not replace the orders that are being worked on.
+void ImportFiles::abandonSearch()
+{
+    finder_->cancel();
+    finder_->showBranch();
 }
 
 void ImportFiles::stopAllImports()
@@ -411,15 +418,19 @@ void ImportFiles::onFileChanged(const QString &orderId, const ImportFile &file)
 void ImportFiles::onRetryImportClicked(int row)
 {
     const ImportOrder *order = shownOrder();
-    if (order && row >= 0 && row < order->files.size() &&
-        order->files.at(row).state == ImportFile::Failed)
-        run_->retry(*order, row, branch_.identity());
+    if (!order || row < 0 || row >= order->files.size() ||
+        order->files.at(row).state != ImportFile::Failed || chooser_->isBusy())
+        return;
+    abandonSearch();
+    run_->retry(*order, row, branch_.identity());
 }
 
 void ImportFiles::onRegisterAgainClicked(int row)
 {
-    if (orders_.hasRow(row) && orders_.order(row).unregistered)
-        run_->registerAgain(orders_.order(row), branch_.identity());
+    if (!orders_.hasRow(row) || !orders_.order(row).unregistered)
+        return;
+    abandonSearch();
+    run_->registerAgain(orders_.order(row), branch_.identity());
 }
 
 void ImportFiles::askForResubmit(const QString &orderId, const QString &question,

@@ -74,7 +74,9 @@ private:
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
 
-    bool refusesWhileImporting();
+    /// Tells the user when the answer is no.
+    bool mayChangeFiles(int row);
+    void abandonSearch();
     void onFilesChosen(int row);
 
     void onFileChanged(const QString &orderId, const ImportFile &file);

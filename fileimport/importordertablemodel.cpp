@@ -70,20 +70,10 @@ int ImportOrderTableModel::applyFile(int row, const ImportFile &file)
 {
     if (!hasRow(row))
         return -1;
-    QVector<ImportFile> &files = orders_[row].files;
-    int position = file.fileIndex;
-    if (position >= files.size() || files.at(position).sourcePath != file.sourcePath) {
-        for (position = files.size() - 1; position >= 0; --position) {
-            if (files.at(position).sourcePath == file.sourcePath)
-                break;
-        }
-    }
-    if (position < 0)
+    if (!orders_[row].applyResult(file))
         return -1;
-    files[position].state = file.state;
-    files[position].message = file.message;
     emit dataChanged(index(row, StateColumn), index(row, StateColumn));
-    return position;
+    return file.fileIndex;
 }
 
 int ImportOrderTableModel::rowCount(const QModelIndex &parent) const
@@ -109,7 +99,7 @@ QVariant ImportOrderTableModel::data(const QModelIndex &index, int role) const
         return order.id;
     case Qt::ForegroundRole:
         if (index.column() == StateColumn)
-            return QColor(photoStateColour(order.photoState));
+            return QColor(photoStateColour(order.photoState()));
         return {};
     case Qt::TextAlignmentRole:
         return int((isCentred(index.column()) ? Qt::AlignHCenter : Qt::AlignLeft) |

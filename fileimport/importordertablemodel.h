@@ -47,8 +47,8 @@ public:
 
     /// Applies \a edit to one order and announces its row. Rows out of range are ignored.
     void change(int row, const std::function<void(ImportOrder &)> &edit);
-    /// Writes a copy's result into the order's file with the same source path; returns the file's
-    /// position, -1 when the order no longer has it.
+    /// Writes a copy's result into the order's file; returns the file's position, -1 when the order
+    /// no longer has it there.
     int applyFile(int row, const ImportFile &file);
 
     int rowCount(const QModelIndex &parent = {}) const override;

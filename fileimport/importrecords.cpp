@@ -27,6 +27,28 @@ bool ImportOrder::hasUnfinishedFile() const
                        [](const ImportFile &file) { return file.state != ImportFile::Imported; });
 }
 
+bool ImportOrder::applyResult(const ImportFile &file)
+{
+    const int index = file.fileIndex;
+    if (index < 0 || index >= files.size() || files.at(index).sourcePath != file.sourcePath)
+        return false;
+    files[index].state = file.state;
+    files[index].message = file.message;
+    return true;
+}
+
+PhotoState ImportOrder::photoState() const
+{
+    if (importing)
+        return PhotoState::Importing;
+    const int waiting = countOf(ImportFile::Waiting);
+    if (!files.isEmpty() && waiting == files.size())
+        return PhotoState::Chosen;
+    if (unregistered || waiting > 0 || countOf(ImportFile::Failed) > 0)
+        return PhotoState::Failed;
+    return files.isEmpty() ? PhotoState::NotChosen : PhotoState::Done;
+}
+
 QString ImportOrder::displayNumber() const
 {
     return QStringLiteral("%0-%1").arg(orderPayForKey, serviceTimes);
@@ -44,7 +66,7 @@ QString ImportOrder::displayName() const
 
 QString photoStateText(const ImportOrder &order)
 {
-    switch (order.photoState) {
+    switch (order.photoState()) {
     case PhotoState::NotChosen:
         return QStringLiteral("未选择");
     case PhotoState::Chosen:

@@ -38,10 +38,10 @@ Q_DECLARE_METATYPE(ImportFile)
 /// How far an order's chosen files are, as its row shows it.
 enum class PhotoState {
     NotChosen,
-    Chosen,
+    Chosen, ///< none was tried yet
     Importing,
     Done,
-    Failed, ///< some failed or were not reached
+    Failed, ///< some failed or were not reached, or the service was not told
 };
 
 /// One order of the import window: what the service says of it, and what was chosen for it here.
@@ -63,12 +63,16 @@ struct ImportOrder : orderqueries::OrderInfo
     QString importPublicPath;
     QString importPath; ///< the order's folder, in Windows form; empty until it is known
     QVector<ImportFile> files;
-    PhotoState photoState = PhotoState::NotChosen;
+    bool importing = false;    ///< some of the files are being copied
     bool everChosen = false;   ///< whether "chosen this time" has a number to show
     bool unregistered = false; ///< copied, but the service was not told
 
     int countOf(ImportFile::State state) const;
     bool hasUnfinishedFile() const; ///< any file that is not imported
+    PhotoState photoState() const;
+    /// Writes a copy's result into the file at the same position. False, and nothing changes, when
+    /// another file stands there.
+    bool applyResult(const ImportFile &file);
     /// The number users know the order by, with its service: "0012-1".
     QString displayNumber() const;
     /// displayNumber() and the customers' names.
@@ -76,6 +80,6 @@ struct ImportOrder : orderqueries::OrderInfo
 };
 Q_DECLARE_METATYPE(ImportOrder)
 
-/// Text and colour (QRgb) of an order's "photo state" cell.
+/// Text and colour (QRgb) of an order's "photo state" cell; both are read off its files.
 QString photoStateText(const ImportOrder &order);
 unsigned int photoStateColour(PhotoState state);

@@ -5,6 +5,7 @@
 #include "net/servicecall.h"
 
 #include <QDebug>
+#include <QSet>
 
 #include <algorithm>
 
@@ -75,7 +76,6 @@ void ImportRun::startOrder(const QString &orderId)
     current_ = orderId;
     pending_.clear();
     ImportOrder &order = orders_[orderId];
-    order.unregistered = false;
     for (int index = order.files.size() - 1; index >= 0; --index) {
         ImportFile &file = order.files[index];
         if (file.state == ImportFile::Imported)
@@ -85,11 +85,11 @@ void ImportRun::startOrder(const QString &orderId)
             file.message.clear();
             emit fileChanged(orderId, file);
         }
-        if (!isLive(orderId, file.sourcePath))
+        if (!isLive(orderId, index))
             pending_.append(index);
     }
     emit orderStarted(orderId);
-    updateOrderState(orderId);
+    tellActivity(orderId);
     feedPool();
 }
 
@@ -101,7 +101,9 @@ void ImportRun::feedPool()
 
 void ImportRun::startTask(const QString &orderId, int fileIndex)
 {
-    auto *runnable = new ImportFileCopyRunnable(orders_.value(orderId).files.at(fileIndex));
+    ImportFile file = orderOf(orderId).files.at(fileIndex);
+    file.fileIndex = fileIndex;
+    auto *runnable = new ImportFileCopyRunnable(file);
     connect(
         runnable, &ImportFileCopyRunnable::copyFinished, this,
         [this, runnable](const ImportFile &file) { onFileCopyFinished(runnable, file); },
@@ -110,7 +112,7 @@ void ImportRun::startTask(const QString &orderId, int fileIndex)
         runnable, &ImportFileCopyRunnable::copyCancelled, this,
         [this, runnable](const ImportFile &file) { onFileCopyCancelled(runnable, file); },
         Qt::QueuedConnection);
-    tasks_.append({runnable, orderId, false});
+    tasks_.append({runnable, orderId, fileIndex, false});
     pool_.start(runnable);
 }
 
@@ -137,10 +139,14 @@ void ImportRun::onFileCopyFinished(ImportFileCopyRunnable *runnable, const Impor
     if (!task.abandoned) {
         storeResult(task.orderId, file);
         afterResult(task.orderId, file);
-    } else if (!isCurrent(task.orderId) && !isLive(task.orderId, file.sourcePath)) {
-        // Otherwise the file was started anew, and the new attempt speaks for it.
-        storeResult(task.orderId, file);
-        updateOrderState(task.orderId);
+    } else {
+        // Where the file was started anew, the new attempt speaks for it.
+        if (!isCurrent(task.orderId) && !isLive(task.orderId, task.fileIndex)) {
+            storeResult(task.orderId, file);
+            if (orderOf(task.orderId).unregistered)
+                leaveUnregistered(task.orderId);
+        }
+        tellActivity(task.orderId);
     }
     afterLastTask();
 }
@@ -163,26 +169,27 @@ void ImportRun::afterLastTask()
 
 void ImportRun::storeResult(const QString &orderId, const ImportFile &file)
 {
-    for (ImportFile &own : orders_[orderId].files) {
-        if (own.sourcePath == file.sourcePath) {
-            own.state = file.state;
-            own.message = file.message;
-            break;
-        }
-    }
+    ImportOrder &order = orders_[orderId];
+    order.applyResult(file);
+    if (file.state == ImportFile::Imported)
+        order.unregistered = true; // until the order is registered
     emit fileChanged(orderId, file);
 }
 
 void ImportRun::afterResult(const QString &orderId, const ImportFile &file)
 {
-    const ImportOrder order = orders_.value(orderId);
     if (file.state == ImportFile::Imported && file.fileIndex == 0)
-        upImportOrderPath(order);
+        upImportOrderPath(orderOf(orderId));
     if (isCurrent(orderId))
         feedPool();
-    updateOrderState(orderId);
-    if (order.countOf(ImportFile::Waiting) == 0 && !isCopying(orderId))
+    tellActivity(orderId);
+    if (isCopying(orderId))
+        return;
+    const ImportOrder &order = orderOf(orderId);
+    if (order.countOf(ImportFile::Waiting) == 0)
         importNextOrder(orderId);
+    else if (order.unregistered)
+        leaveUnregistered(orderId); // a retry in an order whose run was stopped
 }
 
 void ImportRun::upImportOrderPath(const ImportOrder &order)
@@ -216,7 +223,6 @@ void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &r
     const ImportOrder order = orders_.value(orderId);
     dropRegistration(orderId);
     orders_[orderId].unregistered = false;
-    updateOrderState(orderId);
     const bool inRun = isCurrent(orderId);
     const QString notice = importrequests::mismatchNotice(mode_, order, result.reply);
     emit orderRegistered(orderId, result);
@@ -243,7 +249,6 @@ void ImportRun::leaveUnregistered(const QString &orderId)
     dropRegistration(orderId);
     orders_[orderId].unregistered = true;
     emit orderLeftUnregistered(orderId);
-    updateOrderState(orderId);
 }
 
 void ImportRun::answerResubmit(const QString &orderId, bool again)
@@ -251,36 +256,40 @@ void ImportRun::answerResubmit(const QString &orderId, bool again)
     OrderRegistration *registration = registrations_.value(orderId);
     if (!registration)
         return; // stopped while the question stood
-    if (again) {
+    if (again)
         registration->start();
-        return;
-    }
-    leaveUnregistered(orderId);
-    stopAllImports();
+    else
+        stopAllImports();
 }
 
 void ImportRun::stopAllImports()
 {
     qDebug().noquote() << QStringLiteral("停止所有导入任务，当前任务数: %1").arg(tasks_.size());
-    const QString stopped = current_;
+    QSet<QString> stopped;
+    if (isRunning())
+        stopped.insert(current_);
     pending_.clear();
     QVector<Task> running;
     for (const Task &task : qAsConst(tasks_)) {
+        stopped.insert(task.orderId);
         if (pool_.tryTake(task.runnable)) {
             delete task.runnable; // never started: its file keeps waiting
             continue;
         }
         task.runnable->cancel();
-        running.append({task.runnable, task.orderId, true});
+        running.append(task);
+        running.last().abandoned = true;
     }
     const bool hadTasks = !tasks_.isEmpty();
     tasks_ = running;
     const QStringList registering = registrations_.keys();
-    for (const QString &orderId : registering)
-        leaveUnregistered(orderId);
+    stopped += QSet<QString>(registering.cbegin(), registering.cend());
     switchOff();
-    if (!stopped.isEmpty())
-        updateOrderState(stopped);
+    for (const QString &orderId : qAsConst(stopped)) {
+        if (isRegistering(orderId) || orderOf(orderId).unregistered)
+            leaveUnregistered(orderId);
+        tellActivity(orderId);
+    }
     if (!tasks_.isEmpty()) {
         stopTimer_.start();
     } else {
@@ -303,22 +312,21 @@ void ImportRun::switchOff()
 void ImportRun::retry(const ImportOrder &order, int fileIndex,
                       const orderqueries::Identity &identity)
 {
-    if (fileIndex < 0 || fileIndex >= order.files.size() ||
-        isLive(order.id, order.files.at(fileIndex).sourcePath))
+    if (fileIndex < 0 || fileIndex >= order.files.size() || isLive(order.id, fileIndex))
         return;
     qDebug() << "重新导入文件:" << order.files.at(fileIndex).sourcePath;
     if (!isRunning())
         identity_ = identity;
     ImportOrder &own = orders_[order.id];
+    const bool unregistered = own.unregistered; // others of its files may be done already
     own = order;
-    own.unregistered = false;
+    own.unregistered |= unregistered;
     ImportFile &file = own.files[fileIndex];
     file.state = ImportFile::Waiting;
     file.message.clear();
-    file.fileIndex = fileIndex;
     emit fileChanged(order.id, file);
     startTask(order.id, fileIndex);
-    updateOrderState(order.id);
+    tellActivity(order.id);
 }
 
 void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Identity &identity)
@@ -331,29 +339,35 @@ void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Iden
     importNextOrder(order.id);
 }
 
-void ImportRun::updateOrderState(const QString &orderId)
+void ImportRun::tellActivity(const QString &orderId)
 {
-    const ImportOrder order = orders_.value(orderId);
-    const bool waiting = order.countOf(ImportFile::Waiting) > 0;
-    const bool goesOn = isCopying(orderId) || (isCurrent(orderId) && waiting);
-    const bool complete = !waiting && !order.unregistered && order.countOf(ImportFile::Failed) == 0;
-    const PhotoState ended = complete ? PhotoState::Done : PhotoState::Failed;
-    emit orderStateChanged(orderId, goesOn ? PhotoState::Importing : ended);
+    emit orderActivityChanged(orderId,
+                              hasTasks(orderId) || (isCurrent(orderId) && !pending_.isEmpty()));
 }
 
-bool ImportRun::isLive(const QString &orderId, const QString &sourcePath) const
+bool ImportRun::isAtWork(const QString &orderId) const
+{
+    return hasTasks(orderId) || sequence_.contains(orderId) || isRegistering(orderId);
+}
+
+bool ImportRun::isLive(const QString &orderId, int fileIndex) const
 {
     return std::any_of(tasks_.cbegin(), tasks_.cend(), [&](const Task &task) {
-        return !task.abandoned && task.orderId == orderId &&
-               task.runnable->file().sourcePath == sourcePath;
+        return !task.abandoned && task.fileIndex == fileIndex && task.orderId == orderId;
     });
 }
 
 bool ImportRun::isCopying(const QString &orderId) const
 {
     return std::any_of(tasks_.cbegin(), tasks_.cend(), [&orderId](const Task &task) {
-        return task.orderId == orderId && !task.abandoned;
+        return !task.abandoned && task.orderId == orderId;
     });
+}
+
+bool ImportRun::hasTasks(const QString &orderId) const
+{
+    return std::any_of(tasks_.cbegin(), tasks_.cend(),
+                       [&orderId](const Task &task) { return task.orderId == orderId; });
 }
 
 TransferProgress ImportRun::progress() const

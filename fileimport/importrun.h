@@ -18,9 +18,10 @@ class ImportFileCopyRunnable;
 /// at once), registers each order when none of its files is waiting or being copied, and goes on.
 ///
 /// A run works on its own copy of the orders; results name the order by its id and the file by its
-/// source path, so it does not matter what the window shows meanwhile. Succeeded and failed are
-/// counted from the states of the files. Files can also be retried outside a run: their order is
-/// registered when it is complete, and nothing else starts.
+/// position, so it does not matter what the window shows meanwhile, as long as nobody chooses other
+/// files for an order that isAtWork(). Succeeded and failed are counted from the states of the
+/// files. Files can also be retried outside a run: their order is registered when it is complete,
+/// and nothing else starts.
 ///
 /// Lives on the interface thread and never blocks; copying and listing happen on workers.
 /// Destroying it while hasLiveTasks() waits for them: release it on tasksEnded() instead.
@@ -44,6 +45,9 @@ public:
     /// The answer to resubmitNeeded(): try again, or stop the import.
     void answerResubmit(const QString &orderId, bool again);
 
+    /// Whether the order belongs to the run, or any of its files is still being copied (after a
+    /// stop too), or it is being registered.
+    bool isAtWork(const QString &orderId) const;
     /// Whether a registration of the order is under way or waits for answerResubmit().
     bool isRegistering(const QString &orderId) const { return registrations_.contains(orderId); }
     bool isRunning() const { return !sequence_.isEmpty(); }
@@ -57,7 +61,8 @@ signals:
     void orderStarted(const QString &orderId);
     /// A file changed its state or message.
     void fileChanged(const QString &orderId, const ImportFile &file);
-    void orderStateChanged(const QString &orderId, PhotoState state);
+    /// Whether files of the order are being copied, or about to be; told after every file.
+    void orderActivityChanged(const QString &orderId, bool importing);
     void orderRegistered(const QString &orderId, const RegistrationResult &result);
     /// The files are copied, but the service was not told.
     void orderLeftUnregistered(const QString &orderId);
@@ -78,6 +83,7 @@ private:
     {
         ImportFileCopyRunnable *runnable = nullptr;
         QString orderId;
+        int fileIndex = 0;
         bool abandoned = false; ///< stopped: its result changes its own file and nothing else
     };
 
@@ -97,10 +103,12 @@ private:
     void dropRegistration(const QString &orderId);
     void leaveUnregistered(const QString &orderId);
     void switchOff();
-    void updateOrderState(const QString &orderId);
+    void tellActivity(const QString &orderId);
+    const ImportOrder &orderOf(const QString &orderId) const { return *orders_.constFind(orderId); }
     bool isCurrent(const QString &orderId) const { return isRunning() && orderId == current_; }
-    bool isLive(const QString &orderId, const QString &sourcePath) const;
+    bool isLive(const QString &orderId, int fileIndex) const;
     bool isCopying(const QString &orderId) const;
+    bool hasTasks(const QString &orderId) const;
 
     ImportMode mode_;
     orderqueries::Identity identity_;

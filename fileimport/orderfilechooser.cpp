@@ -135,8 +135,6 @@ void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)
     orders_->change(row, [&files](ImportOrder &order) {
         order.files = files;
         order.everChosen = true;
-        order.unregistered = false;
-        order.photoState = files.isEmpty() ? PhotoState::NotChosen : PhotoState::Chosen;
     });
     emit filesChanged(row);
 }

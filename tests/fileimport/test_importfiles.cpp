@@ -193,11 +193,17 @@ private slots:
         QCOMPARE(text(order, Column::StateColumn), "成功:2, 失败:1"_s);
         QVERIFY(QFile::rename(photos.at(1) + ".away"_s, photos.at(1)));
 
+        demo_.hold("savepicpath_batch"_s);
         for (const int row : {0, 1}) { // the first has none
             const auto cell = fileTable()->model()->index(row, ImportFileTableModel::ActionColumn);
             QTest::mouseClick(fileTable()->viewport(), Qt::LeftButton, {},
                               fileTable()->visualRect(cell).center());
         }
+        waitUntilHeld();
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        clickAction(order, OrderActionsDelegate::ClearFiles);
+        EXPECT_BOXES("导片中..."_s, "导片中..."_s);
+        demo_.release();
         QTRY_COMPARE(text(order, Column::StateColumn), "导入完成"_s);
         QTRY_COMPARE(text(order, Column::OriginalsColumn), "3"_s);
         QCOMPARE(demo_.requests("savepicpath_batch"_s).size(), 2);

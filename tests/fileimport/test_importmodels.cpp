@@ -66,24 +66,33 @@ private slots:
 
     void orderStates_data()
     {
-        addColumns<int, QString, QString>({"state", "text", "colour"});
-        newRow("not chosen", int(PhotoState::NotChosen), "未选择", "#999999");
-        newRow("chosen", int(PhotoState::Chosen), "已选择", "#007aff");
-        newRow("importing", int(PhotoState::Importing), "导入中 3/4", "#ffc107");
-        newRow("done", int(PhotoState::Done), "导入完成", "#28a745");
-        newRow("failed", int(PhotoState::Failed), "成功:1, 失败:2", "#dc3545");
+        addColumns<QVector<int>, bool, bool, QString, QString>(
+            {"files", "importing", "unregistered", "text", "colour"});
+        using States = QVector<int>;
+        newRow("not chosen", States{}, false, false, "未选择", "#999999");
+        newRow("chosen", States{0, 0}, false, false, "已选择", "#007aff");
+        newRow("importing", States{1, 2, 2, 0}, true, false, "导入中 3/4", "#ffc107");
+        newRow("done", States{1, 1}, false, false, "导入完成", "#28a745");
+        newRow("failed", States{1, 2, 2, 1}, false, false, "成功:2, 失败:2", "#dc3545");
+        newRow("chosen beside done ones", States{1, 0}, false, false, "成功:1, 失败:0", "#dc3545");
+        newRow("stopping", States{0, 0}, true, false, "导入中 0/2", "#ffc107");
+        newRow("not registered", States{1, 1}, false, true, "成功:2, 失败:0", "#dc3545");
+        newRow("not registered, cleared", States{}, false, true, "导入失败", "#dc3545");
     }
 
     void orderStates()
     {
-        QFETCH(int, state);
+        QFETCH(QVector<int>, files);
+        QFETCH(bool, importing);
+        QFETCH(bool, unregistered);
         ImportOrder order;
         order.id = "1"_s;
-        order.files.resize(4);
-        order.files[0].state = ImportFile::Imported;
-        order.files[1].state = ImportFile::Failed;
-        order.files[2].state = ImportFile::Failed;
-        order.photoState = PhotoState(state);
+        order.importing = importing;
+        order.unregistered = unregistered;
+        for (const int state : qAsConst(files)) {
+            order.files.append(ImportFile());
+            order.files.last().state = state;
+        }
         ImportOrderTableModel model;
         const QAbstractItemModelTester tester(&model);
         model.setOrders({order});
@@ -93,7 +102,7 @@ private slots:
         const QModelIndex chosen = model.index(0, ImportOrderTableModel::ChosenColumn);
         QCOMPARE(chosen.data().toString(), QString());
         model.change(0, [](ImportOrder &changed) { changed.everChosen = true; });
-        QCOMPARE(chosen.data().toString(), "4"_s);
+        QCOMPARE(chosen.data().toInt(), files.size());
     }
 
     void ordersAreFoundById()
@@ -111,13 +120,15 @@ private slots:
         QCOMPARE(model.rowOf("c"_s), -1);
 
         ImportFile late = orders[1].files.at(1);
-        late.fileIndex = 7; // the list was chosen anew since
+        late.fileIndex = 1;
         late.state = ImportFile::Imported;
         QCOMPARE(model.applyFile(1, late), 1);
         QCOMPARE(model.order(1).files.at(1).state, qint32(ImportFile::Imported));
-        late.sourcePath = "/gone"_s;
-        QCOMPARE(model.applyFile(1, late), -1);
         QCOMPARE(model.applyFile(-1, late), -1);
+        for (const int index : {0, 2, -1}) { // the list was chosen anew since
+            late.fileIndex = index;
+            QCOMPARE(model.applyFile(1, late), -1);
+        }
         QCOMPARE(model.order(1).countOf(ImportFile::Imported), 1);
     }
 };

@@ -43,14 +43,19 @@ private slots:
                     own.state = file.state;
                     own.message = file.message;
                 });
-        connect(run_.get(), &ImportRun::orderStateChanged, this,
-                [this](const QString &orderId, PhotoState state) {
-                    shown_[orderId].photoState = state;
+        connect(run_.get(), &ImportRun::orderActivityChanged, this,
+                [this](const QString &orderId, bool importing) {
+                    shown_[orderId].importing = importing;
                 });
-        connect(run_.get(), &ImportRun::orderRegistered, this,
-                [this](const QString &orderId) { registered_ += orderId; });
+        connect(run_.get(), &ImportRun::orderRegistered, this, [this](const QString &orderId) {
+            registered_ += orderId;
+            shown_[orderId].unregistered = false;
+        });
         connect(run_.get(), &ImportRun::orderLeftUnregistered, this,
-                [this](const QString &orderId) { unregistered_ += orderId; });
+                [this](const QString &orderId) {
+                    unregistered_ += orderId;
+                    shown_[orderId].unregistered = true;
+                });
         connect(run_.get(), &ImportRun::resubmitNeeded, this,
                 [this](const QString &, const QString &question) { questions_ += question; });
         connect(run_.get(), &ImportRun::mismatchFound, this,
@@ -75,7 +80,7 @@ private slots:
         QVERIFY(!run_->isBusy());
         QCOMPARE(registered_, (QStringList{first.id, second.id}));
         QCOMPARE(states(first.id).count(ImportFile::Imported), 9);
-        QVERIFY(shown_[first.id].photoState == PhotoState::Done);
+        QVERIFY(shown_[first.id].photoState() == PhotoState::Done);
         const QStringList onDisk = filesBelow(platform::toLocalPath(first.importPath));
         QCOMPARE(onDisk.filter("原片/"_s).size(), 7);
         QCOMPARE(onDisk.filter("原始档/"_s).size(), 2);
@@ -156,7 +161,11 @@ private slots:
         start({order});
         run_->stopAllImports(); // before the interface thread has seen any result
         QVERIFY(!run_->isRunning());
+        // Four are being copied still: the order stays at work until they have ended.
+        QVERIFY(run_->isAtWork(order.id));
+        QCOMPARE(photoStateText(shown_[order.id]), "导入中 0/100"_s);
         QTRY_VERIFY(!run_->hasLiveTasks());
+        QVERIFY(!run_->isAtWork(order.id));
         const QList<int> after = states(order.id);
         const int imported = after.count(ImportFile::Imported);
         const int failed = after.count(ImportFile::Failed);
@@ -170,6 +179,7 @@ private slots:
         QCOMPARE(requests(batch), 0);
         QCOMPARE(requests("saveorderphotopath"_s), 0);
         QVERIFY(registered_.isEmpty());
+        QCOMPARE(unregistered_.isEmpty(), imported == 0); // what lies there is not forgotten
 
         start({shown_[order.id]});
         QTRY_COMPARE(allImported_, 1);
@@ -188,12 +198,12 @@ private slots:
         demo_.release();
         QVERIFY(!run_->isBusy());
         QCOMPARE(unregistered_, QStringList(first.id));
-        QVERIFY(shown_[first.id].photoState == PhotoState::Failed);
+        QVERIFY(shown_[first.id].photoState() == PhotoState::Failed);
         QCOMPARE(states(second.id), (QList<int>{0, 0}));
 
         run_->registerAgain(shown_[first.id], identity_);
         QTRY_COMPARE(registered_, QStringList(first.id));
-        QVERIFY(shown_[first.id].photoState == PhotoState::Done);
+        QVERIFY(shown_[first.id].photoState() == PhotoState::Done);
         QVERIFY(!run_->isBusy());
     }
 
@@ -312,7 +322,6 @@ private:
             request.paths += writeFile(card_->filePath(name), QByteArray(bytes + index, 'p'));
         }
         order.files = prepareChoice(request).files;
-        order.photoState = PhotoState::Chosen;
         shown_.insert(order.id, order);
         return order;
     }
