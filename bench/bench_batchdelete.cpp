@@ -160,7 +160,7 @@ void measureList(BenchApplication *application, const Settings &settings, const 
             "  round %1: longest event %2 ms of processor time, %3 ms wall"_s.arg(round + 1).arg(
                 bench::number(events.first().cpuMs, 1), bench::number(events.first().wallMs, 1)));
         window.close();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
     bench::judge("longest event while listing, the worst round"_s, bench::largest(costs),
                  eventBoundMs, "ms"_s, 1);

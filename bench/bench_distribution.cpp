@@ -79,7 +79,7 @@ public:
     ~Desk()
     {
         window_.close();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
     Q_DISABLE_COPY_MOVE(Desk)
 

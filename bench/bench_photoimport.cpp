@@ -344,6 +344,6 @@ int main(int argc, char **argv)
         measureOrder(&application, settings, photos, folder);
         measureMemory(&application, settings, folder);
         measureDealing(&application, settings, folder);
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     });
 }

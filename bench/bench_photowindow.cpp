@@ -94,7 +94,7 @@ void measure(BenchApplication *application, int photos, int seconds, const QStri
     MessageBox::setNextAnswer(QMessageBox::Ok);
     window.close();
     application->runUntil([] { return false; }, 1000);
-    diskPool()->waitForDone();
+    diskPool().waitForDone();
     DemoClient().reset();
 }
 

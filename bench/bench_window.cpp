@@ -44,7 +44,7 @@ public:
     ~Desk()
     {
         window_.close();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
     Q_DISABLE_COPY_MOVE(Desk)
 

@@ -57,7 +57,7 @@ private slots:
     {
         demo_.release();
         run_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
 
     void deletesOneOrderAfterTheOther()

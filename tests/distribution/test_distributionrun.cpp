@@ -83,7 +83,7 @@ private slots:
     {
         demo_.release();
         run_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
 
     void writesTheTreeOfEachMode_data()

@@ -67,7 +67,7 @@ private slots:
     {
         demo_.release();
         run_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
 
     void importsOneOrderAfterTheOther()

@@ -45,7 +45,7 @@ private slots:
     void cleanup()
     {
         demo_.release();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
 
     void bodiesAndTitle()

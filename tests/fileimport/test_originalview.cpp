@@ -36,7 +36,7 @@ private slots:
     {
         demo_.release();
         view_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
         QVERIFY(MessageBox::takeShown().isEmpty());
     }
 

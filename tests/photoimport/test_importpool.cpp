@@ -44,7 +44,7 @@ private slots:
     {
         gate_.release(10000);
         pool_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
         log_.reset();
     }
 

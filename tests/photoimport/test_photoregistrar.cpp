@@ -35,7 +35,7 @@ private slots:
     {
         demo_.release();
         registrar_.reset();
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
     }
 
     void registers_data()
