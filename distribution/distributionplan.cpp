@@ -3,10 +3,12 @@
 #include "distribution/distributionrequests.h"
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
+#include "distribution/photoidentity.h"
 #include "files/safename.h"
 
 #include <QHash>
 
+#include <algorithm>
 #include <utility>
 
 DownloadOptions defaultOptions(DesignFileSplitTypes type)
@@ -49,47 +51,42 @@ QString cropUrl(const DetailProduct &product, const DetailPhoto &photo)
 
 namespace {
 
-/// The photos of a product and of what it consists of.
-template <typename Visit> void forEachPhoto(const DetailProduct &product, const Visit &visit)
-{
-    for (const DetailPhoto &photo : product.imgs)
-        visit(product, photo);
-    for (const DetailProduct &part : product.sonGood)
-        forEachPhoto(part, visit);
-}
-
-QHash<QString, DetailPhoto> byName(const QVector<DetailPhoto> &photos)
-{
-    QHash<QString, DetailPhoto> named;
-    for (const DetailPhoto &photo : photos)
-        named.insert(photo.imgName, photo);
-    return named;
-}
-
-/// The file that a task reads, the same for every way of writing its path.
+/// The file or picture that a task reads, the same for every way of writing its path.
 QString comparable(const DistributionTask &task)
 {
-    QString path = task.sourcePath;
-    path.replace(QLatin1String("\\/"), QLatin1String("/"));
-    if (task.type == tasktype::copyPhoto)
-        path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    return path;
+    return task.type == tasktype::storePhoto ? task.sourcePath : pathInOneForm(task.sourcePath);
+}
+
+QString fileName(const QString &path)
+{
+    return path.section(QLatin1Char('/'), -1);
+}
+
+QString withoutSuffix(const QString &name)
+{
+    return name.section(QLatin1Char('.'), 0, -2);
+}
+
+/// With its dot.
+QString suffixOf(const QString &path)
+{
+    return path.mid(path.lastIndexOf(QLatin1Char('.')));
 }
 
 class Planner
 {
 public:
     Planner(const PlanRequest &request, const FindRaws &findRaws)
-        : request_(request), detail_(*request.detail), findRaws_(findRaws)
+        : request_(request)
+        , detail_(*request.detail)
+        , findRaws_(findRaws)
+        , photos_(detail_)
+        , retouched_(photos_,
+                     request.options.retouched ? detail_.imagesJingxiu : QVector<DetailPhoto>())
+        , basic_(photos_, request.options.basic || request.options.basicWithRejected
+                              ? detail_.images11
+                              : QVector<DetailPhoto>())
     {
-        for (const DetailPhoto &photo : detail_.images) {
-            if (request.leftOut.contains(photo.id))
-                leftOutNames_.insert(photo.imgName);
-        }
-        if (request.options.retouched)
-            retouched_ = byName(detail_.imagesJingxiu);
-        if (request.options.basic || request.options.basicWithRejected)
-            basic_ = byName(detail_.images11);
     }
 
     OrderPlan plan()
@@ -108,22 +105,43 @@ public:
     }
 
 private:
+    /// What is planned for one folder.
+    struct Folder
+    {
+        foldernames::DistinctNames names;
+        QHash<QString, QString> given; ///< name by the name wanted and what it is made from
+    };
+    /// Where something goes, and whether it had not been planned before.
+    struct Place
+    {
+        QString path;
+        bool isNew = false;
+    };
+
     void planDownload(const QString &originalsType, const QString &photosType);
     void planDistribution();
     void planSelection();
     void planProducts();
     void planSheetPictures();
 
-    void takeAll(const QVector<DetailPhoto> &photos, const QString &type, const char *folder,
-                 bool chosen = true);
+    bool isLeftOut(const DetailPhoto &photo) const
+    {
+        return request_.leftOut.contains(photo.key());
+    }
+    bool isWanted(const PhotoVersions &versions, const DetailPhoto &version, const QString &kind);
+    Place take(const DetailPhoto &photo, const QString &type, const QString &folder);
+    void takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersions &versions,
+                      const QString &kind, const QString &type);
     void takeOriginals(const QString &type, const QString &folder);
     void takeThumbnail(const DetailPhoto &photo, const QString &folder);
-    bool takeImproved(const QString &imgName, const QString &folder);
-    void takeRole(const DetailPhoto &photo, const QString &role, const QString &folder);
+    bool takeImproved(const DetailPhoto &photo, const QString &folder, bool together = false);
+    bool takeTogether(const QString &imgName, const PhotoVersions &versions, const QString &role,
+                      const QString &folder);
+    void tellUnclear(const QString &imgName, const QString &kind);
+    Place takeRole(const DetailPhoto &photo, const QString &role, const QString &folder);
     void fetch(const QString &url, const QString &imageType, const QString &folder,
                const QString &imgName);
-    bool add(DistributionTask task, const QString &subFolder = {});
-    QString freeName(DistributionTask &task, const QString &subFolder, const QString &source);
+    Place add(DistributionTask task, const QString &subFolder = {});
     QString orderFolder(const char *sub) const
     {
         return request_.orderFolder + QString::fromUtf8(sub);
@@ -132,91 +150,92 @@ private:
     const PlanRequest &request_;
     const OrderDetail &detail_;
     const FindRaws &findRaws_;
-    QSet<QString> leftOutNames_;
-    QHash<QString, DetailPhoto> retouched_; ///< as far as asked for, by name
-    QHash<QString, DetailPhoto> basic_;
-    QHash<QString, QString> targets_; ///< source by target path in lower case
-    QSet<QString> reported_;          ///< ids whose download somebody is told of
+    const OrderPhotos photos_;
+    const PhotoVersions retouched_; ///< as far as asked for
+    const PhotoVersions basic_;
+    QHash<QString, Folder> folders_; ///< by path in one case
+    QSet<QString> reported_;         ///< ids whose download somebody is told of
+    QSet<QString> unclear_;          ///< names and kinds that the user has been told of
     OrderPlan plan_;
 };
 
-/// The name that the task's file gets; empty when another task brings the same file there.
-QString Planner::freeName(DistributionTask &task, const QString &subFolder, const QString &source)
-{
-    const QString folder = (task.targetFolder + subFolder).toLower();
-    const QString wanted = safeFileName(task.imgName);
-    for (QStringList sameNames{wanted};; sameNames.append(wanted)) {
-        const QString name = foldernames::distinctFileNames(sameNames).constLast();
-        const auto other = targets_.constFind(folder + name.toLower());
-        if (other != targets_.constEnd()) {
-            if (*other == source)
-                return {};
-            continue;
-        }
-        if (sameNames.size() > 1) {
-            plan_.problems.append(
-                QStringLiteral("%1文件名重复，另存为 %2（%3）").arg(task.imgName, name, source));
-            task.imgName = name;
-        }
-        return name;
-    }
-}
-
-/// False when there is nothing to do: another task does the same, or the target is taken.
-bool Planner::add(DistributionTask task, const QString &subFolder)
+/// Without a path when there is nothing that could be planned.
+Planner::Place Planner::add(DistributionTask task, const QString &subFolder)
 {
     if (task.imgName.isEmpty()) {
         plan_.problems.append(QStringLiteral("照片没有文件名: %1").arg(task.sourcePath));
-        return false;
+        return {};
     }
+    const QString path = task.targetFolder + subFolder;
+    Folder &folder = folders_[path.toCaseFolded()];
+    const QString wanted = safeFileName(task.imgName);
     const QString source = comparable(task);
-    const QString name = freeName(task, subFolder, source);
-    if (name.isEmpty())
-        return false;
-    targets_.insert((task.targetFolder + subFolder + name).toLower(), source);
+    QString &name = folder.given[wanted.toCaseFolded() + QLatin1Char('\n') + source];
+    if (!name.isEmpty())
+        return {path + name};
+    name = folder.names.take(wanted);
+    if (name != wanted) {
+        plan_.problems.append(
+            QStringLiteral("%1文件名重复，另存为 %2（%3）").arg(task.imgName, name, source));
+        task.imgName = name;
+    }
     if (reported_.contains(task.imageId))
         task.imageId.clear();
     if (!task.imageId.isEmpty())
         reported_.insert(task.imageId);
     plan_.tasks.append(task);
-    return true;
+    return {path + name, true};
 }
 
-void Planner::takeAll(const QVector<DetailPhoto> &photos, const QString &type, const char *folder,
-                      bool chosen)
+Planner::Place Planner::take(const DetailPhoto &photo, const QString &type, const QString &folder)
+{
+    DistributionTask task;
+    task.type = type;
+    task.sourcePath = photo.source();
+    task.targetFolder = folder;
+    task.imgName = photo.imgName;
+    task.imageId = photo.id;
+    return add(task);
+}
+
+/// Whether the user wants the photo that \a version is of; no when that cannot be told.
+bool Planner::isWanted(const PhotoVersions &versions, const DetailPhoto &version,
+                       const QString &kind)
+{
+    const QStringList owners = versions.ownersOf(version);
+    const auto unwanted = std::count_if(owners.cbegin(), owners.cend(), [this](const QString &key) {
+        return request_.leftOut.contains(key);
+    });
+    if (unwanted > 0 && unwanted < owners.size())
+        tellUnclear(version.imgName, kind);
+    return unwanted == 0;
+}
+
+void Planner::takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersions &versions,
+                           const QString &kind, const QString &type)
 {
     for (const DetailPhoto &photo : photos) {
-        if (chosen && leftOutNames_.contains(photo.imgName))
-            continue;
-        DistributionTask task;
-        task.type = type;
-        task.sourcePath = photo.source();
-        task.targetFolder = orderFolder(folder);
-        task.imgName = photo.imgName;
-        task.imageId = photo.id;
-        add(task);
+        if (isWanted(versions, photo, kind))
+            take(photo, type, request_.orderFolder + kind + QLatin1Char('/'));
     }
 }
 
 void Planner::takeOriginals(const QString &type, const QString &folder)
 {
     for (const DetailPhoto &photo : detail_.images) {
-        if (leftOutNames_.contains(photo.imgName))
+        if (isLeftOut(photo))
             continue;
-        DistributionTask task;
-        task.type = type;
-        task.sourcePath = photo.source();
-        task.targetFolder = folder;
-        task.imgName = photo.imgName;
-        task.imageId = photo.id;
-        add(task);
+        const QString name = fileName(take(photo, type, folder).path);
+        const bool renamed = !name.isEmpty() && name != safeFileName(photo.imgName);
         const QStringList raws = findRaws_(photo.source());
         for (const QString &raw : raws) {
-            DistributionTask beside = task;
-            beside.sourcePath = raw;
-            beside.imgName = raw.section(QLatin1Char('/'), -1);
-            beside.imageId.clear();
-            add(beside);
+            DetailPhoto beside;
+            beside.localPath = raw;
+            beside.imgName = fileName(raw);
+            // It stays beside its photo, not beside the one that has the name.
+            if (renamed)
+                beside.imgName = withoutSuffix(name) + suffixOf(raw);
+            take(beside, type, folder);
         }
     }
 }
@@ -226,14 +245,20 @@ void Planner::planDownload(const QString &originalsType, const QString &photosTy
     const DownloadOptions &options = request_.options;
     if (options.originals)
         takeOriginals(originalsType, orderFolder("原始档/"));
-    if (options.fullSize)
-        takeAll(detail_.images, photosType, "原图/");
+    if (options.fullSize) {
+        for (const DetailPhoto &photo : detail_.images) {
+            if (!isLeftOut(photo))
+                take(photo, photosType, orderFolder("原图/"));
+        }
+    }
     if (options.basic || options.basicWithRejected)
-        takeAll(detail_.images11, photosType, "简修/");
-    if (options.basicWithRejected)
-        takeAll(detail_.images10, photosType, "简修/汰片/", false);
+        takeVersions(detail_.images11, basic_, QStringLiteral("简修"), photosType);
+    if (options.basicWithRejected) {
+        for (const DetailPhoto &photo : detail_.images10)
+            take(photo, photosType, orderFolder("简修/汰片/"));
+    }
     if (options.retouched)
-        takeAll(detail_.imagesJingxiu, photosType, "精修/");
+        takeVersions(detail_.imagesJingxiu, retouched_, QStringLiteral("精修"), photosType);
 }
 
 void Planner::planDistribution()
@@ -260,7 +285,7 @@ void Planner::planDistribution()
 void Planner::planSelection()
 {
     for (const DetailPhoto &photo : detail_.images) {
-        if (!takeImproved(photo.imgName, request_.orderFolder) && request_.options.fullSize)
+        if (!takeImproved(photo, request_.orderFolder, true) && request_.options.fullSize)
             takeRole(photo, photorole::finished, request_.orderFolder);
     }
 }
@@ -269,19 +294,20 @@ void Planner::planSelection()
 /// retouching has made of them, and thumbnails. What no product uses is kept together.
 void Planner::planProducts()
 {
-    QSet<QString> used;
+    QSet<QString> used; // keys
     const QVector<DetailProduct> products = detail_.products();
     for (int index = 0; index < products.size(); ++index) {
         const QString folder = request_.productFolders.value(index) + QLatin1Char('/');
         forEachPhoto(products.at(index), [&](const DetailProduct &, const DetailPhoto &photo) {
-            used.insert(photo.imgName);
-            takeImproved(photo.imgName, folder);
+            if (const auto key = photos_.keyOf(photo))
+                used.insert(*key);
+            takeImproved(photo, folder);
             takeThumbnail(photo, folder);
         });
     }
     for (const DetailPhoto &photo : detail_.images) {
         const QString folder = orderFolder("其他/");
-        if (!used.contains(photo.imgName) && !takeImproved(photo.imgName, folder))
+        if (!used.contains(photo.key()) && !takeImproved(photo, folder))
             takeRole(photo, photorole::finished, folder);
     }
 }
@@ -320,7 +346,8 @@ void Planner::planSheetPictures()
     }
 }
 
-void Planner::takeRole(const DetailPhoto &photo, const QString &role, const QString &folder)
+Planner::Place Planner::takeRole(const DetailPhoto &photo, const QString &role,
+                                 const QString &folder)
 {
     DistributionTask task;
     task.type = tasktype::copyPhoto;
@@ -328,32 +355,61 @@ void Planner::takeRole(const DetailPhoto &photo, const QString &role, const QStr
     task.sourcePath = photo.source();
     task.targetFolder = folder;
     task.imgName = photo.imgName;
-    add(task, roleFolder(role));
+    return add(task, roleFolder(role));
 }
 
 void Planner::takeThumbnail(const DetailPhoto &photo, const QString &folder)
 {
     DetailPhoto small = photo;
     small.picPath.clear();
-    if (photo.localPath90.isEmpty())
-        small.localPath = photofiles::thumbnailOf(photo.source());
-    else
-        small.localPath = photo.localPath90;
-    takeRole(small, photorole::thumbnail, folder);
+    small.localPath = thumbnailSource(photo);
+    const Place place = takeRole(small, photorole::thumbnail, folder);
+    if (folder == request_.orderFolder)
+        plan_.pictures.insert(small.localPath, photo.imgName, place.path);
 }
 
-/// The photo's most finished version among those asked for, if there is one.
-bool Planner::takeImproved(const QString &imgName, const QString &folder)
+/// The photo's most finished version among those asked for. True when there is one, also when it
+/// cannot be told which it is: the user is told then, and gets no less finished one in its place.
+/// \a together: those of all photos lie in one folder, so that it matters less whose they are.
+bool Planner::takeImproved(const DetailPhoto &photo, const QString &folder, bool together)
 {
-    const auto retouched = retouched_.constFind(imgName);
-    const auto basic = basic_.constFind(imgName);
-    if (retouched != retouched_.constEnd())
-        takeRole(*retouched, photorole::retouched, folder);
-    else if (basic != basic_.constEnd())
-        takeRole(*basic, photorole::finished, folder);
-    else
-        return false;
-    return true;
+    struct Kind
+    {
+        const PhotoVersions &versions;
+        QString name;
+        QString role;
+    };
+    for (const Kind &kind : {Kind{retouched_, QStringLiteral("精修"), photorole::retouched},
+                             Kind{basic_, QStringLiteral("简修"), photorole::finished}}) {
+        const PhotoVersions::Found found = kind.versions.of(photo);
+        if (found.version)
+            takeRole(*found.version, kind.role, folder);
+        else if (found.unclear &&
+                 !(together && takeTogether(photo.imgName, kind.versions, kind.role, folder)))
+            tellUnclear(photo.imgName, kind.name);
+        if (found.version || found.unclear)
+            return true;
+    }
+    return false;
+}
+
+bool Planner::takeTogether(const QString &imgName, const PhotoVersions &versions,
+                           const QString &role, const QString &folder)
+{
+    const QVector<DetailPhoto> all = versions.oneForEach(imgName);
+    for (const DetailPhoto &version : all)
+        takeRole(version, role, folder);
+    return !all.isEmpty();
+}
+
+void Planner::tellUnclear(const QString &imgName, const QString &kind)
+{
+    const QString problem =
+        QStringLiteral("%1有多张同名照片，无法判断%2属于哪一张，没有拷贝").arg(imgName, kind);
+    if (unclear_.contains(problem))
+        return;
+    unclear_.insert(problem);
+    plan_.problems.append(problem);
 }
 
 void Planner::fetch(const QString &url, const QString &imageType, const QString &folder,
@@ -369,11 +425,19 @@ void Planner::fetch(const QString &url, const QString &imageType, const QString 
         plan_.problems.append(QStringLiteral("%1没有图片地址").arg(imgName));
         return;
     }
-    if (add(store))
+    const Place place = add(store);
+    if (place.isNew)
         plan_.fetches.append({url, plan_.tasks.takeLast()});
+    plan_.pictures.insert(url, imgName, place.path);
 }
 
 } // namespace
+
+QString thumbnailSource(const DetailPhoto &photo)
+{
+    return photo.localPath90.isEmpty() ? photofiles::thumbnailOf(photo.source())
+                                       : photo.localPath90;
+}
 
 OrderPlan planOrder(const PlanRequest &request, const FindRaws &findRaws)
 {

@@ -2,6 +2,7 @@
 
 #include "distribution/designfilesplittypes.h"
 #include "distribution/distributiontask.h"
+#include "distribution/plannedpictures.h"
 
 #include <QSet>
 #include <QString>
@@ -34,7 +35,7 @@ struct PlanRequest
     QString orderFolder; ///< ends with a slash
     /// Of detail->products(), one each, without a slash at the end; needed for 设计分件 alone.
     QStringList productFolders;
-    QSet<QString> leftOut; ///< ids of chosen photos that the user does not want
+    QSet<QString> leftOut; ///< keys of chosen photos that the user does not want
 };
 
 /// A picture that comes over the network.
@@ -49,6 +50,7 @@ struct OrderPlan
 {
     QVector<DistributionTask> tasks; ///< independent of each other
     QVector<ImageFetch> fetches;
+    PlannedPictures pictures;
     bool makesProducts = false; ///< product folders and the sheet follow
     QStringList problems;       ///< what cannot be done, a line each
 };
@@ -67,6 +69,8 @@ QString orderFolderName(const OrderDetail &detail);
 /// The sub-folder that a photorole fills.
 QString roleFolder(const QString &role);
 
+/// The path of the photo's thumbnail, as the reply writes it.
+QString thumbnailSource(const DetailPhoto &photo);
 /// Name of a crop's file in 裁剪/: each product of an order may have a crop of its own of one
 /// photo.
 QString cropFileName(const DetailProduct &product, const DetailPhoto &photo);

@@ -182,6 +182,7 @@ void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &pla
     }
     for (const QString &problem : plan.problems)
         addErrors(problem);
+    pictures_ = plan.pictures;
     photoResults_ = plan.tasks.size() + plan.fetches.size();
     expected_ = photoResults_ + (plan.makesProducts ? 2 : 0);
     listSize_ = detail_->images.size();
@@ -304,6 +305,7 @@ void DistributionRun::startOrderTask(const QString &type)
     task.type = type;
     task.targetFolder = orderFolder_;
     task.detail = detail_;
+    task.pictures = pictures_;
     task.namingRule = settings_.namingRule;
     task.progress = std::make_shared<StepProgress>();
     productProgress_ = task.progress;

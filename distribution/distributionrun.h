@@ -30,7 +30,7 @@ struct RunSettings
     DownloadOptions options;
     QString namingRule; ///< JSON text
     orderqueries::Identity identity;
-    QHash<QString, QSet<QString>> leftOut; ///< ids of photos, by order_photo_id
+    QHash<QString, QSet<QString>> leftOut; ///< keys of photos, by order_photo_id
 };
 
 /// How a run ended.
@@ -128,6 +128,7 @@ private:
     int index_ = -1;
     OrderDetailPtr detail_;
     QString orderFolder_;
+    PlannedPictures pictures_;
     int expected_ = 0;     ///< results
     int photoResults_ = 0; ///< of them those before the products are made
     int copyPicFinishNum_ = 0;

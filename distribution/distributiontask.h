@@ -1,6 +1,7 @@
 #pragma once
 
 #include "distribution/orderdetail.h"
+#include "distribution/plannedpictures.h"
 
 #include <QMetaType>
 #include <QString>
@@ -30,6 +31,7 @@ struct DistributionTask
     QString imageId;      ///< handed back with the result; empty when nobody is told of this file
     QString data;         ///< "存储照片": a data URL, or the text of a text file
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
+    PlannedPictures pictures;               ///< "生成Html": those that the sheet shows
     QString namingRule;                     ///< "创建产品": the rule as JSON text
     std::shared_ptr<StepProgress> progress; ///< "创建产品": photos copied; may be null
     StopFlag stopped; ///< what consists of several steps begins none once it is up; may be null

@@ -170,8 +170,8 @@ TaskResult makeSheet(const DistributionTask &task)
 {
     const QString target = joinLocalPath(task.targetFolder, foldernames::sheetFile);
     const OrderDetail nothing;
-    const QString error =
-        printProductionSheet(task.detail ? *task.detail : nothing, task.targetFolder);
+    const QString error = printProductionSheet(task.detail ? *task.detail : nothing,
+                                               task.targetFolder, task.pictures);
     return error.isEmpty() ? succeeded(task, target) : failed(task, target, error);
 }
 

@@ -352,7 +352,7 @@ void FJRightPanel::showPhotos(const QString &orderPhotoId, const QString &name,
     QVector<ListedPhoto> downloaded;
     for (const DetailPhoto &photo : detail.images) {
         QVector<ListedPhoto> &list = photo.downloaded ? downloaded : undownloaded;
-        list.append({photo.id, photo.imgName, !leftOut.contains(photo.id)});
+        list.append({photo.id, photo.key(), photo.imgName, !leftOut.contains(photo.key())});
     }
     clearPhotos(orderPhotoId, name);
     undownloaded_.model.setPhotos(undownloaded);
@@ -399,7 +399,7 @@ void FJRightPanel::onSelectionChanged()
     for (const PhotoList *list : {&undownloaded_, &downloaded_}) {
         for (const ListedPhoto &photo : list->model.photos()) {
             if (!photo.selected)
-                leftOut.insert(photo.id);
+                leftOut.insert(photo.key);
         }
     }
     leftOut_.insert(shownOrder_, leftOut);

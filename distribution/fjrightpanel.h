@@ -39,7 +39,7 @@ public:
     DownloadOptions options() const;
     /// The rule in the editor, as JSON text.
     QString namingRule() const;
-    /// Ids of photos that the user does not want, by order_photo_id.
+    /// Keys of photos that the user does not want, by order_photo_id.
     QHash<QString, QSet<QString>> leftOut() const { return leftOut_; }
 
     /// Fills both lists and previews the rule with the order's first product. \a name is what the

@@ -1,8 +1,11 @@
 #include "distribution/foldernames.h"
 
 #include "files/safename.h"
+#include "platform/pathform.h"
 
-#include <QSet>
+#include <algorithm>
+#include <numeric>
+#include <vector>
 
 namespace foldernames {
 
@@ -22,37 +25,25 @@ PickUp pickUp(const OrderDetail &detail, bool urgent)
     return {detail.value("pickuptime"), QStringLiteral("取")};
 }
 
-/// Names that differ in case alone are one folder on the users' machines.
-class DistinctNames
+/// \a safe with a number, cut before it where need be.
+QString numbered(const QString &safe, int number)
 {
-public:
-    QString take(const QString &name)
-    {
-        QString safe = safeFileName(name);
-        for (int number = 2; taken_.contains(safe.toCaseFolded()); ++number)
-            safe = numbered(name, number);
-        taken_.insert(safe.toCaseFolded());
-        return safe;
-    }
+    const QString mark = QStringLiteral(" (%1)").arg(number);
+    constexpr int longestSuffix = 6;
+    const int dot = safe.lastIndexOf(QLatin1Char('.'));
+    const bool hasSuffix = dot > 0 && safe.size() - dot <= longestSuffix;
+    const QString suffix = hasSuffix ? safe.mid(dot) : QString();
+    QString base = hasSuffix ? safe.left(dot) : safe;
+    while (base.size() > 1 && !platform::nameFits(base + mark + suffix))
+        base.chop(base.at(base.size() - 1).isLowSurrogate() ? 2 : 1);
+    return safeFileName(base + mark + suffix);
+}
 
-private:
-    /// Cut, where need be, before the number.
-    static QString numbered(const QString &name, int number)
-    {
-        const QString mark = QStringLiteral(" (%1)").arg(number);
-        const QString safe = safeFileName(name);
-        constexpr int longestSuffix = 6;
-        const int dot = safe.lastIndexOf(QLatin1Char('.'));
-        const bool hasSuffix = dot > 0 && safe.size() - dot <= longestSuffix;
-        const QString suffix = hasSuffix ? safe.mid(dot) : QString();
-        QString base = hasSuffix ? safe.left(dot) : safe;
-        while (base.size() > 1 && safeFileName(base + mark + suffix) != base + mark + suffix)
-            base.chop(base.at(base.size() - 1).isLowSurrogate() ? 2 : 1);
-        return safeFileName(base + mark + suffix);
-    }
-
-    QSet<QString> taken_;
-};
+/// Ids are numbers as a rule; any other are put into some order that stays.
+bool isSmallerId(const QString &one, const QString &other)
+{
+    return one.size() != other.size() ? one.size() < other.size() : one < other;
+}
 
 } // namespace
 
@@ -110,21 +101,34 @@ QString productFolder(const namingrule::Rule &rule, const OrderDetail &detail,
 
 QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &detail)
 {
-    QStringList folders;
-    DistinctNames distinct;
     const QVector<DetailProduct> products = detail.products();
-    for (const DetailProduct &product : products)
-        folders.append(distinct.take(productFolder(rule, detail, product, folders.size() + 1)));
-    return folders;
+    std::vector<int> byId(std::size_t(products.size()));
+    std::iota(byId.begin(), byId.end(), 0);
+    std::stable_sort(byId.begin(), byId.end(), [&products](int one, int other) {
+        return isSmallerId(products.at(one).id, products.at(other).id);
+    });
+    std::vector<QString> folders(byId.size());
+    DistinctNames distinct;
+    for (const int index : byId) {
+        folders[std::size_t(index)] =
+            distinct.take(productFolder(rule, detail, products.at(index), index + 1));
+    }
+    return {folders.cbegin(), folders.cend()};
 }
 
-QStringList distinctFileNames(const QStringList &names)
+QString DistinctNames::take(const QString &name)
 {
-    QStringList different;
-    DistinctNames distinct;
-    for (const QString &name : names)
-        different.append(distinct.take(name));
-    return different;
+    const QString safe = safeFileName(name);
+    QString given = safe;
+    if (taken_.contains(safe.toCaseFolded())) {
+        int &number = next_[safe.toCaseFolded()];
+        number = std::max(number, 2);
+        do {
+            given = numbered(safe, number++);
+        } while (taken_.contains(given.toCaseFolded()));
+    }
+    taken_.insert(given.toCaseFolded());
+    return given;
 }
 
 } // namespace foldernames

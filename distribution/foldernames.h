@@ -3,6 +3,8 @@
 #include "distribution/namingrule.h"
 #include "distribution/orderdetail.h"
 
+#include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -30,11 +32,22 @@ QString productFolder(const namingrule::Rule &rule, const OrderDetail &detail,
                       const DetailProduct &product, int number);
 QString builtInProductFolder(const OrderDetail &detail, const DetailProduct &product, int number);
 
-/// One folder for each of detail.products(), all different, whatever case is ignored: the second
-/// that would have the same name gets " (2)" behind it, and so on.
+/// One folder for each of detail.products(), all different. Of those that would have the same name
+/// the one with the smallest id gets it and the others follow by their ids, so that the next run
+/// meets the same folders, whatever order the products come in.
 QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &detail);
 
-/// \a names made safe and all different, in the same way; the number stands before the suffix.
-QStringList distinctFileNames(const QStringList &names);
+/// Gives out names for one folder, safe and all different. Names that differ in case alone are one
+/// on the users' machines: the second that would have the same name gets " (2)" behind it, before
+/// its suffix, and so on.
+class DistinctNames
+{
+public:
+    QString take(const QString &name);
+
+private:
+    QSet<QString> taken_;
+    QHash<QString, int> next_; ///< the number to try, by name
+};
 
 } // namespace foldernames

@@ -71,6 +71,24 @@ void takeTexts(const QJsonObject &object, QHash<QString, QString> *texts)
 
 } // namespace
 
+QString pathInOneForm(QString replyPath)
+{
+    return replyPath.replace(QLatin1String("\\/"), QLatin1String("/"))
+        .replace(QLatin1Char('\\'), QLatin1Char('/'));
+}
+
+QString DetailPhoto::file() const
+{
+    return pathInOneForm(source());
+}
+
+QString DetailPhoto::key() const
+{
+    if (!id.isEmpty())
+        return id;
+    return source().isEmpty() ? imgName : file();
+}
+
 DetailPhoto readDetailPhoto(const QJsonObject &element)
 {
     DetailPhoto photo;

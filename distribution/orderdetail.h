@@ -10,6 +10,9 @@
 
 class QJsonObject;
 
+/// A path as replies write it, the same for every way of writing it; for comparing alone.
+QString pathInOneForm(QString replyPath);
+
 /// One photo of an order's detail. Paths are in wire form, as the service wrote them.
 struct DetailPhoto
 {
@@ -26,6 +29,10 @@ struct DetailPhoto
 
     /// The full-size file: localPath, in a product's photos picPath.
     const QString &source() const { return picPath.isEmpty() ? localPath : picPath; }
+    /// The same, the same for every way of writing it.
+    QString file() const;
+    /// What tells the photo from the others of a list: its id, otherwise its file.
+    QString key() const;
 };
 
 /// One product of an order, or a part of one. Everything is text because the service sends text.
@@ -53,6 +60,15 @@ struct DetailProduct
     /// A set: it has parts, or is of the type that is laid out like one.
     bool isSet() const { return !sonGood.isEmpty() || goodTypeId == QLatin1String("40"); }
 };
+
+/// The photos of a product and of what it consists of, each with the part that it is in.
+template <typename Visit> void forEachPhoto(const DetailProduct &product, const Visit &visit)
+{
+    for (const DetailPhoto &photo : product.imgs)
+        visit(product, photo);
+    for (const DetailProduct &part : product.sonGood)
+        forEachPhoto(part, visit);
+}
 
 /// The whole reply to "orderphotodetail". What is missing or mistyped reads as empty.
 struct OrderDetail

@@ -9,6 +9,7 @@
 struct ListedPhoto
 {
     QString id;
+    QString key; ///< DetailPhoto::key()
     QString name;
     bool selected = true;
 };

@@ -24,34 +24,18 @@ struct PhotoCopy
     enum class Ending { NotBegun, Copied, Failed } ending = Ending::NotBegun;
 };
 
-/// The photos of a product and of its parts.
-QVector<DetailPhoto> photosOf(const DetailProduct &product)
-{
-    QVector<DetailPhoto> photos = product.imgs;
-    for (const DetailProduct &part : product.sonGood)
-        photos += photosOf(part);
-    return photos;
-}
-
 /// One copy for each file, however often it is listed; two files of one name get two.
-void planCopies(const QVector<DetailPhoto> &photos, const QString &folder,
-                QVector<PhotoCopy> *copies)
+void planCopies(const DetailProduct &product, const QString &folder, QVector<PhotoCopy> *copies)
 {
     QSet<QString> sources;
-    QVector<PhotoCopy> planned;
-    QStringList names;
-    for (const DetailPhoto &photo : photos) {
+    foldernames::DistinctNames names;
+    forEachPhoto(product, [&](const DetailProduct &, const DetailPhoto &photo) {
         const QString source = sourceOnDisk(photo.source());
         if (sources.contains(source))
-            continue;
+            return;
         sources.insert(source);
-        names.append(photo.imgName);
-        planned.append({photo.imgName, source, {}});
-    }
-    const QStringList targets = foldernames::distinctFileNames(names);
-    for (int index = 0; index < planned.size(); ++index)
-        planned[index].target = joinLocalPath(folder, targets.at(index));
-    *copies += planned;
+        copies->append({photo.imgName, source, joinLocalPath(folder, names.take(photo.imgName))});
+    });
 }
 
 /// Which photo, of which product, and why as far as that can be told.
@@ -115,7 +99,7 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
     for (int index = 0; index < products.size(); ++index) {
         const QString &folder = folders.at(index);
         if (photofiles::ensureFolder(folder))
-            planCopies(photosOf(products.at(index)), folder, &copies);
+            planCopies(products.at(index), folder, &copies);
         else
             errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
     }

@@ -103,11 +103,12 @@ bool print(const QString &html, const QString &path)
 
 } // namespace
 
-QString printProductionSheet(const OrderDetail &detail, const QString &orderFolder)
+QString printProductionSheet(const OrderDetail &detail, const QString &orderFolder,
+                             const PlannedPictures &pictures)
 {
     const QString target = joinLocalPath(orderFolder, foldernames::sheetFile);
     const QString html =
-        sheetHtml({detail, orderFolder, QDateTime::currentDateTime(), sizeOfPicture});
+        sheetHtml({detail, orderFolder, pictures, QDateTime::currentDateTime(), sizeOfPicture});
     const bool printed =
         mayReplace(target) && writeWholeFile(target, [&html](const QString &temporary) {
             return print(html, temporary);

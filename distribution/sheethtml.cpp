@@ -169,11 +169,8 @@ QString markedPhotos(const SheetInput &input)
         return {};
     QString html = borderedTable();
     for (const DetailPhoto &photo : input.detail.imagesBiaoji) {
-        const QString path =
-            inOrderFolder(input, foldernames::other + QLatin1Char('/') + foldernames::marked,
-                          safeFileName(photo.imgName));
         html += QStringLiteral("<tr><td width=\"130\" align=\"left\">") +
-                squarePicture(input, path, 120) +
+                squarePicture(input, input.pictures.find(photo.url, photo.imgName), 120) +
                 QStringLiteral("</td><td><ul style=\"list-style-type: none;\">");
         for (int number = 1; number <= photo.remarks.size(); ++number) {
             html += QStringLiteral("<li>%1. ").arg(number) + escaped(photo.remarks.at(number - 1)) +

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "distribution/orderdetail.h"
+#include "distribution/plannedpictures.h"
 
 #include <QDateTime>
 #include <QSize>
@@ -13,7 +14,8 @@
 struct SheetInput
 {
     OrderDetail detail;
-    QString orderFolder; ///< local; the pictures lie below it
+    QString orderFolder;      ///< local; the pictures lie below it
+    PlannedPictures pictures; ///< which of them are whose
     QDateTime printedAt;
     /// Width and height in pixels of the picture at a path; empty when there is none, which leaves
     /// its cell empty.

@@ -1,7 +1,6 @@
 #include "distribution/sheetproducts.h"
 
 #include "distribution/distributionplan.h"
-#include "distribution/foldernames.h"
 #include "distribution/sheetwriting.h"
 
 using namespace sheetwriting;
@@ -86,18 +85,12 @@ struct ProductPhoto
     DetailPhoto photo;
 };
 
-void collectPhotos(const DetailProduct &product, QVector<ProductPhoto> *photos)
-{
-    for (const DetailPhoto &photo : product.imgs)
-        photos->append({&product, photo});
-    for (const DetailProduct &part : product.sonGood)
-        collectPhotos(part, photos);
-}
-
 QVector<ProductPhoto> photosOf(const DetailProduct &product)
 {
     QVector<ProductPhoto> photos;
-    collectPhotos(product, &photos);
+    forEachPhoto(product, [&photos](const DetailProduct &part, const DetailPhoto &photo) {
+        photos.append({&part, photo});
+    });
     return photos;
 }
 
@@ -112,11 +105,12 @@ void collectParts(const DetailProduct &product, QVector<const DetailProduct *> *
 /// As the customers cropped it for this product, when they did.
 QString picturePath(const SheetInput &input, const ProductPhoto &each)
 {
-    if (cropUrl(*each.product, each.photo).isEmpty())
-        return thumbnailPath(input, each.photo);
-    const QString crop =
-        inOrderFolder(input, foldernames::crops, cropFileName(*each.product, each.photo));
-    return input.sizeOf(crop).isEmpty() ? thumbnailPath(input, each.photo) : crop;
+    const QString url = cropUrl(*each.product, each.photo);
+    const QString crop = url.isEmpty()
+                             ? QString()
+                             : input.pictures.find(url, cropFileName(*each.product, each.photo));
+    const bool isThere = !crop.isEmpty() && !input.sizeOf(crop).isEmpty();
+    return isThere ? crop : thumbnailPath(input, each.photo);
 }
 
 QString photoRows(const SheetInput &input, const QVector<ProductPhoto> &photos)

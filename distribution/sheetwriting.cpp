@@ -1,6 +1,6 @@
 #include "distribution/sheetwriting.h"
 
-#include "distribution/foldernames.h"
+#include "distribution/distributionplan.h"
 #include "files/paths.h"
 
 #include <QUrl>
@@ -60,12 +60,13 @@ QString inOrderFolder(const SheetInput &input, const QString &folder, const QStr
 
 QString thumbnailPath(const SheetInput &input, const DetailPhoto &photo)
 {
-    return inOrderFolder(input, foldernames::thumbnails, safeFileName(photo.imgName));
+    return input.pictures.find(thumbnailSource(photo), photo.imgName);
 }
 
 QString squarePicture(const SheetInput &input, const QString &path, int side)
 {
-    return input.sizeOf(path).isEmpty() ? QString() : image(path, QSize(side, side), squareMark);
+    const bool isThere = !path.isEmpty() && !input.sizeOf(path).isEmpty();
+    return isThere ? image(path, QSize(side, side), squareMark) : QString();
 }
 
 QString fittedPicture(const SheetInput &input, const QString &path, const QSize &box)

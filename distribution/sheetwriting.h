@@ -1,7 +1,6 @@
 #pragma once
 
 #include "distribution/sheethtml.h"
-#include "files/safename.h"
 
 #include <QString>
 #include <QStringList>

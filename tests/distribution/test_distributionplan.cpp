@@ -12,6 +12,8 @@
 
 using Type = DesignFileSplitTypes;
 
+Q_DECLARE_METATYPE(DesignFileSplitTypes)
+
 namespace {
 
 const orderqueries::Identity somebody{"1"_s, "2"_s, "3"_s};
@@ -132,18 +134,21 @@ private slots:
                                  "{'id':'3','localpath':'/z/c.jpg'},"
                                  "{'id':'4','img_name':'../d.jpg','localpath':'/z/d.jpg'}]}")));
         const OrderPlan plan = planOrder(request, [](const QString &photo) {
-            return photo == QLatin1String("/x/a.jpg") ? QStringList("/x/a.CR2"_s) : QStringList();
+            return photo == QLatin1String("/y/a.jpg") ? QStringList("/y/a.CR2"_s) : QStringList();
         });
         QCOMPARE(described(plan).mid(0, 5),
                  (QStringList{"下载原始档 原始档/a.jpg <- /x/a.jpg 1"_s,
-                              "下载原始档 原始档/a.CR2 <- /x/a.CR2"_s,
                               "下载原始档 原始档/A (2).jpg <- /y/a.jpg 2"_s,
+                              "下载原始档 原始档/A (2).CR2 <- /y/a.CR2"_s,
                               "下载原始档 原始档/../d.jpg <- /z/d.jpg 4"_s,
                               "下载精修片 原图/a.jpg <- /x/a.jpg"_s}));
         QCOMPARE(plan.tasks.size(), 7);
         QCOMPARE(plan.problems.size(), 4); // twice each: renamed, and without a name
         QVERIFY(!plan.makesProducts);
     }
+
+    void namesakes_data();
+    void namesakes();
 
     void findsRawFilesBesideAPhoto()
     {
@@ -165,6 +170,78 @@ private slots:
         QCOMPARE(beside("/none/c.jpg"_s), QString());
     }
 };
+
+void TestDistributionPlan::namesakes_data()
+{
+    // copied: what takes part in it, as the paths of its sources
+    addColumns<DesignFileSplitTypes, QByteArray, QString, QString, int>(
+        {"type", "retouched", "leftOut", "copied", "problems"});
+    const QByteArray known = "{'id':'2','img_name':'a','localpath':'/r/2'},"
+                             "{'id':'1','img_name':'a','localpath':'/r/1'}";
+    const QByteArray named = "{'id':'91','img_name':'a','localpath':'/r/x'},"
+                             "{'id':'92','img_name':'a','localpath':'/r/y'}";
+    const QByteArray one = "{'id':'2','img_name':'a','localpath':'/r/2'},"
+                           "{'id':'92','img_name':'a','localpath':'/r/x'}";
+    const auto rows = [&](const char *name, Type type, const QByteArray &retouched,
+                          const char *leftOut, const QString &copied, int problems) {
+        newRow(name, type, retouched, QString::fromLatin1(leftOut), copied, problems);
+    };
+    // The second to land on a name is renamed, which is told.
+    rows("known, together", Type::DownloadSelection, known, "", "成品/a</r/1 成品/a (2)</r/2"_s, 1);
+    rows("known, with their products", Type::Distribution, known, "",
+         "p1/成品/a</r/1 p2/成品/a</r/2"_s, 0);
+    rows("known, one not wanted", Type::DownloadOriginals, known, "1", "精修/a</r/2"_s, 0);
+    rows("named, together", Type::DownloadSelection, named, "", "成品/a</r/x 成品/a (2)</r/y"_s, 1);
+    rows("named, with their products", Type::Distribution, named, "", QString(), 1);
+    rows("named, all wanted", Type::DownloadOriginals, named, "", "精修/a</r/x 精修/a (2)</r/y"_s,
+         1);
+    rows("named, one not wanted", Type::DownloadOriginals, named, "1", QString(), 1);
+    rows("named, none wanted", Type::DownloadOriginals, named, "1 2", QString(), 0);
+    rows("one known, so the other is too", Type::Distribution, one, "",
+         "p1/成品/a</r/x p2/成品/a</r/2"_s, 0);
+    rows("fewer than photos", Type::DownloadSelection, "{'img_name':'a','localpath':'/r/x'}", "",
+         QString(), 1);
+}
+
+/// Two cameras that count alike.
+void TestDistributionPlan::namesakes()
+{
+    QFETCH(DesignFileSplitTypes, type);
+    QFETCH(QByteArray, retouched);
+    QFETCH(QString, leftOut);
+    QFETCH(QString, copied);
+    QFETCH(int, problems);
+    PlanRequest request;
+    request.type = type;
+    request.orderFolder = "/o/"_s;
+    request.productFolders = QStringList{"/o/p1"_s, "/o/p2"_s};
+    request.options.retouched = true;
+    const QStringList unwanted = leftOut.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+    request.leftOut = QSet<QString>(unwanted.cbegin(), unwanted.cend());
+    // The products know their photos by id, and by the file alone.
+    request.detail = std::make_shared<const OrderDetail>(readOrderDetail(
+        json("{'images':[{'id':'1','img_name':'a','localpath':'/x/all/a','localpath90':'/t/1'},"
+             "{'id':'2','img_name':'a','localpath':'/y/all/a','localpath90':'/t/2'}],"
+             "'goods':[{'id':'7','imgs':[{'id':'1','img_name':'a','localpath90':'/t/1'}]},"
+             "{'id':'8','imgs':[{'img_name':'a','picpath':'\\\\y\\\\all\\\\a',"
+             "'localpath90':'/t/2'}]}],'images_jingxiu':[" +
+             retouched + "]}")));
+    const OrderPlan plan = planOrder(request, [](const QString &) { return QStringList(); });
+    QStringList found;
+    for (const DistributionTask &task : plan.tasks) {
+        if (task.sourcePath.startsWith(QLatin1String("/r/")))
+            found.append(task.targetFolder.mid(3) +
+                         (task.subType.isEmpty() ? QString() : "成品/"_s) + task.imgName +
+                         QLatin1Char('<') + task.sourcePath);
+    }
+    QCOMPARE(found.join(QLatin1Char(' ')), copied);
+    const QStringList told = plan.problems.filter("精修"_s) + plan.problems.filter("/r/"_s);
+    QCOMPARE(told.size(), problems);
+    if (plan.makesProducts) {
+        QCOMPARE(plan.pictures.find("/t/1"_s, "a"_s), "/o/缩略图/a"_s);
+        QCOMPARE(plan.pictures.find("/t/2"_s, "a"_s), "/o/缩略图/a (2)"_s);
+    }
+}
 
 QTEST_GUILESS_MAIN(TestDistributionPlan)
 #include "test_distributionplan.moc"

@@ -171,8 +171,17 @@ private slots:
         QCOMPARE(folders.mid(0, 3).join(QLatin1Char('|')), "A|a (2)|a (2) (2)"_s);
         QVERIFY(folders.at(3) != folders.at(4));
         QVERIFY(folders.at(4).endsWith(QLatin1String("b (2)")));
-        QCOMPARE(foldernames::distinctFileNames({"x/y.jpg"_s, "X_y.JPG"_s, "x_y"_s}),
-                 (QStringList{"x_y.jpg"_s, "X_y (2).JPG"_s, "x_y"_s}));
+        // They keep their folders when the reply lists them the other way round.
+        detail = {};
+        detail.goods = {sampleProduct("a"_s), sampleProduct("a"_s), sampleProduct("a"_s)};
+        detail.goods[0].id = "100"_s;
+        detail.goods[1].id = "9"_s;
+        QCOMPARE(foldernames::productFolders({{{}, "name"_s, QString()}}, detail),
+                 (QStringList{"a (3)"_s, "a"_s, "a (2)"_s}));
+        foldernames::DistinctNames names;
+        const QStringList taken{names.take("x/y.jpg"_s), names.take("X_y.JPG"_s),
+                                names.take("x_y"_s)};
+        QCOMPARE(taken, (QStringList{"x_y.jpg"_s, "X_y (2).JPG"_s, "x_y"_s}));
     }
 };
 

@@ -1,3 +1,4 @@
+#include "distribution/distributionplan.h"
 #include "distribution/foldernames.h"
 #include "distribution/productionsheet.h"
 #include "distribution/sheethtml.h"
@@ -43,11 +44,20 @@ void set(OrderDetail *detail, const char *key, const QString &value)
     detail->order.insert(QString::fromLatin1(key), value);
 }
 
+PlannedPictures planned(const OrderDetail &detail, const QString &folder)
+{
+    PlanRequest request;
+    request.type = DesignFileSplitTypes::DownloadSelection;
+    request.detail = std::make_shared<const OrderDetail>(detail);
+    request.orderFolder = folder + QLatin1Char('/');
+    return planOrder(request, [](const QString &) { return QStringList(); }).pictures;
+}
+
 /// Every picture is there, unless its path has \a missing in it.
 SheetInput input(const OrderDetail &detail, const QString &missing = "?"_s)
 {
-    return {detail, "/o #1"_s, QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)),
-            [missing](const QString &path) {
+    return {detail, "/o #1"_s, planned(detail, "/o #1"_s),
+            QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)), [missing](const QString &path) {
                 return path.contains(missing) ? QSize() : QSize(90, 60);
             }};
 }
@@ -217,12 +227,21 @@ private slots:
         QVERIFY(without.contains("<td width=\"20%\" align=\"center\" valign=\"top\"></td>"_s));
 
         DetailPhoto marked = photo(1);
+        marked.url = "http://x"_s;
         marked.remarks = QStringList{"瘦脸"_s, "去斑\n提亮"_s};
         detail.imagesBiaoji = {marked};
         const QString table = between(html(detail), "调修要求", "指定制作");
         QVERIFY(table.contains("width=\"120\" height=\"120\""_s));
         QVERIFY(table.contains("/%E6%A0%87%E8%AE%B0/I%231%20100%25.jpg"_s));
         QVERIFY(table.contains("<li>1. 瘦脸</li><li>2. 去斑<br>提亮</li>"_s));
+
+        // Two cameras, one numbering.
+        OrderDetail namesakes;
+        namesakes.goods = {product("册", 1), product("框", 1)};
+        namesakes.goods.first().imgs.first().picPath = "/y/all/a"_s;
+        const QString both = html(namesakes);
+        QCOMPARE(both.count(thumbnails + "0%20100%25.jpg"_s), 1);
+        QCOMPARE(both.count(thumbnails + "0%20100%25%20(2).jpg"_s), 1);
     }
 
     void printed_data()
@@ -238,14 +257,14 @@ private slots:
     void notPrinted()
     {
         const QTemporaryDir root;
-        QCOMPARE(printProductionSheet({}, root.filePath("none"_s)), "明细制作单.pdf生成失败"_s);
+        QCOMPARE(printProductionSheet({}, root.filePath("none"_s), {}), "明细制作单.pdf生成失败"_s);
         const QString pdf = root.filePath("明细制作单.pdf"_s);
         writeFile(pdf, "old");
         QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner));
-        QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
+        QVERIFY(!printProductionSheet({}, root.path(), {}).isEmpty());
         QCOMPARE(readFile(pdf), QByteArray("old"));
         QVERIFY(QFile::setPermissions(pdf, QFile::ReadOwner | QFile::WriteOwner));
-        QVERIFY(printProductionSheet({}, root.path()).isEmpty());
+        QVERIFY(printProductionSheet({}, root.path(), {}).isEmpty());
     }
 
     void fullDisk()
@@ -259,7 +278,7 @@ private slots:
         while (filler.write(QByteArray(1000, 'x')) == 1000 && filler.flush()) {
         }
         filler.close();
-        QVERIFY(!printProductionSheet({}, root.path()).isEmpty());
+        QVERIFY(!printProductionSheet({}, root.path(), {}).isEmpty());
         QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"filler"_s});
     }
 };
@@ -292,8 +311,10 @@ void TestSheet::printed()
     detail.goods[1].goodRemark = "R1R\nR2R\nR3R\nR4R\nR5R\nR6R"_s;
     writeFile(folder + "/其他/条形码.jpg"_s, jpegOf(cornerPicture(QSize(2000, 600))));
 
-    QCOMPARE(QtConcurrent::run([&] { return printProductionSheet(detail, folder); }).result(),
-             QString());
+    const PlannedPictures pictures = planned(detail, folder);
+    QCOMPARE(
+        QtConcurrent::run([&] { return printProductionSheet(detail, folder, pictures); }).result(),
+        QString());
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"明细制作单.pdf"_s});
     if (QStandardPaths::findExecutable("pdfinfo"_s).isEmpty())
         QSKIP("Reading it back needs the programs of poppler-utils.");
