@@ -55,7 +55,7 @@ protected:
     {
         demo_.release();
         delete window_;
-        diskPool()->waitForDone();
+        diskPool().waitForDone();
         QCOMPARE(boxes(), QStringList()); // every box was expected
     }
 
