@@ -8,7 +8,6 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <exception>
 
 namespace {
 
@@ -34,12 +33,9 @@ bool namesOneFile(const QString &wirePath)
 }
 
 DeleteFileRunnable::DeleteFileRunnable(PhotoEntry photo, StopFlag stopped, RemoveFunction remove)
+    : photo_(std::move(photo)), stopped_(std::move(stopped)), remove_(std::move(remove))
 {
-    const std::lock_guard<std::mutex> lock(handOver_);
-    photo_ = std::move(photo);
-    stopped_ = std::move(stopped);
-    remove_ = std::move(remove);
-    // It gets no events, and is deleted by whichever thread has run it.
+    // It gets no events, and is deleted by whichever thread lets go of it last.
     moveToThread(nullptr);
 }
 
@@ -48,33 +44,19 @@ DeleteFileRunnable::~DeleteFileRunnable()
     qDebug() << "DeleteFileRunnable 析构";
 }
 
-void DeleteFileRunnable::run()
+void DeleteFileRunnable::perform()
 {
-    DeleteFileResult result;
-    {
-        const std::lock_guard<std::mutex> lock(handOver_);
-        result = processSafely();
-    }
-    emit deleteFinished(result);
+    emit deleteFinished(process());
 }
 
-DeleteFileResult DeleteFileRunnable::processSafely() const
+void DeleteFileRunnable::failed(const QString &problem)
 {
-    QString problem;
-    try {
-        return process();
-    } catch (const std::exception &exception) {
-        problem = QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
-    } catch (...) {
-        problem = QStringLiteral("未知异常");
-    }
-    qDebug().noquote() << problem;
-    return {false, problem, photo_};
+    emit deleteFinished({false, problem, photo_});
 }
 
 DeleteFileResult DeleteFileRunnable::process() const
 {
-    if (*stopped_)
+    if (stopped_.isRaised())
         return {false, QStringLiteral("任务已中止，不执行删除"), photo_};
     QStringList problems;
     if (photo_.localPath.isEmpty()) {

@@ -8,45 +8,33 @@
 #include <QDebug>
 #include <QFileInfo>
 
-#include <exception>
-
 ImportFileCopyRunnable::ImportFileCopyRunnable(ImportFile file, CopyFunction copy)
     : file_(std::move(file)), copy_(std::move(copy))
 {
-    // Hands the members over to the thread that takes the mutex in run(), whatever the pool does.
-    const std::lock_guard<std::mutex> handOver(running_);
-    setAutoDelete(false);
-}
-
-ImportFileCopyRunnable::~ImportFileCopyRunnable()
-{
-    const std::lock_guard<std::mutex> untilRunHasReturned(running_);
 }
 
 void ImportFileCopyRunnable::cancel()
 {
-    cancelled_ = true;
+    cancelled_.raise();
 }
 
 bool ImportFileCopyRunnable::isCancelled() const
 {
-    return cancelled_;
+    return cancelled_.isRaised();
 }
 
-void ImportFileCopyRunnable::run()
+void ImportFileCopyRunnable::perform()
 {
-    const std::lock_guard<std::mutex> running(running_);
-    Ending ending = Ending::Finished;
-    try {
-        ending = process();
-    } catch (const std::exception &exception) {
-        qDebug().noquote()
-            << QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
-        ending = failed(QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what())));
-    } catch (...) {
-        qDebug().noquote() << QStringLiteral("未知异常");
-        ending = failed(QStringLiteral("未知异常"));
-    }
+    tell(process());
+}
+
+void ImportFileCopyRunnable::failed(const QString &problem)
+{
+    tell(endFailed(problem));
+}
+
+void ImportFileCopyRunnable::tell(Ending ending)
+{
     if (ending == Ending::Cancelled)
         emit copyCancelled(file_);
     else
@@ -59,14 +47,14 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::process()
         return cancelled();
     const QString problem = sourceProblem();
     if (!problem.isEmpty())
-        return failed(problem);
+        return endFailed(problem);
     if (isCancelled())
         return cancelled();
     const QString target =
         joinLocalPath(platform::toLocalPath(file_.targetFolder), file_.targetName());
     const QFileInfo existing(target);
     if ((existing.exists() || existing.isSymLink()) && !platform::mayBeRemoved(target))
-        return failed(QStringLiteral("无法覆盖已存在的文件: %1").arg(target));
+        return endFailed(QStringLiteral("无法覆盖已存在的文件: %1").arg(target));
     if (isCancelled())
         return cancelled();
     return copyTo(target);
@@ -98,21 +86,21 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
         return cancelled();
     case CopyOutcome::Failed:
         return isCancelled() ? cancelled()
-                             : failed(QStringLiteral("文件拷贝失败(可能是磁盘已满或权限受限)"));
+                             : endFailed(QStringLiteral("文件拷贝失败(可能是磁盘已满或权限受限)"));
     case CopyOutcome::Empty:
-        return isCancelled() ? cancelled() : failed(QStringLiteral("文件拷贝后大小为0KB"));
+        return isCancelled() ? cancelled() : endFailed(QStringLiteral("文件拷贝后大小为0KB"));
     case CopyOutcome::SizeDiffers:
-        return failed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
+        return endFailed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
     }
 
     // From here on the target holds the whole photo; taking it away again because of a late
     // cancellation would lose the file that it may have replaced.
     const QFileInfo copy(target);
     if (!copy.exists())
-        return failed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
+        return endFailed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
     if (copy.size() != QFileInfo(file_.sourcePath).size()) {
         QFile::remove(target);
-        return failed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
+        return endFailed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
     }
     file_.state = ImportFile::Imported;
     file_.message = QStringLiteral("拷贝成功");
@@ -127,7 +115,7 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::cancelled()
     return Ending::Cancelled;
 }
 
-ImportFileCopyRunnable::Ending ImportFileCopyRunnable::failed(const QString &message)
+ImportFileCopyRunnable::Ending ImportFileCopyRunnable::endFailed(const QString &message)
 {
     file_.state = ImportFile::Failed;
     file_.message = message;

@@ -2,20 +2,19 @@
 
 #include "fileimport/importrecords.h"
 #include "files/filecopy.h"
+#include "tasks/stopflag.h"
+#include "tasks/task.h"
 
 #include <QObject>
-#include <QRunnable>
 #include <QString>
 
 #include <atomic>
 #include <functional>
-#include <mutex>
 
-/// Copies one file into its order's folder and verifies the copy. Runs on a pool thread, tells its
-/// result by one signal, and is owned, and deleted, by whoever started it: the pool leaves it
-/// alone. An earlier file under the target's name is replaced; unless the copy is whole it stays as
-/// it was.
-class ImportFileCopyRunnable : public QObject, public QRunnable
+/// Copies one file into its order's folder and verifies the copy. Runs on a pool thread and tells
+/// its result by one signal; connect to it queued. An earlier file under the target's name is
+/// replaced; unless the copy is whole it stays as it was.
+class ImportFileCopyRunnable : public QObject, public Task
 {
     Q_OBJECT
 
@@ -25,9 +24,6 @@ public:
                                                    const platform::TransferControl &)>;
 
     explicit ImportFileCopyRunnable(ImportFile file, CopyFunction copy = copyFile);
-    ~ImportFileCopyRunnable() override;
-
-    void run() override;
 
     /// Asks the task to end at its next step; any thread.
     void cancel();
@@ -49,16 +45,17 @@ signals:
 private:
     enum class Ending { Finished, Cancelled };
 
+    void perform() override;
+    void failed(const QString &problem) override;
     Ending process();
     Ending cancelled();
-    Ending failed(const QString &message);
+    Ending endFailed(const QString &message);
+    void tell(Ending ending);
     QString sourceProblem() const;
     Ending copyTo(const QString &target);
 
     ImportFile file_;
     CopyFunction copy_;
-    std::atomic<bool> cancelled_{false};
+    StopFlag cancelled_;
     std::atomic<qint64> bytesCopied_{0};
-    /// Held while run() runs: the receiver of its last signal may delete the task at once.
-    std::mutex running_;
 };

@@ -19,10 +19,9 @@ constexpr int stopPatienceMs = 5000;
 
 } // namespace
 
-ImportRun::ImportRun(ImportMode mode, QObject *parent) : QObject(parent), mode_(mode)
+ImportRun::ImportRun(ImportMode mode, QObject *parent)
+    : QObject(parent), mode_(mode), pool_(QStringLiteral("import-copy"), filesAtOnce)
 {
-    pool_.setObjectName(QStringLiteral("import-copy"));
-    pool_.setMaxThreadCount(filesAtOnce);
     stopTimer_.setSingleShot(true);
     stopTimer_.setInterval(stopPatienceMs);
     connect(&stopTimer_, &QTimer::timeout, this,
@@ -35,8 +34,6 @@ ImportRun::~ImportRun()
         task.runnable->cancel();
     pool_.clear();
     pool_.waitForDone();
-    for (const Task &task : qAsConst(tasks_))
-        delete task.runnable;
 }
 
 bool ImportRun::start(const QVector<ImportOrder> &orders, const orderqueries::Identity &identity)
@@ -103,7 +100,8 @@ void ImportRun::startTask(const QString &orderId, int fileIndex)
 {
     ImportFile file = orderOf(orderId).files.at(fileIndex);
     file.fileIndex = fileIndex;
-    auto *runnable = new ImportFileCopyRunnable(file);
+    const auto task = std::make_shared<ImportFileCopyRunnable>(file);
+    auto *runnable = task.get();
     connect(
         runnable, &ImportFileCopyRunnable::copyFinished, this,
         [this, runnable](const ImportFile &file) { onFileCopyFinished(runnable, file); },
@@ -112,19 +110,18 @@ void ImportRun::startTask(const QString &orderId, int fileIndex)
         runnable, &ImportFileCopyRunnable::copyCancelled, this,
         [this, runnable](const ImportFile &file) { onFileCopyCancelled(runnable, file); },
         Qt::QueuedConnection);
-    tasks_.append({runnable, orderId, fileIndex, false});
-    pool_.start(runnable);
+    tasks_.append({task, orderId, fileIndex, false});
+    pool_.start(task);
 }
 
 ImportRun::Task ImportRun::takeTask(ImportFileCopyRunnable *runnable)
 {
     const auto found = std::find_if(tasks_.begin(), tasks_.end(), [runnable](const Task &task) {
-        return task.runnable == runnable;
+        return task.runnable.get() == runnable;
     });
     Q_ASSERT(found != tasks_.end()); // a task is in the list until its one signal has come
     const Task task = *found;
     tasks_.erase(found);
-    delete runnable;
     return task;
 }
 
@@ -272,10 +269,8 @@ void ImportRun::stopAllImports()
     QVector<Task> running;
     for (const Task &task : qAsConst(tasks_)) {
         stopped.insert(task.orderId);
-        if (pool_.tryTake(task.runnable)) {
-            delete task.runnable; // never started: its file keeps waiting
-            continue;
-        }
+        if (pool_.takeBack(task.runnable.get()))
+            continue; // never started: its file keeps waiting
         task.runnable->cancel();
         running.append(task);
         running.last().abandoned = true;

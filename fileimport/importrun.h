@@ -3,14 +3,16 @@
 #include "fileimport/importrecords.h"
 #include "fileimport/orderregistration.h"
 #include "files/transferprogress.h"
+#include "tasks/workerpool.h"
 
 #include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QThreadPool>
 #include <QTimer>
 #include <QVector>
+
+#include <memory>
 
 class ImportFileCopyRunnable;
 
@@ -81,7 +83,7 @@ signals:
 private:
     struct Task
     {
-        ImportFileCopyRunnable *runnable = nullptr;
+        std::shared_ptr<ImportFileCopyRunnable> runnable;
         QString orderId;
         int fileIndex = 0;
         bool abandoned = false; ///< stopped: its result changes its own file and nothing else
@@ -118,6 +120,6 @@ private:
     QVector<int> pending_;               ///< file indexes of the current order, last one first
     QVector<Task> tasks_;
     QHash<QString, OrderRegistration *> registrations_; ///< by order id
-    QThreadPool pool_;
+    WorkerPool pool_;
     QTimer stopTimer_; ///< reports tasks that outlast a stop
 };

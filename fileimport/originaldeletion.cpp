@@ -37,18 +37,18 @@ OriginalDeletionPlan planOriginalDeletion(const QVector<PhotoEntry> &selected)
 }
 
 OriginalDeletion::OriginalDeletion(DeleteFileRunnable::RemoveFunction remove, QObject *parent)
-    : QObject(parent), remove_(std::move(remove)), call_(this)
+    : QObject(parent)
+    , remove_(std::move(remove))
+    , call_(this)
+    , pool_(QStringLiteral("photo-deletion"), filesAtOnce)
 {
     qRegisterMetaType<DeleteFileResult>();
-    pool_.setObjectName(QStringLiteral("photo-deletion"));
-    pool_.setMaxThreadCount(filesAtOnce);
 }
 
 OriginalDeletion::~OriginalDeletion()
 {
     qDebug() << "开始清理线程池...";
-    if (stopped_)
-        *stopped_ = true;
+    stopped_.raise();
     pool_.clear();
     if (pool_.waitForDone(stopPatienceMs))
         qDebug() << "线程池已安全清理";
@@ -65,13 +65,14 @@ bool OriginalDeletion::start(const originalrequests::OrderMap &order,
     summary_ = {};
     resultText_.clear();
     total_ = 0;
-    stopped_ = std::make_shared<std::atomic<bool>>(false);
-    inBackground(
-        this, [entries] { return planOriginalDeletion(entries); },
-        [this, order, run = ++run_](const OriginalDeletionPlan &plan) {
-            if (run == run_)
-                onPlanned(order, plan);
-        });
+    stopped_ = StopFlag();
+    QStringList paths;
+    for (const PhotoEntry &entry : entries)
+        paths.append(entry.localPath);
+    onDisk(
+        this, paths, [entries] { return planOriginalDeletion(entries); },
+        planning_.only(
+            [this, order](const OriginalDeletionPlan &plan) { onPlanned(order, plan); }));
     return true;
 }
 
@@ -107,8 +108,8 @@ void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries)
     emit progressed(0, total_);
     qDebug() << "开始删除" << total_ << "个文件";
     for (const PhotoEntry &entry : entries) {
-        auto *task = new DeleteFileRunnable(entry, stopped_, remove_);
-        connect(task, &DeleteFileRunnable::deleteFinished, this,
+        const auto task = std::make_shared<DeleteFileRunnable>(entry, stopped_, remove_);
+        connect(task.get(), &DeleteFileRunnable::deleteFinished, this,
                 &OriginalDeletion::onDeleteFinished, Qt::QueuedConnection);
         pool_.start(task);
     }
@@ -142,7 +143,7 @@ void OriginalDeletion::stop()
 {
     if (!busy_)
         return;
-    *stopped_ = true;
+    stopped_.raise();
     const int done = summary_.succeeded + summary_.failed;
     if (done < total_) {
         // The tasks answer, those that had not begun at once; the last answer ends it.
@@ -152,7 +153,7 @@ void OriginalDeletion::stop()
         });
         return;
     }
-    ++run_;
+    planning_.abandon();
     call_.cancel();
     busy_ = false;
     emit ended();

@@ -4,11 +4,12 @@
 #include "fileimport/originalrequests.h"
 #include "fileimport/photorecords.h"
 #include "net/servicecall.h"
+#include "tasks/latest.h"
+#include "tasks/workerpool.h"
 
 #include <QObject>
 #include <QString>
 #include <QStringList>
-#include <QThreadPool>
 #include <QVector>
 
 /// What a deletion is to touch, sorted out before the service is told.
@@ -67,11 +68,11 @@ private:
     void finish();
 
     DeleteFileRunnable::RemoveFunction remove_;
-    DeleteFileRunnable::StopFlag stopped_;
+    StopFlag stopped_;
     LatestCall call_;
-    QThreadPool pool_;
+    WorkerPool pool_;
     bool busy_ = false;
-    int run_ = 0; ///< number of the deletion, to tell a plan that comes after a stop
+    Latest planning_;
     int total_ = 0;
     OriginalDeletionSummary summary_;
     QString resultText_;

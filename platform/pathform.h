@@ -20,9 +20,9 @@ bool nameFits(const QString &name);
 /// on this machine, or names a device. Looks at the text alone.
 std::optional<QStringList> componentsBelowRoot(const QString &wirePath);
 
-/// What stands for the disk that \a path (wire form or this machine's) lies on: its share, its
-/// drive, or elsewhere than on Windows the place where its file system is mounted. Two paths of one
-/// disk may differ in it. Touches no disk, which may hang.
-QString volumeOf(const QString &path);
+/// What stands for the disks that \a paths (wire form or this machine's) lie on, each once: a
+/// share, a drive, or elsewhere than on Windows the place where a file system is mounted. Two names
+/// may stand for one disk. Touches none, since that might hang.
+QStringList volumesOf(const QStringList &paths);
 
 } // namespace platform

@@ -25,6 +25,22 @@ QStringList mountedPlaces()
     return places;
 }
 
+QString volumeOf(const QString &path, const QStringList &mounted)
+{
+    if (path.startsWith(QLatin1String("//"))) {
+        const QStringList components = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        return QLatin1String("//") + components.mid(0, 2).join(QLatin1Char('/')).toCaseFolded();
+    }
+    if (!path.startsWith(QLatin1Char('/')))
+        return {};
+    QString longest(QLatin1Char('/'));
+    for (const QString &place : mounted) {
+        if (place.size() > longest.size() && (path + QLatin1Char('/')).startsWith(place))
+            longest = place;
+    }
+    return longest;
+}
+
 } // namespace
 
 QString toLocalPath(const QString &wirePath)
@@ -49,20 +65,16 @@ std::optional<QStringList> componentsBelowRoot(const QString &wirePath)
     return components.mid(path.startsWith(QLatin1String("//")) ? hostAndShare : 0);
 }
 
-QString volumeOf(const QString &path)
+QStringList volumesOf(const QStringList &paths)
 {
-    const QString local = toLocalPath(path);
-    const QStringList components = local.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    if (local.startsWith(QLatin1String("//")))
-        return QLatin1String("//") + components.mid(0, 2).join(QLatin1Char('/')).toCaseFolded();
-    if (!local.startsWith(QLatin1Char('/')))
-        return {};
-    QString longest(QLatin1Char('/'));
-    for (const QString &place : mountedPlaces()) {
-        if (place.size() > longest.size() && (local + QLatin1Char('/')).startsWith(place))
-            longest = place;
+    const QStringList mounted = mountedPlaces();
+    QStringList volumes;
+    for (const QString &path : paths) {
+        const QString volume = volumeOf(toLocalPath(path), mounted);
+        if (!volumes.contains(volume))
+            volumes.append(volume);
     }
-    return longest;
+    return volumes;
 }
 
 } // namespace platform

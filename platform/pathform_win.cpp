@@ -2,6 +2,21 @@
 
 namespace platform {
 
+namespace {
+
+QString volumeOf(const QString &path)
+{
+    const QString wire = QString(path).replace(QLatin1Char('/'), QLatin1Char('\\'));
+    if (wire.startsWith(QLatin1String("\\\\"))) {
+        const QStringList components = wire.split(QLatin1Char('\\'), Qt::SkipEmptyParts);
+        return QLatin1String("\\\\") + components.mid(0, 2).join(QLatin1Char('\\')).toCaseFolded();
+    }
+    return wire.size() > 1 && wire.at(1) == QLatin1Char(':') ? wire.left(2).toCaseFolded()
+                                                             : QString();
+}
+
+} // namespace
+
 QString toLocalPath(const QString &wirePath)
 {
     return wirePath;
@@ -32,15 +47,15 @@ std::optional<QStringList> componentsBelowRoot(const QString &wirePath)
     return components.mid(1);
 }
 
-QString volumeOf(const QString &path)
+QStringList volumesOf(const QStringList &paths)
 {
-    const QString wire = QString(path).replace(QLatin1Char('/'), QLatin1Char('\\'));
-    if (wire.startsWith(QLatin1String("\\\\"))) {
-        const QStringList components = wire.split(QLatin1Char('\\'), Qt::SkipEmptyParts);
-        return QLatin1String("\\\\") + components.mid(0, 2).join(QLatin1Char('\\')).toCaseFolded();
+    QStringList volumes;
+    for (const QString &path : paths) {
+        const QString volume = volumeOf(path);
+        if (!volumes.contains(volume))
+            volumes.append(volume);
     }
-    return wire.size() > 1 && wire.at(1) == QLatin1Char(':') ? wire.left(2).toCaseFolded()
-                                                             : QString();
+    return volumes;
 }
 
 } // namespace platform

@@ -1,7 +1,5 @@
 #include "tasks/background.h"
 
-#include "platform/pathform.h"
-
 #include <QCoreApplication>
 #include <QEvent>
 #include <QThread>
@@ -59,17 +57,6 @@ bool Answer::event(QEvent *event)
     const auto deliver = std::move(deliver_);
     deliver(); // may end the context, and this with it
     return true;
-}
-
-QStringList volumesOf(const QStringList &paths)
-{
-    QStringList volumes;
-    for (const QString &path : paths) {
-        const QString volume = platform::volumeOf(path);
-        if (!volumes.contains(volume))
-            volumes.append(volume);
-    }
-    return volumes;
 }
 
 } // namespace background

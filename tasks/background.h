@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/pathform.h"
 #include "tasks/workerpool.h"
 
 #include <QObject>
@@ -76,9 +77,6 @@ std::function<void()> job(QObject *context, Work work, Done done)
     }
 }
 
-/// The volumes that the paths lie on, each once.
-QStringList volumesOf(const QStringList &paths);
-
 } // namespace background
 
 /// Runs \a work (plain values in, a value or nothing out), which touches the disks that \a paths
@@ -89,7 +87,7 @@ template <typename Work, typename Done>
 void onDisk(QObject *context, const QStringList &paths, Work work, Done done)
 {
     diskPool().start(background::job(context, std::move(work), std::move(done)),
-                     background::volumesOf(paths));
+                     platform::volumesOf(paths));
 }
 
 template <typename Work, typename Done>

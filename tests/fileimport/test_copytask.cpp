@@ -159,29 +159,6 @@ private slots:
         QCOMPARE(task.bytesCopied(), qint64(5));
     }
 
-    void mayBeDeletedByItsSignal()
-    {
-        QThreadPool pool;
-        const ImportFile file = makeFile("a.jpg"_s, "photo");
-        int ended = 0;
-        constexpr int rounds = 200;
-        for (int i = 0; i < rounds; ++i) {
-            auto *task = new ImportFileCopyRunnable(
-                file, [](const QString &, const QString &, const platform::TransferControl &) {
-                    return CopyOutcome::Failed;
-                });
-            connect(
-                task, &ImportFileCopyRunnable::copyFinished, this,
-                [task, &ended] { // clazy:exclude=lambda-in-connect
-                    delete task;
-                    ++ended;
-                },
-                Qt::QueuedConnection);
-            pool.start(task);
-        }
-        QTRY_COMPARE(ended, rounds);
-    }
-
 private:
     struct Ended
     {

@@ -178,13 +178,15 @@ private slots:
         QFETCH(bool, stopped);
         const auto before = QDir(folder_->path()).entryList();
 
-        DeleteFileRunnable task(photo, std::make_shared<std::atomic<bool>>(stopped),
-                                [](const QString &path, QString *error) {
-                                    if (!path.endsWith(QLatin1String("locked")))
-                                        return DeleteFileRunnable::removeFile(path, error);
-                                    *error = "in use"_s;
-                                    return false;
-                                });
+        StopFlag flag;
+        if (stopped)
+            flag.raise();
+        DeleteFileRunnable task(photo, flag, [](const QString &path, QString *error) {
+            if (!path.endsWith(QLatin1String("locked")))
+                return DeleteFileRunnable::removeFile(path, error);
+            *error = "in use"_s;
+            return false;
+        });
         DeleteFileResult result;
         connect(
             &task, &DeleteFileRunnable::deleteFinished, &task,

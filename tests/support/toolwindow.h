@@ -56,6 +56,7 @@ protected:
         demo_.release();
         delete window_;
         diskPool().waitForDone();
+        processorPool().waitForDone();
         QCOMPARE(boxes(), QStringList()); // every box was expected
     }
 
