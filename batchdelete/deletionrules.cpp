@@ -244,7 +244,7 @@ QString linkRefusal(const QString &netPath, const QString &publicPath)
     }
     for (const QString &folder : qAsConst(looked)) {
         if (platform::isLink(folder))
-            return QStringLiteral("目录或其上级目录是链接: %1").arg(folder);
+            return QStringLiteral("目录或其上级目录是链接或挂载点: %1").arg(folder);
     }
     return {};
 }

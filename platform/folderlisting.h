@@ -11,7 +11,7 @@ namespace platform {
 enum class EntryKind {
     File,       ///< a regular file, or a link to anything but a folder
     Folder,     ///< a real one
-    FolderLink, ///< a link, junction or mounted volume: what is in it lies elsewhere
+    FolderLink, ///< a link, a junction, or something mounted: what is in it lies elsewhere
     Other,      ///< devices, pipes and sockets
     Unnameable, ///< its name is no text, so that no path made of text leads to it
 };
@@ -37,7 +37,8 @@ enum class FolderListing {
 FolderListing listFolder(const QString &folder,
                          const std::function<bool(const FolderEntry &entry)> &visit);
 
-/// Whether the entry at \a path itself leads elsewhere: a link, a junction or a mounted volume.
+/// Whether the entry at \a path itself leads elsewhere: a link, a junction, or a folder on which
+/// something is mounted.
 /// False for what does not exist. Touches the disk.
 bool isLink(const QString &path);
 

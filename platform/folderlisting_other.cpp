@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace platform {
 
@@ -18,12 +19,62 @@ struct CloseFolder
     void operator()(DIR *folder) const { closedir(folder); }
 };
 
+struct CloseFile
+{
+    explicit CloseFile(int file) : handle(file) {}
+    ~CloseFile()
+    {
+        if (handle >= 0)
+            close(handle);
+    }
+    Q_DISABLE_COPY_MOVE(CloseFile)
+
+    const int handle;
+};
+
+/// The number of the mount that an open entry lies on, as the system words it; empty for unknown.
+QByteArray mountOf(int handle)
+{
+    QFile file(QStringLiteral("/proc/self/fdinfo/%1").arg(handle));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.startsWith("mnt_id:"))
+            return line;
+    }
+    return {};
+}
+
+/// Whether something is mounted on the folder \a name in \a above. Another folder of the same file
+/// system may be, which then has the number of the volume around it.
+bool isMountRoot(int above, const char *name)
+{
+#ifdef STATX_ATTR_MOUNT_ROOT
+    constexpr unsigned nothingElse = 0;
+    struct statx found = {};
+    if (statx(above, name, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC, nothingElse,
+              &found) == 0 &&
+        (found.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT))
+        return (found.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+#endif
+#ifdef O_PATH
+    const CloseFile itself(openat(above, name, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    const CloseFile parent(openat(itself.handle, "..", O_PATH | O_CLOEXEC));
+    return itself.handle >= 0 && parent.handle >= 0 &&
+           mountOf(itself.handle) != mountOf(parent.handle);
+#else
+    return false;
+#endif
+}
+
 EntryKind kindOf(int folder, dev_t volume, const char *name, const struct stat &info)
 {
     if (S_ISREG(info.st_mode))
         return EntryKind::File;
     if (S_ISDIR(info.st_mode))
-        return info.st_dev == volume ? EntryKind::Folder : EntryKind::FolderLink;
+        return info.st_dev == volume && !isMountRoot(folder, name) ? EntryKind::Folder
+                                                                   : EntryKind::FolderLink;
     if (!S_ISLNK(info.st_mode))
         return EntryKind::Other;
     struct stat target
@@ -89,7 +140,11 @@ bool isLink(const QString &path)
     struct stat info
     {
     };
-    return lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISLNK(info.st_mode);
+    const QByteArray name = QFile::encodeName(path);
+    if (lstat(name.constData(), &info) != 0)
+        return false;
+    return S_ISLNK(info.st_mode) ||
+           (S_ISDIR(info.st_mode) && isMountRoot(AT_FDCWD, name.constData()));
 }
 
 QByteArray folderIdentity(const QString &path)

@@ -1,4 +1,5 @@
 #include "batchdelete/filescanthread.h"
+#include "platform/folderlisting.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/smalldisk.h"
@@ -64,10 +65,18 @@ private slots:
         const SmallDisk disk(at("order/volume"), 1);
         if (disk.isMounted())
             expected += "[volume]"_s;
+        const SmallDisk again(at("order/same"), at("other"));
+        if (again.isMounted())
+            expected += "[same]"_s;
         expected.sort();
+        for (const auto *mounted : {&disk, &again}) {
+            const char *name = mounted == &disk ? "order/volume" : "order/same";
+            QCOMPARE(platform::isLink(at(name)), mounted->isMounted());
+            QVERIFY(mounted->isMounted() || QDir().rmdir(at(name)));
+        }
+        QVERIFY(!platform::isLink(at("order")));
         const FileScanResult result = scan(at("order"));
         QVERIFY(result.success);
-        QVERIFY(disk.isMounted() || QDir().rmdir(at("order/volume")));
         QCOMPARE(paths(result), expected);
     }
 

@@ -19,6 +19,17 @@ SmallDisk::SmallDisk(const QString &mountPoint, int megabytes) : mountPoint_(mou
 #endif
 }
 
+SmallDisk::SmallDisk(const QString &mountPoint, const QString &shown) : mountPoint_(mountPoint)
+{
+    QDir().mkpath(mountPoint);
+#ifdef Q_OS_LINUX
+    mounted_ = mount(QFile::encodeName(shown).constData(),
+                     QFile::encodeName(mountPoint).constData(), nullptr, MS_BIND, nullptr) == 0;
+#else
+    Q_UNUSED(shown)
+#endif
+}
+
 SmallDisk::~SmallDisk()
 {
     vanish();

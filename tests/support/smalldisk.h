@@ -8,6 +8,8 @@ class SmallDisk
 {
 public:
     SmallDisk(const QString &mountPoint, int megabytes);
+    /// No disk of its own: the folder \a shown appears at \a mountPoint, too.
+    SmallDisk(const QString &mountPoint, const QString &shown);
     ~SmallDisk();
     SmallDisk(const SmallDisk &) = delete;
     SmallDisk &operator=(const SmallDisk &) = delete;
