@@ -212,6 +212,7 @@ void BatchDelete::onBranchSwitched()
     // What another branch's orders are must not be deleted in this one's name.
     orders_.clear();
     fileList_->clear();
+    switchedRoots_.append(branch_.publicPath());
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     const bool permitted = branch_.mayDeleteAllPhotos();
     orderList_->setEnabled(permitted);
@@ -292,7 +293,17 @@ void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
     else if (order.processed)
         fileList_->showFiles(order, order.files());
     else
+        scan(order);
+}
+
+/// Where nothing may be deleted there may be a whole disk to read.
+void BatchDelete::scan(const BatchDeleteOrderInfo &order)
+{
+    const QString refusal = deletionrules::folderRefusal(order.netPath, publicRoots());
+    if (refusal.isEmpty())
         fileList_->scan(order);
+    else
+        fileList_->showRefusal(order, refusal);
 }
 
 void BatchDelete::onRefreshOrderFiles()
@@ -303,7 +314,7 @@ void BatchDelete::onRefreshOrderFiles()
     if (run_.isBusy() && orders_.order(row).processed)
         Toast::show(this, deletingText(), toastMs); // the run keeps this list up to date
     else
-        fileList_->scan(orders_.order(row));
+        scan(orders_.order(row));
 }
 
 void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
@@ -317,16 +328,17 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
         orders_.change(row, [&files](BatchDeleteOrderInfo &shown) { shown.listed = files.size(); });
         return;
     }
+    const QVector<BatchDeleteFileInfo> before = orders_.order(row).files();
     inBackground(
-        this,
-        [before = orders_.order(row).files(), files] {
-            return deletionrules::merged(before, files);
-        },
-        [this, id = order.id](const QVector<BatchDeleteFileInfo> &all) {
+        this, [before, files] { return deletionrules::merged(before, files); },
+        [this, id = order.id, before](const QVector<BatchDeleteFileInfo> &all) {
             const int shown = orders_.rowOf(id);
-            // Whatever is being deleted keeps its place in its order's list.
-            if (shown >= 0)
-                setFiles(id, run_.isBusy() ? orders_.order(shown).files() : all);
+            if (shown < 0)
+                return;
+            // Whatever is being deleted keeps its place in its order's list, and what became of
+            // files meanwhile its state.
+            const QVector<BatchDeleteFileInfo> now = orders_.order(shown).files();
+            setFiles(id, run_.isBusy() || !now.isSharedWith(before) ? now : all);
         });
 }
 
@@ -358,9 +370,21 @@ void BatchDelete::retryFiles(const QVector<int> &indexes)
         Toast::show(this, deletingText(), toastMs);
     else if (searchBar_->isBusy()) // the answer may replace the order under the retry
         Toast::show(this, QStringLiteral("正在查询订单..."), toastMs);
-    else
-        run_.retry(orders_.order(row), indexes, branch_.identity());
+    else if (!run_.retry(orders_.order(row), indexes, branch_.identity(), publicRoots()) &&
+             orders_.order(row).hasChanged(indexes))
+        Toast::show(this, QStringLiteral("文件已变化，请先刷新"), toastMs);
     showRunState();
+}
+
+/// What other branches hold counts as well: an order's path is what somebody typed.
+QStringList BatchDelete::publicRoots() const
+{
+    QStringList roots{branch_.publicPath()};
+    roots += switchedRoots_;
+    for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
+        roots.append(shop.importPublicPath);
+    roots.removeDuplicates();
+    return roots;
 }
 
 bool BatchDelete::mayDelete()
@@ -394,12 +418,12 @@ void BatchDelete::onStartBatchDelete()
     // A reply that comes now must not replace the orders that are being judged.
     finder_->cancel();
     finder_->showBranch();
-    approval_->ask(branch_.publicPath());
+    approval_->ask(publicRoots());
 }
 
 void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
 {
-    run_.start(orders, branch_.identity(), branch_.publicPath());
+    run_.start(orders, branch_.identity(), publicRoots());
     showRunState();
 }
 

@@ -10,6 +10,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QStringList>
 
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
@@ -56,10 +57,12 @@ private:
     void reqOrderList();
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const deletionrequests::OrderList &list);
+    QStringList publicRoots() const;
     bool mayDelete();
     bool mayForgetUnreported(const QString &question);
 
     void showOrder(const BatchDeleteOrderInfo &order);
+    void scan(const BatchDeleteOrderInfo &order);
     void onRefreshOrderFiles();
     void onFilesScanned(const BatchDeleteOrderInfo &order,
                         const QVector<BatchDeleteFileInfo> &files);
@@ -76,6 +79,7 @@ private:
 
     BatchDeleteOrderModel orders_;
     BranchSession branch_;
+    QStringList switchedRoots_; ///< public import roots of the branches that were switched to
     BatchDeleteRun run_;
     SharedFolderOpener folderOpener_;
     bool opened_ = false;

@@ -125,14 +125,16 @@ void BatchDelete_FileListWidget::showFiles(const BatchDeleteOrderInfo &order,
     showCount();
 }
 
-void BatchDelete_FileListWidget::scan(const BatchDeleteOrderInfo &order)
+void BatchDelete_FileListWidget::showRefusal(const BatchDeleteOrderInfo &order,
+                                             const QString &reason)
 {
     showFiles(order, {});
-    if (order.netPath.isEmpty()) {
-        table_->setEmptyText(QStringLiteral("订单没有导片路径"));
-        return;
-    }
-    table_->setEmptyText({});
+    table_->setEmptyText(reason);
+}
+
+void BatchDelete_FileListWidget::scan(const BatchDeleteOrderInfo &order)
+{
+    showRefusal(order, {});
     scan_ = std::make_unique<FileScanThread>();
     connect(scan_.get(), &FileScanThread::progress, this,
             &BatchDelete_FileListWidget::onScanProgress);

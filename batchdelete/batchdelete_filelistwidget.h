@@ -28,6 +28,8 @@ public:
     const QString &orderId() const { return order_.id; }
     /// Shows these files of \a order; a scan that goes on is abandoned.
     void showFiles(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files);
+    /// Shows nothing of \a order, and why.
+    void showRefusal(const BatchDeleteOrderInfo &order, const QString &reason);
     /// Reads the folder of \a order; scanned() tells what is there. For an order that a run has
     /// processed nothing is shown before showFiles().
     void scan(const BatchDeleteOrderInfo &order);

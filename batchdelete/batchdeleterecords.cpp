@@ -29,6 +29,11 @@ QString BatchDeleteFileInfo::displayName() const
     return state == InUse ? fileName + QStringLiteral(" (文件被占用)") : fileName;
 }
 
+QString changedFileText()
+{
+    return QStringLiteral("文件已变化，未删除");
+}
+
 QString deletionStateText(int state)
 {
     switch (state) {
@@ -76,6 +81,13 @@ QString BatchDeleteOrderInfo::displayNumber() const
 QString BatchDeleteOrderInfo::customers() const
 {
     return mname.isEmpty() || wname.isEmpty() ? mname + wname : mname + QLatin1Char(' ') + wname;
+}
+
+bool BatchDeleteOrderInfo::hasChanged(const QVector<int> &indexes) const
+{
+    return std::any_of(indexes.cbegin(), indexes.cend(), [this](int index) {
+        return index >= 0 && index < files_.size() && files_.at(index).changed;
+    });
 }
 
 QVector<BatchDeleteFileInfo> BatchDeleteOrderInfo::unreportedFiles() const

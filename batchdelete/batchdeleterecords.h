@@ -27,10 +27,13 @@ struct BatchDeleteFileInfo
     QString fileName;
     QString reason; ///< of the last failure, or why the file is kept
     qint64 size = 0;
+    qint64 modified = 0; ///< as platform::FolderEntry has it
     qint32 state = NotDeleted;
-    qint32 rootLength = 0; ///< how much of the path is the order's folder
-    bool kept = false;     ///< listed, but never deleted: see reason
-    bool missing = false;  ///< was gone already when it was to be deleted
+    qint32 rootLength = 0;  ///< how much of the path is the order's folder
+    bool kept = false;      ///< listed, but never deleted: see reason
+    bool missing = false;   ///< was gone already when it was to be deleted
+    bool announced = false; ///< the service knows that it is to go, as it was listed
+    bool changed = false;   ///< since it was listed: has to be listed again before anything else
 
     /// Name of the folder that holds the file; empty for the root of a drive.
     QString folder() const;
@@ -42,10 +45,13 @@ struct BatchDeleteFileInfo
 
     bool isRemoved() const { return state == Deleted || state == NotReported; }
     bool hasFailed() const { return state >= NotReported; }
-    bool mayRetryDelete() const { return state > NotReported && !kept; }
+    bool mayRetryDelete() const { return state > NotReported && !kept && !changed; }
 };
 Q_DECLARE_TYPEINFO(BatchDeleteFileInfo, Q_MOVABLE_TYPE);
 Q_DECLARE_METATYPE(BatchDeleteFileInfo)
+
+/// What stands there instead of an announced file, which the service knows nothing of.
+QString changedFileText();
 
 /// The text and the colour of a file's state.
 QString deletionStateText(int state);
@@ -86,6 +92,8 @@ struct BatchDeleteOrderInfo
     int failed() const { return failed_; }
     int total() const { return files_.isEmpty() ? listed : files_.size(); }
     int unreported() const { return unreported_; }
+    /// Whether one of the files at \a indexes has to be listed again before it can be retried.
+    bool hasChanged(const QVector<int> &indexes) const;
     /// Those that are gone without the service knowing.
     QVector<BatchDeleteFileInfo> unreportedFiles() const;
     void setFiles(const QVector<BatchDeleteFileInfo> &files);

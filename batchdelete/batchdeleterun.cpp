@@ -59,10 +59,11 @@ BatchDeleteRun::~BatchDeleteRun()
 }
 
 void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
-                           const orderqueries::Identity &identity)
+                           const orderqueries::Identity &identity, const QStringList &publicRoots)
 {
     orders_ = orders;
     identity_ = identity;
+    publicRoots_ = publicRoots;
     current_ = -1;
     pending_.clear();
     skipped_ = 0;
@@ -70,34 +71,41 @@ void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
 }
 
 bool BatchDeleteRun::start(const QVector<BatchDeleteOrderInfo> &orders,
-                           const orderqueries::Identity &identity, const QString &publicPath)
+                           const orderqueries::Identity &identity, const QStringList &publicRoots)
 {
     if (isBusy() || closing_ || orders.isEmpty())
         return false;
-    begin(orders, identity);
-    publicPath_ = publicPath;
+    begin(orders, identity, publicRoots);
     phase_ = Phase::Checking;
     startNextOrder();
     return true;
 }
 
 bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes,
-                           const orderqueries::Identity &identity)
+                           const orderqueries::Identity &identity, const QStringList &publicRoots)
 {
     if (isBusy() || closing_)
         return false;
     QVector<int> pending;
+    QVector<BatchDeleteFileInfo> unannounced;
     for (const int index : indexes) {
-        if (index >= 0 && index < order.files().size() && mayRetry(order.files().at(index)))
-            pending.prepend(index);
+        if (index < 0 || index >= order.files().size() || !mayRetry(order.files().at(index)))
+            continue;
+        pending.append(index);
+        if (order.files().at(index).mayRetryDelete() && !order.files().at(index).announced)
+            unannounced.append(order.files().at(index));
     }
     if (pending.isEmpty())
         return false;
-    begin({order}, identity);
+    std::reverse(pending.begin(), pending.end());
+    begin({order}, identity, publicRoots);
     retrying_ = true;
     current_ = 0;
     pending_ = pending;
-    processNextFile();
+    if (unannounced.isEmpty())
+        processNextFile();
+    else
+        announce(unannounced);
     return true;
 }
 
@@ -123,7 +131,8 @@ void BatchDeleteRun::endSoon()
         return;
     stopping_ = true;
     if (phase_ == Phase::Checking || phase_ == Phase::Announcing) {
-        note(QStringLiteral("已停止，没有删除任何文件"));
+        if (!retrying_)
+            note(QStringLiteral("已停止，没有删除任何文件"));
         finish(DeletionSummary::End::Stopped);
     }
 }
@@ -147,8 +156,8 @@ void BatchDeleteRun::startNextOrder()
     // Time has passed since the plan was made.
     inBackground(
         this,
-        [path = order().netPath, publicPath = publicPath_] {
-            return deletionrules::linkRefusal(path, publicPath);
+        [path = order().netPath, publicRoots = publicRoots_] {
+            return deletionrules::linkRefusal(path, publicRoots);
         },
         [this, step = ++step_](const QString &refusal) {
             if (step != step_)
@@ -184,15 +193,15 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
     if (pending_.isEmpty())
         skipOrder(QStringLiteral("目录中没有可删除的文件"));
     else
-        announce();
+        announce(order().files());
 }
 
-void BatchDeleteRun::announce()
+void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
 {
     phase_ = Phase::Announcing;
     inBackground(
         this,
-        [identity = identity_, id = order().orderPhotoId, files = order().files()] {
+        [identity = identity_, id = order().orderPhotoId, files] {
             return deletionrequests::announceBody(identity, id, files);
         },
         [this, step = ++step_](const QByteArray &body) {
@@ -209,7 +218,8 @@ void BatchDeleteRun::onAnnounced(const ServiceReply &reply)
         processNextFile();
         return;
     }
-    note(QStringLiteral("删除前提交失败，没有删除任何文件"));
+    if (!retrying_)
+        note(QStringLiteral("删除前提交失败，没有删除任何文件"));
     emit announcementFailed(reply);
     finish(DeletionSummary::End::NotAnnounced);
 }
@@ -237,8 +247,11 @@ void BatchDeleteRun::deleteFile()
     BatchDeleteFileInfo file = order().files().at(file_);
     file.state = BatchDeleteFileInfo::Deleting;
     file.reason.clear();
+    file.announced = true; // otherwise nothing would be deleted
     setFile(file_, file);
-    auto *thread = new BatchdeleteThread(order().orderPhotoId, file, file.fullPath());
+    auto *thread =
+        new BatchdeleteThread(order().orderPhotoId, file, file.fullPath(),
+                              deletionrules::foldersAbove(order().netPath, publicRoots_));
     threads_.append(thread);
     connect(thread, &BatchdeleteThread::fileProcessed, this,
             [this](const QString &orderPhotoId, const BatchDeleteFileInfo &processed) {
@@ -295,6 +308,7 @@ void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file)
             continue;
         left.state = BatchDeleteFileInfo::Failed;
         left.reason = file.reason;
+        left.announced = true;
     }
     listFiles(files);
     pending_.clear();

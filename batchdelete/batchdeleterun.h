@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <QVector>
 
@@ -38,10 +39,10 @@ Q_DECLARE_METATYPE(DeletionSummary)
 /// its files, then delete and report them one at a time. Also deletes and reports single files
 /// again.
 ///
-/// A run works on its own copy of the orders. Nothing is deleted that was not announced, and of an
-/// announced file the service is told that it is gone only when it is. Lives on the interface
-/// thread and never blocks. Destroying it while isBusy() waits for the file being deleted: release
-/// it on ended() instead.
+/// A run works on its own copy of the orders. Nothing is deleted that was not announced as it is,
+/// and of an announced file the service is told that it is gone only when it is. Lives on the
+/// interface thread and never blocks. Destroying it while isBusy() waits for the file being
+/// deleted: release it on ended() instead.
 class BatchDeleteRun : public QObject
 {
     Q_OBJECT
@@ -52,12 +53,12 @@ public:
 
     /// Deletes the files of \a orders. False, and nothing happens, while busy or without orders.
     bool start(const QVector<BatchDeleteOrderInfo> &orders, const orderqueries::Identity &identity,
-               const QString &publicPath);
+               const QStringList &publicRoots);
     /// Reports files of \a order that are gone unreported, and deletes and reports those that could
-    /// not be deleted; other files at \a indexes are left alone. False, and nothing happens, while
-    /// busy or when there is nothing to retry.
+    /// not be deleted, announcing first what has changed since it was; other files at \a indexes
+    /// are left alone. False, and nothing happens, while busy or when there is nothing to retry.
     bool retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes,
-               const orderqueries::Identity &identity);
+               const orderqueries::Identity &identity, const QStringList &publicRoots);
     /// Ends after the current file. Asked again, does not wait for an answer of the service either;
     /// the file then counts as not reported.
     void stop();
@@ -94,12 +95,13 @@ private:
     enum class Phase { Idle, Checking, Announcing, Deleting, Reporting };
 
     BatchDeleteOrderInfo &order() { return orders_[current_]; }
-    void begin(const QVector<BatchDeleteOrderInfo> &orders, const orderqueries::Identity &identity);
+    void begin(const QVector<BatchDeleteOrderInfo> &orders, const orderqueries::Identity &identity,
+               const QStringList &publicRoots);
     void endSoon();
     void startNextOrder();
     void scanOrder();
     void onScanned(const FileScanResult &result);
-    void announce();
+    void announce(const QVector<BatchDeleteFileInfo> &files);
     void onAnnounced(const ServiceReply &reply);
     void processNextFile();
     void deleteFile();
@@ -117,7 +119,7 @@ private:
     DeletionSummary summary(DeletionSummary::End end) const;
 
     orderqueries::Identity identity_;
-    QString publicPath_;
+    QStringList publicRoots_; ///< see deletionrules
     QVector<BatchDeleteOrderInfo> orders_;
     int current_ = -1;
     QVector<int> pending_; ///< indexes of the order's files still to be processed, last one first

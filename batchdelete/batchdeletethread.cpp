@@ -7,6 +7,7 @@
 #include <QDebug>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -15,19 +16,6 @@ namespace {
 QString unknownFailureText()
 {
     return QStringLiteral("删除失败，未知原因");
-}
-
-/// The folder, from the file's up to its order's, that has become a link since they were listed:
-/// what lies behind it is not the order's. Empty when none has.
-QString linkOnTheWay(const BatchDeleteFileInfo &file)
-{
-    QString folder = file.folderPath;
-    while (!folder.isEmpty() && folder.size() >= file.rootLength) {
-        if (platform::isLink(folder))
-            return folder;
-        folder.truncate(folder.lastIndexOf(QLatin1Char('/')));
-    }
-    return {};
 }
 
 /// Server and share of a share path; otherwise empty.
@@ -52,11 +40,12 @@ bool isUnreachablePath(const QString &path)
 }
 
 BatchdeleteThread::BatchdeleteThread(QString orderPhotoId, BatchDeleteFileInfo file, QString path,
-                                     QObject *parent)
+                                     QStringList above, QObject *parent)
     : QThread(parent)
     , orderPhotoId_(std::move(orderPhotoId))
     , file_(std::move(file))
     , path_(std::move(path))
+    , above_(std::move(above))
 {
     qRegisterMetaType<BatchDeleteFileInfo>();
     setObjectName(QStringLiteral("BatchdeleteThread"));
@@ -80,14 +69,36 @@ void BatchdeleteThread::run()
 
 void BatchdeleteThread::removeOrDiagnose()
 {
-    const QString link = linkOnTheWay(file_);
-    if (!link.isEmpty())
+    const QString link = linkOnTheWay();
+    if (!link.isEmpty()) {
         setResult(BatchDeleteFileInfo::Failed,
                   QStringLiteral("目录已变成链接，不删除: %1").arg(link));
-    else if (platform::removeFile(path_))
+        return;
+    }
+    switch (platform::removeListed(path_, file_.size, file_.modified)) {
+    case platform::Removal::Removed:
         setResult(BatchDeleteFileInfo::Deleted, {});
-    else
+        break;
+    case platform::Removal::Changed:
+        file_.changed = true;
+        setResult(BatchDeleteFileInfo::Failed, changedFileText());
+        break;
+    case platform::Removal::Refused:
         diagnose();
+        break;
+    }
+}
+
+/// The folder, of all on the way to the file, that has become a link since they were listed: what
+/// lies behind it is not the order's. Empty when none has.
+QString BatchdeleteThread::linkOnTheWay() const
+{
+    QStringList way = above_;
+    for (QString folder = file_.folderPath; !folder.isEmpty() && folder.size() >= file_.rootLength;
+         folder.truncate(folder.lastIndexOf(QLatin1Char('/'))))
+        way.append(folder);
+    const auto link = std::find_if(way.cbegin(), way.cend(), platform::isLink);
+    return link == way.cend() ? QString() : *link;
 }
 
 void BatchdeleteThread::diagnose()

@@ -2,19 +2,22 @@
 
 #include "batchdelete/batchdeleterecords.h"
 
+#include <QStringList>
 #include <QThread>
 
 #include <atomic>
 
-/// Deletes one file and, when that fails, works out why. A file whose folder, up to that of its
-/// order, has become a link is left alone. Release it on finished().
+/// Deletes one file and, when that fails, works out why. Left alone is a file that is not what was
+/// listed any more, and one whose folder, or one on the way to it, has become a link. Release it on
+/// finished().
 class BatchdeleteThread : public QThread
 {
     Q_OBJECT
 
 public:
+    /// \a above: folders above the order's, in this machine's form, that must be no links either.
     BatchdeleteThread(QString orderPhotoId, BatchDeleteFileInfo file, QString path,
-                      QObject *parent = nullptr);
+                      QStringList above = {}, QObject *parent = nullptr);
 
     /// Nothing more is to be heard of it, whatever becomes of the file. From any thread.
     void requestStop() { stopped_ = true; }
@@ -28,12 +31,14 @@ protected:
 
 private:
     void removeOrDiagnose();
+    QString linkOnTheWay() const;
     void diagnose();
     void setResult(BatchDeleteFileInfo::State state, const QString &reason);
 
     QString orderPhotoId_;
     BatchDeleteFileInfo file_;
     QString path_;
+    QStringList above_;
     std::atomic<bool> stopped_{false};
 };
 

@@ -28,13 +28,13 @@ void DeletionApproval::cancel()
     overlay_->hideOverlay();
 }
 
-void DeletionApproval::ask(const QString &publicPath)
+void DeletionApproval::ask(const QStringList &publicRoots)
 {
     overlay_->showText(QStringLiteral("正在检查订单目录..."));
     inBackground(
         this,
-        [orders = orders_->orders(), publicPath] {
-            return deletionrules::plan(orders, publicPath);
+        [orders = orders_->orders(), publicRoots] {
+            return deletionrules::plan(orders, publicRoots);
         },
         [this, number = ++plan_](const deletionrules::DeletionPlan &plan) {
             if (number != plan_)

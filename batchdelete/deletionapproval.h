@@ -4,7 +4,7 @@
 #include "batchdelete/deletionrules.h"
 
 #include <QObject>
-#include <QString>
+#include <QStringList>
 #include <QVector>
 
 class BatchDeleteOrderModel;
@@ -22,8 +22,8 @@ public:
     /// Dialogs and the overlay belong to \a window, which owns the approval and the model.
     DeletionApproval(QWidget *window, BatchDeleteOrderModel *orders);
 
-    /// \a publicPath is the branch's public import root.
-    void ask(const QString &publicPath);
+    /// \a publicRoots: see deletionrules.
+    void ask(const QStringList &publicRoots);
     /// Gives up: nothing is approved any more until it is asked again.
     void cancel();
 

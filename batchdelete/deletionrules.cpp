@@ -4,6 +4,7 @@
 #include "platform/pathform.h"
 
 #include <QDir>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -46,24 +47,41 @@ QString localFolder(const QString &netPath)
     return QDir::cleanPath(QDir::fromNativeSeparators(platform::toLocalPath(netPath)));
 }
 
-/// A folder by everything it can be known by: the key of its path, and what the disk says.
-struct Place
+/// A folder, and those above it, each by everything it can be known by: the key of its path, and
+/// what the disk says.
+class Place
 {
-    QStringList itself;
-    QStringList above; ///< the same of the folders above it, the nearest first
-
+public:
     Place(const QString &netPath, const FolderKey &key, const IdentityOf &identityOf);
+
+    /// The folder itself for 0, the one that holds it for 1, and so on.
+    QStringList at(int level) const { return levels_.value(level); }
+    bool isBelow(const QStringList &folder) const
+    {
+        return std::any_of(levels_.cbegin() + (levels_.isEmpty() ? 0 : 1), levels_.cend(),
+                           [&folder](const QStringList &above) { return meet(above, folder); });
+    }
+    int levels() const { return levels_.size(); }
+
+    static bool meet(const QStringList &some, const QStringList &others)
+    {
+        return std::any_of(some.cbegin(), some.cend(),
+                           [&others](const QString &each) { return others.contains(each); });
+    }
+
+private:
+    QVector<QStringList> levels_;
 };
 
 Place::Place(const QString &netPath, const FolderKey &key, const IdentityOf &identityOf)
 {
     if (key.text.isEmpty())
         return;
-    itself.append(key.text);
+    levels_.append(QStringList(key.text));
     const bool isShare = key.text.startsWith(QLatin1String("//"));
     for (int end = key.text.lastIndexOf(slash); end > (isShare ? 1 : 0);
          end = key.text.lastIndexOf(slash, end - 1))
-        above.append(key.text.left(end));
+        levels_.append(QStringList(key.text.left(end)));
 
     // From the root down: where that cannot be reached the rest would only keep everybody waiting.
     QStringList folders{localFolder(netPath)};
@@ -74,73 +92,116 @@ Place::Place(const QString &netPath, const FolderKey &key, const IdentityOf &ide
         folders.first() += slash;
     if (identityOf(folders.first()).isEmpty())
         return;
-    const auto addTo = [&identityOf](QStringList *list, const QString &folder) {
-        const QByteArray identity = identityOf(folder);
+    levels_.resize(std::max(levels_.size(), folders.size()));
+    for (QStringList &level : levels_) {
+        if (folders.isEmpty())
+            break;
+        const QByteArray identity = identityOf(folders.takeLast());
         if (!identity.isEmpty())
-            list->append(QString::fromLatin1(identity));
-    };
-    addTo(&itself, folders.takeLast());
-    while (!folders.isEmpty())
-        addTo(&above, folders.takeLast());
+            level.append(QString::fromLatin1(identity));
+    }
 }
 
 /// The folders of orders that stay, as they are asked about.
 class ProtectedFolders
 {
 public:
-    void add(const Place &place, const QString &name)
+    void add(const Place &place, const BatchDeleteOrderInfo &order)
     {
-        for (const QString &known : place.itself)
-            folders_.insert(known, name);
-        for (const QString &known : place.above)
-            above_.insert(known, name);
+        const Culprit culprit{order.displayNumber(), order.netPath};
+        for (int level = 0; level < place.levels(); ++level) {
+            const QStringList folder = place.at(level);
+            for (const QString &known : folder)
+                (level == 0 ? folders_ : above_).insert(known, culprit);
+        }
     }
 
     QString conflict(const Place &place) const
     {
-        for (const QString &known : place.itself) {
+        const QStringList itself = place.at(0);
+        for (const QString &known : itself) {
             if (folders_.contains(known))
-                return QStringLiteral("与未删除的订单 %1 使用同一个目录")
-                    .arg(folders_.value(known));
+                return folders_.value(known).worded(
+                    QStringLiteral("与未删除的订单 %1 使用同一个目录"));
         }
-        for (const QString &known : place.itself) {
+        for (const QString &known : itself) {
             if (above_.contains(known))
-                return QStringLiteral("目录中包含未删除的订单 %1 的目录").arg(above_.value(known));
+                return above_.value(known).worded(
+                    QStringLiteral("目录中包含未删除的订单 %1 的目录"));
         }
-        for (const QString &known : place.above) {
-            if (folders_.contains(known))
-                return QStringLiteral("位于未删除的订单 %1 的目录中").arg(folders_.value(known));
+        for (int level = 1; level < place.levels(); ++level) {
+            const QStringList folder = place.at(level);
+            for (const QString &known : folder) {
+                if (folders_.contains(known))
+                    return folders_.value(known).worded(
+                        QStringLiteral("位于未删除的订单 %1 的目录中"));
+            }
         }
         return {};
     }
 
 private:
-    QHash<QString, QString> folders_;
-    QHash<QString, QString> above_;
+    struct Culprit
+    {
+        QString number;
+        QString netPath;
+
+        QString worded(const QString &text) const
+        {
+            const QString name = number.isEmpty() ? QStringLiteral("(无编号)") : number;
+            return text.arg(name) + QStringLiteral(": ") + netPath;
+        }
+    };
+
+    QHash<QString, Culprit> folders_;
+    QHash<QString, Culprit> above_;
 };
 
-bool haveCommon(const QStringList &some, const QStringList &others)
+QVector<Place> placesOf(const QStringList &paths, const IdentityOf &identityOf)
 {
-    return std::any_of(some.cbegin(), some.cend(),
-                       [&others](const QString &each) { return others.contains(each); });
+    QVector<Place> places;
+    for (const QString &path : paths)
+        places.append(Place(path, folderKey(path), identityOf));
+    return places;
 }
 
-QString refusalByItself(const BatchDeleteOrderInfo &order, const FolderKey &key, const Place &place,
-                        const Place &publicRoot)
+/// Whether the folder holds the orders of a year or of a month.
+bool isOfYearOrMonth(const FolderKey &key, const Place &place, const Place &publicRoot)
 {
-    if (order.netPath.trimmed().isEmpty())
-        return QStringLiteral("订单没有导片路径");
-    if (order.orderPhotoId.isEmpty())
-        return QStringLiteral("订单没有照片编号");
+    static const QRegularExpression year(QStringLiteral("^[0-9]{4}$"));
+    static const QRegularExpression month(QStringLiteral("^(?:[0-9]{1,2}|[0-9]{4}-[0-9]{2})$"));
+    const QString name = key.text.section(slash, -1);
+    const QString above = key.text.section(slash, -2, -2);
+    return (year.match(name).hasMatch() && Place::meet(place.at(1), publicRoot.at(0))) ||
+           (month.match(name).hasMatch() && year.match(above).hasMatch() &&
+            Place::meet(place.at(2), publicRoot.at(0)));
+}
+
+/// Why the folder belongs to many orders. What lies in it is none of its business then.
+QString refusalAsCommon(const FolderKey &key, const Place &place, const QVector<Place> &publicRoots)
+{
     if (key.isRoot)
         return QStringLiteral("导片路径是磁盘或共享的根目录");
-    if (key.text.isEmpty() || !platform::componentsBelowRoot(order.netPath))
-        return QStringLiteral("导片路径不完整");
-    if (haveCommon(place.itself, publicRoot.itself))
-        return QStringLiteral("导片路径是公共导片目录");
-    if (haveCommon(place.itself, publicRoot.above))
-        return QStringLiteral("公共导片目录在该目录之中");
+    for (const Place &root : publicRoots) {
+        if (Place::meet(place.at(0), root.at(0)))
+            return QStringLiteral("导片路径是公共导片目录");
+        if (root.isBelow(place.at(0)))
+            return QStringLiteral("公共导片目录在该目录之中");
+        if (isOfYearOrMonth(key, place, root))
+            return QStringLiteral("导片路径是公共导片目录中的年份或月份目录");
+    }
     return {};
+}
+
+QString refusalAsFolder(const QString &netPath, const FolderKey &key, const QString &asCommon)
+{
+    if (netPath.trimmed().isEmpty())
+        return QStringLiteral("订单没有导片路径");
+    if (!asCommon.isEmpty())
+        return asCommon;
+    return key.text.isEmpty() || !platform::componentsBelowRoot(netPath)
+               ? QStringLiteral("导片路径不完整")
+               : QString();
 }
 
 QString listed(const QVector<BatchDeleteOrderInfo> &orders)
@@ -189,59 +250,76 @@ FolderKey folderKey(const QString &path)
     return {QStringLiteral("//") + names.join(slash), depth, depth <= 2};
 }
 
-QHash<QString, QString> refusals(const QVector<BatchDeleteOrderInfo> &listed,
-                                 const QString &publicPath, const IdentityOf &identityOf)
+QString folderRefusal(const QString &netPath, const QStringList &publicRoots)
 {
-    struct Candidate
-    {
-        const BatchDeleteOrderInfo *order;
-        Place place;
-    };
-    const Place publicRoot(publicPath, folderKey(publicPath), identityOf);
-    QHash<QString, QString> refused;
+    const IdentityOf unknown = [](const QString &) { return QByteArray(); };
+    const FolderKey key = folderKey(netPath);
+    const Place place(netPath, key, unknown);
+    return refusalAsFolder(netPath, key,
+                           refusalAsCommon(key, place, placesOf(publicRoots, unknown)));
+}
+
+QStringList refusals(const QVector<BatchDeleteOrderInfo> &listed, const QStringList &publicRoots,
+                     const IdentityOf &identityOf)
+{
+    const QVector<Place> roots = placesOf(publicRoots, identityOf);
+    QVector<Place> places;
+    QStringList refused;
+    QVector<int> candidates;
     ProtectedFolders kept;
-    QVector<Candidate> candidates;
-    for (const BatchDeleteOrderInfo &order : listed) {
+    for (int index = 0; index < listed.size(); ++index) {
+        const BatchDeleteOrderInfo &order = listed.at(index);
         const FolderKey key = folderKey(order.netPath);
         const Place place(order.netPath, key, identityOf);
-        const QString reason =
-            order.checked ? refusalByItself(order, key, place, publicRoot) : QString();
-        if (!reason.isEmpty())
-            refused.insert(order.id, reason);
+        const QString asCommon = refusalAsCommon(key, place, roots);
+        QString reason = refusalAsFolder(order.netPath, key, asCommon);
+        if (reason.isEmpty() && order.orderPhotoId.isEmpty())
+            reason = QStringLiteral("订单没有照片编号");
+        places.append(place);
+        refused.append(order.checked ? reason : QString());
         if (order.checked && reason.isEmpty())
-            candidates.append({&order, place});
-        else
-            kept.add(place, order.displayNumber());
+            candidates.append(index);
+        else if (asCommon.isEmpty())
+            kept.add(place, order);
     }
     // An order that is refused stays, and so do the orders that share files with it.
     for (bool changed = true; changed;) {
-        changed = false;
-        for (int index = candidates.size() - 1; index >= 0; --index) {
-            const Candidate candidate = candidates.at(index);
-            const QString reason = kept.conflict(candidate.place);
-            if (reason.isEmpty())
-                continue;
-            refused.insert(candidate.order->id, reason);
-            kept.add(candidate.place, candidate.order->displayNumber());
-            candidates.removeAt(index);
-            changed = true;
+        QVector<int> left;
+        for (const int index : qAsConst(candidates)) {
+            refused[index] = kept.conflict(places.at(index));
+            if (refused.at(index).isEmpty())
+                left.append(index);
+            else
+                kept.add(places.at(index), listed.at(index));
         }
+        changed = left.size() < candidates.size();
+        candidates = left;
     }
     return refused;
 }
 
-QString linkRefusal(const QString &netPath, const QString &publicPath)
+QStringList foldersAbove(const QString &netPath, const QStringList &publicRoots)
 {
     const FolderKey key = folderKey(netPath);
-    const FolderKey publicRoot = folderKey(publicPath);
-    QString path = localFolder(netPath);
-    QStringList looked{path};
-    if (!publicRoot.text.isEmpty() && key.isWithin(publicRoot)) {
-        for (int step = 1; step < key.depth - publicRoot.depth; ++step) {
+    for (const QString &publicRoot : publicRoots) {
+        const FolderKey root = folderKey(publicRoot);
+        if (root.text.isEmpty() || !key.isWithin(root))
+            continue;
+        QStringList folders;
+        QString path = localFolder(netPath);
+        for (int step = 1; step < key.depth - root.depth; ++step) {
             path = path.left(path.lastIndexOf(slash));
-            looked.append(path);
+            folders.prepend(path);
         }
+        return folders;
     }
+    return {};
+}
+
+QString linkRefusal(const QString &netPath, const QStringList &publicRoots)
+{
+    QStringList looked = foldersAbove(netPath, publicRoots);
+    looked.append(localFolder(netPath));
     for (const QString &folder : qAsConst(looked)) {
         if (platform::isLink(folder))
             return QStringLiteral("目录或其上级目录是链接或挂载点: %1").arg(folder);
@@ -249,19 +327,15 @@ QString linkRefusal(const QString &netPath, const QString &publicPath)
     return {};
 }
 
-DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &publicPath)
+DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QStringList &publicRoots)
 {
     // A refusal for a link makes the order one that stays, which others may share files with.
     QVector<BatchDeleteOrderInfo> judged = listed;
-    QHash<QString, QString> links;
+    QStringList links;
     for (BatchDeleteOrderInfo &order : judged) {
-        const QString reason = order.checked && !order.netPath.isEmpty()
-                                   ? linkRefusal(order.netPath, publicPath)
-                                   : QString();
-        if (reason.isEmpty())
-            continue;
-        links.insert(order.id, reason);
-        order.checked = false;
+        const bool looked = order.checked && folderRefusal(order.netPath, publicRoots).isEmpty();
+        links.append(looked ? linkRefusal(order.netPath, publicRoots) : QString());
+        order.checked = order.checked && links.last().isEmpty();
     }
     QHash<QString, QByteArray> identities;
     const auto identityOf = [&identities](const QString &folder) {
@@ -270,13 +344,13 @@ DeletionPlan plan(const QVector<BatchDeleteOrderInfo> &listed, const QString &pu
                    ? *known
                    : *identities.insert(folder, platform::folderIdentity(folder));
     };
-    const QHash<QString, QString> refused = refusals(judged, publicPath, identityOf);
+    const QStringList refused = refusals(judged, publicRoots, identityOf);
     DeletionPlan plan;
-    for (const BatchDeleteOrderInfo &candidate : listed) {
-        if (!candidate.checked)
+    for (int index = 0; index < listed.size(); ++index) {
+        if (!listed.at(index).checked)
             continue;
-        BatchDeleteOrderInfo order = candidate;
-        order.note = links.value(order.id, refused.value(order.id));
+        BatchDeleteOrderInfo order = listed.at(index);
+        order.note = links.at(index) + refused.at(index); // never both
         (order.note.isEmpty() ? plan.orders : plan.refused).append(order);
     }
     return plan;
@@ -296,8 +370,12 @@ QVector<BatchDeleteFileInfo> merged(const QVector<BatchDeleteFileInfo> &before,
         const auto found = known.constFind(file.fullPath());
         if (found == known.constEnd() || before.at(*found).isRemoved())
             continue;
-        file.state = before.at(*found).state;
-        file.reason = before.at(*found).reason;
+        const BatchDeleteFileInfo &was = before.at(*found);
+        const bool same = file.size == was.size && file.modified == was.modified;
+        file.state = same ? was.state : int(BatchDeleteFileInfo::Failed);
+        file.announced = was.announced && same;
+        if (!file.kept)
+            file.reason = same ? was.reason : changedFileText();
     }
     for (const BatchDeleteFileInfo &file : before) {
         if (file.isRemoved())

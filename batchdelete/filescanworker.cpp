@@ -137,6 +137,7 @@ bool FileScanWorker::take(const QString &folderPath, const platform::FolderEntry
     file.folderPath = folderPath;
     file.fileName = entry.name;
     file.size = entry.size;
+    file.modified = entry.modified;
     file.rootLength = root_.size();
     files_.append(file);
     if (++count_ % filesPerProgress == 0)

@@ -19,7 +19,8 @@ enum class EntryKind {
 struct FolderEntry
 {
     QString name;
-    qint64 size = 0; ///< bytes; 0 unless it is a file
+    qint64 size = 0;     ///< bytes; 0 unless it is a file
+    qint64 modified = 0; ///< in ticks of the system's own, for comparing; 0 unless it is a file
     EntryKind kind = EntryKind::File;
 };
 
@@ -38,9 +39,17 @@ FolderListing listFolder(const QString &folder,
                          const std::function<bool(const FolderEntry &entry)> &visit);
 
 /// Whether the entry at \a path itself leads elsewhere: a link, a junction, or a folder on which
-/// something is mounted.
-/// False for what does not exist. Touches the disk.
+/// something is mounted. False for what does not exist. Touches the disk.
 bool isLink(const QString &path);
+
+enum class Removal {
+    Removed,
+    Changed, ///< another file, or other content, has the name by now; it stays
+    Refused, ///< see removeFile()
+};
+/// Removes the file at \a path, or a link as a link, if it still is what listFolder() told of it.
+/// Blocks; for worker threads.
+Removal removeListed(const QString &path, qint64 size, qint64 modified);
 
 /// What tells the folder at \a path, links followed, from every other: two paths with the same
 /// identity lead to one place, whatever their names. Empty when nothing can be told. Touches the

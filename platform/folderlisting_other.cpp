@@ -1,3 +1,4 @@
+#include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
 
 #include <QFile>
@@ -84,6 +85,17 @@ EntryKind kindOf(int folder, dev_t volume, const char *name, const struct stat &
                                                                              : EntryKind::File;
 }
 
+qint64 ticksOf(const struct stat &info)
+{
+    constexpr qint64 nsPerSecond = 1000000000;
+#ifdef __APPLE__
+    const timespec &time = info.st_mtimespec;
+#else
+    const timespec &time = info.st_mtim;
+#endif
+    return qint64(time.tv_sec) * nsPerSecond + time.tv_nsec;
+}
+
 bool isDots(const char *name)
 {
     return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
@@ -126,8 +138,10 @@ FolderListing listFolder(const QString &folder,
         FolderEntry entry;
         entry.name = QFile::decodeName(bytes);
         entry.kind = kindOf(handle, itself.st_dev, name, info);
-        if (entry.kind == EntryKind::File)
+        if (entry.kind == EntryKind::File) {
             entry.size = info.st_size;
+            entry.modified = ticksOf(info);
+        }
         if (QFile::encodeName(entry.name) != bytes)
             entry.kind = EntryKind::Unnameable;
         if (!visit(entry))
@@ -145,6 +159,17 @@ bool isLink(const QString &path)
         return false;
     return S_ISLNK(info.st_mode) ||
            (S_ISDIR(info.st_mode) && isMountRoot(AT_FDCWD, name.constData()));
+}
+
+Removal removeListed(const QString &path, qint64 size, qint64 modified)
+{
+    struct stat info
+    {
+    };
+    if (lstat(QFile::encodeName(path).constData(), &info) == 0 && !S_ISDIR(info.st_mode) &&
+        (info.st_size != size || ticksOf(info) != modified))
+        return Removal::Changed;
+    return removeFile(path) ? Removal::Removed : Removal::Refused;
 }
 
 QByteArray folderIdentity(const QString &path)

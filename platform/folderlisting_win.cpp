@@ -1,3 +1,4 @@
+#include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
 #include "platform/longpath_win.h"
 
@@ -71,6 +72,45 @@ FolderListing failureOf(DWORD error)
     }
 }
 
+qint64 together(DWORD high, DWORD low)
+{
+    return (qint64(high) << 32) | low;
+}
+
+qint64 ticksOf(const FILETIME &time)
+{
+    return together(time.dwHighDateTime, time.dwLowDateTime);
+}
+
+/// Closes with its end. Opened for looking alone: nothing that others do with the entry is
+/// hindered.
+class LookedAt
+{
+public:
+    LookedAt(const QString &path, DWORD flags)
+        : handle_(CreateFileW(longPath(path).c_str(), FILE_READ_ATTRIBUTES,
+                              FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, flags, nullptr))
+        , known_(handle_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(handle_, &info_))
+    {
+    }
+    ~LookedAt()
+    {
+        if (handle_ != INVALID_HANDLE_VALUE)
+            CloseHandle(handle_);
+    }
+    Q_DISABLE_COPY_MOVE(LookedAt)
+
+    bool isKnown() const { return known_; }
+    bool isFolder() const { return (info_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+    const BY_HANDLE_FILE_INFORMATION &info() const { return info_; }
+
+private:
+    BY_HANDLE_FILE_INFORMATION info_{};
+    HANDLE handle_;
+    bool known_;
+};
+
 bool isDots(const wchar_t *name)
 {
     return wcscmp(name, L".") == 0 || wcscmp(name, L"..") == 0;
@@ -100,8 +140,10 @@ FolderListing listFolder(const QString &folder,
         FolderEntry entry;
         entry.name = QString::fromWCharArray(found.cFileName);
         entry.kind = kindOf(found);
-        if (entry.kind == EntryKind::File)
-            entry.size = (qint64(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
+        if (entry.kind == EntryKind::File) {
+            entry.size = together(found.nFileSizeHigh, found.nFileSizeLow);
+            entry.modified = ticksOf(found.ftLastWriteTime);
+        }
         if (!entry.name.isValidUtf16())
             entry.kind = EntryKind::Unnameable;
         if (!visit(entry))
@@ -122,22 +164,27 @@ bool isLink(const QString &path)
     return attributes != INVALID_FILE_ATTRIBUTES && leadsElsewhere(attributes, unknownTag);
 }
 
+Removal removeListed(const QString &path, qint64 size, qint64 modified)
+{
+    {
+        const LookedAt now(path, FILE_FLAG_OPEN_REPARSE_POINT);
+        if (now.isKnown() && !now.isFolder() &&
+            (together(now.info().nFileSizeHigh, now.info().nFileSizeLow) != size ||
+             ticksOf(now.info().ftLastWriteTime) != modified))
+            return Removal::Changed;
+    }
+    return removeFile(path) ? Removal::Removed : Removal::Refused;
+}
+
 QByteArray folderIdentity(const QString &path)
 {
-    const HANDLE folder = CreateFileW(longPath(path).c_str(), 0,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                      nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (folder == INVALID_HANDLE_VALUE)
+    const LookedAt folder(path, FILE_FLAG_BACKUP_SEMANTICS);
+    const BY_HANDLE_FILE_INFORMATION &info = folder.info();
+    if (!folder.isKnown() || !folder.isFolder() ||
+        (info.nFileIndexHigh == 0 && info.nFileIndexLow == 0))
         return {};
-    BY_HANDLE_FILE_INFORMATION info{};
-    const bool known = GetFileInformationByHandle(folder, &info) != 0 &&
-                       (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 &&
-                       (info.nFileIndexHigh != 0 || info.nFileIndexLow != 0);
-    CloseHandle(folder);
-    if (!known)
-        return {};
-    const quint64 index = (quint64(info.nFileIndexHigh) << 32) | info.nFileIndexLow;
-    return QByteArray::number(quint64(info.dwVolumeSerialNumber)) + ':' + QByteArray::number(index);
+    return QByteArray::number(quint64(info.dwVolumeSerialNumber)) + ':' +
+           QByteArray::number(together(info.nFileIndexHigh, info.nFileIndexLow));
 }
 
 } // namespace platform

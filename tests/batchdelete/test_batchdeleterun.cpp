@@ -1,5 +1,7 @@
 #include "batchdelete/batchdeleterun.h"
 #include "batchdelete/deletionreport.h"
+#include "batchdelete/deletionrules.h"
+#include "batchdelete/filescanworker.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
@@ -114,8 +116,55 @@ private slots:
         QCOMPARE(requests(after), 3);
         QCOMPARE(requests(before), 1);
         QVERIFY(QFileInfo(pathOf(order, "zz"_s)).isSymLink());
-        QVERIFY(!run_->retry(shown_.value(order.id), {0, 1, 2, 3}, identity_));
+        QVERIFY(!run_->retry(shown_.value(order.id), {0, 1, 2, 3}, identity_, {}));
         QCOMPARE(ends_.size(), 1);
+    }
+
+    void whatWasNotAnnouncedStays()
+    {
+        const auto order = makeOrder(0, 2);
+        const QString path = pathOf(order, "0.jpg"_s);
+        const auto refresh = [&] {
+            FileScanWorker worker;
+            connect(&worker, &FileScanWorker::finished, this, [&](const FileScanResult &found) {
+                BatchDeleteOrderInfo &known = shown_[order.id];
+                known.setFiles(deletionrules::merged(known.files(), found.files));
+            });
+            worker.scan(order.netPath);
+        };
+        demo_.hold(before);
+        start({order});
+        QTRY_COMPARE(demo_.held(), 1);
+        writeFile(path, "another");
+        demo_.release();
+        QTRY_COMPARE(ends_.size(), 1);
+        QCOMPARE(states(order), "42"_s);
+        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+                    .endsWith("0.jpg: 文件已变化，未删除"_s));
+        QTRY_VERIFY(!run_->isBusy());
+        QVERIFY(!run_->retry(shown_.value(order.id), {0}, identity_, {}));
+
+        // Seen and announced anew it may go, unless it changes again or the service objects.
+        refresh();
+        demo_.refuse(before, "不"_s);
+        retry(order, {0});
+        QCOMPARE(refusals_, QStringList("不"_s));
+        writeFile(path, "yet another");
+        retry(order, {0});
+        QVERIFY(!run_->retry(shown_.value(order.id), {0}, identity_, {}));
+        QCOMPARE(readFile(path), QByteArray("yet another"));
+        refresh();
+        QCOMPARE(states(order), "42"_s);
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
+        retry(order, {0});
+        QVERIFY(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+        QCOMPARE(requests(before), 4);
+        // What has stayed as it was announced goes without more ado.
+        refresh();
+        retry(order, {0});
+        QCOMPARE(states(order), "22"_s);
+        QCOMPARE(requests(before), 4);
+        QCOMPARE(demo_.body(before).count("picname"_s), 1);
     }
 
     void whatIsGoneAlreadyIsReported()
@@ -310,7 +359,7 @@ private slots:
         demo_.release(); // a late answer changes nothing
         QTRY_VERIFY(!run_->isBusy());
         QCOMPARE(states(order), "30"_s);
-        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_));
+        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_, {}));
         QTRY_COMPARE(states(order), "20"_s);
     }
 
@@ -319,13 +368,13 @@ private slots:
         // A retry that fails asks like a run does, and may be stopped.
         auto order = makeOrder(0, 1);
         order.listed = 5; // looked at, but not processed
-        QVERIFY(!run_->retry(order, {0}, identity_));
+        QVERIFY(!run_->retry(order, {0}, identity_, {}));
         demo_.misbehave(after, "drop"_s, {{"times"_s, 2}});
         start({order});
         QTRY_COMPARE(questions_.size(), 1);
         run_->reporter()->answerResubmit(false);
         QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_));
+        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_, {}));
         QVERIFY(!run_->isRunning());
         QTRY_COMPARE(questions_.size(), 2);
         run_->stop();
@@ -421,7 +470,7 @@ private:
     void retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes)
     {
         QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(order.id), indexes, identity_));
+        QVERIFY(run_->retry(shown_.value(order.id), indexes, identity_, {}));
         QTRY_VERIFY(!run_->isBusy());
     }
 

@@ -1,8 +1,10 @@
 #include "batchdelete/batchdeletethread.h"
+#include "platform/folderlisting.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
@@ -27,13 +29,13 @@ private slots:
     void init()
     {
         folder_ = std::make_unique<QTemporaryDir>();
-        path_ = writeFile(folder_->filePath("order/原片/a.jpg"_s));
+        path_ = writeFile(folder_->filePath("root/order/原片/a.jpg"_s));
     }
     void removesWhatIsThere()
     {
         QCOMPARE(outcome(), "2  gone"_s);
         QCOMPARE(outcome(), "2  missing gone"_s); // again
-        QVERIFY(QDir(folder_->filePath("order"_s)).removeRecursively());
+        QVERIFY(QDir(folder_->filePath("root/order"_s)).removeRecursively());
         QCOMPARE(outcome(), "2  missing gone"_s);
     }
     void aShareThatIsGone()
@@ -82,8 +84,9 @@ private slots:
     void whatLiesBehindALinkStays_data()
     {
         QTest::addColumn<QString>("folder");
-        newRow("the file's", "order/原片");
-        newRow("the order's", "order");
+        newRow("the file's", "root/order/原片");
+        newRow("the order's", "root/order");
+        newRow("above the order's", "root");
     }
     void whatLiesBehindALinkStays()
     {
@@ -95,9 +98,29 @@ private slots:
             QSKIP("no links to folders here");
         QCOMPARE(outcome(), "4 目录已变成链接，不删除: %1 stays"_s.arg(folder));
     }
+    void whatHasChangedStays_data()
+    {
+        addColumns<QByteArray, int>({"content", "laterMs"});
+        newRow("size", QByteArray("more"), 0);
+        newRow("time", QByteArray(), 1);
+    }
+    void whatHasChangedStays()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(int, laterMs);
+        list();
+        const QDateTime then = QFileInfo(path_).lastModified();
+        QVERIFY(QFile::remove(path_));
+        writeFile(path_, content);
+        QFile file(path_);
+        QVERIFY(file.open(QIODevice::ReadWrite) &&
+                file.setFileTime(then.addMSecs(laterMs), QFileDevice::FileModificationTime));
+        file.close();
+        QCOMPARE(outcomeAsListed(), "4 文件已变化，未删除 stays"_s);
+    }
     void aLinkIsRemovedAsALink()
     {
-        const QString link = folder_->filePath("order/link"_s);
+        const QString link = folder_->filePath("root/order/link"_s);
         if (!QFile::link(path_, link))
             QSKIP("no links here");
         QVERIFY(QFile::setPermissions(path_, QFile::ReadOwner));
@@ -120,12 +143,30 @@ private:
     /// Runs a thread on path_: the file's state, its reason and what became of it.
     QString outcome()
     {
+        list();
+        return outcomeAsListed();
+    }
+
+    void list()
+    {
+        const QFileInfo itself(path_);
+        platform::listFolder(itself.path(), [&](const platform::FolderEntry &entry) {
+            if (entry.name == itself.fileName())
+                listed_ = entry;
+            return true;
+        });
+    }
+
+    QString outcomeAsListed()
+    {
         BatchDeleteFileInfo file;
         file.folderPath = QFileInfo(path_).path();
-        file.rootLength = folder_->filePath("order"_s).size();
+        file.rootLength = folder_->filePath("root/order"_s).size();
+        file.size = listed_.size;
+        file.modified = listed_.modified;
         file.reason = "earlier"_s;
         file.missing = true;
-        BatchdeleteThread thread("81"_s, file, path_);
+        BatchdeleteThread thread("81"_s, file, path_, {folder_->filePath("root"_s)});
         QString outcome = "no result"_s;
         connect(&thread, &BatchdeleteThread::fileProcessed, this,
                 [&](const QString &id, const BatchDeleteFileInfo &processed) {
@@ -142,6 +183,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> folder_;
     QString path_;
+    platform::FolderEntry listed_;
 };
 
 QTEST_GUILESS_MAIN(TestDeleteThread)
