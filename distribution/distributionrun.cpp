@@ -20,6 +20,12 @@ namespace {
 
 constexpr int stepIntervalMs = 250;
 
+struct ReadDetail
+{
+    OrderDetailPtr detail;
+    QString folder; ///< name of the order's
+};
+
 struct Planned
 {
     QString folderError;
@@ -97,6 +103,7 @@ void DistributionRun::stop()
         return;
     *stopFlag_ = true;
     detailCall_.cancel();
+    reading_.abandon();
     fetches_.cancel();
     if (tasksInFlight_ == 0)
         finish();
@@ -133,7 +140,17 @@ void DistributionRun::onDetail(const ServiceReply &reply)
         skipOrder(said.isEmpty() ? QStringLiteral("连接不上服务端") : said);
         return;
     }
-    auto detail = std::make_shared<const OrderDetail>(readOrderDetail(reply.object));
+    onProcessor(
+        this,
+        [object = reply.object] {
+            const OrderDetailPtr detail = detailOf(object);
+            return ReadDetail{detail, orderFolderName(*detail)};
+        },
+        reading_.only([this](const ReadDetail &read) { onDetailRead(read.detail, read.folder); }));
+}
+
+void DistributionRun::onDetailRead(const OrderDetailPtr &detail, const QString &folderName)
+{
     const QString photoSet = detail->value("order_photo_id");
     if (!photoSet.isEmpty() && photoSet != current().orderPhotoId) {
         skipOrder(QStringLiteral("服务端返回了其他订单的资料"));
@@ -144,14 +161,14 @@ void DistributionRun::onDetail(const ServiceReply &reply)
         return;
     }
     emit detailRead(current().orderPhotoId, detail);
-    planCurrent(detail);
+    planCurrent(detail, folderName);
 }
 
-void DistributionRun::planCurrent(const OrderDetailPtr &detail)
+void DistributionRun::planCurrent(const OrderDetailPtr &detail, const QString &folderName)
 {
     detail_ = detail;
-    orderFolder_ = QDir::cleanPath(settings_.directory) + QLatin1Char('/') +
-                   orderFolderName(*detail) + QLatin1Char('/');
+    orderFolder_ =
+        QDir::cleanPath(settings_.directory) + QLatin1Char('/') + folderName + QLatin1Char('/');
     qDebug() << "生成的导入路径是：" << orderFolder_;
     const QString folder = orderFolder_.toCaseFolded();
     if (folders_.contains(folder)) {
@@ -165,8 +182,11 @@ void DistributionRun::planCurrent(const OrderDetailPtr &detail)
     request.detail = detail;
     request.orderFolder = orderFolder_;
     request.leftOut = settings_.leftOut.value(current().orderPhotoId);
-    inBackground(
-        this, [request, rule = settings_.namingRule] { return prepare(request, rule); },
+    // The raw files beside the photos are looked for.
+    const QString photo = detail->images.isEmpty() ? QString() : detail->images.first().source();
+    onDisk(
+        this, {orderFolder_, photo},
+        [request, rule = settings_.namingRule] { return prepare(request, rule); },
         [this, detail](const Planned &planned) {
             if (!running_ || detail != detail_ || *stopFlag_)
                 return; // stopped meanwhile

@@ -6,6 +6,7 @@
 #include "distribution/orderdata.h"
 #include "net/orderqueries.h"
 #include "net/servicecall.h"
+#include "tasks/latest.h"
 
 #include <QHash>
 #include <QMetaType>
@@ -91,7 +92,8 @@ signals:
 private:
     void startNextOrder();
     void onDetail(const ServiceReply &reply);
-    void planCurrent(const OrderDetailPtr &detail);
+    void onDetailRead(const OrderDetailPtr &detail, const QString &folderName);
+    void planCurrent(const OrderDetailPtr &detail, const QString &folderName);
     void onPlanned(const QString &folderError, const OrderPlan &plan);
     void startTask(const DistributionTask &task);
     void startOrderTask(const QString &type);
@@ -114,6 +116,7 @@ private:
     ImageFetches fetches_;
     DownloadReports reports_;
     LatestCall detailCall_;
+    Latest reading_; ///< of its reply
 
     QVector<OrderData> orders_;
     RunSettings settings_;

@@ -6,6 +6,7 @@
 #include "distribution/fjleftpanel.h"
 #include "distribution/fjrightpanel.h"
 #include "distribution/namingrulepanel.h"
+#include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/colours.h"
@@ -96,7 +97,7 @@ void FJHome::connectRun()
             });
     connect(&run_, &DistributionRun::detailRead, this,
             [this](const QString &orderPhotoId, const OrderDetailPtr &detail) {
-                photosCall_.cancel();
+                abandonPhotos();
                 right_->showPhotos(orderPhotoId, current_.displayNumber(), *detail);
             });
     connect(&run_, &DistributionRun::progressChanged, left_, &FJLeftPanel::showProgress);
@@ -126,7 +127,7 @@ void FJHome::showEvent(QShowEvent *event)
 FramelessWindow::CloseAnswer FJHome::closeRequested()
 {
     left_->cancelRequests();
-    photosCall_.cancel();
+    abandonPhotos();
     run_.stop();
     if (!run_.isBusy())
         return CloseAnswer::Close;
@@ -147,7 +148,7 @@ void FJHome::search(const QString &searchType, const QString &searchText)
 {
     if (refusesWhileRunning())
         return;
-    photosCall_.cancel();
+    abandonPhotos();
     right_->clearPhotos();
     left_->reqOrderList(searchType, searchText);
 }
@@ -165,18 +166,29 @@ void FJHome::changeShop(const QString &shopId)
 
 void FJHome::getOrderInfo(const OrderData &order)
 {
+    abandonPhotos();
     right_->clearPhotos(order.orderPhotoId, order.displayNumber());
+    const auto show = [this, order](const OrderDetailPtr &detail) {
+        right_->showPhotos(order.orderPhotoId, order.displayNumber(), *detail);
+    };
     photosCall_.start(distributionrequests::detailAction,
                       distributionrequests::detailBody(order, left_->identity()),
-                      [this, order](const ServiceReply &reply) {
+                      [this, show](const ServiceReply &reply) {
                           if (reply.isSuccess()) {
-                              right_->showPhotos(order.orderPhotoId, order.displayNumber(),
-                                                 readOrderDetail(reply.object));
+                              onProcessor(
+                                  this, [object = reply.object] { return detailOf(object); },
+                                  photosReading_.only(show));
                           } else {
                               showServiceFailure(
                                   this, reply, reply.message.isEmpty() ? reply.msg : reply.message);
                           }
                       });
+}
+
+void FJHome::abandonPhotos()
+{
+    photosCall_.cancel();
+    photosReading_.abandon();
 }
 
 // The run.

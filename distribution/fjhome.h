@@ -2,6 +2,7 @@
 
 #include "distribution/distributionrun.h"
 #include "net/servicecall.h"
+#include "tasks/latest.h"
 #include "widgets/framelesswindow.h"
 
 #include <QTimer>
@@ -44,12 +45,14 @@ private:
     void changeShop(const QString &shopId);
     void onRunFinished(const RunSummary &summary);
     bool refusesWhileRunning();
+    void abandonPhotos();
 
     DesignFileSplitTypes type_ = DesignFileSplitTypes::Distribution;
     bool opened_ = false;
     DistributionRun run_;
     OrderData current_; ///< the run's
     LatestCall photosCall_;
+    Latest photosReading_; ///< of its reply
     QTimer closeTimer_;
     FJLeftPanel *left_;
     FJRightPanel *right_;

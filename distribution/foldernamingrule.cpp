@@ -5,8 +5,8 @@
 #include "distribution/dropzone.h"
 #include "distribution/flowlayout.h"
 #include "distribution/foldernames.h"
-#include "distribution/orderdetail.h"
 #include "files/safename.h"
+#include "tasks/background.h"
 #include "widgets/theme.h"
 
 #include <QLabel>
@@ -24,6 +24,28 @@ QLabel *makeLabel(const QString &objectName, const QString &style, QWidget *pare
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
+}
+
+struct Preview
+{
+    QString name;
+    QString warning;
+};
+
+/// Of the order's first product; of a made-up one where there is none.
+Preview previewOf(const namingrule::Rule &rule, const OrderDetail &order)
+{
+    const QVector<DetailProduct> products = order.products();
+    const bool madeUp = products.isEmpty();
+    const QString name =
+        namingrule::folderName(rule, madeUp ? namingrule::sampleValues()
+                                            : foldernames::ruleValues(order, products.first()));
+    const QString warning = namingrule::warnings(name).join(QStringLiteral("；"));
+    if (!namingrule::namesNothing(name))
+        return {safeFileName(name), warning};
+    return {madeUp ? QStringLiteral("1#20240507001 12寸相册 相册 2 李明-王丽 2024-06-01取 自取")
+                   : foldernames::builtInProductFolder(order, products.first(), 1),
+            warning + QStringLiteral("，将使用默认命名")};
 }
 
 } // namespace
@@ -89,14 +111,7 @@ namingrule::Rule FolderNamingRule::rule() const
 
 void FolderNamingRule::setPreviewOrder(const OrderDetail &detail)
 {
-    const QVector<DetailProduct> products = detail.products();
-    if (products.isEmpty()) {
-        values_ = namingrule::sampleValues();
-        builtIn_ = QStringLiteral("1#20240507001 12寸相册 相册 2 李明-王丽 2024-06-01取 自取");
-    } else {
-        values_ = foldernames::ruleValues(detail, products.first());
-        builtIn_ = foldernames::builtInProductFolder(detail, products.first(), 1);
-    }
+    previewOrder_ = detail;
     showPreview();
 }
 
@@ -110,11 +125,11 @@ void FolderNamingRule::announce()
 
 void FolderNamingRule::showPreview()
 {
-    const QString name = namingrule::folderName(zone_->rule(), values_);
-    const QStringList warnings = namingrule::warnings(name);
-    const bool useBuiltIn = namingrule::namesNothing(name);
-    preview_->setText(QStringLiteral("预览：") + (useBuiltIn ? builtIn_ : safeFileName(name)));
-    warning_->setText(warnings.join(QStringLiteral("；")) +
-                      (useBuiltIn ? QStringLiteral("，将使用默认命名") : QString()));
-    warning_->setVisible(!warnings.isEmpty());
+    onProcessor(
+        this, [rule = zone_->rule(), order = previewOrder_] { return previewOf(rule, order); },
+        naming_.only([this](const Preview &shown) {
+            preview_->setText(QStringLiteral("预览：") + shown.name);
+            warning_->setText(shown.warning);
+            warning_->setVisible(!shown.warning.isEmpty());
+        }));
 }

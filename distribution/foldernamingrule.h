@@ -1,16 +1,18 @@
 #pragma once
 
 #include "distribution/namingrule.h"
+#include "distribution/orderdetail.h"
+#include "tasks/latest.h"
 
 #include <QJsonArray>
 #include <QWidget>
 
 class DropZone;
 class QLabel;
-struct OrderDetail;
 
 /// The editor of the rule that names product folders: the fields there are, the rule that is made
-/// of them by dragging or by keys, and the name that it gives.
+/// of them by dragging or by keys, and the name that it gives, which shows a moment later: names
+/// may be long, and are made beside the interface thread.
 class FolderNamingRule : public QWidget
 {
     Q_OBJECT
@@ -43,6 +45,6 @@ private:
     QLabel *preview_;
     QLabel *warning_;
     namingrule::Rule loaded_;
-    namingrule::Values values_;
-    QString builtIn_;
+    OrderDetail previewOrder_;
+    Latest naming_;
 };

@@ -98,6 +98,10 @@ using OrderDetailPtr = std::shared_ptr<const OrderDetail>;
 Q_DECLARE_METATYPE(OrderDetailPtr)
 
 OrderDetail readOrderDetail(const QJsonObject &reply);
+inline OrderDetailPtr detailOf(const QJsonObject &reply)
+{
+    return std::make_shared<const OrderDetail>(readOrderDetail(reply));
+}
 
 /// One photo of a reply, as the lists of orders and of details carry it.
 DetailPhoto readDetailPhoto(const QJsonObject &element);
