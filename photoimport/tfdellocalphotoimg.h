@@ -14,8 +14,10 @@ public:
     /// Waits until the photos are gone.
     ~TFDelLocalPhotoImg() override;
 
-    /// \a paths: originals in the "all" folder. Before start(), not while the thread runs.
-    void setDelPhotos(const QStringList &paths);
+    /// \a paths: originals in the "all" folder of the order whose import folder is \a orderFolder,
+    /// all in Windows form or with slashes. What lies elsewhere is left out: neither it nor what
+    /// could pass for its variants is this order's. Before start(), not while the thread runs.
+    void setDelPhotos(const QStringList &paths, const QString &orderFolder);
     /// What is left to remove, in Windows form: each original followed by its variants 90, 190 and
     /// 1920.
     const QStringList &paths() const { return paths_; }

@@ -9,8 +9,9 @@
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
                            const QStringList &names, int photoMode)
 {
-    DeletionRequest request{order.info.id, order.info.orderPhotoId, ids, names, {}, photoMode};
     const QString folder = order.folder();
+    DeletionRequest request{order.info.id, order.info.orderPhotoId, ids, names, {}, photoMode,
+                            folder};
     PhotoInfo photo;
     photo.kind = photoorders::mainKind(photoMode);
     for (const QString &name : names) {
@@ -56,7 +57,7 @@ void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply
         emit refused(request, reply);
         return;
     }
-    thread_->setDelPhotos(request.paths);
+    thread_->setDelPhotos(request.paths, request.folder);
     thread_->start();
     emit selectedPhotosDeleted(request);
 }

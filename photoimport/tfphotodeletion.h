@@ -18,6 +18,7 @@ struct DeletionRequest
     QStringList names; ///< of the same photos
     QStringList paths; ///< where the files themselves lie, in Windows form
     int photoMode = 0;
+    QString folder; ///< the order's import folder, in Windows form
 };
 
 /// What deleting the photos with these service ids and names asks for. Never a path outside of the

@@ -187,13 +187,19 @@ private slots:
     void deletesAnOriginalAndItsVariants()
     {
         TFDelLocalPhotoImg deletion;
-        deletion.setDelPhotos({"D:/shots/all/x/all/a.jpg"_s, "D:/b.mp4"_s});
-        QStringList expected;
-        for (const char *folder : {"all", "90", "190", "1920"})
-            expected << "D:\\shots\\%1\\x\\%1\\a.jpg"_s.arg(QLatin1String(folder));
-        for (int copy = 0; copy < 4; ++copy)
-            expected << "D:\\b.mp4"_s;
-        QCOMPARE(deletion.paths(), expected);
+        // Neither the share's name nor the order's turns the path of one order into another's.
+        for (const char *above : {"\\\\nas\\all\\90", "\\\\nas\\all\\190\\", "//nas/shots/all"}) {
+            const QString home = QString::fromLatin1(above);
+            const QString inOrder = home + (home.endsWith(QLatin1Char('\\')) ? QString() : "/"_s);
+            deletion.setDelPhotos({inOrder + "all/a.jpg"_s, inOrder + "b.mp4"_s, home,
+                                   "//nas/all/91/all/a.jpg"_s, inOrder + "../91/all/c.jpg"_s},
+                                  home);
+            QStringList expected;
+            for (const char *name : {"all\\a.jpg", "90\\a.jpg", "190\\a.jpg", "1920\\a.jpg",
+                                     "b.mp4", "b.mp4", "b.mp4", "b.mp4"})
+                expected << wireForm(inOrder) + QLatin1String(name);
+            QCOMPARE(deletion.paths(), expected);
+        }
 
         const QTemporaryDir root;
         const QDir order(root.path());
@@ -205,7 +211,7 @@ private slots:
         const QString readOnly = order.filePath("all/protected.jpg"_s);
         QVERIFY(QFile::setPermissions(readOnly, QFileDevice::ReadOwner));
 
-        deletion.setDelPhotos({order.filePath("all/a.jpg"_s), readOnly});
+        deletion.setDelPhotos({order.filePath("all/a.jpg"_s), readOnly}, root.path());
         deletion.start();
         QVERIFY(deletion.wait());
         QVERIFY(deletion.paths().isEmpty());
