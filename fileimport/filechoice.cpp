@@ -8,6 +8,7 @@
 #include "platform/pathform.h"
 
 #include <QFileInfo>
+#include <QSet>
 
 namespace {
 
@@ -29,33 +30,39 @@ QString makeFolders(const ChoiceRequest &request)
 
 } // namespace
 
+DropContents contentsOf(const QStringList &paths, const QString &dialogFilter)
+{
+    DropContents contents;
+    contents.files = chosenfiles::expandDrop(paths, dialogFilter, &contents.ignored);
+    return contents;
+}
+
 ChoiceResult prepareChoice(const ChoiceRequest &request)
 {
     ChoiceResult result;
-    const QStringList paths =
-        request.dropped
-            ? chosenfiles::expandDrop(request.paths, importrules::dialogFilter(request.mode),
-                                      &result.ignored)
-            : request.paths;
-    if (paths.isEmpty())
-        return result;
     result.folderError = makeFolders(request);
     if (!result.folderError.isEmpty())
         return result;
-    result.files.reserve(paths.size());
-    for (const QString &path : paths) {
+    QSet<QString> sources;
+    for (const ImportFile &file : request.known)
+        sources.insert(file.sourcePath);
+    result.files.reserve(request.paths.size());
+    for (const QString &path : request.paths) {
         const QFileInfo info(path);
         ImportFile file;
         file.sourcePath = info.absoluteFilePath();
+        if (sources.contains(file.sourcePath))
+            continue;
+        sources.insert(file.sourcePath);
         file.baseName = info.completeBaseName();
         file.suffix = info.suffix();
         file.targetFolder =
             joinWirePath(request.importPath, importrules::subFolderFor(request.mode, file.suffix));
         file.orderIndex = request.orderIndex;
-        file.fileIndex = result.files.size();
+        file.fileIndex = request.known.size() + result.files.size();
         file.size = info.size();
         result.files.append(file);
     }
-    result.clashes = importrules::sameTargetGroups(result.files);
+    result.clashes = importrules::sameTargetGroups(request.known + result.files);
     return result;
 }

@@ -6,22 +6,31 @@
 #include <QStringList>
 #include <QVector>
 
-/// Files that a user chose or dropped for an order, and where they are to go.
+/// Files that a user chose for an order, and where they are to go.
 struct ChoiceRequest
 {
     ImportMode mode = ImportMode::Originals;
     QString importPath; ///< the order's folder, in Windows form
     int orderIndex = 0;
-    QStringList paths; ///< files, and for drops folders too, as this machine writes them
-    bool dropped =
-        false; ///< take only what the dialog's first filter shows; read folders recursively
+    QStringList paths;         ///< of files, as this machine writes them
+    QVector<ImportFile> known; ///< the order's files that the chosen ones join
 };
+
+/// What users dropped on an order.
+struct DropContents
+{
+    QStringList files; ///< those that the filter takes, also from folders and the folders below
+    int ignored = 0;   ///< files that the filter leaves out
+};
+
+/// What \a paths (files and folders) hold for the first filter of \a dialogFilter. Blocks; for
+/// worker threads.
+DropContents contentsOf(const QStringList &paths, const QString &dialogFilter);
 
 struct ChoiceResult
 {
-    QVector<ImportFile> files;
-    QVector<QStringList> clashes; ///< sources that would land on one target, grouped
-    int ignored = 0;              ///< dropped files that the filter leaves out
+    QVector<ImportFile> files;    ///< the chosen ones that are not known yet
+    QVector<QStringList> clashes; ///< sources, known ones too, that share a target; grouped
     QString
         folderError; ///< not empty: the order's folders could not be made, nothing is to be taken
 };

@@ -38,7 +38,8 @@ ImportFiles::ImportFiles(QWidget *parent)
     , rightHalf_(new QSplitter(Qt::Vertical))
     , finder_(new OrderFinder(this,
                               {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
-    , chooser_(new OrderFileChooser(this, &orders_))
+    , chooser_(
+          new OrderFileChooser(this, &orders_, [this](int row) { return mayChangeFiles(row); }))
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
@@ -317,14 +318,12 @@ bool ImportFiles::mayChangeFiles(int row)
 
 void ImportFiles::onSelectFilesClicked(int row)
 {
-    if (mayChangeFiles(row))
-        chooser_->choose(row);
+    chooser_->choose(row);
 }
 
 void ImportFiles::onFilesDropped(int row, const QStringList &paths)
 {
-    if (mayChangeFiles(row))
-        chooser_->take(row, paths);
+    chooser_->take(row, paths);
 }
 
 void ImportFiles::onFilesChosen(int row)

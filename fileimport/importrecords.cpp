@@ -44,8 +44,10 @@ PhotoState ImportOrder::photoState() const
     const int waiting = countOf(ImportFile::Waiting);
     if (!files.isEmpty() && waiting == files.size())
         return PhotoState::Chosen;
-    if (unregistered || waiting > 0 || countOf(ImportFile::Failed) > 0)
+    if (unregistered || countOf(ImportFile::Failed) > 0)
         return PhotoState::Failed;
+    if (waiting > 0)
+        return PhotoState::Chosen;
     return files.isEmpty() ? PhotoState::NotChosen : PhotoState::Done;
 }
 

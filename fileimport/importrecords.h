@@ -38,10 +38,10 @@ Q_DECLARE_METATYPE(ImportFile)
 /// How far an order's chosen files are, as its row shows it.
 enum class PhotoState {
     NotChosen,
-    Chosen, ///< none was tried yet
+    Chosen, ///< some wait to be imported
     Importing,
     Done,
-    Failed, ///< some failed or were not reached, or the service was not told
+    Failed, ///< some failed, or the service was not told
 };
 
 /// One order of the import window: what the service says of it, and what was chosen for it here.

@@ -5,6 +5,8 @@
 
 #include <QSet>
 
+#include <algorithm>
+
 namespace importrules {
 
 namespace {
@@ -49,6 +51,11 @@ QStringList announcedPatterns(const QString &subFolder)
             QStringLiteral("*.JPEG")};
 }
 
+bool hasFolder(const ImportOrder &order)
+{
+    return !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
+}
+
 QString importPathOf(const ImportOrder &order)
 {
     return orderqueries::importFolderOf(order, order.importPath, order.importPublicPath);
@@ -75,6 +82,14 @@ QString unchosenQuestion(const QStringList &names)
     return question;
 }
 
+int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths)
+{
+    const QSet<QString> kept(paths.cbegin(), paths.cend());
+    return int(std::count_if(files.cbegin(), files.cend(), [&kept](const ImportFile &file) {
+        return file.state != ImportFile::Imported && !kept.contains(file.sourcePath);
+    }));
+}
+
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)
 {
     QVector<chosenfiles::Placement> placements;
@@ -89,8 +104,7 @@ QVector<int> ordersSharingFolder(const QVector<ImportOrder> &orders, int index)
     QVector<int> sharing;
     for (int other = 0; other < orders.size(); ++other) {
         const ImportOrder &order = orders.at(other);
-        const bool hasFolder = !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
-        if (other != index && hasFolder && wirePathKey(importPathOf(order)) == folder)
+        if (other != index && hasFolder(order) && wirePathKey(importPathOf(order)) == folder)
             sharing.append(other);
     }
     return sharing;

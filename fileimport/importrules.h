@@ -20,6 +20,8 @@ QString subFolderFor(ImportMode mode, const QString &suffix);
 /// What of a sub-folder is announced to the service.
 QStringList announcedPatterns(const QString &subFolder);
 
+/// Whether anything says where \a order is imported.
+bool hasFolder(const ImportOrder &order);
 /// The import folder of \a order: the one it has, otherwise composed from its values.
 QString importPathOf(const ImportOrder &order);
 
@@ -28,6 +30,9 @@ QStringList unchosenNames(const QVector<ImportFile> &files, const QStringList &c
 
 /// The question to ask before taking photos under \a names the customer did not choose.
 QString unchosenQuestion(const QStringList &names);
+
+/// How many of \a files are not imported and not among \a paths.
+int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths);
 
 /// Files of one choice that would land on the same target, grouped; names compared without case.
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files);

@@ -4,7 +4,6 @@
 #include "fileimport/importrules.h"
 #include "files/chosenfiles.h"
 #include "tasks/background.h"
-#include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
@@ -14,17 +13,27 @@ namespace {
 
 constexpr int toastMs = 2000;
 
+QString checkingText()
+{
+    return QStringLiteral("正在检查文件...");
+}
+
 } // namespace
 
-OrderFileChooser::OrderFileChooser(QWidget *window, ImportOrderTableModel *orders)
-    : QObject(window), window_(window), orders_(orders), overlay_(new LoadingOverlay(window))
+OrderFileChooser::OrderFileChooser(QWidget *window, ImportOrderTableModel *orders,
+                                   std::function<bool(int row)> mayChange)
+    : QObject(window)
+    , window_(window)
+    , orders_(orders)
+    , mayChange_(std::move(mayChange))
+    , overlay_(new LoadingOverlay(window))
 {
     connect(overlay_, &LoadingOverlay::cancelled, this, &OrderFileChooser::cancel);
 }
 
 void OrderFileChooser::cancel()
 {
-    ++choice_;
+    look_.abandon();
     overlay_->hideOverlay();
 }
 
@@ -35,16 +44,21 @@ bool OrderFileChooser::isBusy() const
 
 bool OrderFileChooser::mayChoose(int row)
 {
-    if (!orders_->hasRow(row))
+    if (isBusy() || !mayChange_(row) || !orders_->hasRow(row))
         return false;
     const ImportOrder &order = orders_->order(row);
-    if (order.importPath.isEmpty() && order.importPublicPath.isEmpty()) {
-        MessageBox::information(
-            window_, order.displayName() +
-                         QStringLiteral(" 没有设置本地云导片路径, 请在后台设置本地云导片路径！"));
-        return false;
-    }
-    return true;
+    if (importrules::hasFolder(order))
+        return true;
+    MessageBox::information(
+        window_, order.displayName() +
+                     QStringLiteral(" 没有设置本地云导片路径, 请在后台设置本地云导片路径！"));
+    return false;
+}
+
+int OrderFileChooser::rowOf(const Choice &choice) const
+{
+    const int row = orders_->rowOf(choice.orderId);
+    return row >= 0 && mayChange_(row) ? row : -1;
 }
 
 void OrderFileChooser::choose(int row)
@@ -56,76 +70,128 @@ void OrderFileChooser::choose(int row)
     const QStringList paths =
         FileDialog::openFiles(window_, QStringLiteral("选择要导入的文件"),
                               importrules::dialogFilter(mode_), QStringLiteral("import"));
-    prepare(orders_->rowOf(orderId), paths, false);
+    if (!paths.isEmpty())
+        askAboutSharedFolder({orderId, paths, false});
 }
 
 void OrderFileChooser::take(int row, const QStringList &paths)
 {
-    if (mayChoose(row))
-        prepare(row, paths, true);
-}
-
-void OrderFileChooser::prepare(int row, const QStringList &paths, bool dropped)
-{
-    if (paths.isEmpty() || !orders_->hasRow(row))
+    if (!mayChoose(row))
         return;
-    const QString orderId = orders_->order(row).id;
-    const bool agreed = agreesToSharedFolder(row);
-    row = orders_->rowOf(orderId);
-    if (!agreed || row < 0)
-        return;
-    setFiles(row, {});
-    orders_->change(
-        row, [](ImportOrder &order) { order.importPath = importrules::importPathOf(order); });
-    const ChoiceRequest request{mode_, orders_->order(row).importPath, row, paths, dropped};
-    overlay_->showText(QStringLiteral("正在检查文件..."));
-    inBackground(
-        this, [request] { return prepareChoice(request); },
-        [this, choice = ++choice_, orderId](const ChoiceResult &result) {
-            if (choice != choice_)
-                return;
+    overlay_->showText(checkingText());
+    onDisk(
+        this, paths,
+        [paths, filter = importrules::dialogFilter(mode_)] { return contentsOf(paths, filter); },
+        look_.only([this, orderId = orders_->order(row).id](const DropContents &contents) {
             overlay_->hideOverlay();
-            onPrepared(orderId, result);
-        });
+            onExpanded(orderId, contents);
+        }));
 }
 
-bool OrderFileChooser::agreesToSharedFolder(int row)
+void OrderFileChooser::onExpanded(const QString &orderId, const DropContents &contents)
 {
+    if (contents.files.isEmpty()) {
+        MessageBox::information(window_,
+                                QStringLiteral("没有可以导入的文件，已选的文件保持不变。"));
+        return;
+    }
+    if (contents.ignored > 0) {
+        Toast::show(window_, QStringLiteral("已忽略 %1 个不支持的文件").arg(contents.ignored),
+                    toastMs);
+    }
+    askAboutSharedFolder({orderId, contents.files, true});
+}
+
+void OrderFileChooser::askAboutSharedFolder(const Choice &choice)
+{
+    const int row = rowOf(choice);
+    if (row < 0)
+        return;
     const QVector<int> others = importrules::ordersSharingFolder(orders_->orders(), row);
-    if (others.isEmpty())
-        return true;
+    if (others.isEmpty()) {
+        askAboutReplacing(choice);
+        return;
+    }
     QString text =
         QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？\n%1\n\n%2")
             .arg(importrules::importPathOf(orders_->order(row)), orders_->order(row).displayName());
     for (const int other : others)
         text += QLatin1Char('\n') + orders_->order(other).displayName();
-    return ConfirmDialog::ask(window_, text, ConfirmDialog::Enter::Cancels);
+    ask(text, ConfirmDialog::Enter::Cancels, [this, choice] { askAboutReplacing(choice); });
 }
 
-void OrderFileChooser::onPrepared(const QString &orderId, const ChoiceResult &result)
+void OrderFileChooser::askAboutReplacing(const Choice &choice)
+{
+    const int row = rowOf(choice);
+    if (row < 0)
+        return;
+    const int lost =
+        choice.adds ? 0 : importrules::unimportedWithout(orders_->order(row).files, choice.paths);
+    if (lost == 0) {
+        prepare(choice);
+        return;
+    }
+    ask(QStringLiteral("%1 还有 %2 个已选的文件没有导入，重新选择后它们不再导入，确认要继续吗？\n"
+                       "要保留它们，请把新的文件拖到订单上。")
+            .arg(orders_->order(row).displayName())
+            .arg(lost),
+        ConfirmDialog::Enter::Cancels, [this, choice] { prepare(choice); });
+}
+
+void OrderFileChooser::prepare(const Choice &choice)
+{
+    const int row = rowOf(choice);
+    if (row < 0)
+        return;
+    if (!choice.adds)
+        setFiles(row, {});
+    orders_->change(
+        row, [](ImportOrder &order) { order.importPath = importrules::importPathOf(order); });
+    const ImportOrder &order = orders_->order(row);
+    const ChoiceRequest request{mode_, order.importPath, row, choice.paths, order.files};
+    overlay_->showText(checkingText());
+    onDisk(
+        this, choice.paths + QStringList(order.importPath),
+        [request] { return prepareChoice(request); },
+        look_.only([this, choice](const ChoiceResult &result) {
+            overlay_->hideOverlay();
+            onPrepared(choice, result);
+        }));
+}
+
+void OrderFileChooser::onPrepared(const Choice &choice, const ChoiceResult &result)
 {
     if (!result.folderError.isEmpty()) {
         MessageBox::warning(window_, result.folderError);
         return;
     }
-    if (result.ignored > 0) {
-        Toast::show(window_, QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored),
-                    toastMs);
-    }
     if (!result.clashes.isEmpty()) {
         MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
         return;
     }
-    if (orders_->rowOf(orderId) < 0 || result.files.isEmpty())
+    if (result.files.isEmpty()) {
+        Toast::show(window_, QStringLiteral("这些文件已经在列表中"), toastMs);
         return;
-    if (mode_ == ImportMode::Retouched) {
-        const QStringList unchosen = importrules::unchosenNames(
-            result.files, orders_->order(orders_->rowOf(orderId)).selectedNames);
-        if (!unchosen.isEmpty() &&
-            !ConfirmDialog::ask(window_, importrules::unchosenQuestion(unchosen)))
-            return;
     }
-    setFiles(orders_->rowOf(orderId), result.files);
+    const int row = rowOf(choice);
+    if (row < 0)
+        return;
+    QStringList unchosen;
+    if (mode_ == ImportMode::Retouched)
+        unchosen = importrules::unchosenNames(result.files, orders_->order(row).selectedNames);
+    if (unchosen.isEmpty()) {
+        add(choice, result.files);
+        return;
+    }
+    ask(importrules::unchosenQuestion(unchosen), ConfirmDialog::Enter::Confirms,
+        [this, choice, files = result.files] { add(choice, files); });
+}
+
+void OrderFileChooser::add(const Choice &choice, const QVector<ImportFile> &files)
+{
+    const int row = rowOf(choice);
+    if (row >= 0)
+        setFiles(row, orders_->order(row).files + files);
 }
 
 void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)
@@ -137,4 +203,11 @@ void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)
         order.everChosen = true;
     });
     emit filesChanged(row);
+}
+
+void OrderFileChooser::ask(const QString &text, ConfirmDialog::Enter enter,
+                           const std::function<void()> &onYes) const
+{
+    if (ConfirmDialog::ask(window_, text, enter))
+        onYes();
 }

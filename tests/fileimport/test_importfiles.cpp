@@ -209,18 +209,40 @@ private slots:
         QCOMPARE(demo_.requests("savepicpath_batch"_s).size(), 2);
     }
 
-    void dropsAreTakenAsIfChosen()
+    void dropsAddAndTheDialogReplaces()
     {
         open(0);
         const QString order = "TS10001-1"_s;
-        makePhotos(3);
+        const auto drop = [&](const QString &path) {
+            return dropFiles(orders()->viewport(),
+                             orders()->visualRect(cell(order, Column::ManColumn)).center(), {path});
+        };
+        const QStringList photos = makePhotos(3);
         makePhotos(1, 10, "txt"_s);
-        QVERIFY(dropFiles(orders()->viewport(),
-                          orders()->visualRect(cell(order, Column::ManColumn)).center(),
-                          {card_->path()}));
+        QVERIFY(drop(card_->path()));
         QTRY_COMPARE(text(order, Column::ChosenColumn), "3"_s);
         QCOMPARE(Toast::currentText(window_), "已忽略 1 个不支持的文件"_s);
-        QCOMPARE(fileTable()->model()->rowCount(), 3);
+
+        const QTemporaryDir second;
+        QVERIFY(drop(second.path()));
+        EXPECT_BOXES("没有可以导入的文件，已选的文件保持不变。"_s);
+        writeFile(second.filePath("DSC_1.cr2"_s));
+        QVERIFY(drop(second.path()));
+        QTRY_COMPARE(text(order, Column::ChosenColumn), "4"_s);
+        QCOMPARE(fileTable()->model()->rowCount(), 4);
+        const QString twin = writeFile(second.filePath("img_0.JPG"_s));
+        QVERIFY(drop(twin));
+        EXPECT_BOX_THAT(box.contains(photos.first()) && box.contains(twin));
+        QCOMPARE(fileTable()->model()->rowCount(), 4);
+
+        FileDialog::setNextFiles(photos.mid(1));
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        EXPECT_BOX_THAT(box.contains(" 还有 2 个"_s));
+        QCOMPARE(text(order, Column::ChosenColumn), "4"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        choose(order, photos.mid(1));
+        EXPECT_BOX_THAT(box.contains(" 还有 2 个"_s));
+        QCOMPARE(fileTable()->model()->rowCount(), 2);
     }
 
     void clashingNamesAreNotTaken()

@@ -74,7 +74,8 @@ private slots:
         newRow("importing", States{1, 2, 2, 0}, true, false, "导入中 3/4", "#ffc107");
         newRow("done", States{1, 1}, false, false, "导入完成", "#28a745");
         newRow("failed", States{1, 2, 2, 1}, false, false, "成功:2, 失败:2", "#dc3545");
-        newRow("chosen beside done ones", States{1, 0}, false, false, "成功:1, 失败:0", "#dc3545");
+        newRow("chosen beside done ones", States{1, 0}, false, false, "已选择", "#007aff");
+        newRow("stopped", States{1, 0}, false, true, "成功:1, 失败:0", "#dc3545");
         newRow("stopping", States{0, 0}, true, false, "导入中 0/2", "#ffc107");
         newRow("not registered", States{1, 1}, false, true, "成功:2, 失败:0", "#dc3545");
         newRow("not registered, cleared", States{}, false, true, "导入失败", "#dc3545");

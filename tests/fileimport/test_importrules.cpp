@@ -172,6 +172,18 @@ private slots:
         request.mode = ImportMode::Retouched;
         QVERIFY(prepareChoice(request).files.first().targetFolder.endsWith("\\精修片"_s));
         QVERIFY(QDir(request.importPath).exists("精修片"_s));
+
+        // What joins an earlier choice: counted on, each once, and clashes looked for over both.
+        request.mode = ImportMode::Originals;
+        request.known = result.files;
+        request.paths.append(folder.filePath("card/img_2.JPG"_s));
+        ChoiceResult joined = prepareChoice(request);
+        QCOMPARE(joined.files.size(), 1);
+        QCOMPARE(joined.files.first().fileIndex, 2);
+        QCOMPARE(joined.clashes, (QVector<QStringList>{request.paths.mid(1)}));
+        QCOMPARE(importrules::unimportedWithout(request.known, request.paths.mid(1)), 1);
+        request.known.first().state = ImportFile::Imported;
+        QCOMPARE(importrules::unimportedWithout(request.known, request.paths.mid(1)), 0);
     }
 
     void droppingReadsFolders()
@@ -180,21 +192,14 @@ private slots:
         for (const char *name : {"card/IMG_10.jpg", "card/IMG_9.jpg", "card/DCIM/b.NEF",
                                  "card/DCIM/note.txt", "single.png"})
             writeFile(folder.filePath(QString::fromLatin1(name)));
-        ChoiceRequest request;
-        request.importPath = folder.filePath("order"_s);
-        request.dropped = true;
-        request.paths = QStringList{folder.filePath("single.png"_s)};
-        ChoiceResult result = prepareChoice(request);
-        QCOMPARE(result.ignored, 1);
-        QVERIFY(!QDir(request.importPath).exists()); // nothing to take, nothing made
-
-        request.paths.append(folder.filePath("card"_s));
-        result = prepareChoice(request);
+        const DropContents contents =
+            contentsOf({folder.filePath("single.png"_s), folder.filePath("card"_s)},
+                       importrules::dialogFilter(ImportMode::Originals));
         QStringList names;
-        for (const ImportFile &taken : qAsConst(result.files))
-            names.append(taken.fileName());
+        for (const QString &taken : contents.files)
+            names.append(QFileInfo(taken).fileName());
         QCOMPARE(names, (QStringList{"b.NEF"_s, "IMG_9.jpg"_s, "IMG_10.jpg"_s}));
-        QCOMPARE(result.ignored, 2);
+        QCOMPARE(contents.ignored, 2);
     }
 
     void aFolderThatCannotBeMade()
