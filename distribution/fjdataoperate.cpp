@@ -9,6 +9,7 @@
 #include "files/filewriting.h"
 #include "files/paths.h"
 #include "files/safename.h"
+#include "platform/fileaccess.h"
 
 #include <QDebug>
 #include <QFile>
@@ -44,19 +45,39 @@ struct CopyTexts
     QString failed;
 };
 
-using CopyOperation = bool (*)(const QString &source, const QString &target);
+using CopyOperation = photofiles::CopyEnding (*)(const QString &source, const QString &target);
+
+photofiles::CopyEnding copyAsItIs(const QString &source, const QString &target)
+{
+    return photofiles::copyOnto(source, target) ? photofiles::CopyEnding::Copied
+                                                : photofiles::CopyEnding::Failed;
+}
 
 /// Copies one file into \a folder, which is made when missing.
 TaskResult copyInto(const DistributionTask &task, const QString &source, const QString &folder,
-                    const CopyTexts &texts, CopyOperation copy = photofiles::copyOnto)
+                    const CopyTexts &texts, CopyOperation copy = copyAsItIs)
 {
     const QString target = targetIn(folder, task);
     if (!QFileInfo(source).isFile())
         return failed(task, target, task.imgName + texts.missing);
     if (!photofiles::ensureFolder(folder))
         return noFolder(task, target);
-    return copy(source, target) ? succeeded(task, target)
-                                : failed(task, target, task.imgName + texts.failed);
+    TaskResult result = succeeded(task, target);
+    if (platform::isSameFile(source, target)) {
+        // Turning it would overwrite the only original.
+        result.errmsg = task.imgName + QStringLiteral("目标就是源文件，已跳过");
+        return result;
+    }
+    switch (copy(source, target)) {
+    case photofiles::CopyEnding::Copied:
+        return result;
+    case photofiles::CopyEnding::CopiedIncomplete:
+        result.errmsg = task.imgName + QStringLiteral("图片不完整，已原样拷贝");
+        return result;
+    case photofiles::CopyEnding::Failed:
+        break;
+    }
+    return failed(task, target, task.imgName + texts.failed);
 }
 
 TaskResult download(const DistributionTask &task)

@@ -2,12 +2,12 @@
 
 #include "files/filecopy.h"
 #include "files/filewriting.h"
+#include "pictures/picturereader.h"
+#include "pictures/picturewriter.h"
 
-#include <QBuffer>
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QImageWriter>
 
 #include <algorithm>
@@ -27,19 +27,38 @@ QByteArray formatOf(const QString &path)
     return suffix.toLatin1();
 }
 
-bool saveImage(const QImage &image, const QString &target, QString *error)
+/// Returns what went wrong. \a reader is the one that \a image was read with.
+QString saveImage(const QImage &image, PictureReader *reader, const QString &target,
+                  const QDateTime &made = {})
 {
-    const bool saved = mayReplace(target) && writeWholeFile(target, [&](const QString &temporary) {
-                           QImageWriter writer(temporary, formatOf(target));
-                           writer.setQuality(bestQuality);
-                           if (writer.write(image))
-                               return true;
-                           *error = writer.errorString();
-                           return false;
-                       });
-    if (!saved && error->isEmpty())
-        *error = QStringLiteral("无法写入 %1").arg(target);
-    return saved;
+    if (!mayReplace(target))
+        return QStringLiteral("无法写入 %1").arg(target);
+    return writePicture(image, target, {formatOf(target), bestQuality, made, reader->cameraData()});
+}
+
+/// False when the picture has to be copied as it is; \a isIncomplete tells then whether it ends
+/// early.
+bool turnOnto(PictureReader *reader, const QString &source, const QString &target,
+              bool *isIncomplete)
+{
+    QElapsedTimer timer;
+    timer.start();
+    qDebug().noquote() << QStringLiteral("检测到图片需要转正，文件: %1").arg(source);
+    const QImage upright = reader->readUpright();
+    if (upright.isNull()) {
+        *isIncomplete = reader->problem() == PictureReader::Problem::Incomplete;
+        qDebug().noquote() << QStringLiteral("转正时无法读取图片，直接拷贝:") << source;
+        return false;
+    }
+    const QString error = saveImage(upright, reader, target, QFileInfo(source).lastModified());
+    if (!error.isEmpty()) {
+        qDebug().noquote()
+            << QStringLiteral("图片转正保存失败: %1, 错误: %2，尝试直接拷贝").arg(target, error);
+        return false;
+    }
+    qDebug().noquote() << QStringLiteral("图片转正拷贝成功: %1 (耗时: %2ms)")
+                              .arg(target, QString::number(timer.elapsed()));
+    return true;
 }
 
 } // namespace
@@ -66,45 +85,28 @@ bool copyOnto(const QString &source, const QString &target)
     return mayReplace(target) && copyFile(source, target) == CopyOutcome::Copied;
 }
 
-bool copyUprightOnto(const QString &source, const QString &target)
+CopyEnding copyUprightOnto(const QString &source, const QString &target)
 {
-    QElapsedTimer timer;
-    timer.start();
+    bool isIncomplete = false;
     {
-        QImageReader reader(source);
-        reader.setDecideFormatFromContent(true);
-        if (!reader.canRead()) {
+        PictureReader reader(source, picturebounds::imported);
+        if (!reader.canRead())
             qDebug().noquote() << QStringLiteral("无法读取图片EXIF信息，直接拷贝:") << source;
-        } else if (reader.transformation() == QImageIOHandler::TransformationNone) {
+        else if (reader.transformation() == QImageIOHandler::TransformationNone)
             qDebug().noquote() << QStringLiteral("图片方向正常，直接拷贝:") << source;
-        } else {
-            qDebug().noquote() << QStringLiteral("检测到图片需要转正，文件: %1").arg(source);
-            reader.setAutoTransform(true);
-            const QImage upright = reader.read();
-            QString error;
-            if (upright.isNull()) {
-                qDebug().noquote() << QStringLiteral("转正时无法读取图片，直接拷贝:") << source;
-            } else if (saveImage(upright, target, &error)) {
-                qDebug().noquote() << QStringLiteral("图片转正拷贝成功: %1 (耗时: %2ms)")
-                                          .arg(target, QString::number(timer.elapsed()));
-                return true;
-            } else {
-                qDebug().noquote() << QStringLiteral("图片转正保存失败: %1, 错误: %2，尝试直接拷贝")
-                                          .arg(target, error);
-            }
-        }
+        else if (turnOnto(&reader, source, target, &isIncomplete))
+            return CopyEnding::Copied;
     }
-    return copyOnto(source, target);
+    if (!copyOnto(source, target))
+        return CopyEnding::Failed;
+    return isIncomplete ? CopyEnding::CopiedIncomplete : CopyEnding::Copied;
 }
 
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target)
 {
-    QBuffer buffer;
-    buffer.setData(bytes);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
+    PictureReader reader(bytes);
     const QByteArray format = reader.format();
-    const QImage image = reader.read();
+    const QImage image = reader.readUpright();
     if (image.isNull()) {
         qDebug().noquote() << QStringLiteral("Failed to read image:") << target;
         return StoreOutcome::NoImage;
@@ -112,8 +114,8 @@ StoreOutcome storeImage(const QByteArray &bytes, const QString &target)
     const QByteArray wanted = formatOf(target);
     // There are formats that can be read but not written; such an image stays what it is.
     const bool asItIs = format == wanted && !QImageWriter::supportedImageFormats().contains(wanted);
-    QString error;
-    if (asItIs ? writeBytes(target, bytes) : saveImage(image, target, &error)) {
+    const QString error = asItIs ? QString() : saveImage(image, &reader, target);
+    if (asItIs ? writeBytes(target, bytes) : error.isEmpty()) {
         qDebug().noquote() << QStringLiteral("保存的照片路径：") << target;
         return StoreOutcome::Stored;
     }

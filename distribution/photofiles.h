@@ -16,12 +16,19 @@ bool ensureFolder(const QString &folder);
 
 /// Copies \a source onto \a target unless what stands there may not be replaced.
 bool copyOnto(const QString &source, const QString &target);
+
+enum class CopyEnding {
+    Copied,
+    CopiedIncomplete, ///< byte for byte, as the picture ends early and could not be turned
+    Failed,
+};
 /// The same, upright: a picture whose orientation tag says that it is to be turned is turned,
 /// anything else is copied byte for byte, and so is what cannot be turned.
-bool copyUprightOnto(const QString &source, const QString &target);
+CopyEnding copyUprightOnto(const QString &source, const QString &target);
 
 enum class StoreOutcome { Stored, NoImage, NotSaved };
-/// Stores the image that \a bytes hold in the format that the suffix of \a target names.
+/// Stores the image that \a bytes hold, all of it and upright, in the format that the suffix of
+/// \a target names.
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target);
 
 } // namespace photofiles

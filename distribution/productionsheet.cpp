@@ -5,10 +5,10 @@
 #include "distribution/sheetpages.h"
 #include "files/filewriting.h"
 #include "files/paths.h"
+#include "pictures/picturereader.h"
 
 #include <QFile>
 #include <QHash>
-#include <QImageReader>
 #include <QPainter>
 #include <QPrinter>
 #include <QTextDocument>
@@ -41,13 +41,12 @@ protected:
 private:
     static QImage load(const QUrl &name)
     {
-        QImageReader reader(name.toLocalFile());
-        reader.setDecideFormatFromContent(true);
-        reader.setAutoTransform(true);
+        PictureReader reader(name.toLocalFile(), picturebounds::shown);
         const QSize size = reader.size();
         if (std::max(size.width(), size.height()) > largestPicture)
-            reader.setScaledSize(size.scaled(largestPicture, largestPicture, Qt::KeepAspectRatio));
-        const QImage picture = reader.read();
+            reader.setScaledSize(size.scaled(largestPicture, largestPicture, Qt::KeepAspectRatio)
+                                     .expandedTo({1, 1}));
+        const QImage picture = inScreenColours(reader.readUpright());
         return name.fragment() == squareMark && !picture.isNull() ? inSquare(picture) : picture;
     }
 
@@ -67,12 +66,7 @@ private:
 /// As it will be shown, turned upright.
 QSize sizeOfPicture(const QString &path)
 {
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    const QSize size = reader.size();
-    return reader.transformation().testFlag(QImageIOHandler::TransformationRotate90)
-               ? size.transposed()
-               : size;
+    return PictureReader(path, picturebounds::shown).uprightSize();
 }
 
 /// Printing does not say whether it could write everything; the end of the file does.

@@ -1,7 +1,8 @@
 #include "fileimport/thumbnaildecoding.h"
 
+#include "pictures/picturereader.h"
+
 #include <QBuffer>
-#include <QImageReader>
 
 namespace {
 
@@ -15,33 +16,20 @@ QSize fitted(const QSize &size, const QSize &bounds)
 
 QImage decodeThumbnail(const QByteArray &body, const QSize &size)
 {
-    QBuffer buffer;
-    buffer.setData(body);
-    QImageReader reader(&buffer);
-    // Other readers that are installed, such as for drawings, may fetch or compute what they like.
-    static const QByteArrayList photoFormats = {"jpeg", "png", "webp", "bmp", "gif"};
-    const QByteArray format = reader.format();
-    if (!photoFormats.contains(format))
-        return {};
+    PictureReader reader(body);
     const QSize stored = reader.size();
-    const bool isJpeg = format == "jpeg";
-    if (!stored.isValid() || stored.isEmpty() ||
-        qint64(stored.width()) * stored.height() >
-            (isJpeg ? largestJpegPixels : largestOtherPixels))
-        return {};
-    reader.setAutoTransform(true);
-    const bool lies = reader.transformation() & QImageIOHandler::TransformationRotate90;
-    if (isJpeg) {
+    if (reader.format() == "jpeg" && !stored.isEmpty()) {
         // Twice as large as wanted, so that there is something to smooth.
+        const bool lies = reader.uprightSize() != stored;
         const QSize rough = fitted(stored, 2 * (lies ? size.transposed() : size));
         if (rough.width() < stored.width())
             reader.setScaledSize(rough);
     }
-    const QImage picture = reader.read();
+    const QImage picture = reader.readUpright();
     if (picture.isNull())
         return {};
-    return picture.scaled(fitted(picture.size(), size), Qt::IgnoreAspectRatio,
-                          Qt::SmoothTransformation);
+    return inScreenColours(picture.scaled(fitted(picture.size(), size), Qt::IgnoreAspectRatio,
+                                          Qt::SmoothTransformation));
 }
 
 QByteArray packThumbnail(const QImage &thumbnail)

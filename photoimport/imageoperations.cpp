@@ -4,13 +4,15 @@
 #include "files/filecopy.h"
 #include "files/filewriting.h"
 #include "photoimport/decodedsources.h"
-#include "pictures/pictureio.h"
+#include "pictures/picturereader.h"
+#include "pictures/picturewriter.h"
+#include "platform/fileaccess.h"
 
 #include <QColorSpace>
 #include <QDateTime>
+#include <QDebug>
 #include <QElapsedTimer>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QTransform>
 
 #include <algorithm>
@@ -18,9 +20,32 @@
 
 namespace imageoperations {
 
-using namespace pictureio;
+using picturebounds::pixelsOf;
 
 namespace {
+
+void log(const QString &line)
+{
+    qDebug().noquote() << line;
+}
+
+void log(const QString &line, const QString &path)
+{
+    qDebug().noquote() << line << path;
+}
+
+int longSideOf(const QSize &size)
+{
+    return std::max(size.width(), size.height());
+}
+
+/// \a size with its long side brought to \a side; the other side rounded down.
+QSize withLongSide(const QSize &size, int side)
+{
+    if (size.height() >= size.width())
+        return {int(qint64(side) * size.width() / size.height()), side};
+    return {side, int(qint64(side) * size.height() / size.width())};
+}
 
 constexpr qint64 bytesPerMB = 1048576;
 constexpr double pixelsPerMP = 1000000.0;
@@ -66,31 +91,25 @@ QImage turned(const QImage &image, int degrees)
     return result;
 }
 
-/// Reads as the reader does with its automatic transformation, except that a quarter turn keeps the
-/// colour profile: a portrait in a wide colour space would look pale without it.
-QImage readTurned(QImageReader &reader, const QSize &size)
+QImage scaled(const QImage &image, const QSize &size, Qt::AspectRatioMode mode)
 {
-    const QImageIOHandler::Transformations transformation = reader.transformation();
-    QImage image = readWithin(reader, size)
-                       .mirrored(transformation & QImageIOHandler::TransformationMirror,
-                                 transformation & QImageIOHandler::TransformationFlip);
-    if (transformation & QImageIOHandler::TransformationRotate90)
-        image = turned(image, 90);
-    return image;
+    QImage result = image.scaled(size, mode, Qt::SmoothTransformation);
+    if (image.format() == QImage::Format_Grayscale8)
+        result = result.convertToFormat(image.format()); // which scaling loses
+    return result;
 }
 
 /// Reads a large original reduced, upright, and scales it back; null when it cannot be read.
-QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &source)
+QImage readLargeUpright(PictureReader &reader, const QSize &size, const QString &source)
 {
     log(QStringLiteral("超大图片旋转拷贝处理 (%1x%2, %3MP)")
             .arg(size.width())
             .arg(size.height())
             .arg(double(pixelsOf(size)) / pixelsPerMP, 0, 'f', 1));
-    const bool quarterTurn = reader.transformation() & QImageIOHandler::TransformationRotate90;
-    const QSize upright = quarterTurn ? size.transposed() : size;
+    const QSize upright = reader.uprightSize();
     reader.setScaledSize(longSideOf(size) > reducedReadSide ? withLongSide(size, reducedReadSide)
                                                             : size);
-    QImage image = readTurned(reader, size);
+    QImage image = reader.readUpright();
     if (!image.isNull() && image.width() != upright.width()) {
         const QSize target = uprightSize(upright);
         log(QStringLiteral("缩放回目标尺寸: %1x%2 -> %3x%4")
@@ -100,7 +119,7 @@ QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &
                 .arg(target.height()));
         // The size has the proportions of the original, which the rounded one just read only nearly
         // has: fitting that in would cost a line of pixels.
-        image = image.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        image = scaled(image, target, Qt::IgnoreAspectRatio);
     }
     if (image.isNull())
         log(QStringLiteral("超大图片渐进式旋转拷贝读取失败，回退到直接拷贝:"), source);
@@ -110,7 +129,7 @@ QImage readLargeUpright(QImageReader &reader, const QSize &size, const QString &
 /// The picture of \a source standing upright; null, with the reason logged, when it cannot be had.
 QImage readUpright(const QString &source, qint64 bytes)
 {
-    QImageReader reader(source);
+    PictureReader reader(source, picturebounds::imported);
     if (!reader.canRead()) {
         log(QStringLiteral("无法读取图片进行旋转拷贝:"), source);
         return {};
@@ -126,7 +145,7 @@ QImage readUpright(const QString &source, qint64 bytes)
     if (pixelsOf(size) > largeImagePixels || bytes > largeImageBytes) {
         image = readLargeUpright(reader, size, source);
     } else {
-        image = readTurned(reader, size);
+        image = reader.readUpright();
         if (image.isNull())
             log(QStringLiteral("旋转拷贝时无法读取图片，回退到直接拷贝:"), source);
     }
@@ -144,8 +163,12 @@ bool writeUpright(const QString &source, const QString &target, qint64 bytes)
         return false;
     const QString suffix = suffixOf(source);
     const bool isJpeg = suffix == QLatin1String("jpg") || suffix == QLatin1String("jpeg");
-    const QString error = savePicture(image, target, suffix, isJpeg ? originalQuality : -1,
-                                      QFileInfo(source).lastModified());
+    PictureWriting writing;
+    writing.format = suffix.toLatin1();
+    writing.quality = isJpeg ? originalQuality : -1;
+    writing.made = QFileInfo(source).lastModified();
+    writing.cameraData = PictureReader(source, picturebounds::imported).cameraData();
+    const QString error = writePicture(image, target, writing);
     if (!error.isEmpty()) {
         log(QStringLiteral("图片旋转拷贝保存失败: %1, 错误: %2，回退到直接拷贝")
                 .arg(target, error));
@@ -162,20 +185,20 @@ QImage mirroredAcross(const QImage &image)
 }
 
 /// Reads a source that is too large to be read whole.
-QImage readReduced(const QString &source, const QSize &size, const QSize &intermediate)
+QImage readReduced(const QString &source, const QSize &intermediate)
 {
-    QImageReader reader(source);
+    PictureReader reader(source, picturebounds::imported);
     reader.setScaledSize(intermediate);
-    QImage image = readWithin(reader, size);
+    QImage image = reader.read();
     if (!image.isNull())
         return image;
     log(QStringLiteral("超大图片渐进式读取失败:"), source);
-    QImageReader conservative(source);
+    PictureReader conservative(source, picturebounds::imported);
     const QSize cap(conservativeReadSide, conservativeReadSide);
     conservative.setScaledSize(longSideOf(intermediate) > conservativeReadSide
                                    ? intermediate.scaled(cap, Qt::KeepAspectRatio)
                                    : intermediate);
-    return readWithin(conservative, size);
+    return conservative.read();
 }
 
 QImage readShared(DecodedSources *shared, const QString &source, const QSize &readSize,
@@ -197,9 +220,8 @@ QImage readForVariant(const QString &source, const QSize &size, int longSide,
                       DecodedSources *shared)
 {
     if (pixelsOf(size) <= largeImagePixels && longSideOf(size) <= variantFullReadSide) {
-        QImage image = readShared(shared, source, size, [&source, &size] {
-            QImageReader reader(source);
-            return readWithin(reader, size);
+        QImage image = readShared(shared, source, size, [&source] {
+            return PictureReader(source, picturebounds::imported).read();
         });
         if (image.isNull())
             log(QStringLiteral("图片读取失败:"), source);
@@ -209,8 +231,8 @@ QImage readForVariant(const QString &source, const QSize &size, int longSide,
             .arg(size.width())
             .arg(size.height()));
     const QSize intermediate = calculateIntermediateSize(size, longSide);
-    QImage image = readShared(shared, source, intermediate, [&source, &size, &intermediate] {
-        return readReduced(source, size, intermediate);
+    QImage image = readShared(shared, source, intermediate, [&source, &intermediate] {
+        return readReduced(source, intermediate);
     });
     if (image.isNull()) {
         log(QStringLiteral("保守模式读取仍然失败:"), source);
@@ -230,10 +252,10 @@ QImage scaledToLongSide(const QImage &image, int longSide, const QString &source
         log(QStringLiteral("当前尺寸已接近目标尺寸，跳过缩放"));
         return image;
     }
-    QImage scaled = image.scaled(wanted, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    if (scaled.isNull())
+    QImage result = scaled(image, wanted, Qt::KeepAspectRatio);
+    if (result.isNull())
         log(QStringLiteral("最终缩放失败:"), source);
-    return scaled;
+    return result;
 }
 
 /// Turns a finished variant by the folded orientation of its source; null when that fails.
@@ -263,10 +285,14 @@ bool saveVariant(const QImage &image, const QString &source, const QString &targ
     static const QStringList withQuality = {QStringLiteral("jpg"), QStringLiteral("jpeg"),
                                             QStringLiteral("webp")};
     const QString suffix = suffixOf(source);
-    const QString error =
-        mayReplace(target)
-            ? savePicture(image, target, suffix, withQuality.contains(suffix) ? variantQuality : -1)
-            : QStringLiteral("无法删除旧文件");
+    PictureWriting writing;
+    writing.format = suffix.toLatin1();
+    writing.quality = withQuality.contains(suffix) ? variantQuality : -1;
+    // Not where and with what it was taken: variants are for looking at, also by others.
+    writing.cameraData.profile =
+        PictureReader(source, picturebounds::imported).cameraData().profile;
+    const QString error = mayReplace(target) ? writePicture(image, target, writing)
+                                             : QStringLiteral("无法删除旧文件");
     if (!error.isEmpty()) {
         log(QStringLiteral("图片保存失败:"), error);
         return false;
@@ -280,7 +306,7 @@ bool saveVariant(const QImage &image, const QString &source, const QString &targ
 
 int readExifOrientation(const QString &path)
 {
-    const QImageReader reader(path);
+    const PictureReader reader(path, picturebounds::imported);
     if (!reader.canRead()) {
         log(QStringLiteral("无法读取图片EXIF信息:"), path);
         return 1;
@@ -409,7 +435,7 @@ bool copyOriginal(const QString &source, const QString &target)
         log(QStringLiteral("源文件不存在:"), source);
         return false;
     }
-    if (file.canonicalFilePath() == QFileInfo(target).canonicalFilePath()) {
+    if (platform::isSameFile(source, target)) {
         // Chosen from the order's own folder: turning it would overwrite the only original.
         qCInfo(lcTessavo).noquote() << "is in its place already:" << source;
         return true;
@@ -438,7 +464,7 @@ bool copyOriginal(const QString &source, const QString &target)
 bool compressImage(const QString &source, const QString &target, int longSide,
                    DecodedSources *shared)
 {
-    const QImageReader reader(source);
+    const PictureReader reader(source, picturebounds::imported);
     if (!reader.canRead()) {
         log(QStringLiteral("无法读取图片:"), source);
         return false;
@@ -451,6 +477,11 @@ bool compressImage(const QString &source, const QString &target, int longSide,
     log(QStringLiteral("原图尺寸: %1x%2").arg(size.width()).arg(size.height()));
     if (longSide < 1 || longSide > variantSideLimit) {
         log(QStringLiteral("最终缩放失败:"), source);
+        return false;
+    }
+    if (platform::isSameFile(source, target)) {
+        // Chosen from among the order's own variants: it may be all that there is of the photo.
+        log(QStringLiteral("图片保存失败:"), QStringLiteral("目标就是源文件"));
         return false;
     }
     QImage image = readForVariant(source, size, longSide, shared);

@@ -1,19 +1,9 @@
 #include "photoimport/tfthumbnailthread.h"
 
 #include "app/context/logging.h"
-
-#include <QImageReader>
+#include "pictures/picturereader.h"
 
 #include <algorithm>
-
-namespace {
-
-/// Pixels of the largest pictures shown. JPEGs are reduced while they are decoded; the decoder
-/// holds the others whole.
-constexpr qint64 mostJpegPixels = 120000000;
-constexpr qint64 mostOtherPixels = 60000000;
-
-} // namespace
 
 tfthumbnailthread::tfthumbnailthread(QObject *parent) : QThread(parent)
 {
@@ -71,17 +61,11 @@ void tfthumbnailthread::run()
 
 QImage tfthumbnailthread::thumbnailOf(const QString &path, int side)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
+    PictureReader reader(path, picturebounds::shown);
+    reader.acceptIncomplete();
     const QSize size = reader.size();
-    if (size.isEmpty())
-        return {};
-    const bool reduces = reader.format() == "jpeg" || reader.format() == "jpg";
-    const qint64 pixels = qint64(size.width()) * size.height();
-    if (pixels > (reduces ? mostJpegPixels : mostOtherPixels))
-        return {};
     // A square holds a picture whichever way it is turned afterwards.
     if (std::max(size.width(), size.height()) > side)
         reader.setScaledSize(size.scaled(side, side, Qt::KeepAspectRatio).expandedTo({1, 1}));
-    return reader.read();
+    return inScreenColours(reader.readUpright());
 }

@@ -24,6 +24,10 @@ bool mayBeWritten(const QString &path);
 /// disk.
 bool mayBeRemoved(const QString &path);
 
+/// Whether two paths lead to one existing file, links followed, whatever its names. Touches the
+/// disk.
+bool isSameFile(const QString &one, const QString &other);
+
 /// Whether another program holds the file at \a path: on Windows has it open, so that it can be
 /// neither written nor removed; elsewhere has locked it or is running it. False for what does not
 /// exist or cannot be opened for other reasons. Touches the disk.

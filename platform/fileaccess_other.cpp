@@ -57,6 +57,19 @@ bool mayBeRemoved(const QString &path)
     return S_ISLNK(info.st_mode) || (info.st_mode & anyWriteBit) != 0;
 }
 
+bool isSameFile(const QString &one, const QString &other)
+{
+    struct stat first
+    {
+    };
+    struct stat second
+    {
+    };
+    return stat(QFile::encodeName(one).constData(), &first) == 0 &&
+           stat(QFile::encodeName(other).constData(), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
 bool isInUse(const QString &path)
 {
     const int file = open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);

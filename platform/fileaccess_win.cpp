@@ -1,9 +1,31 @@
 #include "platform/fileaccess.h"
 #include "platform/longpath_win.h"
 
+#include <QFileInfo>
+
+#include <optional>
 #include <windows.h>
 
 namespace platform {
+
+namespace {
+
+/// What tells the file from every other; nothing when there is no such file, or it is not told.
+std::optional<BY_HANDLE_FILE_INFORMATION> identityOf(const QString &path)
+{
+    const HANDLE file = CreateFileW(longPath(path).c_str(), 0,
+                                    FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return {};
+    BY_HANDLE_FILE_INFORMATION info{};
+    const bool told = GetFileInformationByHandle(file, &info) != 0 &&
+                      (info.nFileIndexHigh != 0 || info.nFileIndexLow != 0);
+    CloseHandle(file);
+    return told ? std::make_optional(info) : std::nullopt;
+}
+
+} // namespace
 
 Presence presenceOf(const QString &path)
 {
@@ -33,6 +55,20 @@ bool mayBeRemoved(const QString &path)
 {
     // Windows judges both by the same mark.
     return mayBeWritten(path);
+}
+
+bool isSameFile(const QString &one, const QString &other)
+{
+    const auto first = identityOf(one);
+    const auto second = identityOf(other);
+    if (first && second)
+        return first->dwVolumeSerialNumber == second->dwVolumeSerialNumber &&
+               first->nFileIndexHigh == second->nFileIndexHigh &&
+               first->nFileIndexLow == second->nFileIndexLow;
+    // Some shares number nothing; the names are left then.
+    const QString path = QFileInfo(one).canonicalFilePath();
+    return !path.isEmpty() &&
+           path.compare(QFileInfo(other).canonicalFilePath(), Qt::CaseInsensitive) == 0;
 }
 
 bool isInUse(const QString &path)

@@ -1,7 +1,6 @@
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/tfthumbnailthread.h"
-#include "pictures/jpegend.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"
@@ -277,23 +276,6 @@ private slots:
         // What there is of a photo cut short can be shown.
         QCOMPARE(tfthumbnailthread::thumbnailOf(source, 90).isNull(),
                  qstrcmp(QTest::currentDataTag(), "cut short") != 0);
-    }
-
-    void theEndOfAJpeg()
-    {
-        const QByteArray whole = jpegOf(cornerPicture({96, 64}), 6);
-        const auto reachesEnd = [this](const QByteArray &bytes) {
-            return jpegReachesItsEnd(write("a.jpg"_s, bytes));
-        };
-        QVERIFY(reachesEnd(whole));
-        QVERIFY(reachesEnd(whole + "what the camera added"));
-        QVERIFY(!reachesEnd(whole.left(whole.size() - 1)));
-        // The end of a preview inside a segment is not that of the picture.
-        const QByteArray segment("\xff\xe1\x00\x06\xff\xd8\xff\xd9", 8);
-        QVERIFY(reachesEnd(QByteArray(whole).insert(2, segment)));
-        QVERIFY(!reachesEnd(QByteArray(whole).insert(2, segment).left(whole.size())));
-        QVERIFY(!reachesEnd(QByteArray()));
-        QVERIFY(!jpegReachesItsEnd(path("missing.jpg"_s)));
     }
 
     void targetsThatMayNotBeReplaced()

@@ -1,0 +1,65 @@
+#include "pictures/picturewriter.h"
+
+#include "files/filewriting.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QFile>
+#include <QImageWriter>
+
+namespace {
+
+bool isJpeg(const QByteArray &format)
+{
+    return format == "jpg" || format == "jpeg";
+}
+
+QByteArray fittingProfile(const QByteArray &profile, bool isGray)
+{
+    return (isGray ? isGrayProfile(profile) : isRgbProfile(profile)) ? profile : QByteArray();
+}
+
+/// Returns what went wrong.
+QString encode(QImage image, const PictureWriting &how, QByteArray *bytes)
+{
+    CameraData added;
+    if (isJpeg(how.format)) {
+        const bool isGray = image.format() == QImage::Format_Grayscale8;
+        added.exif = exifOfUpright(how.cameraData.exif, image.size());
+        added.profile = fittingProfile(how.cameraData.profile, isGray);
+        // The one that was read is more than its approximation, and a grey picture takes no other.
+        if (isGray || !added.profile.isEmpty())
+            image.setColorSpace({});
+    }
+    QBuffer buffer(bytes);
+    QImageWriter writer(&buffer, how.format);
+    if (how.quality >= 0)
+        writer.setQuality(how.quality);
+    if (!writer.write(image))
+        return writer.errorString();
+    *bytes = withCameraData(std::move(*bytes), added);
+    return {};
+}
+
+} // namespace
+
+QString writePicture(const QImage &image, const QString &target, const PictureWriting &how)
+{
+    // Encoded in memory, so that a full disk cannot pass unnoticed inside the encoder.
+    QByteArray bytes;
+    QString error = encode(image, how, &bytes);
+    if (!error.isEmpty())
+        return error;
+    error = QStringLiteral("无法写入目标文件夹");
+    const bool written = writeWholeFile(target, [&](const QString &temporary) {
+        QFile file(temporary);
+        const bool whole =
+            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+        if (!whole)
+            error = file.errorString();
+        else if (how.made.isValid())
+            file.setFileTime(how.made, QFileDevice::FileModificationTime);
+        return whole;
+    });
+    return written ? QString() : error;
+}
