@@ -329,7 +329,7 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
         return;
     }
     const QVector<BatchDeleteFileInfo> before = orders_.order(row).files();
-    inBackground(
+    onProcessor(
         this, [before, files] { return deletionrules::merged(before, files); },
         [this, id = order.id, before](const QVector<BatchDeleteFileInfo> &all) {
             const int shown = orders_.rowOf(id);

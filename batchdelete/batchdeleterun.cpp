@@ -154,8 +154,8 @@ void BatchDeleteRun::startNextOrder()
     emit orderStarted(order().id);
     listFiles(order().unreportedFiles());
     // Time has passed since the plan was made.
-    inBackground(
-        this,
+    onDisk(
+        this, order().netPath,
         [path = order().netPath, publicRoots = publicRoots_] {
             return deletionrules::linkRefusal(path, publicRoots);
         },
@@ -199,7 +199,7 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
 void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
 {
     phase_ = Phase::Announcing;
-    inBackground(
+    onProcessor(
         this,
         [identity = identity_, id = order().orderPhotoId, files] {
             return deletionrequests::announceBody(identity, id, files);
@@ -278,8 +278,9 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
     }
     // One file that is gone is deleted. Where the whole folder is gone, so may be the disk under
     // it, with every file still on it.
-    inBackground(
-        this, [path = order().netPath] { return QDir(platform::toLocalPath(path)).exists(); },
+    onDisk(
+        this, order().netPath,
+        [path = order().netPath] { return QDir(platform::toLocalPath(path)).exists(); },
         [this, file, unreachable, step = ++step_](bool reachable) {
             if (step != step_)
                 return;

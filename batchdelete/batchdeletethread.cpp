@@ -3,12 +3,11 @@
 #include "platform/drives.h"
 #include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
+#include "tasks/task.h"
 
-#include <QDebug>
 #include <QFileInfo>
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 namespace {
@@ -54,15 +53,8 @@ BatchdeleteThread::BatchdeleteThread(QString orderPhotoId, BatchDeleteFileInfo f
 
 void BatchdeleteThread::run()
 {
-    try {
-        removeOrDiagnose();
-    } catch (const std::exception &error) {
-        qDebug() << QStringLiteral("处理异常: %1").arg(QString::fromLocal8Bit(error.what()));
+    if (!problemOf([this] { removeOrDiagnose(); }).isEmpty())
         setResult(BatchDeleteFileInfo::UnknownFailure, unknownFailureText());
-    } catch (...) {
-        qDebug() << "未知异常";
-        setResult(BatchDeleteFileInfo::UnknownFailure, unknownFailureText());
-    }
     if (!stopped_)
         emit fileProcessed(orderPhotoId_, file_);
 }

@@ -31,8 +31,11 @@ void DeletionApproval::cancel()
 void DeletionApproval::ask(const QStringList &publicRoots)
 {
     overlay_->showText(QStringLiteral("正在检查订单目录..."));
-    inBackground(
-        this,
+    QStringList paths = publicRoots;
+    for (const BatchDeleteOrderInfo &order : orders_->orders())
+        paths.append(order.netPath);
+    onDisk(
+        this, paths,
         [orders = orders_->orders(), publicRoots] {
             return deletionrules::plan(orders, publicRoots);
         },

@@ -1,5 +1,6 @@
 #include "batchdelete/deletionrules.h"
 
+#include "files/pathgate.h"
 #include "platform/folderlisting.h"
 #include "platform/pathform.h"
 
@@ -193,15 +194,17 @@ QString refusalAsCommon(const FolderKey &key, const Place &place, const QVector<
     return {};
 }
 
-QString refusalAsFolder(const QString &netPath, const FolderKey &key, const QString &asCommon)
+QString refusalAsFolder(const QString &netPath, const QString &asCommon)
 {
     if (netPath.trimmed().isEmpty())
         return QStringLiteral("订单没有导片路径");
     if (!asCommon.isEmpty())
         return asCommon;
-    return key.text.isEmpty() || !platform::componentsBelowRoot(netPath)
-               ? QStringLiteral("导片路径不完整")
-               : QString();
+    const pathgate::Flaw flaw = pathgate::flawOf(netPath);
+    return flaw == pathgate::Flaw::None
+               ? QString()
+               : QStringLiteral("导片路径无法使用: %1，请在后台修改该订单的本地云导片路径")
+                     .arg(pathgate::reasonOf(flaw));
 }
 
 QString listed(const QVector<BatchDeleteOrderInfo> &orders)
@@ -255,8 +258,7 @@ QString folderRefusal(const QString &netPath, const QStringList &publicRoots)
     const IdentityOf unknown = [](const QString &) { return QByteArray(); };
     const FolderKey key = folderKey(netPath);
     const Place place(netPath, key, unknown);
-    return refusalAsFolder(netPath, key,
-                           refusalAsCommon(key, place, placesOf(publicRoots, unknown)));
+    return refusalAsFolder(netPath, refusalAsCommon(key, place, placesOf(publicRoots, unknown)));
 }
 
 QStringList refusals(const QVector<BatchDeleteOrderInfo> &listed, const QStringList &publicRoots,
@@ -272,7 +274,7 @@ QStringList refusals(const QVector<BatchDeleteOrderInfo> &listed, const QStringL
         const FolderKey key = folderKey(order.netPath);
         const Place place(order.netPath, key, identityOf);
         const QString asCommon = refusalAsCommon(key, place, roots);
-        QString reason = refusalAsFolder(order.netPath, key, asCommon);
+        QString reason = refusalAsFolder(order.netPath, asCommon);
         if (reason.isEmpty() && order.orderPhotoId.isEmpty())
             reason = QStringLiteral("订单没有照片编号");
         places.append(place);

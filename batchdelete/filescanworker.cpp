@@ -2,11 +2,11 @@
 
 #include "platform/folderlisting.h"
 #include "platform/pathform.h"
+#include "tasks/task.h"
 
 #include <QDir>
 #include <QStringList>
 
-#include <exception>
 #include <utility>
 
 namespace {
@@ -46,13 +46,9 @@ void FileScanWorker::prepare()
 void FileScanWorker::scan(const QString &path)
 {
     FileScanResult found;
-    try {
-        found = result(path);
-    } catch (const std::exception &error) {
-        found = failed(QStringLiteral("处理异常: %1").arg(QString::fromLocal8Bit(error.what())));
-    } catch (...) {
-        found = failed(QStringLiteral("未知异常"));
-    }
+    const QString problem = problemOf([&] { found = result(path); });
+    if (!problem.isEmpty())
+        found = failed(problem);
     files_.clear();
     emit finished(found);
 }

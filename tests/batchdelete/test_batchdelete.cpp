@@ -377,6 +377,7 @@ private slots:
     {
         fill(first, 2);
         demo_.changeOrder("50003"_s, {{"netpath"_s, "\\\\no\\such\\x"_s}});
+        demo_.changeOrder("50004"_s, {{"netpath"_s, wireForm(QDir::rootPath())}});
         open();
         select(second);
         QTRY_VERIFY(window_->findChild<BatchDelete_FileListWidget *>()
@@ -384,6 +385,13 @@ private slots:
                         ->emptyText()
                         .startsWith("共享目录连接失败: "_s));
         QTest::keyClick(orders(), Qt::Key_Home, Qt::ControlModifier);
+        QTRY_COMPARE(files()->model()->rowCount(), 2);
+        select(third); // a whole disk is not even looked at
+        QCOMPARE(window_->findChild<BatchDelete_FileListWidget *>()
+                     ->findChild<EmptyStateTable *>()
+                     ->emptyText(),
+                 "导片路径是磁盘或共享的根目录"_s);
+        select(first);
         QTRY_COMPARE(files()->model()->rowCount(), 2);
         auto *list = window_->findChild<BatchDelete_FileListWidget *>();
         click("refreshButton");

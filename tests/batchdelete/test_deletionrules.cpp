@@ -104,11 +104,14 @@ private slots:
         row("beginning alike", "\\share\\root\\a", "\\share\\root\\ab", "");
         row("outside of the root", "\\else\\a", "", "");
         row("no folder", "  ", "", "订单没有导片路径");
-        row("relative", "root\\a", "", "导片路径不完整");
+        const QString flawed = "导片路径无法使用: %1，请在后台修改该订单的本地云导片路径"_s;
+        newRow("relative", "root\\a", "", flawed.arg("不是完整的路径"_s));
+        newRow("leading up", onDisk("\\share\\root\\b\\..\\a"), "",
+               flawed.arg("路径中含有上级目录"_s));
         row("drive", "\\", "", "导片路径是磁盘或共享的根目录");
         row("share", "\\\\nas\\photos\\", "", "导片路径是磁盘或共享的根目录");
 #ifdef Q_OS_WIN
-        newRow("no drive", "\\share\\root\\a", "", "导片路径不完整");
+        newRow("no drive", "\\share\\root\\a", "", flawed.arg("不是完整的路径"_s));
         row("below another's drive", "\\x", "D:\\", "");
 #endif
         row("public root", "\\Share\\.\\ROOT\\", "", "导片路径是公共导片目录");
