@@ -33,9 +33,7 @@ QString numbered(const QString &safe, int number)
     const int dot = safe.lastIndexOf(QLatin1Char('.'));
     const bool hasSuffix = dot > 0 && safe.size() - dot <= longestSuffix;
     const QString suffix = hasSuffix ? safe.mid(dot) : QString();
-    QString base = hasSuffix ? safe.left(dot) : safe;
-    while (base.size() > 1 && !platform::nameFits(base + mark + suffix))
-        base.chop(base.at(base.size() - 1).isLowSurrogate() ? 2 : 1);
+    const QString base = platform::fittingStart(hasSuffix ? safe.left(dot) : safe, mark + suffix);
     return safeFileName(base + mark + suffix);
 }
 

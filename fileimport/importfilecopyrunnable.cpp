@@ -91,17 +91,14 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
         return isCancelled() ? cancelled() : endFailed(QStringLiteral("文件拷贝后大小为0KB"));
     case CopyOutcome::SizeDiffers:
         return endFailed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
+    case CopyOutcome::SourceChanged:
+        return endFailed(QStringLiteral("文件在拷贝过程中发生变化"));
     }
 
-    // From here on the target holds the whole photo; taking it away again because of a late
-    // cancellation would lose the file that it may have replaced.
-    const QFileInfo copy(target);
-    if (!copy.exists())
+    // From here on the target holds the whole photo, and nothing takes it away again: not a late
+    // cancellation, and not a card that is pulled now.
+    if (!QFileInfo::exists(target))
         return endFailed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
-    if (copy.size() != QFileInfo(file_.sourcePath).size()) {
-        QFile::remove(target);
-        return endFailed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
-    }
     file_.state = ImportFile::Imported;
     file_.message = QStringLiteral("拷贝成功");
     qDebug().noquote() << QStringLiteral("文件拷贝成功: %1 -> %2").arg(file_.sourcePath, target);

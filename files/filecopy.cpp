@@ -8,8 +8,11 @@ CopyOutcome copyFile(const QString &source, const QString &target,
                      const platform::TransferControl &control)
 {
     const TemporaryFile temporary(QFileInfo(target).path());
-    switch (platform::transferFile(source, temporary.path(), control)) {
+    const platform::TransferResult transfer =
+        platform::transferFile(source, temporary.path(), control);
+    switch (transfer) {
     case platform::TransferResult::Done:
+    case platform::TransferResult::SourceChanged:
         break;
     case platform::TransferResult::Cancelled:
         return CopyOutcome::Cancelled;
@@ -24,6 +27,8 @@ CopyOutcome copyFile(const QString &source, const QString &target,
         return CopyOutcome::Empty;
     if (copy.size() != original.size())
         return CopyOutcome::SizeDiffers;
+    if (transfer == platform::TransferResult::SourceChanged)
+        return CopyOutcome::SourceChanged;
     if (control.cancelled && control.cancelled())
         return CopyOutcome::Cancelled;
     return platform::replaceFile(temporary.path(), target) ? CopyOutcome::Copied

@@ -15,6 +15,19 @@ bool isIllegal(QChar character)
            forbidden.contains(character);
 }
 
+/// Half a character has no name on a disk: it would become another one on the way there.
+void replaceHalfCharacters(QString *name)
+{
+    for (int at = 0; at < name->size(); ++at) {
+        const bool isPair = name->at(at).isHighSurrogate() && at + 1 < name->size() &&
+                            name->at(at + 1).isLowSurrogate();
+        if (isPair)
+            ++at;
+        else if (name->at(at).isSurrogate())
+            (*name)[at] = QLatin1Char('_');
+    }
+}
+
 /// What stands before the first dot: the part of a name that decides whether it is a device.
 QString stemOf(const QString &name)
 {
@@ -35,12 +48,7 @@ QString shortened(const QString &name)
     const int dot = name.lastIndexOf(QLatin1Char('.'));
     const bool hasSuffix = dot > 0 && name.size() - dot <= longestSuffix;
     const QString suffix = hasSuffix ? name.mid(dot) : QString();
-    QString base = hasSuffix ? name.left(dot) : name;
-    while (!base.isEmpty() && !platform::nameFits(base + suffix)) {
-        base.chop(1);
-        if (!base.isEmpty() && base.at(base.size() - 1).isHighSurrogate())
-            base.chop(1);
-    }
+    const QString base = platform::fittingStart(hasSuffix ? name.left(dot) : name, suffix);
     return withoutTrailingDotsAndBlanks(base) + suffix;
 }
 
@@ -66,6 +74,7 @@ QString safeFileName(const QString &name)
 {
     QString safe = name;
     std::replace_if(safe.begin(), safe.end(), isIllegal, QLatin1Char('_'));
+    replaceHalfCharacters(&safe);
     safe = withoutTrailingDotsAndBlanks(safe);
     if (!platform::nameFits(safe))
         safe = shortened(safe);

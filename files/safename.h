@@ -6,9 +6,10 @@
 /// (customers, products, file names of a card) and becomes a file or folder passes through here, so
 /// that a path built from it never leaves the folder it is meant for.
 ///
-/// Characters that Windows forbids and control characters become "_", trailing dots and blanks go,
-/// reserved device names get a "_" behind their base name, "", "." and ".." become "_", and what is
-/// too long for this machine is cut before its suffix. A harmless name comes out unchanged.
+/// Characters that Windows forbids, control characters and halves of characters become "_",
+/// trailing dots and blanks go, reserved device names get a "_" behind their base name, "", "." and
+/// ".." become "_", and what is too long for this machine is cut before its suffix. A harmless name
+/// comes out unchanged.
 QString safeFileName(const QString &name);
 
 /// Whether Windows opens a device under the name \a component, whatever suffix follows it.

@@ -70,6 +70,7 @@ bool copyBytes(const QString &source, const QString &target)
         error = QStringLiteral("文件大小为0");
         break;
     case CopyOutcome::SizeDiffers:
+    case CopyOutcome::SourceChanged:
         error = QStringLiteral("文件在拷贝过程中发生变化");
         break;
     case CopyOutcome::Failed:

@@ -14,12 +14,18 @@ struct TransferControl
     std::function<void(qint64 bytesCopied)> progress;
 };
 
-enum class TransferResult { Done, Cancelled, Failed };
+enum class TransferResult {
+    Done,
+    Cancelled,
+    Failed,
+    SourceChanged, ///< written to while it was read: what was copied may be a mix
+};
 
 /// Copies the bytes of \a source into \a target, which must not exist yet, by the system's fastest
 /// way, keeps the time of modification, drops a read-only mark and returns only when the bytes are
-/// on the medium. A target that was begun is left behind unless the result is Done: removing it is
-/// the caller's. Blocks; for worker threads.
+/// on the medium. The source's size and time of modification are looked at before and after while
+/// it is open; a change within one step of its clock shows in neither. A target that was begun is
+/// left behind unless the result is Done: removing it is the caller's. Blocks; for worker threads.
 TransferResult transferFile(const QString &source, const QString &target,
                             const TransferControl &control);
 

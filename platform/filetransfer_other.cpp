@@ -103,6 +103,16 @@ ssize_t copyStep(int from, int to, bool *byHand)
     return copyStepByHand(from, to);
 }
 
+bool isUnchanged(int file, const struct stat &before)
+{
+    struct stat now
+    {
+    };
+    return fstat(file, &now) == 0 && now.st_size == before.st_size &&
+           now.st_mtim.tv_sec == before.st_mtim.tv_sec &&
+           now.st_mtim.tv_nsec == before.st_mtim.tv_nsec;
+}
+
 bool cloned(int from, int to)
 {
 #ifdef Q_OS_LINUX
@@ -198,6 +208,8 @@ TransferResult transferFile(const QString &source, const QString &target,
         if (result != TransferResult::Done)
             return result;
     }
+    if (!isUnchanged(from, info))
+        return TransferResult::SourceChanged;
     const timespec times[2] = {info.st_atim, info.st_mtim};
     // A share that keeps no times is no reason to refuse the photo.
     if (futimens(to, times) != 0 && (errno == ENOSPC || errno == EIO || errno == EDQUOT))

@@ -37,6 +37,46 @@ DWORD CALLBACK onProgress(LARGE_INTEGER, LARGE_INTEGER transferred, LARGE_INTEGE
     return progress->cancelled() ? PROGRESS_CANCEL : PROGRESS_CONTINUE;
 }
 
+/// A source while it is copied, held open so that the system tells its state of now and not what
+/// its folder remembers.
+class Source
+{
+public:
+    explicit Source(const std::wstring &path)
+        : file_(CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                            FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr))
+        , isKnown_(look(&before_))
+    {
+    }
+    ~Source()
+    {
+        if (file_ != INVALID_HANDLE_VALUE)
+            CloseHandle(file_);
+    }
+    Q_DISABLE_COPY_MOVE(Source)
+
+    bool isKnown() const { return isKnown_; }
+
+    bool isUnchanged() const
+    {
+        BY_HANDLE_FILE_INFORMATION now{};
+        return look(&now) && now.nFileSizeHigh == before_.nFileSizeHigh &&
+               now.nFileSizeLow == before_.nFileSizeLow &&
+               CompareFileTime(&now.ftLastWriteTime, &before_.ftLastWriteTime) == 0;
+    }
+
+private:
+    bool look(BY_HANDLE_FILE_INFORMATION *info) const
+    {
+        return file_ != INVALID_HANDLE_VALUE && GetFileInformationByHandle(file_, info);
+    }
+
+    HANDLE file_;
+    BY_HANDLE_FILE_INFORMATION before_{};
+    bool isKnown_;
+};
+
 qint64 sizeOf(const std::wstring &path)
 {
     WIN32_FILE_ATTRIBUTE_DATA data;
@@ -54,7 +94,11 @@ TransferResult transferFile(const QString &source, const QString &target,
     Progress progress(control);
     if (progress.cancelled())
         return TransferResult::Cancelled;
-    if (!CopyFileExW(longPath(source).c_str(), to.c_str(), onProgress, &progress, nullptr,
+    const std::wstring from = longPath(source);
+    const Source looked(from);
+    if (!looked.isKnown())
+        return TransferResult::Failed;
+    if (!CopyFileExW(from.c_str(), to.c_str(), onProgress, &progress, nullptr,
                      COPY_FILE_FAIL_IF_EXISTS)) {
         return GetLastError() == ERROR_REQUEST_ABORTED ? TransferResult::Cancelled
                                                        : TransferResult::Failed;
@@ -68,7 +112,9 @@ TransferResult transferFile(const QString &source, const QString &target,
         return TransferResult::Failed;
     // Not every system that runs this program tells how far a copy is.
     progress.reached(sizeOf(to));
-    return progress.cancelled() ? TransferResult::Cancelled : TransferResult::Done;
+    if (progress.cancelled())
+        return TransferResult::Cancelled;
+    return looked.isUnchanged() ? TransferResult::Done : TransferResult::SourceChanged;
 }
 
 bool flushToMedium(const QString &path)

@@ -15,6 +15,10 @@ QString toLocalPath(const QString &wirePath);
 /// Whether \a name is short enough to be one component of a path on this machine.
 bool nameFits(const QString &name);
 
+/// The longest start of \a base, no character halved, that is one component of a path on this
+/// machine with \a tail behind it. Takes no longer for a longer base.
+QString fittingStart(const QString &base, const QString &tail);
+
 /// What \a wirePath names below the root it hangs on: a drive, a share, or elsewhere than on
 /// Windows the machine's own root. Empty for a root itself; nothing when the path is not absolute
 /// on this machine, or names a device. Looks at the text alone.

@@ -48,10 +48,30 @@ QString toLocalPath(const QString &wirePath)
     return QString(wirePath).replace(QLatin1Char('\\'), QLatin1Char('/'));
 }
 
+namespace {
+
+constexpr int longestName = 255; // bytes
+
+} // namespace
+
 bool nameFits(const QString &name)
 {
-    constexpr int longestName = 255; // bytes
-    return QFile::encodeName(name).size() <= longestName;
+    return name.size() <= longestName && QFile::encodeName(name).size() <= longestName;
+}
+
+QString fittingStart(const QString &base, const QString &tail)
+{
+    int bytesLeft = longestName - tail.toUtf8().size();
+    int end = 0;
+    while (end < base.size()) {
+        const bool isPair = base.at(end).isHighSurrogate() && end + 1 < base.size();
+        const int next = end + (isPair ? 2 : 1);
+        bytesLeft -= base.midRef(end, next - end).toUtf8().size();
+        if (bytesLeft < 0)
+            break;
+        end = next;
+    }
+    return base.left(end);
 }
 
 std::optional<QStringList> componentsBelowRoot(const QString &wirePath)

@@ -22,10 +22,23 @@ QString toLocalPath(const QString &wirePath)
     return wirePath;
 }
 
+namespace {
+
+constexpr int longestName = 255; // UTF-16 units
+
+} // namespace
+
 bool nameFits(const QString &name)
 {
-    constexpr int longestName = 255; // UTF-16 units
     return name.size() <= longestName;
+}
+
+QString fittingStart(const QString &base, const QString &tail)
+{
+    int end = qBound(0, longestName - tail.size(), base.size());
+    if (end > 0 && end < base.size() && base.at(end - 1).isHighSurrogate())
+        --end;
+    return base.left(end);
 }
 
 std::optional<QStringList> componentsBelowRoot(const QString &wirePath)

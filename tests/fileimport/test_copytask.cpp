@@ -98,6 +98,7 @@ private slots:
         newRow("failed", int(CopyOutcome::Failed), "文件拷贝失败(可能是磁盘已满或权限受限)");
         newRow("empty", int(CopyOutcome::Empty), "文件拷贝后大小为0KB");
         newRow("differs", int(CopyOutcome::SizeDiffers), "文件大小不一致，拷贝可能不完整");
+        newRow("changed", int(CopyOutcome::SourceChanged), "文件在拷贝过程中发生变化");
         newRow("copied, but gone", int(CopyOutcome::Copied), "文件拷贝后验证失败: %1");
         newRow("throws", -1, "处理异常: broken");
     }
@@ -144,6 +145,24 @@ private slots:
         // rename; how often in mid-copy is the system's affair.
         QVERIFY(points >= 5);
         QVERIFY(targetContent("a.jpg"_s) != "earlier");
+    }
+
+    void nothingTakesAFinishedCopyAway()
+    {
+        const ImportFile file = makeFile("a.jpg"_s, "photo");
+        ImportFileCopyRunnable *running = nullptr;
+        ImportFileCopyRunnable task(file, [&running](const QString &source, const QString &to,
+                                                     const platform::TransferControl &control) {
+            const CopyOutcome outcome = copyFile(source, to, control);
+            QFile::remove(source); // the card is pulled
+            running->cancel();
+            return outcome;
+        });
+        running = &task;
+        const Ended ended = run(task);
+        QVERIFY(!ended.cancelled);
+        QCOMPARE(ended.file.message, "拷贝成功"_s);
+        QCOMPARE(targetContent("a.jpg"_s), QByteArray("photo"));
     }
 
     void copiesUnderASafeName()

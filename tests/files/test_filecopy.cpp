@@ -177,6 +177,37 @@ private slots:
             QCOMPARE(entries(), QStringList("source"_s));
     }
 
+    void noticesThatTheSourceWasOverwritten_data()
+    {
+        addColumns<int, int>({"bytes", "whenCopied"});
+        newRow("small", 1000, 1000);
+        newRow("half-way", 9 * 1024 * 1024, 4 * 1024 * 1024);
+        newRow("with the last bytes", 9 * 1024 * 1024, 9 * 1024 * 1024);
+    }
+
+    void noticesThatTheSourceWasOverwritten()
+    {
+        QFETCH(int, bytes);
+        QFETCH(int, whenCopied);
+        write("source"_s, bytes);
+        const QByteArray earlier = write("t"_s, 10);
+        QFile source(path("source"_s));
+        QVERIFY(source.open(QIODevice::ReadWrite));
+        QVERIFY(source.setFileTime(QDateTime(QDate(2024, 3, 7), QTime(1, 2)),
+                                   QFileDevice::FileModificationTime));
+        bool overwritten = false;
+        platform::TransferControl control;
+        control.progress = [&](qint64 copied) {
+            if (copied < whenCopied || overwritten)
+                return;
+            overwritten = source.write(QByteArray(100, 'x')) == 100 && source.flush();
+        };
+        QCOMPARE(copyFile(path("source"_s), path("t"_s), control), CopyOutcome::SourceChanged);
+        QVERIFY(overwritten);
+        QCOMPARE(read("t"_s), earlier);
+        QCOMPARE(entries(), (QStringList{"source"_s, "t"_s}));
+    }
+
     void aKilledCopyLeavesNoTarget()
     {
 #ifdef Q_OS_UNIX

@@ -29,6 +29,8 @@ private slots:
         newRow("device with suffix", "Com1.tar.gz"_s, "Com1_.tar.gz"_s);
         newRow("device with blank", "CON .jpg"_s, "CON _.jpg"_s);
         newRow("device with superscript", "LPT²"_s, "LPT²_"_s);
+        newRow("half a character", "a"_s + QChar(0xD83D) + "b"_s + QChar(0xDE00) + ".jpg"_s,
+               "a_b_.jpg"_s);
         newRow("no device", "COM10.jpg"_s, "COM10.jpg"_s);
         newRow("console", "CONSOLE"_s, "CONSOLE"_s);
     }

@@ -3,6 +3,7 @@
 #include "platform/pathform.h"
 #include "platform/power.h"
 #include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/text.h"
 
 #include <QCoreApplication>
@@ -123,6 +124,22 @@ private slots:
         QVERIFY(other.waitForFinished(60000));
         QVERIFY(!platform::isInUse(photo.fileName()));
         QVERIFY(photo.remove());
+    }
+
+    void knowsAFileByAnyPath()
+    {
+        QTemporaryDir folder;
+        const QString photo = writeFile(folder.filePath("a/婚.jpg"_s), "photo");
+        const QString same = writeFile(folder.filePath("a/b.jpg"_s), "photo");
+        QVERIFY(platform::isSameFile(photo, folder.filePath("a/../a/./婚.jpg"_s)));
+        if (linkFolder(folder.filePath("a"_s), folder.filePath("link"_s))) {
+            QVERIFY(platform::isSameFile(photo, folder.filePath("link/婚.jpg"_s)));
+            QVERIFY(platform::isSameFile(folder.filePath("a"_s), folder.filePath("link"_s)));
+        }
+        QVERIFY(!platform::isSameFile(photo, same));
+        QVERIFY(!platform::isSameFile(photo, folder.path()));
+        const QString gone = folder.filePath("gone"_s);
+        QVERIFY(!platform::isSameFile(gone, gone));
     }
 
     void turnsWirePathsIntoLocalOnes()
