@@ -48,6 +48,21 @@ Planned prepare(PlanRequest request, const QString &namingRule)
     return {{}, planOrder(request, [&raws](const QString &photo) { return raws.beside(photo); })};
 }
 
+QString comparablePath(const QString &path)
+{
+    return QDir::cleanPath(path).toCaseFolded();
+}
+
+/// How many files in \a folder the run has not written. Blocks; for worker threads.
+int otherFilesIn(const QString &folder, const QSet<QString> &written)
+{
+    int others = 0;
+    QDirIterator file(folder, QDir::Files, QDirIterator::Subdirectories);
+    while (file.hasNext())
+        others += written.contains(comparablePath(file.next())) ? 0 : 1;
+    return others;
+}
+
 QString yesNo(bool value)
 {
     return value ? QStringLiteral("true") : QStringLiteral("false");
@@ -69,7 +84,7 @@ DistributionRun::DistributionRun(QObject *parent)
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
     connect(&fetches_, &ImageFetches::failed, this,
             [this](const DistributionTask &store, const QString &error) {
-                count({false, store.type, store.targetFolder + store.imgName, {}, error});
+                count({false, store.type, store.targetFolder + store.imgName, {}, error, {}});
             });
     connect(&reports_, &DownloadReports::allAnswered, this, &DistributionRun::announceIdle);
 }
@@ -87,6 +102,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     orders_ = orders;
     settings_ = settings;
     errors_.clear();
+    otherFiles_.clear();
     running_ = true;
     stopFlag_ = std::make_shared<std::atomic<bool>>(false);
     completed_ = 0;
@@ -104,6 +120,7 @@ void DistributionRun::stop()
     *stopFlag_ = true;
     detailCall_.cancel();
     reading_.abandon();
+    counting_.abandon();
     fetches_.cancel();
     if (tasksInFlight_ == 0)
         finish();
@@ -125,6 +142,7 @@ void DistributionRun::startNextOrder()
     listSize_ = 0;
     listSettled_ = 0;
     orderTask_.clear();
+    written_.clear();
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
     announceStep();
@@ -255,6 +273,10 @@ void DistributionRun::takeResult()
 void DistributionRun::count(const TaskResult &result)
 {
     ++copyPicFinishNum_;
+    if (result.success)
+        written_.insert(comparablePath(result.copyFile));
+    for (const QString &file : result.written)
+        written_.insert(comparablePath(file));
     if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
         result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
         ++downPhotoFinishNums_;
@@ -383,7 +405,20 @@ void DistributionRun::completeOrder()
                        << "\n----------------------------------------";
     ++completed_;
     if (!*stopFlag_)
-        startNextOrder();
+        countOtherFiles();
+}
+
+/// What an earlier run has left, or somebody has put there, is told at the end.
+void DistributionRun::countOtherFiles()
+{
+    onDisk(
+        this, orderFolder_,
+        [folder = orderFolder_, written = written_] { return otherFilesIn(folder, written); },
+        counting_.only([this](int count) {
+            if (count > 0)
+                otherFiles_.append({current().displayNumber(), count});
+            startNextOrder();
+        }));
 }
 
 void DistributionRun::skipOrder(const QString &reason)
@@ -399,6 +434,7 @@ void DistributionRun::finish()
     summary.completed = completed_;
     summary.stopped = *stopFlag_;
     summary.errors = errors_;
+    summary.otherFiles = otherFiles_;
     running_ = false;
     stepTimer_.stop();
     announceStep();

@@ -41,6 +41,8 @@ struct RunSummary
     int completed = 0; ///< that were gone through, with failures or without
     bool stopped = false;
     QStringList errors; ///< one failure a line
+    /// Orders whose folders hold files that this run did not write, and how many.
+    QVector<QPair<QString, int>> otherFiles;
 };
 Q_DECLARE_METATYPE(RunSummary)
 
@@ -105,6 +107,7 @@ private:
     void report(const TaskResult &result);
     void addErrors(const QString &lines, const QString &file = {});
     void completeOrder();
+    void countOtherFiles();
     void skipOrder(const QString &reason);
     void finish();
     void announceIdle();
@@ -125,6 +128,8 @@ private:
     /// Shared with the tasks: one that has not begun when it is set does nothing.
     std::shared_ptr<std::atomic<bool>> stopFlag_ = std::make_shared<std::atomic<bool>>(false);
     int completed_ = 0;
+    QVector<QPair<QString, int>> otherFiles_;
+    Latest counting_;       ///< of the current order's
     QSet<QString> folders_; ///< of the orders so far: no two orders may be mixed in one
 
     // The current order.
@@ -132,8 +137,9 @@ private:
     OrderDetailPtr detail_;
     QString orderFolder_;
     PlannedPictures pictures_;
-    int expected_ = 0;     ///< results
-    int photoResults_ = 0; ///< of them those before the products are made
+    QSet<QString> written_; ///< files, by comparablePath()
+    int expected_ = 0;      ///< results
+    int photoResults_ = 0;  ///< of them those before the products are made
     int copyPicFinishNum_ = 0;
     int proFinishNum_ = 0;
     int downPhotoFinishNums_ = 0;

@@ -5,6 +5,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
 #include <functional>
@@ -41,10 +42,11 @@ struct DistributionTask
 struct TaskResult
 {
     bool success = false;
-    QString type;     ///< the task's
-    QString copyFile; ///< the file that was written, or was to be
-    QString imgData;  ///< the task's imageId
-    QString errmsg;   ///< lines; may hold some although the task succeeded in the rest
+    QString type;        ///< the task's
+    QString copyFile;    ///< the file that was written, or was to be
+    QString imgData;     ///< the task's imageId
+    QString errmsg;      ///< lines; may hold some although the task succeeded in the rest
+    QStringList written; ///< "创建产品": the files that were
 };
 Q_DECLARE_METATYPE(TaskResult)
 

@@ -19,12 +19,12 @@ namespace {
 
 TaskResult succeeded(const DistributionTask &task, const QString &file)
 {
-    return {true, task.type, file, task.imageId, {}};
+    return {true, task.type, file, task.imageId, {}, {}};
 }
 
 TaskResult failed(const DistributionTask &task, const QString &file, const QString &error)
 {
-    return {false, task.type, file, task.imageId, error};
+    return {false, task.type, file, task.imageId, error, {}};
 }
 
 TaskResult noFolder(const DistributionTask &task, const QString &file)
@@ -179,12 +179,15 @@ TaskResult storePhoto(const DistributionTask &task)
 TaskResult createProducts(const DistributionTask &task)
 {
     const OrderDetail nothing;
+    QStringList written;
     const QStringList errors = createProductFolders(
         task.detail ? *task.detail : nothing, task.namingRule, task.targetFolder,
-        [&task] { return task.stopped && *task.stopped; }, task.progress.get());
+        [&task] { return task.stopped && *task.stopped; }, task.progress.get(), &written);
     // The lines name what they are about.
-    return errors.isEmpty() ? succeeded(task, task.targetFolder)
-                            : failed(task, QString(), errors.join(QLatin1Char('\n')));
+    TaskResult result = errors.isEmpty() ? succeeded(task, task.targetFolder)
+                                         : failed(task, QString(), errors.join(QLatin1Char('\n')));
+    result.written = written;
+    return result;
 }
 
 TaskResult makeSheet(const DistributionTask &task)

@@ -33,5 +33,5 @@ TaskResult FJDataThread::result() const
         error = QStringLiteral("未知异常");
     }
     qDebug().noquote() << error;
-    return {false, task_.type, task_.imgName, task_.imageId, task_.imgName + error};
+    return {false, task_.type, task_.imgName, task_.imageId, task_.imgName + error, {}};
 }

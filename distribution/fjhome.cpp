@@ -21,6 +21,23 @@
 namespace {
 
 constexpr int closePatienceMs = 5000;
+constexpr int ordersNamed = 5;
+
+QString textOfOtherFiles(const RunSummary &summary)
+{
+    int count = 0;
+    QStringList orders;
+    for (const auto &[order, files] : summary.otherFiles) {
+        count += files;
+        orders.append(QStringLiteral("%1: %2").arg(order).arg(files));
+    }
+    if (count == 0)
+        return {};
+    if (orders.size() > ordersNamed)
+        orders = orders.mid(0, ordersNamed) + QStringList(QStringLiteral("…"));
+    return QStringLiteral("\n订单文件夹中有 %1 个文件不是本次写入的（%2）")
+        .arg(QString::number(count), orders.join(QStringLiteral("，")));
+}
 
 } // namespace
 
@@ -240,5 +257,5 @@ void FJHome::onRunFinished(const RunSummary &summary)
     QString text = QString::number(summary.completed) + QStringLiteral("个订单分件完成!");
     if (!summary.errors.isEmpty())
         text += QStringLiteral("\n有 %1 处失败，见失败记录").arg(summary.errors.size());
-    MessageBox::information(this, text);
+    MessageBox::information(this, text + textOfOtherFiles(summary));
 }

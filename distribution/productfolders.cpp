@@ -82,7 +82,7 @@ QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleTex
 
 QStringList createProductFolders(const OrderDetail &detail, const QString &ruleText,
                                  const QString &orderFolder, const std::function<bool()> &stopped,
-                                 StepProgress *progress)
+                                 StepProgress *progress, QStringList *written)
 {
     const QString factoryName = foldernames::factoryFolder(detail);
     if (!photofiles::ensureFolder(joinLocalPath(orderFolder, factoryName)))
@@ -121,6 +121,8 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
             errors.append(failure(copy));
         else if (copy.ending == PhotoCopy::Ending::NotBegun)
             ++notBegun;
+        else if (written)
+            written->append(copy.target);
     }
     if (notBegun > 0)
         errors.append(QStringLiteral("已停止，%1张产品照片未拷贝").arg(notBegun));

@@ -150,8 +150,12 @@ private slots:
         QCOMPARE(filesBelow(target(orderFolder)), spreadOut(expected));
         QCOMPARE(QDir(folder_->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(),
                  1);
-        // A second run meets the same folders and adds none.
-        run({order(1)}, settings(type, options));
+        QVERIFY(summary.otherFiles.isEmpty());
+        // A second run meets the same folders and adds none; what stands there besides is told.
+        writeFile(target(orderFolder + "/旧/a.jpg"_s));
+        const RunSummary second = run({order(1)}, settings(type, options));
+        QCOMPARE(second.otherFiles, (decltype(second.otherFiles){{"TS10001-服务1"_s, 1}}));
+        QVERIFY(QDir(target(orderFolder + "/旧"_s)).removeRecursively());
         QCOMPARE(filesBelow(target(orderFolder)), spreadOut(expected));
     }
 
@@ -359,7 +363,7 @@ private slots:
         run_->setPerform([&](const DistributionTask &task) {
             ++begun;
             gate.acquire();
-            return TaskResult{true, task.type, task.imgName, task.imageId, {}};
+            return TaskResult{true, task.type, task.imgName, task.imageId, {}, {}};
         });
         QSignalSpy finished(run_.get(), &DistributionRun::finished);
         QSignalSpy counted(run_.get(), &DistributionRun::resultCounted);

@@ -4,6 +4,7 @@
 #include "distribution/fjrightpanel.h"
 #include "distribution/photolistmodel.h"
 #include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/datepicker.h"
@@ -280,8 +281,10 @@ private slots:
         // Another search forgets it, with the ticks.
         search("TS10001"_s, 2);
         clickCell(0, Column::TickColumn);
+        writeFile(made.filePath("other.txt"_s));
         start();
-        EXPECT_BOXES("1个订单分件完成!"_s);
+        EXPECT_BOXES("1个订单分件完成!\n"
+                     "订单文件夹中有 1 个文件不是本次写入的（TS10001-服务1: 1）"_s);
         QCOMPARE(made.entryList({"*.jpg"_s}, QDir::Files).size(), 4);
     }
 
