@@ -7,33 +7,12 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-
-namespace {
-
-/// ".." in any spelling that a file system takes for it: Windows drops dots and blanks at the end.
-bool leadsUp(const QString &component)
-{
-    const bool dotsAlone = std::all_of(component.cbegin(), component.cend(), [](QChar character) {
-        return character == QLatin1Char('.') || character == QLatin1Char(' ');
-    });
-    return dotsAlone && component.count(QLatin1Char('.')) > 1;
-}
-
-} // namespace
-
-bool namesOneFile(const QString &wirePath)
-{
-    const auto components = platform::componentsBelowRoot(wirePath);
-    if (!components || components->isEmpty())
-        return false;
-    const QChar last = wirePath.back();
-    return last != QLatin1Char('\\') && last != QLatin1Char('/') &&
-           std::none_of(components->cbegin(), components->cend(), leadsUp);
-}
-
-DeleteFileRunnable::DeleteFileRunnable(PhotoEntry photo, StopFlag stopped, RemoveFunction remove)
-    : photo_(std::move(photo)), stopped_(std::move(stopped)), remove_(std::move(remove))
+DeleteFileRunnable::DeleteFileRunnable(PhotoEntry photo, PhotoPlace place, StopFlag stopped,
+                                       RemoveFunction remove)
+    : photo_(std::move(photo))
+    , place_(std::move(place))
+    , stopped_(std::move(stopped))
+    , remove_(std::move(remove))
 {
     // It gets no events, and is deleted by whichever thread lets go of it last.
     moveToThread(nullptr);
@@ -61,6 +40,8 @@ DeleteFileResult DeleteFileRunnable::process() const
     QStringList problems;
     if (photo_.localPath.isEmpty()) {
         problems.append(photo_.imgName + QStringLiteral(" 文件路径为空"));
+    } else if (!leadsToPhoto(photo_.localPath)) {
+        problems.append(photo_.imgName + QStringLiteral(" 的路径错误"));
     } else {
         problems.append(removeOne(platform::toLocalPath(photo_.localPath), photo_.imgName,
                                   QStringLiteral(" 删除失败:")));
@@ -68,13 +49,18 @@ DeleteFileResult DeleteFileRunnable::process() const
     const bool success = problems.constFirst().isEmpty();
     for (QString path : photo_.variants) {
         path.replace(QLatin1Char('\\'), QLatin1Char('/'));
-        if (namesOneFile(path) && !QFileInfo(path).isDir())
+        if (leadsToPhoto(path))
             problems.append(removeOne(path, path, QStringLiteral(" 删除失败 ")));
         else
             problems.append(path + QStringLiteral(" 的路径错误"));
     }
     problems.removeAll(QString());
     return {success, problems.join(QLatin1Char('\n')), photo_};
+}
+
+bool DeleteFileRunnable::leadsToPhoto(const QString &path) const
+{
+    return place_.holds(path) && !QFileInfo(platform::toLocalPath(path)).isDir();
 }
 
 QString DeleteFileRunnable::removeOne(const QString &path, const QString &name,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fileimport/photoplace.h"
 #include "fileimport/photorecords.h"
 #include "tasks/stopflag.h"
 #include "tasks/task.h"
@@ -9,13 +10,9 @@
 
 #include <functional>
 
-/// Whether \a wirePath can be the path of a photo to delete: absolute, without "..", and neither a
-/// root nor written as a folder. Looks at the text alone.
-bool namesOneFile(const QString &wirePath);
-
 /// Removes one photo and its smaller variants from disk, once the service has agreed. Runs on a
-/// pool thread and tells its result by one signal; connect to it queued. A file that carries a
-/// read-only mark stays.
+/// pool thread and tells its result by one signal; connect to it queued. What lies outside of the
+/// order's place stays, and so does a file that carries a read-only mark.
 class DeleteFileRunnable : public QObject, public Task
 {
     Q_OBJECT
@@ -25,7 +22,8 @@ public:
     using RemoveFunction = std::function<bool(const QString &path, QString *error)>;
 
     /// When \a stopped is raised before it begins, it does nothing.
-    DeleteFileRunnable(PhotoEntry photo, StopFlag stopped, RemoveFunction remove = removeFile);
+    DeleteFileRunnable(PhotoEntry photo, PhotoPlace place, StopFlag stopped,
+                       RemoveFunction remove = removeFile);
     ~DeleteFileRunnable() override;
 
     static bool removeFile(const QString &path, QString *error);
@@ -37,10 +35,13 @@ private:
     void perform() override;
     void failed(const QString &problem) override;
     DeleteFileResult process() const;
+    /// Whether the path, in Windows form or with slashes, leads to a file of the order's place.
+    bool leadsToPhoto(const QString &path) const;
     /// The text of what went wrong; empty when the file is gone.
     QString removeOne(const QString &path, const QString &name, const QString &failedText) const;
 
     PhotoEntry photo_;
+    PhotoPlace place_;
     StopFlag stopped_;
     RemoveFunction remove_;
 };

@@ -97,6 +97,7 @@ void ImportFiles::showPhotoView(bool shown)
         return;
     }
     photos_ = new OriginalView;
+    photos_->setListedOrders([this] { return orders_.orders(); });
     rightHalf_->addWidget(photos_);
     for (int part = 0; part < rightHalf_->count(); ++part)
         rightHalf_->setStretchFactor(part, 1);

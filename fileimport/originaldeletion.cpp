@@ -1,11 +1,9 @@
 #include "fileimport/originaldeletion.h"
 
-#include "platform/pathform.h"
 #include "tasks/background.h"
 
 #include <QDateTime>
 #include <QDebug>
-#include <QFileInfo>
 #include <QPointer>
 #include <QTimer>
 
@@ -20,21 +18,6 @@ void tellPoolIsSlow()
 }
 
 } // namespace
-
-OriginalDeletionPlan planOriginalDeletion(const QVector<PhotoEntry> &selected)
-{
-    OriginalDeletionPlan plan;
-    for (const PhotoEntry &entry : selected) {
-        const QString &path = entry.localPath;
-        const bool isFile = path.isEmpty() ||
-                            (namesOneFile(path) && !QFileInfo(platform::toLocalPath(path)).isDir());
-        if (isFile)
-            plan.entries.append(entry);
-        else
-            plan.refusals.append(entry.imgName + QStringLiteral(" 的路径错误"));
-    }
-    return plan;
-}
 
 OriginalDeletion::OriginalDeletion(DeleteFileRunnable::RemoveFunction remove, QObject *parent)
     : QObject(parent)
@@ -57,7 +40,7 @@ OriginalDeletion::~OriginalDeletion()
 }
 
 bool OriginalDeletion::start(const originalrequests::OrderMap &order,
-                             const QVector<PhotoEntry> &entries)
+                             const QVector<PhotoEntry> &entries, const QVector<ImportOrder> &listed)
 {
     if (busy_)
         return false;
@@ -66,32 +49,24 @@ bool OriginalDeletion::start(const originalrequests::OrderMap &order,
     resultText_.clear();
     total_ = 0;
     stopped_ = StopFlag();
-    QStringList paths;
-    for (const PhotoEntry &entry : entries)
-        paths.append(entry.localPath);
-    onDisk(
-        this, paths, [entries] { return planOriginalDeletion(entries); },
+    onProcessor(
+        this, [order, listed] { return photoPlaceOf(order, listed); },
         planning_.only(
-            [this, order](const OriginalDeletionPlan &plan) { onPlanned(order, plan); }));
+            [this, order, entries](const PhotoPlace &place) { submit(order, entries, place); }));
     return true;
 }
 
-void OriginalDeletion::onPlanned(const originalrequests::OrderMap &order,
-                                 const OriginalDeletionPlan &plan)
+void OriginalDeletion::submit(const originalrequests::OrderMap &order,
+                              const QVector<PhotoEntry> &entries, const PhotoPlace &place)
 {
-    summary_.messages = plan.refusals;
-    if (plan.entries.isEmpty()) {
-        finish();
-        return;
-    }
     QStringList ids;
-    for (const PhotoEntry &entry : plan.entries)
+    for (const PhotoEntry &entry : entries)
         ids.append(entry.id);
     const QString now = QString::number(QDateTime::currentMSecsSinceEpoch());
     call_.start(originalrequests::deleteAction, originalrequests::deleteBody(order, ids, now),
-                [this, entries = plan.entries](const ServiceReply &reply) {
+                [this, entries, place](const ServiceReply &reply) {
                     if (reply.isSuccess()) {
-                        onAgreed(entries);
+                        onAgreed(entries, place);
                         return;
                     }
                     busy_ = false;
@@ -102,13 +77,13 @@ void OriginalDeletion::onPlanned(const originalrequests::OrderMap &order,
                 });
 }
 
-void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries)
+void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries, const PhotoPlace &place)
 {
     total_ = entries.size();
     emit progressed(0, total_);
     qDebug() << "开始删除" << total_ << "个文件";
     for (const PhotoEntry &entry : entries) {
-        const auto task = std::make_shared<DeleteFileRunnable>(entry, stopped_, remove_);
+        const auto task = std::make_shared<DeleteFileRunnable>(entry, place, stopped_, remove_);
         connect(task.get(), &DeleteFileRunnable::deleteFinished, this,
                 &OriginalDeletion::onDeleteFinished, Qt::QueuedConnection);
         pool_.start(task);

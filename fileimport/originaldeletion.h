@@ -12,17 +12,6 @@
 #include <QStringList>
 #include <QVector>
 
-/// What a deletion is to touch, sorted out before the service is told.
-struct OriginalDeletionPlan
-{
-    QVector<PhotoEntry> entries;
-    QStringList refusals; ///< one line for each entry left out because of its path
-};
-
-/// Leaves out entries whose path leads somewhere else than to one file. An empty path passes: there
-/// is nothing on this disk to be careful about. Blocks; for worker threads.
-OriginalDeletionPlan planOriginalDeletion(const QVector<PhotoEntry> &selected);
-
 /// How a deletion ended.
 struct OriginalDeletionSummary
 {
@@ -47,8 +36,10 @@ public:
         QObject *parent = nullptr);
     ~OriginalDeletion() override;
 
-    /// False, and nothing happens, while one is under way.
-    bool start(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries);
+    /// False, and nothing happens, while one is under way. On disk only what lies in the order's
+    /// place among the \a listed ones is touched; the service is asked to forget all \a entries.
+    bool start(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
+               const QVector<ImportOrder> &listed = {});
     /// What has not begun is left; the request is abandoned.
     void stop();
     bool isBusy() const { return busy_; }
@@ -62,8 +53,9 @@ signals:
     void ended();
 
 private:
-    void onPlanned(const originalrequests::OrderMap &order, const OriginalDeletionPlan &plan);
-    void onAgreed(const QVector<PhotoEntry> &entries);
+    void submit(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
+                const PhotoPlace &place);
+    void onAgreed(const QVector<PhotoEntry> &entries, const PhotoPlace &place);
     void onDeleteFinished(const DeleteFileResult &result);
     void finish();
 

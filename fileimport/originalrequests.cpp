@@ -1,6 +1,6 @@
 #include "fileimport/originalrequests.h"
 
-#include "fileimport/importrecords.h"
+#include "fileimport/importrules.h"
 #include "net/formbody.h"
 #include "net/replyfields.h"
 
@@ -54,7 +54,10 @@ OrderMap orderMap(const ImportOrder &order, const QString &shopId)
             {QStringLiteral("shotdate"), order.shotDateText},
             {QStringLiteral("role1name"), order.role1Name},
             {QStringLiteral("shopid"), shopId},
-            {QStringLiteral("delyp"), order.delyp}};
+            {QStringLiteral("delyp"), order.delyp},
+            {QStringLiteral("importpath"),
+             importrules::hasFolder(order) ? importrules::importPathOf(order) : QString()},
+            {QStringLiteral("importpublicpath"), order.importPublicPath}};
 }
 
 QString title(const OrderMap &order)

@@ -20,7 +20,8 @@ inline const QString deleteAction = QStringLiteral("&m=order&a=delete_pics");
 
 /// The fields of an order as the view takes them: "id", "orderid", "order_photo_id",
 /// "orderpayforkey", "servicetimes", "wname", "mname", "comboname", "shotdate", "role1name",
-/// "shopid", "delyp".
+/// "shopid", "delyp", and where it is imported: "importpath" (empty when nothing says where) and
+/// "importpublicpath".
 using OrderMap = QMap<QString, QString>;
 
 /// \a shopId is the branch that the order was searched in.

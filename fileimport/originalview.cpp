@@ -286,7 +286,7 @@ void OriginalView::deleteSelected()
     abandonListing();
     ready_ = false;
     overlay_->showText(QStringLiteral("提交删除数据中..."), false);
-    deletion_.start(order, deletable);
+    deletion_.start(order, deletable, listed_());
 }
 
 void OriginalView::onSubmitFailed(const ServiceReply &reply)

@@ -8,6 +8,8 @@
 #include <QVector>
 #include <QWidget>
 
+#include <functional>
+
 class LoadingOverlay;
 class QLabel;
 class QPushButton;
@@ -26,6 +28,9 @@ public:
     explicit OriginalView(QWidget *parent = nullptr);
     ~OriginalView() override;
 
+    /// Where the orders listed beside the shown one come from: a deletion touches none of their
+    /// folders.
+    void setListedOrders(const std::function<QVector<ImportOrder>()> &orders) { listed_ = orders; }
     /// The order to show; an empty map shows none.
     void setOrder(const originalrequests::OrderMap &order);
     /// Lists the order's photos anew, covered meanwhile. Nothing happens without an order or during
@@ -60,6 +65,7 @@ private:
     void onDeleted(const OriginalDeletionSummary &summary);
 
     originalrequests::OrderMap order_;
+    std::function<QVector<ImportOrder>()> listed_ = [] { return QVector<ImportOrder>(); };
     QString lastTimestamp_;   ///< of the latest listing request
     int listingNumber_ = 0;   ///< tells a listing that is still being read from the latest one
     bool refreshing_ = false; ///< the overlay tells of a refresh

@@ -3,8 +3,6 @@
 #include "files/safename.h"
 #include "platform/pathform.h"
 
-#include <QStringList>
-
 #include <algorithm>
 
 namespace pathgate {
@@ -55,8 +53,8 @@ bool namesDeviceRoot(const QString &unifiedPath)
            unifiedPath.startsWith(QLatin1String("\\??\\"));
 }
 
-/// What a path without a flaw names, level by level, so that two that name one place are equal.
-QStringList keyOf(const QString &path)
+/// levelsOf() a path known to be without a flaw.
+QStringList soundLevelsOf(const QString &path)
 {
     const QString whole = unified(path);
     QStringList key{whole.startsWith(QLatin1String("\\\\")) ? QStringLiteral("\\\\") : QString()};
@@ -104,8 +102,8 @@ Flaw flawBelow(const QString &path, const QString &folder)
         return flaw;
     if (flawOf(folder) != Flaw::None)
         return Flaw::Outside;
-    const QStringList inner = keyOf(path);
-    const QStringList outer = keyOf(folder);
+    const QStringList inner = soundLevelsOf(path);
+    const QStringList outer = soundLevelsOf(folder);
     const bool below =
         inner.size() > outer.size() && std::equal(outer.cbegin(), outer.cend(), inner.cbegin());
     return below ? Flaw::None : Flaw::Outside;
@@ -114,6 +112,11 @@ Flaw flawBelow(const QString &path, const QString &folder)
 bool isBelow(const QString &path, const QString &folder)
 {
     return flawBelow(path, folder) == Flaw::None;
+}
+
+QStringList levelsOf(const QString &path)
+{
+    return flawOf(path) == Flaw::None ? soundLevelsOf(path) : QStringList();
 }
 
 QString reasonOf(Flaw flaw)

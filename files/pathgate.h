@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// The one gate that every path named by a reply passes before a folder or file is made, written,
 /// read, deleted or opened there. Judges the text alone, never the disk; paths in Windows form.
@@ -28,6 +29,10 @@ Flaw flawBelow(const QString &path, const QString &folder);
 /// Whether \a path lies below \a folder, both without a flaw: names compared as Windows does,
 /// without case and without dots and blanks at their end. No path lies below itself.
 bool isBelow(const QString &path, const QString &folder);
+
+/// What \a path names, level by level from its root on; equal for two paths that name one place
+/// (compared as isBelow() does). Empty for a path with a flaw.
+QStringList levelsOf(const QString &path);
 
 /// Where in the back office a refused path came from.
 enum class Setting {

@@ -8,8 +8,9 @@
 
 #include <QtTest>
 
-/// The first order of the demo service, as the window hands it to the imported-photo view.
-inline originalrequests::OrderMap firstOrder()
+/// The first order of the demo service, as the window hands it to the imported-photo view; its
+/// photos lie in \a folder.
+inline originalrequests::OrderMap firstOrder(const QString &folder = QString())
 {
     ImportOrder order;
     order.id = "50001"_s;
@@ -17,6 +18,7 @@ inline originalrequests::OrderMap firstOrder()
     order.orderPayForKey = "TS10001"_s;
     order.serviceTimes = "1"_s;
     order.delyp = "1"_s;
+    order.importPath = wireForm(folder);
     return originalrequests::orderMap(order, "101"_s);
 }
 

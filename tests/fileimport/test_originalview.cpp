@@ -45,7 +45,7 @@ private slots:
         for (int index = 0; index < 7; ++index)
             registerFile(folder_->filePath("%1.jpg"_s.arg(index)), jpegOf(cornerPicture({60, 40})));
         registerFile(folder_->filePath("7.cr2"_s), "raw");
-        openView()->setOrder(firstOrder());
+        openView()->setOrder(firstOrder(folder_->path()));
         QCOMPARE(view_->findChild<QLabel *>("photoTitle"_s)->text(), "已导入 TS10001-1   "_s);
         QTRY_COMPARE(grid()->count(), 8);
         QCOMPARE(grid()->entry(0).imgName, "7.cr2"_s); // raw files first
@@ -98,7 +98,7 @@ private slots:
 
         demo_.misbehave("getorder_pics"_s, "missing-fields"_s,
                         {{"fields"_s, QJsonArray{"images_yuanpian.id"_s}}});
-        view_->setOrder(firstOrder());
+        view_->setOrder(firstOrder(folder_->path()));
         QVERIFY(areVisible(true));
         QTRY_COMPARE(grid()->createdCells(), 1);
         press("deletePhotosButton");
@@ -126,7 +126,7 @@ private slots:
     void staleAndLateListings()
     {
         registerFile(folder_->filePath("a.jpg"_s), "no picture");
-        openView()->setOrder(firstOrder());
+        openView()->setOrder(firstOrder(folder_->path()));
         QTRY_COMPARE(grid()->count(), 1);
         registerFile(folder_->filePath("b.jpg"_s), "no picture");
         demo_.misbehave("getorder_pics"_s, "stale"_s);
@@ -164,7 +164,7 @@ private slots:
     {
         registerFile(folder_->filePath("a.jpg"_s), "no picture");
         demo_.misbehave("getorder_pics"_s, QLatin1String(QTest::currentDataTag()));
-        openView()->setOrder(firstOrder());
+        openView()->setOrder(firstOrder(folder_->path()));
         QFETCH(QString, emptyText);
         QTRY_COMPARE(grid()->emptyText(), emptyText);
         QTEST(MessageBox::takeShown().value(0).text, "box");
@@ -185,7 +185,7 @@ private slots:
     void listingsAskedForDuringADeletion()
     {
         registerFile(folder_->filePath("a.jpg"_s), "no picture");
-        openView()->setOrder(firstOrder());
+        openView()->setOrder(firstOrder(folder_->path()));
         QTRY_COMPARE(grid()->count(), 1);
         grid()->selectAll();
         QFETCH(QString, kind);
