@@ -55,7 +55,7 @@ void BatchdeleteThread::run()
 {
     if (!problemOf([this] { removeOrDiagnose(); }).isEmpty())
         setResult(BatchDeleteFileInfo::UnknownFailure, unknownFailureText());
-    if (!stopped_)
+    if (!stopped_.isRaised())
         emit fileProcessed(orderPhotoId_, file_);
 }
 
@@ -95,14 +95,14 @@ QString BatchdeleteThread::linkOnTheWay() const
 
 void BatchdeleteThread::diagnose()
 {
-    if (stopped_)
+    if (stopped_.isRaised())
         return;
     const platform::Presence presence = platform::presenceOf(path_);
     const bool there = presence == platform::Presence::There;
-    const bool unreachable = !there && !stopped_ && isUnreachablePath(path_);
+    const bool unreachable = !there && !stopped_.isRaised() && isUnreachablePath(path_);
     const bool writable = there && platform::mayBeRemoved(path_);
-    const bool inUse = writable && !stopped_ && platform::isInUse(path_);
-    if (stopped_)
+    const bool inUse = writable && !stopped_.isRaised() && platform::isInUse(path_);
+    if (stopped_.isRaised())
         return;
     file_.missing = presence == platform::Presence::Gone && !unreachable;
     if (unreachable)

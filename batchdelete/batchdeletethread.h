@@ -1,11 +1,10 @@
 #pragma once
 
 #include "batchdelete/batchdeleterecords.h"
+#include "tasks/stopflag.h"
 
 #include <QStringList>
 #include <QThread>
-
-#include <atomic>
 
 /// Deletes one file and, when that fails, works out why. Left alone is a file that is not what was
 /// listed any more, and one whose folder, or one on the way to it, has become a link. Release it on
@@ -20,7 +19,7 @@ public:
                       QStringList above = {}, QObject *parent = nullptr);
 
     /// Nothing more is to be heard of it, whatever becomes of the file. From any thread.
-    void requestStop() { stopped_ = true; }
+    void requestStop() { stopped_.raise(); }
 
 signals:
     /// The file with its new state and reason; not after requestStop().
@@ -39,7 +38,7 @@ private:
     BatchDeleteFileInfo file_;
     QString path_;
     QStringList above_;
-    std::atomic<bool> stopped_{false};
+    StopFlag stopped_;
 };
 
 /// Whether \a path, which does not exist, lies where nothing can be reached at present: on a share

@@ -71,14 +71,16 @@ QString yesNo(bool value)
 } // namespace
 
 DistributionRun::DistributionRun(QObject *parent)
-    : QObject(parent), fetches_(this), reports_(this), detailCall_(this)
+    : QObject(parent)
+    , pool_(QStringLiteral("distribution"), QThread::idealThreadCount())
+    , fetches_(this)
+    , reports_(this)
+    , detailCall_(this)
 {
     qRegisterMetaType<OrderData>();
     qRegisterMetaType<OrderDetailPtr>();
     qRegisterMetaType<RunSummary>();
     qRegisterMetaType<TaskResult>();
-    pool_.setObjectName(QStringLiteral("distribution"));
-    pool_.setMaxThreadCount(QThread::idealThreadCount());
     stepTimer_.setInterval(stepIntervalMs);
     connect(&stepTimer_, &QTimer::timeout, this, &DistributionRun::announceStep);
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
@@ -91,7 +93,7 @@ DistributionRun::DistributionRun(QObject *parent)
 
 DistributionRun::~DistributionRun()
 {
-    *stopFlag_ = true;
+    stopFlag_.raise();
     pool_.waitForDone();
 }
 
@@ -104,7 +106,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     errors_.clear();
     otherFiles_.clear();
     running_ = true;
-    stopFlag_ = std::make_shared<std::atomic<bool>>(false);
+    stopFlag_ = StopFlag();
     completed_ = 0;
     folders_.clear();
     index_ = -1;
@@ -115,9 +117,9 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
 
 void DistributionRun::stop()
 {
-    if (!running_ || *stopFlag_)
+    if (!running_ || stopFlag_.isRaised())
         return;
-    *stopFlag_ = true;
+    stopFlag_.raise();
     detailCall_.cancel();
     reading_.abandon();
     counting_.abandon();
@@ -206,7 +208,7 @@ void DistributionRun::planCurrent(const OrderDetailPtr &detail, const QString &f
         this, {orderFolder_, photo},
         [request, rule = settings_.namingRule] { return prepare(request, rule); },
         [this, detail](const Planned &planned) {
-            if (!running_ || detail != detail_ || *stopFlag_)
+            if (!running_ || detail != detail_ || stopFlag_.isRaised())
                 return; // stopped meanwhile
             onPlanned(planned.folderError, planned.plan);
         });
@@ -244,28 +246,23 @@ void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &pla
 void DistributionRun::startTask(const DistributionTask &task)
 {
     ++tasksInFlight_;
-    const auto report = [this](const std::optional<TaskResult> &result) {
-        {
-            const std::lock_guard<std::mutex> lock(resultsMutex_);
-            results_.enqueue(result);
-        }
-        QMetaObject::invokeMethod(this, &DistributionRun::takeResult, Qt::QueuedConnection);
-    };
-    pool_.start(new FJDataThread(task, stopFlag_, perform_, report));
+    const auto thread = std::make_shared<FJDataThread>(task, stopFlag_, perform_);
+    inPool(
+        &pool_, this,
+        [thread] {
+            thread->run();
+            return thread->result();
+        },
+        [this](const std::optional<TaskResult> &result) { takeResult(result); });
 }
 
 /// Of one task that has ended.
-void DistributionRun::takeResult()
+void DistributionRun::takeResult(const std::optional<TaskResult> &result)
 {
-    std::optional<TaskResult> result;
-    {
-        const std::lock_guard<std::mutex> lock(resultsMutex_);
-        result = results_.dequeue();
-    }
     --tasksInFlight_;
     if (result)
         count(*result);
-    if (running_ && *stopFlag_ && tasksInFlight_ == 0)
+    if (running_ && stopFlag_.isRaised() && tasksInFlight_ == 0)
         finish();
     announceIdle();
 }
@@ -333,7 +330,7 @@ void DistributionRun::countDistribution(const TaskResult &result)
         return;
     }
     emit progressChanged(qMax(0, progress), expected_);
-    if (*stopFlag_)
+    if (stopFlag_.isRaised())
         return;
     if (result.type == tasktype::createProducts)
         startOrderTask(tasktype::makeSheet);
@@ -404,7 +401,7 @@ void DistributionRun::completeOrder()
                        << "\nisSaveHtml: " << yesNo(isSaveHtml_)
                        << "\n----------------------------------------";
     ++completed_;
-    if (!*stopFlag_)
+    if (!stopFlag_.isRaised())
         countOtherFiles();
 }
 
@@ -432,7 +429,7 @@ void DistributionRun::finish()
     RunSummary summary;
     summary.orders = orders_.size();
     summary.completed = completed_;
-    summary.stopped = *stopFlag_;
+    summary.stopped = stopFlag_.isRaised();
     summary.errors = errors_;
     summary.otherFiles = otherFiles_;
     running_ = false;

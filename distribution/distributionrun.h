@@ -7,20 +7,18 @@
 #include "net/orderqueries.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
+#include "tasks/stopflag.h"
+#include "tasks/workerpool.h"
 
 #include <QHash>
 #include <QMetaType>
 #include <QObject>
-#include <QQueue>
 #include <QSet>
 #include <QStringList>
-#include <QThreadPool>
 #include <QTimer>
 #include <QVector>
 
-#include <atomic>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 /// What a run is started with, besides the orders; it keeps its own copy.
@@ -99,7 +97,7 @@ private:
     void onPlanned(const QString &folderError, const OrderPlan &plan);
     void startTask(const DistributionTask &task);
     void startOrderTask(const QString &type);
-    void takeResult();
+    void takeResult(const std::optional<TaskResult> &result);
     void count(const TaskResult &result);
     void countDownload(const TaskResult &result);
     void countDistribution(const TaskResult &result);
@@ -115,7 +113,7 @@ private:
     const OrderData &current() const { return orders_.at(index_); }
 
     PerformTask perform_;
-    QThreadPool pool_;
+    WorkerPool pool_;
     ImageFetches fetches_;
     DownloadReports reports_;
     LatestCall detailCall_;
@@ -126,7 +124,7 @@ private:
     QStringList errors_;
     bool running_ = false;
     /// Shared with the tasks: one that has not begun when it is set does nothing.
-    std::shared_ptr<std::atomic<bool>> stopFlag_ = std::make_shared<std::atomic<bool>>(false);
+    StopFlag stopFlag_;
     int completed_ = 0;
     QVector<QPair<QString, int>> otherFiles_;
     Latest counting_;       ///< of the current order's
@@ -148,8 +146,6 @@ private:
     int listSettled_ = 0; ///< of them those that need nothing any more
 
     int tasksInFlight_ = 0;
-    std::mutex resultsMutex_;
-    QQueue<std::optional<TaskResult>> results_; ///< not taken yet; guarded by the mutex
     QString orderTask_; ///< type of the task after the photos that is going on
     std::shared_ptr<StepProgress> productProgress_;
     QTimer stepTimer_;

@@ -2,6 +2,7 @@
 
 #include "distribution/orderdetail.h"
 #include "distribution/plannedpictures.h"
+#include "tasks/stopflag.h"
 
 #include <QMetaType>
 #include <QString>
@@ -10,9 +11,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-
-/// Raised when a run is to end.
-using StopFlag = std::shared_ptr<std::atomic<bool>>;
 
 /// How far a task of many steps is; written by the task's thread, read by any.
 struct StepProgress
@@ -35,7 +33,7 @@ struct DistributionTask
     PlannedPictures pictures;               ///< "生成Html": those that the sheet shows
     QString namingRule;                     ///< "创建产品": the rule as JSON text
     std::shared_ptr<StepProgress> progress; ///< "创建产品": photos copied; may be null
-    StopFlag stopped; ///< what consists of several steps begins none once it is up; may be null
+    StopFlag stopped; ///< what consists of several steps begins none once it is up
 };
 
 /// How one of them ended; what FJDataThread reports.

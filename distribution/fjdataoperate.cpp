@@ -182,7 +182,7 @@ TaskResult createProducts(const DistributionTask &task)
     QStringList written;
     const QStringList errors = createProductFolders(
         task.detail ? *task.detail : nothing, task.namingRule, task.targetFolder,
-        [&task] { return task.stopped && *task.stopped; }, task.progress.get(), &written);
+        [&task] { return task.stopped.isRaised(); }, task.progress.get(), &written);
     // The lines name what they are about.
     TaskResult result = errors.isEmpty() ? succeeded(task, task.targetFolder)
                                          : failed(task, QString(), errors.join(QLatin1Char('\n')));

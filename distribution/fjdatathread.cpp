@@ -1,37 +1,21 @@
 #include "distribution/fjdatathread.h"
 
-#include <QDebug>
-
-#include <exception>
 #include <utility>
 
-FJDataThread::FJDataThread(DistributionTask task, StopFlag stopped, PerformTask perform,
-                           Report report)
+FJDataThread::FJDataThread(DistributionTask task, const StopFlag &stopped, PerformTask perform)
+    : task_(std::move(task)), perform_(std::move(perform))
 {
-    const std::lock_guard<std::mutex> lock(handOver_);
-    task_ = std::move(task);
-    task_.stopped = std::move(stopped);
-    perform_ = std::move(perform);
-    report_ = std::move(report);
+    task_.stopped = stopped;
 }
 
-void FJDataThread::run()
+void FJDataThread::perform()
 {
-    const std::lock_guard<std::mutex> lock(handOver_);
-    const bool stopped = task_.stopped && *task_.stopped;
-    report_(stopped ? std::nullopt : std::make_optional(result()));
+    if (!task_.stopped.isRaised())
+        result_ = perform_(task_);
 }
 
-TaskResult FJDataThread::result() const
+void FJDataThread::failed(const QString &problem)
 {
-    QString error;
-    try {
-        return perform_(task_);
-    } catch (const std::exception &exception) {
-        error = QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
-    } catch (...) {
-        error = QStringLiteral("未知异常");
-    }
-    qDebug().noquote() << error;
-    return {false, task_.type, task_.imgName, task_.imageId, task_.imgName + error, {}};
+    result_ =
+        TaskResult{false, task_.type, task_.imgName, task_.imageId, task_.imgName + problem, {}};
 }

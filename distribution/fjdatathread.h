@@ -1,30 +1,25 @@
 #pragma once
 
 #include "distribution/distributiontask.h"
+#include "tasks/task.h"
 
-#include <QRunnable>
-
-#include <functional>
-#include <mutex>
 #include <optional>
 
-/// One file operation of a distribution run, on a thread of a pool, which deletes it. Whatever
-/// happens, exceptions included, it reports its end exactly once, on that thread: with nothing when
-/// the run was stopped before it began.
-class FJDataThread : public QRunnable
+/// One file operation of a distribution run, for a thread of a pool. Whatever happens, exceptions
+/// included, it has a result afterwards, unless the run was stopped before it began.
+class FJDataThread : public Task
 {
 public:
-    using Report = std::function<void(const std::optional<TaskResult> &result)>;
+    FJDataThread(DistributionTask task, const StopFlag &stopped, PerformTask perform);
 
-    FJDataThread(DistributionTask task, StopFlag stopped, PerformTask perform, Report report);
-
-    void run() override;
+    /// After run().
+    const std::optional<TaskResult> &result() const { return result_; }
 
 private:
-    TaskResult result() const;
+    void perform() override;
+    void failed(const QString &problem) override;
 
-    std::mutex handOver_; ///< brings the members to the pool's thread, whatever the pool does
     DistributionTask task_;
     PerformTask perform_;
-    Report report_;
+    std::optional<TaskResult> result_;
 };

@@ -4,6 +4,8 @@
 #include "distribution/photofiles.h"
 #include "distribution/rawfiles.h"
 #include "files/paths.h"
+#include "tasks/task.h"
+#include "tasks/workerpool.h"
 
 #include <QFileInfo>
 #include <QSet>
@@ -11,8 +13,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <future>
-#include <vector>
 
 namespace {
 
@@ -21,6 +21,7 @@ struct PhotoCopy
     QString name; ///< as the reply writes it
     QString source;
     QString target;
+    QString problem; ///< what was thrown meanwhile
     enum class Ending { NotBegun, Copied, Failed } ending = Ending::NotBegun;
 };
 
@@ -34,7 +35,8 @@ void planCopies(const DetailProduct &product, const QString &folder, QVector<Pho
         if (sources.contains(source))
             return;
         sources.insert(source);
-        copies->append({photo.imgName, source, joinLocalPath(folder, names.take(photo.imgName))});
+        copies->append(
+            {photo.imgName, source, joinLocalPath(folder, names.take(photo.imgName)), {}});
     });
 }
 
@@ -42,8 +44,11 @@ void planCopies(const DetailProduct &product, const QString &folder, QVector<Pho
 QString failure(const PhotoCopy &copy)
 {
     const QString product = copy.target.section(QLatin1Char('/'), -2, -2);
-    const QString reason =
-        QFileInfo(copy.source).isFile() ? QString() : QStringLiteral("，照片不存在");
+    QString reason;
+    if (!copy.problem.isEmpty())
+        reason = QStringLiteral("，") + copy.problem;
+    else if (!QFileInfo(copy.source).isFile())
+        reason = QStringLiteral("，照片不存在");
     return copy.name + QStringLiteral("拷贝失败（") + product + reason + QStringLiteral("）");
 }
 
@@ -56,9 +61,10 @@ template <typename Work> void inParallel(int count, const Work &work)
         for (int number = next++; number < count; number = next++)
             work(number);
     };
-    std::vector<std::future<void>> others; // wait for their ends when they go
-    for (int thread = std::min(count - 1, QThread::idealThreadCount()); thread > 0; --thread)
-        others.push_back(std::async(std::launch::async, takeTurns));
+    const int others = std::min(count - 1, QThread::idealThreadCount());
+    WorkerPool pool(QStringLiteral("product photos"), others); // waits for its end when it goes
+    for (int thread = 0; thread < others; ++thread)
+        pool.start(takeTurns);
     takeTurns();
 }
 
@@ -107,12 +113,17 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
     if (progress)
         progress->total = copies.size();
     inParallel(copies.size(), [&stopped, progress, all = copies.data()](int number) {
-        if (stopped && stopped())
-            return;
         PhotoCopy &copy = all[number];
-        copy.ending = photofiles::copyOnto(copy.source, copy.target) ? PhotoCopy::Ending::Copied
-                                                                     : PhotoCopy::Ending::Failed;
-        if (progress)
+        copy.problem = problemOf([&] {
+            if (stopped && stopped())
+                return;
+            copy.ending = photofiles::copyOnto(copy.source, copy.target)
+                              ? PhotoCopy::Ending::Copied
+                              : PhotoCopy::Ending::Failed;
+        });
+        if (!copy.problem.isEmpty())
+            copy.ending = PhotoCopy::Ending::Failed;
+        if (progress && copy.ending != PhotoCopy::Ending::NotBegun)
             ++progress->done;
     });
     int notBegun = 0;

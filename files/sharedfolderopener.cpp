@@ -1,13 +1,11 @@
 #include "files/sharedfolderopener.h"
 
 #include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <QDeadlineTimer>
-#include <QFutureWatcher>
 #include <QProcess>
-#include <QThreadPool>
 #include <QUrl>
-#include <QtConcurrentRun>
 
 #include <algorithm>
 
@@ -20,15 +18,13 @@ constexpr int openTimeoutMs = 10000;
 constexpr int startTimeoutMs = 3000;
 constexpr int terminateTimeoutMs = 1000;
 
-using Flag = std::atomic<bool>;
-
 /// False when the program still runs after \a timeoutMs, or when nobody waits for it any more.
-bool waitForEnd(QProcess &process, int timeoutMs, const Flag &abandoned)
+bool waitForEnd(QProcess &process, int timeoutMs, const StopFlag &abandoned)
 {
     constexpr qint64 sliceMs = 100;
     const QDeadlineTimer deadline(timeoutMs);
     while (process.state() != QProcess::NotRunning) {
-        if (abandoned || deadline.hasExpired())
+        if (abandoned.isRaised() || deadline.hasExpired())
             return false;
         process.waitForFinished(int(std::min(sliceMs, deadline.remainingTime())));
     }
@@ -62,7 +58,7 @@ QString hostOf(const QString &path)
 }
 
 bool hostAnswers(const FolderCommands &commands, const QString &path, int timeoutMs,
-                 const Flag &abandoned)
+                 const StopFlag &abandoned)
 {
     const QString host = hostOf(path);
     if (host.isEmpty())
@@ -79,7 +75,7 @@ bool hostAnswers(const FolderCommands &commands, const QString &path, int timeou
 }
 
 FolderOpening showFolder(const FolderCommands &commands, const QString &path, int timeoutMs,
-                         const Flag &abandoned)
+                         const StopFlag &abandoned)
 {
     QProcess process;
     start(process, commands.showFolder(platform::toLocalPath(path)));
@@ -94,7 +90,8 @@ FolderOpening showFolder(const FolderCommands &commands, const QString &path, in
     return {false, platform::textOf(process.readAllStandardError()).trimmed()};
 }
 
-FolderOpening openFolder(const FolderCommands &commands, const QString &path, const Flag &abandoned)
+FolderOpening openFolder(const FolderCommands &commands, const QString &path,
+                         const StopFlag &abandoned)
 {
     if (path.trimmed().isEmpty())
         return {false, QStringLiteral("没有可以打开的文件夹")};
@@ -103,7 +100,7 @@ FolderOpening openFolder(const FolderCommands &commands, const QString &path, co
     if (isNetworkPath && !hostAnswers(commands, path, hostTimeoutMs, abandoned)) {
         return {false, QStringLiteral("无法连接到 %1：请检查网络或服务器状态").arg(hostOf(path))};
     }
-    if (abandoned)
+    if (abandoned.isRaised())
         return {};
     return showFolder(commands, path, openTimeoutMs, abandoned);
 }
@@ -113,21 +110,16 @@ FolderOpening openFolder(const FolderCommands &commands, const QString &path, co
 SharedFolderOpener::SharedFolderOpener(QObject *parent, FolderCommands commands)
     : QObject(parent)
     , commands_(std::move(commands))
-    , abandoned_(std::make_shared<Flag>(false))
-    , pool_(new QThreadPool)
+    , pool_(std::make_unique<WorkerPool>(QStringLiteral("folder opening"), foldersAtOnce,
+                                         threadExpiryMs))
 {
-    pool_->setObjectName(QStringLiteral("folder opening"));
-    pool_->setMaxThreadCount(foldersAtOnce);
-    pool_->setExpiryTimeout(threadExpiryMs);
 }
 
 SharedFolderOpener::~SharedFolderOpener()
 {
-    *abandoned_ = true;
-    pool_->clear();
-    // A pool waits for its threads when it goes, and a program that hangs on a dead share would
-    // freeze the closing window. The process itself ends when the last one is through.
-    QThreadPool::globalInstance()->start([pool = pool_] { delete pool; });
+    abandoned_.raise();
+    // A program that hangs on a dead share would freeze the closing window.
+    WorkerPool::retire(std::move(pool_));
 }
 
 void SharedFolderOpener::open(const QString &path)
@@ -137,17 +129,15 @@ void SharedFolderOpener::open(const QString &path)
     processing_.insert(normalizePath(path));
     emit stateChanged(path, true);
 
-    auto *watcher = new QFutureWatcher<FolderOpening>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, path] {
-        const FolderOpening result = watcher->result();
-        watcher->deleteLater();
-        markDone(path);
-        emit finished(result.success, result.errorText);
-    });
-    watcher->setFuture(
-        QtConcurrent::run(pool_, [commands = commands_, path, abandoned = abandoned_] {
-            return openFolder(commands, path, *abandoned);
-        }));
+    inPool(
+        pool_.get(), this,
+        [commands = commands_, path, abandoned = abandoned_] {
+            return openFolder(commands, path, abandoned);
+        },
+        [this, path](const FolderOpening &result) {
+            markDone(path);
+            emit finished(result.success, result.errorText);
+        });
 }
 
 QString SharedFolderOpener::normalizePath(const QString &path)
@@ -175,10 +165,10 @@ void SharedFolderOpener::markDone(const QString &path)
 
 bool SharedFolderOpener::isHostReachable(const QString &path, int timeoutMs) const
 {
-    return hostAnswers(commands_, path, timeoutMs, *abandoned_);
+    return hostAnswers(commands_, path, timeoutMs, abandoned_);
 }
 
 FolderOpening SharedFolderOpener::openInExplorer(const QString &path, int timeoutMs) const
 {
-    return showFolder(commands_, path, timeoutMs, *abandoned_);
+    return showFolder(commands_, path, timeoutMs, abandoned_);
 }

@@ -1,16 +1,16 @@
 #pragma once
 
 #include "platform/folderopening.h"
+#include "tasks/stopflag.h"
 
 #include <QObject>
 #include <QSet>
 #include <QString>
 
-#include <atomic>
 #include <functional>
 #include <memory>
 
-class QThreadPool;
+class WorkerPool;
 
 /// The programs that SharedFolderOpener starts. Called on its threads.
 struct FolderCommands
@@ -65,7 +65,7 @@ signals:
 private:
     FolderCommands commands_;
     /// Shared with the threads, which may outlive this object; set when nobody waits any more.
-    std::shared_ptr<std::atomic<bool>> abandoned_;
+    StopFlag abandoned_;
     QSet<QString> processing_;
-    QThreadPool *pool_; ///< ours until destruction, then its own last job's
+    std::unique_ptr<WorkerPool> pool_;
 };

@@ -8,12 +8,11 @@
 #include "photoimport/photorules.h"
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
+#include "tasks/task.h"
 
 #include <QDebug>
 #include <QFileInfo>
 #include <QMutexLocker>
-
-#include <exception>
 
 namespace {
 
@@ -90,15 +89,8 @@ bool tfimportworker::takeJob(PhotoJob *job)
 QString tfimportworker::process(const PhotoJob &job) const
 {
     QString error;
-    try {
-        return write(job);
-    } catch (const std::exception &exception) {
-        error = QStringLiteral("处理异常: %1").arg(QString::fromUtf8(exception.what()));
-    } catch (...) {
-        error = QStringLiteral("未知异常");
-    }
-    qDebug().noquote() << error;
-    return error;
+    const QString problem = problemOf([&] { error = write(job); });
+    return problem.isEmpty() ? error : problem;
 }
 
 QString tfimportworker::write(const PhotoJob &job) const

@@ -79,10 +79,17 @@ std::function<void()> job(QObject *context, Work work, Done done)
 
 } // namespace background
 
-/// Runs \a work (plain values in, a value or nothing out), which touches the disks that \a paths
-/// lie on (wire form or this machine's), and then \a done with its result on the thread of \a
-/// context. When \a context dies first, \a done never runs. Call it on that thread. Throwing is not
-/// allowed.
+/// Runs \a work (plain values in, a value or nothing out) on a thread of \a pool and then \a done
+/// with its result on the thread of \a context. When \a context dies first, \a done never runs.
+/// Call it on that thread. Throwing is not allowed.
+template <typename Work, typename Done>
+void inPool(WorkerPool *pool, QObject *context, Work work, Done done)
+{
+    pool->start(background::job(context, std::move(work), std::move(done)));
+}
+
+/// The same on the disk pool, for \a work that touches the disks that \a paths (wire form or this
+/// machine's) lie on.
 template <typename Work, typename Done>
 void onDisk(QObject *context, const QStringList &paths, Work work, Done done)
 {
@@ -96,14 +103,14 @@ void onDisk(QObject *context, const QString &path, Work work, Done done)
     onDisk(context, QStringList(path), std::move(work), std::move(done));
 }
 
-/// The same for \a work that touches no disk.
+/// The same on the processor pool, for \a work that touches no disk.
 template <typename Work, typename Done> void onProcessor(QObject *context, Work work, Done done)
 {
-    processorPool().start(background::job(context, std::move(work), std::move(done)));
+    inPool(&processorPool(), context, std::move(work), std::move(done));
 }
 
 /// The same for work on disks that nobody names.
 template <typename Work, typename Done> void inBackground(QObject *context, Work work, Done done)
 {
-    diskPool().start(background::job(context, std::move(work), std::move(done)));
+    inPool(&diskPool(), context, std::move(work), std::move(done));
 }

@@ -12,7 +12,6 @@
 #include <QImageReader>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QThreadPool>
 #include <QtTest>
 
 #include <stdexcept>
@@ -272,23 +271,28 @@ private slots:
         QCOMPARE(createProductFolders(detail, QString(), at("out"), [] { return true; }),
                  QStringList{"已停止，2张产品照片未拷贝"_s});
         QVERIFY(filesBelow(at("out")).isEmpty());
+        product.imgs.removeLast();
+        detail.goods = {product, product};
+        for (const QString &error :
+             createProductFolders(detail, QString(), at("out"), []() -> bool { throw 7; }))
+            QVERIFY2(error.startsWith("a.jpg拷贝失败（"_s) && error.contains("未知异常"_s),
+                     qUtf8Printable(error));
     }
 
     /// Each task reports once, whatever becomes of it.
     void endings()
     {
-        const auto stop = std::make_shared<std::atomic<bool>>(false);
+        StopFlag stop;
         QVector<std::optional<TaskResult>> reports;
         const auto run = [&](const PerformTask &perform) {
-            QThreadPool pool;
-            pool.start(new FJDataThread(task("拷贝照片", "成品"), stop, perform,
-                                        [&](const auto &result) { reports.append(result); }));
-            pool.waitForDone();
+            FJDataThread thread(task("拷贝照片", "成品"), stop, perform);
+            thread.run();
+            reports.append(thread.result());
         };
         run(&FJDataOperate::perform);
         run([](const DistributionTask &) -> TaskResult { throw std::runtime_error("oh"); });
         run([](const DistributionTask &) -> TaskResult { throw 7; });
-        *stop = true;
+        stop.raise();
         run(&FJDataOperate::perform);
         QCOMPARE(reports.size(), 4);
         QVERIFY(reports.at(0)->success);

@@ -2,6 +2,7 @@
 #include "distribution/foldernames.h"
 #include "distribution/productionsheet.h"
 #include "distribution/sheethtml.h"
+#include "tasks/workerpool.h"
 #include "tests/support/files.h"
 #include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
@@ -12,7 +13,6 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QtConcurrentRun>
 #include <QtTest>
 
 namespace {
@@ -312,9 +312,11 @@ void TestSheet::printed()
     writeFile(folder + "/其他/条形码.jpg"_s, jpegOf(cornerPicture(QSize(2000, 600))));
 
     const PlannedPictures pictures = planned(detail, folder);
-    QCOMPARE(
-        QtConcurrent::run([&] { return printProductionSheet(detail, folder, pictures); }).result(),
-        QString());
+    QString problem = "not printed"_s;
+    WorkerPool pool("printing"_s, 1);
+    pool.start([&] { problem = printProductionSheet(detail, folder, pictures); });
+    pool.waitForDone();
+    QCOMPARE(problem, QString());
     QCOMPARE(QDir(folder).entryList(QDir::Files | QDir::Hidden), QStringList{"明细制作单.pdf"_s});
     if (QStandardPaths::findExecutable("pdfinfo"_s).isEmpty())
         QSKIP("Reading it back needs the programs of poppler-utils.");
