@@ -4,11 +4,10 @@
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
 #include "batchdelete/filescanthread.h"
-#include "platform/pathform.h"
+#include "batchdelete/orderfolder.h"
 #include "tasks/background.h"
 
 #include <QDebug>
-#include <QDir>
 
 #include <algorithm>
 #include <utility>
@@ -102,10 +101,13 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
     retrying_ = true;
     current_ = 0;
     pending_ = pending;
-    if (unannounced.isEmpty())
-        processNextFile();
-    else
-        announce(unannounced);
+    phase_ = Phase::Checking;
+    lookAtFolder([this, unannounced](const QString &) { // links are looked for with each file
+        if (unannounced.isEmpty())
+            processNextFile();
+        else
+            announce(unannounced);
+    });
     return true;
 }
 
@@ -154,18 +156,32 @@ void BatchDeleteRun::startNextOrder()
     emit orderStarted(order().id);
     listFiles(order().unreportedFiles());
     // Time has passed since the plan was made.
+    lookAtFolder([this](const QString &refusal) {
+        if (refusal.isEmpty())
+            scanOrder();
+        else
+            skipOrder(refusal);
+    });
+}
+
+/// Hands \a next why the order's folder must not be entered, empty when it may be.
+void BatchDeleteRun::lookAtFolder(const std::function<void(const QString &refusal)> &next)
+{
+    struct Look
+    {
+        QString refusal;
+        QByteArray holder;
+    };
     onDisk(
         this, order().netPath,
         [path = order().netPath, publicRoots = publicRoots_] {
-            return deletionrules::linkRefusal(path, publicRoots);
+            return Look{deletionrules::linkRefusal(path, publicRoots), orderfolder::holderOf(path)};
         },
-        [this, step = ++step_](const QString &refusal) {
+        [this, next, step = ++step_](const Look &look) {
             if (step != step_)
                 return;
-            if (refusal.isEmpty())
-                scanOrder();
-            else
-                skipOrder(refusal);
+            holder_ = look.holder;
+            next(look.refusal);
         });
 }
 
@@ -280,27 +296,27 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
     // it, with every file still on it.
     onDisk(
         this, order().netPath,
-        [path = order().netPath] { return QDir(platform::toLocalPath(path)).exists(); },
-        [this, file, unreachable, step = ++step_](bool reachable) {
+        [path = order().netPath, holder = holder_] { return orderfolder::lookFor(path, holder); },
+        [this, file, unreachable, step = ++step_](const orderfolder::Look &look) {
             if (step != step_)
                 return;
-            if (!reachable) {
-                onFolderGone(file);
-            } else if (unreachable) {
+            if (look.state == orderfolder::State::There && unreachable) {
                 setFile(file_, file);
                 processNextFile();
-            } else {
+            } else if (look.state != orderfolder::State::Unreachable && !unreachable) {
                 report(file);
+            } else {
+                onFolderGone(file, unreachable ? orderfolder::unreachableText() : look.reason);
             }
         });
 }
 
 /// The files that are left fail for the same reason: each of them could wait for the dead share.
-void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file)
+void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file, const QString &reason)
 {
     file.missing = false;
     file.state = BatchDeleteFileInfo::Failed;
-    file.reason = QStringLiteral("网络路径无法访问");
+    file.reason = reason;
     QVector<BatchDeleteFileInfo> files = order().files();
     files[file_] = file;
     for (const int index : qAsConst(pending_)) {

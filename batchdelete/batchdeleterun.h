@@ -4,6 +4,7 @@
 #include "batchdelete/deletionreporter.h"
 #include "net/servicecall.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -11,6 +12,7 @@
 #include <QTimer>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 class BatchdeleteThread;
@@ -99,6 +101,7 @@ private:
                const QStringList &publicRoots);
     void endSoon();
     void startNextOrder();
+    void lookAtFolder(const std::function<void(const QString &refusal)> &next);
     void scanOrder();
     void onScanned(const FileScanResult &result);
     void announce(const QVector<BatchDeleteFileInfo> &files);
@@ -106,7 +109,7 @@ private:
     void processNextFile();
     void deleteFile();
     void onFileProcessed(BatchDeleteFileInfo file);
-    void onFolderGone(BatchDeleteFileInfo file);
+    void onFolderGone(BatchDeleteFileInfo file, const QString &reason);
     void report(const BatchDeleteFileInfo &file);
     void onReported(BatchDeleteFileInfo file, bool reported);
     void listFiles(const QVector<BatchDeleteFileInfo> &files);
@@ -122,6 +125,7 @@ private:
     QStringList publicRoots_; ///< see deletionrules
     QVector<BatchDeleteOrderInfo> orders_;
     int current_ = -1;
+    QByteArray holder_; ///< tells the folder around the current order's, as it was at its beginning
     QVector<int> pending_; ///< indexes of the order's files still to be processed, last one first
     int file_ = -1;        ///< index of the file being processed
     int skipped_ = 0;

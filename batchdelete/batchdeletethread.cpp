@@ -1,5 +1,6 @@
 #include "batchdelete/batchdeletethread.h"
 
+#include "batchdelete/orderfolder.h"
 #include "platform/drives.h"
 #include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
@@ -15,6 +16,11 @@ namespace {
 QString unknownFailureText()
 {
     return QStringLiteral("删除失败，未知原因");
+}
+
+QString notWritableText()
+{
+    return QStringLiteral("没有删除权限");
 }
 
 /// Server and share of a share path; otherwise empty.
@@ -75,8 +81,11 @@ void BatchdeleteThread::removeOrDiagnose()
         file_.changed = true;
         setResult(BatchDeleteFileInfo::Failed, changedFileText());
         break;
+    case platform::Removal::Denied:
+        diagnose({BatchDeleteFileInfo::NotWritable, notWritableText()});
+        break;
     case platform::Removal::Refused:
-        diagnose();
+        diagnose({BatchDeleteFileInfo::UnknownFailure, unknownFailureText()});
         break;
     }
 }
@@ -93,7 +102,8 @@ QString BatchdeleteThread::linkOnTheWay() const
     return link == way.cend() ? QString() : *link;
 }
 
-void BatchdeleteThread::diagnose()
+/// \a otherwise: the result when nothing else explains the failure.
+void BatchdeleteThread::diagnose(const Result &otherwise)
 {
     if (stopped_.isRaised())
         return;
@@ -106,15 +116,15 @@ void BatchdeleteThread::diagnose()
         return;
     file_.missing = presence == platform::Presence::Gone && !unreachable;
     if (unreachable)
-        setResult(BatchDeleteFileInfo::Unreachable, QStringLiteral("网络路径无法访问"));
+        setResult(BatchDeleteFileInfo::Unreachable, orderfolder::unreachableText());
     else if (file_.missing)
         setResult(BatchDeleteFileInfo::Deleted, {});
     else if (presence == platform::Presence::Denied || (there && !writable))
-        setResult(BatchDeleteFileInfo::NotWritable, QStringLiteral("没有删除权限"));
+        setResult(BatchDeleteFileInfo::NotWritable, notWritableText());
     else if (inUse)
         setResult(BatchDeleteFileInfo::InUse, QStringLiteral("文件被其他程序占用"));
     else
-        setResult(BatchDeleteFileInfo::UnknownFailure, unknownFailureText());
+        setResult(otherwise.first, otherwise.second);
 }
 
 void BatchdeleteThread::setResult(BatchDeleteFileInfo::State state, const QString &reason)

@@ -6,6 +6,8 @@
 #include <QStringList>
 #include <QThread>
 
+#include <utility>
+
 /// Deletes one file and, when that fails, works out why. Left alone is a file that is not what was
 /// listed any more, and one whose folder, or one on the way to it, has become a link. Release it on
 /// finished().
@@ -31,7 +33,8 @@ protected:
 private:
     void removeOrDiagnose();
     QString linkOnTheWay() const;
-    void diagnose();
+    using Result = std::pair<BatchDeleteFileInfo::State, QString>;
+    void diagnose(const Result &otherwise);
     void setResult(BatchDeleteFileInfo::State state, const QString &reason);
 
     QString orderPhotoId_;

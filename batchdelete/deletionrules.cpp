@@ -43,11 +43,6 @@ QString slashed(QString path)
     return path.replace(QLatin1Char('\\'), slash);
 }
 
-QString localFolder(const QString &netPath)
-{
-    return QDir::cleanPath(QDir::fromNativeSeparators(platform::toLocalPath(netPath)));
-}
-
 /// A folder, and those above it, each by everything it can be known by: the key of its path, and
 /// what the disk says.
 class Place
@@ -251,6 +246,11 @@ FolderKey folderKey(const QString &path)
     if (server == QLatin1String("?") || server == QLatin1String("."))
         return {};
     return {QStringLiteral("//") + names.join(slash), depth, depth <= 2};
+}
+
+QString localFolder(const QString &netPath)
+{
+    return QDir::cleanPath(QDir::fromNativeSeparators(platform::toLocalPath(netPath)));
 }
 
 QString folderRefusal(const QString &netPath, const QStringList &publicRoots)

@@ -25,6 +25,9 @@ struct FolderKey
 };
 FolderKey folderKey(const QString &path);
 
+/// The folder in this machine's form, without anything superfluous.
+QString localFolder(const QString &netPath);
+
 /// What tells a folder, given in this machine's form, from every other; empty for unknown.
 using IdentityOf = std::function<QByteArray(const QString &folder)>;
 

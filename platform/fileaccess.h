@@ -33,8 +33,14 @@ bool isSameFile(const QString &one, const QString &other);
 /// exist or cannot be opened for other reasons. Touches the disk.
 bool isInUse(const QString &path);
 
-/// Removes the file at \a path, or a link as a link; never a folder. False, and the file stays,
-/// when it may not be removed or another program holds it. Blocks; for worker threads.
-bool removeFile(const QString &path);
+enum class Removal {
+    Removed,
+    Changed, ///< it is another file by now, see removeListed()
+    Denied,  ///< the system says that this user may not
+    Refused, ///< it carries a read-only mark, another program holds it, or anything else
+};
+/// Removes the file at \a path, or a link as a link; never a folder. In all cases but the first it
+/// stays. Blocks; for worker threads.
+Removal removeFile(const QString &path);
 
 } // namespace platform

@@ -85,18 +85,20 @@ bool isInUse(const QString &path)
     return regionLocked || wholeLocked;
 }
 
-bool removeFile(const QString &path)
+Removal removeFile(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
     struct stat info
     {
     };
     if (lstat(name.constData(), &info) != 0 || !mayBeRemoved(path))
-        return false;
+        return Removal::Refused;
     // The system would remove what others work with; only what is open there and then stays.
     if (!S_ISLNK(info.st_mode) && isInUse(path))
-        return false;
-    return unlink(name.constData()) == 0;
+        return Removal::Refused;
+    if (unlink(name.constData()) == 0)
+        return Removal::Removed;
+    return errno == EACCES || errno == EPERM || errno == EROFS ? Removal::Denied : Removal::Refused;
 }
 
 } // namespace platform

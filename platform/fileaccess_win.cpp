@@ -84,10 +84,12 @@ bool isInUse(const QString &path)
     return false;
 }
 
-bool removeFile(const QString &path)
+Removal removeFile(const QString &path)
 {
     // The long form also keeps names with a dot or a blank at their end apart from their namesakes.
-    return DeleteFileW(longPath(path).c_str()) != 0;
+    if (DeleteFileW(longPath(path).c_str()))
+        return Removal::Removed;
+    return GetLastError() == ERROR_ACCESS_DENIED ? Removal::Denied : Removal::Refused;
 }
 
 } // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/fileaccess.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -42,13 +44,8 @@ FolderListing listFolder(const QString &folder,
 /// something is mounted. False for what does not exist. Touches the disk.
 bool isLink(const QString &path);
 
-enum class Removal {
-    Removed,
-    Changed, ///< another file, or other content, has the name by now; it stays
-    Refused, ///< see removeFile()
-};
-/// Removes the file at \a path, or a link as a link, if it still is what listFolder() told of it.
-/// Blocks; for worker threads.
+/// Does as removeFile() if what is at \a path still is what listFolder() told of it. Blocks; for
+/// worker threads.
 Removal removeListed(const QString &path, qint64 size, qint64 modified);
 
 /// What tells the folder at \a path, links followed, from every other: two paths with the same

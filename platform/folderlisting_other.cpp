@@ -1,4 +1,3 @@
-#include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
 
 #include <QFile>
@@ -169,7 +168,7 @@ Removal removeListed(const QString &path, qint64 size, qint64 modified)
     if (lstat(QFile::encodeName(path).constData(), &info) == 0 && !S_ISDIR(info.st_mode) &&
         (info.st_size != size || ticksOf(info) != modified))
         return Removal::Changed;
-    return removeFile(path) ? Removal::Removed : Removal::Refused;
+    return removeFile(path);
 }
 
 QByteArray folderIdentity(const QString &path)

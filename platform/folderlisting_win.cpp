@@ -1,4 +1,3 @@
-#include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
 #include "platform/longpath_win.h"
 
@@ -173,7 +172,7 @@ Removal removeListed(const QString &path, qint64 size, qint64 modified)
              ticksOf(now.info().ftLastWriteTime) != modified))
             return Removal::Changed;
     }
-    return removeFile(path) ? Removal::Removed : Removal::Refused;
+    return removeFile(path);
 }
 
 QByteArray folderIdentity(const QString &path)

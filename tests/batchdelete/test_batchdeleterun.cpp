@@ -310,8 +310,21 @@ private slots:
         QCOMPARE(shown_.value(order.id).succeeded(), 1);
         QCOMPARE(shown_.value(order.id).failed(), 2);
         QCOMPARE(booked(order, "deleted").size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.id)).endsWith("网络路径无法访问"_s));
+        QVERIFY(deletionreport::failedList(shown_.value(order.id)).endsWith("订单目录无法访问"_s));
         QVERIFY(!shown_.value(order.id).note.isEmpty());
+    }
+
+    void aFolderThatIsRemovedIsADeletion()
+    {
+        const auto order = makeOrder(0, 3);
+        demo_.hold(after);
+        start({order});
+        QTRY_COMPARE(demo_.held(), 1);
+        QVERIFY(QDir(pathOf(order)).removeRecursively());
+        demo_.release();
+        QTRY_COMPARE(ends_.size(), 1);
+        QCOMPARE(states(order), "222"_s);
+        QCOMPARE(booked(order, "deleted").size(), 3);
     }
 
     void stops_data()

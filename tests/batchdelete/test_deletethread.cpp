@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -52,6 +53,16 @@ private slots:
         QFile::setPermissions(path_, QFile::ReadOwner | QFile::WriteOwner);
         path_ = folder_->path(); // no file
         QCOMPARE(outcome(), "7 没有删除权限 stays"_s);
+    }
+    void whatTheSystemDeniesStays()
+    {
+        // The file is writable; its folder lets nothing go.
+        const QString folder = QFileInfo(path_).path();
+        if (QProcess::execute("chattr"_s, {"+a"_s, folder}) != 0)
+            QSKIP("no such folders here");
+        const QString denied = outcome();
+        QProcess::execute("chattr"_s, {"-a"_s, folder});
+        QCOMPARE(denied, "7 没有删除权限 stays"_s);
     }
     void aFileInUseStays()
     {
