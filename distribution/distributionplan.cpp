@@ -4,6 +4,7 @@
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
 #include "distribution/photoidentity.h"
+#include "files/pathgate.h"
 #include "files/safename.h"
 
 #include <QHash>
@@ -174,6 +175,10 @@ Planner::Place Planner::add(DistributionTask task, const QString &subFolder)
     if (!name.isEmpty())
         return {path + name};
     name = folder.names.take(wanted);
+    if (!pathgate::isBelow(path + name, request_.orderFolder)) {
+        plan_.problems.append(QStringLiteral("%1不在订单文件夹中，没有写入").arg(path + name));
+        return {};
+    }
     if (name != wanted) {
         plan_.problems.append(
             QStringLiteral("%1文件名重复，另存为 %2（%3）").arg(task.imgName, name, source));
@@ -225,7 +230,9 @@ void Planner::takeOriginals(const QString &type, const QString &folder)
     for (const DetailPhoto &photo : detail_.images) {
         if (isLeftOut(photo))
             continue;
-        const QString name = fileName(take(photo, type, folder).path);
+        const Place place = take(photo, type, folder);
+        const QString reported = place.isNew ? plan_.tasks.constLast().imageId : QString();
+        const QString name = fileName(place.path);
         const bool renamed = !name.isEmpty() && name != safeFileName(photo.imgName);
         const QStringList raws = findRaws_(photo.source());
         for (const QString &raw : raws) {
@@ -235,7 +242,8 @@ void Planner::takeOriginals(const QString &type, const QString &folder)
             // It stays beside its photo, not beside the one that has the name.
             if (renamed)
                 beside.imgName = withoutSuffix(name) + suffixOf(raw);
-            take(beside, type, folder);
+            if (take(beside, type, folder).isNew)
+                plan_.tasks.last().imageId = reported;
         }
     }
 }

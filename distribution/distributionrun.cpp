@@ -5,6 +5,7 @@
 #include "distribution/productfolders.h"
 #include "distribution/rawfiles.h"
 #include "files/filewriting.h"
+#include "files/pathgate.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -35,6 +36,9 @@ struct Planned
 /// Blocks; for worker threads.
 Planned prepare(PlanRequest request, const QString &namingRule)
 {
+    const pathgate::Flaw flaw = pathgate::flawOf(request.orderFolder);
+    if (flaw != pathgate::Flaw::None)
+        return {request.orderFolder + QLatin1Char(' ') + pathgate::reasonOf(flaw), {}};
     if (!makeFolder(request.orderFolder))
         return {request.orderFolder + QStringLiteral(" 路径创建失败/连接不上服务端"), {}};
     // What an earlier run that was killed has left must not go to the factory.
@@ -145,6 +149,7 @@ void DistributionRun::startNextOrder()
     listSettled_ = 0;
     orderTask_.clear();
     written_.clear();
+    outstanding_.clear();
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
     announceStep();
@@ -227,8 +232,11 @@ void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &pla
     expected_ = photoResults_ + (plan.makesProducts ? 2 : 0);
     listSize_ = detail_->images.size();
     listSettled_ = listSize_;
-    for (const DistributionTask &task : plan.tasks)
-        listSettled_ -= task.imageId.isEmpty() ? 0 : 1;
+    for (const DistributionTask &task : plan.tasks) {
+        if (!task.imageId.isEmpty())
+            ++outstanding_[task.imageId];
+    }
+    listSettled_ -= outstanding_.size();
     emit progressChanged(0, expected_);
     if (expected_ == 0) {
         if (plan.problems.isEmpty())
@@ -277,8 +285,6 @@ void DistributionRun::count(const TaskResult &result)
     if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
         result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
         ++downPhotoFinishNums_;
-    if (!result.imgData.isEmpty())
-        ++listSettled_;
     // The products' failures name their folders themselves.
     addErrors(result.errmsg, result.type == tasktype::createProducts ? QString() : result.copyFile);
     switch (runMode(settings_.type)) {
@@ -304,15 +310,14 @@ void DistributionRun::countDelivery()
 void DistributionRun::countDownload(const TaskResult &result)
 {
     emit progressChanged(copyPicFinishNum_, expected_);
-    report(result);
+    settle(result);
     if (copyPicFinishNum_ == expected_)
         completeOrder();
 }
 
 void DistributionRun::countDistribution(const TaskResult &result)
 {
-    if (result.type == tasktype::downloadOriginals)
-        report(result);
+    settle(result);
     const int progress = copyPicFinishNum_ + listSettled_ - listSize_;
     qDebug() << "下载选片结果 copypic" << progress << yesNo(isSaveHtml_);
     if (!result.errmsg.isEmpty())
@@ -371,9 +376,17 @@ void DistributionRun::announceStep()
         emit stepChanged(counted(QStringLiteral("正在拷贝照片"), copyPicFinishNum_, photoResults_));
 }
 
-void DistributionRun::report(const TaskResult &result)
+/// The service is told of a photo when the last of its files is on the medium.
+void DistributionRun::settle(const TaskResult &result)
 {
-    if (!result.success || result.imgData.isEmpty())
+    const auto files = outstanding_.find(result.imgData);
+    if (files == outstanding_.end())
+        return;
+    if (result.success && --*files > 0)
+        return;
+    outstanding_.erase(files);
+    ++listSettled_;
+    if (!result.success)
         return;
     reports_.add(result.imgData, settings_.identity);
     emit photoDownloaded(current().orderPhotoId, result.imgData);

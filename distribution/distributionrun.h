@@ -102,7 +102,7 @@ private:
     void countDownload(const TaskResult &result);
     void countDistribution(const TaskResult &result);
     void countDelivery();
-    void report(const TaskResult &result);
+    void settle(const TaskResult &result);
     void addErrors(const QString &lines, const QString &file = {});
     void completeOrder();
     void countOtherFiles();
@@ -142,6 +142,9 @@ private:
     int proFinishNum_ = 0;
     int downPhotoFinishNums_ = 0;
     bool isSaveHtml_ = false;
+    /// Files of each photo that are still to come before the service is told of it, by its id; no
+    /// photo that one of them has failed for is here.
+    QHash<QString, int> outstanding_;
     int listSize_ = 0;    ///< photos of the order that can be downloaded
     int listSettled_ = 0; ///< of them those that need nothing any more
 

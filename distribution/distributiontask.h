@@ -27,8 +27,10 @@ struct DistributionTask
     QString sourcePath;   ///< as the reply writes it
     QString targetFolder; ///< as this machine writes it; what the file goes into, or below
     QString imgName;      ///< as the reply writes it: made safe where it becomes a name on disk
-    QString imageId;      ///< handed back with the result; empty when nobody is told of this file
-    QString data;         ///< "存储照片": a data URL, or the text of a text file
+    /// Handed back with the result; of all files that have to be there before the service is told
+    /// that the photo was downloaded. Empty when nobody is told of this file.
+    QString imageId;
+    QString data;          ///< "存储照片": a data URL, or the text of a text file
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
     PlannedPictures pictures;               ///< "生成Html": those that the sheet shows
     QString namingRule;                     ///< "创建产品": the rule as JSON text

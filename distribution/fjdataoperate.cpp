@@ -58,6 +58,9 @@ TaskResult copyInto(const DistributionTask &task, const QString &source, const Q
                     const CopyTexts &texts, CopyOperation copy = copyAsItIs)
 {
     const QString target = targetIn(folder, task);
+    const QString flaw = flawOfSource(source);
+    if (!flaw.isEmpty())
+        return failed(task, target, task.imgName + flaw);
     if (!QFileInfo(source).isFile())
         return failed(task, target, task.imgName + texts.missing);
     if (!photofiles::ensureFolder(folder))
@@ -160,8 +163,9 @@ TaskResult storePhoto(const DistributionTask &task)
         return storeText(task, target);
     QByteArray bytes = bytesOfDataUrl(task.data);
     if (task.data.isEmpty()) {
-        QFile file(sourceOnDisk(task.sourcePath));
-        if (task.sourcePath.isEmpty() || !file.open(QIODevice::ReadOnly))
+        const QString source = sourceOnDisk(task.sourcePath);
+        QFile file(source);
+        if (source.isEmpty() || !flawOfSource(source).isEmpty() || !file.open(QIODevice::ReadOnly))
             return failed(task, target, task.imgName + QStringLiteral("文件不存在"));
         bytes = file.readAll();
     }

@@ -3,6 +3,7 @@
 #include "distribution/foldernames.h"
 #include "distribution/photofiles.h"
 #include "distribution/rawfiles.h"
+#include "files/pathgate.h"
 #include "files/paths.h"
 #include "tasks/task.h"
 #include "tasks/workerpool.h"
@@ -44,6 +45,9 @@ void planCopies(const DetailProduct &product, const QString &folder, QVector<Pho
 QString failure(const PhotoCopy &copy)
 {
     const QString product = copy.target.section(QLatin1Char('/'), -2, -2);
+    const QString flaw = flawOfSource(copy.source);
+    if (!flaw.isEmpty())
+        return copy.name + flaw + QStringLiteral("（") + product + QStringLiteral("）");
     QString reason;
     if (!copy.problem.isEmpty())
         reason = QStringLiteral("，") + copy.problem;
@@ -104,7 +108,7 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
     const QVector<DetailProduct> products = detail.products();
     for (int index = 0; index < products.size(); ++index) {
         const QString &folder = folders.at(index);
-        if (photofiles::ensureFolder(folder))
+        if (pathgate::isBelow(folder, orderFolder) && photofiles::ensureFolder(folder))
             planCopies(products.at(index), folder, &copies);
         else
             errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
@@ -117,9 +121,9 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
         copy.problem = problemOf([&] {
             if (stopped && stopped())
                 return;
-            copy.ending = photofiles::copyOnto(copy.source, copy.target)
-                              ? PhotoCopy::Ending::Copied
-                              : PhotoCopy::Ending::Failed;
+            const bool copied = flawOfSource(copy.source).isEmpty() &&
+                                photofiles::copyOnto(copy.source, copy.target);
+            copy.ending = copied ? PhotoCopy::Ending::Copied : PhotoCopy::Ending::Failed;
         });
         if (!copy.problem.isEmpty())
             copy.ending = PhotoCopy::Ending::Failed;

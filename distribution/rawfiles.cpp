@@ -1,5 +1,6 @@
 #include "distribution/rawfiles.h"
 
+#include "files/pathgate.h"
 #include "files/paths.h"
 #include "platform/pathform.h"
 
@@ -11,6 +12,15 @@ QString sourceOnDisk(const QString &replyPath)
     QString path = replyPath;
     path.replace(QLatin1String("\\/"), QLatin1String("/"));
     return platform::toLocalPath(path);
+}
+
+QString flawOfSource(const QString &source)
+{
+    const pathgate::Flaw flaw = pathgate::flawOf(source);
+    if (flaw == pathgate::Flaw::None || flaw == pathgate::Flaw::Empty)
+        return {};
+    return QStringLiteral("的路径错误，") + pathgate::reasonOf(flaw) + QStringLiteral(": ") +
+           source;
 }
 
 const RawFiles::Listing &RawFiles::listing(const QString &folder)
@@ -30,7 +40,10 @@ QStringList RawFiles::beside(const QString &photoPath)
     static const QStringList suffixes{QStringLiteral(".cr2"), QStringLiteral(".raw"),
                                       QStringLiteral(".nef"), QStringLiteral(".arw"),
                                       QStringLiteral(".cr3"), QStringLiteral(".raf")};
-    const QFileInfo photo(sourceOnDisk(photoPath));
+    const QString path = sourceOnDisk(photoPath);
+    if (!flawOfSource(path).isEmpty())
+        return {};
+    const QFileInfo photo(path);
     QStringList raws;
     for (const QString &suffix : suffixes) {
         const QString name = photo.completeBaseName() + suffix;

@@ -26,3 +26,7 @@ private:
 /// A photo's path as the service writes it, with slashes that the reply escaped, in the form that
 /// this machine's disk calls take.
 QString sourceOnDisk(const QString &replyPath);
+/// What speaks against reading \a source, a path that a reply named, as sourceOnDisk() gives it;
+/// empty when nothing does. A path that is missing altogether is as good as a file that is not
+/// there.
+QString flawOfSource(const QString &source);

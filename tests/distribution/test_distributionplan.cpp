@@ -139,7 +139,7 @@ private slots:
         QCOMPARE(described(plan).mid(0, 5),
                  (QStringList{"下载原始档 原始档/a.jpg <- /x/a.jpg 1"_s,
                               "下载原始档 原始档/A (2).jpg <- /y/a.jpg 2"_s,
-                              "下载原始档 原始档/A (2).CR2 <- /y/a.CR2"_s,
+                              "下载原始档 原始档/A (2).CR2 <- /y/a.CR2 2"_s,
                               "下载原始档 原始档/../d.jpg <- /z/d.jpg 4"_s,
                               "下载精修片 原图/a.jpg <- /x/a.jpg"_s}));
         QCOMPARE(plan.tasks.size(), 7);

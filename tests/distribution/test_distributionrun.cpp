@@ -204,6 +204,13 @@ private slots:
                  spreadOut({"原始档/IMG_000{5,7,9}.jpg"_s, "原始档/IMG_0005.nef"_s,
                             "精修/IMG_0005.jpg"_s}));
         QCOMPARE(demo_.requests(reports).size(), 4); // IMG_0005 is two photos to the service
+
+        // A photo counts with all its files: the place of a raw file is taken by a folder.
+        demo_.clearRequests();
+        QVERIFY(QDir(target(orderFolder + "/原始档"_s)).removeRecursively());
+        QVERIFY(QDir().mkpath(target(orderFolder + "/原始档/IMG_0005.nef"_s)));
+        run({order(1)}, settings(Type::DownloadOriginals, "o"_s));
+        QCOMPARE(demo_.requests(reports).size(), 3);
     }
 
     void countsInEachMode_data()

@@ -118,6 +118,8 @@ private slots:
         each.subType = role;
         each.sourcePath = at("in/all/none.jpg");
         QCOMPARE(FJDataOperate::perform(each).errmsg, "a.jpg"_s + missing);
+        each.sourcePath = QDir::current().relativeFilePath(at("in/all/a.jpg"));
+        QVERIFY(FJDataOperate::perform(each).errmsg.startsWith("a.jpg的路径错误，"_s));
         QVERIFY(!QFileInfo::exists(at("out")));
 
         each.sourcePath = at("in/all/a.jpg");
@@ -339,6 +341,7 @@ void TestFileOperations::productFolders()
     product.goodName = "册/.."_s;
     product.imgs = {photo("a.jpg", "in/all/a.jpg"), photo("a.jpg", "in/all/a.jpg"),
                     photo("A.jpg", "in/b/a.jpg"), photo("lost.jpg", "in/all/lost.jpg")};
+    const QString astray = "b/a.jpg"_s;
     DetailProduct set;
     set.goodName = "套"_s;
     set.isUrgent = "0"_s;
@@ -347,6 +350,8 @@ void TestFileOperations::productFolders()
     set.sonGood = {part};
     detail->urgentGoods = {set};
     detail->goods = {product, product};
+    product.imgs.last().picPath = astray;
+    detail->goods.last().imgs.append(product.imgs.last());
     DistributionTask create = task("创建产品");
     create.detail = detail;
     create.namingRule = s(R"([{"name":"","key":"name","separator":""}])");
@@ -354,7 +359,8 @@ void TestFileOperations::productFolders()
         const TaskResult result = FJDataOperate::perform(create);
         QVERIFY(!result.success);
         QCOMPARE(result.errmsg,
-                 "lost.jpg拷贝失败（册_，照片不存在）\nlost.jpg拷贝失败（册_ (2)，照片不存在）"_s);
+                 "lost.jpg拷贝失败（册_，照片不存在）\nlost.jpg拷贝失败（册_ (2)，照片不存在）\n"
+                 "lost.jpg的路径错误，不是完整的路径: %1（册_ (2)）"_s.arg(astray));
         QCOMPARE(
             filesBelow(at("out")),
             (QStringList{"厂 - 取/册_ (2)/A (2).jpg"_s, "厂 - 取/册_ (2)/a.jpg"_s,
