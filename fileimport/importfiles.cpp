@@ -136,6 +136,13 @@ void ImportFiles::connectRun()
 {
     const ImportRun *run = run_.get();
     connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
+    connect(run, &ImportRun::filesChanged, this,
+            [this](const QString &orderId, const QVector<ImportFile> &files) {
+                orders_.change(orders_.rowOf(orderId),
+                               [&files](ImportOrder &order) { order.files = files; });
+                if (orderId == shownOrderId_)
+                    files_.setFiles(files);
+            });
     connect(run, &ImportRun::orderActivityChanged, this,
             [this](const QString &orderId, bool importing) {
                 const int row = orders_.rowOf(orderId);

@@ -1,5 +1,6 @@
 #include "fileimport/importrequests.h"
 
+#include "fileimport/importrules.h"
 #include "net/formbody.h"
 #include "net/replyfields.h"
 
@@ -70,6 +71,20 @@ QString noticeSection(const QString &heading, const QStringList &names)
         return {};
     return heading + QStringLiteral("<br/><span style=\"font-size: 23px; color: #FF0000;\">") +
            names.join(QStringLiteral(", ")).toHtmlEscaped() + QStringLiteral("</span>");
+}
+
+struct Differences
+{
+    QStringList images;
+    QStringList rawImages;
+};
+
+Differences differencesOf(ImportMode mode, const BatchReply &reply)
+{
+    Differences differences{difference(reply.localImages, reply.serverImages), {}};
+    if (mode == ImportMode::Originals)
+        differences.rawImages = difference(reply.localRawImages, reply.serverRawImages);
+    return differences;
 }
 
 } // namespace
@@ -156,10 +171,7 @@ BatchReply readBatchReply(const QJsonObject &reply)
 
 QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
 {
-    const QStringList images = difference(reply.localImages, reply.serverImages);
-    const QStringList rawImages = mode == ImportMode::Originals
-                                      ? difference(reply.localRawImages, reply.serverRawImages)
-                                      : QStringList();
+    const auto [images, rawImages] = differencesOf(mode, reply);
     if (images.isEmpty() && rawImages.isEmpty())
         return {};
 
@@ -179,6 +191,30 @@ QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchRep
            noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
                                         "\">以下原始档需要重新导入:</span>"),
                          rawImages);
+}
+
+QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
+{
+    const Differences differences = differencesOf(mode, reply);
+    // On Windows a replaced file keeps the case of its earlier name.
+    const auto keysOf = [](const QStringList &names) {
+        QSet<QString> keys;
+        for (const QString &name : names)
+            keys.insert(name.toCaseFolded());
+        return keys;
+    };
+    const QSet<QString> images = keysOf(differences.images);
+    const QSet<QString> rawImages = keysOf(differences.rawImages);
+    const QString imageFolder = importrules::subFolders(mode).first();
+    QVector<int> positions;
+    for (int index = 0; index < order.files.size(); ++index) {
+        const ImportFile &file = order.files.at(index);
+        const bool isImage = importrules::subFolderFor(mode, file.suffix) == imageFolder;
+        if (file.state == ImportFile::Imported &&
+            (isImage ? images : rawImages).contains(file.targetName().toCaseFolded()))
+            positions.append(index);
+    }
+    return positions;
 }
 
 } // namespace importrequests

@@ -60,5 +60,7 @@ BatchReply readBatchReply(const QJsonObject &reply);
 
 /// The rich text that lists what differs between announced and found; empty when nothing does.
 QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
+/// Positions of the order's imported files that the notice names.
+QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
 
 } // namespace importrequests

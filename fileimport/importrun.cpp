@@ -224,6 +224,7 @@ void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &r
     const QString notice = importrequests::mismatchNotice(mode_, order, result.reply);
     emit orderRegistered(orderId, result);
     if (!notice.isEmpty()) {
+        failMismatched(orderId, result.reply);
         if (inRun)
             switchOff();
         emit mismatchFound(orderId, notice);
@@ -233,6 +234,18 @@ void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &r
     // done.
     if (inRun)
         startNextOrder();
+}
+
+void ImportRun::failMismatched(const QString &orderId, const importrequests::BatchReply &reply)
+{
+    ImportOrder &order = orders_[orderId];
+    const QVector<int> positions = importrequests::mismatchedFiles(mode_, order, reply);
+    for (const int position : positions) {
+        order.files[position].state = ImportFile::Failed;
+        order.files[position].message = QStringLiteral("服务端未收到");
+    }
+    if (!positions.isEmpty())
+        emit filesChanged(orderId, order.files);
 }
 
 void ImportRun::dropRegistration(const QString &orderId)

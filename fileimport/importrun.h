@@ -65,10 +65,13 @@ signals:
     void fileChanged(const QString &orderId, const ImportFile &file);
     /// Whether files of the order are being copied, or about to be; told after every file.
     void orderActivityChanged(const QString &orderId, bool importing);
+    /// Several files changed at once.
+    void filesChanged(const QString &orderId, const QVector<ImportFile> &files);
     void orderRegistered(const QString &orderId, const RegistrationResult &result);
     /// The files are copied, but the service was not told.
     void orderLeftUnregistered(const QString &orderId);
-    /// What the service found differs from what was announced; the run is over.
+    /// What the service found differs from what was announced: the files concerned have failed, and
+    /// the run is over.
     void mismatchFound(const QString &orderId, const QString &notice);
     /// Ask \a question and call answerResubmit().
     void resubmitNeeded(const QString &orderId, const QString &question,
@@ -102,6 +105,7 @@ private:
     void upImportOrderPath(const ImportOrder &order);
     void importNextOrder(const QString &orderId);
     void onRegistered(const QString &orderId, const RegistrationResult &result);
+    void failMismatched(const QString &orderId, const importrequests::BatchReply &reply);
     void dropRegistration(const QString &orderId);
     void leaveUnregistered(const QString &orderId);
     void switchOff();

@@ -43,6 +43,10 @@ private slots:
                     own.state = file.state;
                     own.message = file.message;
                 });
+        connect(run_.get(), &ImportRun::filesChanged, this,
+                [this](const QString &orderId, const QVector<ImportFile> &files) {
+                    shown_[orderId].files = files;
+                });
         connect(run_.get(), &ImportRun::orderActivityChanged, this,
                 [this](const QString &orderId, bool importing) {
                     shown_[orderId].importing = importing;
@@ -287,7 +291,7 @@ private slots:
 
     void aMismatchEndsTheRun()
     {
-        const ImportOrder first = makeOrder(0, 2);
+        const ImportOrder first = makeOrder(0, 4);
         const ImportOrder second = makeOrder(2, 1);
         demo_.misbehave(batch, "missing-fields"_s, {{"fields"_s, QJsonArray{"server_imgnames"_s}}});
         start({first, second});
@@ -296,6 +300,14 @@ private slots:
         QVERIFY(!run_->isBusy());
         QCOMPARE(states(second.id), QList<int>{0});
         QCOMPARE(allImported_, 0);
+
+        // What the service has not got is not forgotten: the next start takes it up.
+        QCOMPARE(photoStateText(shown_[first.id]), "成功:1, 失败:3"_s);
+        QCOMPARE(states(first.id), (QList<int>{2, 2, 2, 1}));
+        QCOMPARE(shown_[first.id].files.first().message, "服务端未收到"_s);
+        start({shown_[first.id], shown_[second.id]});
+        QTRY_COMPARE(allImported_, 1);
+        QCOMPARE(states(first.id), (QList<int>{1, 1, 1, 1}));
     }
 
 private:
