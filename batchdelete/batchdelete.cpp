@@ -19,7 +19,6 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QPointer>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -176,8 +175,9 @@ void BatchDelete::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer BatchDelete::closeRequested()
 {
-    if (!run_.isBusy() &&
-        !mayForgetUnreported(QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？")))
+    if (!run_.isBusy() && orders_.unreported() > 0 &&
+        !agreedToClose(
+            unreportedQuestion(QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
         return CloseAnswer::Refuse;
     closing_ = true;
     finder_->cancel();
@@ -201,10 +201,18 @@ void BatchDelete::onBranchSelectionChanged(int index)
         MessageBox::warning(this, deletingText());
         return;
     }
-    if (mayForgetUnreported(QStringLiteral("切换分店后无法再次提交，确认要切换吗？")))
+    if (orders_.unreported() == 0) {
         finder_->chooseBranch(shopId);
-    else
-        finder_->showBranch();
+        return;
+    }
+    ConfirmDialog::ask(this,
+                       unreportedQuestion(QStringLiteral("切换分店后无法再次提交，确认要切换吗？")),
+                       ConfirmDialog::Enter::Cancels, [this, shopId](bool agreed) {
+                           if (agreed && !run_.isBusy())
+                               finder_->chooseBranch(shopId);
+                           else
+                               finder_->showBranch();
+                       });
 }
 
 void BatchDelete::onBranchSwitched()
@@ -267,16 +275,11 @@ void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
         MessageBox::warning(this, nothingFound);
 }
 
-bool BatchDelete::mayForgetUnreported(const QString &question)
+QString BatchDelete::unreportedQuestion(const QString &question) const
 {
-    const int unreported = orders_.unreported();
-    if (unreported == 0)
-        return true;
-    return ConfirmDialog::ask(this,
-                              QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2")
-                                  .arg(unreported)
-                                  .arg(question),
-                              ConfirmDialog::Enter::Cancels);
+    return QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2")
+        .arg(orders_.unreported())
+        .arg(question);
 }
 
 // What the lists do.
@@ -448,15 +451,16 @@ void BatchDelete::askForResubmit(const QString &question, const QString &certifi
 {
     if (isClosing() || !run_.reporter()->isAsking())
         return; // stopped before the question could be asked
-    const QPointer<BatchDelete> guard(this);
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
-    const auto answer =
-        guard ? MessageBox::question(this, question, MessageBox::defaultTitle(),
-                                     QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort)
-              : QMessageBox::Cancel;
-    if (!guard)
-        return;
+    MessageBox::question(this, question, QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
+                         [this](QMessageBox::StandardButton answer) { answerResubmit(answer); });
+}
+
+void BatchDelete::answerResubmit(QMessageBox::StandardButton answer)
+{
+    if (!run_.reporter()->isAsking())
+        return;                       // the run has ended meanwhile
     if (answer == QMessageBox::Abort) // one by one the files of a large order would ask again
         run_.stop();
     run_.reporter()->answerResubmit(answer == QMessageBox::Ok);

@@ -10,6 +10,7 @@
 
 #include <QList>
 #include <QMap>
+#include <QMessageBox>
 #include <QStringList>
 
 class BatchDelete_FileListWidget;
@@ -59,7 +60,7 @@ private:
     void showSearchResult(const deletionrequests::OrderList &list);
     QStringList publicRoots() const;
     bool mayDelete();
-    bool mayForgetUnreported(const QString &question);
+    QString unreportedQuestion(const QString &question) const;
 
     void showOrder(const BatchDeleteOrderInfo &order);
     void scan(const BatchDeleteOrderInfo &order);
@@ -74,6 +75,7 @@ private:
     void onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
     void onAnnouncementFailed(const ServiceReply &reply);
     void askForResubmit(const QString &question, const QString &certificateError);
+    void answerResubmit(QMessageBox::StandardButton answer);
     void onRunFinished(const DeletionSummary &summary);
     void showRunState();
 

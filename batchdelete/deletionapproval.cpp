@@ -8,8 +8,6 @@
 #include "widgets/loadingoverlay.h"
 #include "widgets/toast.h"
 
-#include <QPointer>
-
 namespace {
 
 constexpr int toastMs = 2000;
@@ -57,12 +55,11 @@ void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan)
         MessageBox::warning(window_, deletionrules::refusedNotice(plan));
         return;
     }
-    const QPointer<DeletionApproval> guard(this);
-    const int number = plan_;
-    if (ConfirmDialog::ask(window_, deletionrules::confirmation(plan),
-                           ConfirmDialog::Enter::Cancels) &&
-        guard && number == plan_)
-        verifyAccount(plan.orders);
+    ConfirmDialog::ask(window_, deletionrules::confirmation(plan), ConfirmDialog::Enter::Cancels,
+                       [this, orders = plan.orders, number = plan_](bool agreed) {
+                           if (agreed && number == plan_)
+                               verifyAccount(orders);
+                       });
 }
 
 void DeletionApproval::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders)

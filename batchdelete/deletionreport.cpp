@@ -32,24 +32,19 @@ QString nameWithReason(const BatchDeleteFileInfo &file)
 
 } // namespace
 
-QString succeededList(const BatchDeleteOrderInfo &order)
+BoxText succeededList(const BatchDeleteOrderInfo &order)
 {
-    QString text = QStringLiteral(" 删除成功的照片");
-    for (const BatchDeleteFileInfo &file : order.files()) {
-        if (file.state == BatchDeleteFileInfo::Deleted)
-            text += QLatin1Char('\n') + file.displayName();
-    }
-    return text;
+    return BoxText::list(
+        QStringLiteral(" 删除成功的照片"), order.files(),
+        [](const BatchDeleteFileInfo &file) { return file.state == BatchDeleteFileInfo::Deleted; },
+        [](const BatchDeleteFileInfo &file) { return file.displayName(); });
 }
 
-QString failedList(const BatchDeleteOrderInfo &order)
+BoxText failedList(const BatchDeleteOrderInfo &order)
 {
-    QString text = QStringLiteral(" 删除失败的照片");
-    for (const BatchDeleteFileInfo &file : order.files()) {
-        if (file.hasFailed())
-            text += QLatin1Char('\n') + nameWithReason(file);
-    }
-    return text;
+    return BoxText::list(
+        QStringLiteral(" 删除失败的照片"), order.files(),
+        [](const BatchDeleteFileInfo &file) { return file.hasFailed(); }, nameWithReason);
 }
 
 QString summaryText(const DeletionSummary &summary)

@@ -2,6 +2,7 @@
 
 #include "batchdelete/batchdeleterecords.h"
 #include "batchdelete/batchdeleterun.h"
+#include "widgets/boxes/boxtext.h"
 
 #include <QByteArray>
 #include <QString>
@@ -11,9 +12,9 @@
 namespace deletionreport {
 
 /// The files of \a order that are gone, one a line under a heading.
-QString succeededList(const BatchDeleteOrderInfo &order);
+BoxText succeededList(const BatchDeleteOrderInfo &order);
 /// Those that are not, or that the service does not know of, each with the reason.
-QString failedList(const BatchDeleteOrderInfo &order);
+BoxText failedList(const BatchDeleteOrderInfo &order);
 
 /// What the end of a run is told with.
 QString summaryText(const DeletionSummary &summary);

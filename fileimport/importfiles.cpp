@@ -170,8 +170,7 @@ void ImportFiles::connectRun()
             Q_UNUSED(orderId)
             if (isClosingLater())
                 return;
-            MessageBox::warning(this, notice, MessageBox::defaultTitle(), QMessageBox::Ok,
-                                Qt::RichText);
+            MessageBox::warning(this, BoxText::rich(notice));
         },
         Qt::QueuedConnection);
     connect(
@@ -447,9 +446,10 @@ void ImportFiles::askForResubmit(const QString &orderId, const QString &question
         return; // stopped, or closed, before the question could be asked
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
-    const auto answer = MessageBox::warning(this, question, MessageBox::defaultTitle(),
-                                            QMessageBox::Yes | QMessageBox::Cancel);
-    run_->answerResubmit(orderId, answer == QMessageBox::Yes);
+    MessageBox::warning(this, question, QMessageBox::Yes | QMessageBox::Cancel,
+                        [this, orderId](QMessageBox::StandardButton answer) {
+                            run_->answerResubmit(orderId, answer == QMessageBox::Yes);
+                        });
 }
 
 void ImportFiles::onOrderRegistered(const QString &orderId, const RegistrationResult &result)

@@ -208,6 +208,8 @@ void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)
 void OrderFileChooser::ask(const QString &text, ConfirmDialog::Enter enter,
                            const std::function<void()> &onYes) const
 {
-    if (ConfirmDialog::ask(window_, text, enter))
-        onYes();
+    ConfirmDialog::ask(window_, text, enter, [onYes](bool confirmed) {
+        if (confirmed)
+            onYes();
+    });
 }

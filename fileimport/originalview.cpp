@@ -15,7 +15,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 #include <QTextDocument>
@@ -275,14 +274,19 @@ void OriginalView::deleteSelected()
     }
     const originalrequests::OrderMap order =
         order_; // another may be shown while the question stands
-    const QPointer<OriginalView> alive(this);
-    const bool agreed = ConfirmDialog::ask(
+    ConfirmDialog::ask(
         this,
         QStringLiteral("确认要删除选中的 %1 个文件吗？\n文件会从服务器和磁盘上删除，不能恢复。")
             .arg(deletable.size()),
-        ConfirmDialog::Enter::Cancels);
-    if (!alive || !agreed || !ready_ || stopping_)
-        return;
+        ConfirmDialog::Enter::Cancels, [this, order, deletable](bool agreed) {
+            if (agreed && ready_ && !stopping_)
+                startDeletion(order, deletable);
+        });
+}
+
+void OriginalView::startDeletion(const originalrequests::OrderMap &order,
+                                 const QVector<PhotoEntry> &deletable)
+{
     abandonListing();
     ready_ = false;
     overlay_->showText(QStringLiteral("提交删除数据中..."), false);
@@ -312,13 +316,11 @@ void OriginalView::onDeleted(const OriginalDeletionSummary &summary)
                              resultMs);
     }
     ready_ = true;
-    const QPointer<OriginalView> alive(this);
     if (!summary.messages.isEmpty() && !stopping_) {
-        MessageBox::warning(this, QStringLiteral("本地文件删除失败，请检查手动删除以下照片！\n") +
-                                      summary.messages.join(QLatin1Char('\n')));
+        MessageBox::warning(
+            this, {QStringLiteral("本地文件删除失败，请检查手动删除以下照片！"), summary.messages});
     }
-    if (alive)
-        requestListing();
+    requestListing();
 }
 
 void OriginalView::stop()

@@ -61,6 +61,8 @@ private:
     void showCount();
 
     QVector<PhotoEntry> selectedEntries() const;
+    void startDeletion(const originalrequests::OrderMap &order,
+                       const QVector<PhotoEntry> &deletable);
     void onSubmitFailed(const ServiceReply &reply);
     void onDeleted(const OriginalDeletionSummary &summary);
 

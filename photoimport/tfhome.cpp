@@ -323,11 +323,22 @@ void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
     QStringList ids;
     for (const int row : rows)
         ids.append(orders_.order(row).info.id);
-    if (!question.isEmpty() && !ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels))
+    if (question.isEmpty()) {
+        startOrders(ids, indexes);
         return;
-    // Meanwhile the list may have become another one.
+    }
+    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels,
+                       [this, ids, indexes](bool agreed) {
+                           if (agreed)
+                               startOrders(ids, indexes);
+                       });
+}
+
+/// Those that are still listed.
+void tfhome::startOrders(const QStringList &ids, const QVector<int> &indexes)
+{
     QVector<int> present;
-    for (const QString &id : qAsConst(ids)) {
+    for (const QString &id : ids) {
         const int row = orders_.rowOf(id);
         if (row >= 0 && !run_.isQueuedOrActive(row))
             present.append(row);
@@ -424,8 +435,8 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
 
 FramelessWindow::CloseAnswer tfhome::closeRequested()
 {
-    if (run_.isBusy() && !ConfirmDialog::ask(this, QStringLiteral("正在导片，关闭窗口会停止导片，"
-                                                                  "确认要关闭吗？")))
+    if (run_.isBusy() &&
+        !agreedToClose(QStringLiteral("正在导片，关闭窗口会停止导片，确认要关闭吗？")))
         return CloseAnswer::Refuse;
     chooser_->cancel();
     if (run_.isImporting())

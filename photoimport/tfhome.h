@@ -53,6 +53,7 @@ private:
     void startAll();
     /// \a indexes: files of the one row; all of every row when empty.
     void start(const QVector<int> &rows, const QVector<int> &indexes = {});
+    void startOrders(const QStringList &ids, const QVector<int> &indexes);
     void retry(const QVector<int> &photoRows);
     void refreshState();
     void showFile(const QString &orderId, int index);

@@ -83,15 +83,19 @@ void tfhomeorders::onBranchChosen(int index)
     const bool unfinished =
         std::any_of(orders.cbegin(), orders.cend(),
                     [](const PhotoOrder &order) { return order.hasUnfinishedFiles(); });
-    if (unfinished &&
-        !ConfirmDialog::ask(this,
-                            QStringLiteral("切换分店会清空已添加但还没有导入的照片列表，"
-                                           "确认要切换吗？"),
-                            ConfirmDialog::Enter::Cancels)) {
-        finder_->showBranch();
+    if (!unfinished) {
+        finder_->chooseBranch(shopId);
         return;
     }
-    finder_->chooseBranch(shopId);
+    ConfirmDialog::ask(this,
+                       QStringLiteral("切换分店会清空已添加但还没有导入的照片列表，"
+                                      "确认要切换吗？"),
+                       ConfirmDialog::Enter::Cancels, [this, shopId](bool agreed) {
+                           if (agreed && !importing_)
+                               finder_->chooseBranch(shopId);
+                           else
+                               finder_->showBranch();
+                       });
 }
 
 void tfhomeorders::onBranchSwitched()

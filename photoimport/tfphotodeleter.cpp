@@ -31,7 +31,6 @@ void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
         Toast::show(window_, QStringLiteral("正在删除，请稍候"));
         return;
     }
-    const QString id = orders_->order(row).info.id;
     QStringList ids;
     QStringList names;
     for (const PanelPhoto &photo : photos) {
@@ -44,19 +43,26 @@ void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
         Toast::show(window_, QStringLiteral("请选择要删除的已导入照片"));
         return;
     }
-    if (!ConfirmDialog::ask(window_,
-                            QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
-                                           "服务和磁盘上的文件都会删除，不能恢复。")
-                                .arg(ids.size()),
-                            ConfirmDialog::Enter::Cancels))
-        return;
+    const DeletionRequest request =
+        deletionOf(orders_->order(row), ids, names, orders_->photoMode());
+    ConfirmDialog::ask(window_,
+                       QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
+                                      "服务和磁盘上的文件都会删除，不能恢复。")
+                           .arg(ids.size()),
+                       ConfirmDialog::Enter::Cancels, [this, request, identity](bool agreed) {
+                           if (agreed)
+                               start(request, identity);
+                       });
+}
+
+void tfphotodeleter::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+{
     // Meanwhile the list may have become another one.
-    if (!mayChange_(orders_->rowOf(id)))
+    if (isActive() || !mayChange_(orders_->rowOf(request.orderId)))
         return;
     overlay_->showText(QStringLiteral("正在删除..."));
     emit asking();
-    deletion_.start(
-        deletionOf(orders_->order(orders_->rowOf(id)), ids, names, orders_->photoMode()), identity);
+    deletion_.start(request, identity);
 }
 
 bool tfphotodeleter::cancel()

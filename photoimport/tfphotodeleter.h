@@ -42,6 +42,7 @@ signals:
     void removed();
 
 private:
+    void start(const DeletionRequest &request, const orderqueries::Identity &identity);
     void onPhotosDeleted(const DeletionRequest &deleted);
     void onRefused(const DeletionRequest &request, const ServiceReply &reply);
 

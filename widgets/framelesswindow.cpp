@@ -1,5 +1,6 @@
 #include "widgets/framelesswindow.h"
 
+#include "widgets/boxes/confirmdialog.h"
 #include "widgets/colours.h"
 #include "widgets/edgegrip.h"
 #include "widgets/theme.h"
@@ -8,6 +9,7 @@
 #include <QCloseEvent>
 #include <QEventLoopLocker>
 #include <QPainter>
+#include <QPointer>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -72,6 +74,27 @@ void FramelessWindow::setResizable(bool resizable)
 FramelessWindow::CloseAnswer FramelessWindow::closeRequested()
 {
     return CloseAnswer::Close;
+}
+
+bool FramelessWindow::agreedToClose(const QString &question)
+{
+    if (question == agreedQuestion_)
+        return true;
+    if (question == closeQuestion_)
+        return false;
+    closeQuestion_ = question;
+    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels,
+                       [this, question](bool agreed) {
+                           closeQuestion_.clear();
+                           if (!agreed)
+                               return;
+                           agreedQuestion_ = question;
+                           const QPointer<FramelessWindow> guard(this);
+                           close();
+                           if (guard)
+                               agreedQuestion_.clear();
+                       });
+    return false;
 }
 
 void FramelessWindow::closeEvent(QCloseEvent *event)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QList>
+#include <QString>
 #include <QWidget>
 
 #include <memory>
@@ -52,6 +53,10 @@ protected:
     /// What to do about a wish to close. Close unless a subclass says otherwise.
     virtual CloseAnswer closeRequested();
 
+    /// For closeRequested() of a window that asks its user first: false, with the question in a
+    /// box, until the user has agreed to it; the window then closes by itself. Refuse meanwhile.
+    bool agreedToClose(const QString &question);
+
     /// Ends what CloseLater began: deletes the window when it has Qt::WA_DeleteOnClose, and lets
     /// the process end. Nothing happens unless a CloseLater is pending.
     void finishClosing();
@@ -73,6 +78,8 @@ private:
     QList<EdgeGrip *> grips_;
     bool resizable_ = true;
     bool closed_ = false;
+    QString closeQuestion_;       ///< in a box at the moment
+    QString agreedQuestion_;      ///< while closing after it
     bool deletedOnClose_ = false; ///< what Qt::WA_DeleteOnClose was when CloseLater was answered
     std::unique_ptr<QEventLoopLocker> closeLater_;
 };

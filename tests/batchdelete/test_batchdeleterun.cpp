@@ -102,8 +102,8 @@ private slots:
         QCOMPARE(booked(order, "announced").size(), 3); // the link to a folder is none of them
         QCOMPARE(booked(order, "deleted").size(), 2);
         QCOMPARE(namesOnDisk(order).size(), 1);
-        QVERIFY(
-            deletionreport::failedList(shown_.value(order.id)).contains("2.jpg: 没有删除权限"_s));
+        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+                    .shown.contains("2.jpg: 没有删除权限"_s));
         QCOMPARE(deletionreport::summaryText(ends_.first()),
                  "全部删除完成！\n\n成功 2 个文件，失败 2 个文件"_s);
 
@@ -140,7 +140,7 @@ private slots:
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "42"_s);
         QVERIFY(deletionreport::failedList(shown_.value(order.id))
-                    .endsWith("0.jpg: 文件已变化，未删除"_s));
+                    .shown.endsWith("0.jpg: 文件已变化，未删除"_s));
         QTRY_VERIFY(!run_->isBusy());
         QVERIFY(!run_->retry(shown_.value(order.id), {0}, identity_, {}));
 
@@ -178,8 +178,8 @@ private slots:
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "22"_s);
         QCOMPARE(booked(order, "deleted").size(), 2);
-        QVERIFY(
-            deletionreport::succeededList(shown_.value(order.id)).contains("0.jpg (文件不存在)"_s));
+        QVERIFY(deletionreport::succeededList(shown_.value(order.id))
+                    .shown.contains("0.jpg (文件不存在)"_s));
     }
 
     void ordersThatAreSkipped()
@@ -274,7 +274,7 @@ private slots:
         QVERIFY(namesOnDisk(first).isEmpty());
         QCOMPARE(namesOnDisk(second).size(), 2);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(first.id)).endsWith("0.jpg: 不"_s));
+        QVERIFY(deletionreport::failedList(shown_.value(first.id)).shown.endsWith("0.jpg: 不"_s));
 
         // Another run finds nothing there, and forgets nothing.
         QTRY_VERIFY(!run_->isBusy());
@@ -310,7 +310,8 @@ private slots:
         QCOMPARE(shown_.value(order.id).succeeded(), 1);
         QCOMPARE(shown_.value(order.id).failed(), 2);
         QCOMPARE(booked(order, "deleted").size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.id)).endsWith("订单目录无法访问"_s));
+        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+                    .shown.endsWith("订单目录无法访问"_s));
         QVERIFY(!shown_.value(order.id).note.isEmpty());
     }
 

@@ -271,9 +271,9 @@ private slots:
                         makeFile("c\".jpg"_s, BatchDeleteFileInfo::InUse, "文件被其他程序占用"_s),
                         makeFile("d.jpg"_s, BatchDeleteFileInfo::NotReported),
                         makeFile("e.jpg"_s)});
-        QCOMPARE(deletionreport::succeededList(order),
+        QCOMPARE(deletionreport::succeededList(order).shown,
                  " 删除成功的照片\na.jpg\nb.jpg (文件不存在)"_s);
-        QCOMPARE(deletionreport::failedList(order),
+        QCOMPARE(deletionreport::failedList(order).shown,
                  " 删除失败的照片\nc\".jpg (文件被占用): 文件被其他程序占用\n"
                  "d.jpg: 提交状态失败"_s);
         QVERIFY(!deletionreport::csv({order}).contains("a.jpg"));

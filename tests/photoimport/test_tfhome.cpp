@@ -317,13 +317,15 @@ private slots:
         click("startOrderButton");
         waitUntilHeld();
         window_->setAttribute(Qt::WA_DeleteOnClose);
+        const QString question = "正在导片，关闭窗口会停止导片，确认要关闭吗？"_s;
         window_->close(); // the safe answer keeps it open
+        EXPECT_BOXES(question);
         QVERIFY(window_->isVisible());
         MessageBox::setNextAnswer(QMessageBox::Ok);
         window_->close();
+        EXPECT_BOXES(question);
         QVERIFY(!window_->isVisible());
         QVERIFY(window_); // the photos that are imported are still to be registered
-        forgetBoxes();
         demo_.release();
         QTRY_VERIFY(!window_);
     }

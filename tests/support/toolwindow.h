@@ -54,6 +54,7 @@ protected:
     void endTest()
     {
         demo_.release();
+        boxes();
         delete window_;
         diskPool().waitForDone();
         processorPool().waitForDone();

@@ -1,13 +1,16 @@
+#include "tests/support/datarows.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/noticedialog.h"
 #include "widgets/edgegrip.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/titlebar.h"
 #include "widgets/toast.h"
 
+#include <QClipboard>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -16,7 +19,8 @@
 #include <QTimer>
 #include <QWindow>
 
-#include <functional>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -27,9 +31,13 @@ public:
     using FramelessWindow::CloseAnswer;
     using FramelessWindow::finishClosing;
     CloseAnswer next = CloseAnswer::Close;
+    QString question; ///< before closing
 
 protected:
-    CloseAnswer closeRequested() override { return next; }
+    CloseAnswer closeRequested() override
+    {
+        return question.isEmpty() || agreedToClose(question) ? next : CloseAnswer::Refuse;
+    }
 };
 
 #ifndef Q_OS_WIN
@@ -45,19 +53,20 @@ void drag(QWidget *window, const QPoint &from, const QPoint &by)
 }
 #endif
 
-/// Runs \a act on the box that opens next.
-void onNextBox(QObject *context, const std::function<void(NoticeDialog *)> &act)
+/// The box that stands before \a window; none when there is none.
+NoticeDialog *openBox(const QWidget *window)
 {
-    auto *looking = new QTimer(context);
-    QObject::connect(looking, &QTimer::timeout, context, [looking, act] {
-        auto *box = qobject_cast<NoticeDialog *>(QApplication::activeModalWidget());
-        if (!box || !box->isVisible())
-            return;
-        looking->stop(); // it is deleted only after the next box may have opened
-        looking->deleteLater();
-        act(box);
-    });
-    looking->start(5);
+    const auto boxes = window->findChildren<NoticeDialog *>();
+    for (NoticeDialog *box : boxes) {
+        if (box->isVisible())
+            return box;
+    }
+    return nullptr;
+}
+
+QString textOf(const NoticeDialog *box)
+{
+    return box ? box->findChild<QPlainTextEdit *>()->toPlainText() : QString();
 }
 
 } // namespace
@@ -72,6 +81,7 @@ private slots:
     {
         MessageBox::setScripted(false);
         MessageBox::takeShown();
+        answers_.clear();
     }
 
     void resizingStopsAtTheSmallestSize()
@@ -177,43 +187,178 @@ private slots:
                     {Box::Ok, Qt::Key_Escape, Box::Ok},
                     {Box::Yes | Box::No, Qt::Key_Escape, Box::No}};
         QWidget parent;
+        showActive(&parent);
         for (const auto &row : rows) {
-            onNextBox(&parent, [&row](NoticeDialog *box) { QTest::keyClick(box, row.key); });
-            QCOMPARE(MessageBox::question(&parent, "？"_s, {}, row.buttons), row.answer);
+            ask(&parent, "？"_s, row.buttons);
+            QTest::keyClick(openBox(&parent), row.key);
+            QTRY_COMPARE(answers_.size(), 1);
+            QCOMPARE(takeAnswers().first(), row.answer);
         }
-        QStringList texts;
-        onNextBox(&parent, [&texts](NoticeDialog *box) {
-            texts = QStringList({box->findChild<QPlainTextEdit *>()->toPlainText(),
-                                 box->button(Box::Yes)->text(), box->button(Box::Cancel)->text()});
-            QTest::mouseClick(box->button(Box::Yes), Qt::LeftButton);
-        });
-        QCOMPARE(MessageBox::question(&parent, "<b>A&B</b>"_s), Box::Yes);
-        QCOMPARE(texts.join(QLatin1Char(' ')), "<b>A&B</b> 是 取消"_s);
+        ask(&parent, "<b>A&B</b>"_s);
+        NoticeDialog *box = openBox(&parent);
+        QCOMPARE(textOf(box), "<b>A&B</b>"_s);
+        QCOMPARE(box->button(Box::Yes)->text() + box->button(Box::Cancel)->text(), "是取消"_s);
+        QVERIFY(answers_.isEmpty());
     }
 
-    void boxWhoseParentDiesGivesTheSafeAnswer()
+    void boxesOfTwoWindows()
     {
-        auto *parent = new QWidget;
-        onNextBox(parent, [parent](NoticeDialog *) { delete parent; });
-        QCOMPARE(MessageBox::question(parent, "？"_s), QMessageBox::Cancel);
+        QWidget first;
+        QWidget second;
+        showActive(&first);
+        showActive(&second);
+        ask(&first, "一"_s);
+        ask(&second, "二"_s);
+        QVERIFY(openBox(&first) && openBox(&second));
+        // Through the window system, which knows what a box stops.
+        QPushButton *others[] = {new QPushButton(&first), new QPushButton};
+        std::unique_ptr<QWidget> third(others[1]);
+        QStringList clicked;
+        for (QPushButton *button : others) {
+            connect(button, &QPushButton::clicked, this, [&clicked, button] {
+                clicked.append(button->isWindow() ? "third"_s : "first"_s);
+            });
+            button->show();
+            QVERIFY(QTest::qWaitForWindowExposed(button));
+            QTest::mouseClick(button->window()->windowHandle(), Qt::LeftButton, {},
+                              button->mapTo(button->window(), button->rect().center()));
+        }
+        QCOMPARE(clicked, QStringList("third"_s));
+
+        QTest::mouseClick(openBox(&first)->button(QMessageBox::Yes), Qt::LeftButton);
+        QTRY_COMPARE(answers_.size(), 1);
+        QVERIFY(openBox(&second));
+        QTest::keyClick(openBox(&second), Qt::Key_Escape);
+        QTRY_COMPARE(answers_,
+                     (QList<QMessageBox::StandardButton>{QMessageBox::Yes, QMessageBox::Cancel}));
     }
 
-    void longConfirmationStaysOnTheScreen()
+    void boxesOfOneWindowComeInTurn()
     {
-        const QString text = "IMG_0001.jpg\n"_s.repeated(3000);
-        int height = 0;
-        QString focus;
-        bool scrolls = false;
-        onNextBox(this, [&](NoticeDialog *box) {
-            height = box->height();
-            scrolls = box->findChild<QPlainTextEdit *>()->verticalScrollBar()->maximum() > 0;
-            focus = qobject_cast<QPushButton *>(box->focusWidget())->text();
-            QTest::keyClick(box, Qt::Key_Return);
-        });
-        QVERIFY(!ConfirmDialog::ask(nullptr, text, ConfirmDialog::Enter::Cancels));
-        QCOMPARE(focus, "取消"_s);
-        QVERIFY(scrolls);
-        QVERIFY(height < QGuiApplication::primaryScreen()->availableSize().height());
+        QWidget window;
+        QWidget part(&window);
+        showActive(&window);
+        MessageBox::information(&window, "一"_s);
+        ask(&part, "二"_s);
+        MessageBox::warning(&window, "三"_s);
+        for (const QString &text : {"一"_s, "二"_s, "三"_s}) {
+            QTRY_VERIFY(openBox(&window));
+            QCOMPARE(window.findChildren<NoticeDialog *>().size(), 1);
+            QCOMPARE(textOf(openBox(&window)), text);
+            QTest::keyClick(openBox(&window), Qt::Key_Return);
+            QTRY_VERIFY(!openBox(&window) || textOf(openBox(&window)) != text);
+        }
+        QCOMPARE(takeAnswers(), QList<QMessageBox::StandardButton>{QMessageBox::Yes});
+    }
+
+    void whoeverAskedMayDie()
+    {
+        auto *window = new QWidget;
+        auto *part = new QWidget(window);
+        showActive(window);
+        ask(part, "一"_s);
+        ask(window, "二"_s);
+        ask(part, "三"_s);
+        delete part; // takes its box along; the next one's turn has come
+        QTRY_COMPARE(textOf(openBox(window)), "二"_s);
+        QTest::keyClick(openBox(window), Qt::Key_Return);
+        delete window;
+        QCoreApplication::processEvents();
+        QVERIFY(takeAnswers().isEmpty());
+    }
+
+    void aClosedWindowAnswersSafely()
+    {
+        QWidget window;
+        showActive(&window);
+        ask(&window, "一"_s);
+        ask(&window, "二"_s);
+        window.close();
+        const QList<QMessageBox::StandardButton> safe{QMessageBox::Cancel, QMessageBox::Cancel};
+        QTRY_COMPARE(answers_, safe);
+        ask(&window, "三"_s);
+        QTRY_COMPARE(answers_, safe + safe.mid(1));
+        QVERIFY(!openBox(&window));
+    }
+
+    void aMinimisedWindowAsksWhenItIsBack()
+    {
+        QWidget window;
+        QWidget other;
+        showActive(&window);
+        window.showMinimized();
+        showActive(&other);
+        ask(&window, "一"_s);
+        QCoreApplication::processEvents();
+        QVERIFY(!openBox(&window));
+        ask(&other, "二"_s); // is not held up
+        QTest::keyClick(openBox(&other), Qt::Key_Return);
+        QTRY_COMPARE(answers_.size(), 1);
+        window.showNormal();
+        QTRY_VERIFY(openBox(&window));
+    }
+
+    void asksBeforeClosing()
+    {
+        ToldWindow window;
+        window.question = "确认要关闭吗？"_s;
+        showActive(&window);
+        for (const bool agreed : {false, true}) {
+            window.close();
+            window.close(); // one question is enough
+            QVERIFY(window.isVisible());
+            NoticeDialog *box = openBox(&window);
+            QTest::mouseClick(box->button(agreed ? QMessageBox::Ok : QMessageBox::Cancel),
+                              Qt::LeftButton);
+            QCoreApplication::processEvents();
+            QVERIFY(!openBox(&window));
+            QCOMPARE(window.isVisible(), !agreed);
+        }
+        window.show();
+        window.close(); // the next time it asks anew
+        QVERIFY(window.isVisible());
+    }
+
+    void longListsAreCutAndCopied()
+    {
+        QStringList lines;
+        for (int number = 0; number < 100000; ++number)
+            lines.append("IMG_%1.jpg"_s.arg(number));
+        QWidget window;
+        showActive(&window);
+        MessageBox::warning(&window, {"失败"_s, lines});
+        NoticeDialog *box = openBox(&window);
+        const QStringList shown = textOf(box).split(QLatin1Char('\n'));
+        QCOMPARE(shown.size(), 202);
+        QCOMPARE(shown.at(200), lines.at(199));
+        QCOMPARE(shown.last(), "… 共 100000 条"_s);
+        QVERIFY(box->findChild<QPlainTextEdit *>()->verticalScrollBar()->maximum() > 0);
+        QVERIFY(box->height() < QGuiApplication::primaryScreen()->availableSize().height());
+        QCOMPARE(qobject_cast<QPushButton *>(box->focusWidget())->text(), "确定"_s);
+
+        auto *copy = box->findChild<QPushButton *>("copyButton"_s);
+        QTest::mouseClick(copy, Qt::LeftButton);
+        QTRY_VERIFY(copy->isEnabled());
+        QCOMPARE(QGuiApplication::clipboard()->text(), "失败\n"_s + lines.join(QLatin1Char('\n')));
+    }
+
+    void boxTexts_data()
+    {
+        addColumns<QString, int, bool>({"text", "lines", "cut"});
+        newRow("short", "一\n二\n", 3, false);
+        newRow("as long as a list", "一\n"_s.repeated(199) + "二"_s, 200, false);
+        newRow("longer", "一\n"_s.repeated(5000), 201, true);
+        newRow("one endless line", QString(1000000, QLatin1Char('a')), 2, true);
+    }
+
+    void boxTexts()
+    {
+        QFETCH(QString, text);
+        QFETCH(bool, cut);
+        const BoxText said(text);
+        QTEST(said.shown.count(QLatin1Char('\n')) + 1, "lines");
+        QCOMPARE(bool(said.whole), cut);
+        QCOMPARE(cut ? said.whole() : said.shown, text);
     }
 
     void scriptedBoxes()
@@ -221,16 +366,22 @@ private slots:
         MessageBox::setScripted(true);
         MessageBox::setNextAnswer(QMessageBox::Yes);
         MessageBox::setNextAnswer(QMessageBox::Yes);
-        QCOMPARE(MessageBox::question(nullptr, "一"_s), QMessageBox::Yes);
-        QVERIFY(ConfirmDialog::ask(nullptr, "二"_s));
-        QCOMPARE(MessageBox::question(nullptr, "三"_s), QMessageBox::Cancel);
-        QCOMPARE(MessageBox::warning(nullptr, "四"_s, "提示"_s), QMessageBox::Ok);
+        ask(nullptr, "一"_s);
+        bool confirmed = false;
+        ConfirmDialog::ask(nullptr, "二"_s, ConfirmDialog::Enter::Cancels,
+                           [&confirmed](bool answer) { confirmed = answer; });
+        ask(nullptr, "三"_s);
+        MessageBox::warning(nullptr, "四"_s, "提示"_s);
+        QVERIFY(answers_.isEmpty()); // never before the asking has returned
         const QList<MessageBox::Shown> shown = MessageBox::takeShown();
         QString told;
         for (const MessageBox::Shown &box : shown)
             told += box.title + box.text;
         QCOMPARE(told, "温馨提示一温馨提示二温馨提示三提示四"_s);
         QCOMPARE(int(shown.at(1).kind), int(MessageBox::Kind::Confirmation));
+        QVERIFY(confirmed);
+        QCOMPARE(takeAnswers(),
+                 (QList<QMessageBox::StandardButton>{QMessageBox::Yes, QMessageBox::Cancel}));
         QVERIFY(MessageBox::takeShown().isEmpty());
     }
 
@@ -290,6 +441,21 @@ private slots:
         QTRY_VERIFY(overlay.isHidden());
         QCOMPARE(focusName(), "first"_s);
     }
+
+private:
+    void ask(QWidget *parent, const QString &text,
+             QMessageBox::StandardButtons buttons = QMessageBox::Yes | QMessageBox::Cancel)
+    {
+        MessageBox::question(parent, text, buttons, [this](QMessageBox::StandardButton answer) {
+            answers_.append(answer);
+        });
+    }
+    QList<QMessageBox::StandardButton> takeAnswers()
+    {
+        return std::exchange(answers_, {});
+    }
+
+    QList<QMessageBox::StandardButton> answers_;
 };
 
 QTEST_MAIN(TestWidgets)

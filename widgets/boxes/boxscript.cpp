@@ -42,10 +42,8 @@ void queueAnswer(QMessageBox::StandardButton answer)
 
 std::optional<QMessageBox::StandardButton> answerFor(const BoxRecord &box)
 {
-    // A user at the screen has seen it; only scripts look at the list, which must not grow.
     if (!script().scripted && script().answers.isEmpty())
         return std::nullopt;
-    script().shown.append(box);
     if (script().answers.isEmpty())
         return safeAnswer(box.buttons);
     QMessageBox::StandardButton answer = script().answers.takeFirst();
@@ -55,6 +53,11 @@ std::optional<QMessageBox::StandardButton> answerFor(const BoxRecord &box)
         return answer;
     qCWarning(lcTessavo) << "the scripted answer" << answer << "is not offered by" << box.text;
     return safeAnswer(box.buttons);
+}
+
+void noteShown(const BoxRecord &box)
+{
+    script().shown.append(box);
 }
 
 QList<BoxRecord> takeShown()

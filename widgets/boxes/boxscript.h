@@ -25,10 +25,11 @@ void setScripted(bool scripted);
 bool isScripted();
 void queueAnswer(QMessageBox::StandardButton answer);
 
-/// Notes \a box as shown and gives the answer to use instead of showing it; nothing when the user
-/// is to answer.
+/// The answer to use instead of showing \a box; nothing when the user is to answer.
 std::optional<QMessageBox::StandardButton> answerFor(const BoxRecord &box);
 
+/// The script's answer for \a box is about to take effect.
+void noteShown(const BoxRecord &box);
 QList<BoxRecord> takeShown();
 
 /// What Escape answers: the button that changes nothing.

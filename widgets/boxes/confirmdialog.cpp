@@ -2,29 +2,16 @@
 
 #include "widgets/boxes/messagebox.h"
 
-namespace {
+#include <utility>
 
-BoxRecord confirmation(const QString &text)
+void ConfirmDialog::ask(QWidget *parent, const BoxText &text, Enter enter,
+                        std::function<void(bool)> then)
 {
-    return {BoxRecord::Kind::Confirmation, MessageBox::defaultTitle(), text,
-            QMessageBox::Ok | QMessageBox::Cancel};
-}
-
-QMessageBox::StandardButton buttonOf(ConfirmDialog::Enter enter)
-{
-    return enter == ConfirmDialog::Enter::Confirms ? QMessageBox::Ok : QMessageBox::Cancel;
-}
-
-} // namespace
-
-ConfirmDialog::ConfirmDialog(QWidget *parent, const QString &text, Enter enter)
-    : NoticeDialog(confirmation(text), Qt::PlainText, parent)
-{
-    setDefaultButton(buttonOf(enter));
-}
-
-bool ConfirmDialog::ask(QWidget *parent, const QString &text, Enter enter)
-{
-    return NoticeDialog::ask(confirmation(text), Qt::PlainText, parent, buttonOf(enter)) ==
-           QMessageBox::Ok;
+    BoxQueue::add(parent, {{BoxRecord::Kind::Confirmation, MessageBox::defaultTitle(), text.shown,
+                            QMessageBox::Ok | QMessageBox::Cancel},
+                           text,
+                           enter == Enter::Confirms ? QMessageBox::Ok : QMessageBox::Cancel,
+                           [then = std::move(then)](QMessageBox::StandardButton answer) {
+                               then(answer == QMessageBox::Ok);
+                           }});
 }

@@ -1,21 +1,22 @@
 #pragma once
 
-#include "widgets/boxes/noticedialog.h"
+#include "widgets/boxes/boxtext.h"
 
-#include <QString>
+#include <functional>
 
-/// The shared confirmation, titled "温馨提示", with "取消" and "确定"; a long text (a list of
-/// files) scrolls. In scripts of tests it is one of the message boxes: Ok and Yes confirm.
-class ConfirmDialog : public NoticeDialog
+class QWidget;
+
+/// The shared confirmation, titled "温馨提示", with "取消" and "确定": a box as those of
+/// MessageBox. In scripts of tests Ok and Yes confirm.
+class ConfirmDialog
 {
-    Q_OBJECT
-
 public:
+    ConfirmDialog() = delete;
+
     /// What Enter does at first: for what cannot be undone, the cautious way.
     enum class Enter { Confirms, Cancels };
 
-    ConfirmDialog(QWidget *parent, const QString &text, Enter enter = Enter::Confirms);
-
-    /// True when the user confirmed. Waits as the message boxes do.
-    static bool ask(QWidget *parent, const QString &text, Enter enter = Enter::Confirms);
+    /// Runs \a then with whether the user confirmed, as MessageBox runs its continuations.
+    static void ask(QWidget *parent, const BoxText &text, Enter enter,
+                    std::function<void(bool confirmed)> then);
 };

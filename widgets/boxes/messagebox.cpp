@@ -1,29 +1,32 @@
 #include "widgets/boxes/messagebox.h"
 
-#include "widgets/boxes/noticedialog.h"
+#include <QCoreApplication>
+#include <QEvent>
 
-QMessageBox::StandardButton MessageBox::information(QWidget *parent, const QString &text,
-                                                    const QString &title,
-                                                    QMessageBox::StandardButtons buttons,
-                                                    Qt::TextFormat format)
+#include <utility>
+
+void MessageBox::information(QWidget *parent, const BoxText &text, const QString &title)
 {
-    return NoticeDialog::ask({Kind::Information, title, text, buttons}, format, parent);
+    BoxQueue::add(parent, {{Kind::Information, title, text.shown, QMessageBox::Ok}, text, {}, {}});
 }
 
-QMessageBox::StandardButton MessageBox::warning(QWidget *parent, const QString &text,
-                                                const QString &title,
-                                                QMessageBox::StandardButtons buttons,
-                                                Qt::TextFormat format)
+void MessageBox::warning(QWidget *parent, const BoxText &text, const QString &title)
 {
-    return NoticeDialog::ask({Kind::Warning, title, text, buttons}, format, parent);
+    BoxQueue::add(parent, {{Kind::Warning, title, text.shown, QMessageBox::Ok}, text, {}, {}});
 }
 
-QMessageBox::StandardButton MessageBox::question(QWidget *parent, const QString &text,
-                                                 const QString &title,
-                                                 QMessageBox::StandardButtons buttons,
-                                                 Qt::TextFormat format)
+void MessageBox::warning(QWidget *parent, const BoxText &text, QMessageBox::StandardButtons buttons,
+                         Answered then)
 {
-    return NoticeDialog::ask({Kind::Question, title, text, buttons}, format, parent);
+    BoxQueue::add(
+        parent, {{Kind::Warning, defaultTitle(), text.shown, buttons}, text, {}, std::move(then)});
+}
+
+void MessageBox::question(QWidget *parent, const BoxText &text,
+                          QMessageBox::StandardButtons buttons, Answered then)
+{
+    BoxQueue::add(
+        parent, {{Kind::Question, defaultTitle(), text.shown, buttons}, text, {}, std::move(then)});
 }
 
 void MessageBox::setNextAnswer(QMessageBox::StandardButton button)
@@ -38,5 +41,12 @@ void MessageBox::setScripted(bool scripted)
 
 QList<MessageBox::Shown> MessageBox::takeShown()
 {
-    return boxscript::takeShown();
+    QList<Shown> all;
+    for (;;) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
+        const QList<Shown> more = boxscript::takeShown();
+        if (more.isEmpty())
+            return all;
+        all += more;
+    }
 }

@@ -1,15 +1,17 @@
 #include "widgets/boxes/noticedialog.h"
 
+#include "tasks/background.h"
 #include "widgets/colours.h"
 #include "widgets/theme.h"
 #include "widgets/titlebar.h"
+#include "widgets/toast.h"
 
+#include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
 #include <QPlainTextEdit>
-#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QTextEdit>
@@ -105,7 +107,7 @@ QSize naturalSize(QTextDocument *document, int widest)
 
 } // namespace
 
-NoticeDialog::NoticeDialog(const BoxRecord &box, Qt::TextFormat format, QWidget *parent)
+NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint)
     , answer_(boxscript::safeAnswer(box.buttons))
 {
@@ -123,7 +125,7 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, Qt::TextFormat format, QWidget 
     auto *message = new QHBoxLayout;
     message->setSpacing(theme::margin());
     message->addWidget(symbol, 0, Qt::AlignTop);
-    message->addWidget(textArea(box.text, format), 1);
+    message->addWidget(textArea(text.shown, text.format), 1);
 
     auto *content = new QVBoxLayout;
     const int margin = theme::margin();
@@ -136,7 +138,10 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, Qt::TextFormat format, QWidget 
     all->setSpacing(0);
     all->addWidget(titleBar);
     all->addLayout(content, 1);
-    addButtons(box.buttons);
+    QHBoxLayout *row = addButtons(box.buttons);
+    content->addLayout(row);
+    if (text.whole)
+        addCopyButton(row, text.whole);
     setTabOrder(choices_.last().button, titleBar->closeButton());
 }
 
@@ -174,7 +179,7 @@ QAbstractScrollArea *NoticeDialog::textArea(const QString &text, Qt::TextFormat 
     return area;
 }
 
-void NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
+QHBoxLayout *NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
 {
     auto *row = new QHBoxLayout;
     row->setSpacing(theme::spacing());
@@ -197,7 +202,23 @@ void NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
         agreeing->setDefault(true);
         agreeing->setFocus();
     }
-    layout()->itemAt(layout()->count() - 1)->layout()->addItem(row);
+    return row;
+}
+
+void NoticeDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole)
+{
+    auto *copy = new QPushButton(QStringLiteral("复制"), this);
+    copy->setObjectName(QStringLiteral("copyButton"));
+    copy->setAutoDefault(false);
+    row->insertWidget(0, copy);
+    connect(copy, &QPushButton::clicked, this, [this, copy, whole] {
+        copy->setEnabled(false); // until the list is made
+        onProcessor(this, whole, [this, copy](const QString &text) {
+            copy->setEnabled(true);
+            QGuiApplication::clipboard()->setText(text);
+            Toast::show(this, QStringLiteral("已复制全部内容"));
+        });
+    });
 }
 
 void NoticeDialog::setDefaultButton(QMessageBox::StandardButton which)
@@ -215,23 +236,6 @@ QPushButton *NoticeDialog::button(QMessageBox::StandardButton which) const
             return choice.button;
     }
     return nullptr;
-}
-
-QMessageBox::StandardButton NoticeDialog::ask(const BoxRecord &box, Qt::TextFormat format,
-                                              QWidget *parent,
-                                              QMessageBox::StandardButton defaultButton)
-{
-    if (const auto scripted = boxscript::answerFor(box))
-        return *scripted;
-    // The parent may be deleted, and the dialog with it, before the user has answered.
-    QPointer<NoticeDialog> dialog = new NoticeDialog(box, format, parent);
-    dialog->setDefaultButton(defaultButton);
-    dialog->exec();
-    if (!dialog)
-        return boxscript::safeAnswer(box.buttons);
-    const QMessageBox::StandardButton answer = dialog->answer();
-    delete dialog;
-    return answer;
 }
 
 void NoticeDialog::paintEvent(QPaintEvent *)

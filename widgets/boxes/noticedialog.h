@@ -1,22 +1,26 @@
 #pragma once
 
 #include "widgets/boxes/boxscript.h"
+#include "widgets/boxes/boxtext.h"
 
 #include <QDialog>
 #include <QList>
 #include <QString>
 
 class QAbstractScrollArea;
+class QHBoxLayout;
 class QPushButton;
 
 /// The dialog behind message boxes and confirmations: a symbol, a text that scrolls when it is long
-/// and can be selected, and buttons with Chinese texts. Escape and "×" give the safe answer.
+/// and can be selected, and buttons with Chinese texts; "复制" when the text is not all. Escape and
+/// "×" give the safe answer. It is shown by BoxQueue.
 class NoticeDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    NoticeDialog(const BoxRecord &box, Qt::TextFormat format, QWidget *parent);
+    /// The text of \a box is \a text as shown.
+    NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *parent);
 
     /// The button that Enter presses at first; otherwise the one that agrees.
     void setDefaultButton(QMessageBox::StandardButton button);
@@ -24,11 +28,6 @@ public:
 
     /// The answer once the dialog was closed; the safe one before.
     QMessageBox::StandardButton answer() const { return answer_; }
-
-    /// The answer that the script gives, or else the user.
-    static QMessageBox::StandardButton
-    ask(const BoxRecord &box, Qt::TextFormat format, QWidget *parent,
-        QMessageBox::StandardButton defaultButton = QMessageBox::NoButton);
 
 protected:
     void paintEvent(QPaintEvent *event) override;
@@ -41,7 +40,8 @@ private:
     };
 
     QAbstractScrollArea *textArea(const QString &text, Qt::TextFormat format);
-    void addButtons(QMessageBox::StandardButtons buttons);
+    QHBoxLayout *addButtons(QMessageBox::StandardButtons buttons);
+    void addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole);
 
     QList<Choice> choices_;
     QMessageBox::StandardButton answer_;
