@@ -3,11 +3,13 @@
 #include "distribution/photofiles.h"
 #include "distribution/productfolders.h"
 #include "net/basereq.h"
+#include "pictures/picturereader.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
 
+#include <QColorSpace>
 #include <QDir>
 #include <QImageReader>
 #include <QRegularExpression>
@@ -178,7 +180,8 @@ private slots:
         newRow("right", 6, true);
         newRow("mirrored", 2, true);
         newRow("no picture", 0, false);
-        newRow("cut short", -6, false);
+        newRow("without pixels", -6, false);
+        newRow("cut short", -8, false);
     }
 
     void upright()
@@ -186,25 +189,51 @@ private slots:
         QFETCH(int, orientation);
         QFETCH(bool, turned);
         QByteArray bytes = "no picture";
+        QImage picture = cornerPicture(QSize(80, 40));
+        picture.setColorSpace(QColorSpace::AdobeRgb);
         if (orientation != 0)
-            bytes = jpegOf(cornerPicture(QSize(80, 40)), std::abs(orientation));
-        if (orientation < 0)
+            bytes = jpegOf(picture, std::abs(orientation));
+        if (orientation == -6)
             bytes.truncate(bytes.indexOf("\xff\xda") - 20);
+        if (orientation == -8)
+            bytes.chop(200);
         writeFile(at("in/all/a.jpg"), bytes);
         const TaskResult result = FJDataOperate::perform(task("下载照片交付-拷贝原片"));
         QVERIFY2(result.success, qPrintable(result.errmsg));
         QCOMPARE(filesBelow(at("out")), QStringList{"a.jpg"_s});
         QCOMPARE(readFile(at("out/a.jpg")) == bytes, !turned);
+        QCOMPARE(result.errmsg, orientation == -8 ? "a.jpg图片不完整，已原样拷贝"_s : QString());
         if (!turned)
             return;
+        const CameraData before = PictureReader(bytes).cameraData();
+        const CameraData after = PictureReader(readFile(at("out/a.jpg"))).cameraData();
+        QCOMPARE(after.profile, before.profile);
+        QVERIFY(!after.profile.isEmpty());
         QImageReader reader(at("out/a.jpg"));
         QCOMPARE(reader.format(), QByteArray("jpeg"));
         QCOMPARE(reader.transformation(), QImageIOHandler::TransformationNone);
         const QImage image = reader.read();
         QCOMPARE(image.size(), orientation == 6 ? QSize(40, 80) : QSize(80, 40));
+        QCOMPARE(after.exif, exifOfUpright(before.exif, image.size()));
         // What was top left goes to the top right in both.
         QVERIFY(qRed(image.pixel(image.width() - 4, 4)) > 200);
         QVERIFY(qGreen(image.pixel(image.width() - 4, 4)) < 60);
+    }
+
+    void ontoItself()
+    {
+        const QByteArray bytes = jpegOf(cornerPicture(QSize(80, 40)), 6);
+        writeFile(at("in/all/a.jpg"), bytes);
+        QVERIFY(linkFolder(at("in"), at("linked")));
+        for (const char *type :
+             {"下载照片交付-拷贝原始档", "下载照片交付-拷贝原片", "下载原始档"}) {
+            DistributionTask each = task(type);
+            each.targetFolder = at("linked/all");
+            const TaskResult result = FJDataOperate::perform(each);
+            QVERIFY(result.success);
+            QCOMPARE(result.errmsg, "a.jpg目标就是源文件，已跳过"_s);
+            QCOMPARE(readFile(at("in/all/a.jpg")), bytes);
+        }
     }
 
     void storedImages_data()
@@ -214,6 +243,12 @@ private slots:
         newRow("jpg", "条形码.jpg"_s, good, QString(), QByteArray("jpeg"));
         newRow("png", "x.PNG"_s, good, QString(), QByteArray("png"));
         newRow("bmp", "x.bmp"_s, good, QString(), QByteArray("bmp"));
+        newRow("turned", "x.jpg"_s,
+               imageDataUrl(jpegOf(cornerPicture(QSize(20, 40)), 6), QString()), QString(),
+               QByteArray("jpeg"));
+        newRow("half an image", "x.jpg"_s,
+               imageDataUrl(jpegOf(cornerPicture(QSize(40, 20))).chopped(200), QString()),
+               "x.jpg无法从数据创建图像"_s, QByteArray());
         newRow("no image", "x.jpg"_s, "data:image/png;base64,AAAA"_s, "x.jpg无法从数据创建图像"_s,
                QByteArray());
         newRow("no data URL", "x.jpg"_s, QString(good).replace("data:"_s, "date:"_s),

@@ -1,6 +1,8 @@
 #include "photoimport/decodedsources.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/tfthumbnailthread.h"
+#include "pictures/cameradata.h"
+#include "pictures/picturereader.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"
@@ -23,6 +25,11 @@
 using namespace imageoperations;
 
 namespace {
+
+CameraData cameraDataOf(const QString &path)
+{
+    return PictureReader(path, picturebounds::imported).cameraData();
+}
 
 QByteArray grayJpeg(const QSize &size, int orientation)
 {
@@ -88,6 +95,9 @@ private slots:
         QCOMPARE(QFileInfo(original).lastModified(), shot);
         if (orientation == 1)
             QCOMPARE(readFile(original), camera);
+        else
+            QCOMPARE(cameraDataOf(original).exif,
+                     exifOfUpright(cameraDataOf(source).exif, upright.size()));
 
         const QString variant = write("variant.JPG"_s, "an earlier file");
         QVERIFY(compressImage(source, variant, 48));
@@ -97,6 +107,9 @@ private slots:
         for (const QImage &made : {upright, small})
             QCOMPARE(made.colorSpace(), QImage(source).colorSpace());
         QVERIFY(small.colorSpace() != QColorSpace(QColorSpace::SRgb));
+        for (const QString &made : {original, variant})
+            QCOMPARE(cameraDataOf(made).profile, cameraDataOf(source).profile);
+        QVERIFY(cameraDataOf(variant).exif.isEmpty());
         QCOMPARE(logged("缩小后检测到需要旋转，EXIF方向: "), orientation == 1 ? 0 : 1);
         QCOMPARE(logged("照片存在，先删除照片"), 1);
 
@@ -283,7 +296,12 @@ private slots:
         const QByteArray camera = jpegOf(cornerPicture({96, 64}), 6);
         const QString source = write("a.jpg"_s, camera);
         QVERIFY(copyOriginal(source, source)); // is in its place already
-        QCOMPARE(readFile(source), camera);
+        QVERIFY(!compressImage(source, source, 90));
+        QVERIFY(QDir().mkdir(path("real"_s)) && linkFolder(path("real"_s), path("linked"_s)));
+        const QString behindLink = write("real/a.jpg"_s, camera);
+        QVERIFY(copyOriginal(path("linked/a.jpg"_s), behindLink));
+        for (const QString &untouched : {source, behindLink})
+            QCOMPARE(readFile(untouched), camera);
         const QString target = write("protected.jpg"_s, "protected");
         QVERIFY(QFile::setPermissions(target, QFileDevice::ReadOwner));
         QVERIFY(!copyOriginal(source, target));
