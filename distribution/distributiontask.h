@@ -4,6 +4,7 @@
 #include "distribution/plannedpictures.h"
 #include "tasks/stopflag.h"
 
+#include <QByteArray>
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
@@ -30,7 +31,8 @@ struct DistributionTask
     /// Handed back with the result; of all files that have to be there before the service is told
     /// that the photo was downloaded. Empty when nobody is told of this file.
     QString imageId;
-    QString data;          ///< "存储照片": a data URL, or the text of a text file
+    QByteArray image;      ///< "存储照片": an image as it came
+    QString data;          ///< "存储照片": an image as a data URL, or the text of a text file
     OrderDetailPtr detail; ///< "创建产品" and "生成Html"; targetFolder is then the order's folder
     PlannedPictures pictures;               ///< "生成Html": those that the sheet shows
     QString namingRule;                     ///< "创建产品": the rule as JSON text

@@ -161,8 +161,8 @@ TaskResult storePhoto(const DistributionTask &task)
         return noFolder(task, target);
     if (task.subType == imagetype::delivery)
         return storeText(task, target);
-    QByteArray bytes = bytesOfDataUrl(task.data);
-    if (task.data.isEmpty()) {
+    QByteArray bytes = task.image.isEmpty() ? bytesOfDataUrl(task.data) : task.image;
+    if (task.image.isEmpty() && task.data.isEmpty()) {
         const QString source = sourceOnDisk(task.sourcePath);
         QFile file(source);
         if (source.isEmpty() || !flawOfSource(source).isEmpty() || !file.open(QIODevice::ReadOnly))

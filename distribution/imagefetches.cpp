@@ -1,6 +1,7 @@
 #include "distribution/imagefetches.h"
 
 #include "distribution/fjdataoperate.h"
+#include "net/basereq.h"
 
 namespace {
 
@@ -32,21 +33,21 @@ void ImageFetches::feed()
     while (!waiting_.isEmpty() && underWay_ < fetchesAtOnce) {
         const ImageFetch next = waiting_.dequeue();
         ++underWay_;
-        FJDataOperate::downloadImageAsDataUrl(
-            next.url, requests_.get(),
-            [this, store = next.store](bool ok, const QString &dataUrl, const QString &error) {
-                finish(store, ok, dataUrl, error);
-            });
+        auto *request = new BaseReq(requests_.get());
+        request->downloadImage(next.url, [this, request, store = next.store](
+                                             const QByteArray &image, const QString &error) {
+            request->deleteLater();
+            finish(store, image, error);
+        });
     }
 }
 
-void ImageFetches::finish(DistributionTask store, bool ok, const QString &dataUrl,
-                          const QString &error)
+void ImageFetches::finish(DistributionTask store, const QByteArray &image, const QString &error)
 {
     --underWay_;
     feed();
-    if (ok) {
-        store.data = dataUrl;
+    if (error.isEmpty()) {
+        store.image = image;
         emit fetched(store);
     } else {
         emit failed(store, store.imgName + error);

@@ -22,13 +22,13 @@ public:
     void cancel();
 
 signals:
-    /// \a store holds the picture as a data URL.
+    /// \a store holds the picture.
     void fetched(const DistributionTask &store);
     void failed(const DistributionTask &store, const QString &error);
 
 private:
     void feed();
-    void finish(DistributionTask store, bool ok, const QString &dataUrl, const QString &error);
+    void finish(DistributionTask store, const QByteArray &image, const QString &error);
 
     QQueue<ImageFetch> waiting_;
     int underWay_ = 0;

@@ -2,6 +2,8 @@
 
 #include "fileimport/thumbnaildecoding.h"
 #include "net/basereq.h"
+#include "net/replybody.h"
+#include "pictures/picturereader.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
@@ -11,13 +13,6 @@
 namespace {
 
 const char cancelledProperty[] = "cancelled";
-
-bool isRemote(const QUrl &url)
-{
-    // Anything else, such as "file", is no business of the service's.
-    return url.isValid() && !url.host().isEmpty() &&
-           (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"));
-}
 
 } // namespace
 
@@ -40,7 +35,7 @@ void ThumbnailLoadWorker::loadPhoto(const QString &name, const QString &icon, in
         loadIcon(icon, load);
         return;
     }
-    if (!isRemote(QUrl(name))) {
+    if (!BaseReq::isImageAddress(QUrl(name))) {
         emit photoLoadFailed(name, index);
         return;
     }
@@ -65,7 +60,7 @@ void ThumbnailLoadWorker::loadIcon(const QString &icon, const Load &load)
 {
     auto known = icons_.find(icon);
     if (known == icons_.end()) {
-        const QImage image = icon.isEmpty() ? QImage() : QImage(icon);
+        const QImage image = PictureReader(icon, picturebounds::shown).read();
         known = icons_.insert(
             icon, image.isNull() ? QPixmap()
                                  : QPixmap::fromImage(image.scaled(photoSize_, Qt::KeepAspectRatio,
@@ -90,8 +85,6 @@ void ThumbnailLoadWorker::fetch(const Load &load)
     QNetworkRequest request{QUrl(load.name)};
     BaseReq::applyTlsSettings(&request);
     request.setRawHeader("User-Agent", "Mozilla/5.0");
-    // Asked for packed, a few bytes could unpack into any number before anybody has counted them.
-    request.setRawHeader("Accept-Encoding", "identity");
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
                          QNetworkRequest::NoLessSafeRedirectPolicy);
     request.setMaximumRedirectsAllowed(limits_.redirects);
@@ -101,18 +94,12 @@ void ThumbnailLoadWorker::fetch(const Load &load)
     timer->setSingleShot(true);
     connect(timer, &QTimer::timeout, reply, &QNetworkReply::abort);
     timer->start(limits_.timeMs);
-    const auto abortWhenTooLarge = [reply, largest = limits_.bodyBytes] {
-        const qint64 announced = reply->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-        if (qMax(announced, reply->bytesAvailable()) > largest)
-            reply->abort();
-    };
-    connect(reply, &QNetworkReply::metaDataChanged, reply, abortWhenTooLarge);
-    connect(reply, &QNetworkReply::readyRead, reply, abortWhenTooLarge);
+    auto *body = new ReplyBody(reply, limits_.bodyBytes);
     connect(reply, &QNetworkReply::finished, this,
-            [this, reply, load] { onFinished(reply, load); });
+            [this, reply, body, load] { onFinished(reply, body, load); });
 }
 
-void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
+void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, ReplyBody *body, const Load &load)
 {
     active_.remove(reply);
     reply->deleteLater();
@@ -121,7 +108,7 @@ void ThumbnailLoadWorker::onFinished(QNetworkReply *reply, const Load &load)
         return;
     QImage image;
     if (reply->error() == QNetworkReply::NoError)
-        image = decodeThumbnail(reply->readAll(), photoSize_);
+        image = decodeThumbnail(body->take(), photoSize_);
     if (!image.isNull())
         kept_.insert(load.name, packThumbnail(image));
     tell(image, load);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pictures/picturebounds.h"
+
 #include <QHash>
 #include <QObject>
 #include <QPixmap>
@@ -10,11 +12,12 @@
 class QNetworkAccessManager;
 class QNetworkReply;
 class QTimer;
+class ReplyBody;
 
 /// What the images of a grid may cost. One that asks for more counts as not loadable.
 struct ThumbnailLimits
 {
-    qint64 bodyBytes = 32 * qint64(1024 * 1024);
+    qint64 bodyBytes = picturebounds::fetchedBytes;
     int timeMs = 30000; ///< from the request to the last byte
     int graceMs = 3000; ///< left to a fetch whose list has gone
     int fetchesAtOnce = 6;
@@ -60,7 +63,7 @@ private:
     void loadIcon(const QString &icon, const Load &load);
     void startNext();
     void fetch(const Load &load);
-    void onFinished(QNetworkReply *reply, const Load &load);
+    void onFinished(QNetworkReply *reply, ReplyBody *body, const Load &load);
 
     const QSize photoSize_;
     const ThumbnailLimits limits_;

@@ -3,6 +3,8 @@
 #include "app/context/accountcontext.h"
 #include "app/context/installation.h"
 #include "app/context/logging.h"
+#include "net/replybody.h"
+#include "pictures/picturebounds.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -18,8 +20,6 @@ namespace {
 
 /// Larger replies, such as a list of thousands of orders, would hold the interface up.
 constexpr int parsedAtOnceBytes = 256 * 1024;
-/// No picture that the service offers is larger; whatever goes on beyond this is none.
-constexpr qint64 largestImageBytes = qint64(64) * 1024 * 1024;
 
 QByteArray withSessionFields(const QByteArray &body)
 {
@@ -120,17 +120,39 @@ void BaseReq::sendGetRequest(const QString &url, ServiceCallback callback)
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 
-void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
+bool BaseReq::isImageAddress(const QUrl &url)
+{
+    return url.isValid() && !url.host().isEmpty() &&
+           (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"));
+}
+
+void BaseReq::downloadImage(const QString &url, ImageBytesCallback callback)
 {
     imageCallback_ = std::move(callback);
+    if (!isImageAddress(QUrl(url))) {
+        QMetaObject::invokeMethod(
+            this, [this] { handOverImage({}, QStringLiteral("不是网络地址")); },
+            Qt::QueuedConnection);
+        return;
+    }
     QNetworkRequest request;
     applyTlsSettings(&request);
     request.setUrl(QUrl(url));
     watch(manager_->get(request));
-    connect(reply_, &QNetworkReply::finished, this, [this] { imageDownloadFinished(reply_); });
-    connect(reply_, &QNetworkReply::downloadProgress, this, [reply = reply_](qint64 received) {
-        if (reply && received > largestImageBytes)
-            reply->abort();
+    auto *body = new ReplyBody(reply_, picturebounds::fetchedBytes);
+    connect(reply_, &QNetworkReply::finished, this,
+            [this, body] { imageDownloadFinished(reply_, body); });
+}
+
+void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
+{
+    if (!callback) {
+        downloadImage(url, {});
+        return;
+    }
+    downloadImage(url, [url, callback](const QByteArray &image, const QString &error) {
+        const bool ok = error.isEmpty();
+        callback(ok, ok ? imageDataUrl(image, url) : QString(), error);
     });
 }
 
@@ -172,7 +194,7 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
             this, [body] { return QJsonDocument::fromJson(body); }, handOver);
 }
 
-void BaseReq::imageDownloadFinished(QNetworkReply *reply)
+void BaseReq::imageDownloadFinished(QNetworkReply *reply, ReplyBody *body)
 {
     if (!reply)
         return;
@@ -180,16 +202,22 @@ void BaseReq::imageDownloadFinished(QNetworkReply *reply)
     noteCertificateError(reply);
     reply->deleteLater();
     requestDone_ = 1;
-    if (!imageCallback_) {
+    const QByteArray image = body->take();
+    if (body->isTooLarge())
+        handOverImage({}, QStringLiteral("图片过大"));
+    else if (reply->error() != QNetworkReply::NoError)
+        handOverImage({}, reply->errorString());
+    else
+        handOverImage(image, image.isEmpty() ? QStringLiteral("没有内容") : QString());
+}
+
+void BaseReq::handOverImage(const QByteArray &image, const QString &problem)
+{
+    if (!imageCallback_)
         qDebug() << "警告：imageCallback 为空";
-        return;
-    }
-    if (reply->error() != QNetworkReply::NoError) {
-        imageCallback_(false, QString(), QStringLiteral("图片下载失败:") + reply->errorString());
-        return;
-    }
-    imageCallback_(true, imageDataUrl(reply->readAll(), reply->request().url().toString()),
-                   QString());
+    else
+        imageCallback_(image,
+                       problem.isEmpty() ? QString() : QStringLiteral("图片下载失败:") + problem);
 }
 
 void BaseReq::abortRequest()

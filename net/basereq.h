@@ -7,10 +7,12 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QUrl>
 
 #include <functional>
 
 class QNetworkAccessManager;
+class ReplyBody;
 
 /// One call to the studio-management service, or one image fetch.
 ///
@@ -29,6 +31,9 @@ public:
     using ImageCallback =
         std::function<void(bool ok, const QString &dataUrl, const QString &error)>;
 
+    /// On failure \a error says why; otherwise it is empty.
+    using ImageBytesCallback = std::function<void(const QByteArray &image, const QString &error)>;
+
     explicit BaseReq(QObject *parent = nullptr);
     ~BaseReq() override;
 
@@ -39,8 +44,16 @@ public:
     /// The same reply handling for a plain GET of a full address.
     void sendGetRequest(const QString &url, ServiceCallback callback);
 
-    /// Fetches an image and hands it over as a data URL.
+    /// Fetches an image. Refused are what does not lie on the network, and bodies of more bytes
+    /// than a picture has. Whether it is one is for the reader of pictures to say.
+    void downloadImage(const QString &url, ImageBytesCallback callback);
+
+    /// The same, handed over as a data URL.
     void downloadImageAsDataUrl(const QString &url, ImageCallback callback);
+
+    /// Whether a picture may be fetched from \a url; anything else, such as a file, is no business
+    /// of the service's.
+    static bool isImageAddress(const QUrl &url);
 
     /// Ends the request in flight; its callback then runs with ok = false. Nothing happens once the
     /// answer is there.
@@ -56,18 +69,19 @@ public:
 
 private slots:
     void serviceRequestFinished(QNetworkReply *reply);
-    void imageDownloadFinished(QNetworkReply *reply);
+    void imageDownloadFinished(QNetworkReply *reply, ReplyBody *body);
 
 private:
     void watch(QNetworkReply *reply);
     void noteCertificateError(QNetworkReply *reply);
+    void handOverImage(const QByteArray &image, const QString &problem);
 
     int requestDone_ = 1; ///< 0 while a request is in flight
     QPointer<QNetworkReply> reply_;
     QNetworkRequest request_;
     QNetworkAccessManager *manager_;
     ServiceCallback callback_;
-    ImageCallback imageCallback_;
+    ImageBytesCallback imageCallback_;
     QString certificateError_;
 };
 

@@ -5,6 +5,8 @@
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QtTest>
 
 namespace {
@@ -139,6 +141,71 @@ private slots:
         reply = {};
         callService(this, login, rightLogin, [&reply](const ServiceReply &came) { reply = came; });
         QTRY_COMPARE(int(reply.outcome), int(ServiceReply::Outcome::Refused));
+    }
+
+    void images_data()
+    {
+        addColumns<QString, QString, QString>({"kind", "url", "error"});
+        const QString photo = AccountContext::baseUrl + "/photos/8000011001.jpg"_s;
+        newRow("fine", QString(), photo, QString());
+        newRow("too large", "huge-body"_s, photo, "图片下载失败:图片过大"_s);
+        newRow("empty", "empty"_s, photo, "图片下载失败:没有内容"_s);
+        newRow("error", "http-error"_s, photo, "图片下载失败:"_s);
+        newRow("file", QString(), "file:///etc/hostname"_s, "图片下载失败:不是网络地址"_s);
+        newRow("bundled", QString(), "qrc:/x.png"_s, "图片下载失败:不是网络地址"_s);
+        newRow("no host", QString(), "http:///x.png"_s, "图片下载失败:不是网络地址"_s);
+    }
+
+    void images()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, url);
+        QFETCH(QString, error);
+        if (!kind.isEmpty())
+            demo_.misbehave("image"_s, kind, {{"times"_s, -1}});
+        BaseReq request;
+        QStringList told;
+        request.downloadImageAsDataUrl(
+            url, [&told](bool ok, const QString &dataUrl, const QString &why) {
+                told += ok ? dataUrl.left(22) : why;
+                QCOMPARE(dataUrl.isEmpty(), !ok);
+            });
+        QVERIFY(told.isEmpty());
+        QTRY_COMPARE_WITH_TIMEOUT(told.size(), 1, 60000);
+        QVERIFY2(told.first().startsWith(error.isEmpty() ? "data:image/jpeg;base64"_s : error),
+                 qPrintable(told.first()));
+    }
+
+    /// What comes in few bytes may unpack into any number.
+    void packedImages_data()
+    {
+        addColumns<int, bool>({"megabytes", "taken"});
+        newRow("as large as a picture may be", 64, true);
+        newRow("larger", 65, false);
+    }
+
+    void packedImages()
+    {
+        QFETCH(int, megabytes);
+        QFETCH(bool, taken);
+        const QByteArray packed = qCompress(QByteArray(megabytes * 1024 * 1024, 'x')).mid(4);
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, this, [&server, packed] {
+            QTcpSocket *peer = server.nextPendingConnection();
+            peer->write("HTTP/1.1 200 OK\r\nContent-Encoding: deflate\r\nContent-Length: " +
+                        QByteArray::number(packed.size()) + "\r\n\r\n" + packed);
+        });
+        BaseReq request;
+        QString answer = "nothing"_s;
+        int size = 0;
+        request.downloadImage("http://127.0.0.1:%1/a"_s.arg(server.serverPort()),
+                              [&](const QByteArray &image, const QString &error) {
+                                  answer = error;
+                                  size = image.size();
+                              });
+        QTRY_COMPARE_WITH_TIMEOUT(answer, taken ? QString() : "图片下载失败:图片过大"_s, 60000);
+        QCOMPARE(size, taken ? megabytes * 1024 * 1024 : 0);
     }
 
 private:

@@ -1,0 +1,40 @@
+#include "net/replybody.h"
+
+#include <QNetworkReply>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+constexpr qint64 pieceBytes = qint64(64) * 1024;
+
+} // namespace
+
+ReplyBody::ReplyBody(QNetworkReply *reply, qint64 mostBytes)
+    : QObject(reply), reply_(reply), mostBytes_(mostBytes)
+{
+    reply->setReadBufferSize(pieceBytes);
+    connect(reply, &QNetworkReply::readyRead, this, &ReplyBody::readOn);
+    connect(reply, &QNetworkReply::metaDataChanged, this, &ReplyBody::readOn);
+}
+
+void ReplyBody::readOn()
+{
+    if (isTooLarge_)
+        return;
+    const qint64 announced = reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong();
+    bytes_ += reply_->read(mostBytes_ + 1 - bytes_.size());
+    if (std::max<qint64>(announced, bytes_.size()) <= mostBytes_)
+        return;
+    isTooLarge_ = true;
+    bytes_.clear();
+    reply_->abort();
+}
+
+QByteArray ReplyBody::take()
+{
+    if (reply_->isOpen())
+        readOn();
+    return std::exchange(bytes_, {});
+}
