@@ -293,6 +293,8 @@ void Planner::planDistribution()
 void Planner::planSelection()
 {
     for (const DetailPhoto &photo : detail_.images) {
+        if (isLeftOut(photo))
+            continue;
         if (!takeImproved(photo, request_.orderFolder, true) && request_.options.fullSize)
             takeRole(photo, photorole::finished, request_.orderFolder);
     }
@@ -315,7 +317,9 @@ void Planner::planProducts()
     }
     for (const DetailPhoto &photo : detail_.images) {
         const QString folder = orderFolder("其他/");
-        if (!used.contains(photo.key()) && !takeImproved(photo, folder))
+        if (isLeftOut(photo) || used.contains(photo.key()))
+            continue;
+        if (!takeImproved(photo, folder))
             takeRole(photo, photorole::finished, folder);
     }
 }
@@ -404,6 +408,10 @@ bool Planner::takeImproved(const DetailPhoto &photo, const QString &folder, bool
 bool Planner::takeTogether(const QString &imgName, const PhotoVersions &versions,
                            const QString &role, const QString &folder)
 {
+    const QStringList names = photos_.namesakes(imgName);
+    if (std::any_of(names.cbegin(), names.cend(),
+                    [this](const QString &key) { return request_.leftOut.contains(key); }))
+        return false;
     const QVector<DetailPhoto> all = versions.oneForEach(imgName);
     for (const DetailPhoto &version : all)
         takeRole(version, role, folder);
