@@ -138,6 +138,7 @@ void DistributionRun::startNextOrder()
         finish();
         return;
     }
+    claim_.release();
     detail_.reset();
     expected_ = 0;
     photoResults_ = 0;
@@ -153,6 +154,12 @@ void DistributionRun::startNextOrder()
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
     announceStep();
+    const OrderIdentity order{settings_.identity.shopId, current().id, current().orderPhotoId};
+    const auto conflict = ordersatwork::claim({order}, cardName(settings_.type), &claim_);
+    if (conflict) {
+        skipOrder(ordersatwork::refusal(current().displayNumber(), conflict->tool));
+        return;
+    }
     detailCall_.start(distributionrequests::detailAction,
                       distributionrequests::detailBody(current(), settings_.identity),
                       [this](const ServiceReply &reply) { onDetail(reply); });
@@ -446,6 +453,7 @@ void DistributionRun::finish()
     summary.errors = errors_;
     summary.otherFiles = otherFiles_;
     running_ = false;
+    claim_.release();
     stepTimer_.stop();
     announceStep();
     detail_.reset();

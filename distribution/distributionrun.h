@@ -7,6 +7,7 @@
 #include "net/orderqueries.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
+#include "tasks/ordersatwork.h"
 #include "tasks/stopflag.h"
 #include "tasks/workerpool.h"
 
@@ -125,6 +126,7 @@ private:
     bool running_ = false;
     /// Shared with the tasks: one that has not begun when it is set does nothing.
     StopFlag stopFlag_;
+    ordersatwork::Claim claim_; ///< to the current order
     int completed_ = 0;
     QVector<QPair<QString, int>> otherFiles_;
     Latest counting_;       ///< of the current order's

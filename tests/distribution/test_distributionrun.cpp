@@ -205,6 +205,16 @@ private slots:
                             "精修/IMG_0005.jpg"_s}));
         QCOMPARE(demo_.requests(reports).size(), 4); // IMG_0005 is two photos to the service
 
+        wanted.options = optionsOf("f"_s);
+        for (const Type type : {Type::DownloadSelection, Type::Distribution}) {
+            const QString unused = "8000011004"_s; // no product uses it
+            wanted.type = type;
+            wanted.leftOut.insert(order(1).orderPhotoId, {"8000011001"_s, unused});
+            run({order(1)}, wanted);
+        }
+        QCOMPARE(filesBelow(target(orderFolder + "/成品"_s)), spreadOut({"IMG_000{5,7}.jpg"_s}));
+        QVERIFY(filesBelow(target(orderFolder + "/其他/成品"_s)).isEmpty());
+
         // A photo counts with all its files: the place of a raw file is taken by a folder.
         demo_.clearRequests();
         QVERIFY(QDir(target(orderFolder + "/原始档"_s)).removeRecursively());
@@ -334,6 +344,28 @@ private slots:
         QCOMPARE(summary.completed, 1);
         QCOMPARE(summary.errors.size(), failed);
         QCOMPARE(summary.errors.filter(error).size(), failed);
+    }
+
+    void whatAnotherToolHasInHandIsLeftAlone()
+    {
+        const OrderIdentity identity{"101"_s, {}, order(1).orderPhotoId};
+        QString tool;
+        run_->setPerform([&](const DistributionTask &task) {
+            QMetaObject::invokeMethod(
+                this, [&] { tool = ordersatwork::toolAt(identity); }, Qt::BlockingQueuedConnection);
+            return FJDataOperate::perform(task);
+        });
+        const RunSettings wanted = settings(Type::DownloadDelivery, "f"_s);
+        {
+            const ordersatwork::Claim claim({identity}, "批量删除"_s);
+            const RunSummary summary = run({order(1), order(5)}, wanted);
+            QCOMPARE(summary.completed, 1);
+            QCOMPARE(summary.errors.filter("批量删除"_s).size(), 1);
+            QCOMPARE(demo_.requests(detailAction).size(), 1);
+        }
+        QCOMPARE(run({order(1)}, wanted).completed, 1);
+        QCOMPARE(tool, "下载照片交付"_s);
+        QVERIFY(ordersatwork::toolAt(identity).isEmpty());
     }
 
     void twoOrdersAreNotMixedInOneFolder()
