@@ -101,6 +101,13 @@ void ImportFiles::showPhotoView(bool shown)
     rightHalf_->addWidget(photos_);
     for (int part = 0; part < rightHalf_->count(); ++part)
         rightHalf_->setStretchFactor(part, 1);
+    // After a deletion the numbers of the search are not the service's any more.
+    connect(photos_, &OriginalView::listed, this, [this](int photos, int rawFiles) {
+        orders_.change(orders_.rowOf(shownOrderId_), [=](ImportOrder &order) {
+            order.numberYuanpian = photos;
+            order.numberYuanshidang = rawFiles;
+        });
+    });
     connect(photos_, &OriginalView::stopped, this, &ImportFiles::finishClosingWhenIdle);
 }
 

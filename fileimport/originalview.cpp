@@ -19,6 +19,8 @@
 #include <QStyle>
 #include <QTextDocument>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int toastMs = 2000;
@@ -210,6 +212,11 @@ void OriginalView::showListing(const QVector<PhotoEntry> &entries)
     grid_->setEmptyText(QStringLiteral("该订单还没有导入照片"));
     grid_->setEntries(entries);
     showCount();
+    const auto rawFiles =
+        std::count_if(entries.cbegin(), entries.cend(), [](const PhotoEntry &entry) {
+            return entry.kind == PhotoEntry::Kind::RawFile;
+        });
+    emit listed(entries.size() - int(rawFiles), int(rawFiles));
 }
 
 void OriginalView::abandonListing()

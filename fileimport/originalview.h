@@ -46,6 +46,8 @@ public:
     bool isStopped() const;
 
 signals:
+    /// The service has listed the shown order's photos; how many of which kind.
+    void listed(int photos, int rawFiles);
     /// Nothing goes on any more.
     void stopped();
 

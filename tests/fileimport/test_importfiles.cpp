@@ -1,5 +1,6 @@
 #include "fileimport/importfiles.h"
 #include "fileimport/orderactionsdelegate.h"
+#include "fileimport/photocell.h"
 #include "fileimport/thumbnailtableview.h"
 #include "tests/support/datarows.h"
 #include "tests/support/dropping.h"
@@ -99,6 +100,16 @@ private slots:
         QCOMPARE(grid->count(), 0); // at once nothing of the other order
         QTRY_COMPARE(grid->count(), 6);
         select(second);
+        QTRY_COMPARE(grid->count(), 4);
+        for (const int index : {0, 2, 3}) { // a raw file and both photos
+            QTRY_VERIFY(grid->cell(index));
+            QTest::mouseClick(grid->cell(index), Qt::LeftButton);
+        }
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        click("deletePhotosButton");
+        EXPECT_BOX_THAT(box.contains("3 个文件"_s));
+        QTRY_COMPARE(text(second, Column::OriginalsColumn), "0"_s);
+        QCOMPARE(text(second, Column::RawColumn), "1"_s);
 
         // Sorted by another column, the rows still belong to their orders.
         orders()->horizontalHeader()->setSortIndicator(Column::WomanColumn, Qt::DescendingOrder);
