@@ -2,7 +2,6 @@
 
 #include "fileimport/importfilecopyrunnable.h"
 #include "fileimport/importrules.h"
-#include "files/chosenfiles.h"
 #include "files/filewriting.h"
 #include "files/paths.h"
 #include "platform/pathform.h"
@@ -29,13 +28,6 @@ QString makeFolders(const ChoiceRequest &request)
 }
 
 } // namespace
-
-DropContents contentsOf(const QStringList &paths, const QString &dialogFilter)
-{
-    DropContents contents;
-    contents.files = chosenfiles::expandDrop(paths, dialogFilter, &contents.ignored);
-    return contents;
-}
 
 ChoiceResult prepareChoice(const ChoiceRequest &request)
 {

@@ -16,17 +16,6 @@ struct ChoiceRequest
     QVector<ImportFile> known; ///< the order's files that the chosen ones join
 };
 
-/// What users dropped on an order.
-struct DropContents
-{
-    QStringList files; ///< those that the filter takes, also from folders and the folders below
-    int ignored = 0;   ///< files that the filter leaves out
-};
-
-/// What \a paths (files and folders) hold for the first filter of \a dialogFilter. Blocks; for
-/// worker threads.
-DropContents contentsOf(const QStringList &paths, const QString &dialogFilter);
-
 struct ChoiceResult
 {
     QVector<ImportFile> files;    ///< the chosen ones that are not known yet

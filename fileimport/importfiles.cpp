@@ -6,6 +6,7 @@
 #include "fileimport/importrequests.h"
 #include "fileimport/orderfilechooser.h"
 #include "fileimport/originalview.h"
+#include "files/pathgate.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/filedroptable.h"
@@ -356,8 +357,15 @@ void ImportFiles::onClearFilesClicked(int row)
 
 void ImportFiles::onOpenDirClicked(int row)
 {
-    if (orders_.hasRow(row) && !orders_.order(row).importPath.isEmpty())
-        folderOpener_.open(orders_.order(row).importPath);
+    if (!orders_.hasRow(row) || orders_.order(row).importPath.isEmpty())
+        return;
+    const ImportOrder &order = orders_.order(row);
+    const pathgate::Refusal refusal =
+        pathgate::refusalOfImport(order.displayName(), order.importPath, {});
+    if (refusal.isRefused())
+        MessageBox::warning(this, refusal.text());
+    else
+        folderOpener_.open(order.importPath);
 }
 
 // The import.

@@ -2,7 +2,7 @@
 
 #include "fileimport/importordertablemodel.h"
 #include "fileimport/importrules.h"
-#include "files/chosenfiles.h"
+#include "files/pathgate.h"
 #include "tasks/background.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
@@ -47,6 +47,12 @@ bool OrderFileChooser::mayChoose(int row)
     if (isBusy() || !mayChange_(row) || !orders_->hasRow(row))
         return false;
     const ImportOrder &order = orders_->order(row);
+    const pathgate::Refusal refusal =
+        pathgate::refusalOfImport(order.displayName(), order.importPath, order.importPublicPath);
+    if (refusal.isRefused()) {
+        MessageBox::warning(window_, refusal.text());
+        return false;
+    }
     if (importrules::hasFolder(order))
         return true;
     MessageBox::information(
@@ -81,14 +87,29 @@ void OrderFileChooser::take(int row, const QStringList &paths)
     overlay_->showText(checkingText());
     onDisk(
         this, paths,
-        [paths, filter = importrules::dialogFilter(mode_)] { return contentsOf(paths, filter); },
-        look_.only([this, orderId = orders_->order(row).id](const DropContents &contents) {
-            overlay_->hideOverlay();
-            onExpanded(orderId, contents);
-        }));
+        [paths, filter = importrules::dialogFilter(mode_)] {
+            return chosenfiles::expandDrop(paths, filter);
+        },
+        look_.only(
+            [this, orderId = orders_->order(row).id](const chosenfiles::DropContents &contents) {
+                overlay_->hideOverlay();
+                onExpanded(orderId, contents);
+            }));
 }
 
-void OrderFileChooser::onExpanded(const QString &orderId, const DropContents &contents)
+void OrderFileChooser::onExpanded(const QString &orderId, const chosenfiles::DropContents &contents)
+{
+    if (contents.unreadable.isEmpty()) {
+        takeExpanded(orderId, contents);
+        return;
+    }
+    ask(BoxText(chosenfiles::unreadableHeading(), contents.unreadable),
+        ConfirmDialog::Enter::Cancels,
+        [this, orderId, contents] { takeExpanded(orderId, contents); });
+}
+
+void OrderFileChooser::takeExpanded(const QString &orderId,
+                                    const chosenfiles::DropContents &contents)
 {
     if (contents.files.isEmpty()) {
         MessageBox::information(window_,
@@ -205,7 +226,7 @@ void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)
     emit filesChanged(row);
 }
 
-void OrderFileChooser::ask(const QString &text, ConfirmDialog::Enter enter,
+void OrderFileChooser::ask(const BoxText &text, ConfirmDialog::Enter enter,
                            const std::function<void()> &onYes) const
 {
     ConfirmDialog::ask(window_, text, enter, [onYes](bool confirmed) {

@@ -2,6 +2,7 @@
 
 #include "fileimport/filechoice.h"
 #include "fileimport/importrecords.h"
+#include "files/chosenfiles.h"
 #include "tasks/latest.h"
 #include "widgets/boxes/confirmdialog.h"
 
@@ -56,14 +57,15 @@ private:
     bool mayChoose(int row);
     /// Row of the choice's order; -1 when it is not listed any more, or may not be changed.
     int rowOf(const Choice &choice) const;
-    void onExpanded(const QString &orderId, const DropContents &contents);
+    void onExpanded(const QString &orderId, const chosenfiles::DropContents &contents);
+    void takeExpanded(const QString &orderId, const chosenfiles::DropContents &contents);
     void askAboutSharedFolder(const Choice &choice);
     void askAboutReplacing(const Choice &choice);
     void prepare(const Choice &choice);
     void onPrepared(const Choice &choice, const ChoiceResult &result);
     void add(const Choice &choice, const QVector<ImportFile> &files);
     void setFiles(int row, const QVector<ImportFile> &files);
-    void ask(const QString &text, ConfirmDialog::Enter enter,
+    void ask(const BoxText &text, ConfirmDialog::Enter enter,
              const std::function<void()> &onYes) const;
 
     QWidget *window_;

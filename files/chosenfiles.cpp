@@ -1,10 +1,10 @@
 #include "files/chosenfiles.h"
 
 #include "files/paths.h"
+#include "platform/folderlisting.h"
 
 #include <QCollator>
 #include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 #include <QHash>
 
@@ -22,6 +22,13 @@ QStringList firstPatterns(const QString &dialogFilter)
         .split(QLatin1Char(' '));
 }
 
+/// What is mounted in a folder belongs to it; what a link leads to does not.
+bool isFolderBelow(platform::EntryKind kind, const QString &path)
+{
+    return kind == platform::EntryKind::Folder ||
+           (kind == platform::EntryKind::FolderLink && !QFileInfo(path).isSymLink());
+}
+
 } // namespace
 
 bool matchesFilter(const QString &dialogFilter, const QString &fileName)
@@ -29,30 +36,52 @@ bool matchesFilter(const QString &dialogFilter, const QString &fileName)
     return QDir::match(firstPatterns(dialogFilter), fileName);
 }
 
-QStringList expandDrop(const QStringList &paths, const QString &dialogFilter, int *ignored)
+DropContents expandDrop(const QStringList &paths, const QString &dialogFilter)
 {
     const QStringList patterns = firstPatterns(dialogFilter);
-    QStringList taken;
+    DropContents contents;
     const auto consider = [&](const QString &path) {
-        if (QDir::match(patterns, QFileInfo(path).fileName()))
-            taken.append(path);
+        if (QDir::match(patterns, path.mid(path.lastIndexOf(QLatin1Char('/')) + 1)))
+            contents.files.append(path);
         else
-            ++*ignored;
+            ++contents.ignored;
     };
+    QStringList folders;
     for (const QString &path : paths) {
-        if (!QFileInfo(path).isDir()) {
+        if (QFileInfo(path).isDir())
+            folders.append(path);
+        else
             consider(path);
-            continue;
-        }
-        QDirIterator files(path, QDir::Files, QDirIterator::Subdirectories);
-        while (files.hasNext())
-            consider(files.next());
+    }
+    while (!folders.isEmpty()) {
+        const QString folder = folders.takeLast();
+        const auto sort = [&](const platform::FolderEntry &entry) {
+            const QString path = joinLocalPath(folder, entry.name);
+            if (entry.kind == platform::EntryKind::Unnameable)
+                contents.unreadable.append(path);
+            else if (entry.isHidden)
+                return true;
+            else if (isFolderBelow(entry.kind, path))
+                folders.append(path);
+            else if (entry.kind == platform::EntryKind::File)
+                consider(path);
+            return true;
+        };
+        if (platform::listFolder(folder, sort) != platform::FolderListing::Done)
+            contents.unreadable.append(folder);
     }
     QCollator byName(QLocale(QLocale::Chinese, QLocale::China)); // whatever the machine is set to
     byName.setNumericMode(true);
-    std::sort(taken.begin(), taken.end(), byName);
-    taken.removeDuplicates();
-    return taken;
+    std::sort(contents.files.begin(), contents.files.end(), byName);
+    contents.files.removeDuplicates();
+    contents.unreadable.removeDuplicates();
+    std::sort(contents.unreadable.begin(), contents.unreadable.end(), byName);
+    return contents;
+}
+
+QString unreadableHeading()
+{
+    return QStringLiteral("下列文件夹无法读取，其中的文件不会被导入，确认要继续吗？");
 }
 
 QVector<QStringList> sameTargetGroups(const QVector<Placement> &placements)

@@ -11,10 +11,21 @@ namespace chosenfiles {
 /// whatever its case.
 bool matchesFilter(const QString &dialogFilter, const QString &fileName);
 
-/// The dropped files, and those in dropped folders and the folders below, that the first filter of
-/// \a dialogFilter takes, each once, in the order of their names. \a ignored counts the others.
-/// Blocks; for worker threads.
-QStringList expandDrop(const QStringList &paths, const QString &dialogFilter, int *ignored);
+/// What lies in dropped files and folders.
+struct DropContents
+{
+    QStringList files;      ///< those that the filter takes, each once, in the order of their names
+    QStringList unreadable; ///< folders, and entries without a proper name, that hide their files
+    int ignored = 0;        ///< files that the filter leaves out
+};
+
+/// The files among \a paths, and those in the folders among them and the folders below, as the
+/// first filter of \a dialogFilter takes them. Hidden entries and links to folders below are left
+/// out. Blocks; for worker threads.
+DropContents expandDrop(const QStringList &paths, const QString &dialogFilter);
+
+/// Asks whether to take the rest, above the names of what could not be read.
+QString unreadableHeading();
 
 /// A file to be copied and where to; the target in Windows form.
 struct Placement

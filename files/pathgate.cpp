@@ -140,6 +140,15 @@ QString reasonOf(Flaw flaw)
     return {};
 }
 
+Refusal refusalOfImport(const QString &order, const QString &importPath, const QString &publicPath)
+{
+    if (!importPath.isEmpty())
+        return {order, importPath, flawOf(importPath), Setting::OrderFolder};
+    if (!publicPath.isEmpty())
+        return {order, publicPath, flawOf(publicPath), Setting::PublicFolder};
+    return {order, {}, Flaw::None, Setting::OrderFolder};
+}
+
 QString Refusal::text() const
 {
     QString advice;

@@ -54,6 +54,11 @@ struct Refusal
     QString text() const;
 };
 
+/// Judges where \a order is imported: \a importPath where it has one, otherwise \a publicPath,
+/// below which its folder is composed. That both are empty is no flaw here; nothing is imported
+/// then.
+Refusal refusalOfImport(const QString &order, const QString &importPath, const QString &publicPath);
+
 /// "不是完整的路径"; empty for None.
 QString reasonOf(Flaw flaw);
 

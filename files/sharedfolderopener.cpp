@@ -1,5 +1,6 @@
 #include "files/sharedfolderopener.h"
 
+#include "files/pathgate.h"
 #include "platform/pathform.h"
 #include "tasks/background.h"
 
@@ -90,11 +91,20 @@ FolderOpening showFolder(const FolderCommands &commands, const QString &path, in
     return {false, platform::textOf(process.readAllStandardError()).trimmed()};
 }
 
+QString withoutScheme(const QString &path)
+{
+    const QLatin1String scheme("file://");
+    return path.startsWith(scheme, Qt::CaseInsensitive) ? path.mid(scheme.size()) : path;
+}
+
 FolderOpening openFolder(const FolderCommands &commands, const QString &path,
                          const StopFlag &abandoned)
 {
     if (path.trimmed().isEmpty())
         return {false, QStringLiteral("没有可以打开的文件夹")};
+    const pathgate::Flaw flaw = pathgate::flawOf(withoutScheme(path));
+    if (flaw != pathgate::Flaw::None)
+        return {false, QStringLiteral("无法打开 %1：%2").arg(path, pathgate::reasonOf(flaw))};
     const bool isNetworkPath =
         SharedFolderOpener::normalizePath(path).startsWith(QLatin1String("smb://"));
     if (isNetworkPath && !hostAnswers(commands, path, hostTimeoutMs, abandoned)) {
@@ -142,10 +152,7 @@ void SharedFolderOpener::open(const QString &path)
 
 QString SharedFolderOpener::normalizePath(const QString &path)
 {
-    const QLatin1String scheme("file://");
-    QString normalized = path;
-    if (normalized.startsWith(scheme, Qt::CaseInsensitive))
-        normalized.remove(0, scheme.size());
+    QString normalized = withoutScheme(path);
     normalized.replace(QLatin1Char('\\'), QLatin1Char('/'));
     if (normalized.startsWith(QLatin1String("//")))
         normalized.prepend(QLatin1String("smb:"));

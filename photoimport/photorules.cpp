@@ -1,6 +1,7 @@
 #include "photoimport/photorules.h"
 
 #include "files/filewriting.h"
+#include "files/pathgate.h"
 #include "files/paths.h"
 #include "files/safename.h"
 #include "platform/pathform.h"
@@ -44,6 +45,12 @@ QVector<Form> formsOf(const OrderInfo &order, int photoMode)
     addVariant(middleKind, order.middleSize);
     addVariant(bigKind, order.bigSize);
     return forms;
+}
+
+QString nameOf(const OrderInfo &order)
+{
+    return order.orderPayForKey + QLatin1Char('-') +
+           (order.mname.isEmpty() ? order.wname : order.mname);
 }
 
 bool isReachable(const QString &wirePath)
@@ -112,11 +119,15 @@ void prepareFolders(const QStringList &folders)
 PathProblem validatePaths(const QList<OrderInfo> &orders)
 {
     for (const OrderInfo &order : orders) {
+        const pathgate::Refusal refusal =
+            pathgate::refusalOfImport(nameOf(order), order.importPath, order.importPublicPath);
+        if (refusal.isRefused())
+            return {refusal.text(), refusal.path};
+    }
+    for (const OrderInfo &order : orders) {
         if (order.importPath.isEmpty()) {
             if (order.importPublicPath.isEmpty()) {
-                const QString customer = order.mname.isEmpty() ? order.wname : order.mname;
-                return {QStringLiteral("订单 %1-%2 的导入路径和公共导入路径都为空")
-                            .arg(order.orderPayForKey, customer),
+                return {QStringLiteral("订单 %1 的导入路径和公共导入路径都为空").arg(nameOf(order)),
                         QString()};
             }
             if (!isReachable(order.importPublicPath))

@@ -48,8 +48,8 @@ struct PathProblem
     bool isProblem() const { return !error.isEmpty(); }
 };
 
-/// Looks whether the import folders of \a orders can be reached or made. Blocks; for worker
-/// threads.
+/// Passes the import folders of all \a orders through the gate for paths, and looks whether they
+/// can be reached or made. Blocks; for worker threads.
 PathProblem validatePaths(const QList<OrderInfo> &orders);
 
 } // namespace photorules

@@ -74,10 +74,14 @@ QString sourceFilter(int photoMode)
 FileChoiceResult describeChoice(const FileChoice &choice)
 {
     FileChoiceResult result;
-    const QStringList paths =
-        choice.expand
-            ? chosenfiles::expandDrop(choice.paths, sourceFilter(choice.photoMode), &result.ignored)
-            : choice.paths;
+    QStringList paths = choice.paths;
+    if (choice.expand) {
+        chosenfiles::DropContents dropped =
+            chosenfiles::expandDrop(choice.paths, sourceFilter(choice.photoMode));
+        paths = dropped.files;
+        result.ignored = dropped.ignored;
+        result.unreadable = dropped.unreadable;
+    }
     QSet<QString> known;
     QVector<chosenfiles::Placement> placements;
     for (const SourceFile &file : choice.listed) {

@@ -78,6 +78,7 @@ struct FileChoiceResult
 {
     QVector<SourceFile> files;    ///< the new ones
     QVector<QStringList> clashes; ///< sources that would land on one target, grouped
+    QStringList unreadable;       ///< folders whose photos are not among them
     int ignored = 0;              ///< left out by the filter
     int repeated = 0;             ///< listed already
 };

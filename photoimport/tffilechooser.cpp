@@ -3,6 +3,7 @@
 #include "files/chosenfiles.h"
 #include "photoimport/tforderlistmodel.h"
 #include "tasks/background.h"
+#include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
@@ -66,6 +67,20 @@ void tffilechooser::take(int row, const QStringList &paths, bool expand)
 
 void tffilechooser::onDescribed(const QString &orderId, int photoMode,
                                 const FileChoiceResult &result)
+{
+    if (result.unreadable.isEmpty()) {
+        add(orderId, photoMode, result);
+        return;
+    }
+    ConfirmDialog::ask(window_, BoxText(chosenfiles::unreadableHeading(), result.unreadable),
+                       ConfirmDialog::Enter::Cancels,
+                       [this, orderId, photoMode, result](bool confirmed) {
+                           if (confirmed)
+                               add(orderId, photoMode, result);
+                       });
+}
+
+void tffilechooser::add(const QString &orderId, int photoMode, const FileChoiceResult &result)
 {
     const int row = orders_->rowOf(orderId);
     if (row < 0 || photoMode != orders_->photoMode())

@@ -36,6 +36,7 @@ signals:
 
 private:
     void onDescribed(const QString &orderId, int photoMode, const FileChoiceResult &result);
+    void add(const QString &orderId, int photoMode, const FileChoiceResult &result);
 
     QWidget *window_;
     tforderlistmodel *orders_;

@@ -2,6 +2,7 @@
 
 #include "app/context/logging.h"
 #include "app/helpers/macwindowmanager.h"
+#include "files/pathgate.h"
 #include "photoimport/tffilechooser.h"
 #include "photoimport/tfhomeorders.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
@@ -184,7 +185,7 @@ void tfhome::connectRun()
     connect(&run_, &PhotoImportRun::stateChanged, this, &tfhome::refreshState);
     connect(&run_, &PhotoImportRun::refused, this,
             [this](const QString &message, const QString &path) {
-                tell(path.isEmpty() ? message : message + QStringLiteral("\n\n") + path);
+                tell(message.contains(path) ? message : message + QStringLiteral("\n\n") + path);
             });
     // A box waits for its answer; the run must not wait inside its own signal.
     connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd, Qt::QueuedConnection);
@@ -274,9 +275,14 @@ void tfhome::openFolder(int row)
 {
     if (!orders_.hasRow(row))
         return;
-    const QString folder = orders_.order(row).folder();
+    const PhotoOrder &order = orders_.order(row);
+    const QString folder = order.folder();
+    const pathgate::Refusal refusal = pathgate::refusalOfImport(
+        order.displayName(), order.info.importPath, order.info.importPublicPath);
     if (folder.isEmpty())
         Toast::show(this, QStringLiteral("该订单没有导片路径"));
+    else if (refusal.isRefused())
+        tell(refusal.text());
     else
         folderOpener_.open(folder);
 }

@@ -24,6 +24,7 @@ struct FolderEntry
     qint64 size = 0;     ///< bytes; 0 unless it is a file
     qint64 modified = 0; ///< in ticks of the system's own, for comparing; 0 unless it is a file
     EntryKind kind = EntryKind::File;
+    bool isHidden = false; ///< as the system sees it: by its name, on Windows by a mark
 };
 
 enum class FolderListing {

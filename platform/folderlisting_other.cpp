@@ -136,6 +136,7 @@ FolderListing listFolder(const QString &folder,
         const QByteArray bytes = QByteArray::fromRawData(name, int(std::strlen(name)));
         FolderEntry entry;
         entry.name = QFile::decodeName(bytes);
+        entry.isHidden = *name == '.';
         entry.kind = kindOf(handle, itself.st_dev, name, info);
         if (entry.kind == EntryKind::File) {
             entry.size = info.st_size;

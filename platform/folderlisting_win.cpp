@@ -138,6 +138,7 @@ FolderListing listFolder(const QString &folder,
             continue;
         FolderEntry entry;
         entry.name = QString::fromWCharArray(found.cFileName);
+        entry.isHidden = (found.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0;
         entry.kind = kindOf(found);
         if (entry.kind == EntryKind::File) {
             entry.size = together(found.nFileSizeHigh, found.nFileSizeLow);

@@ -142,7 +142,13 @@ private slots:
 
     void ordersWithoutAFolder()
     {
+        demo_.changeOrder("50003"_s, {{"netpath"_s, "../photos"_s}});
         open(0);
+        for (const auto action :
+             {OrderActionsDelegate::SelectFiles, OrderActionsDelegate::OpenFolder}) {
+            clickAction("TS10003-1"_s, action);
+            EXPECT_BOX_THAT(box.contains("TS10003-1"_s) && box.contains("../photos"_s));
+        }
         FileDialog::setNextFiles(makePhotos(1));
         clickAction("TS10006-1"_s, OrderActionsDelegate::SelectFiles);
         EXPECT_BOX_THAT(box.startsWith("创建目录失败: "_s));

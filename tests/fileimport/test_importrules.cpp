@@ -186,22 +186,6 @@ private slots:
         QCOMPARE(importrules::unimportedWithout(request.known, request.paths.mid(1)), 0);
     }
 
-    void droppingReadsFolders()
-    {
-        QTemporaryDir folder;
-        for (const char *name : {"card/IMG_10.jpg", "card/IMG_9.jpg", "card/DCIM/b.NEF",
-                                 "card/DCIM/note.txt", "single.png"})
-            writeFile(folder.filePath(QString::fromLatin1(name)));
-        const DropContents contents =
-            contentsOf({folder.filePath("single.png"_s), folder.filePath("card"_s)},
-                       importrules::dialogFilter(ImportMode::Originals));
-        QStringList names;
-        for (const QString &taken : contents.files)
-            names.append(QFileInfo(taken).fileName());
-        QCOMPARE(names, (QStringList{"b.NEF"_s, "IMG_9.jpg"_s, "IMG_10.jpg"_s}));
-        QCOMPARE(contents.ignored, 2);
-    }
-
     void aFolderThatCannotBeMade()
     {
         QTemporaryDir folder;

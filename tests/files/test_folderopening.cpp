@@ -22,7 +22,12 @@ const QString succeeds = "succeed"_s;
 const QString fails = "fail"_s;
 const QString hangs = "hang"_s;
 const QString share = "\\\\nas\\photos"_s;
+#ifdef Q_OS_WIN
 const QString local = "C:\\photos"_s;
+#else
+const QString local = "\\photos"_s;
+#endif
+const QString localSlashed = QString(local).replace(QLatin1Char('\\'), QLatin1Char('/'));
 
 FolderCommands commands(const QString &showing, const QString &pinging)
 {
@@ -136,8 +141,8 @@ private slots:
         QSignalSpy finished(&opener, &SharedFolderOpener::finished);
 
         opener.open(local);
-        opener.open("file://C:/photos"_s);
-        QVERIFY(opener.isProcessing("C:/photos"_s));
+        opener.open("file://"_s + localSlashed);
+        QVERIFY(opener.isProcessing(localSlashed));
         gate.asked.acquire();
         QVERIFY(!gate.asked.tryAcquire());
         QVERIFY(finished.isEmpty());
@@ -147,13 +152,28 @@ private slots:
         QCOMPARE(states, QList<QVariantList>({{local, true}, {local, false}}));
         QVERIFY(!opener.isProcessing(local));
 #ifndef Q_OS_WIN
-        QCOMPARE(gate.shown, "C:/photos"_s);
+        QCOMPARE(gate.shown, localSlashed);
 #endif
 
         gate.mayGoOn.release();
         opener.open(local);
         QTRY_COMPARE(finished.size(), 2);
         QCOMPARE(gate.asked.available(), 1);
+    }
+
+    void opensNothingThatIsNoFolder()
+    {
+        Gate gate;
+        SharedFolderOpener opener(nullptr, gate.commands(succeeds));
+        QSignalSpy finished(&opener, &SharedFolderOpener::finished);
+        for (const QString &path : {"photos"_s, "\\\\.\\COM1"_s, local + "\\..\\x"_s}) {
+            finished.clear();
+            opener.open(path);
+            QTRY_COMPARE(finished.size(), 1);
+            QCOMPARE(finished.first().at(0).toBool(), false);
+            QVERIFY(finished.first().at(1).toString().contains(path));
+        }
+        QCOMPARE(gate.asked.available(), 0);
     }
 
     void opensNoFolderOfAnUnreachableHost()

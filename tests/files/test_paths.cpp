@@ -1,10 +1,18 @@
+#include "files/chosenfiles.h"
 #include "files/pathgate.h"
 #include "files/paths.h"
 #include "files/safename.h"
 #include "tests/support/datarows.h"
+#include "tests/support/files.h"
 #include "tests/support/text.h"
 
+#include <QDir>
+#include <QTemporaryDir>
 #include <QtTest>
+
+#ifdef Q_OS_LINUX
+#include <sys/stat.h>
+#endif
 
 class TestPaths : public QObject
 {
@@ -123,6 +131,36 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QString, folder);
         QTEST(pathgate::isBelow(path, folder), "below");
+    }
+
+    void dropsNameWhatCannotBeRead()
+    {
+        const QTemporaryDir root;
+        for (const char *name : {"b/10.JPG", "b/9.jpg", "b/c/1.nef", "b/c/1.txt", "a.jpg",
+                                 "b/.hidden/x.jpg", "closed/x.jpg", "elsewhere/x.jpg"})
+            writeFile(root.filePath(QString::fromLatin1(name)));
+        linkFolder(root.filePath("elsewhere"_s), root.filePath("b/link"_s));
+        const QString closed = root.filePath("closed"_s);
+        const QFile::Permissions open = QFile::permissions(closed);
+        QFile::setPermissions(closed, {});
+        const bool isClosed = !QDir(closed).isReadable(); // an administrator may read everything
+        QStringList hiding = isClosed ? QStringList(closed) : QStringList();
+#ifdef Q_OS_LINUX
+        const QByteArray odd = QFile::encodeName(root.filePath("b/"_s)) + "caf\xe9";
+        QCOMPARE(mkdir(odd.constData(), 0777), 0);
+        hiding.prepend(root.filePath("b/caf"_s) + QChar(QChar::ReplacementCharacter));
+#endif
+        QStringList paths = {root.filePath("a.jpg"_s), root.filePath("b"_s),
+                             root.filePath("b/9.jpg"_s)};
+        if (isClosed)
+            paths.append(closed);
+        const auto dropped = chosenfiles::expandDrop(paths, "图片 (*.jpg *.nef);;所有 (*.*)"_s);
+        QFile::setPermissions(closed, open);
+        QStringList found = dropped.files;
+        QCOMPARE(found.replaceInStrings(root.path() + QLatin1Char('/'), QString()),
+                 (QStringList{"a.jpg"_s, "b/9.jpg"_s, "b/10.JPG"_s, "b/c/1.nef"_s}));
+        QCOMPARE(dropped.ignored, 1);
+        QCOMPARE(dropped.unreadable, hiding);
     }
 
     void shootDates_data()

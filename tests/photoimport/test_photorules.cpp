@@ -128,6 +128,29 @@ private slots:
         QCOMPARE(QDir(root.filePath("new"_s)).exists(), false);
     }
 
+    void noFolderIsMadeWhereTheProgramStands()
+    {
+        const QTemporaryDir root;
+        const QString earlier = QDir::currentPath();
+        const OrderInfo made = makeOrder(wireForm(root.filePath("a/b/c"_s)));
+        QVERIFY(QDir().mkdir(root.filePath("here"_s)));
+        QVERIFY(QDir::setCurrent(root.filePath("here"_s)));
+        const QString above = wireForm(root.filePath("here/../x/y"_s));
+        for (const QString &path : {"photos"_s, ".."_s, "../photos/x/y"_s, "C:photos"_s,
+                                    "~/photos/x"_s, "CON"_s, above}) {
+            for (const OrderInfo &order : {makeOrder(path), makeOrder(QString(), path)}) {
+                const PathProblem problem = validatePaths({made, order});
+                QVERIFY2(problem.error.contains("TS1-王"_s), qPrintable(problem.error));
+                QVERIFY(problem.error.contains(path));
+                QCOMPARE(problem.path, path);
+            }
+        }
+        QVERIFY(QDir::setCurrent(earlier));
+        QCOMPARE(QDir(root.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList("here"_s));
+        QVERIFY(QDir(root.filePath("here"_s)).isEmpty());
+    }
+
     void aFolderThatCanBeMadeEndsTheCheck()
     {
         const QTemporaryDir root;
