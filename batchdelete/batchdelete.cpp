@@ -175,9 +175,8 @@ void BatchDelete::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer BatchDelete::closeRequested()
 {
-    if (!run_.isBusy() && orders_.unreported() > 0 &&
-        !agreedToClose(
-            unreportedQuestion(QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
+    if (orders_.unreported() > 0 && !agreedToClose(unreportedQuestion(
+                                        QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
         return CloseAnswer::Refuse;
     closing_ = true;
     finder_->cancel();

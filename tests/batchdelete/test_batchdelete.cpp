@@ -338,9 +338,15 @@ private slots:
         // What is still there comes first.
         const QModelIndex state = files()->model()->index(1, BatchDeleteFileModel::StateColumn);
         QCOMPARE(state.data().toString(), "提交状态失败"_s);
+        demo_.hold(after);
         QTest::mouseClick(
             files()->viewport(), Qt::LeftButton, {},
             BatchDeleteStateDelegate::buttonRect(files()->visualRect(state)).center());
+        waitUntilHeld();
+        QVERIFY(!window_->close()); // not even while it is being reported
+        EXPECT_BOXES(
+            {"有 1 个文件已删除，但状态没有提交成功。\n关闭窗口后无法再次提交，确认要关闭吗？"_s});
+        demo_.release();
         QTRY_COMPARE(text(first, Column::ProgressColumn), "1/0/2"_s);
         QCOMPARE(namesOnDisk(first).size(), 1);
     }
