@@ -150,13 +150,9 @@ void BatchDelete::connectRun()
                 orders_.change(orders_.rowOf(orderId),
                                [&note](BatchDeleteOrderInfo &order) { order.note = note; });
             });
-    // Boxes wait for their answer; the run must not wait inside its own signal.
-    connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed,
-            Qt::QueuedConnection);
-    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished,
-            Qt::QueuedConnection);
-    connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit,
-            Qt::QueuedConnection);
+    connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed);
+    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished);
+    connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit);
     connect(&run_, &BatchDeleteRun::ended, this, [this] {
         showRunState();
         if (isClosingLater())
@@ -448,8 +444,6 @@ void BatchDelete::onAnnouncementFailed(const ServiceReply &reply)
 
 void BatchDelete::askForResubmit(const QString &question, const QString &certificateError)
 {
-    if (isClosing() || !run_.reporter()->isAsking())
-        return; // stopped before the question could be asked
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
     MessageBox::question(this, question, QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,

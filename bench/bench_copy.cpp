@@ -70,7 +70,7 @@ double importSeconds(const QStringList &sources, const QString &target)
     QObject::connect(&run, &ImportRun::resubmitNeeded, &loop,
                      [&](const QString &, const QString &question) { endWith(question); });
     QObject::connect(&run, &ImportRun::mismatchFound, &loop,
-                     [&](const QString &, const QString &notice) { endWith(notice); });
+                     [&](const QString &, const BoxText &notice) { endWith(notice.shown); });
     QElapsedTimer clock;
     clock.start();
     if (!run.start({order}, {AccountContext::shopId, AccountContext::superId, AccountContext::eid}))

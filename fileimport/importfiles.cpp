@@ -169,25 +169,11 @@ void ImportFiles::connectRun()
                        [](ImportOrder &order) { order.unregistered = true; });
     });
     connect(run, &ImportRun::switchedOff, this, [this] { setImporting(false); });
-    // Boxes wait for their answer; the run must not wait inside its own signal.
-    connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit,
-            Qt::QueuedConnection);
-    connect(
-        run, &ImportRun::mismatchFound, this,
-        [this](const QString &orderId, const QString &notice) {
-            Q_UNUSED(orderId)
-            if (isClosingLater())
-                return;
-            MessageBox::warning(this, BoxText::rich(notice));
-        },
-        Qt::QueuedConnection);
-    connect(
-        run, &ImportRun::allImported, this,
-        [this] {
-            if (!isClosingLater())
-                MessageBox::information(this, QStringLiteral("导入完成！"));
-        },
-        Qt::QueuedConnection);
+    connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit);
+    connect(run, &ImportRun::mismatchFound, this,
+            [this](const QString &, const BoxText &notice) { MessageBox::warning(this, notice); });
+    connect(run, &ImportRun::allImported, this,
+            [this] { MessageBox::information(this, QStringLiteral("导入完成！")); });
     connect(run, &ImportRun::tasksEnded, this, &ImportFiles::finishClosingWhenIdle);
 }
 
@@ -457,8 +443,6 @@ void ImportFiles::onRegisterAgainClicked(int row)
 void ImportFiles::askForResubmit(const QString &orderId, const QString &question,
                                  const QString &certificateError)
 {
-    if (!run_->isRegistering(orderId))
-        return; // stopped, or closed, before the question could be asked
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
     MessageBox::warning(this, question, QMessageBox::Yes | QMessageBox::Cancel,

@@ -69,8 +69,11 @@ QString noticeSection(const QString &heading, const QStringList &names)
 {
     if (names.isEmpty())
         return {};
+    QStringList shown = names.mid(0, BoxText::shownLines);
+    if (names.size() > shown.size())
+        shown.append(BoxText::countLine(names.size()));
     return heading + QStringLiteral("<br/><span style=\"font-size: 23px; color: #FF0000;\">") +
-           names.join(QStringLiteral(", ")).toHtmlEscaped() + QStringLiteral("</span>");
+           shown.join(QStringLiteral(", ")).toHtmlEscaped() + QStringLiteral("</span>");
 }
 
 struct Differences
@@ -169,28 +172,36 @@ BatchReply readBatchReply(const QJsonObject &reply)
             names("server_rawimgnames")};
 }
 
-QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
+BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
 {
     const auto [images, rawImages] = differencesOf(mode, reply);
     if (images.isEmpty() && rawImages.isEmpty())
-        return {};
+        return QString();
 
     const QString title =
         QStringLiteral("<span style=\"font-size: 26px; font-weight: 600; color: #000; \"> 订单: ") +
         (order.orderPayForKey + QLatin1Char('-') + order.serviceTimes).toHtmlEscaped();
-    if (mode == ImportMode::Retouched) {
-        return title +
-               noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: "
-                                            "550 \">以下精修照片需要重新导入:</span>"),
-                             images);
-    }
-    return title +
-           noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
-                                        "\">以下原片需要重新导入:</span>"),
-                         images) +
-           noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
-                                        "\">以下原始档需要重新导入:</span>"),
-                         rawImages);
+    const QString html =
+        mode == ImportMode::Retouched
+            ? title +
+                  noticeSection(QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: "
+                                               "550 \">以下精修照片需要重新导入:</span>"),
+                                images)
+            : title +
+                  noticeSection(
+                      QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
+                                     "\">以下原片需要重新导入:</span>"),
+                      images) +
+                  noticeSection(
+                      QStringLiteral("<br/> <span style=\"font-size: 25px; font-weight: 550 "
+                                     "\">以下原始档需要重新导入:</span>"),
+                      rawImages);
+    if (qMax(images.size(), rawImages.size()) <= BoxText::shownLines)
+        return BoxText::rich(html);
+    const QStringList all = QStringList{QStringLiteral("订单: %1-%2\n以下照片需要重新导入:")
+                                            .arg(order.orderPayForKey, order.serviceTimes)} +
+                            images + rawImages;
+    return BoxText::rich(html, [all] { return all.join(QLatin1Char('\n')); });
 }
 
 QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fileimport/importrecords.h"
+#include "widgets/boxes/boxtext.h"
 
 #include <QByteArray>
 #include <QJsonObject>
@@ -59,7 +60,7 @@ QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile
 BatchReply readBatchReply(const QJsonObject &reply);
 
 /// The rich text that lists what differs between announced and found; empty when nothing does.
-QString mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
+BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
 /// Positions of the order's imported files that the notice names.
 QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
 

@@ -221,9 +221,9 @@ void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &r
     dropRegistration(orderId);
     orders_[orderId].unregistered = false;
     const bool inRun = isCurrent(orderId);
-    const QString notice = importrequests::mismatchNotice(mode_, order, result.reply);
+    const BoxText notice = importrequests::mismatchNotice(mode_, order, result.reply);
     emit orderRegistered(orderId, result);
-    if (!notice.isEmpty()) {
+    if (!notice.shown.isEmpty()) {
         failMismatched(orderId, result.reply);
         if (inRun)
             switchOff();
@@ -264,8 +264,8 @@ void ImportRun::leaveUnregistered(const QString &orderId)
 void ImportRun::answerResubmit(const QString &orderId, bool again)
 {
     OrderRegistration *registration = registrations_.value(orderId);
-    if (!registration)
-        return; // stopped while the question stood
+    if (!registration || !registration->hasFailed())
+        return; // stopped, or begun anew, while the question stood
     if (again)
         registration->start();
     else

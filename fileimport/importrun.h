@@ -4,6 +4,7 @@
 #include "fileimport/orderregistration.h"
 #include "files/transferprogress.h"
 #include "tasks/workerpool.h"
+#include "widgets/boxes/boxtext.h"
 
 #include <QHash>
 #include <QObject>
@@ -72,7 +73,7 @@ signals:
     void orderLeftUnregistered(const QString &orderId);
     /// What the service found differs from what was announced: the files concerned have failed, and
     /// the run is over.
-    void mismatchFound(const QString &orderId, const QString &notice);
+    void mismatchFound(const QString &orderId, const BoxText &notice);
     /// Ask \a question and call answerResubmit().
     void resubmitNeeded(const QString &orderId, const QString &question,
                         const QString &certificateError);

@@ -51,6 +51,7 @@ OrderRegistration::OrderRegistration(ImportMode mode, ImportOrder order,
 
 void OrderRegistration::start()
 {
+    failed_ = false;
     struct Listing
     {
         importrequests::FolderContents contents;
@@ -67,11 +68,16 @@ void OrderRegistration::start()
             if (listing.error.isEmpty())
                 announce(listing.contents);
             else
-                emit failed(
-                    QStringLiteral("导片目录无法访问: %1\n是否重新提交? 如果取消，会停止导入。")
-                        .arg(listing.error),
-                    QString());
+                fail(QStringLiteral("导片目录无法访问: %1\n是否重新提交? 如果取消，会停止导入。")
+                         .arg(listing.error),
+                     QString());
         });
+}
+
+void OrderRegistration::fail(const QString &question, const QString &certificateError)
+{
+    failed_ = true;
+    emit failed(question, certificateError);
 }
 
 void OrderRegistration::announce(const importrequests::FolderContents &contents)
@@ -91,12 +97,11 @@ void OrderRegistration::onReply(const ServiceReply &reply)
         emit registered(result_);
         break;
     case ServiceReply::Outcome::Refused:
-        emit failed(reply.msg + QStringLiteral(" 是否重新提交?"), QString());
+        fail(reply.msg + QStringLiteral(" 是否重新提交?"), QString());
         break;
     case ServiceReply::Outcome::NoAnswer:
     case ServiceReply::Outcome::CertificateRefused:
-        emit failed(QStringLiteral("网络不好，是否重新提交？如果取消，会停止导入。"),
-                    reply.message);
+        fail(QStringLiteral("网络不好，是否重新提交？如果取消，会停止导入。"), reply.message);
         break;
     }
 }

@@ -28,6 +28,8 @@ public:
     void start();
 
     const ImportOrder &order() const { return order_; }
+    /// Whether the last attempt has failed and none has started since.
+    bool hasFailed() const { return failed_; }
 
 signals:
     void registered(const RegistrationResult &result);
@@ -36,6 +38,7 @@ signals:
     void failed(const QString &question, const QString &certificateError);
 
 private:
+    void fail(const QString &question, const QString &certificateError);
     void announce(const importrequests::FolderContents &contents);
     void onReply(const ServiceReply &reply);
 
@@ -44,6 +47,7 @@ private:
     orderqueries::Identity identity_;
     RegistrationResult result_;
     LatestCall call_;
+    bool failed_ = false;
 };
 
 /// What lies in the folders that \a mode announces, below \a importPath (Windows form). \a error is

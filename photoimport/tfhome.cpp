@@ -187,8 +187,7 @@ void tfhome::connectRun()
             [this](const QString &message, const QString &path) {
                 tell(message.contains(path) ? message : message + QStringLiteral("\n\n") + path);
             });
-    // A box waits for its answer; the run must not wait inside its own signal.
-    connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd, Qt::QueuedConnection);
+    connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd);
     connect(&run_, &PhotoImportRun::countsStale, orderPanel_, &tfhomeorders::refreshImportCounts);
     connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
 }
@@ -392,8 +391,7 @@ void tfhome::showFile(const QString &orderId, int index)
 void tfhome::announceEnd(int failed, int unregistered)
 {
     if (failed == 0 && unregistered == 0) {
-        if (!isClosingLater())
-            MessageBox::information(this, QStringLiteral("导片完成！"));
+        MessageBox::information(this, QStringLiteral("导片完成！"));
         return;
     }
     tell(QStringLiteral("导片结束，%1 个文件失败，%2 项未登记。\n"
@@ -404,8 +402,7 @@ void tfhome::announceEnd(int failed, int unregistered)
 
 void tfhome::tell(const QString &problem)
 {
-    if (!isClosingLater())
-        MessageBox::warning(this, problem);
+    MessageBox::warning(this, problem);
 }
 
 void tfhome::retry(const QVector<int> &photoRows)

@@ -147,8 +147,18 @@ private slots:
     {
         QFETCH(QByteArray, reply);
         const BatchReply read = readBatchReply(QJsonDocument::fromJson(reply).object());
-        QTEST(mismatchNotice(ImportMode::Originals, sampleOrder(), read), "originals");
-        QTEST(mismatchNotice(ImportMode::Retouched, sampleOrder(), read), "retouched");
+        QTEST(mismatchNotice(ImportMode::Originals, sampleOrder(), read).shown, "originals");
+        QTEST(mismatchNotice(ImportMode::Retouched, sampleOrder(), read).shown, "retouched");
+    }
+
+    void longNoticesAreCut()
+    {
+        BatchReply read;
+        for (int number = 1; number <= 100000; ++number)
+            read.localImages.append(QString::number(number));
+        const BoxText notice = mismatchNotice(ImportMode::Originals, sampleOrder(), read);
+        QVERIFY(notice.shown.endsWith(", 200, … 共 100000 条</span>"_s));
+        QVERIFY(notice.whole().endsWith("\n99999\n100000"_s));
     }
 
     void choosingMakesFolders()

@@ -336,10 +336,9 @@ private slots:
         QVERIFY(box->height() < QGuiApplication::primaryScreen()->availableSize().height());
         QCOMPARE(qobject_cast<QPushButton *>(box->focusWidget())->text(), "确定"_s);
 
-        auto *copy = box->findChild<QPushButton *>("copyButton"_s);
-        QTest::mouseClick(copy, Qt::LeftButton);
-        QTRY_VERIFY(copy->isEnabled());
-        QCOMPARE(QGuiApplication::clipboard()->text(), "失败\n"_s + lines.join(QLatin1Char('\n')));
+        QTest::mouseClick(box->findChild<QPushButton *>("copyButton"_s), Qt::LeftButton);
+        QTRY_COMPARE(QGuiApplication::clipboard()->text(),
+                     "失败\n"_s + lines.join(QLatin1Char('\n')));
     }
 
     void boxTexts_data()

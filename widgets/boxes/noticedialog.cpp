@@ -211,10 +211,8 @@ void NoticeDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()
     copy->setObjectName(QStringLiteral("copyButton"));
     copy->setAutoDefault(false);
     row->insertWidget(0, copy);
-    connect(copy, &QPushButton::clicked, this, [this, copy, whole] {
-        copy->setEnabled(false); // until the list is made
-        onProcessor(this, whole, [this, copy](const QString &text) {
-            copy->setEnabled(true);
+    connect(copy, &QPushButton::clicked, this, [this, whole] {
+        onProcessor(this, whole, [this](const QString &text) {
             QGuiApplication::clipboard()->setText(text);
             Toast::show(this, QStringLiteral("已复制全部内容"));
         });
