@@ -2,7 +2,6 @@
 
 #include "files/filewriting.h"
 #include "files/paths.h"
-#include "platform/fileaccess.h"
 #include "platform/pathform.h"
 
 #include <QDebug>
@@ -52,8 +51,7 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::process()
         return cancelled();
     const QString target =
         joinLocalPath(platform::toLocalPath(file_.targetFolder), file_.targetName());
-    const QFileInfo existing(target);
-    if ((existing.exists() || existing.isSymLink()) && !platform::mayBeRemoved(target))
+    if (!mayReplace(target))
         return endFailed(QStringLiteral("无法覆盖已存在的文件: %1").arg(target));
     if (isCancelled())
         return cancelled();

@@ -6,7 +6,6 @@
 #include "files/safename.h"
 #include "photoimport/imageoperations.h"
 #include "photoimport/photorules.h"
-#include "platform/fileaccess.h"
 #include "platform/pathform.h"
 #include "tasks/task.h"
 
@@ -128,8 +127,7 @@ bool tfimportworker::copyFile(const QString &source, const QString &target)
         qDebug().noquote() << QStringLiteral("源文件不存在：") << source;
         return false;
     }
-    const QFileInfo earlier(target);
-    if ((earlier.exists() || earlier.isSymLink()) && !platform::mayBeRemoved(target)) {
+    if (!mayReplace(target)) {
         qDebug().noquote() << QStringLiteral(" 无法删除旧文件：") << target;
         return false;
     }
