@@ -53,6 +53,29 @@ QSslConfiguration tlsSettings()
     return settings;
 }
 
+/// Why the reply failed, by its code: Qt's words repeat the address, which may hold a token.
+QString wordsFor(const QNetworkReply &reply)
+{
+    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    constexpr int firstBadStatus = 400;
+    if (status >= firstBadStatus)
+        return QStringLiteral("服务端返回 HTTP %1").arg(status);
+    switch (reply.error()) {
+    case QNetworkReply::ConnectionRefusedError:
+        return QStringLiteral("连接被拒绝");
+    case QNetworkReply::RemoteHostClosedError:
+        return QStringLiteral("连接中断");
+    case QNetworkReply::HostNotFoundError:
+        return QStringLiteral("找不到服务器");
+    case QNetworkReply::OperationCanceledError:
+        return QStringLiteral("已取消");
+    case QNetworkReply::SslHandshakeFailedError:
+        return QStringLiteral("服务器证书不受信任");
+    default:
+        return QStringLiteral("网络错误 %1").arg(int(reply.error()));
+    }
+}
+
 QString mimeOfContent(const QByteArray &image)
 {
     if (image.startsWith("\377\330\377"))
@@ -206,7 +229,7 @@ void BaseReq::imageDownloadFinished(QNetworkReply *reply, ReplyBody *body)
     if (body->isTooLarge())
         handOverImage({}, QStringLiteral("图片过大"));
     else if (reply->error() != QNetworkReply::NoError)
-        handOverImage({}, reply->errorString());
+        handOverImage({}, wordsFor(*reply));
     else
         handOverImage(image, image.isEmpty() ? QStringLiteral("没有内容") : QString());
 }

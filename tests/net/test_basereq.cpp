@@ -150,7 +150,9 @@ private slots:
         newRow("fine", QString(), photo, QString());
         newRow("too large", "huge-body"_s, photo, "图片下载失败:图片过大"_s);
         newRow("empty", "empty"_s, photo, "图片下载失败:没有内容"_s);
-        newRow("error", "http-error"_s, photo, "图片下载失败:"_s);
+        newRow("error", "http-error"_s, photo, "图片下载失败:服务端返回 HTTP 500"_s);
+        newRow("dropped", "drop-silent"_s, photo, "图片下载失败:连接中断"_s);
+        newRow("refused", QString(), "http://127.0.0.1:1/?token=x"_s, "图片下载失败:连接被拒绝"_s);
         newRow("file", QString(), "file:///etc/hostname"_s, "图片下载失败:不是网络地址"_s);
         newRow("bundled", QString(), "qrc:/x.png"_s, "图片下载失败:不是网络地址"_s);
         newRow("no host", QString(), "http:///x.png"_s, "图片下载失败:不是网络地址"_s);
