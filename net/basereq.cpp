@@ -173,10 +173,11 @@ void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
         downloadImage(url, {});
         return;
     }
-    downloadImage(url, [url, callback](const QByteArray &image, const QString &error) {
-        const bool ok = error.isEmpty();
-        callback(ok, ok ? imageDataUrl(image, url) : QString(), error);
-    });
+    downloadImage(
+        url, [url, callback = std::move(callback)](const QByteArray &image, const QString &error) {
+            const bool ok = error.isEmpty();
+            callback(ok, ok ? imageDataUrl(image, url) : QString(), error);
+        });
 }
 
 void BaseReq::watch(QNetworkReply *reply)

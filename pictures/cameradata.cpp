@@ -88,7 +88,7 @@ bool patchDirectory(ExifBlock *block, quint32 at, const QSize &size, quint32 *be
     if (!block->holds(at, 2))
         return false;
     const quint32 entries = block->number16(at);
-    const quint64 end = quint64(at) + 2 + entries * entryBytes;
+    const quint64 end = quint64(at) + 2 + quint64(entries) * entryBytes;
     if (!block->holds(0, end))
         return false;
     for (quint32 entry = at + 2; entry < end; entry += entryBytes) {

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr int startOfImage = 0xd8;
 constexpr int endOfImage = 0xd9;
 constexpr int startOfScan = 0xda;
 constexpr int exifSegment = 0xe1;
@@ -65,8 +64,8 @@ JpegHead readJpegHead(QIODevice *device)
     JpegHead head;
     QMap<int, QByteArray> profile;
     int profilePieces = 0;
-    int profileBytes = 0;
-    if (nextByte(device) != 0xff || nextByte(device) != startOfImage)
+    qint64 profileBytes = 0;
+    if (device->read(2) != "\xff\xd8")
         return head;
     for (int mark = nextMark(device); mark > 0 && mark != endOfImage; mark = nextMark(device)) {
         const int high = nextByte(device);

@@ -104,7 +104,7 @@ qint64 PictureReader::pixelsHeld()
         while (part < smallest && scaledSize_.width() * part * 2 <= stored.width() &&
                scaledSize_.height() * part * 2 <= stored.height())
             part *= 2;
-        return pixelsOf(stored) / (part * part);
+        return pixelsOf(stored) / part / part;
     }
     if (isScaled && format() == "png" && scaledSize_.width() <= stored.width()) {
         const std::unique_ptr<QIODevice> device = open();
