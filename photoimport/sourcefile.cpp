@@ -74,14 +74,12 @@ QString sourceFilter(int photoMode)
 FileChoiceResult describeChoice(const FileChoice &choice)
 {
     FileChoiceResult result;
-    QStringList paths = choice.paths;
-    if (choice.expand) {
-        chosenfiles::DropContents dropped =
-            chosenfiles::expandDrop(choice.paths, sourceFilter(choice.photoMode));
-        paths = dropped.files;
-        result.ignored = dropped.ignored;
-        result.unreadable = dropped.unreadable;
-    }
+    chosenfiles::DropContents dropped;
+    if (choice.expand)
+        dropped = chosenfiles::expandDrop(choice.paths, sourceFilter(choice.photoMode));
+    result.ignored = dropped.ignored;
+    result.unreadable = dropped.unreadable;
+    const QStringList &paths = choice.expand ? dropped.files : choice.paths;
     QSet<QString> known;
     QVector<chosenfiles::Placement> placements;
     for (const SourceFile &file : choice.listed) {
