@@ -11,39 +11,28 @@ constexpr int reportsAtOnce = 4;
 
 } // namespace
 
-DownloadReports::DownloadReports(QObject *parent) : QObject(parent)
+DownloadReports::DownloadReports(QObject *parent) : QObject(parent), queue_(reportsAtOnce)
 {
+    connect(&queue_, &RequestQueue::idle, this, &DownloadReports::allAnswered);
 }
 
 void DownloadReports::add(const QString &imageId, const orderqueries::Identity &identity)
 {
-    waiting_.enqueue(distributionrequests::downloadedBody(imageId, identity));
-    feed();
+    const QByteArray body = distributionrequests::downloadedBody(imageId, identity);
+    // Not the queue's scope: what is under way is to reach the service, waited for or not.
+    queue_.add([this, body](QObject *, const RequestQueue::Ended &ended) {
+        callService(this, distributionrequests::downloadedAction, body,
+                    [ended](const ServiceReply &reply) {
+                        if (ended() && !reply.isSuccess())
+                            qDebug() << "下载状态提交失败:" << reply.message;
+                    });
+    });
 }
 
 void DownloadReports::abandon()
 {
-    waiting_.clear();
     if (!isBusy())
         return;
-    underWay_ = 0;
+    queue_.abandon();
     emit allAnswered();
-}
-
-void DownloadReports::feed()
-{
-    while (!waiting_.isEmpty() && underWay_ < reportsAtOnce) {
-        ++underWay_;
-        callService(this, distributionrequests::downloadedAction, waiting_.dequeue(),
-                    [this](const ServiceReply &reply) {
-                        if (!isBusy())
-                            return; // abandoned
-                        --underWay_;
-                        if (!reply.isSuccess())
-                            qDebug() << "下载状态提交失败:" << reply.message;
-                        feed();
-                        if (!isBusy())
-                            emit allAnswered();
-                    });
-    }
 }

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "net/orderqueries.h"
+#include "tasks/requestqueue.h"
 
 #include <QObject>
-#include <QQueue>
 #include <QString>
 
 /// Tells the service which photos were downloaded, a few requests at a time: an order may hold
@@ -17,7 +17,7 @@ public:
 
     void add(const QString &imageId, const orderqueries::Identity &identity);
     /// Whether the service has not answered all of them yet.
-    bool isBusy() const { return underWay_ > 0; }
+    bool isBusy() const { return queue_.isBusy(); }
 
     /// Does not wait for the answers any more.
     void abandon();
@@ -27,8 +27,5 @@ signals:
     void allAnswered();
 
 private:
-    void feed();
-
-    QQueue<QByteArray> waiting_; ///< bodies
-    int underWay_ = 0;
+    RequestQueue queue_;
 };

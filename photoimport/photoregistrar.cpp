@@ -37,12 +37,10 @@ qint64 sizeOf(const QString &wirePath)
 
 } // namespace
 
-PhotoRegistrar::PhotoRegistrar(QObject *parent)
-    : QObject(parent), scope_(std::make_unique<QObject>())
+PhotoRegistrar::PhotoRegistrar(QObject *parent) : QObject(parent), queue_(requestsAtOnce)
 {
+    connect(&queue_, &RequestQueue::idle, this, &PhotoRegistrar::idle);
 }
-
-PhotoRegistrar::~PhotoRegistrar() = default;
 
 void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, int photoMode,
                                        const orderqueries::Identity &identity)
@@ -62,7 +60,7 @@ void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, i
         else
             emit photoRefused(orderId, photo, refusal);
     };
-    enqueue([=](const Ended &ended) {
+    queue_.add([=](QObject *scope, const RequestQueue::Ended &ended) {
         const auto announce = [=](qint64 size) {
             if (size < 0) {
                 qDebug().noquote() << QStringLiteral("导入照片路径失败，不执行upImportPhotoInfo");
@@ -70,7 +68,7 @@ void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, i
                     finished(QStringLiteral("导入后的文件不存在: %1").arg(path));
                 return;
             }
-            callService(scope_.get(), photorequests::registrationAction(photoMode),
+            callService(scope, photorequests::registrationAction(photoMode),
                         photorequests::registrationBody(photoMode, photoSetId, path, size, photo,
                                                         host, identity),
                         [=](const ServiceReply &reply) {
@@ -78,8 +76,8 @@ void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, i
                                 finished(refusalOf(reply));
                         });
         };
-        inBackground(
-            scope_.get(), [path] { return sizeOf(path); }, announce);
+        onDisk(
+            scope, path, [path] { return sizeOf(path); }, announce);
     });
 }
 
@@ -88,8 +86,8 @@ void PhotoRegistrar::upImportOrderData(const OrderInfo &order,
 {
     const QString host = shareHostOf(photorules::importFolderOf(order), AccountContext::baseUrl);
     const QByteArray body = photorequests::orderPathBody(order, host, identity);
-    enqueue([this, body, orderId = order.id](const Ended &ended) {
-        callService(scope_.get(), photorequests::orderPathAction, body,
+    queue_.add([this, body, orderId = order.id](QObject *scope, const RequestQueue::Ended &ended) {
+        callService(scope, photorequests::orderPathAction, body,
                     [this, ended, orderId](const ServiceReply &reply) {
                         if (!ended())
                             return;
@@ -100,41 +98,4 @@ void PhotoRegistrar::upImportOrderData(const OrderInfo &order,
                             emit orderRefused(orderId, refusal);
                     });
     });
-}
-
-void PhotoRegistrar::cancel()
-{
-    waiting_.clear();
-    underWay_ = 0;
-    busy_ = false;
-    // What is under way belongs to the scope and dies with it; deleted later, since this may be
-    // called from one of its answers.
-    scope_.release()->deleteLater();
-    scope_ = std::make_unique<QObject>();
-}
-
-void PhotoRegistrar::enqueue(const Request &request)
-{
-    busy_ = true;
-    waiting_.append(request);
-    sendWaiting();
-}
-
-void PhotoRegistrar::sendWaiting()
-{
-    while (underWay_ < requestsAtOnce && !waiting_.isEmpty()) {
-        ++underWay_;
-        waiting_.takeFirst()([this, scope = scope_.get()] {
-            if (scope != scope_.get())
-                return false;
-            --underWay_;
-            // Later, so that whoever hears of this answer hears of it before the next one.
-            QMetaObject::invokeMethod(this, &PhotoRegistrar::sendWaiting, Qt::QueuedConnection);
-            return true;
-        });
-    }
-    if (busy_ && pending() == 0) {
-        busy_ = false;
-        emit idle();
-    }
 }

@@ -2,13 +2,10 @@
 
 #include "net/servicecall.h"
 #include "photoimport/photorecords.h"
+#include "tasks/requestqueue.h"
 
-#include <QList>
 #include <QObject>
 #include <QString>
-
-#include <functional>
-#include <memory>
 
 /// Tells the service of imported photos and of orders' folders, a few requests at a time and in the
 /// order in which they were asked for; the rest waits here, so that a slow service does not pile up
@@ -23,7 +20,6 @@ public:
     static constexpr int requestsAtOnce = 4;
 
     explicit PhotoRegistrar(QObject *parent = nullptr);
-    ~PhotoRegistrar() override;
 
     /// Announces the photo at \a photoIndex of \a order, imported in \a photoMode, in the name of
     /// \a identity. Jobs that are not registered are passed over in silence.
@@ -33,9 +29,9 @@ public:
     void upImportOrderData(const OrderInfo &order, const orderqueries::Identity &identity);
 
     /// Requests waiting or under way.
-    int pending() const { return waiting_.size() + underWay_; }
+    int pending() const { return queue_.pending(); }
     /// Forgets what waits; what is under way ends silently.
-    void cancel();
+    void cancel() { queue_.abandon(); }
 
 signals:
     /// \a photo is the job as it was handed in.
@@ -48,15 +44,5 @@ signals:
     void idle();
 
 private:
-    /// Called when a request is answered; false when it was abandoned meanwhile.
-    using Ended = std::function<bool()>;
-    using Request = std::function<void(const Ended &ended)>;
-
-    void enqueue(const Request &request);
-    void sendWaiting();
-
-    QList<Request> waiting_;
-    int underWay_ = 0;
-    bool busy_ = false;              ///< idle() is due
-    std::unique_ptr<QObject> scope_; ///< owns what is under way
+    RequestQueue queue_;
 };

@@ -108,9 +108,3 @@ template <typename Work, typename Done> void onProcessor(QObject *context, Work 
 {
     inPool(&processorPool(), context, std::move(work), std::move(done));
 }
-
-/// The same for work on disks that nobody names.
-template <typename Work, typename Done> void inBackground(QObject *context, Work work, Done done)
-{
-    inPool(&diskPool(), context, std::move(work), std::move(done));
-}

@@ -22,14 +22,19 @@ QHash<OrderIdentity, Work> &works()
 
 } // namespace
 
-Claim::Claim(QVector<OrderIdentity> orders, const QString &tool) : orders_(std::move(orders))
+/// The one who may write into a claim.
+struct Register
 {
-    for (const OrderIdentity &order : qAsConst(orders_)) {
-        Work &work = works()[order];
-        work.tool = tool;
-        ++work.claims;
+    static void enter(const QVector<OrderIdentity> &orders, const QString &tool, Claim *claim)
+    {
+        for (const OrderIdentity &order : orders) {
+            Work &work = works()[order];
+            work.tool = tool;
+            ++work.claims;
+        }
+        claim->orders_ += orders;
     }
-}
+};
 
 Claim::~Claim()
 {
@@ -63,7 +68,7 @@ std::optional<Conflict> claim(const QVector<OrderIdentity> &orders, const QStrin
         if (!other.isEmpty() && other != tool)
             return Conflict{order, other};
     }
-    *claim = Claim(orders, tool);
+    Register::enter(orders, tool, claim);
     return std::nullopt;
 }
 

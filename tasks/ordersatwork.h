@@ -16,8 +16,6 @@ class Claim
 {
 public:
     Claim() = default;
-    /// Nothing is checked: claim() is for that.
-    Claim(QVector<OrderIdentity> orders, const QString &tool);
     ~Claim();
     Claim(Claim &&other) noexcept;
     Claim &operator=(Claim &&other) noexcept;
@@ -25,6 +23,7 @@ public:
     void release();
 
 private:
+    friend struct Register;
     QVector<OrderIdentity> orders_;
 };
 
@@ -35,9 +34,9 @@ struct Conflict
     QString tool; ///< that has it in hand, as its card is called
 };
 
-/// Takes \a orders for \a tool, all of them or none: when one is in another tool's hands \a claim
-/// is left as it was and the conflict is returned. What the tool has in hand already it may take
-/// again; whether it should is for its own rules.
+/// Adds \a orders to \a claim for \a tool, all of them or none: when one is in another tool's hands
+/// the conflict is returned. What the tool has in hand already it may take again; whether it should
+/// is for its own rules.
 std::optional<Conflict> claim(const QVector<OrderIdentity> &orders, const QString &tool,
                               Claim *claim);
 

@@ -1,11 +1,13 @@
 #include "tasks/background.h"
 #include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
+#include "tasks/requestqueue.h"
 #include "tasks/stopflag.h"
 #include "tasks/task.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
 
+#include <QPointer>
 #include <QSemaphore>
 #include <QtTest>
 
@@ -176,6 +178,40 @@ private slots:
         QCOMPARE(taken, QStringList("second"_s));
     }
 
+    void requestsWaitTheirTurn()
+    {
+        RequestQueue queue(2);
+        int idle = 0;
+        connect(&queue, &RequestQueue::idle, this, [&idle] { ++idle; });
+        QVector<RequestQueue::Ended> sent;
+        QPointer<QObject> scope;
+        const auto send = [&](QObject *owner, const RequestQueue::Ended &ended) {
+            scope = owner;
+            sent.append(ended);
+        };
+        for (int request = 0; request < 3; ++request)
+            queue.add(send);
+        QCOMPARE(sent.size(), 2);
+        QVERIFY(sent.at(1)());
+        QCOMPARE(sent.size(), 2); // whoever hears of the answer comes first
+        QTRY_COMPARE(sent.size(), 3);
+        QVERIFY(sent.at(0)());
+        QVERIFY(sent.at(2)());
+        QVERIFY(queue.isBusy());
+        QTRY_COMPARE(idle, 1);
+
+        for (int request = 0; request < 3; ++request)
+            queue.add(send);
+        queue.abandon();
+        QTRY_VERIFY(!scope);
+        QVERIFY(!sent.at(3)());
+        QCOMPARE(sent.size(), 5);
+        queue.add(send);
+        QVERIFY(sent.last()());
+        QTRY_COMPARE(idle, 2);
+        QVERIFY(!queue.isBusy());
+    }
+
     void ordersAreWorkedOnByOneTool()
     {
         using namespace ordersatwork;
@@ -185,7 +221,8 @@ private slots:
         Claim import;
         QVERIFY(!claim({one}, "导片工具"_s, &import));
         Claim deletion;
-        QVERIFY(!claim({secondService, otherBranch}, "批量删除"_s, &deletion));
+        QVERIFY(!claim({secondService}, "批量删除"_s, &deletion));
+        QVERIFY(!claim({otherBranch}, "批量删除"_s, &deletion));
         Claim download;
         const auto conflict = claim({otherBranch, one}, "设计分件"_s, &download);
         QVERIFY(conflict);
