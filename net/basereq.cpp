@@ -29,6 +29,20 @@ QByteArray withSessionFields(const QByteArray &body)
            "&uid=" + AccountContext::uid.toUtf8() + "&device=windows";
 }
 
+/// The beginning of \a body without what nobody is to read in a log.
+QByteArray loggable(const QByteArray &body)
+{
+    constexpr int mostBytes = 4096;
+    QList<QByteArray> fields = body.left(mostBytes).split('&');
+    for (QByteArray &field : fields) {
+        for (const char *secret : {"password=", "token="}) {
+            if (field.startsWith(secret))
+                field = QByteArray(secret) + "***";
+        }
+    }
+    return fields.join('&');
+}
+
 QString serviceUrl(const QString &action)
 {
     const QString group = action == QLatin1String("&m=Version&a=check_update")
@@ -126,7 +140,7 @@ void BaseReq::sendRequest(const QString &action, const QByteArray &body, Service
     request_.setHeader(QNetworkRequest::ContentLengthHeader, fullBody.size());
     const QString url = serviceUrl(action);
     qDebug() << "url: " << url;
-    qDebug() << "paras: " << fullBody;
+    qDebug() << "paras: " << loggable(fullBody) << fullBody.size();
     request_.setUrl(QUrl(url));
     watch(manager_->post(request_, fullBody));
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
@@ -214,7 +228,7 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
     if (body.size() <= parsedAtOnceBytes)
         handOver(QJsonDocument::fromJson(body));
     else
-        inBackground(
+        onProcessor(
             this, [body] { return QJsonDocument::fromJson(body); }, handOver);
 }
 

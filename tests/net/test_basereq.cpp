@@ -3,6 +3,7 @@
 #include "net/servicecall.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
+#include "tests/support/loglines.h"
 #include "tests/support/text.h"
 
 #include <QTcpServer>
@@ -49,6 +50,25 @@ private slots:
                      "&token=5f0c2a9e7d41b6839a0e4c7b21f3d8a6&version=1.4.2&architecture=64&uid=u5"
                      "&device=windows");
         QCOMPARE(sent.value("query"_s).toString(), group + action);
+    }
+
+    void logsOfABodyWhatMayBeRead()
+    {
+        const LogLines log;
+        BaseReq request;
+        const QByteArray start = "username=a&password=" + QByteArray(100, 's') + "&token=t&b=";
+        request.sendRequest(login, start + QByteArray(5000, 'x'),
+                            [](bool, const QJsonDocument &) {});
+        request.sendRequest(login, "password=p", [](bool, const QJsonDocument &) {});
+        request.abortRequest();
+        const QStringList lines = log.all().filter("paras: "_s);
+        QCOMPARE(lines.size(), 2);
+        const QString whole = "\"username=a&password=***&token=***&b="_s +
+                              QString(4096 - start.size(), QLatin1Char('x')) + "\" "_s;
+        QVERIFY2(lines.at(0).startsWith("paras:  "_s + whole), qUtf8Printable(lines.at(0)));
+        QVERIFY(lines.at(0).section(QLatin1Char(' '), -1).toInt() > start.size() + 5000);
+        QVERIFY2(lines.at(1).startsWith("paras:  \"password=***&token=***&version="_s),
+                 qUtf8Printable(lines.at(1)));
     }
 
     void unusableAnswers_data()
