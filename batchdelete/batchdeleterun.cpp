@@ -67,6 +67,14 @@ void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
     pending_.clear();
     skipped_ = 0;
     stopping_ = declined_ = retrying_ = false;
+    refusals_.clear();
+    for (const BatchDeleteOrderInfo &order : orders) {
+        const auto conflict = ordersatwork::claim({{identity.shopId, order.id, order.orderPhotoId}},
+                                                  QStringLiteral("批量删除"), &claim_);
+        if (conflict)
+            refusals_.insert(order.id,
+                             ordersatwork::refusal(order.displayNumber(), conflict->tool));
+    }
 }
 
 bool BatchDeleteRun::start(const QVector<BatchDeleteOrderInfo> &orders,
@@ -100,6 +108,11 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
     begin({order}, identity, publicRoots);
     retrying_ = true;
     current_ = 0;
+    if (!refusals_.isEmpty()) {
+        note(refusals_.value(order.id));
+        finish(DeletionSummary::End::Completed);
+        return true;
+    }
     pending_ = pending;
     phase_ = Phase::Checking;
     lookAtFolder([this, unannounced](const QString &) { // links are looked for with each file
@@ -155,6 +168,10 @@ void BatchDeleteRun::startNextOrder()
     qDebug() << "获取文件照片信息";
     emit orderStarted(order().id);
     listFiles(order().unreportedFiles());
+    if (refusals_.contains(order().id)) {
+        skipOrder(refusals_.value(order().id));
+        return;
+    }
     // Time has passed since the plan was made.
     lookAtFolder([this](const QString &refusal) {
         if (refusal.isEmpty())
@@ -416,5 +433,6 @@ void BatchDeleteRun::endIfIdle()
     if (isBusy())
         return;
     closingTimer_.stop();
+    claim_.release();
     emit ended();
 }

@@ -3,8 +3,10 @@
 #include "batchdelete/batchdeleterecords.h"
 #include "batchdelete/deletionreporter.h"
 #include "net/servicecall.h"
+#include "tasks/ordersatwork.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -135,6 +137,8 @@ private:
     bool stopping_ = false;
     bool declined_ = false;
     bool closing_ = false;
+    ordersatwork::Claim claim_;
+    QHash<QString, QString> refusals_; ///< of orders in another tool's hands, by id
     std::unique_ptr<FileScanThread> scan_;
     LatestCall announcement_;
     DeletionReporter reporter_;

@@ -22,7 +22,11 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
             Qt::QueuedConnection);
     connect(&pool_, &tfimportthreadmanager::pathErrorOccurred, this,
             &PhotoImportRun::onStartRefused, Qt::QueuedConnection);
-    connect(&pool_, &tfimportthreadmanager::workersEnded, this, &PhotoImportRun::workersEnded);
+    connect(&pool_, &tfimportthreadmanager::workersEnded, this, [this] {
+        if (!isBusy())
+            claim_.release();
+        emit workersEnded();
+    });
     connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
             [this](const QString &orderId, const PhotoInfo &photo) {
                 onRegistered(orderId, photo, RegistrationState::Registered, {});
@@ -51,6 +55,18 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
 {
     if (!preparing_.isEmpty())
         return false;
+    QVector<OrderIdentity> wanted;
+    for (const int row : rows) {
+        const OrderInfo &order = orders_->order(row).info;
+        wanted.append({identity.shopId, order.id, order.orderPhotoId});
+    }
+    const auto conflict = ordersatwork::claim(wanted, QStringLiteral("导片工具"), &claim_);
+    if (conflict) {
+        const int row = rows.at(wanted.indexOf(conflict->order));
+        emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),
+                     {});
+        return true;
+    }
     if (!open_)
         batch_.clear();
     identity_ = identity;
@@ -66,7 +82,7 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
         announced_.remove(id);
     }
     // Orders of thousands of photos make tens of thousands of jobs.
-    inBackground(
+    onProcessor(
         this,
         [started, indexes, mode = orders_->photoMode()] {
             QList<OrderInfo> orders;
@@ -74,10 +90,7 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
                 orders.append(photoorders::withJobs(order, mode, indexes));
             return orders;
         },
-        [this, number = ++start_](const QList<OrderInfo> &orders) {
-            if (number == start_) // not stopped meanwhile
-                begin(orders);
-        });
+        start_.only([this](const QList<OrderInfo> &orders) { begin(orders); }));
     emit stateChanged();
     return true;
 }
@@ -94,7 +107,7 @@ void PhotoImportRun::begin(const QList<OrderInfo> &orders)
 
 void PhotoImportRun::stop()
 {
-    ++start_;
+    start_.abandon();
     preparing_.clear();
     open_ = false;
     pool_.stopAllImport();
@@ -204,6 +217,8 @@ void PhotoImportRun::afterStep()
     emit stateChanged();
     if (isBusy())
         return;
+    if (!hasLiveWorkers())
+        claim_.release();
     if (open_) {
         open_ = false;
         int failed = 0;

@@ -4,6 +4,8 @@
 #include "photoimport/photoregistrar.h"
 #include "photoimport/tfimportthreadmanager.h"
 #include "photoimport/tforderlistmodel.h"
+#include "tasks/latest.h"
+#include "tasks/ordersatwork.h"
 
 #include <QObject>
 #include <QSet>
@@ -83,8 +85,9 @@ private:
     tfimportthreadmanager pool_;
     PhotoRegistrar registrar_;
     orderqueries::Identity identity_;
-    int start_ = 0;           ///< number of the start being prepared
+    Latest start_;            ///< that is being prepared
     QSet<QString> preparing_; ///< orders of that start: their jobs are being made
+    ordersatwork::Claim claim_;
     bool open_ = false;       ///< begun, and neither ended nor stopped
     bool stale_ = false;      ///< something was registered
     QSet<QString> batch_;     ///< orders of the run

@@ -22,19 +22,15 @@ QHash<OrderIdentity, Work> &works()
 
 } // namespace
 
-/// The one who may write into a claim.
-struct Register
+void Claim::add(const QVector<OrderIdentity> &orders, const QString &tool)
 {
-    static void enter(const QVector<OrderIdentity> &orders, const QString &tool, Claim *claim)
-    {
-        for (const OrderIdentity &order : orders) {
-            Work &work = works()[order];
-            work.tool = tool;
-            ++work.claims;
-        }
-        claim->orders_ += orders;
+    for (const OrderIdentity &order : orders) {
+        Work &work = works()[order];
+        work.tool = tool;
+        ++work.claims;
     }
-};
+    orders_ += orders;
+}
 
 Claim::~Claim()
 {
@@ -68,7 +64,7 @@ std::optional<Conflict> claim(const QVector<OrderIdentity> &orders, const QStrin
         if (!other.isEmpty() && other != tool)
             return Conflict{order, other};
     }
-    Register::enter(orders, tool, claim);
+    claim->add(orders, tool);
     return std::nullopt;
 }
 

@@ -16,14 +16,17 @@ class Claim
 {
 public:
     Claim() = default;
+    /// Nothing is checked: claim() is for that.
+    Claim(const QVector<OrderIdentity> &orders, const QString &tool) { add(orders, tool); }
     ~Claim();
     Claim(Claim &&other) noexcept;
     Claim &operator=(Claim &&other) noexcept;
 
+    /// Nothing is checked.
+    void add(const QVector<OrderIdentity> &orders, const QString &tool);
     void release();
 
 private:
-    friend struct Register;
     QVector<OrderIdentity> orders_;
 };
 

@@ -90,6 +90,25 @@ private slots:
         QTRY_VERIFY(!run_->isBusy());
     }
 
+    void ordersInAnotherToolsHandsAreSkipped()
+    {
+        const auto taken = makeOrder(0, 2);
+        const auto free = makeOrder(2, 1);
+        ordersatwork::Claim claim;
+        QVERIFY(!ordersatwork::claim({{identity_.shopId, taken.id, taken.orderPhotoId}},
+                                     "导入原片"_s, &claim));
+        runOut({taken, free});
+        QCOMPARE(namesOnDisk(taken).size(), 2);
+        QVERIFY(namesOnDisk(free).isEmpty());
+        QCOMPARE(shown_.value(taken.id).note,
+                 ordersatwork::refusal(taken.displayNumber(), "导入原片"_s));
+        claim.release();
+        QVERIFY(ordersatwork::toolAt({identity_.shopId, free.id, free.orderPhotoId}).isEmpty());
+        start({taken});
+        QTRY_COMPARE(ends_.size(), 2);
+        QVERIFY(namesOnDisk(taken).isEmpty());
+    }
+
     void filesThatCannotBeDeletedAreTold()
     {
         if (shortcutsForLinks)
