@@ -55,8 +55,8 @@ void BatchDelete_ExportButton::saveOutcome()
         QStringLiteral("CSV (*.csv)"), QStringLiteral("deletion"));
     if (path.isEmpty())
         return;
-    inBackground(
-        this,
+    onDisk(
+        this, path,
         [path, orders = model_->orders()] { return writeBytes(path, deletionreport::csv(orders)); },
         [this, path](bool written) {
             if (written)
@@ -70,7 +70,7 @@ void BatchDelete_ExportButton::copyOutcome()
 {
     if (!hasOutcome())
         return;
-    inBackground(
+    onProcessor(
         this, [orders = model_->orders()] { return deletionreport::csv(orders); },
         [this](const QByteArray &table) {
             QGuiApplication::clipboard()->setText(QString::fromUtf8(table));

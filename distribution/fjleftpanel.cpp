@@ -193,14 +193,14 @@ void FJLeftPanel::connectBranch()
 
 void FJLeftPanel::begin(const QString &text)
 {
-    ++search_;
+    reading_.abandon();
     overlay_->showText(text);
     emit emitReqOrderFinish(false);
 }
 
 void FJLeftPanel::end()
 {
-    ++search_; // a list that is still being read is not wanted any more
+    reading_.abandon(); // a list that is still being read is not wanted any more
     overlay_->hideOverlay();
     emit emitReqOrderFinish(true);
 }
@@ -265,18 +265,16 @@ void FJLeftPanel::onOrderList(const ServiceReply &reply)
         showServiceFailure(this, reply, reply.message);
         return;
     }
-    inBackground(
+    onProcessor(
         this, [object = reply.object] { return distributionrequests::readOrders(object); },
-        [this, search = search_](const QVector<OrderData> &orders) {
-            if (search != search_)
-                return;
+        reading_.only([this](const QVector<OrderData> &orders) {
             end();
             const QString nothingFound = QStringLiteral("未检索到订单");
             table_->setEmptyText(nothingFound);
             showOrders(orders);
             if (orders.isEmpty())
                 MessageBox::warning(this, nothingFound);
-        });
+        }));
 }
 
 void FJLeftPanel::showOrders(const QVector<OrderData> &orders)

@@ -2,6 +2,7 @@
 
 #include "distribution/distributionordermodel.h"
 #include "net/branchsession.h"
+#include "tasks/latest.h"
 
 #include <QModelIndex>
 #include <QString>
@@ -80,7 +81,7 @@ private:
 
     BranchSession branch_;
     int listMode_ = 0;
-    int search_ = 0; ///< number of the search whose result is wanted
+    Latest reading_; ///< of a search's reply
     bool locked_ = false;
     QString wantedShop_; ///< of the last switch asked for
     QString searchType_;

@@ -57,8 +57,8 @@ void OrderRegistration::start()
         importrequests::FolderContents contents;
         QString error;
     };
-    inBackground(
-        this,
+    onDisk(
+        this, order_.importPath,
         [mode = mode_, path = order_.importPath] {
             Listing listing;
             listing.contents = listImportFolder(mode, path, &listing.error);

@@ -176,7 +176,7 @@ void OriginalView::requestListing()
     listingDue_ = !ready_;
     if (!ready_ || order_.isEmpty() || stopping_)
         return;
-    ++listingNumber_;
+    reading_.abandon();
     lastTimestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
     listing_.start(originalrequests::listAction, originalrequests::listBody(order_, lastTimestamp_),
                    [this](const ServiceReply &reply) { onListing(reply); });
@@ -198,12 +198,9 @@ void OriginalView::onListing(const ServiceReply &reply)
         return;
     }
     // Thousands of entries are read elsewhere; the overlay stays until they are.
-    inBackground(
+    onProcessor(
         this, [object = reply.object] { return originalrequests::readListing(object); },
-        [this, number = listingNumber_](const QVector<PhotoEntry> &entries) {
-            if (number == listingNumber_)
-                showListing(entries);
-        });
+        reading_.only([this](const QVector<PhotoEntry> &entries) { showListing(entries); }));
 }
 
 void OriginalView::showListing(const QVector<PhotoEntry> &entries)
@@ -221,7 +218,7 @@ void OriginalView::showListing(const QVector<PhotoEntry> &entries)
 
 void OriginalView::abandonListing()
 {
-    ++listingNumber_;
+    reading_.abandon();
     listing_.cancel();
     endRefreshing();
     if (grid_->count() == 0)

@@ -3,6 +3,7 @@
 #include "fileimport/originaldeletion.h"
 #include "fileimport/originalrequests.h"
 #include "net/servicecall.h"
+#include "tasks/latest.h"
 
 #include <QString>
 #include <QVector>
@@ -71,12 +72,12 @@ private:
     originalrequests::OrderMap order_;
     std::function<QVector<ImportOrder>()> listed_ = [] { return QVector<ImportOrder>(); };
     QString lastTimestamp_;   ///< of the latest listing request
-    int listingNumber_ = 0;   ///< tells a listing that is still being read from the latest one
     bool refreshing_ = false; ///< the overlay tells of a refresh
     bool ready_ = true;       ///< no deletion is under way
     bool listingDue_ = false; ///< was asked for during a deletion
     bool stopping_ = false;
     LatestCall listing_;
+    Latest reading_; ///< of its reply
     OriginalDeletion deletion_;
 
     QLabel *title_;

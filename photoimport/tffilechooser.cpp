@@ -23,7 +23,7 @@ tffilechooser::tffilechooser(QWidget *window, tforderlistmodel *orders, LoadingO
 
 void tffilechooser::cancel()
 {
-    ++choice_;
+    choice_.abandon();
 }
 
 void tffilechooser::addFiles(int row)
@@ -54,15 +54,13 @@ void tffilechooser::take(int row, const QStringList &paths, bool expand)
         return;
     const FileChoice choice{paths, expand, orders_->photoMode(), orders_->files(row)};
     overlay_->showText(QStringLiteral("正在检查文件..."));
-    inBackground(
-        this, [choice] { return describeChoice(choice); },
-        [this, number = ++choice_, mode = choice.photoMode,
-         orderId = orders_->order(row).info.id](const FileChoiceResult &result) {
-            if (number != choice_)
-                return;
+    onDisk(
+        this, paths, [choice] { return describeChoice(choice); },
+        choice_.only([this, mode = choice.photoMode,
+                      orderId = orders_->order(row).info.id](const FileChoiceResult &result) {
             overlay_->hideOverlay();
             onDescribed(orderId, mode, result);
-        });
+        }));
 }
 
 void tffilechooser::onDescribed(const QString &orderId, int photoMode,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "photoimport/sourcefile.h"
+#include "tasks/latest.h"
 
 #include <QObject>
 #include <QString>
@@ -42,5 +43,5 @@ private:
     tforderlistmodel *orders_;
     LoadingOverlay *overlay_;
     std::function<bool(int row)> mayChange_;
-    int choice_ = 0; ///< number of the choice being described; a cancelled one is no longer it
+    Latest choice_; ///< that is being described
 };

@@ -137,10 +137,14 @@ void tfimportthreadmanager::enqueueStart(const Start &start)
 
 void tfimportthreadmanager::checkNextStart()
 {
-    inBackground(
-        this, [orders = starts_.first().orders] { return photorules::validatePaths(orders); },
-        [this, generation = generation_](const photorules::PathProblem &problem) {
-            if (generation == generation_)
+    QStringList paths;
+    for (const OrderInfo &order : qAsConst(starts_.first().orders))
+        paths.append(order.importPath.isEmpty() ? order.importPublicPath : order.importPath);
+    onDisk(
+        this, paths,
+        [orders = starts_.first().orders] { return photorules::validatePaths(orders); },
+        [this, round = round_](const photorules::PathProblem &problem) {
+            if (round.isCurrent())
                 onPathsChecked(problem);
         });
 }
@@ -194,7 +198,7 @@ void tfimportthreadmanager::stopAllImport()
 {
     running_ = false;
     preparing_ = false;
-    ++generation_;
+    round_ = rounds_.next();
     dealTimer_.stop();
     starts_.clear();
     queue_.clear();
@@ -307,14 +311,13 @@ tfimportworker *tfimportthreadmanager::anyIdleWorker() const
 void tfimportthreadmanager::prepareFoldersOf(const ImportTask &task)
 {
     preparing_ = true;
-    inBackground(
-        this,
+    onDisk(
+        this, task.order->importPath,
         [order = task.order] {
             photorules::prepareFolders(photorules::foldersOf(order->importPath, order->photos));
-            return true;
         },
-        [this, generation = generation_, first = task.firstTaskId](bool) {
-            if (generation != generation_)
+        [this, round = round_, first = task.firstTaskId] {
+            if (!round.isCurrent())
                 return;
             preparing_ = false;
             runs_[first].foldersReady = true;
@@ -364,9 +367,9 @@ void tfimportthreadmanager::onPhotoImported(int taskId, const QString &fileName,
     const int completed = run->done;
 
     scheduleDealing(afterPassMs);
-    const int generation = generation_;
+    const Latest::Token round = round_;
     emit photoImported(*task.order, fileName, photoIndex, success, errorMsg);
-    if (generation == generation_)
+    if (round.isCurrent())
         reportProgress(task, completed);
 }
 
@@ -379,9 +382,9 @@ void tfimportthreadmanager::reportProgress(const ImportTask &task, int completed
             piece.completed = piece.completed || piece.firstTaskId == task.firstTaskId;
         runs_.remove(task.firstTaskId);
     }
-    const int generation = generation_;
+    const Latest::Token round = round_;
     emit orderProgressUpdated(*task.order, completed, task.total);
-    if (!complete || generation != generation_)
+    if (!complete || !round.isCurrent())
         return;
     log(QStringLiteral("订单 %1 导片完成").arg(task.order->orderPayForKey));
     emit orderImportCompleted(*task.order, true, QString());

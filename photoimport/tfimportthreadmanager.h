@@ -4,6 +4,7 @@
 #include "photoimport/photorecords.h"
 #include "photoimport/photorules.h"
 #include "photoimport/tfimportworker.h"
+#include "tasks/latest.h"
 
 #include <QList>
 #include <QMap>
@@ -125,7 +126,8 @@ private:
     bool paused_ = false;
     bool preparing_ = false; ///< folders of the head task are being made
     bool stopping_ = false;  ///< workersEnded() is due
-    int generation_ = 0;     ///< counts stops; what was begun before one is no longer wanted
+    Latest rounds_;          ///< each ends with a stop: what it began is not wanted any more
+    Latest::Token round_ = rounds_.next();
     int nextTaskId_ = 1;
     int finishedTasks_ = 0;
     QTimer dealTimer_;

@@ -127,7 +127,7 @@ void OrderFinder::endSearch()
 {
     place_.branch->cancelSearch();
     refreshing_ = false;
-    ++search_; // a list that is still being read is not wanted any more
+    reading_.abandon(); // a list that is still being read is not wanted any more
     place_.bar->setBusy(false);
     place_.overlay->hideOverlay();
 }

@@ -2,6 +2,7 @@
 
 #include "net/branchsession.h"
 #include "tasks/background.h"
+#include "tasks/latest.h"
 
 #include <QObject>
 #include <QString>
@@ -54,11 +55,7 @@ public:
     /// search has ended or another has begun meanwhile.
     template <typename Read, typename Take> void readReply(Read read, Take take)
     {
-        inBackground(this, std::move(read),
-                     [this, search = search_, take = std::move(take)](const auto &made) {
-                         if (search == search_)
-                             take(made);
-                     });
+        onProcessor(this, std::move(read), reading_.only(std::move(take)));
     }
 
 signals:
@@ -81,5 +78,5 @@ private:
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
     bool refreshing_ = false; ///< the search under way is the silent one
-    int search_ = 0;          ///< number of the search whose result is wanted
+    Latest reading_;          ///< of a search's reply
 };
