@@ -194,12 +194,10 @@ void BatchDeleteRun::lookAtFolder(const std::function<void(const QString &refusa
         [path = order().netPath, publicRoots = publicRoots_] {
             return Look{deletionrules::linkRefusal(path, publicRoots), orderfolder::holderOf(path)};
         },
-        [this, next, step = ++step_](const Look &look) {
-            if (step != step_)
-                return;
+        step_.only([this, next](const Look &look) {
             holder_ = look.holder;
             next(look.refusal);
-        });
+        }));
 }
 
 void BatchDeleteRun::scanOrder()
@@ -237,12 +235,10 @@ void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
         [identity = identity_, id = order().orderPhotoId, files] {
             return deletionrequests::announceBody(identity, id, files);
         },
-        [this, step = ++step_](const QByteArray &body) {
-            if (step == step_) {
-                announcement_.start(deletionrequests::announceAction, body,
-                                    [this](const ServiceReply &reply) { onAnnounced(reply); });
-            }
-        });
+        step_.only([this](const QByteArray &body) {
+            announcement_.start(deletionrequests::announceAction, body,
+                                [this](const ServiceReply &reply) { onAnnounced(reply); });
+        }));
 }
 
 void BatchDeleteRun::onAnnounced(const ServiceReply &reply)
@@ -314,9 +310,7 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
     onDisk(
         this, order().netPath,
         [path = order().netPath, holder = holder_] { return orderfolder::lookFor(path, holder); },
-        [this, file, unreachable, step = ++step_](const orderfolder::Look &look) {
-            if (step != step_)
-                return;
+        step_.only([this, file, unreachable](const orderfolder::Look &look) {
             if (look.state == orderfolder::State::There && unreachable) {
                 setFile(file_, file);
                 processNextFile();
@@ -325,7 +319,7 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
             } else {
                 onFolderGone(file, unreachable ? orderfolder::unreachableText() : look.reason);
             }
-        });
+        }));
 }
 
 /// The files that are left fail for the same reason: each of them could wait for the dead share.
@@ -395,7 +389,7 @@ void BatchDeleteRun::skipOrder(const QString &reason)
 
 void BatchDeleteRun::finish(DeletionSummary::End end)
 {
-    ++step_; // what still goes on behind the scenes is not wanted any more
+    step_.abandon(); // what still goes on behind the scenes is not wanted any more
     scan_.reset();
     announcement_.cancel();
     phase_ = Phase::Idle;

@@ -3,6 +3,7 @@
 #include "batchdelete/batchdeleterecords.h"
 #include "batchdelete/deletionreporter.h"
 #include "net/servicecall.h"
+#include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
 
 #include <QByteArray>
@@ -131,7 +132,7 @@ private:
     QVector<int> pending_; ///< indexes of the order's files still to be processed, last one first
     int file_ = -1;        ///< index of the file being processed
     int skipped_ = 0;
-    int step_ = 0; ///< number of the background step whose result is wanted
+    Latest step_; ///< in the background
     Phase phase_ = Phase::Idle;
     bool retrying_ = false;
     bool stopping_ = false;
