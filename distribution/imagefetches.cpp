@@ -9,43 +9,27 @@ constexpr int fetchesAtOnce = 4;
 
 } // namespace
 
-ImageFetches::ImageFetches(QObject *parent)
-    : QObject(parent), requests_(std::make_unique<QObject>())
+ImageFetches::ImageFetches(QObject *parent) : QObject(parent), queue_(fetchesAtOnce)
 {
 }
 
 void ImageFetches::add(const QVector<ImageFetch> &fetches)
 {
-    for (const ImageFetch &fetch : fetches)
-        waiting_.enqueue(fetch);
-    feed();
-}
-
-void ImageFetches::cancel()
-{
-    waiting_.clear();
-    underWay_ = 0;
-    requests_ = std::make_unique<QObject>();
-}
-
-void ImageFetches::feed()
-{
-    while (!waiting_.isEmpty() && underWay_ < fetchesAtOnce) {
-        const ImageFetch next = waiting_.dequeue();
-        ++underWay_;
-        auto *request = new BaseReq(requests_.get());
-        request->downloadImage(next.url, [this, request, store = next.store](
-                                             const QByteArray &image, const QString &error) {
-            request->deleteLater();
-            finish(store, image, error);
+    for (const ImageFetch &fetch : fetches) {
+        queue_.add([this, fetch](QObject *scope, const RequestQueue::Ended &ended) {
+            auto *request = new BaseReq(scope);
+            request->downloadImage(fetch.url, [this, request, ended, store = fetch.store](
+                                                  const QByteArray &image, const QString &error) {
+                request->deleteLater();
+                if (ended())
+                    finish(store, image, error);
+            });
         });
     }
 }
 
 void ImageFetches::finish(DistributionTask store, const QByteArray &image, const QString &error)
 {
-    --underWay_;
-    feed();
     if (error.isEmpty()) {
         store.image = image;
         emit fetched(store);

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "distribution/distributionplan.h"
+#include "tasks/requestqueue.h"
 
 #include <QObject>
-#include <QQueue>
 #include <QVector>
-
-#include <memory>
 
 /// Fetches the pictures of one order, a few at a time. Lives on the interface thread; each picture
 /// is announced once, fetched or not, unless it is abandoned.
@@ -19,7 +17,7 @@ public:
 
     void add(const QVector<ImageFetch> &fetches);
     /// Abandons what has not come yet.
-    void cancel();
+    void cancel() { queue_.abandon(); }
 
 signals:
     /// \a store holds the picture.
@@ -27,10 +25,7 @@ signals:
     void failed(const DistributionTask &store, const QString &error);
 
 private:
-    void feed();
     void finish(DistributionTask store, const QByteArray &image, const QString &error);
 
-    QQueue<ImageFetch> waiting_;
-    int underWay_ = 0;
-    std::unique_ptr<QObject> requests_; ///< owns those under way
+    RequestQueue queue_;
 };

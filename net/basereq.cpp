@@ -6,6 +6,7 @@
 #include "net/replybody.h"
 #include "pictures/picturebounds.h"
 #include "tasks/background.h"
+#include "tasks/task.h"
 
 #include <QDebug>
 #include <QFileInfo>
@@ -18,6 +19,8 @@
 
 namespace {
 
+/// No list of orders is larger; whatever goes on beyond this would end the program's memory.
+constexpr qint64 largestReplyBytes = qint64(256) * 1024 * 1024;
 /// Larger replies, such as a list of thousands of orders, would hold the interface up.
 constexpr int parsedAtOnceBytes = 256 * 1024;
 
@@ -143,6 +146,7 @@ void BaseReq::sendRequest(const QString &action, const QByteArray &body, Service
     qDebug() << "paras: " << loggable(fullBody) << fullBody.size();
     request_.setUrl(QUrl(url));
     watch(manager_->post(request_, fullBody));
+    body_ = new ReplyBody(reply_, largestReplyBytes);
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 
@@ -154,6 +158,7 @@ void BaseReq::sendGetRequest(const QString &url, ServiceCallback callback)
     applyTlsSettings(&request);
     request.setUrl(QUrl(url));
     watch(manager_->get(request));
+    body_ = new ReplyBody(reply_, largestReplyBytes);
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 
@@ -176,9 +181,8 @@ void BaseReq::downloadImage(const QString &url, ImageBytesCallback callback)
     applyTlsSettings(&request);
     request.setUrl(QUrl(url));
     watch(manager_->get(request));
-    auto *body = new ReplyBody(reply_, picturebounds::fetchedBytes);
-    connect(reply_, &QNetworkReply::finished, this,
-            [this, body] { imageDownloadFinished(reply_, body); });
+    body_ = new ReplyBody(reply_, picturebounds::fetchedBytes);
+    connect(reply_, &QNetworkReply::finished, this, [this] { imageDownloadFinished(reply_); });
 }
 
 void BaseReq::downloadImageAsDataUrl(const QString &url, ImageCallback callback)
@@ -198,6 +202,7 @@ void BaseReq::watch(QNetworkReply *reply)
 {
     requestDone_ = 0;
     certificateError_.clear();
+    isTooLarge_ = false;
     reply_ = reply;
     connect(reply, &QNetworkReply::sslErrors, this, [](const QList<QSslError> &errors) {
         for (const QSslError &error : errors)
@@ -217,7 +222,8 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
         return; // a reply that a later request on this object has replaced
     reply_.clear();
     const bool answered = reply->error() == QNetworkReply::NoError;
-    const QByteArray body = answered ? reply->readAll() : QByteArray();
+    const QByteArray body = answered ? body_->take() : QByteArray();
+    isTooLarge_ = body_->isTooLarge();
     noteCertificateError(reply);
     reply->deleteLater();
     requestDone_ = 1;
@@ -225,14 +231,21 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
     const auto handOver = [this](const QJsonDocument &document) {
         callback_(document.isObject(), document);
     };
-    if (body.size() <= parsedAtOnceBytes)
+    if (body.size() <= parsedAtOnceBytes) {
         handOver(QJsonDocument::fromJson(body));
-    else
-        onProcessor(
-            this, [body] { return QJsonDocument::fromJson(body); }, handOver);
+        return;
+    }
+    onProcessor(
+        this,
+        [body] {
+            QJsonDocument document; // null where there is no memory for it
+            problemOf([&] { document = QJsonDocument::fromJson(body); });
+            return document;
+        },
+        handOver);
 }
 
-void BaseReq::imageDownloadFinished(QNetworkReply *reply, ReplyBody *body)
+void BaseReq::imageDownloadFinished(QNetworkReply *reply)
 {
     if (!reply)
         return;
@@ -240,8 +253,8 @@ void BaseReq::imageDownloadFinished(QNetworkReply *reply, ReplyBody *body)
     noteCertificateError(reply);
     reply->deleteLater();
     requestDone_ = 1;
-    const QByteArray image = body->take();
-    if (body->isTooLarge())
+    const QByteArray image = body_->take();
+    if (body_->isTooLarge())
         handOverImage({}, QStringLiteral("图片过大"));
     else if (reply->error() != QNetworkReply::NoError)
         handOverImage({}, wordsFor(*reply));

@@ -63,13 +63,16 @@ public:
     /// that was not the reason.
     const QString &certificateError() const { return certificateError_; }
 
+    /// Whether the last answer was given up because of its size.
+    bool isTooLarge() const { return isTooLarge_; }
+
     /// Lets every request made from \a request on trust what the installation says is to be
     /// trusted.
     static void applyTlsSettings(QNetworkRequest *request);
 
 private slots:
     void serviceRequestFinished(QNetworkReply *reply);
-    void imageDownloadFinished(QNetworkReply *reply, ReplyBody *body);
+    void imageDownloadFinished(QNetworkReply *reply);
 
 private:
     void watch(QNetworkReply *reply);
@@ -83,6 +86,8 @@ private:
     ServiceCallback callback_;
     ImageBytesCallback imageCallback_;
     QString certificateError_;
+    QPointer<ReplyBody> body_; ///< of the reply
+    bool isTooLarge_ = false;
 };
 
 /// \a image wrapped as a data URL. The kind is told by the first bytes, otherwise by the suffix of

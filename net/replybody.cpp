@@ -24,7 +24,7 @@ void ReplyBody::readOn()
     if (isTooLarge_)
         return;
     const qint64 announced = reply_->header(QNetworkRequest::ContentLengthHeader).toLongLong();
-    bytes_ += reply_->read(mostBytes_ + 1 - bytes_.size());
+    bytes_ += reply_->read(std::min(reply_->bytesAvailable(), mostBytes_ + 1 - bytes_.size()));
     if (std::max<qint64>(announced, bytes_.size()) <= mostBytes_)
         return;
     isTooLarge_ = true;

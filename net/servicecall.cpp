@@ -5,13 +5,16 @@
 
 namespace {
 
-ServiceReply readReply(bool ok, const QJsonDocument &document, const QString &certificateError)
+ServiceReply readReply(bool ok, const QJsonDocument &document, const BaseReq &request)
 {
     ServiceReply result;
     if (!ok) {
-        if (!certificateError.isEmpty()) {
+        if (!request.certificateError().isEmpty()) {
             result.outcome = ServiceReply::Outcome::CertificateRefused;
-            result.message = certificateError;
+            result.message = request.certificateError();
+        } else if (request.isTooLarge()) {
+            result.outcome = ServiceReply::Outcome::Refused;
+            result.message = QStringLiteral("服务端返回的数据过大，请缩小搜索范围");
         }
         return result;
     }
@@ -32,7 +35,7 @@ void callService(QObject *owner, const QString &action, const QByteArray &body,
     request->sendRequest(
         action, body,
         [request, handler = std::move(handler)](bool ok, const QJsonDocument &document) {
-            const ServiceReply result = readReply(ok, document, request->certificateError());
+            const ServiceReply result = readReply(ok, document, *request);
             request->deleteLater();
             handler(result);
         });
@@ -54,7 +57,7 @@ void LatestCall::start(const QString &action, const QByteArray &body, ServiceHan
             if (request_ != request)
                 return;
             request_.clear();
-            handler(readReply(ok, document, request->certificateError()));
+            handler(readReply(ok, document, *request));
         });
 }
 

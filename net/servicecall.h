@@ -15,7 +15,7 @@ struct ServiceReply
 {
     enum class Outcome {
         Success,            ///< the service did what was asked
-        Refused,            ///< the service answered and said no
+        Refused,            ///< the service answered and said no, or more than can be read
         NoAnswer,           ///< nothing usable came back
         CertificateRefused, ///< we did not trust the server
     };

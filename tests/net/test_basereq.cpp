@@ -1,11 +1,13 @@
 #include "app/context/accountcontext.h"
 #include "net/basereq.h"
 #include "net/servicecall.h"
+#include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/loglines.h"
 #include "tests/support/text.h"
 
+#include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
@@ -196,6 +198,53 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(told.size(), 1, 60000);
         QVERIFY2(told.first().startsWith(error.isEmpty() ? "data:image/jpeg;base64"_s : error),
                  qPrintable(told.first()));
+    }
+
+    void repliesDoNotWaitForDisks()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, this, [&server] {
+            const QByteArray body = "{\"a\":\"" + QByteArray(1024 * 1024, 'x') + "\"}";
+            server.nextPendingConnection()->write(
+                "HTTP/1.1 200 OK\r\nContent-Length: " + QByteArray::number(body.size()) +
+                "\r\n\r\n" + body);
+        });
+        QObject context;
+        QSemaphore gate;
+        constexpr int deadShares = 100;
+        for (int share = 0; share < deadShares; ++share)
+            onDisk(
+                &context, "//dead%1/photos"_s.arg(share), [&gate] { gate.acquire(); }, [] {});
+        BaseReq request;
+        bool read = false;
+        request.sendGetRequest("http://127.0.0.1:%1/a"_s.arg(server.serverPort()),
+                               [&read](bool ok, const QJsonDocument &) { read = ok; });
+        const bool came = QTest::qWaitFor([&read] { return read; }, 60000);
+        gate.release(deadShares);
+        diskPool().waitForDone();
+        QVERIFY(came);
+    }
+
+    void endlessRepliesAreGivenUp()
+    {
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        connect(&server, &QTcpServer::newConnection, this, [&server] {
+            QTcpSocket *peer = server.nextPendingConnection();
+            const QByteArray piece(1024 * 1024, ' ');
+            peer->write("HTTP/1.1 200 OK\r\n\r\n{" + piece);
+            connect(peer, &QTcpSocket::bytesWritten, peer, [peer, piece] {
+                if (peer->bytesToWrite() == 0)
+                    peer->write(piece);
+            });
+        });
+        BaseReq request;
+        bool ended = false;
+        request.sendGetRequest("http://127.0.0.1:%1/a"_s.arg(server.serverPort()),
+                               [&ended](bool ok, const QJsonDocument &) { ended = !ok; });
+        QTRY_VERIFY_WITH_TIMEOUT(ended, 120000);
+        QVERIFY(request.isTooLarge());
     }
 
     /// What comes in few bytes may unpack into any number.
