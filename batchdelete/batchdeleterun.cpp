@@ -69,11 +69,12 @@ void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
     stopping_ = declined_ = retrying_ = false;
     refusals_.clear();
     for (const BatchDeleteOrderInfo &order : orders) {
+        ordersatwork::Claim claim;
         const auto conflict = ordersatwork::claim({{identity.shopId, order.id, order.orderPhotoId}},
-                                                  QStringLiteral("批量删除"), &claim_);
-        if (conflict)
-            refusals_.insert(order.id,
-                             ordersatwork::refusal(order.displayNumber(), conflict->tool));
+                                                  QStringLiteral("批量删除"), &claim);
+        claims_.push_back(std::move(claim));
+        refusals_.append(conflict ? ordersatwork::refusal(order.displayNumber(), conflict->tool)
+                                  : QString());
     }
 }
 
@@ -108,8 +109,8 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
     begin({order}, identity, publicRoots);
     retrying_ = true;
     current_ = 0;
-    if (!refusals_.isEmpty()) {
-        note(refusals_.value(order.id));
+    if (!refusals_.first().isEmpty()) {
+        note(refusals_.first());
         finish(DeletionSummary::End::Completed);
         return true;
     }
@@ -168,8 +169,8 @@ void BatchDeleteRun::startNextOrder()
     qDebug() << "获取文件照片信息";
     emit orderStarted(order().id);
     listFiles(order().unreportedFiles());
-    if (refusals_.contains(order().id)) {
-        skipOrder(refusals_.value(order().id));
+    if (!refusals_.at(current_).isEmpty()) {
+        skipOrder(refusals_.at(current_));
         return;
     }
     // Time has passed since the plan was made.
@@ -427,6 +428,6 @@ void BatchDeleteRun::endIfIdle()
     if (isBusy())
         return;
     closingTimer_.stop();
-    claim_.release();
+    claims_.clear();
     emit ended();
 }

@@ -7,7 +7,6 @@
 #include "tasks/ordersatwork.h"
 
 #include <QByteArray>
-#include <QHash>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -17,6 +16,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 class BatchdeleteThread;
 class FileScanThread;
@@ -138,8 +138,8 @@ private:
     bool stopping_ = false;
     bool declined_ = false;
     bool closing_ = false;
-    ordersatwork::Claim claim_;
-    QHash<QString, QString> refusals_; ///< of orders in another tool's hands, by id
+    std::vector<ordersatwork::Claim> claims_;
+    QStringList refusals_; ///< for each order, empty unless it is in another tool's hands
     std::unique_ptr<FileScanThread> scan_;
     LatestCall announcement_;
     DeletionReporter reporter_;

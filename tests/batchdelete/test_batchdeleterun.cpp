@@ -69,6 +69,9 @@ private slots:
         const auto untouched = makeOrder(3, 2);
         start({first, second});
         QVERIFY(!run_->start({first}, identity_, {}));
+        for (const auto &order : {first, second})
+            QCOMPARE(ordersatwork::toolAt({identity_.shopId, order.id, order.orderPhotoId}),
+                     "批量删除"_s);
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(first), "222"_s);
         QCOMPARE(states(second), "22"_s);
