@@ -216,11 +216,11 @@ QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const Ba
     };
     const QSet<QString> images = keysOf(differences.images);
     const QSet<QString> rawImages = keysOf(differences.rawImages);
-    const QString imageFolder = importrules::subFolders(mode).first();
+    const QStringList folders = importrules::subFolders(mode);
     QVector<int> positions;
     for (int index = 0; index < order.files.size(); ++index) {
         const ImportFile &file = order.files.at(index);
-        const bool isImage = importrules::subFolderFor(mode, file.suffix) == imageFolder;
+        const bool isImage = importrules::subFolderFor(mode, file.suffix) == folders.first();
         if (file.state == ImportFile::Imported &&
             (isImage ? images : rawImages).contains(file.targetName().toCaseFolded()))
             positions.append(index);
