@@ -172,7 +172,7 @@ private slots:
             QThread::yieldCurrentThread();
         run_->stopAllImports(); // before the interface thread has seen any result
         QVERIFY(!run_->isRunning());
-        // Some are being copied still: the order stays at work until they have ended.
+        // Four are being copied still: the order stays at work until they have ended.
         QVERIFY(run_->isAtWork(order.id));
         QCOMPARE(photoStateText(shown_[order.id]), "导入中 0/100"_s);
         QTRY_VERIFY(!run_->hasLiveTasks());
