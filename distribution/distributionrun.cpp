@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QJsonObject>
-#include <QRunnable>
 #include <QThread>
 
 #include <utility>

@@ -50,7 +50,8 @@ Claim &Claim::operator=(Claim &&other) noexcept
 
 void Claim::release()
 {
-    for (const OrderIdentity &order : std::exchange(orders_, {})) {
+    const auto orders = std::exchange(orders_, {});
+    for (const OrderIdentity &order : orders) {
         if (--works()[order].claims == 0)
             works().remove(order);
     }
