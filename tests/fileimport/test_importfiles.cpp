@@ -244,8 +244,16 @@ private slots:
         QVERIFY(drop(second.path()));
         EXPECT_BOXES("没有可以导入的文件，已选的文件保持不变。"_s);
         writeFile(second.filePath("DSC_1.cr2"_s));
+        const UnreadableFolder unreadable(second.path());
+        if (!unreadable.path.isEmpty()) {
+            QVERIFY(drop(second.path()));
+            EXPECT_BOX_THAT(box.contains(unreadable.path));
+            QCOMPARE(text(order, Column::ChosenColumn), "3"_s);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+        }
         QVERIFY(drop(second.path()));
         QTRY_COMPARE(text(order, Column::ChosenColumn), "4"_s);
+        forgetBoxes();
         QCOMPARE(fileTable()->model()->rowCount(), 4);
         const QString twin = writeFile(second.filePath("img_0.JPG"_s));
         QVERIFY(drop(twin));

@@ -270,8 +270,16 @@ private slots:
         QCOMPARE(AccountContext::photoMode, 1);
         const QString video = writeFile(card_->filePath("A&B.mp4"_s), "frames");
         select(second_);
-        QVERIFY(dropFiles(photos()->viewport(), QPoint(40, 40), {video}));
+        const UnreadableFolder unreadable(card_->path());
+        if (!unreadable.path.isEmpty()) {
+            QVERIFY(dropFiles(photos()->viewport(), QPoint(40, 40), {card_->path()}));
+            EXPECT_BOX_THAT(box.contains(unreadable.path));
+            QCOMPARE(photos()->model()->rowCount(), 0);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+        }
+        QVERIFY(dropFiles(photos()->viewport(), QPoint(40, 40), {card_->path()}));
         QTRY_COMPARE(text(second_, Column::ChosenColumn), "1"_s);
+        forgetBoxes();
         importShown();
         QVERIFY(QFile::exists(imported(second_, "试拍视频/A&B.mp4"_s)));
         QVERIFY(demo_.body("savepicpathmv"_s).contains("&type=2&photonames=A%26B.mp4"_s));

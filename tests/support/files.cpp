@@ -8,6 +8,11 @@
 #include <QProcess>
 #include <QThread>
 
+#ifdef Q_OS_LINUX
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 QString writeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
@@ -60,4 +65,22 @@ bool linkFolder(const QString &target, const QString &link)
 QString wireForm(QString path)
 {
     return path.replace(QLatin1Char('/'), QLatin1Char('\\'));
+}
+
+UnreadableFolder::UnreadableFolder(const QString &above)
+{
+#ifdef Q_OS_LINUX
+    made_ = QFile::encodeName(above) + "/caf\xe9";
+    if (mkdir(made_.constData(), 0777) == 0)
+        path = QFile::decodeName(made_);
+#else
+    Q_UNUSED(above)
+#endif
+}
+
+UnreadableFolder::~UnreadableFolder()
+{
+#ifdef Q_OS_LINUX
+    rmdir(made_.constData());
+#endif
 }

@@ -28,5 +28,20 @@ constexpr bool shortcutsForLinks = false;
 /// False where the system makes none.
 bool linkFolder(const QString &target, const QString &link);
 
+/// A folder that nobody can list, not even an administrator: its name is no text. Only some systems
+/// have such; elsewhere the path is empty.
+class UnreadableFolder
+{
+public:
+    explicit UnreadableFolder(const QString &above);
+    ~UnreadableFolder();
+    Q_DISABLE_COPY_MOVE(UnreadableFolder)
+
+    QString path; ///< as far as it can be told
+
+private:
+    QByteArray made_;
+};
+
 /// As the service writes paths.
 QString wireForm(QString path);
