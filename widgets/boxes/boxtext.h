@@ -14,7 +14,7 @@ struct BoxText
     static constexpr int shownLines = 200;
 
     /// Plain text; of a very long one the beginning is shown.
-    BoxText(const QString &plain); // NOLINT: a text is what boxes are mostly given
+    BoxText(const QString &plain); // implicit: a text is what boxes are mostly given
     /// A heading, and below it a line for each of \a lines.
     BoxText(const QString &heading, const QStringList &lines);
 
