@@ -265,7 +265,7 @@ void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
     const QString nothingFound = QStringLiteral("未检索到订单");
     orderList_->table()->setEmptyText(nothingFound);
     if (list.isList)
-        orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
+        orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders, list.unlisted); });
     if (list.elements == 0)
         MessageBox::warning(this, nothingFound);
 }
@@ -416,7 +416,7 @@ void BatchDelete::onStartBatchDelete()
     // A reply that comes now must not replace the orders that are being judged.
     finder_->cancel();
     finder_->showBranch();
-    approval_->ask(publicRoots());
+    approval_->ask(branch_.identity().shopId, publicRoots());
 }
 
 void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)

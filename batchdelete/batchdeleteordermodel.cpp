@@ -47,9 +47,11 @@ QVariant sortValue(const BatchDeleteOrderInfo &order, int column)
 
 } // namespace
 
-void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders)
+void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
+                                      const QVector<BatchDeleteOrderInfo> &unlisted)
 {
     beginResetModel();
+    unlisted_ = unlisted;
     QSet<QString> listed;
     for (BatchDeleteOrderInfo &order : orders) {
         listed.insert(order.id);
@@ -83,6 +85,7 @@ void BatchDeleteOrderModel::clear()
 {
     beginResetModel();
     orders_.clear();
+    unlisted_.clear();
     rows_.clear();
     endResetModel();
 }

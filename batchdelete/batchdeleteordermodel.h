@@ -37,12 +37,15 @@ public:
     using QAbstractTableModel::QAbstractTableModel;
 
     /// Replaces the list. What became of the files of orders that are listed again is kept, and so
-    /// are orders with files that the service has yet to be told of.
-    void setOrders(QVector<BatchDeleteOrderInfo> orders);
+    /// are orders with files that the service has yet to be told of. \a unlisted are shown nowhere.
+    void setOrders(QVector<BatchDeleteOrderInfo> orders,
+                   const QVector<BatchDeleteOrderInfo> &unlisted = {});
     void clear();
     /// How many files are gone without the service knowing.
     int unreported() const;
     const QVector<BatchDeleteOrderInfo> &orders() const { return orders_; }
+    /// Those and what cannot be listed: all that have a folder that may have to be kept.
+    QVector<BatchDeleteOrderInfo> ordersWithFolders() const { return orders_ + unlisted_; }
     bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
     const BatchDeleteOrderInfo &order(int row) const { return orders_.at(row); }
     /// -1 for an order that is not listed.
@@ -74,6 +77,7 @@ private:
     void rowChanged(int row);
 
     QVector<BatchDeleteOrderInfo> orders_;
+    QVector<BatchDeleteOrderInfo> unlisted_;
     QHash<QString, int> rows_;
     bool checkable_ = true;
 };

@@ -3,6 +3,7 @@
 #include "app/account/batchlogindialog.h"
 #include "batchdelete/batchdeleteordermodel.h"
 #include "tasks/background.h"
+#include "tasks/ordersatwork.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
@@ -11,6 +12,23 @@
 namespace {
 
 constexpr int toastMs = 2000;
+
+/// Unticks the orders that another tool is working on, so that their folders are kept, and returns
+/// them with that for a reason.
+QVector<BatchDeleteOrderInfo> takeOrdersInOtherHands(const QString &branch,
+                                                     QVector<BatchDeleteOrderInfo> *orders)
+{
+    QVector<BatchDeleteOrderInfo> taken;
+    for (BatchDeleteOrderInfo &order : *orders) {
+        const QString tool = ordersatwork::toolAt({branch, order.id, order.orderPhotoId});
+        if (!order.checked || tool.isEmpty())
+            continue;
+        order.checked = false;
+        taken.append(order);
+        taken.last().note = ordersatwork::refusal(order.displayNumber(), tool);
+    }
+    return taken;
+}
 
 } // namespace
 
@@ -26,16 +44,20 @@ void DeletionApproval::cancel()
     overlay_->hideOverlay();
 }
 
-void DeletionApproval::ask(const QStringList &publicRoots)
+void DeletionApproval::ask(const QString &branch, const QStringList &publicRoots)
 {
     overlay_->showText(QStringLiteral("正在检查订单目录..."));
+    QVector<BatchDeleteOrderInfo> orders = orders_->ordersWithFolders();
+    const QVector<BatchDeleteOrderInfo> inOtherHands = takeOrdersInOtherHands(branch, &orders);
     QStringList paths = publicRoots;
-    for (const BatchDeleteOrderInfo &order : orders_->orders())
+    for (const BatchDeleteOrderInfo &order : qAsConst(orders))
         paths.append(order.netPath);
     onDisk(
         this, paths,
-        [orders = orders_->orders(), publicRoots] {
-            return deletionrules::plan(orders, publicRoots);
+        [orders, publicRoots, inOtherHands] {
+            deletionrules::DeletionPlan plan = deletionrules::plan(orders, publicRoots);
+            plan.refused += inOtherHands;
+            return plan;
         },
         [this, number = ++plan_](const deletionrules::DeletionPlan &plan) {
             if (number != plan_)

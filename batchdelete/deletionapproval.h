@@ -22,8 +22,8 @@ public:
     /// Dialogs and the overlay belong to \a window, which owns the approval and the model.
     DeletionApproval(QWidget *window, BatchDeleteOrderModel *orders);
 
-    /// \a publicRoots: see deletionrules.
-    void ask(const QStringList &publicRoots);
+    /// \a publicRoots: see deletionrules. \a branch is that of the orders.
+    void ask(const QString &branch, const QStringList &publicRoots);
     /// Gives up: nothing is approved any more until it is asked again.
     void cancel();
 

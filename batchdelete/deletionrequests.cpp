@@ -5,6 +5,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QSet>
 
 namespace deletionrequests {
 
@@ -39,10 +40,14 @@ FormBody accountBody(const orderqueries::Identity &identity, const QString &orde
 OrderList readOrders(const QJsonObject &reply)
 {
     const QJsonValue data = reply.value(QLatin1String("data"));
-    OrderList list{data.isArray(), data.toArray().size(), {}};
-    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
-    for (const QJsonObject &element : elements)
-        list.orders.append(readOrder(element));
+    OrderList list{data.isArray(), data.toArray().size(), {}, {}};
+    QSet<QString> ids{QString()};
+    const auto elements = reply::objects(reply, QStringLiteral("data"));
+    for (const QJsonObject &element : elements) {
+        const BatchDeleteOrderInfo order = readOrder(element);
+        (ids.contains(order.id) ? list.unlisted : list.orders).append(order);
+        ids.insert(order.id);
+    }
     return list;
 }
 

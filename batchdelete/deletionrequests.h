@@ -20,9 +20,11 @@ struct OrderList
     bool isList = false; ///< false: the reply carries no list at all
     int elements = 0;    ///< how many the service listed, usable or not
     QVector<BatchDeleteOrderInfo> orders;
+    /// Those that nothing tells from the others: what lies in their folders is theirs all the same.
+    QVector<BatchDeleteOrderInfo> unlisted;
 };
 
-/// Reads a search reply. Elements without an id are left out, as are repetitions of one.
+/// Reads a search reply. Elements without an id are unlisted, as are repetitions of one.
 OrderList readOrders(const QJsonObject &reply);
 
 /// Which files are about to be deleted. Takes a while for an order of many files.

@@ -2,6 +2,7 @@
 #include "batchdelete/batchdelete.h"
 #include "batchdelete/batchdelete_filelistwidget.h"
 #include "batchdelete/batchdelete_orderlistwidget.h"
+#include "tasks/ordersatwork.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
@@ -235,6 +236,16 @@ private slots:
                      .data(BatchDeleteOrderModel::NoteRole)
                      .toString()
                      .isEmpty());
+        QCOMPARE(namesOnDisk(first).size(), 1);
+
+        // An order that another tool has in hand keeps its folder from others, too.
+        tick(first);
+        ordersatwork::Claim claim;
+        const OrderIdentity identity{"101"_s, "50001"_s, "800001"_s};
+        QVERIFY(!ordersatwork::claim({identity}, "导片工具"_s, &claim));
+        click("startButton");
+        EXPECT_BOX_THAT(box.contains("正在“导片工具”中处理"_s) &&
+                        box.contains("目录中包含未删除的订单 TS10001-1 的目录"_s));
         QCOMPARE(namesOnDisk(first).size(), 1);
     }
 

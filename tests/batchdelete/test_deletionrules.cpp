@@ -1,3 +1,4 @@
+#include "batchdelete/batchdeleteordermodel.h"
 #include "batchdelete/deletionreport.h"
 #include "batchdelete/deletionrequests.h"
 #include "batchdelete/deletionrules.h"
@@ -320,6 +321,14 @@ void TestDeletionRules::readsOrders()
     QCOMPARE(list.orders.first().netPath, "\\\\n\\p"_s);
     for (const char *none : {"{}", R"({"data":null})", R"({"data":"text"})", R"({"data":{}})"})
         QVERIFY2(!read(none).isList, none);
+
+    const auto nested = read(R"({"data":[{"id":1,"order_photo_id":2,"netpath":"\\\\n\\p\\a"},
+        {"netpath":"\\\\n\\p\\A\\b"}]})");
+    BatchDeleteOrderModel model;
+    model.setOrders(nested.orders, nested.unlisted);
+    model.checkAll(true);
+    QCOMPARE(refusals(model.ordersWithFolders(), {}).constFirst(),
+             "目录中包含未删除的订单 (无编号) 的目录: \\\\n\\p\\A\\b"_s);
 }
 
 QTEST_GUILESS_MAIN(TestDeletionRules)
