@@ -132,7 +132,7 @@ void BatchDelete::connectLists()
 
 void BatchDelete::connectRun()
 {
-    connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const QString &orderId) {
+    connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const OrderIdentity &orderId) {
         orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
             order.note.clear();
             order.processed = true;
@@ -140,13 +140,13 @@ void BatchDelete::connectRun()
         });
     });
     connect(&run_, &BatchDeleteRun::filesListed, this,
-            [this](const QString &orderId, const QVector<BatchDeleteFileInfo> &files) {
+            [this](const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files) {
                 setFiles(orderId, files);
                 showRunState();
             });
     connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
     connect(&run_, &BatchDeleteRun::orderNoted, this,
-            [this](const QString &orderId, const QString &note) {
+            [this](const OrderIdentity &orderId, const QString &note) {
                 orders_.change(orders_.rowOf(orderId),
                                [&note](BatchDeleteOrderInfo &order) { order.note = note; });
             });
@@ -255,8 +255,11 @@ void BatchDelete::reqOrderList()
 
 void BatchDelete::onOrderList(const ServiceReply &reply)
 {
-    finder_->readReply([object = reply.object] { return deletionrequests::readOrders(object); },
-                       [this](const deletionrequests::OrderList &list) { showSearchResult(list); });
+    finder_->readReply(
+        [object = reply.object, branch = branch_.searchedBranch()] {
+            return deletionrequests::readOrders(object, branch);
+        },
+        [this](const deletionrequests::OrderList &list) { showSearchResult(list); });
 }
 
 void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
@@ -286,7 +289,7 @@ void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &ord
 
 void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
 {
-    if (order.id.isEmpty())
+    if (order.identity().isEmpty())
         fileList_->clear();
     else if (order.processed)
         fileList_->showFiles(order, order.files());
@@ -318,7 +321,7 @@ void BatchDelete::onRefreshOrderFiles()
 void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
                                  const QVector<BatchDeleteFileInfo> &files)
 {
-    const int row = orders_.rowOf(order.id);
+    const int row = orders_.rowOf(order.identity());
     if (row < 0)
         return;
     // Of a mere list only the count is kept: there may be a million files, and hundreds of orders.
@@ -329,7 +332,7 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
     const QVector<BatchDeleteFileInfo> before = orders_.order(row).files();
     onProcessor(
         this, [before, files] { return deletionrules::merged(before, files); },
-        [this, id = order.id, before](const QVector<BatchDeleteFileInfo> &all) {
+        [this, id = order.identity(), before](const QVector<BatchDeleteFileInfo> &all) {
             const int shown = orders_.rowOf(id);
             if (shown < 0)
                 return;
@@ -340,7 +343,7 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
         });
 }
 
-void BatchDelete::setFiles(const QString &orderId, const QVector<BatchDeleteFileInfo> &files)
+void BatchDelete::setFiles(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files)
 {
     const int row = orders_.rowOf(orderId);
     orders_.change(row, [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
@@ -425,7 +428,8 @@ void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
     showRunState();
 }
 
-void BatchDelete::onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file)
+void BatchDelete::onFileChanged(const OrderIdentity &orderId, int index,
+                                const BatchDeleteFileInfo &file)
 {
     orders_.setFile(orders_.rowOf(orderId), index, file);
     if (orderId == fileList_->orderId())

@@ -67,12 +67,12 @@ private:
     void onRefreshOrderFiles();
     void onFilesScanned(const BatchDeleteOrderInfo &order,
                         const QVector<BatchDeleteFileInfo> &files);
-    void setFiles(const QString &orderId, const QVector<BatchDeleteFileInfo> &files);
+    void setFiles(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files);
     void onViewClicked(int row, BatchDeleteProgressDelegate::Button button);
     void retryFiles(const QVector<int> &indexes);
 
     void startRun(const QVector<BatchDeleteOrderInfo> &orders);
-    void onFileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
+    void onFileChanged(const OrderIdentity &orderId, int index, const BatchDeleteFileInfo &file);
     void onAnnouncementFailed(const ServiceReply &reply);
     void askForResubmit(const QString &question, const QString &certificateError);
     void answerResubmit(QMessageBox::StandardButton answer);

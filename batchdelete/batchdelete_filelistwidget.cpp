@@ -198,8 +198,8 @@ void BatchDelete_FileListWidget::endScan(const QString &emptyText)
 
 void BatchDelete_FileListWidget::showCount()
 {
-    refreshButton_->setEnabled(!order_.id.isEmpty());
-    countLabel_->setText(order_.id.isEmpty()
+    refreshButton_->setEnabled(!order_.identity().isEmpty());
+    countLabel_->setText(order_.identity().isEmpty()
                              ? chooseText()
                              : QStringLiteral("共 %1 个文件").arg(model_.files().size()));
 }

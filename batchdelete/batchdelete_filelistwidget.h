@@ -25,7 +25,7 @@ public:
     ~BatchDelete_FileListWidget() override;
 
     /// Empty when no order is shown.
-    const QString &orderId() const { return order_.id; }
+    OrderIdentity orderId() const { return order_.identity(); }
     /// Shows these files of \a order; a scan that goes on is abandoned.
     void showFiles(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files);
     /// Shows nothing of \a order, and why.

@@ -111,9 +111,10 @@ int BatchDelete_OrderListWidget::selectedRow() const
 void BatchDelete_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
 {
     rows_->keepPlaceWhile(
-        change,
-        {[this](int row) { return model_->hasRow(row) ? model_->order(row).id : QString(); },
-         [this](const QString &id) { return model_->rowOf(id); }});
+        change, {[this](int row) {
+                     return model_->hasRow(row) ? model_->order(row).identity() : OrderIdentity();
+                 },
+                 [this](const OrderIdentity &order) { return model_->rowOf(order); }});
 }
 
 void BatchDelete_OrderListWidget::setCheckable(bool checkable)

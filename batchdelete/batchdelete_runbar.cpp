@@ -33,7 +33,7 @@ BatchDelete_RunBar::BatchDelete_RunBar(const BatchDeleteOrderModel *orders,
 
     connect(startButton_, &QPushButton::clicked, this, &BatchDelete_RunBar::startClicked);
     connect(orders, &QAbstractItemModel::modelReset, this, &BatchDelete_RunBar::showOrderCount);
-    connect(run, &BatchDeleteRun::scanProgress, this, [this](const QString &, int count) {
+    connect(run, &BatchDeleteRun::scanProgress, this, [this](const OrderIdentity &, int count) {
         runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单，已找到 %3 个文件")
                                .arg(run_->turn())
                                .arg(run_->turns())

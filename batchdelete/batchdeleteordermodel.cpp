@@ -52,10 +52,10 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
 {
     beginResetModel();
     unlisted_ = unlisted;
-    QSet<QString> listed;
+    QSet<OrderIdentity> listed;
     for (BatchDeleteOrderInfo &order : orders) {
-        listed.insert(order.id);
-        const int before = rowOf(order.id);
+        listed.insert(order.identity());
+        const int before = rowOf(order.identity());
         if (before < 0)
             continue;
         // The folder may be another one by now; then nothing in the earlier one is the order's any
@@ -69,7 +69,7 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
         order.processed = orders_.at(before).processed;
     }
     for (BatchDeleteOrderInfo order : qAsConst(orders_)) {
-        if (order.unreported() == 0 || listed.contains(order.id))
+        if (order.unreported() == 0 || listed.contains(order.identity()))
             continue;
         order.checked = false;
         orders.append(order);
@@ -77,7 +77,7 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
     orders_ = std::move(orders);
     rows_.clear();
     for (int row = 0; row < orders_.size(); ++row)
-        rows_.insert(orders_.at(row).id, row);
+        rows_.insert(orders_.at(row).identity(), row);
     endResetModel();
 }
 

@@ -49,7 +49,7 @@ public:
     bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
     const BatchDeleteOrderInfo &order(int row) const { return orders_.at(row); }
     /// -1 for an order that is not listed.
-    int rowOf(const QString &orderId) const { return rows_.value(orderId, -1); }
+    int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
     /// Rows out of range are ignored.
     void change(int row, const std::function<void(BatchDeleteOrderInfo &order)> &change);
     /// One file of the order changed.
@@ -78,6 +78,6 @@ private:
 
     QVector<BatchDeleteOrderInfo> orders_;
     QVector<BatchDeleteOrderInfo> unlisted_;
-    QHash<QString, int> rows_;
+    QHash<OrderIdentity, int> rows_;
     bool checkable_ = true;
 };

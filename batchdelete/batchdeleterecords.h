@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QJsonObject>
+#include "app/context/orderidentity.h"
+
 #include <QMetaType>
 #include <QRgb>
 #include <QString>
@@ -69,6 +70,7 @@ Q_DECLARE_METATYPE(FileScanResult)
 /// One order of a search, and what became of its files. Paths are in Windows form.
 struct BatchDeleteOrderInfo
 {
+    QString branch; ///< id of the shop under which the order was listed
     QString id;
     QString orderPhotoId;
     QString orderPayForKey;
@@ -84,6 +86,7 @@ struct BatchDeleteOrderInfo
     bool checked = false;
     bool processed = false; ///< a run had its turn with it: the files tell what became of them
 
+    OrderIdentity identity() const { return {branch, id, orderPhotoId}; }
     QString displayNumber() const;
     QString customers() const;
 

@@ -94,6 +94,10 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
 {
     if (isBusy() || closing_)
         return false;
+    if (!orderqueries::mayWorkOn(order.identity(), identity)) {
+        emit orderNoted(order.identity(), orderqueries::otherBranchText(order.displayNumber()));
+        return false;
+    }
     QVector<int> pending;
     QVector<BatchDeleteFileInfo> unannounced;
     for (const int index : indexes) {
@@ -167,7 +171,11 @@ void BatchDeleteRun::startNextOrder()
     phase_ = Phase::Checking;
     order().note.clear();
     qDebug() << "获取文件照片信息";
-    emit orderStarted(order().id);
+    emit orderStarted(order().identity());
+    if (!orderqueries::mayWorkOn(order().identity(), identity_)) {
+        skipOrder(orderqueries::otherBranchText(order().displayNumber()));
+        return;
+    }
     listFiles(order().unreportedFiles());
     if (!refusals_.at(current_).isEmpty()) {
         skipOrder(refusals_.at(current_));
@@ -205,7 +213,7 @@ void BatchDeleteRun::scanOrder()
 {
     scan_ = std::make_unique<FileScanThread>();
     connect(scan_.get(), &FileScanThread::progress, this,
-            [this](int count) { emit scanProgress(order().id, count); });
+            [this](int count) { emit scanProgress(order().identity(), count); });
     connect(scan_.get(), &FileScanThread::finished, this, &BatchDeleteRun::onScanned);
     scan_->scan(order().netPath);
 }
@@ -366,19 +374,19 @@ void BatchDeleteRun::onReported(BatchDeleteFileInfo file, bool reported)
 void BatchDeleteRun::listFiles(const QVector<BatchDeleteFileInfo> &files)
 {
     order().setFiles(files);
-    emit filesListed(order().id, files);
+    emit filesListed(order().identity(), files);
 }
 
 void BatchDeleteRun::setFile(int index, const BatchDeleteFileInfo &file)
 {
     order().setFile(index, file);
-    emit fileChanged(order().id, index, file);
+    emit fileChanged(order().identity(), index, file);
 }
 
 void BatchDeleteRun::note(const QString &text)
 {
     order().note = text;
-    emit orderNoted(order().id, text);
+    emit orderNoted(order().identity(), text);
 }
 
 void BatchDeleteRun::skipOrder(const QString &reason)

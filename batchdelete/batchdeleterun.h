@@ -81,15 +81,15 @@ public:
     int turns() const { return orders_.size(); }
 
 signals:
-    void orderStarted(const QString &orderId);
-    void scanProgress(const QString &orderId, int count);
+    void orderStarted(const OrderIdentity &orderId);
+    void scanProgress(const OrderIdentity &orderId, int count);
     /// The order's files from now on: what the service has yet to be told of when the order is
     /// begun, with what is about to be announced when it has been scanned, and whenever many change
     /// at once.
-    void filesListed(const QString &orderId, const QVector<BatchDeleteFileInfo> &files);
-    void fileChanged(const QString &orderId, int index, const BatchDeleteFileInfo &file);
+    void filesListed(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files);
+    void fileChanged(const OrderIdentity &orderId, int index, const BatchDeleteFileInfo &file);
     /// Why the order was skipped, or not finished.
-    void orderNoted(const QString &orderId, const QString &note);
+    void orderNoted(const OrderIdentity &orderId, const QString &note);
     void announcementFailed(const ServiceReply &reply);
     /// The run is over. Not for retries.
     void finished(const DeletionSummary &summary);

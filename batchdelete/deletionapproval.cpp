@@ -70,7 +70,7 @@ void DeletionApproval::ask(const QString &branch, const QStringList &publicRoots
 void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan)
 {
     for (const BatchDeleteOrderInfo &refused : plan.refused) {
-        orders_->change(orders_->rowOf(refused.id),
+        orders_->change(orders_->rowOf(refused.identity()),
                         [&refused](BatchDeleteOrderInfo &order) { order.note = refused.note; });
     }
     if (plan.orders.isEmpty()) {

@@ -3,9 +3,7 @@
 #include "net/formbody.h"
 #include "net/replyfields.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
-#include <QSet>
 
 namespace deletionrequests {
 
@@ -37,18 +35,14 @@ FormBody accountBody(const orderqueries::Identity &identity, const QString &orde
 
 } // namespace
 
-OrderList readOrders(const QJsonObject &reply)
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    const QJsonValue data = reply.value(QLatin1String("data"));
-    OrderList list{data.isArray(), data.toArray().size(), {}, {}};
-    QSet<QString> ids{QString()};
-    const auto elements = reply::objects(reply, QStringLiteral("data"));
-    for (const QJsonObject &element : elements) {
-        const BatchDeleteOrderInfo order = readOrder(element);
-        (ids.contains(order.id) ? list.unlisted : list.orders).append(order);
-        ids.insert(order.id);
-    }
-    return list;
+    return orderqueries::readOrderList<BatchDeleteOrderInfo>(
+        reply, [&branch](const QJsonObject &element) {
+            BatchDeleteOrderInfo order = readOrder(element);
+            order.branch = branch.id;
+            return order;
+        });
 }
 
 QByteArray announceBody(const orderqueries::Identity &identity, const QString &orderPhotoId,

@@ -14,18 +14,10 @@ namespace deletionrequests {
 inline const QString announceAction = QStringLiteral("&m=order&a=delete_pic_before");
 inline const QString reportAction = QStringLiteral("&m=order&a=delete_pic_after");
 
-/// What a search found.
-struct OrderList
-{
-    bool isList = false; ///< false: the reply carries no list at all
-    int elements = 0;    ///< how many the service listed, usable or not
-    QVector<BatchDeleteOrderInfo> orders;
-    /// Those that nothing tells from the others: what lies in their folders is theirs all the same.
-    QVector<BatchDeleteOrderInfo> unlisted;
-};
+using OrderList = orderqueries::OrderList<BatchDeleteOrderInfo>;
 
-/// Reads a search reply. Elements without an id are unlisted, as are repetitions of one.
-OrderList readOrders(const QJsonObject &reply);
+/// Reads a reply to a search in \a branch.
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 /// Which files are about to be deleted. Takes a while for an order of many files.
 QByteArray announceBody(const orderqueries::Identity &identity, const QString &orderPhotoId,

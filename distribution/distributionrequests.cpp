@@ -115,15 +115,13 @@ QString keywordOf(const OrderSearch &search)
     }
 }
 
-QVector<OrderData> readOrders(const QJsonObject &reply)
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    QVector<OrderData> orders;
-    const auto elements =
-        reply::identifiedObjects(reply, QStringLiteral("data"), QStringLiteral("order_photo_id"));
-    orders.reserve(elements.size());
-    for (const QJsonObject &element : elements)
-        orders.append(readOrder(element));
-    return orders;
+    return orderqueries::readOrderList<OrderData>(reply, [&branch](const QJsonObject &element) {
+        OrderData order = readOrder(element);
+        order.branch = branch.id;
+        return order;
+    });
 }
 
 } // namespace distributionrequests

@@ -30,8 +30,9 @@ QString searchTypeText(int type);
 /// What is searched for: the text, or the date that the type looks at.
 QString keywordOf(const orderqueries::OrderSearch &search);
 
-/// The orders of a search reply. Elements without a photo set cannot be distributed and are left
-/// out, as are repetitions of one.
-QVector<OrderData> readOrders(const QJsonObject &reply);
+using OrderList = orderqueries::OrderList<OrderData>;
+
+/// Reads a reply to a search in \a branch.
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 } // namespace distributionrequests

@@ -153,8 +153,16 @@ void DistributionRun::startNextOrder()
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
     announceStep();
-    const OrderIdentity order{settings_.identity.shopId, current().id, current().orderPhotoId};
-    const auto conflict = ordersatwork::claim({order}, cardName(settings_.type), &claim_);
+    if (!orderqueries::mayWorkOn(current().identity(), settings_.identity)) {
+        skipOrder(orderqueries::otherBranchText(current().displayNumber()));
+        return;
+    }
+    if (current().orderPhotoId.isEmpty()) {
+        skipOrder(QStringLiteral("订单没有照片编号"));
+        return;
+    }
+    const auto conflict =
+        ordersatwork::claim({current().identity()}, cardName(settings_.type), &claim_);
     if (conflict) {
         skipOrder(ordersatwork::refusal(current().displayNumber(), conflict->tool));
         return;

@@ -266,7 +266,10 @@ void FJLeftPanel::onOrderList(const ServiceReply &reply)
         return;
     }
     onProcessor(
-        this, [object = reply.object] { return distributionrequests::readOrders(object); },
+        this,
+        [object = reply.object, branch = branch_.searchedBranch()] {
+            return distributionrequests::readOrders(object, branch).orders;
+        },
         reading_.only([this](const QVector<OrderData> &orders) {
             end();
             const QString nothingFound = QStringLiteral("未检索到订单");

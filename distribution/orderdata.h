@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/context/orderidentity.h"
 #include "distribution/orderdetail.h"
 
 #include <QMetaType>
@@ -10,6 +11,7 @@
 /// because the service sends text; paths are in wire form.
 struct OrderData
 {
+    QString branch; ///< id of the shop under which the order was listed
     QString id;
     QString orderPhotoId; ///< id of the order's photo set
     QString orderPayForKey;
@@ -34,6 +36,7 @@ struct OrderData
     QVector<DetailPhoto> images11;
     QVector<DetailPhoto> images10;
 
+    OrderIdentity identity() const { return {branch, id, orderPhotoId}; }
     /// The number users know the order by, with its service: "TS10001-服务1".
     QString displayNumber() const
     {

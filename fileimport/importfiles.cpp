@@ -145,33 +145,37 @@ void ImportFiles::connectRun()
     const ImportRun *run = run_.get();
     connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
     connect(run, &ImportRun::filesChanged, this,
-            [this](const QString &orderId, const QVector<ImportFile> &files) {
+            [this](const OrderIdentity &orderId, const QVector<ImportFile> &files) {
                 orders_.change(orders_.rowOf(orderId),
                                [&files](ImportOrder &order) { order.files = files; });
                 if (orderId == shownOrderId_)
                     files_.setFiles(files);
             });
     connect(run, &ImportRun::orderActivityChanged, this,
-            [this](const QString &orderId, bool importing) {
+            [this](const OrderIdentity &orderId, bool importing) {
                 const int row = orders_.rowOf(orderId);
                 // Told after every file; the row is announced only when something is new.
                 if (orders_.hasRow(row) && orders_.order(row).importing != importing)
                     orders_.change(
                         row, [importing](ImportOrder &order) { order.importing = importing; });
             });
-    connect(run, &ImportRun::orderStarted, this, [this](const QString &orderId) {
+    connect(run, &ImportRun::orderStarted, this, [this](const OrderIdentity &orderId) {
         if (orders_.hasRow(orders_.rowOf(orderId)))
             emit startImportFiles(orders_.order(orders_.rowOf(orderId)));
     });
     connect(run, &ImportRun::orderRegistered, this, &ImportFiles::onOrderRegistered);
-    connect(run, &ImportRun::orderLeftUnregistered, this, [this](const QString &orderId) {
+    connect(run, &ImportRun::orderLeftUnregistered, this, [this](const OrderIdentity &orderId) {
         orders_.change(orders_.rowOf(orderId),
                        [](ImportOrder &order) { order.unregistered = true; });
     });
     connect(run, &ImportRun::switchedOff, this, [this] { setImporting(false); });
     connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit);
     connect(run, &ImportRun::mismatchFound, this,
-            [this](const QString &, const BoxText &notice) { MessageBox::warning(this, notice); });
+            [this](const OrderIdentity &, const BoxText &notice) {
+                MessageBox::warning(this, notice);
+            });
+    connect(run, &ImportRun::orderRefused, this,
+            [this](const QString &text) { MessageBox::warning(this, text); });
     connect(run, &ImportRun::allImported, this,
             [this] { MessageBox::information(this, QStringLiteral("导入完成！")); });
     connect(run, &ImportRun::tasksEnded, this, &ImportFiles::finishClosingWhenIdle);
@@ -255,8 +259,8 @@ void ImportFiles::reqOrderList()
 void ImportFiles::onOrderList(const ServiceReply &reply)
 {
     finder_->readReply(
-        [object = reply.object, publicPath = branch_.publicPath()] {
-            return importrequests::readOrders(object, publicPath);
+        [object = reply.object, branch = branch_.searchedBranch()] {
+            return importrequests::readOrders(object, branch);
         },
         [this](const importrequests::OrderList &list) { showSearchResult(list); });
 }
@@ -286,17 +290,16 @@ void ImportFiles::onOrderTableSelectionChanged()
 {
     const int row = panel_->selectedRow();
     if (!orders_.hasRow(row)) {
-        shownOrderId_.clear();
+        shownOrderId_ = {};
         files_.clear();
         if (photos_)
             photos_->setOrder({});
         return;
     }
-    shownOrderId_ = orders_.order(row).id;
+    shownOrderId_ = orders_.order(row).identity();
     files_.setFiles(orders_.order(row).files);
     if (photos_) {
-        photos_->setOrder(
-            originalrequests::orderMap(orders_.order(row), branch_.identity().shopId));
+        photos_->setOrder(originalrequests::orderMap(orders_.order(row)));
     }
     emit orderSelectionChanged(orders_.order(row));
 }
@@ -311,7 +314,8 @@ void ImportFiles::onOrderNumberClicked(int row)
 
 bool ImportFiles::mayChangeFiles(int row)
 {
-    const bool busy = importing_ || (orders_.hasRow(row) && run_->isAtWork(orders_.order(row).id));
+    const bool busy =
+        importing_ || (orders_.hasRow(row) && run_->isAtWork(orders_.order(row).identity()));
     if (busy)
         MessageBox::warning(this, importingText());
     return !busy;
@@ -329,7 +333,7 @@ void ImportFiles::onFilesDropped(int row, const QStringList &paths)
 
 void ImportFiles::onFilesChosen(int row)
 {
-    if (orders_.order(row).id == shownOrderId_)
+    if (orders_.order(row).identity() == shownOrderId_)
         files_.setFiles(orders_.order(row).files);
 }
 
@@ -415,7 +419,7 @@ void ImportFiles::refreshProgress()
     panel_->showProgress(progress, rate_);
 }
 
-void ImportFiles::onFileChanged(const QString &orderId, const ImportFile &file)
+void ImportFiles::onFileChanged(const OrderIdentity &orderId, const ImportFile &file)
 {
     const int position = orders_.applyFile(orders_.rowOf(orderId), file);
     if (orderId == shownOrderId_)
@@ -440,7 +444,7 @@ void ImportFiles::onRegisterAgainClicked(int row)
     run_->registerAgain(orders_.order(row), branch_.identity());
 }
 
-void ImportFiles::askForResubmit(const QString &orderId, const QString &question,
+void ImportFiles::askForResubmit(const OrderIdentity &orderId, const QString &question,
                                  const QString &certificateError)
 {
     if (!certificateError.isEmpty())
@@ -451,7 +455,7 @@ void ImportFiles::askForResubmit(const QString &orderId, const QString &question
                         });
 }
 
-void ImportFiles::onOrderRegistered(const QString &orderId, const RegistrationResult &result)
+void ImportFiles::onOrderRegistered(const OrderIdentity &orderId, const RegistrationResult &result)
 {
     orders_.change(orders_.rowOf(orderId), [this, &result](ImportOrder &order) {
         order.unregistered = false;

@@ -79,10 +79,10 @@ private:
     void abandonSearch();
     void onFilesChosen(int row);
 
-    void onFileChanged(const QString &orderId, const ImportFile &file);
-    void askForResubmit(const QString &orderId, const QString &question,
+    void onFileChanged(const OrderIdentity &orderId, const ImportFile &file);
+    void askForResubmit(const OrderIdentity &orderId, const QString &question,
                         const QString &certificateError);
-    void onOrderRegistered(const QString &orderId, const RegistrationResult &result);
+    void onOrderRegistered(const OrderIdentity &orderId, const RegistrationResult &result);
     void onRegisterAgainClicked(int row);
     void setImporting(bool importing);
     void refreshProgress();
@@ -91,7 +91,7 @@ private:
     ImportMode mode_ = ImportMode::Originals;
     bool importing_ = false;
     bool opened_ = false;
-    QString shownOrderId_;
+    OrderIdentity shownOrderId_;
 
     ImportOrderTableModel orders_;
     ImportFileTableModel files_;

@@ -106,9 +106,10 @@ int ImportOrderPanel::selectedRow() const
 void ImportOrderPanel::keepPlaceWhile(const std::function<void()> &change)
 {
     rows_->keepPlaceWhile(
-        change,
-        {[this](int row) { return model_->hasRow(row) ? model_->order(row).id : QString(); },
-         [this](const QString &id) { return model_->rowOf(id); }});
+        change, {[this](int row) {
+                     return model_->hasRow(row) ? model_->order(row).identity() : OrderIdentity();
+                 },
+                 [this](const OrderIdentity &order) { return model_->rowOf(order); }});
 }
 
 void ImportOrderPanel::setColumnWidths()

@@ -54,7 +54,7 @@ void ImportOrderTableModel::setOrders(const QVector<ImportOrder> &orders)
     orders_ = orders;
     rows_.clear();
     for (int row = 0; row < orders_.size(); ++row)
-        rows_.insert(orders_.at(row).id, row);
+        rows_.insert(orders_.at(row).identity(), row);
     endResetModel();
 }
 

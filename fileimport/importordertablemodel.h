@@ -43,7 +43,7 @@ public:
     bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
     const ImportOrder &order(int row) const { return orders_.at(row); }
     /// Position of the order; -1 when it is not listed.
-    int rowOf(const QString &orderId) const { return rows_.value(orderId, -1); }
+    int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
 
     /// Applies \a edit to one order and announces its row. Rows out of range are ignored.
     void change(int row, const std::function<void(ImportOrder &)> &edit);
@@ -59,5 +59,5 @@ public:
 
 private:
     QVector<ImportOrder> orders_;
-    QHash<QString, int> rows_; ///< by order id
+    QHash<OrderIdentity, int> rows_;
 };

@@ -22,13 +22,13 @@ QString namesAsJson(const QVector<FolderEntry> &entries)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-ImportOrder readOrder(const QJsonObject &element)
+ImportOrder readOrder(const QJsonObject &element, const orderqueries::SearchedBranch &branch)
 {
     const auto count = [&element](const char *key) {
         return reply::number(element, QString::fromLatin1(key));
     };
     ImportOrder order;
-    static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element);
+    static_cast<orderqueries::OrderInfo &>(order) = orderqueries::readOrderInfo(element, branch);
     reply::readTexts(element, &order,
                      {{"comboname", &ImportOrder::comboName},
                       {"sampledate", &ImportOrder::sampleDate},
@@ -45,6 +45,7 @@ ImportOrder readOrder(const QJsonObject &element)
     for (const orderqueries::PhotoEntry &photo : qAsConst(order.images))
         order.selectedNames.append(photo.imgName);
     order.importPath = order.netPath;
+    order.importPublicPath = branch.publicPath;
     return order;
 }
 
@@ -92,22 +93,18 @@ Differences differencesOf(ImportMode mode, const BatchReply &reply)
 
 } // namespace
 
-OrderList readOrders(const QJsonObject &reply, const QString &publicPath)
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    const QJsonValue data = reply.value(QLatin1String("data"));
-    OrderList list{data.isArray(), data.toArray().size(), {}};
     const QString openypml = reply::text(reply, QStringLiteral("openypml"));
     const QString delyp = reply::text(reply, QStringLiteral("delyp"));
-    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
-    for (const QJsonObject &element : elements) {
-        ImportOrder order = readOrder(element);
+    int row = 0;
+    return orderqueries::readOrderList<ImportOrder>(reply, [&](const QJsonObject &element) {
+        ImportOrder order = readOrder(element, branch);
         order.openypml = openypml;
         order.delyp = delyp;
-        order.importPublicPath = publicPath;
-        order.rowIndex = list.orders.size();
-        list.orders.append(order);
-    }
-    return list;
+        order.rowIndex = row++;
+        return order;
+    });
 }
 
 QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderContents &contents,

@@ -39,17 +39,10 @@ struct BatchReply
     QStringList serverRawImages;
 };
 
-/// What a search found.
-struct OrderList
-{
-    bool isList = false; ///< false: the reply carries no list at all
-    int elements = 0;    ///< how many the service listed, usable or not
-    QVector<ImportOrder> orders;
-};
+using OrderList = orderqueries::OrderList<ImportOrder>;
 
-/// Reads a search reply. Elements without an id cannot be imported into and are left out, as are
-/// repetitions of one. \a publicPath is the branch's public import root.
-OrderList readOrders(const QJsonObject &reply, const QString &publicPath);
+/// Reads a reply to a search in \a branch.
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderContents &contents,
                      const orderqueries::Identity &identity);

@@ -41,17 +41,25 @@ bool ImportRun::start(const QVector<ImportOrder> &orders, const orderqueries::Id
     if (isRunning())
         return false;
     for (const ImportOrder &order : orders) {
-        if (!order.hasUnfinishedFile())
+        if (!order.hasUnfinishedFile() || refuses(order, identity))
             continue;
-        sequence_.append(order.id);
-        orders_.insert(order.id, order);
+        sequence_.append(order.identity());
+        orders_.insert(order.identity(), order);
     }
     if (sequence_.isEmpty())
         return false;
     identity_ = identity;
-    current_.clear();
+    current_ = {};
     startNextOrder();
     return true;
+}
+
+bool ImportRun::refuses(const ImportOrder &order, const orderqueries::Identity &identity)
+{
+    const bool refused = !orderqueries::mayWorkOn(order.identity(), identity);
+    if (refused)
+        emit orderRefused(orderqueries::otherBranchText(order.displayName()));
+    return refused;
 }
 
 void ImportRun::startNextOrder()
@@ -68,7 +76,7 @@ void ImportRun::startNextOrder()
     emit allImported();
 }
 
-void ImportRun::startOrder(const QString &orderId)
+void ImportRun::startOrder(const OrderIdentity &orderId)
 {
     current_ = orderId;
     pending_.clear();
@@ -96,7 +104,7 @@ void ImportRun::feedPool()
         startTask(current_, pending_.takeLast());
 }
 
-void ImportRun::startTask(const QString &orderId, int fileIndex)
+void ImportRun::startTask(const OrderIdentity &orderId, int fileIndex)
 {
     ImportFile file = orderOf(orderId).files.at(fileIndex);
     file.fileIndex = fileIndex;
@@ -164,7 +172,7 @@ void ImportRun::afterLastTask()
     emit tasksEnded();
 }
 
-void ImportRun::storeResult(const QString &orderId, const ImportFile &file)
+void ImportRun::storeResult(const OrderIdentity &orderId, const ImportFile &file)
 {
     ImportOrder &order = orders_[orderId];
     order.applyResult(file);
@@ -173,7 +181,7 @@ void ImportRun::storeResult(const QString &orderId, const ImportFile &file)
     emit fileChanged(orderId, file);
 }
 
-void ImportRun::afterResult(const QString &orderId, const ImportFile &file)
+void ImportRun::afterResult(const OrderIdentity &orderId, const ImportFile &file)
 {
     if (file.state == ImportFile::Imported && file.fileIndex == 0)
         upImportOrderPath(orderOf(orderId));
@@ -199,7 +207,7 @@ void ImportRun::upImportOrderPath(const ImportOrder &order)
                 });
 }
 
-void ImportRun::importNextOrder(const QString &orderId)
+void ImportRun::importNextOrder(const OrderIdentity &orderId)
 {
     const ImportOrder order = orders_.value(orderId);
     qDebug() << "获取导的文件数量是：" << order.files.size() << " -- " << order.rowIndex;
@@ -215,7 +223,7 @@ void ImportRun::importNextOrder(const QString &orderId)
     registration->start();
 }
 
-void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &result)
+void ImportRun::onRegistered(const OrderIdentity &orderId, const RegistrationResult &result)
 {
     const ImportOrder order = orders_.value(orderId);
     dropRegistration(orderId);
@@ -236,7 +244,8 @@ void ImportRun::onRegistered(const QString &orderId, const RegistrationResult &r
         startNextOrder();
 }
 
-void ImportRun::failMismatched(const QString &orderId, const importrequests::BatchReply &reply)
+void ImportRun::failMismatched(const OrderIdentity &orderId,
+                               const importrequests::BatchReply &reply)
 {
     ImportOrder &order = orders_[orderId];
     const QVector<int> positions = importrequests::mismatchedFiles(mode_, order, reply);
@@ -248,20 +257,20 @@ void ImportRun::failMismatched(const QString &orderId, const importrequests::Bat
         emit filesChanged(orderId, order.files);
 }
 
-void ImportRun::dropRegistration(const QString &orderId)
+void ImportRun::dropRegistration(const OrderIdentity &orderId)
 {
     if (OrderRegistration *registration = registrations_.take(orderId))
         registration->deleteLater();
 }
 
-void ImportRun::leaveUnregistered(const QString &orderId)
+void ImportRun::leaveUnregistered(const OrderIdentity &orderId)
 {
     dropRegistration(orderId);
     orders_[orderId].unregistered = true;
     emit orderLeftUnregistered(orderId);
 }
 
-void ImportRun::answerResubmit(const QString &orderId, bool again)
+void ImportRun::answerResubmit(const OrderIdentity &orderId, bool again)
 {
     OrderRegistration *registration = registrations_.value(orderId);
     if (!registration || !registration->hasFailed())
@@ -275,7 +284,7 @@ void ImportRun::answerResubmit(const QString &orderId, bool again)
 void ImportRun::stopAllImports()
 {
     qDebug().noquote() << QStringLiteral("停止所有导入任务，当前任务数: %1").arg(tasks_.size());
-    QSet<QString> stopped;
+    QSet<OrderIdentity> stopped;
     if (isRunning())
         stopped.insert(current_);
     pending_.clear();
@@ -290,10 +299,10 @@ void ImportRun::stopAllImports()
     }
     const bool hadTasks = !tasks_.isEmpty();
     tasks_ = running;
-    const QStringList registering = registrations_.keys();
-    stopped += QSet<QString>(registering.cbegin(), registering.cend());
+    const QList<OrderIdentity> registering = registrations_.keys();
+    stopped += QSet<OrderIdentity>(registering.cbegin(), registering.cend());
     switchOff();
-    for (const QString &orderId : qAsConst(stopped)) {
+    for (const OrderIdentity &orderId : qAsConst(stopped)) {
         if (isRegistering(orderId) || orderOf(orderId).unregistered)
             leaveUnregistered(orderId);
         tellActivity(orderId);
@@ -312,7 +321,7 @@ void ImportRun::switchOff()
     if (!isRunning())
         return;
     sequence_.clear();
-    current_.clear();
+    current_ = {};
     pending_.clear();
     emit switchedOff();
 }
@@ -320,59 +329,61 @@ void ImportRun::switchOff()
 void ImportRun::retry(const ImportOrder &order, int fileIndex,
                       const orderqueries::Identity &identity)
 {
-    if (fileIndex < 0 || fileIndex >= order.files.size() || isLive(order.id, fileIndex))
+    if (fileIndex < 0 || fileIndex >= order.files.size() || isLive(order.identity(), fileIndex) ||
+        refuses(order, identity))
         return;
     qDebug() << "重新导入文件:" << order.files.at(fileIndex).sourcePath;
     if (!isRunning())
         identity_ = identity;
-    ImportOrder &own = orders_[order.id];
+    ImportOrder &own = orders_[order.identity()];
     const bool unregistered = own.unregistered; // others of its files may be done already
     own = order;
     own.unregistered |= unregistered;
     ImportFile &file = own.files[fileIndex];
     file.state = ImportFile::Waiting;
     file.message.clear();
-    emit fileChanged(order.id, file);
-    startTask(order.id, fileIndex);
-    tellActivity(order.id);
+    emit fileChanged(order.identity(), file);
+    startTask(order.identity(), fileIndex);
+    tellActivity(order.identity());
 }
 
 void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Identity &identity)
 {
-    if (registrations_.contains(order.id) || isCopying(order.id))
+    if (registrations_.contains(order.identity()) || isCopying(order.identity()) ||
+        refuses(order, identity))
         return;
     if (!isRunning())
         identity_ = identity;
-    orders_.insert(order.id, order);
-    importNextOrder(order.id);
+    orders_.insert(order.identity(), order);
+    importNextOrder(order.identity());
 }
 
-void ImportRun::tellActivity(const QString &orderId)
+void ImportRun::tellActivity(const OrderIdentity &orderId)
 {
     emit orderActivityChanged(orderId,
                               hasTasks(orderId) || (isCurrent(orderId) && !pending_.isEmpty()));
 }
 
-bool ImportRun::isAtWork(const QString &orderId) const
+bool ImportRun::isAtWork(const OrderIdentity &orderId) const
 {
     return hasTasks(orderId) || sequence_.contains(orderId) || isRegistering(orderId);
 }
 
-bool ImportRun::isLive(const QString &orderId, int fileIndex) const
+bool ImportRun::isLive(const OrderIdentity &orderId, int fileIndex) const
 {
     return std::any_of(tasks_.cbegin(), tasks_.cend(), [&](const Task &task) {
         return !task.abandoned && task.fileIndex == fileIndex && task.orderId == orderId;
     });
 }
 
-bool ImportRun::isCopying(const QString &orderId) const
+bool ImportRun::isCopying(const OrderIdentity &orderId) const
 {
     return std::any_of(tasks_.cbegin(), tasks_.cend(), [&orderId](const Task &task) {
         return !task.abandoned && task.orderId == orderId;
     });
 }
 
-bool ImportRun::hasTasks(const QString &orderId) const
+bool ImportRun::hasTasks(const OrderIdentity &orderId) const
 {
     return std::any_of(tasks_.cbegin(), tasks_.cend(),
                        [&orderId](const Task &task) { return task.orderId == orderId; });
@@ -381,14 +392,14 @@ bool ImportRun::hasTasks(const QString &orderId) const
 TransferProgress ImportRun::progress() const
 {
     TransferProgress progress;
-    QStringList counted = sequence_;
+    QVector<OrderIdentity> counted = sequence_;
     if (counted.isEmpty()) {
         for (const Task &task : tasks_) {
             if (!counted.contains(task.orderId))
                 counted.append(task.orderId);
         }
     }
-    for (const QString &orderId : qAsConst(counted)) {
+    for (const OrderIdentity &orderId : qAsConst(counted)) {
         const auto order = orders_.constFind(orderId);
         if (order == orders_.cend())
             continue;

@@ -46,13 +46,16 @@ public:
     /// Registers an order whose files are copied but which the service was not told of.
     void registerAgain(const ImportOrder &order, const orderqueries::Identity &identity);
     /// The answer to resubmitNeeded(): try again, or stop the import.
-    void answerResubmit(const QString &orderId, bool again);
+    void answerResubmit(const OrderIdentity &orderId, bool again);
 
     /// Whether the order belongs to the run, or any of its files is still being copied (after a
     /// stop too), or it is being registered.
-    bool isAtWork(const QString &orderId) const;
+    bool isAtWork(const OrderIdentity &orderId) const;
     /// Whether a registration of the order is under way or waits for answerResubmit().
-    bool isRegistering(const QString &orderId) const { return registrations_.contains(orderId); }
+    bool isRegistering(const OrderIdentity &orderId) const
+    {
+        return registrations_.contains(orderId);
+    }
     bool isRunning() const { return !sequence_.isEmpty(); }
     bool hasLiveTasks() const { return !tasks_.isEmpty(); }
     /// Whether anything goes on that a new search would pull the ground from under.
@@ -61,21 +64,24 @@ public:
     TransferProgress progress() const;
 
 signals:
-    void orderStarted(const QString &orderId);
+    /// The order belongs to another branch than that in whose name it was to be imported; nothing
+    /// is done for it. \a text is what to tell the user.
+    void orderRefused(const QString &text);
+    void orderStarted(const OrderIdentity &orderId);
     /// A file changed its state or message.
-    void fileChanged(const QString &orderId, const ImportFile &file);
+    void fileChanged(const OrderIdentity &orderId, const ImportFile &file);
     /// Whether files of the order are being copied, or about to be; told after every file.
-    void orderActivityChanged(const QString &orderId, bool importing);
+    void orderActivityChanged(const OrderIdentity &orderId, bool importing);
     /// Several files changed at once.
-    void filesChanged(const QString &orderId, const QVector<ImportFile> &files);
-    void orderRegistered(const QString &orderId, const RegistrationResult &result);
+    void filesChanged(const OrderIdentity &orderId, const QVector<ImportFile> &files);
+    void orderRegistered(const OrderIdentity &orderId, const RegistrationResult &result);
     /// The files are copied, but the service was not told.
-    void orderLeftUnregistered(const QString &orderId);
+    void orderLeftUnregistered(const OrderIdentity &orderId);
     /// What the service found differs from what was announced: the files concerned have failed, and
     /// the run is over.
-    void mismatchFound(const QString &orderId, const BoxText &notice);
+    void mismatchFound(const OrderIdentity &orderId, const BoxText &notice);
     /// Ask \a question and call answerResubmit().
-    void resubmitNeeded(const QString &orderId, const QString &question,
+    void resubmitNeeded(const OrderIdentity &orderId, const QString &question,
                         const QString &certificateError);
     /// Every order of the run is imported.
     void allImported();
@@ -88,43 +94,50 @@ private:
     struct Task
     {
         std::shared_ptr<ImportFileCopyRunnable> runnable;
-        QString orderId;
+        OrderIdentity orderId;
         int fileIndex = 0;
         bool abandoned = false; ///< stopped: its result changes its own file and nothing else
     };
 
+    bool refuses(const ImportOrder &order, const orderqueries::Identity &identity);
     void startNextOrder();
-    void startOrder(const QString &orderId);
+    void startOrder(const OrderIdentity &orderId);
     void feedPool();
-    void startTask(const QString &orderId, int fileIndex);
+    void startTask(const OrderIdentity &orderId, int fileIndex);
     void onFileCopyFinished(ImportFileCopyRunnable *runnable, const ImportFile &file);
     void onFileCopyCancelled(ImportFileCopyRunnable *runnable, const ImportFile &file);
     Task takeTask(ImportFileCopyRunnable *runnable);
     void afterLastTask();
-    void storeResult(const QString &orderId, const ImportFile &file);
-    void afterResult(const QString &orderId, const ImportFile &file);
+    void storeResult(const OrderIdentity &orderId, const ImportFile &file);
+    void afterResult(const OrderIdentity &orderId, const ImportFile &file);
     void upImportOrderPath(const ImportOrder &order);
-    void importNextOrder(const QString &orderId);
-    void onRegistered(const QString &orderId, const RegistrationResult &result);
-    void failMismatched(const QString &orderId, const importrequests::BatchReply &reply);
-    void dropRegistration(const QString &orderId);
-    void leaveUnregistered(const QString &orderId);
+    void importNextOrder(const OrderIdentity &orderId);
+    void onRegistered(const OrderIdentity &orderId, const RegistrationResult &result);
+    void failMismatched(const OrderIdentity &orderId, const importrequests::BatchReply &reply);
+    void dropRegistration(const OrderIdentity &orderId);
+    void leaveUnregistered(const OrderIdentity &orderId);
     void switchOff();
-    void tellActivity(const QString &orderId);
-    const ImportOrder &orderOf(const QString &orderId) const { return *orders_.constFind(orderId); }
-    bool isCurrent(const QString &orderId) const { return isRunning() && orderId == current_; }
-    bool isLive(const QString &orderId, int fileIndex) const;
-    bool isCopying(const QString &orderId) const;
-    bool hasTasks(const QString &orderId) const;
+    void tellActivity(const OrderIdentity &orderId);
+    const ImportOrder &orderOf(const OrderIdentity &orderId) const
+    {
+        return *orders_.constFind(orderId);
+    }
+    bool isCurrent(const OrderIdentity &orderId) const
+    {
+        return isRunning() && orderId == current_;
+    }
+    bool isLive(const OrderIdentity &orderId, int fileIndex) const;
+    bool isCopying(const OrderIdentity &orderId) const;
+    bool hasTasks(const OrderIdentity &orderId) const;
 
     ImportMode mode_;
     orderqueries::Identity identity_;
-    QHash<QString, ImportOrder> orders_; ///< by order id
-    QStringList sequence_;               ///< the run's orders; empty while there is no run
-    QString current_;                    ///< the run's order being copied or registered
-    QVector<int> pending_;               ///< file indexes of the current order, last one first
+    QHash<OrderIdentity, ImportOrder> orders_;
+    QVector<OrderIdentity> sequence_; ///< the run's orders; empty while there is no run
+    OrderIdentity current_;           ///< the run's order being copied or registered
+    QVector<int> pending_;            ///< file indexes of the current order, last one first
     QVector<Task> tasks_;
-    QHash<QString, OrderRegistration *> registrations_; ///< by order id
+    QHash<OrderIdentity, OrderRegistration *> registrations_;
     WorkerPool pool_;
     QTimer stopTimer_; ///< reports tasks that outlast a stop
 };

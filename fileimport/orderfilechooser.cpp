@@ -72,7 +72,7 @@ void OrderFileChooser::choose(int row)
     if (!mayChoose(row))
         return;
     // While the dialog stands a search may end and put another order into this row.
-    const QString orderId = orders_->order(row).id;
+    const OrderIdentity orderId = orders_->order(row).identity();
     const QStringList paths =
         FileDialog::openFiles(window_, QStringLiteral("选择要导入的文件"),
                               importrules::dialogFilter(mode_), QStringLiteral("import"));
@@ -90,14 +90,15 @@ void OrderFileChooser::take(int row, const QStringList &paths)
         [paths, filter = importrules::dialogFilter(mode_)] {
             return chosenfiles::expandDrop(paths, filter);
         },
-        look_.only(
-            [this, orderId = orders_->order(row).id](const chosenfiles::DropContents &contents) {
-                overlay_->hideOverlay();
-                onExpanded(orderId, contents);
-            }));
+        look_.only([this, orderId = orders_->order(row).identity()](
+                       const chosenfiles::DropContents &contents) {
+            overlay_->hideOverlay();
+            onExpanded(orderId, contents);
+        }));
 }
 
-void OrderFileChooser::onExpanded(const QString &orderId, const chosenfiles::DropContents &contents)
+void OrderFileChooser::onExpanded(const OrderIdentity &orderId,
+                                  const chosenfiles::DropContents &contents)
 {
     if (contents.unreadable.isEmpty()) {
         takeExpanded(orderId, contents);
@@ -108,7 +109,7 @@ void OrderFileChooser::onExpanded(const QString &orderId, const chosenfiles::Dro
         [this, orderId, contents] { takeExpanded(orderId, contents); });
 }
 
-void OrderFileChooser::takeExpanded(const QString &orderId,
+void OrderFileChooser::takeExpanded(const OrderIdentity &orderId,
                                     const chosenfiles::DropContents &contents)
 {
     if (contents.files.isEmpty()) {

@@ -49,7 +49,7 @@ signals:
 private:
     struct Choice
     {
-        QString orderId;
+        OrderIdentity orderId;
         QStringList paths; ///< of files
         bool adds = false; ///< to what the order has
     };
@@ -57,8 +57,8 @@ private:
     bool mayChoose(int row);
     /// Row of the choice's order; -1 when it is not listed any more, or may not be changed.
     int rowOf(const Choice &choice) const;
-    void onExpanded(const QString &orderId, const chosenfiles::DropContents &contents);
-    void takeExpanded(const QString &orderId, const chosenfiles::DropContents &contents);
+    void onExpanded(const OrderIdentity &orderId, const chosenfiles::DropContents &contents);
+    void takeExpanded(const OrderIdentity &orderId, const chosenfiles::DropContents &contents);
     void askAboutSharedFolder(const Choice &choice);
     void askAboutReplacing(const Choice &choice);
     void prepare(const Choice &choice);

@@ -41,7 +41,7 @@ PhotoEntry readEntry(const QJsonObject &element, PhotoEntry::Kind kind)
 
 } // namespace
 
-OrderMap orderMap(const ImportOrder &order, const QString &shopId)
+OrderMap orderMap(const ImportOrder &order)
 {
     return {{QStringLiteral("id"), order.id},
             {QStringLiteral("orderid"), order.id},
@@ -53,7 +53,7 @@ OrderMap orderMap(const ImportOrder &order, const QString &shopId)
             {QStringLiteral("comboname"), order.comboName},
             {QStringLiteral("shotdate"), order.shotDateText},
             {QStringLiteral("role1name"), order.role1Name},
-            {QStringLiteral("shopid"), shopId},
+            {QStringLiteral("shopid"), order.branch},
             {QStringLiteral("delyp"), order.delyp},
             {QStringLiteral("importpath"),
              importrules::hasFolder(order) ? importrules::importPathOf(order) : QString()},

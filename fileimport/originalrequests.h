@@ -24,8 +24,7 @@ inline const QString deleteAction = QStringLiteral("&m=order&a=delete_pics");
 /// "importpublicpath".
 using OrderMap = QMap<QString, QString>;
 
-/// \a shopId is the branch that the order was searched in.
-OrderMap orderMap(const ImportOrder &order, const QString &shopId);
+OrderMap orderMap(const ImportOrder &order);
 /// What heads the view while it shows \a order.
 QString title(const OrderMap &order);
 /// Whether the user may delete the order's photos.

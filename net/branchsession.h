@@ -20,6 +20,7 @@ public:
 
     /// Changes only with switched().
     const orderqueries::Identity &identity() const { return identity_; }
+    orderqueries::SearchedBranch searchedBranch() const { return {identity_.shopId, publicPath_}; }
     /// Public import root of the branch, in Windows form; may be empty.
     const QString &publicPath() const { return publicPath_; }
     /// Whether the user may delete the files of whole orders there.

@@ -3,6 +3,10 @@
 #include "net/formbody.h"
 #include "net/replyfields.h"
 
+#include <QHash>
+#include <QJsonArray>
+#include <QSet>
+
 #include <algorithm>
 
 namespace orderqueries {
@@ -122,9 +126,43 @@ QVector<Person> readPersons(const QJsonObject &reply)
     return persons;
 }
 
-OrderInfo readOrderInfo(const QJsonObject &element)
+OrderElements orderElements(const QJsonObject &reply)
+{
+    const QJsonValue data = reply.value(QLatin1String("data"));
+    OrderElements elements{data.isArray(), data.toArray().size(), {}, {}};
+    QHash<OrderIdentity, QSet<QString>> folders; // of what is listed or protected already
+    const auto objects = reply::objects(reply, QStringLiteral("data"));
+    for (const QJsonObject &element : objects) {
+        const OrderIdentity identity{
+            {},
+            reply::text(element, QStringLiteral("id")),
+            reply::text(element, QStringLiteral("order_photo_id")),
+        };
+        const QString folder = reply::text(element, QStringLiteral("netpath"));
+        const bool isNew = !folders.contains(identity);
+        QSet<QString> &known = folders[identity];
+        if (known.contains(folder))
+            continue;
+        known.insert(folder);
+        (isNew && !identity.isEmpty() ? elements.listed : elements.unlisted).append(element);
+    }
+    return elements;
+}
+
+bool mayWorkOn(const OrderIdentity &order, const Identity &who)
+{
+    return order.branch == who.shopId;
+}
+
+QString otherBranchText(const QString &orderName)
+{
+    return QStringLiteral("订单 %1 属于其他分店，请切换到该分店后重新搜索").arg(orderName);
+}
+
+OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch)
 {
     OrderInfo order;
+    order.branch = branch.id;
     reply::readTexts(element, &order,
                      {{"id", &OrderInfo::id},
                       {"order_photo_id", &OrderInfo::orderPhotoId},

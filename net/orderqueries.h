@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/context/accountcontext.h"
+#include "app/context/orderidentity.h"
 #include "files/paths.h"
 
 #include <QByteArray>
@@ -72,9 +73,17 @@ struct PhotoEntry
     QString type;
 };
 
+/// The branch that a search asks: what it finds belongs there.
+struct SearchedBranch
+{
+    QString id;
+    QString publicPath; ///< public import root, in Windows form; may be empty
+};
+
 /// One order of a search reply. Paths are in Windows form.
 struct OrderInfo
 {
+    QString branch; ///< id of the shop under which the order was listed
     QString id;
     QString orderPhotoId;   ///< id of the order's photo set
     QString orderPayForKey; ///< the number users know the order by
@@ -99,6 +108,29 @@ struct OrderInfo
     QString picPathNew;
     QVector<PhotoEntry> images;
     QVector<PhotoEntry> imagesTaipian;
+
+    OrderIdentity identity() const { return {branch, id, orderPhotoId}; }
+};
+
+/// What a search found, as a tool reads it.
+template <typename Order> struct OrderList
+{
+    bool isList = false; ///< false: the reply carries no list at all
+    int elements = 0;    ///< how many the service listed, usable or not
+    QVector<Order> orders;
+    /// Those that nothing tells from the others: they cannot be worked on, but what lies in their
+    /// folders is theirs.
+    QVector<Order> unlisted;
+};
+
+/// The elements of a search reply's list, without those that are no objects and those that repeat
+/// an earlier one, folder and all.
+struct OrderElements
+{
+    bool isList = false;
+    int count = 0; ///< of the list
+    QVector<QJsonObject> listed;
+    QVector<QJsonObject> unlisted; ///< see OrderList
 };
 
 /// The folder into which \a order is imported, in Windows form: \a importPath when it has one,
@@ -118,7 +150,29 @@ QByteArray orderListBody(const OrderSearch &search, const Identity &identity,
 
 ShopSwitch readShopSwitch(const QJsonObject &reply);
 QVector<Person> readPersons(const QJsonObject &reply);
-OrderInfo readOrderInfo(const QJsonObject &element);
+OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch);
+OrderElements orderElements(const QJsonObject &reply);
+
+/// Reads a search reply with \a read, which makes a tool's record of one element. Orders with
+/// thousands of photos take their time.
+template <typename Order, typename Read>
+OrderList<Order> readOrderList(const QJsonObject &reply, Read read)
+{
+    const OrderElements elements = orderElements(reply);
+    OrderList<Order> list{elements.isList, elements.count, {}, {}};
+    list.orders.reserve(elements.listed.size());
+    for (const QJsonObject &element : elements.listed)
+        list.orders.append(read(element));
+    for (const QJsonObject &element : elements.unlisted)
+        list.unlisted.append(read(element));
+    return list;
+}
+
+/// Whether \a who may ask the service for anything about the order: an order is worked on in the
+/// name of its own branch alone.
+bool mayWorkOn(const OrderIdentity &order, const Identity &who);
+/// What to tell of an order for which mayWorkOn() is false.
+QString otherBranchText(const QString &orderName);
 
 /// The shops of a login reply. \a withRules is false for saved login data, whose records carry
 /// none.

@@ -2,7 +2,6 @@
 
 #include <QJsonArray>
 #include <QJsonValue>
-#include <QSet>
 
 #include <cmath>
 
@@ -47,22 +46,6 @@ QStringList texts(const QJsonObject &object, const QString &key, const QString &
         const QString value = text(element, field);
         if (!value.isEmpty())
             found.append(value);
-    }
-    return found;
-}
-
-QVector<QJsonObject> identifiedObjects(const QJsonObject &object, const QString &key,
-                                       const QString &idKey)
-{
-    QVector<QJsonObject> found;
-    QSet<QString> ids;
-    const auto elements = objects(object, key);
-    for (const QJsonObject &element : elements) {
-        const QString id = text(element, idKey);
-        if (id.isEmpty() || ids.contains(id))
-            continue;
-        ids.insert(id);
-        found.append(element);
     }
     return found;
 }

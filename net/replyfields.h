@@ -24,11 +24,6 @@ QVector<QJsonObject> objects(const QJsonObject &object, const QString &key);
 /// The texts of the member \a field of each object in the array member \a key; empty ones left out.
 QStringList texts(const QJsonObject &object, const QString &key, const QString &field);
 
-/// Those objects in an array member that have an id of their own, in the member \a idKey: of
-/// several with the same id the first, and none without.
-QVector<QJsonObject> identifiedObjects(const QJsonObject &object, const QString &key,
-                                       const QString &idKey = QStringLiteral("id"));
-
 /// Reads the named members as text into the record's fields.
 template <typename Record>
 void readTexts(const QJsonObject &object, Record *record,

@@ -13,7 +13,7 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
             &PhotoImportRun::onOrderProgressUpdated);
     connect(&pool_, &tfimportthreadmanager::orderImportCompleted, this,
             [this](const OrderInfo &order) {
-                orders_->setRun(orders_->rowOf(order.id), PhotoOrder::Run::Idle);
+                orders_->setRun(orders_->rowOf(order.identity()), PhotoOrder::Run::Idle);
             });
     // The pool and the registrar must not be called again from within their own signals.
     connect(&pool_, &tfimportthreadmanager::allTasksCompleted, this, &PhotoImportRun::afterStep,
@@ -28,18 +28,19 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
         emit workersEnded();
     });
     connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
-            [this](const QString &orderId, const PhotoInfo &photo) {
+            [this](const OrderIdentity &orderId, const PhotoInfo &photo) {
                 onRegistered(orderId, photo, RegistrationState::Registered, {});
             });
     connect(&registrar_, &PhotoRegistrar::photoRefused, this,
-            [this](const QString &orderId, const PhotoInfo &photo, const QString &reason) {
+            [this](const OrderIdentity &orderId, const PhotoInfo &photo, const QString &reason) {
                 onRegistered(orderId, photo, RegistrationState::Refused, reason);
             });
-    connect(&registrar_, &PhotoRegistrar::orderRegistered, this, [this](const QString &orderId) {
-        orders_->setFolderRefusal(orders_->rowOf(orderId), {});
-    });
+    connect(&registrar_, &PhotoRegistrar::orderRegistered, this,
+            [this](const OrderIdentity &orderId) {
+                orders_->setFolderRefusal(orders_->rowOf(orderId), {});
+            });
     connect(&registrar_, &PhotoRegistrar::orderRefused, this,
-            [this](const QString &orderId, const QString &reason) {
+            [this](const OrderIdentity &orderId, const QString &reason) {
                 orders_->setFolderRefusal(orders_->rowOf(orderId), reason);
             });
 }
@@ -47,7 +48,7 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
 bool PhotoImportRun::isQueuedOrActive(int row) const
 {
     const PhotoOrder &order = orders_->order(row);
-    return order.run != PhotoOrder::Run::Idle || pool_.isQueuedOrActive(order.info.id);
+    return order.run != PhotoOrder::Run::Idle || pool_.isQueuedOrActive(order.identity());
 }
 
 bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes,
@@ -55,11 +56,11 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
 {
     if (!preparing_.isEmpty())
         return false;
+    if (refusesAny(rows, identity))
+        return true;
     QVector<OrderIdentity> wanted;
-    for (const int row : rows) {
-        const OrderInfo &order = orders_->order(row).info;
-        wanted.append({identity.shopId, order.id, order.orderPhotoId});
-    }
+    for (const int row : rows)
+        wanted.append(orders_->order(row).identity());
     const auto conflict = ordersatwork::claim(wanted, QStringLiteral("导片工具"), &claim_);
     if (conflict) {
         const int row = rows.at(wanted.indexOf(conflict->order));
@@ -73,7 +74,7 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
     open_ = true;
     QVector<PhotoOrder> started;
     for (const int row : rows) {
-        const QString id = orders_->order(row).info.id;
+        const OrderIdentity id = orders_->order(row).identity();
         orders_->resetFailedJobs(row, indexes);
         started.append(orders_->order(row));
         orders_->setRun(row, PhotoOrder::Run::Queued);
@@ -93,6 +94,18 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
         start_.only([this](const QList<OrderInfo> &orders) { begin(orders); }));
     emit stateChanged();
     return true;
+}
+
+bool PhotoImportRun::refusesAny(const QVector<int> &rows, const orderqueries::Identity &identity)
+{
+    for (const int row : rows) {
+        const PhotoOrder &order = orders_->order(row);
+        if (orderqueries::mayWorkOn(order.identity(), identity))
+            continue;
+        emit refused(orderqueries::otherBranchText(order.displayName()), {});
+        return true;
+    }
+    return false;
 }
 
 void PhotoImportRun::begin(const QList<OrderInfo> &orders)
@@ -120,7 +133,7 @@ void PhotoImportRun::releaseOrders()
 {
     for (int row = 0; row < orders_->orders().size(); ++row) {
         const PhotoOrder &order = orders_->order(row);
-        const QString id = order.info.id;
+        const OrderIdentity id = order.identity();
         if (order.run == PhotoOrder::Run::Idle || preparing_.contains(id) ||
             pool_.isQueuedOrActive(id))
             continue;
@@ -142,8 +155,8 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
                                      int photoindex, bool success, const QString &errorMsg)
 {
     const PhotoInfo job = orderinfo.photos.value(photoindex);
-    const int index = orders_->applyResult(orderinfo.id, job, success, errorMsg);
-    const int row = orders_->rowOf(orderinfo.id);
+    const int index = orders_->applyResult(orderinfo.identity(), job, success, errorMsg);
+    const int row = orders_->rowOf(orderinfo.identity());
     if (row >= 0 && orders_->order(row).run == PhotoOrder::Run::Queued)
         orders_->setRun(row, PhotoOrder::Run::Active);
     if (success) {
@@ -151,10 +164,10 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
                                   .arg(orderinfo.orderPayForKey, fileName, job.kind,
                                        QString::number(photoindex + 1));
         if (photorequests::isRegistered(orders_->photoMode(), job))
-            orders_->applyRegistration(orderinfo.id, job, RegistrationState::Pending);
+            orders_->applyRegistration(orderinfo.identity(), job, RegistrationState::Pending);
         registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_->photoMode(), identity_);
-        if (!announced_.contains(orderinfo.id)) {
-            announced_.insert(orderinfo.id);
+        if (!announced_.contains(orderinfo.identity())) {
+            announced_.insert(orderinfo.identity());
             registrar_.upImportOrderData(orderinfo, identity_);
         }
     } else {
@@ -163,7 +176,7 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
                                        QString::number(photoindex + 1), errorMsg);
     }
     if (index >= 0)
-        emit fileChanged(orderinfo.id, index);
+        emit fileChanged(orderinfo.identity(), index);
 }
 
 void PhotoImportRun::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
@@ -183,18 +196,20 @@ TransferProgress PhotoImportRun::progress()
 void PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
                                    const orderqueries::Identity &identity)
 {
+    if (refusesAny({row}, identity))
+        return;
     const int mode = orders_->photoMode();
     const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
     if (!orders_->order(row).folderRefusal.isEmpty())
         registrar_.upImportOrderData(order, identity);
     for (int position = 0; position < order.photos.size(); ++position) {
-        onRegistered(order.id, order.photos.at(position), RegistrationState::Pending, {});
+        onRegistered(order.identity(), order.photos.at(position), RegistrationState::Pending, {});
         registrar_.upImportPhotoInfo(order, position, mode, identity);
     }
     emit stateChanged();
 }
 
-void PhotoImportRun::onRegistered(const QString &orderId, const PhotoInfo &photo,
+void PhotoImportRun::onRegistered(const OrderIdentity &orderId, const PhotoInfo &photo,
                                   RegistrationState state, const QString &reason)
 {
     stale_ = true;
@@ -223,7 +238,7 @@ void PhotoImportRun::afterStep()
         open_ = false;
         int failed = 0;
         int unregistered = 0;
-        for (const QString &id : qAsConst(batch_)) {
+        for (const OrderIdentity &id : qAsConst(batch_)) {
             const int row = orders_->rowOf(id);
             if (row < 0)
                 continue;

@@ -17,7 +17,7 @@
 /// knows when all of that has ended. Orders can join while it goes on.
 ///
 /// Lives on the interface thread and never blocks. Rows are positions in the list, which must keep
-/// its orders and their files while isBusy(); results find their file by order id and source path.
+/// its orders and their files while isBusy(); results find their file by order and source path.
 /// Destroying it while hasLiveWorkers() waits for the photos in work.
 class PhotoImportRun : public QObject
 {
@@ -60,10 +60,10 @@ public slots:
 
 signals:
     /// A file's states changed; \a index is its position among the order's files.
-    void fileChanged(const QString &orderId, int index);
+    void fileChanged(const OrderIdentity &orderId, int index);
     /// One of isImporting(), pendingRegistrations() and isBusy() may have changed.
     void stateChanged();
-    /// A start was refused because of the folder \a path (Windows form, may be empty).
+    /// A start was refused, perhaps because of the folder \a path (Windows form, may be empty).
     void refused(const QString &message, const QString &path);
     /// All of the run is imported and registered, or failed to be: so many files, and so many files
     /// and folders of orders.
@@ -74,10 +74,12 @@ signals:
     void workersEnded();
 
 private:
+    /// Orders of another branch are not worked on; the first of them is told by refused().
+    bool refusesAny(const QVector<int> &rows, const orderqueries::Identity &identity);
     void begin(const QList<OrderInfo> &orders);
     void releaseOrders();
     void onStartRefused(const QString &message, const QString &path);
-    void onRegistered(const QString &orderId, const PhotoInfo &photo, RegistrationState state,
+    void onRegistered(const OrderIdentity &orderId, const PhotoInfo &photo, RegistrationState state,
                       const QString &reason);
     void afterStep();
 
@@ -85,11 +87,11 @@ private:
     tfimportthreadmanager pool_;
     PhotoRegistrar registrar_;
     orderqueries::Identity identity_;
-    Latest start_;            ///< that is being prepared
-    QSet<QString> preparing_; ///< orders of that start: their jobs are being made
+    Latest start_;                  ///< that is being prepared
+    QSet<OrderIdentity> preparing_; ///< orders of that start: their jobs are being made
     ordersatwork::Claim claim_;
-    bool open_ = false;       ///< begun, and neither ended nor stopped
-    bool stale_ = false;      ///< something was registered
-    QSet<QString> batch_;     ///< orders of the run
-    QSet<QString> announced_; ///< those whose folder the service was told
+    bool open_ = false;             ///< begun, and neither ended nor stopped
+    bool stale_ = false;            ///< something was registered
+    QSet<OrderIdentity> batch_;     ///< orders of the run
+    QSet<OrderIdentity> announced_; ///< those whose folder the service was told
 };

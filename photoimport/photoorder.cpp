@@ -6,7 +6,6 @@
 #include "widgets/colours.h"
 
 #include <QHash>
-#include <QJsonArray>
 
 #include <algorithm>
 #include <functional>
@@ -78,37 +77,33 @@ static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, int photoMode)
     return imported;
 }
 
-Found readOrders(const QJsonObject &reply, const QString &publicPath)
+Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    const QJsonValue data = reply.value(QLatin1String("data"));
-    Found found{data.isArray(), data.toArray().size(), {}};
     const QString openypml = reply::text(reply, QStringLiteral("openypml"));
     const QString delyp = reply::text(reply, QStringLiteral("delyp"));
-    const auto elements = reply::identifiedObjects(reply, QStringLiteral("data"));
-    for (const QJsonObject &element : elements) {
+    return orderqueries::readOrderList<PhotoOrder>(reply, [&](const QJsonObject &element) {
         PhotoOrder order;
         OrderInfo &info = order.info;
-        static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element);
+        static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element, branch);
         info.openypml = openypml;
         info.delyp = delyp;
-        info.importPublicPath = publicPath;
+        info.importPublicPath = branch.publicPath;
         info.importPath = info.netPath;
         for (int mode = 0; mode < PhotoOrder::modes; ++mode)
             order.importedByMode[std::size_t(mode)] = importedAmong(order, mode);
-        found.orders.append(order);
-    }
-    return found;
+        return order;
+    });
 }
 
 QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found)
 {
-    QHash<QString, int> positions;
+    QHash<OrderIdentity, int> positions;
     for (int index = 0; index < found.size(); ++index)
-        positions.insert(found.at(index).info.id, index);
+        positions.insert(found.at(index).identity(), index);
     QVector<PhotoOrder> kept;
     QVector<PhotoOrder> listed = found;
     for (const PhotoOrder &order : before) {
-        const int position = positions.value(order.info.id, -1);
+        const int position = positions.value(order.identity(), -1);
         if (position >= 0) {
             listed[position].filesByMode = order.filesByMode;
             listed[position].folderRefusal = order.folderRefusal;

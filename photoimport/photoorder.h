@@ -30,6 +30,7 @@ struct PhotoOrder
     {
         return filesByMode[modeIndex(photoMode)];
     }
+    OrderIdentity identity() const { return info.identity(); }
     const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
     const QVector<orderqueries::PhotoEntry> &imported(int photoMode) const
     {
@@ -53,18 +54,10 @@ private:
 
 namespace photoorders {
 
-/// What a search found.
-struct Found
-{
-    bool isList = false;        ///< false: the reply carries no list at all
-    int elements = 0;           ///< how many the service listed, usable or not
-    QVector<PhotoOrder> orders; ///< without files
-};
+using Found = orderqueries::OrderList<PhotoOrder>;
 
-/// Reads a search reply; orders with thousands of photos take their time. Elements without an id
-/// cannot be imported into and are left out, as are repetitions of one. \a publicPath is the
-/// branch's public import root.
-Found readOrders(const QJsonObject &reply, const QString &publicPath);
+/// Reads a reply to a search in \a branch; the orders are without files.
+Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 /// The orders to list after a search: what was found, with the files chosen before; ahead of them
 /// orders that were not found but have files that are not finished.

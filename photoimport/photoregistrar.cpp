@@ -51,7 +51,7 @@ void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, i
     const QString folder = photorules::importFolderOf(order);
     const QString path = photorules::outputPathOf(folder, photo);
     const QString host = shareHostOf(folder, AccountContext::baseUrl);
-    const QString orderId = order.id;
+    const OrderIdentity orderId = order.identity();
     const QString photoSetId = order.orderPhotoId;
 
     const auto finished = [this, orderId, photo](const QString &refusal) {
@@ -86,16 +86,17 @@ void PhotoRegistrar::upImportOrderData(const OrderInfo &order,
 {
     const QString host = shareHostOf(photorules::importFolderOf(order), AccountContext::baseUrl);
     const QByteArray body = photorequests::orderPathBody(order, host, identity);
-    queue_.add([this, body, orderId = order.id](QObject *scope, const RequestQueue::Ended &ended) {
-        callService(scope, photorequests::orderPathAction, body,
-                    [this, ended, orderId](const ServiceReply &reply) {
-                        if (!ended())
-                            return;
-                        const QString refusal = refusalOf(reply);
-                        if (refusal.isEmpty())
-                            emit orderRegistered(orderId);
-                        else
-                            emit orderRefused(orderId, refusal);
-                    });
-    });
+    queue_.add(
+        [this, body, orderId = order.identity()](QObject *scope, const RequestQueue::Ended &ended) {
+            callService(scope, photorequests::orderPathAction, body,
+                        [this, ended, orderId](const ServiceReply &reply) {
+                            if (!ended())
+                                return;
+                            const QString refusal = refusalOf(reply);
+                            if (refusal.isEmpty())
+                                emit orderRegistered(orderId);
+                            else
+                                emit orderRefused(orderId, refusal);
+                        });
+        });
 }

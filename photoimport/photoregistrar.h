@@ -35,11 +35,11 @@ public:
 
 signals:
     /// \a photo is the job as it was handed in.
-    void photoRegistered(const QString &orderId, const PhotoInfo &photo);
+    void photoRegistered(const OrderIdentity &orderId, const PhotoInfo &photo);
     /// \a reason is what to tell the user.
-    void photoRefused(const QString &orderId, const PhotoInfo &photo, const QString &reason);
-    void orderRegistered(const QString &orderId);
-    void orderRefused(const QString &orderId, const QString &reason);
+    void photoRefused(const OrderIdentity &orderId, const PhotoInfo &photo, const QString &reason);
+    void orderRegistered(const OrderIdentity &orderId);
+    void orderRefused(const OrderIdentity &orderId, const QString &reason);
     /// Nothing waits or is under way any more.
     void idle();
 

@@ -30,7 +30,7 @@ void tffilechooser::addFiles(int row)
 {
     if (!mayChange_(row))
         return;
-    const QString id = orders_->order(row).info.id;
+    const OrderIdentity id = orders_->order(row).identity();
     const QStringList paths =
         FileDialog::openFiles(window_, QStringLiteral("选择要导入的文件"),
                               sourceFilter(orders_->photoMode()), QStringLiteral("photoimport"));
@@ -41,7 +41,7 @@ void tffilechooser::addFolder(int row)
 {
     if (!mayChange_(row))
         return;
-    const QString id = orders_->order(row).info.id;
+    const OrderIdentity id = orders_->order(row).identity();
     const QString folder = FileDialog::existingFolder(window_, QStringLiteral("选择要导入的目录"),
                                                       QStringLiteral("photoimport"));
     if (!folder.isEmpty())
@@ -57,13 +57,13 @@ void tffilechooser::take(int row, const QStringList &paths, bool expand)
     onDisk(
         this, paths, [choice] { return describeChoice(choice); },
         choice_.only([this, mode = choice.photoMode,
-                      orderId = orders_->order(row).info.id](const FileChoiceResult &result) {
+                      orderId = orders_->order(row).identity()](const FileChoiceResult &result) {
             overlay_->hideOverlay();
             onDescribed(orderId, mode, result);
         }));
 }
 
-void tffilechooser::onDescribed(const QString &orderId, int photoMode,
+void tffilechooser::onDescribed(const OrderIdentity &orderId, int photoMode,
                                 const FileChoiceResult &result)
 {
     if (result.unreadable.isEmpty()) {
@@ -78,7 +78,7 @@ void tffilechooser::onDescribed(const QString &orderId, int photoMode,
                        });
 }
 
-void tffilechooser::add(const QString &orderId, int photoMode, const FileChoiceResult &result)
+void tffilechooser::add(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result)
 {
     const int row = orders_->rowOf(orderId);
     if (row < 0 || photoMode != orders_->photoMode())

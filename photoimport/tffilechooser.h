@@ -33,11 +33,11 @@ public:
     void cancel();
 
 signals:
-    void filesAdded(const QString &orderId);
+    void filesAdded(const OrderIdentity &orderId);
 
 private:
-    void onDescribed(const QString &orderId, int photoMode, const FileChoiceResult &result);
-    void add(const QString &orderId, int photoMode, const FileChoiceResult &result);
+    void onDescribed(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
+    void add(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
 
     QWidget *window_;
     tforderlistmodel *orders_;

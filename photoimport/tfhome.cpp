@@ -145,7 +145,7 @@ void tfhome::connectPhotos()
         photoPanel_, &tfhomephotos::filesDropped, this,
         [this, shown](const QStringList &paths) { chooser_->take(shown(), paths, true); },
         Qt::QueuedConnection);
-    connect(chooser_, &tffilechooser::filesAdded, this, [this](const QString &orderId) {
+    connect(chooser_, &tffilechooser::filesAdded, this, [this](const OrderIdentity &orderId) {
         if (orderId == shownOrderId_)
             showSelectedOrder();
     });
@@ -196,7 +196,7 @@ void tfhome::connectDeleter()
 {
     connect(deleter_, &tfphotodeleter::asking, this,
             [this] { photoPanel_->thumbnails()->want({}, 0); });
-    connect(deleter_, &tfphotodeleter::answered, this, [this](const QString &orderId) {
+    connect(deleter_, &tfphotodeleter::answered, this, [this](const OrderIdentity &orderId) {
         if (orderId == shownOrderId_)
             showSelectedOrder(); // which asks for the thumbnails that are missing now
         endClosing();
@@ -219,18 +219,18 @@ void tfhome::showSelectedOrder()
 {
     const int row = orderPanel_->table()->selectedOrder();
     if (!orders_.hasRow(row)) {
-        shownOrderId_.clear();
+        shownOrderId_ = {};
         photos_.show(nullptr, orders_.photoMode());
         photoPanel_->showOrder({});
         return;
     }
     const PhotoOrder &order = orders_.order(row);
     const auto show = [&] { photos_.show(&order, orders_.photoMode()); };
-    if (shownOrderId_ == order.info.id)
+    if (shownOrderId_ == order.identity())
         photoPanel_->keepPlaceWhile(show);
     else
         show();
-    shownOrderId_ = order.info.id;
+    shownOrderId_ = order.identity();
     photoPanel_->showOrder(order.displayName());
 }
 
@@ -325,9 +325,9 @@ void tfhome::startAll()
 void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
 {
     const QString question = photoorders::sharedFoldersQuestion(orders_.orders(), rows);
-    QStringList ids;
+    QVector<OrderIdentity> ids;
     for (const int row : rows)
-        ids.append(orders_.order(row).info.id);
+        ids.append(orders_.order(row).identity());
     if (question.isEmpty()) {
         startOrders(ids, indexes);
         return;
@@ -340,10 +340,10 @@ void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
 }
 
 /// Those that are still listed.
-void tfhome::startOrders(const QStringList &ids, const QVector<int> &indexes)
+void tfhome::startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes)
 {
     QVector<int> present;
-    for (const QString &id : ids) {
+    for (const OrderIdentity &id : ids) {
         const int row = orders_.rowOf(id);
         if (row >= 0 && !run_.isQueuedOrActive(row))
             present.append(row);
@@ -382,7 +382,7 @@ void tfhome::refreshState()
         progressTimer_.start();
 }
 
-void tfhome::showFile(const QString &orderId, int index)
+void tfhome::showFile(const OrderIdentity &orderId, int index)
 {
     if (orderId == shownOrderId_)
         photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));

@@ -53,10 +53,10 @@ private:
     void startAll();
     /// \a indexes: files of the one row; all of every row when empty.
     void start(const QVector<int> &rows, const QVector<int> &indexes = {});
-    void startOrders(const QStringList &ids, const QVector<int> &indexes);
+    void startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes);
     void retry(const QVector<int> &photoRows);
     void refreshState();
-    void showFile(const QString &orderId, int index);
+    void showFile(const OrderIdentity &orderId, int index);
     void announceEnd(int failed, int unregistered);
     void tell(const QString &problem);
 
@@ -67,7 +67,7 @@ private:
     void endClosing();
 
     bool opened_ = false;
-    QString shownOrderId_;
+    OrderIdentity shownOrderId_;
 
     tforderlistmodel orders_;
     tfphotolistmodel photos_;

@@ -133,8 +133,8 @@ void tfhomeorders::refreshImportCounts()
 void tfhomeorders::onOrderList(const ServiceReply &reply)
 {
     finder_->readReply(
-        [object = reply.object, publicPath = branch_.publicPath()] {
-            return photoorders::readOrders(object, publicPath);
+        [object = reply.object, branch = branch_.searchedBranch()] {
+            return photoorders::readOrders(object, branch);
         },
         [this](const photoorders::Found &found) { takeOrders(found); });
 }
@@ -158,8 +158,8 @@ void tfhomeorders::takeOrders(const photoorders::Found &found)
 void tfhomeorders::onRefreshed(const ServiceReply &reply)
 {
     finder_->readReply(
-        [object = reply.object, publicPath = branch_.publicPath()] {
-            return photoorders::readOrders(object, publicPath);
+        [object = reply.object, branch = branch_.searchedBranch()] {
+            return photoorders::readOrders(object, branch);
         },
         [this](const photoorders::Found &found) {
             if (importing_)

@@ -46,10 +46,12 @@ int tfhomeorders_OrderListWidget::selectedOrder() const
 
 void tfhomeorders_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
 {
-    rows_->keepPlaceWhile(
-        change,
-        {[this](int row) { return model_->hasRow(row) ? model_->order(row).info.id : QString(); },
-         [this](const QString &id) { return model_->rowOf(id); }});
+    rows_->keepPlaceWhile(change,
+                          {[this](int row) {
+                               return model_->hasRow(row) ? model_->order(row).info.identity()
+                                                          : OrderIdentity();
+                           },
+                           [this](const OrderIdentity &order) { return model_->rowOf(order); }});
 }
 
 void tfhomeorders_OrderListWidget::addOrderAction(const QString &text, const QKeySequence &shortcut,

@@ -181,7 +181,7 @@ void tfimportthreadmanager::queueStart(const Start &start)
         task.taskId = task.firstTaskId = nextTaskId_++;
         task.total = order.photos.size();
         queue_.append(task);
-        runs_.insert(task.taskId, OrderRun{order.id});
+        runs_.insert(task.taskId, OrderRun{order.identity()});
         if (!start.batch) {
             log(QStringLiteral("添加导片任务: %1 (包含 %2 张照片)")
                     .arg(order.orderPayForKey, QString::number(task.total)));
@@ -225,9 +225,9 @@ void tfimportthreadmanager::resumeAllImport()
     scheduleDealing(afterStartMs);
 }
 
-bool tfimportthreadmanager::isQueuedOrActive(const QString &orderId) const
+bool tfimportthreadmanager::isQueuedOrActive(const OrderIdentity &orderId) const
 {
-    const auto isOrder = [&orderId](const OrderInfo &order) { return order.id == orderId; };
+    const auto isOrder = [&orderId](const OrderInfo &order) { return order.identity() == orderId; };
     return std::any_of(runs_.cbegin(), runs_.cend(),
                        [&orderId](const OrderRun &run) { return run.orderId == orderId; }) ||
            std::any_of(starts_.cbegin(), starts_.cend(), [&isOrder](const Start &start) {

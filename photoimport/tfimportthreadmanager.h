@@ -41,7 +41,7 @@ public:
     /// Whether work is queued, active or about to be queued.
     bool isBusy() const { return running_ || !starts_.isEmpty(); }
     /// Whether the order with this id is queued, active or about to be queued.
-    bool isQueuedOrActive(const QString &orderId) const;
+    bool isQueuedOrActive(const OrderIdentity &orderId) const;
     /// Whether a worker that was told to stop still finishes its photo.
     bool hasLiveWorkers() const;
     /// Tasks, pieces of orders included, that were completed so far.
@@ -89,7 +89,7 @@ private:
     /// What the pieces of one queued order have in common.
     struct OrderRun
     {
-        QString orderId;
+        OrderIdentity orderId;
         int done = 0; ///< photos reported; the flags in progress_, kept as a number because adding
                       ///< up thousands of pieces at each report would not do
         bool foldersReady = false;

@@ -24,7 +24,7 @@ void tforderlistmodel::setOrders(const QVector<PhotoOrder> &orders)
     rows_.clear();
     stale_.clear();
     for (int row = 0; row < orders_.size(); ++row) {
-        rows_.insert(orders_.at(row).info.id, row);
+        rows_.insert(orders_.at(row).identity(), row);
         orders_[row].resummarise();
     }
     endResetModel();
@@ -90,7 +90,7 @@ void tforderlistmodel::forgetDeleted(int row, const QStringList &ids, const QStr
 void tforderlistmodel::refreshInfo(const QVector<PhotoOrder> &found)
 {
     for (const PhotoOrder &renewed : found) {
-        const int row = rowOf(renewed.info.id);
+        const int row = rowOf(renewed.identity());
         if (row < 0)
             continue;
         orders_[row].info = renewed.info;
@@ -117,7 +117,8 @@ void tforderlistmodel::resetFailedJobs(int row, const QVector<int> &indexes)
     announce(row);
 }
 
-SourceFile *tforderlistmodel::fileOf(const QString &orderId, const PhotoInfo &job, int *position)
+SourceFile *tforderlistmodel::fileOf(const OrderIdentity &orderId, const PhotoInfo &job,
+                                     int *position)
 {
     const int row = rowOf(orderId);
     *position = -1;
@@ -138,7 +139,7 @@ SourceFile *tforderlistmodel::fileOf(const QString &orderId, const PhotoInfo &jo
     return &files[index];
 }
 
-int tforderlistmodel::applyResult(const QString &orderId, const PhotoInfo &job, bool success,
+int tforderlistmodel::applyResult(const OrderIdentity &orderId, const PhotoInfo &job, bool success,
                                   const QString &message)
 {
     int position = -1;
@@ -152,7 +153,7 @@ int tforderlistmodel::applyResult(const QString &orderId, const PhotoInfo &job, 
     return position;
 }
 
-int tforderlistmodel::applyRegistration(const QString &orderId, const PhotoInfo &job,
+int tforderlistmodel::applyRegistration(const OrderIdentity &orderId, const PhotoInfo &job,
                                         RegistrationState state, const QString &reason)
 {
     int position = -1;
@@ -178,11 +179,11 @@ void tforderlistmodel::announce(int row)
     emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
 }
 
-TransferProgress tforderlistmodel::progressOf(const QSet<QString> &orderIds) const
+TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders) const
 {
     TransferProgress progress;
-    for (const QString &id : orderIds) {
-        const int row = rowOf(id);
+    for (const OrderIdentity &order : orders) {
+        const int row = rowOf(order);
         if (row < 0)
             continue;
         const FilesSummary &summary = orders_.at(row).summary(photoMode_);

@@ -45,7 +45,7 @@ public:
     /// The files of the present mode.
     const QVector<SourceFile> &files(int row) const { return orders_.at(row).files(photoMode_); }
     /// Position of the order; -1 when it is not listed.
-    int rowOf(const QString &orderId) const { return rows_.value(orderId, -1); }
+    int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
 
     void addFiles(int row, const QVector<SourceFile> &files);
     /// \a indexes: positions among the files of the present mode.
@@ -62,17 +62,17 @@ public:
     /// Puts failed jobs of the files back to waiting; of all files when \a indexes is empty.
     void resetFailedJobs(int row, const QVector<int> &indexes);
 
-    /// The result of a job, and what the service says of a file. Both find the file by order id and
-    /// source path, return its position among the files (-1 when it is not there any more), and are
-    /// announced by flush() alone: an import reports many times a second.
-    int applyResult(const QString &orderId, const PhotoInfo &job, bool success,
+    /// The result of a job, and what the service says of a file. Both find the file by its order
+    /// and source path, return its position among the files (-1 when it is not there any more), and
+    /// are announced by flush() alone: an import reports many times a second.
+    int applyResult(const OrderIdentity &orderId, const PhotoInfo &job, bool success,
                     const QString &message);
-    int applyRegistration(const QString &orderId, const PhotoInfo &job, RegistrationState state,
-                          const QString &reason = QString());
+    int applyRegistration(const OrderIdentity &orderId, const PhotoInfo &job,
+                          RegistrationState state, const QString &reason = QString());
     void flush();
 
-    /// Over the orders with these ids.
-    TransferProgress progressOf(const QSet<QString> &orderIds) const;
+    /// Over these orders.
+    TransferProgress progressOf(const QSet<OrderIdentity> &orders) const;
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -82,11 +82,11 @@ public:
 
 private:
     void announce(int row);
-    SourceFile *fileOf(const QString &orderId, const PhotoInfo &job, int *position);
+    SourceFile *fileOf(const OrderIdentity &orderId, const PhotoInfo &job, int *position);
     QVariant cell(const PhotoOrder &order, int column) const;
 
     QVector<PhotoOrder> orders_;
-    QHash<QString, int> rows_; ///< by order id
-    QSet<int> stale_;          ///< rows that flush() is to announce
+    QHash<OrderIdentity, int> rows_;
+    QSet<int> stale_; ///< rows that flush() is to announce
     int photoMode_ = 0;
 };

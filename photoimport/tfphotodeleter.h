@@ -37,7 +37,7 @@ signals:
     /// The service is about to be asked: a file that is open may refuse to go.
     void asking();
     /// The service has answered; what it agreed to is off the list.
-    void answered(const QString &orderId);
+    void answered(const OrderIdentity &orderId);
     /// The files are gone from the disk.
     void removed();
 

@@ -10,8 +10,8 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
                            const QStringList &names, int photoMode)
 {
     const QString folder = order.folder();
-    DeletionRequest request{order.info.id, order.info.orderPhotoId, ids, names, {}, photoMode,
-                            folder};
+    DeletionRequest request{
+        order.identity(), order.displayName(), ids, names, {}, photoMode, folder};
     PhotoInfo photo;
     photo.kind = photoorders::mainKind(photoMode);
     for (const QString &name : names) {
@@ -37,9 +37,16 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
 {
     if (isActive())
         return false;
+    if (!orderqueries::mayWorkOn(request.orderId, identity)) {
+        ServiceReply reply;
+        reply.outcome = ServiceReply::Outcome::Refused;
+        reply.message = orderqueries::otherBranchText(request.orderName);
+        emit refused(request, reply);
+        return false;
+    }
     asking_ = true;
     call_.start(photorequests::deletionAction(request.photoMode),
-                photorequests::deletionBody(request.orderPhotoId, request.ids, identity),
+                photorequests::deletionBody(request.orderId.orderPhotoId, request.ids, identity),
                 [this, request](const ServiceReply &reply) { onReply(request, reply); });
     return true;
 }

@@ -12,8 +12,8 @@ class TFDelLocalPhotoImg;
 /// Photos of one order that are to be deleted.
 struct DeletionRequest
 {
-    QString orderId;
-    QString orderPhotoId;
+    OrderIdentity orderId;
+    QString orderName;
     QStringList ids;   ///< the service's
     QStringList names; ///< of the same photos
     QStringList paths; ///< where the files themselves lie, in Windows form
@@ -36,7 +36,8 @@ class tfphotodeletion : public QObject
 public:
     explicit tfphotodeletion(QObject *parent = nullptr);
 
-    /// False, and nothing happens, while another deletion is under way.
+    /// False, and nothing happens, while another deletion is under way; false and refused() for an
+    /// order of another branch.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
     /// Gives up asking the service; what it has agreed to goes on. False when nothing was asked.
     bool cancel();

@@ -47,12 +47,12 @@ void SortedRows::sortAgain()
 
 void SortedRows::keepPlaceWhile(const std::function<void()> &change, const Ids &ids)
 {
-    const QString id = ids.idOf(current());
+    const OrderIdentity order = ids.identityOf(current());
     const int scrolledDown = table_->verticalScrollBar()->value();
     const int scrolledRight = table_->horizontalScrollBar()->value();
     change();
     sortAgain();
-    const int row = ids.positionOf(id);
+    const int row = ids.positionOf(order);
     if (row >= 0) {
         const QModelIndex index = proxy_->mapFromSource(model_->index(row, 0));
         table_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/context/orderidentity.h"
+
 #include <QKeySequence>
 #include <QObject>
 #include <QString>
@@ -20,12 +22,12 @@ class SortedRows : public QObject
     Q_OBJECT
 
 public:
-    /// How rows are recognised after the model was filled anew: \a idOf a position, empty when
-    /// there is no such row; \a positionOf an id, -1 when it is gone.
+    /// How orders are recognised after the model was filled anew: \a identityOf a position, empty
+    /// when there is no such row; \a positionOf an order, -1 when it is gone.
     struct Ids
     {
-        std::function<QString(int position)> idOf;
-        std::function<int(const QString &id)> positionOf;
+        std::function<OrderIdentity(int position)> identityOf;
+        std::function<int(const OrderIdentity &order)> positionOf;
     };
 
     /// Shows \a model, sorted by \a sortRole, in \a table, which prepareTable() has prepared.

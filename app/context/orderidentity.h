@@ -13,6 +13,9 @@ struct OrderIdentity
     QString id;
     QString orderPhotoId;
 
+    /// Whether it says nothing: no order is known by its branch alone.
+    bool isEmpty() const { return id.isEmpty() && orderPhotoId.isEmpty(); }
+
     friend bool operator==(const OrderIdentity &one, const OrderIdentity &other)
     {
         return one.branch == other.branch && one.id == other.id &&

@@ -38,15 +38,15 @@ private slots:
         refusals_.clear();
         run_ = std::make_unique<BatchDeleteRun>();
         connect(run_.get(), &BatchDeleteRun::filesListed, this,
-                [this](const QString &id, const QVector<BatchDeleteFileInfo> &files) {
+                [this](const OrderIdentity &id, const QVector<BatchDeleteFileInfo> &files) {
                     shown_[id].setFiles(files);
                 });
         connect(run_.get(), &BatchDeleteRun::fileChanged, this,
-                [this](const QString &id, int index, const BatchDeleteFileInfo &file) {
+                [this](const OrderIdentity &id, int index, const BatchDeleteFileInfo &file) {
                     shown_[id].setFile(index, file);
                 });
         connect(run_.get(), &BatchDeleteRun::orderNoted, this,
-                [this](const QString &id, const QString &note) { shown_[id].note = note; });
+                [this](const OrderIdentity &id, const QString &note) { shown_[id].note = note; });
         connect(run_.get(), &BatchDeleteRun::finished, this,
                 [this](const DeletionSummary &summary) { ends_.append(summary); });
         connect(run_.get(), &BatchDeleteRun::announcementFailed, this,
@@ -103,7 +103,7 @@ private slots:
         runOut({taken, free});
         QCOMPARE(namesOnDisk(taken).size(), 2);
         QVERIFY(namesOnDisk(free).isEmpty());
-        QCOMPARE(shown_.value(taken.id).note,
+        QCOMPARE(shown_.value(taken.identity()).note,
                  ordersatwork::refusal(taken.displayNumber(), "导入原片"_s));
         claim.release();
         QVERIFY(ordersatwork::toolAt({identity_.shopId, free.id, free.orderPhotoId}).isEmpty());
@@ -124,7 +124,7 @@ private slots:
         QCOMPARE(booked(order, "announced").size(), 3); // the link to a folder is none of them
         QCOMPARE(booked(order, "deleted").size(), 2);
         QCOMPARE(namesOnDisk(order).size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
                     .shown.contains("2.jpg: 没有删除权限"_s));
         QCOMPARE(deletionreport::summaryText(ends_.first()),
                  "全部删除完成！\n\n成功 2 个文件，失败 2 个文件"_s);
@@ -138,7 +138,7 @@ private slots:
         QCOMPARE(requests(after), 3);
         QCOMPARE(requests(before), 1);
         QVERIFY(QFileInfo(pathOf(order, "zz"_s)).isSymLink());
-        QVERIFY(!run_->retry(shown_.value(order.id), {0, 1, 2, 3}, identity_, {}));
+        QVERIFY(!run_->retry(shown_.value(order.identity()), {0, 1, 2, 3}, identity_, {}));
         QCOMPARE(ends_.size(), 1);
     }
 
@@ -149,7 +149,7 @@ private slots:
         const auto refresh = [&] {
             FileScanWorker worker;
             connect(&worker, &FileScanWorker::finished, this, [&](const FileScanResult &found) {
-                BatchDeleteOrderInfo &known = shown_[order.id];
+                BatchDeleteOrderInfo &known = shown_[order.identity()];
                 known.setFiles(deletionrules::merged(known.files(), found.files));
             });
             worker.scan(order.netPath);
@@ -161,10 +161,10 @@ private slots:
         demo_.release();
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "42"_s);
-        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
                     .shown.endsWith("0.jpg: 文件已变化，未删除"_s));
         QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(!run_->retry(shown_.value(order.id), {0}, identity_, {}));
+        QVERIFY(!run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
 
         // Seen and announced anew it may go, unless it changes again or the service objects.
         refresh();
@@ -173,7 +173,7 @@ private slots:
         QCOMPARE(refusals_, QStringList("不"_s));
         writeFile(path, "yet another");
         retry(order, {0});
-        QVERIFY(!run_->retry(shown_.value(order.id), {0}, identity_, {}));
+        QVERIFY(!run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
         QCOMPARE(readFile(path), QByteArray("yet another"));
         refresh();
         QCOMPARE(states(order), "42"_s);
@@ -200,7 +200,7 @@ private slots:
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "22"_s);
         QCOMPARE(booked(order, "deleted").size(), 2);
-        QVERIFY(deletionreport::succeededList(shown_.value(order.id))
+        QVERIFY(deletionreport::succeededList(shown_.value(order.identity()))
                     .shown.contains("0.jpg (文件不存在)"_s));
     }
 
@@ -217,9 +217,9 @@ private slots:
         QVERIFY(QFile::link(real + "-real"_s, real));
         const auto fine = makeOrder(5, 1);
         runOut({missing, empty, link, fine});
-        QCOMPARE(shown_.value(missing.id).note, "目录不存在: "_s + missing.netPath);
-        QCOMPARE(shown_.value(empty.id).note, "目录中没有可删除的文件"_s);
-        QVERIFY(shown_.value(link.id).note.contains("链接"_s));
+        QCOMPARE(shown_.value(missing.identity()).note, "目录不存在: "_s + missing.netPath);
+        QCOMPARE(shown_.value(empty.identity()).note, "目录中没有可删除的文件"_s);
+        QVERIFY(shown_.value(link.identity()).note.contains("链接"_s));
         QCOMPARE(namesOnDisk(link).size(), 1);
         QCOMPARE(states(fine), "2"_s);
         QCOMPARE(requests(before), 1);
@@ -296,12 +296,13 @@ private slots:
         QVERIFY(namesOnDisk(first).isEmpty());
         QCOMPARE(namesOnDisk(second).size(), 2);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(first.id)).shown.endsWith("0.jpg: 不"_s));
+        QVERIFY(deletionreport::failedList(shown_.value(first.identity()))
+                    .shown.endsWith("0.jpg: 不"_s));
 
         // Another run finds nothing there, and forgets nothing.
         QTRY_VERIFY(!run_->isBusy());
         writeFile(pathOf(first, "new.jpg"_s));
-        start({shown_.value(first.id)});
+        start({shown_.value(first.identity())});
         QTRY_COMPARE(ends_.size(), 2);
         QCOMPARE(states(first), "32"_s);
         QCOMPARE(booked(first, "announced").size(), 4);
@@ -318,7 +319,7 @@ private slots:
         if (!disk.isMounted())
             QSKIP("mounting is not allowed here");
         order.netPath += "\\disk\\order"_s;
-        shown_[order.id] = order;
+        shown_[order.identity()] = order;
         QVERIFY(QDir().mkpath(pathOf(order)));
         for (const char *name : {"a", "b", "c"}) {
             writeFile(pathOf(order, QLatin1String(name)));
@@ -329,12 +330,12 @@ private slots:
         disk.vanish();
         demo_.release();
         QTRY_COMPARE(ends_.size(), 1);
-        QCOMPARE(shown_.value(order.id).succeeded(), 1);
-        QCOMPARE(shown_.value(order.id).failed(), 2);
+        QCOMPARE(shown_.value(order.identity()).succeeded(), 1);
+        QCOMPARE(shown_.value(order.identity()).failed(), 2);
         QCOMPARE(booked(order, "deleted").size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.id))
+        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
                     .shown.endsWith("订单目录无法访问"_s));
-        QVERIFY(!shown_.value(order.id).note.isEmpty());
+        QVERIFY(!shown_.value(order.identity()).note.isEmpty());
     }
 
     void aFolderThatIsRemovedIsADeletion()
@@ -395,7 +396,7 @@ private slots:
         demo_.release(); // a late answer changes nothing
         QTRY_VERIFY(!run_->isBusy());
         QCOMPARE(states(order), "30"_s);
-        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_, {}));
+        QVERIFY(run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
         QTRY_COMPARE(states(order), "20"_s);
     }
 
@@ -410,7 +411,7 @@ private slots:
         QTRY_COMPARE(questions_.size(), 1);
         run_->reporter()->answerResubmit(false);
         QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(order.id), {0}, identity_, {}));
+        QVERIFY(run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
         QVERIFY(!run_->isRunning());
         QTRY_COMPARE(questions_.size(), 2);
         run_->stop();
@@ -444,6 +445,7 @@ private:
         const QJsonObject state = demo_.state();
         const QJsonObject studios = state.value("orders"_s).toArray().at(number).toObject();
         BatchDeleteOrderInfo order;
+        order.branch = identity_.shopId;
         order.id = studios.value("id"_s).toString();
         order.orderPhotoId = studios.value("order_photo_id"_s).toString();
         const QString folder = state.value("share"_s).toString() + "/test/"_s + order.id;
@@ -452,7 +454,7 @@ private:
         for (int index = 0; index < count; ++index) {
             writeFile(folder + (index % 2 == 0 ? "/%1.jpg"_s : "/原片/%1 a&b.jpg"_s).arg(index));
         }
-        shown_.insert(order.id, order);
+        shown_.insert(order.identity(), order);
         return order;
     }
 
@@ -468,7 +470,7 @@ private:
     QString states(const BatchDeleteOrderInfo &order)
     {
         QMap<QString, int> byPath;
-        const auto files = shown_.value(order.id).files();
+        const auto files = shown_.value(order.identity()).files();
         for (const BatchDeleteFileInfo &file : files)
             byPath.insert(file.shortPath(), file.state);
         QString states;
@@ -506,14 +508,14 @@ private:
     void retry(const BatchDeleteOrderInfo &order, const QVector<int> &indexes)
     {
         QTRY_VERIFY(!run_->isBusy());
-        QVERIFY(run_->retry(shown_.value(order.id), indexes, identity_, {}));
+        QVERIFY(run_->retry(shown_.value(order.identity()), indexes, identity_, {}));
         QTRY_VERIFY(!run_->isBusy());
     }
 
     DemoClient demo_;
     orderqueries::Identity identity_{"101"_s, "7001"_s, "3101"_s};
     std::unique_ptr<BatchDeleteRun> run_;
-    QHash<QString, BatchDeleteOrderInfo> shown_;
+    QHash<OrderIdentity, BatchDeleteOrderInfo> shown_;
     QList<DeletionSummary> ends_;
     QStringList questions_;
     QStringList refusals_;

@@ -311,14 +311,23 @@ private slots:
 void TestDeletionRules::readsOrders()
 {
     const auto read = [](const char *json) {
-        return deletionrequests::readOrders(QJsonDocument::fromJson(json).object());
+        return deletionrequests::readOrders(QJsonDocument::fromJson(json).object(), {"3"_s, {}});
     };
     const auto list = read(R"({"data":[{"id":5,"order_photo_id":"85","fulfil_time":"2024-01-02",
-        "netpath":"\\\\n\\p"},{"id":"5","netpath":"other"},{"netpath":"no id"},null,7]})");
-    QCOMPARE(list.elements, 5);
-    QCOMPARE(list.orders.size(), 1);
+        "netpath":"\\\\n\\p"},{"id":"5","order_photo_id":85,"netpath":"moved"},{"netpath":"no id"},
+        {"id":5,"order_photo_id":"86","netpath":"other"},{"order_photo_id":"87"},
+        {"id":"5","order_photo_id":"86","netpath":"other"},null,7]})");
+    QCOMPARE(list.elements, 8);
+    QStringList shown;
+    for (const BatchDeleteOrderInfo &order : list.orders)
+        shown += order.branch + order.id + QLatin1Char('-') + order.orderPhotoId;
+    QCOMPARE(shown, (QStringList{"35-85"_s, "35-86"_s, "3-87"_s}));
     QCOMPARE(list.orders.first().fulfilTime, "2024-01-02"_s);
     QCOMPARE(list.orders.first().netPath, "\\\\n\\p"_s);
+    // What cannot be told from the rest protects its folder all the same.
+    QCOMPARE(list.unlisted.size(), 2);
+    QCOMPARE(list.unlisted.first().netPath, "moved"_s);
+    QCOMPARE(list.unlisted.last().netPath, "no id"_s);
     for (const char *none : {"{}", R"({"data":null})", R"({"data":"text"})", R"({"data":{}})"})
         QVERIFY2(!read(none).isList, none);
 

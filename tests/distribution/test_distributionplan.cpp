@@ -79,11 +79,13 @@ private slots:
 
     void readsOrders()
     {
-        const auto orders = distributionrequests::readOrders(
+        const auto list = distributionrequests::readOrders(
             json("{'data':[{'order_photo_id':7,'servicetimes':2,'number_jingxiu':3,"
                  "'images':[{'id':1},5]},{'id':'1'},{'order_photo_id':'7'},null,"
-                 "{'order_photo_id':'8','images':'none'}]}"));
-        QCOMPARE(orders.size(), 2);
+                 "{'order_photo_id':'8','images':'none'}]}"),
+            {"3"_s, {}});
+        const QVector<OrderData> &orders = list.orders;
+        QCOMPARE(orders.size(), 3);
         QCOMPARE(orders.first().displayNumber(), "-服务2"_s);
         QCOMPARE(orders.first().numberJingxiu, "3"_s);
         QCOMPARE(orders.first().images.size(), 1);

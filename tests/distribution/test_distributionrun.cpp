@@ -473,6 +473,7 @@ private:
     OrderData order(int number)
     {
         OrderData order;
+        order.branch = "101"_s;
         order.orderPhotoId = QString::number(800000 + number);
         order.orderPayForKey = "TS%1"_s.arg(10000 + number);
         order.serviceTimes = "1"_s;

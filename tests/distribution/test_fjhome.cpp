@@ -124,8 +124,9 @@ private slots:
         newRow("no list", "missing-fields"_s, QJsonObject{{"fields"_s, QJsonArray{"data"_s}}},
                "未检索到订单"_s);
         newRow("dropped", "drop"_s, QJsonObject(), QString());
-        newRow("orders without photo sets", "missing-fields"_s,
-               QJsonObject{{"fields"_s, QJsonArray{"data.order_photo_id"_s}}}, "未检索到订单"_s);
+        newRow("orders that nothing tells apart", "missing-fields"_s,
+               QJsonObject{{"fields"_s, QJsonArray{"data.id"_s, "data.order_photo_id"_s}}},
+               "未检索到订单"_s);
     }
 
     void badSearchReplies()

@@ -13,13 +13,14 @@
 inline originalrequests::OrderMap firstOrder(const QString &folder = QString())
 {
     ImportOrder order;
+    order.branch = "101"_s;
     order.id = "50001"_s;
     order.orderPhotoId = "800001"_s;
     order.orderPayForKey = "TS10001"_s;
     order.serviceTimes = "1"_s;
     order.delyp = "1"_s;
     order.importPath = wireForm(folder);
-    return originalrequests::orderMap(order, "101"_s);
+    return originalrequests::orderMap(order);
 }
 
 inline ServiceReply ask(const QString &action, const QByteArray &body)

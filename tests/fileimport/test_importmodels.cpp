@@ -117,8 +117,8 @@ private slots:
         ImportOrderTableModel model;
         const QAbstractItemModelTester tester(&model);
         model.setOrders(orders);
-        QCOMPARE(model.rowOf("b"_s), 1);
-        QCOMPARE(model.rowOf("c"_s), -1);
+        QCOMPARE(model.rowOf(orders[1].identity()), 1);
+        QCOMPARE(model.rowOf({{}, "c"_s, {}}), -1);
 
         ImportFile late = orders[1].files.at(1);
         late.fileIndex = 1;

@@ -253,7 +253,7 @@ void TestImportRules::readsOrders()
         {"netpath": "no id"}, {"id": 1, "mname": "again"}, "no object",
         {"id": 2, "shotdate": ""}]})")
                                   .object();
-    const OrderList list = readOrders(reply, "\\\\nas\\root"_s);
+    const OrderList list = readOrders(reply, {"3"_s, "\\\\nas\\root"_s});
     QVERIFY(list.isList);
     QCOMPARE(list.elements, 5);
     const QVector<ImportOrder> orders = list.orders;

@@ -40,32 +40,33 @@ private slots:
         notices_.clear();
         allImported_ = 0;
         connect(run_.get(), &ImportRun::fileChanged, this,
-                [this](const QString &orderId, const ImportFile &file) {
+                [this](const OrderIdentity &orderId, const ImportFile &file) {
                     ImportFile &own = shown_[orderId].files[file.fileIndex];
                     own.state = file.state;
                     own.message = file.message;
                 });
         connect(run_.get(), &ImportRun::filesChanged, this,
-                [this](const QString &orderId, const QVector<ImportFile> &files) {
+                [this](const OrderIdentity &orderId, const QVector<ImportFile> &files) {
                     shown_[orderId].files = files;
                 });
         connect(run_.get(), &ImportRun::orderActivityChanged, this,
-                [this](const QString &orderId, bool importing) {
+                [this](const OrderIdentity &orderId, bool importing) {
                     shown_[orderId].importing = importing;
                 });
-        connect(run_.get(), &ImportRun::orderRegistered, this, [this](const QString &orderId) {
-            registered_ += orderId;
-            shown_[orderId].unregistered = false;
-        });
+        connect(run_.get(), &ImportRun::orderRegistered, this,
+                [this](const OrderIdentity &orderId) {
+                    registered_ += orderId;
+                    shown_[orderId].unregistered = false;
+                });
         connect(run_.get(), &ImportRun::orderLeftUnregistered, this,
-                [this](const QString &orderId) {
+                [this](const OrderIdentity &orderId) {
                     unregistered_ += orderId;
                     shown_[orderId].unregistered = true;
                 });
         connect(run_.get(), &ImportRun::resubmitNeeded, this,
-                [this](const QString &, const QString &question) { questions_ += question; });
+                [this](const OrderIdentity &, const QString &question) { questions_ += question; });
         connect(run_.get(), &ImportRun::mismatchFound, this,
-                [this](const QString &, const BoxText &notice) { notices_ += notice.shown; });
+                [this](const OrderIdentity &, const BoxText &notice) { notices_ += notice.shown; });
         connect(run_.get(), &ImportRun::allImported, this, [this] { ++allImported_; });
     }
 
@@ -84,9 +85,9 @@ private slots:
         start({first, without, second});
         QTRY_COMPARE(allImported_, 1);
         QVERIFY(!run_->isBusy());
-        QCOMPARE(registered_, (QStringList{first.id, second.id}));
-        QCOMPARE(states(first.id).count(ImportFile::Imported), 9);
-        QVERIFY(shown_[first.id].photoState() == PhotoState::Done);
+        QCOMPARE(registered_, (QVector<OrderIdentity>{first.identity(), second.identity()}));
+        QCOMPARE(states(first.identity()).count(ImportFile::Imported), 9);
+        QVERIFY(shown_[first.identity()].photoState() == PhotoState::Done);
         const QStringList onDisk = filesBelow(platform::toLocalPath(first.importPath));
         QCOMPARE(onDisk.filter("原片/"_s).size(), 7);
         QCOMPARE(onDisk.filter("原始档/"_s).size(), 2);
@@ -102,61 +103,62 @@ private slots:
     {
         const ImportOrder first = makeOrder(0, 3);
         const ImportOrder second = makeOrder(2, 1);
-        removeSource(first.id, 1);
+        removeSource(first.identity(), 1);
         start({first, second});
         QTRY_COMPARE(allImported_, 1);
-        QCOMPARE(states(first.id), (QList<int>{1, 2, 1}));
-        QCOMPARE(shown_[first.id].files.at(1).message,
-                 "原文件不存在: %1"_s.arg(sourceOf(first.id, 1)));
-        QCOMPARE(photoStateText(shown_[first.id]), "成功:2, 失败:1"_s);
-        QCOMPARE(registered_, (QStringList{first.id, second.id}));
+        QCOMPARE(states(first.identity()), (QList<int>{1, 2, 1}));
+        QCOMPARE(shown_[first.identity()].files.at(1).message,
+                 "原文件不存在: %1"_s.arg(sourceOf(first.identity(), 1)));
+        QCOMPARE(photoStateText(shown_[first.identity()]), "成功:2, 失败:1"_s);
+        QCOMPARE(registered_, (QVector<OrderIdentity>{first.identity(), second.identity()}));
 
-        restoreSource(first.id, 1);
-        start({shown_[first.id], shown_[second.id]}); // what was left of the first
+        restoreSource(first.identity(), 1);
+        start({shown_[first.identity()], shown_[second.identity()]}); // what was left of the first
         QTRY_COMPARE(allImported_, 2);
-        QCOMPARE(photoStateText(shown_[first.id]), "导入完成"_s);
+        QCOMPARE(photoStateText(shown_[first.identity()]), "导入完成"_s);
         QCOMPARE(requests(batch), 3);
-        QVERIFY(!run_->start({shown_[first.id], shown_[second.id]}, identity_));
+        QVERIFY(!run_->start({shown_[first.identity()], shown_[second.identity()]}, identity_));
     }
 
     void retryOutsideARunRegistersItsOrderAlone()
     {
         const ImportOrder order = makeOrder(0, 3);
         const ImportOrder other = makeOrder(2, 2);
-        removeSource(order.id, 1);
-        removeSource(order.id, 2);
+        removeSource(order.identity(), 1);
+        removeSource(order.identity(), 2);
         start({order});
         QTRY_COMPARE(allImported_, 1);
         demo_.clearRequests();
-        restoreSource(order.id, 1);
-        restoreSource(order.id, 2);
+        restoreSource(order.identity(), 1);
+        restoreSource(order.identity(), 2);
 
-        run_->retry(shown_[order.id], 1, identity_);
+        run_->retry(shown_[order.identity()], 1, identity_);
         QVERIFY(run_->hasLiveTasks());
-        run_->retry(shown_[order.id], 1, identity_); // pressed twice: one copy
+        run_->retry(shown_[order.identity()], 1, identity_); // pressed twice: one copy
         QTRY_COMPARE(requests(batch), 1);
         QTRY_VERIFY(!run_->isBusy());
-        QCOMPARE(photoStateText(shown_[order.id]), "成功:2, 失败:1"_s);
-        run_->retry(shown_[order.id], 2, identity_);
-        QTRY_COMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QCOMPARE(photoStateText(shown_[order.identity()]), "成功:2, 失败:1"_s);
+        run_->retry(shown_[order.identity()], 2, identity_);
+        QTRY_COMPARE(photoStateText(shown_[order.identity()]), "导入完成"_s);
         QTRY_VERIFY(!run_->isBusy());
-        QCOMPARE(registered_, (QStringList{order.id, order.id, order.id}));
+        QCOMPARE(registered_,
+                 (QVector<OrderIdentity>{order.identity(), order.identity(), order.identity()}));
         QCOMPARE(allImported_, 1);
-        QCOMPARE(states(other.id), (QList<int>{0, 0}));
+        QCOMPARE(states(other.identity()), (QList<int>{0, 0}));
     }
 
     void retryWhileItsOrderIsRegisteredRegistersAgain()
     {
         const ImportOrder order = makeOrder(0, 2);
-        removeSource(order.id, 1);
+        removeSource(order.identity(), 1);
         demo_.hold(batch);
         start({order});
         QTRY_COMPARE(demo_.held(), 1);
-        restoreSource(order.id, 1);
-        run_->retry(shown_[order.id], 1, identity_);
+        restoreSource(order.identity(), 1);
+        run_->retry(shown_[order.identity()], 1, identity_);
         QTRY_COMPARE(allImported_, 1);
         QTRY_VERIFY(!run_->isBusy());
-        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QCOMPARE(photoStateText(shown_[order.identity()]), "导入完成"_s);
         const QJsonObject last = demo_.requests(batch).last().toObject();
         QVERIFY(last.value("body"_s).toString().contains(order.id + "_1.jpg"_s));
     }
@@ -173,28 +175,29 @@ private slots:
         run_->stopAllImports(); // before the interface thread has seen any result
         QVERIFY(!run_->isRunning());
         // Four are being copied still: the order stays at work until they have ended.
-        QVERIFY(run_->isAtWork(order.id));
-        QCOMPARE(photoStateText(shown_[order.id]), "导入中 0/100"_s);
+        QVERIFY(run_->isAtWork(order.identity()));
+        QCOMPARE(photoStateText(shown_[order.identity()]), "导入中 0/100"_s);
         QTRY_VERIFY(!run_->hasLiveTasks());
-        QVERIFY(!run_->isAtWork(order.id));
-        const QList<int> after = states(order.id);
+        QVERIFY(!run_->isAtWork(order.identity()));
+        const QList<int> after = states(order.identity());
         const int imported = after.count(ImportFile::Imported);
         const int failed = after.count(ImportFile::Failed);
         QVERIFY(after.count(ImportFile::Waiting) >= 36); // never given to the pool
-        for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
+        for (const ImportFile &file : qAsConst(shown_[order.identity()].files)) {
             if (file.state == ImportFile::Failed)
                 QCOMPARE(file.message, "任务已取消"_s);
         }
-        QCOMPARE(photoStateText(shown_[order.id]), "成功:%0, 失败:%1"_s.arg(imported).arg(failed));
+        QCOMPARE(photoStateText(shown_[order.identity()]),
+                 "成功:%0, 失败:%1"_s.arg(imported).arg(failed));
         demo_.state(); // a round trip
         QCOMPARE(requests(batch), 0);
         QCOMPARE(requests("saveorderphotopath"_s), 0);
         QVERIFY(registered_.isEmpty());
         QCOMPARE(unregistered_.isEmpty(), imported == 0); // what lies there is not forgotten
 
-        start({shown_[order.id]});
+        start({shown_[order.identity()]});
         QTRY_COMPARE(allImported_, 1);
-        QCOMPARE(photoStateText(shown_[order.id]), "导入完成"_s);
+        QCOMPARE(photoStateText(shown_[order.identity()]), "导入完成"_s);
         QCOMPARE(requests(batch), 1);
     }
 
@@ -208,13 +211,13 @@ private slots:
         run_->stopAllImports();
         demo_.release();
         QVERIFY(!run_->isBusy());
-        QCOMPARE(unregistered_, QStringList(first.id));
-        QVERIFY(shown_[first.id].photoState() == PhotoState::Failed);
-        QCOMPARE(states(second.id), (QList<int>{0, 0}));
+        QCOMPARE(unregistered_, QVector<OrderIdentity>(1, first.identity()));
+        QVERIFY(shown_[first.identity()].photoState() == PhotoState::Failed);
+        QCOMPARE(states(second.identity()), (QList<int>{0, 0}));
 
-        run_->registerAgain(shown_[first.id], identity_);
-        QTRY_COMPARE(registered_, QStringList(first.id));
-        QVERIFY(shown_[first.id].photoState() == PhotoState::Done);
+        run_->registerAgain(shown_[first.identity()], identity_);
+        QTRY_COMPARE(registered_, QVector<OrderIdentity>(1, first.identity()));
+        QVERIFY(shown_[first.identity()].photoState() == PhotoState::Done);
         QVERIFY(!run_->isBusy());
     }
 
@@ -240,20 +243,20 @@ private slots:
         if (!question.isEmpty())
             QCOMPARE(questions_.first(), question);
         QVERIFY(questions_.first().contains("是否重新提交"_s));
-        run_->answerResubmit(first.id, true);
-        run_->answerResubmit(first.id, false); // to a question that is answered already
+        run_->answerResubmit(first.identity(), true);
+        run_->answerResubmit(first.identity(), false); // to a question that is answered already
         QVERIFY(run_->isRunning());
         QTRY_COMPARE(questions_.size(), 2);
-        run_->answerResubmit(first.id, true);
+        run_->answerResubmit(first.identity(), true);
         QTRY_COMPARE(allImported_, 1);
-        QCOMPARE(registered_, (QStringList{first.id, second.id}));
+        QCOMPARE(registered_, (QVector<OrderIdentity>{first.identity(), second.identity()}));
 
         demo_.misbehave(batch, kind);
-        run_->registerAgain(shown_[first.id], identity_);
+        run_->registerAgain(shown_[first.identity()], identity_);
         QTRY_COMPARE(questions_.size(), 3);
-        run_->answerResubmit(first.id, false);
+        run_->answerResubmit(first.identity(), false);
         QVERIFY(!run_->isBusy());
-        QCOMPARE(unregistered_, QStringList(first.id));
+        QCOMPARE(unregistered_, QVector<OrderIdentity>(1, first.identity()));
     }
 
     void aFolderThatGoesAwayFailsTheFilesAndIsNotAnnounced()
@@ -264,12 +267,12 @@ private slots:
         for (const bool again : {true, false}) {
             QTRY_COMPARE(questions_.size(), again ? 1 : 2);
             QVERIFY(questions_.last().startsWith("导片目录无法访问: "_s));
-            run_->answerResubmit(order.id, again);
+            run_->answerResubmit(order.identity(), again);
         }
         QVERIFY(!run_->isBusy());
-        QCOMPARE(states(order.id).count(ImportFile::Failed), 5);
+        QCOMPARE(states(order.identity()).count(ImportFile::Failed), 5);
         QCOMPARE(requests(batch), 0);
-        QCOMPARE(unregistered_, QStringList(order.id));
+        QCOMPARE(unregistered_, QVector<OrderIdentity>(1, order.identity()));
     }
 
     void aFullDiskFailsWhatDoesNotFit()
@@ -283,7 +286,7 @@ private slots:
         start({order});
         QTRY_COMPARE(allImported_, 1);
         int imported = 0;
-        for (const ImportFile &file : qAsConst(shown_[order.id].files)) {
+        for (const ImportFile &file : qAsConst(shown_[order.identity()].files)) {
             imported += file.state == ImportFile::Imported;
             if (file.state != ImportFile::Imported)
                 QCOMPARE(file.message, "文件拷贝失败(可能是磁盘已满或权限受限)"_s);
@@ -306,16 +309,16 @@ private slots:
         QTRY_COMPARE(notices_.size(), 1);
         QVERIFY(notices_.first().contains(first.id + "_1.jpg"_s));
         QVERIFY(!run_->isBusy());
-        QCOMPARE(states(second.id), QList<int>{0});
+        QCOMPARE(states(second.identity()), QList<int>{0});
         QCOMPARE(allImported_, 0);
 
         // What the service has not got is not forgotten: the next start takes it up.
-        QCOMPARE(photoStateText(shown_[first.id]), "成功:1, 失败:3"_s);
-        QCOMPARE(states(first.id), (QList<int>{2, 2, 2, 1}));
-        QCOMPARE(shown_[first.id].files.first().message, "服务端未收到"_s);
-        start({shown_[first.id], shown_[second.id]});
+        QCOMPARE(photoStateText(shown_[first.identity()]), "成功:1, 失败:3"_s);
+        QCOMPARE(states(first.identity()), (QList<int>{2, 2, 2, 1}));
+        QCOMPARE(shown_[first.identity()].files.first().message, "服务端未收到"_s);
+        start({shown_[first.identity()], shown_[second.identity()]});
         QTRY_COMPARE(allImported_, 1);
-        QCOMPARE(states(first.id), (QList<int>{1, 1, 1, 1}));
+        QCOMPARE(states(first.identity()), (QList<int>{1, 1, 1, 1}));
     }
 
 private:
@@ -327,6 +330,7 @@ private:
             return studios.value(QLatin1String(name)).toString();
         };
         ImportOrder order;
+        order.branch = identity_.shopId;
         order.id = field("id");
         order.orderPhotoId = field("order_photo_id");
         order.orderPayForKey = field("orderpayforkey");
@@ -342,28 +346,28 @@ private:
             request.paths += writeFile(card_->filePath(name), QByteArray(bytes + index, 'p'));
         }
         order.files = prepareChoice(request).files;
-        shown_.insert(order.id, order);
+        shown_.insert(order.identity(), order);
         return order;
     }
 
     void start(const QVector<ImportOrder> &orders) { QVERIFY(run_->start(orders, identity_)); }
 
-    void removeSource(const QString &orderId, int index)
+    void removeSource(const OrderIdentity &orderId, int index)
     {
         QVERIFY(QFile::rename(sourceOf(orderId, index), sourceOf(orderId, index) + ".away"_s));
     }
 
-    void restoreSource(const QString &orderId, int index)
+    void restoreSource(const OrderIdentity &orderId, int index)
     {
         QVERIFY(QFile::rename(sourceOf(orderId, index) + ".away"_s, sourceOf(orderId, index)));
     }
 
-    QString sourceOf(const QString &orderId, int index)
+    QString sourceOf(const OrderIdentity &orderId, int index)
     {
         return shown_[orderId].files[index].sourcePath;
     }
 
-    QList<int> states(const QString &orderId)
+    QList<int> states(const OrderIdentity &orderId)
     {
         QList<int> states;
         for (const ImportFile &file : qAsConst(shown_[orderId].files))
@@ -377,9 +381,9 @@ private:
     orderqueries::Identity identity_{"101"_s, "7001"_s, "3101"_s};
     std::unique_ptr<QTemporaryDir> card_;
     std::unique_ptr<ImportRun> run_;
-    QHash<QString, ImportOrder> shown_;
-    QStringList registered_;
-    QStringList unregistered_;
+    QHash<OrderIdentity, ImportOrder> shown_;
+    QVector<OrderIdentity> registered_;
+    QVector<OrderIdentity> unregistered_;
     QStringList questions_;
     QStringList notices_;
     int allImported_ = 0;

@@ -51,6 +51,7 @@ private slots:
     void bodiesAndTitle()
     {
         ImportOrder order;
+        order.branch = "101"_s;
         order.orderPhotoId = "8&1"_s;
         order.orderPayForKey = "TS1"_s;
         order.serviceTimes = "2"_s;
@@ -58,7 +59,7 @@ private slots:
         order.mname = "周"_s;
         order.role1Name = "程"_s;
         order.delyp = "0"_s;
-        const OrderMap map = orderMap(order, "101"_s);
+        const OrderMap map = orderMap(order);
         QCOMPARE(title(map), "已导入 TS1-2 %3 周 程"_s);
         QVERIFY(!mayDelete(map));
         QVERIFY(mayDelete(order_));
@@ -142,9 +143,9 @@ private slots:
                 listed[index].importPath = root + folders.at(index);
         }
         listed[0].importPublicPath = root;
-        QTEST(photoPlaceOf(orderMap(listed[0], "101"_s), listed).holds(path), "held");
+        QTEST(photoPlaceOf(orderMap(listed[0]), listed).holds(path), "held");
         // Without a folder of its own, an order has no photos.
-        QVERIFY(!photoPlaceOf(orderMap(listed[3], "101"_s), listed).holds(path));
+        QVERIFY(!photoPlaceOf(orderMap(listed[3]), listed).holds(path));
     }
 
     void oneFile_data()

@@ -139,7 +139,9 @@ void TestQueries::readsAnOrder()
         "id": 17, "orderpayforkey": "A100", "servicetimes": 2, "mname": "张三", "wname": null,
         "shotdate": "2024-3-7", "netpath": "\\\\nas\\x", "order_photo_id": "90",
         "imagesize_small": "", "imagesize_middle": "200", "imagesize_big": -1,
-        "images": [{"img_name": "IMG_1.jpg", "type": 2}, "no object", null]})"));
+        "images": [{"img_name": "IMG_1.jpg", "type": 2}, "no object", null]})"),
+                                          {"3"_s, {}});
+    QCOMPARE(order.branch, "3"_s);
     QCOMPARE(order.id, "17"_s);
     QCOMPARE(order.serviceTimes, "2"_s);
     QCOMPARE(order.wname, QString());

@@ -52,7 +52,7 @@ private slots:
     {
         QVERIFY(!pool_->isBusy());
         pool_->startImportOrder(makeOrder("A"_s, 10));
-        QVERIFY(pool_->isQueuedOrActive("A"_s));
+        QVERIFY(pool_->isQueuedOrActive({{}, "A"_s, {}}));
         QTRY_COMPARE(begun_, 4);
         QCOMPARE(logged("添加导片任务: A (包含 10 张照片)"), 1);
         gate_.release(10);
@@ -63,7 +63,7 @@ private slots:
                  "A_%1.jpg"_s.arg(pool_->photos.first().at(2).toInt()));
         QCOMPARE(progressOf("A"_s), "1/10 2/10 3/10 4/10 5/10 6/10 7/10 8/10 9/10 10/10"_s);
         QCOMPARE(pool_->orders.first().mid(1), (QVariantList{true, QString()}));
-        QVERIFY(!pool_->isQueuedOrActive("A"_s));
+        QVERIFY(!pool_->isQueuedOrActive({{}, "A"_s, {}}));
         QTRY_COMPARE(pool_->all.size(), 1);
         QVERIFY(!pool_->isBusy());
         QVERIFY(pool_->finishedTasks() >= 3); // four, four and two

@@ -207,16 +207,16 @@ private slots:
         result.sourcePath = "/c/1.jpg"_s;
         result.kind = "90"_s;
         result.sourceIndex = 0; // the list has changed since
-        const QString second = "2"_s;
+        const OrderIdentity second{{}, "2"_s, {}};
         QCOMPARE(model.applyResult(second, result, false, "坏"_s), 1);
-        QCOMPARE(model.applyResult("1"_s, result, true, {}), -1);
-        QCOMPARE(model.applyResult("gone"_s, result, true, {}), -1);
+        QCOMPARE(model.applyResult({{}, "1"_s, {}}, result, true, {}), -1);
+        QCOMPARE(model.applyResult({{}, "gone"_s, {}}, result, true, {}), -1);
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
         model.flush();
         QCOMPARE(changed.count(), 1);
         QCOMPARE(state.data().toString(), "成功:0, 失败:1"_s);
         QCOMPARE(bar.data(tforderlistmodel::ProgressRole).toDouble(), 0.25);
-        const TransferProgress progress = model.progressOf({second, "gone"_s});
+        const TransferProgress progress = model.progressOf({second, {{}, "gone"_s, {}}});
         QCOMPARE(progress.filesTotal, 2);
         QCOMPARE(progress.bytesDone, 50);
 
@@ -333,7 +333,7 @@ void TestPhotoLists::readsOrders()
             R"({"id":4,"img_name":"c.jpg"},)"
             R"({"id":5,"img_name":"v.mp4","localpath":"\\\\nas\\x\\精修视频\\v.mp4"}]},{"id":7},)"
             R"({"mname":"nobody"},3,{"id":"8","imagesize_small":""}]})"),
-        share);
+        {"3"_s, share});
     QVERIFY(found.isList);
     QCOMPARE(found.elements, 5);
     QCOMPARE(found.orders.size(), 2);
@@ -348,7 +348,7 @@ void TestPhotoLists::readsOrders()
     QCOMPARE(found.orders.at(0).imported(1).size(), 0);
     QCOMPARE(found.orders.at(0).imported(2).size(), 1);
     for (const char *json : {"{}", R"({"data":null})", R"({"data":"none"})"})
-        QVERIFY(!photoorders::readOrders(parsed(json), share).isList);
+        QVERIFY(!photoorders::readOrders(parsed(json), {"3"_s, share}).isList);
 }
 
 QTEST_GUILESS_MAIN(TestPhotoLists)

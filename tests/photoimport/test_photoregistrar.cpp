@@ -58,7 +58,7 @@ private slots:
         QTRY_COMPARE(registrar_->idle.size(), 1);
         QCOMPARE(registrar_->registered.size(), 2);
         QCOMPARE(registrar_->orders.size(), 1);
-        QCOMPARE(registrar_->orders.first().first().toString(), order.id);
+        QCOMPARE(registrar_->orders.first().first().value<OrderIdentity>(), order.identity());
 
         QCOMPARE(demo_.requests(action).size(), 2);
         const QString bodies = demo_.body(action, 0) + demo_.body(action, 1);
@@ -102,7 +102,7 @@ private slots:
         registrar_->upImportOrderData(order, identity_);
         QTRY_COMPARE(registrar_->idle.size(), 1);
         QCOMPARE(registrar_->refused.size(), 1);
-        QCOMPARE(registrar_->refused.first().at(0).toString(), order.id);
+        QCOMPARE(registrar_->refused.first().at(0).value<OrderIdentity>(), order.identity());
         QCOMPARE(registrar_->refused.first().at(1).value<PhotoInfo>().fileName, "0.jpg"_s);
         QCOMPARE(registrar_->refused.first().at(2).toString(), reason);
         QCOMPARE(registrar_->ordersRefused.size(), 1);
