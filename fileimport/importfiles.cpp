@@ -321,6 +321,14 @@ bool ImportFiles::mayChangeFiles(int row)
     return !busy;
 }
 
+bool ImportFiles::refusesForOtherTool(const QVector<ImportOrder> &orders)
+{
+    const QString refusal = run_->refusalOf(orders);
+    if (!refusal.isEmpty())
+        MessageBox::warning(this, refusal);
+    return !refusal.isEmpty();
+}
+
 void ImportFiles::onSelectFilesClicked(int row)
 {
     chooser_->choose(row);
@@ -374,6 +382,10 @@ void ImportFiles::onStartAllClicked()
     const QString title = QStringLiteral("提示");
     if (orders_.orders().isEmpty()) {
         MessageBox::warning(this, QStringLiteral("没有订单可导入"), title);
+        return;
+    }
+    if (refusesForOtherTool(orders_.unfinished())) {
+        importing_ = false;
         return;
     }
     if (!run_->start(orders_.orders(), branch_.identity())) {
@@ -430,7 +442,8 @@ void ImportFiles::onRetryImportClicked(int row)
 {
     const ImportOrder *order = shownOrder();
     if (!order || row < 0 || row >= order->files.size() ||
-        order->files.at(row).state != ImportFile::Failed || chooser_->isBusy())
+        order->files.at(row).state != ImportFile::Failed || chooser_->isBusy() ||
+        refusesForOtherTool({*order}))
         return;
     abandonSearch();
     run_->retry(*order, row, branch_.identity());
@@ -438,7 +451,8 @@ void ImportFiles::onRetryImportClicked(int row)
 
 void ImportFiles::onRegisterAgainClicked(int row)
 {
-    if (!orders_.hasRow(row) || !orders_.order(row).unregistered)
+    if (!orders_.hasRow(row) || !orders_.order(row).unregistered ||
+        refusesForOtherTool({orders_.order(row)}))
         return;
     abandonSearch();
     run_->registerAgain(orders_.order(row), branch_.identity());

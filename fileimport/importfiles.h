@@ -76,6 +76,7 @@ private:
 
     /// Tells the user when the answer is no.
     bool mayChangeFiles(int row);
+    bool refusesForOtherTool(const QVector<ImportOrder> &orders);
     void abandonSearch();
     void onFilesChosen(int row);
 

@@ -4,6 +4,9 @@
 
 #include <QColor>
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 QVariant cell(const ImportOrder &order, int column)
@@ -56,6 +59,14 @@ void ImportOrderTableModel::setOrders(const QVector<ImportOrder> &orders)
     for (int row = 0; row < orders_.size(); ++row)
         rows_.insert(orders_.at(row).identity(), row);
     endResetModel();
+}
+
+QVector<ImportOrder> ImportOrderTableModel::unfinished() const
+{
+    QVector<ImportOrder> unfinished;
+    std::copy_if(orders_.cbegin(), orders_.cend(), std::back_inserter(unfinished),
+                 [](const ImportOrder &order) { return order.hasUnfinishedFile(); });
+    return unfinished;
 }
 
 void ImportOrderTableModel::change(int row, const std::function<void(ImportOrder &)> &edit)

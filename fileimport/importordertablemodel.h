@@ -45,6 +45,9 @@ public:
     /// Position of the order; -1 when it is not listed.
     int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
 
+    /// Those with a file that is not imported.
+    QVector<ImportOrder> unfinished() const;
+
     /// Applies \a edit to one order and announces its row. Rows out of range are ignored.
     void change(int row, const std::function<void(ImportOrder &)> &edit);
     /// Writes a copy's result into the order's file; returns the file's position, -1 when the order

@@ -8,6 +8,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -16,6 +17,13 @@ constexpr int filesAtOnce = 4;
 /// an order of thousands of files does not become thousands of objects.
 constexpr int tasksAhead = 16 * filesAtOnce;
 constexpr int stopPatienceMs = 5000;
+
+/// As the tool's card is called.
+QString toolName(ImportMode mode)
+{
+    return mode == ImportMode::Retouched ? QStringLiteral("导入精修片")
+                                         : QStringLiteral("导入原片");
+}
 
 } // namespace
 
@@ -36,6 +44,26 @@ ImportRun::~ImportRun()
     pool_.waitForDone();
 }
 
+QString ImportRun::refusalOf(const QVector<ImportOrder> &orders) const
+{
+    for (const ImportOrder &order : orders) {
+        const QString tool = ordersatwork::toolAt(order.identity());
+        if (!tool.isEmpty() && tool != toolName(mode_))
+            return ordersatwork::refusal(order.displayName(), tool);
+    }
+    return {};
+}
+
+void ImportRun::settleClaim(const OrderIdentity &orderId)
+{
+    if (!isAtWork(orderId)) {
+        claims_.remove(orderId);
+    } else if (!claims_.contains(orderId)) {
+        claims_.insert(orderId, std::make_shared<ordersatwork::Claim>(
+                                    QVector<OrderIdentity>{orderId}, toolName(mode_)));
+    }
+}
+
 bool ImportRun::start(const QVector<ImportOrder> &orders, const orderqueries::Identity &identity)
 {
     if (isRunning())
@@ -49,6 +77,8 @@ bool ImportRun::start(const QVector<ImportOrder> &orders, const orderqueries::Id
     if (sequence_.isEmpty())
         return false;
     identity_ = identity;
+    for (const OrderIdentity &orderId : qAsConst(sequence_))
+        settleClaim(orderId);
     current_ = {};
     startNextOrder();
     return true;
@@ -214,6 +244,7 @@ void ImportRun::importNextOrder(const OrderIdentity &orderId)
     dropRegistration(orderId);
     auto *registration = new OrderRegistration(mode_, order, identity_, this);
     registrations_.insert(orderId, registration);
+    settleClaim(orderId);
     connect(registration, &OrderRegistration::registered, this,
             [this, orderId](const RegistrationResult &result) { onRegistered(orderId, result); });
     connect(registration, &OrderRegistration::failed, this,
@@ -261,6 +292,7 @@ void ImportRun::dropRegistration(const OrderIdentity &orderId)
 {
     if (OrderRegistration *registration = registrations_.take(orderId))
         registration->deleteLater();
+    settleClaim(orderId);
 }
 
 void ImportRun::leaveUnregistered(const OrderIdentity &orderId)
@@ -320,9 +352,11 @@ void ImportRun::switchOff()
 {
     if (!isRunning())
         return;
-    sequence_.clear();
+    const QVector<OrderIdentity> ended = std::exchange(sequence_, {});
     current_ = {};
     pending_.clear();
+    for (const OrderIdentity &orderId : ended)
+        settleClaim(orderId);
     emit switchedOff();
 }
 
@@ -360,6 +394,7 @@ void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Iden
 
 void ImportRun::tellActivity(const OrderIdentity &orderId)
 {
+    settleClaim(orderId);
     emit orderActivityChanged(orderId,
                               hasTasks(orderId) || (isCurrent(orderId) && !pending_.isEmpty()));
 }

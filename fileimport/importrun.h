@@ -3,6 +3,7 @@
 #include "fileimport/importrecords.h"
 #include "fileimport/orderregistration.h"
 #include "files/transferprogress.h"
+#include "tasks/ordersatwork.h"
 #include "tasks/workerpool.h"
 #include "widgets/boxes/boxtext.h"
 
@@ -36,6 +37,9 @@ public:
     explicit ImportRun(ImportMode mode, QObject *parent = nullptr);
     ~ImportRun() override;
 
+    /// What to tell the user when one of \a orders is in another tool's hands; empty when none is.
+    /// To be asked before start(), retry() and registerAgain().
+    QString refusalOf(const QVector<ImportOrder> &orders) const;
     /// Starts importing every order that has a file not yet imported. False, and nothing happens,
     /// when there is none.
     bool start(const QVector<ImportOrder> &orders, const orderqueries::Identity &identity);
@@ -117,6 +121,7 @@ private:
     void dropRegistration(const OrderIdentity &orderId);
     void leaveUnregistered(const OrderIdentity &orderId);
     void switchOff();
+    void settleClaim(const OrderIdentity &orderId);
     void tellActivity(const OrderIdentity &orderId);
     const ImportOrder &orderOf(const OrderIdentity &orderId) const
     {
@@ -139,5 +144,6 @@ private:
     QVector<Task> tasks_;
     QHash<OrderIdentity, OrderRegistration *> registrations_;
     WorkerPool pool_;
+    QHash<OrderIdentity, std::shared_ptr<ordersatwork::Claim>> claims_; ///< on the orders at work
     QTimer stopTimer_; ///< reports tasks that outlast a stop
 };

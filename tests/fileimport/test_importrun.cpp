@@ -174,11 +174,16 @@ private slots:
             QThread::yieldCurrentThread();
         run_->stopAllImports(); // before the interface thread has seen any result
         QVERIFY(!run_->isRunning());
-        // Four are being copied still: the order stays at work until they have ended.
+        // Four are being copied still: the order stays at work, for other tools too, until they
+        // have ended.
         QVERIFY(run_->isAtWork(order.identity()));
+        QCOMPARE(ordersatwork::toolAt(order.identity()), "导入原片"_s);
+        QVERIFY(ImportRun(ImportMode::Retouched).refusalOf({order}).contains(order.displayName()));
+        QCOMPARE(run_->refusalOf({order}), QString());
         QCOMPARE(photoStateText(shown_[order.identity()]), "导入中 0/100"_s);
         QTRY_VERIFY(!run_->hasLiveTasks());
         QVERIFY(!run_->isAtWork(order.identity()));
+        QCOMPARE(ordersatwork::toolAt(order.identity()), QString());
         const QList<int> after = states(order.identity());
         const int imported = after.count(ImportFile::Imported);
         const int failed = after.count(ImportFile::Failed);
@@ -211,6 +216,7 @@ private slots:
         run_->stopAllImports();
         demo_.release();
         QVERIFY(!run_->isBusy());
+        QCOMPARE(ordersatwork::toolAt(first.identity()), QString());
         QCOMPARE(unregistered_, QVector<OrderIdentity>(1, first.identity()));
         QVERIFY(shown_[first.identity()].photoState() == PhotoState::Failed);
         QCOMPARE(states(second.identity()), (QList<int>{0, 0}));
