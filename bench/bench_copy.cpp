@@ -42,7 +42,7 @@ ImportOrder orderFor(const QStringList &sources, const QString &target)
     order.serviceTimes = "1"_s;
     order.importPath = wireForm(target);
     const ChoiceResult choice =
-        prepareChoice({ImportMode::Originals, order.importPath, 0, sources, false});
+        prepareChoice({ImportMode::Originals, order.importPath, 0, sources, {}});
     if (!choice.folderError.isEmpty())
         throw bench::Failure(choice.folderError);
     order.files = choice.files;
