@@ -36,6 +36,7 @@ QString wireForm(QString path)
 ImportOrder orderFor(const QStringList &sources, const QString &target)
 {
     ImportOrder order;
+    order.branch = AccountContext::shopId;
     order.id = "50001"_s;
     order.orderPhotoId = "800001"_s;
     order.orderPayForKey = "TS10001"_s;
@@ -58,7 +59,7 @@ double importSeconds(const QStringList &sources, const QString &target)
     int imported = 0;
     QString problem = "the run ended early"_s;
     QObject::connect(&run, &ImportRun::fileChanged, &loop,
-                     [&imported](const QString &, const ImportFile &file) {
+                     [&imported](const OrderIdentity &, const ImportFile &file) {
                          if (file.state == ImportFile::Imported)
                              ++imported;
                      });
@@ -68,9 +69,9 @@ double importSeconds(const QStringList &sources, const QString &target)
     };
     QObject::connect(&run, &ImportRun::allImported, &loop, [&] { endWith(QString()); });
     QObject::connect(&run, &ImportRun::resubmitNeeded, &loop,
-                     [&](const QString &, const QString &question) { endWith(question); });
+                     [&](const OrderIdentity &, const QString &question) { endWith(question); });
     QObject::connect(&run, &ImportRun::mismatchFound, &loop,
-                     [&](const QString &, const BoxText &notice) { endWith(notice.shown); });
+                     [&](const OrderIdentity &, const BoxText &notice) { endWith(notice.shown); });
     QElapsedTimer clock;
     clock.start();
     if (!run.start({order}, {AccountContext::shopId, AccountContext::superId, AccountContext::eid}))
