@@ -175,6 +175,7 @@ void measureDeletion(BenchApplication *application, const Settings &settings, co
         DemoClient().reset();
         makeTree(root, settings.deleted);
         BatchDeleteOrderInfo order;
+        order.branch = "101"_s;
         order.id = "50001"_s;
         order.orderPhotoId = "800001"_s;
         order.netPath = QString(root).replace(QLatin1Char('/'), QLatin1Char('\\'));
