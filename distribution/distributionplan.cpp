@@ -8,6 +8,7 @@
 #include "files/safename.h"
 
 #include <QHash>
+#include <QScopedValueRollback>
 
 #include <algorithm>
 #include <utility>
@@ -106,11 +107,16 @@ public:
     }
 
 private:
+    struct Given
+    {
+        QString name;
+        bool isPlanned = false;
+    };
     /// What is planned for one folder.
     struct Folder
     {
         foldernames::DistinctNames names;
-        QHash<QString, QString> given; ///< name by the name wanted and what it is made from
+        QHash<QString, Given> given; ///< by the name wanted and what it is made from
     };
     /// Where something goes, and whether it had not been planned before.
     struct Place
@@ -157,6 +163,9 @@ private:
     QHash<QString, Folder> folders_; ///< by path in one case
     QSet<QString> reported_;         ///< ids whose download somebody is told of
     QSet<QString> unclear_;          ///< names and kinds that the user has been told of
+    /// What is left out keeps its name: an earlier run may have written it, and its namesake must
+    /// not replace it now.
+    bool onlyNames_ = false;
     OrderPlan plan_;
 };
 
@@ -164,17 +173,21 @@ private:
 Planner::Place Planner::add(DistributionTask task, const QString &subFolder)
 {
     if (task.imgName.isEmpty()) {
-        plan_.problems.append(QStringLiteral("照片没有文件名: %1").arg(task.sourcePath));
+        if (!onlyNames_)
+            plan_.problems.append(QStringLiteral("照片没有文件名: %1").arg(task.sourcePath));
         return {};
     }
     const QString path = task.targetFolder + subFolder;
     Folder &folder = folders_[path.toCaseFolded()];
     const QString wanted = safeFileName(task.imgName);
     const QString source = comparable(task);
-    QString &name = folder.given[wanted.toCaseFolded() + QLatin1Char('\n') + source];
-    if (!name.isEmpty())
+    Given &given = folder.given[wanted.toCaseFolded() + QLatin1Char('\n') + source];
+    if (given.name.isEmpty())
+        given.name = folder.names.take(wanted);
+    const QString name = given.name;
+    if (onlyNames_ || given.isPlanned)
         return {path + name};
-    name = folder.names.take(wanted);
+    given.isPlanned = true;
     if (!pathgate::isBelow(path + name, request_.orderFolder)) {
         plan_.problems.append(QStringLiteral("%1不在订单文件夹中，没有写入").arg(path + name));
         return {};
@@ -220,16 +233,15 @@ void Planner::takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersio
                            const QString &kind, const QString &type)
 {
     for (const DetailPhoto &photo : photos) {
-        if (isWanted(versions, photo, kind))
-            take(photo, type, request_.orderFolder + kind + QLatin1Char('/'));
+        const QScopedValueRollback<bool> rollback(onlyNames_, !isWanted(versions, photo, kind));
+        take(photo, type, request_.orderFolder + kind + QLatin1Char('/'));
     }
 }
 
 void Planner::takeOriginals(const QString &type, const QString &folder)
 {
     for (const DetailPhoto &photo : detail_.images) {
-        if (isLeftOut(photo))
-            continue;
+        const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
         const Place place = take(photo, type, folder);
         const QString reported = place.isNew ? plan_.tasks.constLast().imageId : QString();
         const QString name = fileName(place.path);
@@ -255,8 +267,8 @@ void Planner::planDownload(const QString &originalsType, const QString &photosTy
         takeOriginals(originalsType, orderFolder("原始档/"));
     if (options.fullSize) {
         for (const DetailPhoto &photo : detail_.images) {
-            if (!isLeftOut(photo))
-                take(photo, photosType, orderFolder("原图/"));
+            const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
+            take(photo, photosType, orderFolder("原图/"));
         }
     }
     if (options.basic || options.basicWithRejected)
@@ -293,8 +305,7 @@ void Planner::planDistribution()
 void Planner::planSelection()
 {
     for (const DetailPhoto &photo : detail_.images) {
-        if (isLeftOut(photo))
-            continue;
+        const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
         if (!takeImproved(photo, request_.orderFolder, true) && request_.options.fullSize)
             takeRole(photo, photorole::finished, request_.orderFolder);
     }
@@ -317,8 +328,9 @@ void Planner::planProducts()
     }
     for (const DetailPhoto &photo : detail_.images) {
         const QString folder = orderFolder("其他/");
-        if (isLeftOut(photo) || used.contains(photo.key()))
+        if (used.contains(photo.key()))
             continue;
+        const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
         if (!takeImproved(photo, folder))
             takeRole(photo, photorole::finished, folder);
     }
@@ -422,7 +434,7 @@ void Planner::tellUnclear(const QString &imgName, const QString &kind)
 {
     const QString problem =
         QStringLiteral("%1有多张同名照片，无法判断%2属于哪一张，没有拷贝").arg(imgName, kind);
-    if (unclear_.contains(problem))
+    if (onlyNames_ || unclear_.contains(problem))
         return;
     unclear_.insert(problem);
     plan_.problems.append(problem);
