@@ -19,8 +19,6 @@
 
 namespace {
 
-/// No list of orders is larger; whatever goes on beyond this would end the program's memory.
-constexpr qint64 largestReplyBytes = qint64(256) * 1024 * 1024;
 /// Larger replies, such as a list of thousands of orders, would hold the interface up.
 constexpr int parsedAtOnceBytes = 256 * 1024;
 
@@ -146,7 +144,7 @@ void BaseReq::sendRequest(const QString &action, const QByteArray &body, Service
     qDebug() << "paras: " << loggable(fullBody) << fullBody.size();
     request_.setUrl(QUrl(url));
     watch(manager_->post(request_, fullBody));
-    body_ = new ReplyBody(reply_, largestReplyBytes);
+    body_ = new ReplyBody(reply_, mostReplyBytes_);
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 
@@ -158,7 +156,7 @@ void BaseReq::sendGetRequest(const QString &url, ServiceCallback callback)
     applyTlsSettings(&request);
     request.setUrl(QUrl(url));
     watch(manager_->get(request));
-    body_ = new ReplyBody(reply_, largestReplyBytes);
+    body_ = new ReplyBody(reply_, mostReplyBytes_);
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 

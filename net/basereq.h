@@ -63,6 +63,9 @@ public:
     /// that was not the reason.
     const QString &certificateError() const { return certificateError_; }
 
+    /// Beyond so many bytes, unpacked, a reply of the service is given up; before sending.
+    void setMostReplyBytes(qint64 count) { mostReplyBytes_ = count; }
+
     /// Whether the last answer was given up because of its size.
     bool isTooLarge() const { return isTooLarge_; }
 
@@ -75,6 +78,9 @@ private slots:
     void imageDownloadFinished(QNetworkReply *reply);
 
 private:
+    /// No list of orders is larger; whatever goes on beyond this would end the program's memory.
+    static constexpr qint64 largestReplyBytes = qint64(256) * 1024 * 1024;
+
     void watch(QNetworkReply *reply);
     void noteCertificateError(QNetworkReply *reply);
     void handOverImage(const QByteArray &image, const QString &problem);
@@ -87,6 +93,7 @@ private:
     ImageBytesCallback imageCallback_;
     QString certificateError_;
     QPointer<ReplyBody> body_; ///< of the reply
+    qint64 mostReplyBytes_ = largestReplyBytes;
     bool isTooLarge_ = false;
 };
 
