@@ -1,5 +1,6 @@
 #include "app/context/k.h"
 #include "platform/power.h"
+#include "tasks/background.h"
 #include "widgets/theme.h"
 
 #include <QApplication>
@@ -17,5 +18,9 @@ int main(int argc, char *argv[])
     theme::applyApplicationFont();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
     K::instance()->openStartWindow(0);
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    // A look at a dead share may still hang, and must not come back to a program half taken down.
+    diskPool().waitForDone();
+    processorPool().waitForDone();
+    return exitCode;
 }
