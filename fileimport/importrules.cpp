@@ -17,6 +17,12 @@ const QString retouchedFolder = QStringLiteral("精修片");
 
 } // namespace
 
+QString toolName(ImportMode mode)
+{
+    return mode == ImportMode::Retouched ? QStringLiteral("导入精修片")
+                                         : QStringLiteral("导入原片");
+}
+
 QString dialogFilter(ImportMode mode)
 {
     if (mode == ImportMode::Retouched)

@@ -9,6 +9,9 @@
 /// What the import window decides about names and folders, by mode. Pure functions; no disk here.
 namespace importrules {
 
+/// As the tool's card is called.
+QString toolName(ImportMode mode);
+
 /// Filter of the file dialog.
 QString dialogFilter(ImportMode mode);
 

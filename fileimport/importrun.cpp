@@ -2,6 +2,7 @@
 
 #include "fileimport/importfilecopyrunnable.h"
 #include "fileimport/importrequests.h"
+#include "fileimport/importrules.h"
 #include "net/servicecall.h"
 
 #include <QDebug>
@@ -17,13 +18,6 @@ constexpr int filesAtOnce = 4;
 /// an order of thousands of files does not become thousands of objects.
 constexpr int tasksAhead = 16 * filesAtOnce;
 constexpr int stopPatienceMs = 5000;
-
-/// As the tool's card is called.
-QString toolName(ImportMode mode)
-{
-    return mode == ImportMode::Retouched ? QStringLiteral("导入精修片")
-                                         : QStringLiteral("导入原片");
-}
 
 } // namespace
 
@@ -48,7 +42,7 @@ QString ImportRun::refusalOf(const QVector<ImportOrder> &orders) const
 {
     for (const ImportOrder &order : orders) {
         const QString tool = ordersatwork::toolAt(order.identity());
-        if (!tool.isEmpty() && tool != toolName(mode_))
+        if (!tool.isEmpty() && tool != importrules::toolName(mode_))
             return ordersatwork::refusal(order.displayName(), tool);
     }
     return {};
@@ -60,7 +54,7 @@ void ImportRun::settleClaim(const OrderIdentity &orderId)
         claims_.remove(orderId);
     } else if (!claims_.contains(orderId)) {
         claims_.insert(orderId, std::make_shared<ordersatwork::Claim>(
-                                    QVector<OrderIdentity>{orderId}, toolName(mode_)));
+                                    QVector<OrderIdentity>{orderId}, importrules::toolName(mode_)));
     }
 }
 
@@ -175,8 +169,10 @@ void ImportRun::onFileCopyFinished(ImportFileCopyRunnable *runnable, const Impor
         storeResult(task.orderId, file);
         afterResult(task.orderId, file);
     } else {
-        // Where the file was started anew, the new attempt speaks for it.
-        if (!isCurrent(task.orderId) && !isLive(task.orderId, task.fileIndex)) {
+        // Where the file was started anew, the new attempt speaks for it, or has spoken.
+        const bool waits =
+            orderOf(task.orderId).files.at(task.fileIndex).state == ImportFile::Waiting;
+        if (waits && !isCurrent(task.orderId) && !isLive(task.orderId, task.fileIndex)) {
             storeResult(task.orderId, file);
             if (orderOf(task.orderId).unregistered)
                 leaveUnregistered(task.orderId);
@@ -290,8 +286,10 @@ void ImportRun::failMismatched(const OrderIdentity &orderId,
 
 void ImportRun::dropRegistration(const OrderIdentity &orderId)
 {
-    if (OrderRegistration *registration = registrations_.take(orderId))
+    if (OrderRegistration *registration = registrations_.take(orderId)) {
+        registration->disconnect(this); // its answer may be on its way
         registration->deleteLater();
+    }
     settleClaim(orderId);
 }
 

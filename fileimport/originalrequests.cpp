@@ -60,6 +60,18 @@ OrderMap orderMap(const ImportOrder &order)
             {QStringLiteral("importpublicpath"), order.importPublicPath}};
 }
 
+OrderIdentity identityOf(const OrderMap &order)
+{
+    return {order.value(QStringLiteral("shopid")), order.value(QStringLiteral("orderid")),
+            order.value(QStringLiteral("order_photo_id"))};
+}
+
+QString numberOf(const OrderMap &order)
+{
+    return order.value(QStringLiteral("orderpayforkey")) + QLatin1Char('-') +
+           order.value(QStringLiteral("servicetimes"));
+}
+
 QString title(const OrderMap &order)
 {
     const auto value = [&order](const char *key) { return order.value(QString::fromLatin1(key)); };

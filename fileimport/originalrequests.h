@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/context/orderidentity.h"
 #include "fileimport/photorecords.h"
 
 #include <QByteArray>
@@ -25,6 +26,9 @@ inline const QString deleteAction = QStringLiteral("&m=order&a=delete_pics");
 using OrderMap = QMap<QString, QString>;
 
 OrderMap orderMap(const ImportOrder &order);
+OrderIdentity identityOf(const OrderMap &order);
+/// The number users know the order by, with its service.
+QString numberOf(const OrderMap &order);
 /// What heads the view while it shows \a order.
 QString title(const OrderMap &order);
 /// Whether the user may delete the order's photos.

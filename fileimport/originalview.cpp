@@ -1,5 +1,6 @@
 #include "fileimport/originalview.h"
 
+#include "fileimport/importrules.h"
 #include "fileimport/thumbnailtableview.h"
 #include "tasks/background.h"
 #include "widgets/boxes/confirmdialog.h"
@@ -84,7 +85,10 @@ OriginalView::OriginalView(QWidget *parent)
         if (stopping_ && isStopped())
             emit stopped();
     };
-    connect(&deletion_, &OriginalDeletion::ended, this, tellWhenStopped);
+    connect(&deletion_, &OriginalDeletion::ended, this, [this, tellWhenStopped] {
+        claim_.release();
+        tellWhenStopped();
+    });
     connect(grid_, &ThumbnailTableView::stopped, this, tellWhenStopped);
     setOrder({});
 }
@@ -291,6 +295,14 @@ void OriginalView::deleteSelected()
 void OriginalView::startDeletion(const originalrequests::OrderMap &order,
                                  const QVector<PhotoEntry> &deletable)
 {
+    const auto conflict =
+        ordersatwork::claim({originalrequests::identityOf(order)},
+                            importrules::toolName(ImportMode::Originals), &claim_);
+    if (conflict) {
+        MessageBox::warning(
+            this, ordersatwork::refusal(originalrequests::numberOf(order), conflict->tool));
+        return;
+    }
     abandonListing();
     ready_ = false;
     overlay_->showText(QStringLiteral("提交删除数据中..."), false);

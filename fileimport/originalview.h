@@ -4,6 +4,7 @@
 #include "fileimport/originalrequests.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
+#include "tasks/ordersatwork.h"
 
 #include <QString>
 #include <QVector>
@@ -79,6 +80,7 @@ private:
     LatestCall listing_;
     Latest reading_; ///< of its reply
     OriginalDeletion deletion_;
+    ordersatwork::Claim claim_; ///< on the order that it deletes from
 
     QLabel *title_;
     QLabel *count_;

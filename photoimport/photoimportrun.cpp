@@ -61,7 +61,7 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
     QVector<OrderIdentity> wanted;
     for (const int row : rows)
         wanted.append(orders_->order(row).identity());
-    const auto conflict = ordersatwork::claim(wanted, QStringLiteral("导片工具"), &claim_);
+    const auto conflict = ordersatwork::claim(wanted, photorules::toolName(), &claim_);
     if (conflict) {
         const int row = rows.at(wanted.indexOf(conflict->order));
         emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),

@@ -78,6 +78,11 @@ QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, i
     return photos;
 }
 
+QString toolName()
+{
+    return QStringLiteral("导片工具");
+}
+
 QString importFolderOf(const OrderInfo &order)
 {
     return orderqueries::importFolderOf(order, order.importPath, order.importPublicPath);

@@ -26,6 +26,9 @@ inline const QString retouchedVideoKind = QStringLiteral("精修视频");
 /// original and its size variants, otherwise one video copy each.
 QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, int photoMode);
 
+/// As the tool's card is called.
+QString toolName();
+
 /// The folder of \a order, in Windows form: the one it has, otherwise composed from its values.
 QString importFolderOf(const OrderInfo &order);
 

@@ -25,7 +25,11 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
 tfphotodeletion::tfphotodeletion(QObject *parent)
     : QObject(parent), call_(this), thread_(new TFDelLocalPhotoImg(this))
 {
-    connect(thread_, &QThread::finished, this, &tfphotodeletion::removed);
+    connect(thread_, &QThread::finished, this, [this] {
+        if (!asking_) // for the next ones already
+            claim_.release();
+        emit removed();
+    });
 }
 
 bool tfphotodeletion::isRemoving() const
@@ -38,10 +42,12 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
     if (isActive())
         return false;
     if (!orderqueries::mayWorkOn(request.orderId, identity)) {
-        ServiceReply reply;
-        reply.outcome = ServiceReply::Outcome::Refused;
-        reply.message = orderqueries::otherBranchText(request.orderName);
-        emit refused(request, reply);
+        emit refused(request, refusal(orderqueries::otherBranchText(request.orderName)));
+        return false;
+    }
+    const auto conflict = ordersatwork::claim({request.orderId}, photorules::toolName(), &claim_);
+    if (conflict) {
+        emit refused(request, refusal(ordersatwork::refusal(request.orderName, conflict->tool)));
         return false;
     }
     asking_ = true;
@@ -51,16 +57,28 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
     return true;
 }
 
+ServiceReply tfphotodeletion::refusal(const QString &text)
+{
+    ServiceReply reply;
+    reply.outcome = ServiceReply::Outcome::Refused;
+    reply.message = text;
+    return reply;
+}
+
 bool tfphotodeletion::cancel()
 {
     call_.cancel();
-    return std::exchange(asking_, false);
+    if (!std::exchange(asking_, false))
+        return false;
+    claim_.release();
+    return true;
 }
 
 void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
 {
     asking_ = false;
     if (!reply.isSuccess()) {
+        claim_.release();
         emit refused(request, reply);
         return;
     }

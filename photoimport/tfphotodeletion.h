@@ -2,6 +2,7 @@
 
 #include "net/servicecall.h"
 #include "photoimport/photoorder.h"
+#include "tasks/ordersatwork.h"
 
 #include <QObject>
 #include <QString>
@@ -37,7 +38,7 @@ public:
     explicit tfphotodeletion(QObject *parent = nullptr);
 
     /// False, and nothing happens, while another deletion is under way; false and refused() for an
-    /// order of another branch.
+    /// order of another branch, or one that another tool has in hand.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
     /// Gives up asking the service; what it has agreed to goes on. False when nothing was asked.
     bool cancel();
@@ -53,9 +54,11 @@ signals:
     void removed();
 
 private:
+    static ServiceReply refusal(const QString &text);
     void onReply(const DeletionRequest &request, const ServiceReply &reply);
 
     LatestCall call_;
     TFDelLocalPhotoImg *thread_;
     bool asking_ = false;
+    ordersatwork::Claim claim_; ///< while isActive()
 };

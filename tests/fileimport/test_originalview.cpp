@@ -60,16 +60,28 @@ private slots:
         QVERIFY(MessageBox::takeShown().constFirst().text.contains("3 个文件"_s));
         QVERIFY(demo_.requests("delete_pics"_s).isEmpty());
 
+        const OrderIdentity order = originalrequests::identityOf(firstOrder());
+        {
+            const ordersatwork::Claim claim({order}, "设计分件"_s);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+            press("deletePhotosButton");
+            QList<BoxRecord> shown;
+            QTRY_COMPARE((shown += MessageBox::takeShown()).size(), 2);
+            QCOMPARE(shown.last().text, ordersatwork::refusal("TS10001-1"_s, "设计分件"_s));
+            QVERIFY(demo_.requests("delete_pics"_s).isEmpty());
+        }
         demo_.hold("delete_pics"_s);
         demo_.clearRequests();
         deleteAgreed();
         QTRY_COMPARE(demo_.held(), 1);
+        QCOMPARE(ordersatwork::toolAt(order), "导入原片"_s);
         QCOMPARE(overlayText(), "提交删除数据中..."_s);
         view_->refresh(); // nothing, as long as a deletion is under way
         QCOMPARE(overlayText(), "提交删除数据中..."_s);
         demo_.release();
         QTRY_COMPARE(grid()->count(), 5);
         QCOMPARE(overlayText(), "删除完成！"_s);
+        QVERIFY(ordersatwork::toolAt(order).isEmpty());
         QCOMPARE(MessageBox::takeShown().constFirst().text,
                  "本地文件删除失败，请检查手动删除以下照片！\n1.jpg 文件不存在"_s);
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files),

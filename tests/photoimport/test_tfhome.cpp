@@ -245,6 +245,16 @@ private slots:
         pressAmongPhotos(Qt::Key_Delete);
         EXPECT_BOXES(question, "照片已锁定"_s);
         QVERIFY(QFile::exists(original));
+        {
+            const ordersatwork::Claim claim({OrderIdentity{"101"_s, "50001"_s, "800001"_s}},
+                                            "设计分件"_s);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+            pressAmongPhotos(Qt::Key_Delete);
+            EXPECT_BOXES(question,
+                         ordersatwork::refusal(
+                             first_ + u' ' + text(first_, Column::CustomersColumn), "设计分件"_s));
+            QCOMPARE(demo_.requests("delimages"_s).size(), 1);
+        }
 
         pressAmongPhotos(Qt::Key_Delete); // and changes their mind
         EXPECT_BOXES(question);
