@@ -278,7 +278,7 @@ private slots:
         mode->setFocus();
         QTest::keyClick(mode, Qt::Key_Down);
         QCOMPARE(AccountContext::photoMode, 1);
-        const QString video = writeFile(card_->filePath("A&B.mp4"_s), "frames");
+        writeFile(card_->filePath("A&B.mp4"_s), "frames");
         select(second_);
         const UnreadableFolder unreadable(card_->path());
         if (!unreadable.path.isEmpty()) {
