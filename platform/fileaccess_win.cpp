@@ -61,10 +61,13 @@ bool isSameFile(const QString &one, const QString &other)
 {
     const auto first = identityOf(one);
     const auto second = identityOf(other);
+    // Some disks have more numbers than are told here; two files of one number differ in size.
     if (first && second)
         return first->dwVolumeSerialNumber == second->dwVolumeSerialNumber &&
                first->nFileIndexHigh == second->nFileIndexHigh &&
-               first->nFileIndexLow == second->nFileIndexLow;
+               first->nFileIndexLow == second->nFileIndexLow &&
+               first->nFileSizeHigh == second->nFileSizeHigh &&
+               first->nFileSizeLow == second->nFileSizeLow;
     // Some shares number nothing; the names are left then.
     const QString path = QFileInfo(one).canonicalFilePath();
     return !path.isEmpty() &&

@@ -168,7 +168,10 @@ Removal removeListed(const QString &path, qint64 size, qint64 modified)
 {
     {
         const LookedAt now(path, FILE_FLAG_OPEN_REPARSE_POINT);
-        if (now.isKnown() && !now.isFolder() &&
+        // What cannot be looked at may be anything.
+        if (!now.isKnown())
+            return GetLastError() == ERROR_ACCESS_DENIED ? Removal::Denied : Removal::Refused;
+        if (!now.isFolder() &&
             (together(now.info().nFileSizeHigh, now.info().nFileSizeLow) != size ||
              ticksOf(now.info().ftLastWriteTime) != modified))
             return Removal::Changed;
