@@ -102,6 +102,14 @@ void BatchDelete::connectLists()
             &BatchDelete::onSearchTypeChanged);
     connect(searchBar_, &OrderSearchBar::branchChosen, this,
             &BatchDelete::onBranchSelectionChanged);
+    finder_->setLeaving({[this] { return run_.isBusy() ? deletingText() : QString(); },
+                         [this] {
+                             return orders_.unreported() == 0
+                                        ? QString()
+                                        : unreportedQuestion(QStringLiteral(
+                                              "切换分店后无法再次提交，确认要切换吗？"));
+                         }});
+    connect(finder_, &OrderFinder::branchLeft, this, &BatchDelete::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
     connect(finder_, &OrderFinder::found, this, &BatchDelete::onOrderList);
 
@@ -190,31 +198,18 @@ void BatchDelete::reqShopInfo()
 
 void BatchDelete::onBranchSelectionChanged(int index)
 {
-    const QString shopId = searchBar_->branchId(index);
-    if (run_.isBusy()) {
-        finder_->showBranch();
-        MessageBox::warning(this, deletingText());
-        return;
-    }
-    if (orders_.unreported() == 0) {
-        finder_->chooseBranch(shopId);
-        return;
-    }
-    ConfirmDialog::ask(this,
-                       unreportedQuestion(QStringLiteral("切换分店后无法再次提交，确认要切换吗？")),
-                       ConfirmDialog::Enter::Cancels, [this, shopId](bool agreed) {
-                           if (agreed && !run_.isBusy())
-                               finder_->chooseBranch(shopId);
-                           else
-                               finder_->showBranch();
-                       });
+    finder_->chooseBranch(searchBar_->branchId(index));
+}
+
+void BatchDelete::onBranchLeft()
+{
+    approval_->cancel();
+    orders_.clear();
+    fileList_->clear();
 }
 
 void BatchDelete::onBranchSwitched()
 {
-    // What another branch's orders are must not be deleted in this one's name.
-    orders_.clear();
-    fileList_->clear();
     switchedRoots_.append(branch_.publicPath());
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     const bool permitted = branch_.mayDeleteAllPhotos();
@@ -222,7 +217,6 @@ void BatchDelete::onBranchSwitched()
     fileList_->setEnabled(permitted);
     if (!permitted) {
         orderList_->table()->setEmptyText(noPermissionText());
-        searchBar_->setPersons({});
         Toast::show(this, noPermissionText(), toastMs);
         return;
     }

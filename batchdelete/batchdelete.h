@@ -54,6 +54,7 @@ private:
     void connectRun();
     bool isClosing() const { return closing_; }
 
+    void onBranchLeft();
     void onBranchSwitched();
     void reqOrderList();
     void onOrderList(const ServiceReply &reply);

@@ -70,8 +70,8 @@ void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
     refusals_.clear();
     for (const BatchDeleteOrderInfo &order : orders) {
         ordersatwork::Claim claim;
-        const auto conflict = ordersatwork::claim({{identity.shopId, order.id, order.orderPhotoId}},
-                                                  QStringLiteral("批量删除"), &claim);
+        const auto conflict =
+            ordersatwork::claim({order.identity()}, QStringLiteral("批量删除"), &claim);
         claims_.push_back(std::move(claim));
         refusals_.append(conflict ? ordersatwork::refusal(order.displayNumber(), conflict->tool)
                                   : QString());

@@ -94,6 +94,7 @@ void FJHome::connectPanels()
     });
     connect(left_, &FJLeftPanel::emitReqOrderFinish, right_, &FJRightPanel::onSetSearchBtnStatus);
     connect(left_, &FJLeftPanel::userInfoChange, this, [this](const QString &shopId) {
+        abandonPhotos();
         right_->namingPanel()->setIdentity(left_->identity());
         right_->showBranch(shopId);
         right_->clearPhotos();

@@ -4,6 +4,7 @@
 #include "fileimport/importfilepanel.h"
 #include "fileimport/importorderpanel.h"
 #include "fileimport/importrequests.h"
+#include "fileimport/importrules.h"
 #include "fileimport/orderfilechooser.h"
 #include "fileimport/originalview.h"
 #include "files/pathgate.h"
@@ -67,6 +68,9 @@ ImportFiles::ImportFiles(QWidget *parent)
     connect(chooser_, &OrderFileChooser::filesChanged, this, &ImportFiles::onFilesChosen);
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    finder_->setLeaving({[this] { return run_->isBusy() ? importingText() : QString(); },
+                         [this] { return importrules::leavingQuestion(orders_.orders()); }});
+    connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
     connect(finder_, &OrderFinder::found, this, &ImportFiles::onOrderList);
     connectPanel();
@@ -225,13 +229,15 @@ void ImportFiles::reqShopInfo()
 void ImportFiles::onBranchSelectionChanged(int index)
 {
     const QString shopId = panel_->searchBar()->branchId(index);
-    if (run_->isBusy()) {
-        finder_->showBranch();
-        MessageBox::warning(this, importingText());
-        return;
-    }
     qDebug() << "选择了分店:" << shopId;
     finder_->chooseBranch(shopId);
+}
+
+void ImportFiles::onBranchLeft()
+{
+    chooser_->cancel();
+    orders_.setOrders({});
+    onOrderTableSelectionChanged();
 }
 
 void ImportFiles::onSearchTypeChanged(int type)

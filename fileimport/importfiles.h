@@ -71,6 +71,7 @@ private:
     bool hasLiveWork() const;
     void finishClosingWhenIdle();
 
+    void onBranchLeft();
     void onOrderList(const ServiceReply &reply);
     void showSearchResult(const importrequests::OrderList &list);
 

@@ -106,8 +106,6 @@ QVariant ImportOrderTableModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case SortRole:
         return cell(order, index.column());
-    case OrderIdRole:
-        return order.id;
     case Qt::ForegroundRole:
         if (index.column() == StateColumn)
             return QColor(photoStateColour(order.photoState()));

@@ -32,8 +32,7 @@ public:
         ColumnCount
     };
     enum Role {
-        OrderIdRole = Qt::UserRole,
-        SortRole, ///< numbers as numbers
+        SortRole = Qt::UserRole, ///< numbers as numbers
     };
 
     explicit ImportOrderTableModel(QObject *parent = nullptr);

@@ -6,6 +6,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <numeric>
 
 namespace importrules {
 
@@ -94,6 +95,18 @@ int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths
     return int(std::count_if(files.cbegin(), files.cend(), [&kept](const ImportFile &file) {
         return file.state != ImportFile::Imported && !kept.contains(file.sourcePath);
     }));
+}
+
+QString leavingQuestion(const QVector<ImportOrder> &orders)
+{
+    const int lost =
+        std::accumulate(orders.cbegin(), orders.cend(), 0, [](int sum, const ImportOrder &order) {
+            return sum + unimportedWithout(order.files, {});
+        });
+    if (lost == 0)
+        return {};
+    return QStringLiteral("有 %1 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？")
+        .arg(lost);
 }
 
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)

@@ -37,6 +37,10 @@ QString unchosenQuestion(const QStringList &names);
 /// How many of \a files are not imported and not among \a paths.
 int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths);
 
+/// What to ask before \a orders are left for another branch's: how many files would not be imported
+/// any more. Empty when none.
+QString leavingQuestion(const QVector<ImportOrder> &orders);
+
 /// Files of one choice that would land on the same target, grouped; names compared without case.
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files);
 

@@ -12,7 +12,6 @@ BranchSession::BranchSession(QObject *parent)
 void BranchSession::switchTo(const QString &shopId)
 {
     cancelSearch(); // what the former branch answers is not wanted any more
-    personsCall_.cancel();
     switchCall_.start(orderqueries::switchShopAction, orderqueries::switchShopBody(shopId),
                       [this, shopId](const ServiceReply &reply) { onSwitchReply(shopId, reply); });
 }
@@ -28,6 +27,7 @@ void BranchSession::onSwitchReply(const QString &shopId, const ServiceReply &rep
         emit switchFailed(reply, QStringLiteral("分店信息不完整，请稍后重试"));
         return;
     }
+    personsCall_.cancel(); // a switch that is refused leaves the branch its persons
     confirmed_ = true;
     identity_ = {shopId, shop.superId, shop.employeeId};
     publicPath_ = shop.importPublicPath;

@@ -3,7 +3,6 @@
 #include "app/context/logging.h"
 #include "photoimport/tfhomeorders_orderlistwidget.h"
 #include "photoimport/tforderlistmodel.h"
-#include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/orderfinder.h"
@@ -45,6 +44,9 @@ void tfhomeorders::connectParts()
 {
     connect(searchBar_, &OrderSearchBar::searchRequested, this, &tfhomeorders::onSearchClicked);
     connect(searchBar_, &OrderSearchBar::branchChosen, this, &tfhomeorders::onBranchChosen);
+    finder_->setLeaving({[this] { return importing_ ? importingText() : QString(); },
+                         [this] { return leavingQuestion(); }});
+    connect(finder_, &OrderFinder::branchLeft, this, &tfhomeorders::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &tfhomeorders::onBranchSwitched);
     connect(finder_, &OrderFinder::found, this, &tfhomeorders::onOrderList);
     connect(finder_, &OrderFinder::refreshed, this, &tfhomeorders::onRefreshed);
@@ -73,41 +75,27 @@ void tfhomeorders::setImporting(bool importing)
 
 void tfhomeorders::onBranchChosen(int index)
 {
-    const QString shopId = searchBar_->branchId(index);
-    if (importing_) {
-        finder_->showBranch();
-        MessageBox::warning(this, importingText());
-        return;
-    }
+    finder_->chooseBranch(searchBar_->branchId(index));
+}
+
+QString tfhomeorders::leavingQuestion() const
+{
     const auto &orders = model_->orders();
-    const bool unfinished =
-        std::any_of(orders.cbegin(), orders.cend(),
-                    [](const PhotoOrder &order) { return order.hasUnfinishedFiles(); });
-    if (!unfinished) {
-        finder_->chooseBranch(shopId);
-        return;
-    }
-    ConfirmDialog::ask(this,
-                       QStringLiteral("切换分店会清空已添加但还没有导入的照片列表，"
-                                      "确认要切换吗？"),
-                       ConfirmDialog::Enter::Cancels, [this, shopId](bool agreed) {
-                           if (agreed && !importing_)
-                               finder_->chooseBranch(shopId);
-                           else
-                               finder_->showBranch();
-                       });
+    if (std::none_of(orders.cbegin(), orders.cend(),
+                     [](const PhotoOrder &order) { return order.hasUnfinishedFiles(); }))
+        return {};
+    return QStringLiteral("切换分店会清空已添加但还没有导入的照片列表，确认要切换吗？");
+}
+
+void tfhomeorders::onBranchLeft()
+{
+    table_->keepPlaceWhile([this] { model_->setOrders({}); });
+    emit ordersChanged();
 }
 
 void tfhomeorders::onBranchSwitched()
 {
-    searchBar_->setPersons({}); // those of the other branch
     branch_.listPersons();
-    if (listedShop_ != identity().shopId) {
-        // What was chosen in another branch cannot be registered in this one's name.
-        listedShop_ = identity().shopId;
-        table_->keepPlaceWhile([this] { model_->setOrders({}); });
-        emit ordersChanged();
-    }
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     finder_->search();
 }

@@ -44,6 +44,8 @@ private:
     void connectParts();
     void onBranchChosen(int index);
     void onSearchClicked();
+    QString leavingQuestion() const;
+    void onBranchLeft();
     void onBranchSwitched();
     void onOrderList(const ServiceReply &reply);
     void takeOrders(const photoorders::Found &found);
@@ -54,6 +56,5 @@ private:
     OrderSearchBar *searchBar_;
     tfhomeorders_OrderListWidget *table_;
     OrderFinder *finder_;
-    QString listedShop_; ///< branch of the orders listed
     bool importing_ = false;
 };

@@ -1,6 +1,8 @@
 #include "widgets/orderfinder.h"
 
 #include "app/context/accountcontext.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
@@ -33,6 +35,28 @@ void OrderFinder::open()
 
 void OrderFinder::chooseBranch(const QString &shopId)
 {
+    const QString refused = refusal();
+    if (!refused.isEmpty()) {
+        showBranch();
+        MessageBox::warning(window_, refused);
+        return;
+    }
+    const QString question = leaving_.question ? leaving_.question() : QString();
+    if (question.isEmpty()) {
+        leaveFor(shopId);
+        return;
+    }
+    ConfirmDialog::ask(window_, question, ConfirmDialog::Enter::Cancels,
+                       [this, shopId](bool agreed) {
+                           if (agreed && refusal().isEmpty())
+                               leaveFor(shopId);
+                           else
+                               showBranch();
+                       });
+}
+
+void OrderFinder::leaveFor(const QString &shopId)
+{
     AccountContext::selectedShopId = shopId;
     switchTo(shopId);
 }
@@ -55,6 +79,14 @@ void OrderFinder::onSwitched()
     endSearch();
     showBranch();
     place_.bar->resetKeyword();
+    const QString &branch = place_.branch->identity().shopId;
+    if (listedBranch_ != branch) {
+        listedBranch_ = branch;
+        place_.bar->setPersons({});
+        // Should the search that follows fail, or be cancelled, this is what is left.
+        place_.table->setEmptyText(QStringLiteral("请重新搜索"));
+        emit branchLeft();
+    }
     emit branchSwitched();
 }
 

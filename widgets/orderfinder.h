@@ -7,6 +7,9 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
+#include <utility>
+
 class EmptyStateTable;
 class LoadingOverlay;
 class OrderSearchBar;
@@ -14,8 +17,9 @@ class QWidget;
 
 /// What happens between a tool's search bar and its table of orders: switches branches, searches,
 /// lists the persons of a branch, tells on the table's overlay what is waited for and in a box what
-/// failed. The tool decides whether a branch may be left or searched, and what a reply means.
-/// Interface thread.
+/// failed. Another branch takes with it whom and what the former one had: the finder empties the
+/// persons, and has the tool empty the rest. The tool decides whether a branch may be left, and
+/// what a reply means. Interface thread.
 class OrderFinder : public QObject
 {
     Q_OBJECT
@@ -33,9 +37,19 @@ public:
     /// \a window owns the finder and the boxes that it shows.
     OrderFinder(QWidget *window, const Place &place);
 
+    /// What the tool says to another branch; texts for the user, empty when there is nothing to
+    /// say.
+    struct Leaving
+    {
+        std::function<QString()> refusal;  ///< why the orders may not be left now
+        std::function<QString()> question; ///< to ask first, for what would be lost
+    };
+    void setLeaving(Leaving leaving) { leaving_ = std::move(leaving); }
+
     /// Lists the branches and switches to the one that the window opened in.
     void open();
-    /// Switches to the branch that the user chose, for the tools opened later, too.
+    /// Switches to the branch that the user chose, for the tools opened later, too: unless the tool
+    /// refuses, or the user is asked and says no.
     void chooseBranch(const QString &shopId);
     /// Switches to the branch again: the switch at opening failed, or was cancelled.
     void confirmBranch();
@@ -59,6 +73,10 @@ public:
     }
 
 signals:
+    /// The branch is another one now, and nothing of the former's may be worked on in its name:
+    /// orders, what was chosen for them and what is being chosen are to go. Before
+    /// branchSwitched().
+    void branchLeft();
     /// The search bar shows the new branch and asks for nothing yet.
     void branchSwitched();
     /// The service's good answer to a search; the overlay is there until endSearch().
@@ -67,6 +85,8 @@ signals:
     void refreshed(const ServiceReply &reply);
 
 private:
+    QString refusal() const { return leaving_.refusal ? leaving_.refusal() : QString(); }
+    void leaveFor(const QString &shopId);
     void switchTo(const QString &shopId);
     void keepBranch();
     void onSwitched();
@@ -75,6 +95,8 @@ private:
 
     QWidget *window_;
     Place place_;
+    Leaving leaving_;
+    QString listedBranch_; ///< id of the branch that orders and persons are of
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
     bool refreshing_ = false; ///< the search under way is the silent one

@@ -198,6 +198,8 @@ void OrderSearchBar::addPersonFilter()
 
 void OrderSearchBar::setPersons(const QVector<orderqueries::Person> &persons)
 {
+    if (!personBox_)
+        return;
     const QString chosen = personId();
     personBox_->clear();
     personBox_->addItem(QStringLiteral("全部"), QString::fromLatin1(""));

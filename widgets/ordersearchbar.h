@@ -47,6 +47,7 @@ public:
     /// Adds the person filter, with nobody in it yet but "全部".
     void addPersonFilter();
     /// Who can be filtered by, "全部" before them. A person who is listed again stays chosen.
+    /// Nothing happens without a person filter.
     void setPersons(const QVector<orderqueries::Person> &persons);
     /// As BranchSession::search() takes it: empty for "全部", null without a person filter.
     QString personId() const;

@@ -85,6 +85,30 @@ private slots:
         QTRY_VERIFY(orders()->model()->rowCount() > 0);
     }
 
+    void anotherBranchForgetsThePersons()
+    {
+        open();
+        QTRY_COMPARE(combo("personBox")->count(), 5);
+        combo("personBox")->setFocus();
+        QTest::keyClick(combo("personBox"), Qt::Key_Down);
+        QTRY_VERIFY(demo_.body("order_list"_s).contains("&role7id=1011&"_s));
+        QTRY_VERIFY(child<QPushButton>("searchButton")->isEnabled());
+        forgetBoxes(); // that person may have no orders
+
+        demo_.refuse("switch_shop"_s, "分店已停用"_s);
+        chooseBranch("102"_s);
+        EXPECT_BOXES("分店已停用"_s);
+        QCOMPARE(combo("personBox")->count(), 5);
+        QCOMPARE(combo("personBox")->currentIndex(), 1);
+
+        demo_.refuse("get_persons"_s, "忙"_s);
+        chooseBranch("102"_s);
+        QTRY_VERIFY(demo_.body("order_list"_s).contains("&role7id=&ratio=90&shopid=102&"_s));
+        QTRY_VERIFY(orders()->model()->rowCount() > 0);
+        EXPECT_BOXES("忙"_s);
+        QCOMPARE(combo("personBox")->count(), 1);
+    }
+
     void searchesByCompletion()
     {
         open();

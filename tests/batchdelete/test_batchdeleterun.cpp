@@ -216,14 +216,19 @@ private slots:
         QVERIFY(QFile::rename(real, real + "-real"_s));
         QVERIFY(QFile::link(real + "-real"_s, real));
         const auto fine = makeOrder(5, 1);
-        runOut({missing, empty, link, fine});
+        auto elsewhere = makeOrder(1, 1);
+        elsewhere.branch = "102"_s;
+        runOut({missing, empty, link, elsewhere, fine});
         QCOMPARE(shown_.value(missing.identity()).note, "目录不存在: "_s + missing.netPath);
         QCOMPARE(shown_.value(empty.identity()).note, "目录中没有可删除的文件"_s);
         QVERIFY(shown_.value(link.identity()).note.contains("链接"_s));
         QCOMPARE(namesOnDisk(link).size(), 1);
+        QVERIFY(shown_.value(elsewhere.identity()).note.contains("属于其他分店"_s));
+        QCOMPARE(namesOnDisk(elsewhere).size(), 1);
+        QVERIFY(!run_->retry(elsewhere, {0}, identity_, {}));
         QCOMPARE(states(fine), "2"_s);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::summaryText(ends_.first()).endsWith("跳过 3 个订单"_s));
+        QVERIFY(deletionreport::summaryText(ends_.first()).endsWith("跳过 4 个订单"_s));
         QVERIFY(!run_->start({}, identity_, {}));
     }
 

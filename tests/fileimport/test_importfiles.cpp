@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -342,6 +343,51 @@ private slots:
         }
         window_->onSearchClick();
         QTRY_COMPARE(demo_.requests("order_list"_s).size(), 1);
+    }
+
+    void anotherBranchLeavesNothingBehind_data()
+    {
+        addColumns<QString>({"box"}); // of the search that fails after the switch
+        for (const char *kind : {"http-error", "drop", "hold"})
+            newRow(kind, QString());
+        newRow("refuse", "不行");
+        newRow("missing-fields", "未检索到订单");
+    }
+
+    void anotherBranchLeavesNothingBehind()
+    {
+        QFETCH(QString, box);
+        const QString kind = QLatin1String(QTest::currentDataTag());
+        open(0);
+        select("TS10001-1"_s);
+        choose("TS10001-1"_s, makePhotos(2));
+        demo_.clearRequests();
+        QStringList expected{"有 2 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？"_s};
+        chooseBranch("102"_s);
+        EXPECT_BOXES(expected);
+        QCOMPARE(branchBox()->currentText(), "一店"_s);
+        QCOMPARE(text("TS10001-1"_s, Column::ChosenColumn), "2"_s);
+        QVERIFY(demo_.requests().isEmpty());
+
+        demo_.misbehave("order_list"_s, kind, {{"message"_s, "不行"_s}});
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        chooseBranch("102"_s);
+        if (!box.isEmpty())
+            expected.append(box);
+        EXPECT_BOXES(expected);
+        if (kind == "hold"_s) {
+            waitUntilHeld();
+            QTest::mouseClick(orders()->findChild<LoadingOverlay *>()->findChild<QPushButton *>(),
+                              Qt::LeftButton);
+        }
+        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 1);
+        QTRY_VERIFY(!searchBar()->isBusy());
+        QCOMPARE(branchBox()->currentText(), "二店"_s);
+        QCOMPARE(orders()->model()->rowCount(), 0);
+        QCOMPARE(fileTable()->model()->rowCount(), 0);
+        QCOMPARE(child<QLabel>("photoTitle")->text(), "已导入照片"_s);
+        click("startButton");
+        EXPECT_BOXES("没有订单可导入"_s);
     }
 
     void badSearchReplies_data()

@@ -10,6 +10,7 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QtTest>
@@ -97,6 +98,25 @@ private slots:
         const QJsonObject state = demo_.state().value("orders"_s).toArray().at(0).toObject();
         QCOMPARE(state.value("yuanpian"_s).toArray().size(), 7);
         QCOMPARE(state.value("yuanshidang"_s).toArray().size(), 2);
+    }
+
+    void anOrderOfAnotherBranchIsRefused()
+    {
+        const ImportOrder own = makeOrder(0, 1);
+        ImportOrder other = makeOrder(2, 1);
+        other.branch = "102"_s;
+        QSignalSpy refused(run_.get(), &ImportRun::orderRefused);
+        start({other, own});
+        QTRY_COMPARE(allImported_, 1);
+        run_->retry(other, 0, identity_);
+        run_->registerAgain(other, identity_);
+        QCOMPARE(refused.size(), 3);
+        QVERIFY(refused.first().first().toString().endsWith(
+            " 属于其他分店，请切换到该分店后重新搜索"_s));
+        QVERIFY(!run_->hasLiveTasks());
+        QCOMPARE(registered_, QVector<OrderIdentity>{own.identity()});
+        QCOMPARE(requests(batch), 1);
+        QVERIFY(filesBelow(platform::toLocalPath(other.importPath)).isEmpty());
     }
 
     void failuresAreCountedAndTheRunGoesOn()
