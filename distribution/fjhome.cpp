@@ -42,7 +42,10 @@ QString textOfOtherFiles(const RunSummary &summary)
 } // namespace
 
 FJHome::FJHome(QWidget *parent)
-    : FramelessWindow(parent), photosCall_(this), left_(new FJLeftPanel), right_(new FJRightPanel)
+    : FramelessWindow(parent)
+    , photosCall_(this)
+    , right_(new FJRightPanel)
+    , left_(new FJLeftPanel(right_->searchBar()))
 {
     setWindowTitle(QStringLiteral("分件工具"));
     auto *splitter = new QSplitter(Qt::Horizontal);
@@ -99,8 +102,6 @@ void FJHome::connectPanels()
         right_->showBranch(shopId);
         right_->clearPhotos();
     });
-    connect(left_, &FJLeftPanel::branchKept, this,
-            [this](const QString &shopId) { right_->searchBar()->selectBranch(shopId); });
     connect(left_, &FJLeftPanel::orderShown, this, &FJHome::getOrderInfo);
 }
 

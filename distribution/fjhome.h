@@ -54,6 +54,6 @@ private:
     LatestCall photosCall_;
     Latest photosReading_; ///< of its reply
     QTimer closeTimer_;
+    FJRightPanel *right_; ///< its search bar says what the other half searches
     FJLeftPanel *left_;
-    FJRightPanel *right_;
 };

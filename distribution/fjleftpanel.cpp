@@ -4,11 +4,10 @@
 #include "app/context/k.h"
 #include "distribution/distributionrequests.h"
 #include "distribution/tickdelegate.h"
-#include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
 #include "widgets/colours.h"
 #include "widgets/loadingoverlay.h"
+#include "widgets/orderfinder.h"
 #include "widgets/sortedrows.h"
 #include "widgets/tables.h"
 #include "widgets/theme.h"
@@ -39,11 +38,11 @@ constexpr int errorListPx = 96;
 
 } // namespace
 
-FJLeftPanel::FJLeftPanel(QWidget *parent)
+FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     : QWidget(parent)
     , searchType_(distributionrequests::searchTypeText(orderqueries::OrderSearch::BasicInformation))
     , table_(new EmptyStateTable(this))
-    , overlay_(new LoadingOverlay(table_))
+    , finder_(new OrderFinder(this, {&branch_, bar, table_, new LoadingOverlay(table_)}))
     , selectAll_(new QPushButton(QStringLiteral("全选"), this))
     , unselectAll_(new QPushButton(QStringLiteral("取消全选"), this))
     , ticked_(new QLabel(this))
@@ -53,7 +52,7 @@ FJLeftPanel::FJLeftPanel(QWidget *parent)
 {
     buildTable();
     buildLayout();
-    connectBranch();
+    connectFinder();
     connect(selectAll_, &QPushButton::clicked, this, &FJLeftPanel::onSelectAllClicked);
     connect(unselectAll_, &QPushButton::clicked, this, &FJLeftPanel::onUnselectAllClicked);
     connect(&model_, &DistributionOrderModel::tickedChanged, this, &FJLeftPanel::orderSelected);
@@ -180,35 +179,29 @@ QWidget *FJLeftPanel::buildErrorList()
     return errorList_;
 }
 
-void FJLeftPanel::connectBranch()
+void FJLeftPanel::connectFinder()
 {
-    connect(&branch_, &BranchSession::switched, this, &FJLeftPanel::onBranchSwitched);
-    connect(&branch_, &BranchSession::switchFailed, this, &FJLeftPanel::onBranchSwitchFailed);
-    connect(&branch_, &BranchSession::searched, this, &FJLeftPanel::onOrderList);
-    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
-        cancelRequests();
-        emit branchKept(branch_.identity().shopId);
-    });
-}
-
-void FJLeftPanel::begin(const QString &text)
-{
-    reading_.abandon();
-    overlay_->showText(text);
-    emit emitReqOrderFinish(false);
-}
-
-void FJLeftPanel::end()
-{
-    reading_.abandon(); // a list that is still being read is not wanted any more
-    overlay_->hideOverlay();
-    emit emitReqOrderFinish(true);
+    OrderFinder::Ways ways;
+    ways.search = [this] {
+        branch_.search(
+            listMode_ == 1 ? distributionrequests::typedOrderListAction
+                           : orderqueries::orderListAction,
+            distributionrequests::orderListBody(searchType_, keyword_, branch_.identity()));
+    };
+    ways.keepsKeyword = true;
+    ways.refusal = &ServiceReply::message;
+    finder_->setWays(ways);
+    connect(finder_, &OrderFinder::busyChanged, this,
+            [this](bool busy) { emit emitReqOrderFinish(!busy); });
+    connect(finder_, &OrderFinder::branchLeft, this, [this] { showOrders({}); });
+    connect(finder_, &OrderFinder::branchSwitched, this, &FJLeftPanel::onBranchSwitched);
+    connect(finder_, &OrderFinder::found, this, &FJLeftPanel::onOrderList);
 }
 
 void FJLeftPanel::cancelRequests()
 {
-    branch_.cancel();
-    end();
+    finder_->cancel();
+    finder_->showBranch();
 }
 
 void FJLeftPanel::onReqShopInfo(const QString &searchType, const QString &keyword,
@@ -216,9 +209,7 @@ void FJLeftPanel::onReqShopInfo(const QString &searchType, const QString &keywor
 {
     searchType_ = searchType;
     keyword_ = keyword;
-    wantedShop_ = shopid;
-    begin(QStringLiteral("正在切换分店..."));
-    branch_.switchTo(shopid);
+    finder_->chooseBranch(shopid);
 }
 
 void FJLeftPanel::onBranchSwitched()
@@ -232,52 +223,33 @@ void FJLeftPanel::onBranchSwitched()
     reqOrderList(searchType_, keyword_);
 }
 
-void FJLeftPanel::onBranchSwitchFailed(const ServiceReply &reply)
-{
-    end();
-    emit branchKept(branch_.identity().shopId);
-    table_->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
-    showServiceFailure(this, reply, reply.message.isEmpty() ? reply.msg : reply.message);
-}
-
 void FJLeftPanel::reqOrderList(const QString &searchType, const QString &keyword)
 {
     searchType_ = searchType;
     keyword_ = keyword;
     if (!branch_.isConfirmed()) {
-        // The switch at opening failed, or was cancelled; when it succeeds a search follows.
-        onReqShopInfo(searchType, keyword, wantedShop_);
+        finder_->confirmBranch(); // when that succeeds a search follows
         return;
     }
     qDebug() << "要开始刷新数据量 222";
     showOrders({});
-    begin(QStringLiteral("正在查询订单..."));
-    branch_.search(listMode_ == 1 ? distributionrequests::typedOrderListAction
-                                  : orderqueries::orderListAction,
-                   distributionrequests::orderListBody(searchType, keyword, branch_.identity()));
+    finder_->search();
 }
 
 void FJLeftPanel::onOrderList(const ServiceReply &reply)
 {
-    if (!reply.isSuccess()) {
-        end();
-        table_->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
-        showServiceFailure(this, reply, reply.message);
-        return;
-    }
-    onProcessor(
-        this,
+    finder_->readReply(
         [object = reply.object, branch = branch_.searchedBranch()] {
             return distributionrequests::readOrders(object, branch).orders;
         },
-        reading_.only([this](const QVector<OrderData> &orders) {
-            end();
+        [this](const QVector<OrderData> &orders) {
+            finder_->endSearch();
             const QString nothingFound = QStringLiteral("未检索到订单");
             table_->setEmptyText(nothingFound);
             showOrders(orders);
             if (orders.isEmpty())
                 MessageBox::warning(this, nothingFound);
-        }));
+        });
 }
 
 void FJLeftPanel::showOrders(const QVector<OrderData> &orders)

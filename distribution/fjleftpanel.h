@@ -2,7 +2,6 @@
 
 #include "distribution/distributionordermodel.h"
 #include "net/branchsession.h"
-#include "tasks/latest.h"
 
 #include <QModelIndex>
 #include <QString>
@@ -10,7 +9,8 @@
 #include <QWidget>
 
 class EmptyStateTable;
-class LoadingOverlay;
+class OrderFinder;
+class OrderSearchBar;
 class QLabel;
 class QPlainTextEdit;
 class QProgressBar;
@@ -18,13 +18,15 @@ class QPushButton;
 class SortedRows;
 
 /// The left half of the distribution window: the orders with their ticks, the progress of a run and
-/// what failed in it. Switches branch and searches orders, and keeps whom it does so as.
+/// what failed in it. Searches orders, as the search bar on the other half says, and keeps whom it
+/// does so as.
 class FJLeftPanel : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit FJLeftPanel(QWidget *parent = nullptr);
+    /// \a bar lives as long as the panel works.
+    explicit FJLeftPanel(OrderSearchBar *bar, QWidget *parent = nullptr);
     ~FJLeftPanel() override;
 
     /// 1: searches by "order_list_type_1".
@@ -53,8 +55,6 @@ signals:
     /// A tick changed; \a row is the order's position in the list.
     void orderSelected(int row, bool checked);
     void userInfoChange(const QString &shopid, const QString &uid, const QString &superid);
-    /// The branch stays what it was.
-    void branchKept(const QString &shopid);
     /// The user went to another row.
     void orderShown(const OrderData &order);
 
@@ -71,25 +71,20 @@ private:
     void buildTable();
     void buildLayout();
     QWidget *buildErrorList();
-    void connectBranch();
-    void begin(const QString &text);
-    void end();
+    void connectFinder();
     void onBranchSwitched();
-    void onBranchSwitchFailed(const ServiceReply &reply);
     void onOrderList(const ServiceReply &reply);
     void showOrders(const QVector<OrderData> &orders);
 
     BranchSession branch_;
     int listMode_ = 0;
-    Latest reading_; ///< of a search's reply
     bool locked_ = false;
-    QString wantedShop_; ///< of the last switch asked for
     QString searchType_;
     QString keyword_;
     DistributionOrderModel model_;
     EmptyStateTable *table_;
     SortedRows *rows_ = nullptr;
-    LoadingOverlay *overlay_;
+    OrderFinder *finder_;
     QPushButton *selectAll_;
     QPushButton *unselectAll_;
     QLabel *ticked_;

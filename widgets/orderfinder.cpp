@@ -63,13 +63,14 @@ void OrderFinder::leaveFor(const QString &shopId)
 
 void OrderFinder::confirmBranch()
 {
-    switchTo(place_.branch->identity().shopId);
+    const QString &branch = place_.branch->identity().shopId;
+    switchTo(branch.isEmpty() ? place_.bar->selectedBranchId() : branch);
 }
 
 void OrderFinder::switchTo(const QString &shopId)
 {
     endSearch();
-    place_.bar->setBusy(true);
+    setBusy(true);
     place_.overlay->showText(QStringLiteral("正在切换分店..."));
     place_.branch->switchTo(shopId);
 }
@@ -78,7 +79,8 @@ void OrderFinder::onSwitched()
 {
     endSearch();
     showBranch();
-    place_.bar->resetKeyword();
+    if (!ways_.keepsKeyword)
+        place_.bar->resetKeyword();
     const QString &branch = place_.branch->identity().shopId;
     if (listedBranch_ != branch) {
         listedBranch_ = branch;
@@ -95,7 +97,8 @@ void OrderFinder::onSwitchFailed(const ServiceReply &reply, const QString &refus
     endSearch();
     keepBranch();
     place_.table->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
-    showServiceFailure(window_, reply, refusal);
+    const QString &told = reply.*ways_.refusal;
+    showServiceFailure(window_, reply, reply.isSuccess() || told.isEmpty() ? refusal : told);
 }
 
 void OrderFinder::showBranch()
@@ -115,11 +118,14 @@ void OrderFinder::keepBranch()
 void OrderFinder::search()
 {
     endSearch();
-    place_.bar->setBusy(true);
+    setBusy(true);
     place_.overlay->showText(QStringLiteral("正在查询订单..."));
     lastSearch_ = place_.bar->search();
     lastPerson_ = place_.bar->personId();
-    place_.branch->search(lastSearch_, lastPerson_);
+    if (ways_.search)
+        ways_.search();
+    else
+        place_.branch->search(lastSearch_, lastPerson_);
 }
 
 bool OrderFinder::refresh()
@@ -160,6 +166,12 @@ void OrderFinder::endSearch()
     place_.branch->cancelSearch();
     refreshing_ = false;
     reading_.abandon(); // a list that is still being read is not wanted any more
-    place_.bar->setBusy(false);
+    setBusy(false);
     place_.overlay->hideOverlay();
+}
+
+void OrderFinder::setBusy(bool busy)
+{
+    place_.bar->setBusy(busy);
+    emit busyChanged(busy);
 }

@@ -44,6 +44,14 @@ public:
         std::function<QString()> refusal;  ///< why the orders may not be left now
         std::function<QString()> question; ///< to ask first, for what would be lost
     };
+    /// What a tool does its own way.
+    struct Ways
+    {
+        std::function<void()> search; ///< sends a search, when the bar does not say it all
+        bool keepsKeyword = false;    ///< after a switch the same is searched for
+        QString ServiceReply::*refusal = &ServiceReply::msg; ///< of a switch, if there is one
+    };
+    void setWays(Ways ways) { ways_ = std::move(ways); }
     void setLeaving(Leaving leaving) { leaving_ = std::move(leaving); }
 
     /// Lists the branches and switches to the one that the window opened in.
@@ -51,7 +59,8 @@ public:
     /// Switches to the branch that the user chose, for the tools opened later, too: unless the tool
     /// refuses, or the user is asked and says no.
     void chooseBranch(const QString &shopId);
-    /// Switches to the branch again: the switch at opening failed, or was cancelled.
+    /// Switches to the branch again: the switch at opening failed, or was cancelled. To the one
+    /// that the search bar shows when the window opened in none.
     void confirmBranch();
     /// Back to the branch that the service confirmed last, in the search bar.
     void showBranch();
@@ -73,6 +82,8 @@ public:
     }
 
 signals:
+    /// A switch or a search has begun, or ended.
+    void busyChanged(bool busy);
     /// The branch is another one now, and nothing of the former's may be worked on in its name:
     /// orders, what was chosen for them and what is being chosen are to go. Before
     /// branchSwitched().
@@ -89,6 +100,7 @@ private:
     void leaveFor(const QString &shopId);
     void switchTo(const QString &shopId);
     void keepBranch();
+    void setBusy(bool busy);
     void onSwitched();
     void onSwitchFailed(const ServiceReply &reply, const QString &refusal);
     void onSearched(const ServiceReply &reply);
@@ -96,6 +108,7 @@ private:
     QWidget *window_;
     Place place_;
     Leaving leaving_;
+    Ways ways_;
     QString listedBranch_; ///< id of the branch that orders and persons are of
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
