@@ -111,7 +111,11 @@ void BatchDelete::connectLists()
                          }});
     connect(finder_, &OrderFinder::branchLeft, this, &BatchDelete::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
-    connect(finder_, &OrderFinder::found, this, &BatchDelete::onOrderList);
+    finder_->setReader(&deletionrequests::readOrders,
+                       [this](const deletionrequests::OrderList &list, OrderFinder::Search) {
+                           orderList_->keepPlaceWhile(
+                               [&] { orders_.setOrders(list.orders, list.unlisted); });
+                       });
 
     connect(orderList_, &BatchDelete_OrderListWidget::orderSelectionChanged, this,
             &BatchDelete::onOrderSelectionChanged);
@@ -245,26 +249,6 @@ void BatchDelete::onSearchClick()
 void BatchDelete::reqOrderList()
 {
     finder_->search();
-}
-
-void BatchDelete::onOrderList(const ServiceReply &reply)
-{
-    finder_->readReply(
-        [object = reply.object, branch = branch_.searchedBranch()] {
-            return deletionrequests::readOrders(object, branch);
-        },
-        [this](const deletionrequests::OrderList &list) { showSearchResult(list); });
-}
-
-void BatchDelete::showSearchResult(const deletionrequests::OrderList &list)
-{
-    finder_->endSearch();
-    const QString nothingFound = QStringLiteral("未检索到订单");
-    orderList_->table()->setEmptyText(nothingFound);
-    if (list.isList)
-        orderList_->keepPlaceWhile([&] { orders_.setOrders(list.orders, list.unlisted); });
-    if (list.elements == 0)
-        MessageBox::warning(this, nothingFound);
 }
 
 QString BatchDelete::unreportedQuestion(const QString &question) const

@@ -57,8 +57,6 @@ private:
     void onBranchLeft();
     void onBranchSwitched();
     void reqOrderList();
-    void onOrderList(const ServiceReply &reply);
-    void showSearchResult(const deletionrequests::OrderList &list);
     QStringList publicRoots() const;
     bool mayDelete();
     QString unreportedQuestion(const QString &question) const;

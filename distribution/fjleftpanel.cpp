@@ -4,7 +4,6 @@
 #include "app/context/k.h"
 #include "distribution/distributionrequests.h"
 #include "distribution/tickdelegate.h"
-#include "widgets/boxes/messagebox.h"
 #include "widgets/colours.h"
 #include "widgets/loadingoverlay.h"
 #include "widgets/orderfinder.h"
@@ -191,11 +190,14 @@ void FJLeftPanel::connectFinder()
     ways.keepsKeyword = true;
     ways.refusal = &ServiceReply::message;
     finder_->setWays(ways);
+    finder_->setReader(&distributionrequests::readOrders,
+                       [this](const distributionrequests::OrderList &list, OrderFinder::Search) {
+                           showOrders(list.orders);
+                       });
     connect(finder_, &OrderFinder::busyChanged, this,
             [this](bool busy) { emit emitReqOrderFinish(!busy); });
     connect(finder_, &OrderFinder::branchLeft, this, [this] { showOrders({}); });
     connect(finder_, &OrderFinder::branchSwitched, this, &FJLeftPanel::onBranchSwitched);
-    connect(finder_, &OrderFinder::found, this, &FJLeftPanel::onOrderList);
 }
 
 void FJLeftPanel::cancelRequests()
@@ -234,22 +236,6 @@ void FJLeftPanel::reqOrderList(const QString &searchType, const QString &keyword
     qDebug() << "要开始刷新数据量 222";
     showOrders({});
     finder_->search();
-}
-
-void FJLeftPanel::onOrderList(const ServiceReply &reply)
-{
-    finder_->readReply(
-        [object = reply.object, branch = branch_.searchedBranch()] {
-            return distributionrequests::readOrders(object, branch).orders;
-        },
-        [this](const QVector<OrderData> &orders) {
-            finder_->endSearch();
-            const QString nothingFound = QStringLiteral("未检索到订单");
-            table_->setEmptyText(nothingFound);
-            showOrders(orders);
-            if (orders.isEmpty())
-                MessageBox::warning(this, nothingFound);
-        });
 }
 
 void FJLeftPanel::showOrders(const QVector<OrderData> &orders)

@@ -73,7 +73,6 @@ private:
     QWidget *buildErrorList();
     void connectFinder();
     void onBranchSwitched();
-    void onOrderList(const ServiceReply &reply);
     void showOrders(const QVector<OrderData> &orders);
 
     BranchSession branch_;

@@ -72,7 +72,10 @@ ImportFiles::ImportFiles(QWidget *parent)
                          [this] { return importrules::leavingQuestion(orders_.orders()); }});
     connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
-    connect(finder_, &OrderFinder::found, this, &ImportFiles::onOrderList);
+    finder_->setReader(&importrequests::readOrders,
+                       [this](const importrequests::OrderList &list, OrderFinder::Search) {
+                           panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
+                       });
     connectPanel();
     setMode(int(ImportMode::Originals));
 }
@@ -260,28 +263,6 @@ void ImportFiles::onSearchClick()
 void ImportFiles::reqOrderList()
 {
     finder_->search();
-}
-
-void ImportFiles::onOrderList(const ServiceReply &reply)
-{
-    finder_->readReply(
-        [object = reply.object, branch = branch_.searchedBranch()] {
-            return importrequests::readOrders(object, branch);
-        },
-        [this](const importrequests::OrderList &list) { showSearchResult(list); });
-}
-
-void ImportFiles::showSearchResult(const importrequests::OrderList &list)
-{
-    finder_->endSearch();
-    const QString nothingFound = QStringLiteral("未检索到订单");
-    panel_->table()->setEmptyText(nothingFound);
-    if (list.isList)
-        panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
-    if (list.elements == 0)
-        MessageBox::warning(this, nothingFound);
-    else if (list.orders.isEmpty())
-        Toast::show(this, QStringLiteral("未搜到订单!"), toastMs);
 }
 
 // What the rows of the order table do.

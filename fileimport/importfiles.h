@@ -72,8 +72,6 @@ private:
     void finishClosingWhenIdle();
 
     void onBranchLeft();
-    void onOrderList(const ServiceReply &reply);
-    void showSearchResult(const importrequests::OrderList &list);
 
     /// Tells the user when the answer is no.
     bool mayChangeFiles(int row);

@@ -8,7 +8,6 @@
 #include "widgets/orderfinder.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/theme.h"
-#include "widgets/toast.h"
 
 #include <QDebug>
 #include <QVBoxLayout>
@@ -48,8 +47,10 @@ void tfhomeorders::connectParts()
                          [this] { return leavingQuestion(); }});
     connect(finder_, &OrderFinder::branchLeft, this, &tfhomeorders::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &tfhomeorders::onBranchSwitched);
-    connect(finder_, &OrderFinder::found, this, &tfhomeorders::onOrderList);
-    connect(finder_, &OrderFinder::refreshed, this, &tfhomeorders::onRefreshed);
+    finder_->setReader(&photoorders::readOrders,
+                       [this](const photoorders::Found &found, OrderFinder::Search search) {
+                           takeOrders(found, search);
+                       });
 }
 
 void tfhomeorders::open()
@@ -118,41 +119,12 @@ void tfhomeorders::refreshImportCounts()
         qCDebug(lcTessavo) << "刷新导入数量";
 }
 
-void tfhomeorders::onOrderList(const ServiceReply &reply)
+void tfhomeorders::takeOrders(const photoorders::Found &found, OrderFinder::Search search)
 {
-    finder_->readReply(
-        [object = reply.object, branch = branch_.searchedBranch()] {
-            return photoorders::readOrders(object, branch);
-        },
-        [this](const photoorders::Found &found) { takeOrders(found); });
-}
-
-void tfhomeorders::takeOrders(const photoorders::Found &found)
-{
-    finder_->endSearch();
-    const QString nothingFound = QStringLiteral("未检索到订单");
-    table_->setEmptyText(nothingFound);
-    if (found.isList) {
+    if (search == OrderFinder::Search::Refresh)
+        model_->refreshInfo(found.orders);
+    else
         table_->keepPlaceWhile(
             [&] { model_->setOrders(photoorders::merged(model_->orders(), found.orders)); });
-        emit ordersChanged();
-    }
-    if (found.elements == 0)
-        MessageBox::warning(this, nothingFound);
-    else if (found.orders.isEmpty())
-        Toast::show(this, QStringLiteral("未搜到订单!"));
-}
-
-void tfhomeorders::onRefreshed(const ServiceReply &reply)
-{
-    finder_->readReply(
-        [object = reply.object, branch = branch_.searchedBranch()] {
-            return photoorders::readOrders(object, branch);
-        },
-        [this](const photoorders::Found &found) {
-            if (importing_)
-                return;
-            model_->refreshInfo(found.orders);
-            emit ordersChanged();
-        });
+    emit ordersChanged();
 }

@@ -2,12 +2,12 @@
 
 #include "net/branchsession.h"
 #include "photoimport/photoorder.h"
+#include "widgets/orderfinder.h"
 
 #include <QMap>
 #include <QString>
 #include <QWidget>
 
-class OrderFinder;
 class OrderSearchBar;
 class tfhomeorders_OrderListWidget;
 class tforderlistmodel;
@@ -47,9 +47,7 @@ private:
     QString leavingQuestion() const;
     void onBranchLeft();
     void onBranchSwitched();
-    void onOrderList(const ServiceReply &reply);
-    void takeOrders(const photoorders::Found &found);
-    void onRefreshed(const ServiceReply &reply);
+    void takeOrders(const photoorders::Found &found, OrderFinder::Search search);
 
     tforderlistmodel *model_;
     BranchSession branch_;

@@ -7,6 +7,7 @@
 #include "widgets/loadingoverlay.h"
 #include "widgets/ordersearchbar.h"
 #include "widgets/tables.h"
+#include "widgets/toast.h"
 
 OrderFinder::OrderFinder(QWidget *window, const Place &place)
     : QObject(window), window_(window), place_(place)
@@ -140,19 +141,26 @@ bool OrderFinder::refresh()
 
 void OrderFinder::onSearched(const ServiceReply &reply)
 {
-    if (refreshing_) {
-        refreshing_ = false;
-        if (reply.isSuccess()) // otherwise the next search tells what is wrong
-            emit refreshed(reply);
-        return;
-    }
+    const bool refresh = std::exchange(refreshing_, false);
     if (reply.isSuccess()) {
-        emit found(reply);
+        read_(reply.object, refresh ? Search::Refresh : Search::Asked);
         return;
     }
+    if (refresh)
+        return; // the next search tells what is wrong
     endSearch();
     place_.table->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
     showServiceFailure(window_, reply, reply.message);
+}
+
+void OrderFinder::tellFound(int elements, int orders)
+{
+    const QString nothingFound = QStringLiteral("未检索到订单");
+    place_.table->setEmptyText(nothingFound);
+    if (elements == 0)
+        MessageBox::warning(window_, nothingFound);
+    else if (orders == 0)
+        Toast::show(window_, QStringLiteral("未搜到订单!"));
 }
 
 void OrderFinder::cancel()

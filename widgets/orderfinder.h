@@ -4,6 +4,7 @@
 #include "tasks/background.h"
 #include "tasks/latest.h"
 
+#include <QJsonObject>
 #include <QObject>
 #include <QString>
 
@@ -71,14 +72,31 @@ public:
     bool refresh();
     /// Abandons switch and search.
     void cancel();
-    /// Abandons the search, if there is one, and takes the overlay away.
-    void endSearch();
 
-    /// Has \a read make something of a reply on a thread, and hands that to \a take, unless the
-    /// search has ended or another has begun meanwhile.
-    template <typename Read, typename Take> void readReply(Read read, Take take)
+    enum class Search { Asked, Refresh };
+    /// Has \a read make a list of orders (orderqueries::OrderList) of a good reply, on a thread,
+    /// and \a take put it into the tool with what kind of search it is of. A reply without a list
+    /// changes nothing. Nor does one that is late: the search has ended, another list has begun to
+    /// be read, or it is a refresh and the tool refuses by now to have its orders left.
+    template <typename Read, typename Take> void setReader(Read read, Take take)
     {
-        onProcessor(this, std::move(read), reading_.only(std::move(take)));
+        read_ = [this, read, take](const QJsonObject &reply, Search search) {
+            onProcessor(
+                this,
+                [read, reply, branch = place_.branch->searchedBranch()] {
+                    return read(reply, branch);
+                },
+                reading_.only([this, take, search](const auto &list) {
+                    if (search == Search::Refresh && !refusal().isEmpty())
+                        return;
+                    if (search == Search::Asked)
+                        endSearch();
+                    if (list.isList)
+                        take(list, search);
+                    if (search == Search::Asked)
+                        tellFound(list.elements, list.orders.size());
+                }));
+        };
     }
 
 signals:
@@ -90,25 +108,25 @@ signals:
     void branchLeft();
     /// The search bar shows the new branch and asks for nothing yet.
     void branchSwitched();
-    /// The service's good answer to a search; the overlay is there until endSearch().
-    void found(const ServiceReply &reply);
-    /// The same for refresh().
-    void refreshed(const ServiceReply &reply);
 
 private:
     QString refusal() const { return leaving_.refusal ? leaving_.refusal() : QString(); }
     void leaveFor(const QString &shopId);
     void switchTo(const QString &shopId);
+    /// Abandons the search, if there is one, and takes the overlay away.
+    void endSearch();
     void keepBranch();
     void setBusy(bool busy);
     void onSwitched();
     void onSwitchFailed(const ServiceReply &reply, const QString &refusal);
     void onSearched(const ServiceReply &reply);
+    void tellFound(int elements, int orders);
 
     QWidget *window_;
     Place place_;
     Leaving leaving_;
     Ways ways_;
+    std::function<void(const QJsonObject &, Search)> read_;
     QString listedBranch_; ///< id of the branch that orders and persons are of
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
