@@ -7,9 +7,9 @@
 
 #include <QBuffer>
 #include <QColorSpace>
+#include <QDataStream>
 #include <QImageWriter>
 #include <QTemporaryDir>
-#include <QtEndian>
 #include <QtTest>
 
 namespace {
@@ -44,6 +44,15 @@ QByteArray gif()
                                "3b");
 }
 
+QByteArray bytesOf(quint32 value, QDataStream::ByteOrder order = QDataStream::BigEndian)
+{
+    QByteArray bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setByteOrder(order);
+    stream << value;
+    return bytes;
+}
+
 quint32 crc32(const QByteArray &bytes)
 {
     quint32 crc = ~0U;
@@ -58,24 +67,21 @@ quint32 crc32(const QByteArray &bytes)
 /// The PNG as one that claims another size than its own.
 QByteArray pngClaiming(QByteArray png, int width, int height)
 {
-    qToBigEndian(quint32(width), png.data() + 16);
-    qToBigEndian(quint32(height), png.data() + 20);
-    qToBigEndian(crc32(png.mid(12, 17)), png.data() + 29);
-    return png;
+    png.replace(16, 4, bytesOf(quint32(width))).replace(20, 4, bytesOf(quint32(height)));
+    return png.replace(29, 4, bytesOf(crc32(png.mid(12, 17))));
 }
 
 QByteArray bmpClaiming(QByteArray bmp, int width, int height)
 {
-    qToLittleEndian(width, bmp.data() + 18);
-    qToLittleEndian(height, bmp.data() + 22);
-    return bmp;
+    return bmp.replace(18, 4, bytesOf(quint32(width), QDataStream::LittleEndian))
+        .replace(22, 4, bytesOf(quint32(height), QDataStream::LittleEndian));
 }
 
 /// A head that says what it is for, and enough bytes to need \a size.
 QByteArray profileFor(const char *colours, int size = 200)
 {
     QByteArray profile(size, 'x');
-    qToBigEndian(quint32(size), profile.data());
+    profile.replace(0, 4, bytesOf(quint32(size)));
     return profile.replace(16, 4, colours).replace(36, 4, "acsp");
 }
 
