@@ -40,7 +40,7 @@ DeletionApproval::DeletionApproval(QWidget *window, BatchDeleteOrderModel *order
 
 void DeletionApproval::cancel()
 {
-    ++plan_;
+    asking_.abandon();
     overlay_->hideOverlay();
 }
 
@@ -59,15 +59,16 @@ void DeletionApproval::ask(const QString &branch, const QStringList &publicRoots
             plan.refused += inOtherHands;
             return plan;
         },
-        [this, number = ++plan_](const deletionrules::DeletionPlan &plan) {
-            if (number != plan_)
+        [this, asked = asking_.next()](const deletionrules::DeletionPlan &plan) {
+            if (!asked.isCurrent())
                 return;
             overlay_->hideOverlay();
-            confirmPlan(plan);
+            confirmPlan(plan, asked);
         });
 }
 
-void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan)
+void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan,
+                                   const Latest::Token &asked)
 {
     for (const BatchDeleteOrderInfo &refused : plan.refused) {
         orders_->change(orders_->rowOf(refused.identity()),
@@ -78,17 +79,17 @@ void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan)
         return;
     }
     ConfirmDialog::ask(window_, deletionrules::confirmation(plan), ConfirmDialog::Enter::Cancels,
-                       [this, orders = plan.orders, number = plan_](bool agreed) {
-                           if (agreed && number == plan_)
-                               verifyAccount(orders);
+                       [this, orders = plan.orders, asked](bool agreed) {
+                           if (agreed && asked.isCurrent())
+                               verifyAccount(orders, asked);
                        });
 }
 
-void DeletionApproval::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders)
+void DeletionApproval::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders,
+                                     const Latest::Token &asked)
 {
-    const auto onVerified = [this, orders, number = plan_](bool success, const QString &,
-                                                           const QString &) {
-        if (!success || number != plan_)
+    const auto onVerified = [this, orders, asked](bool success, const QString &, const QString &) {
+        if (!success || !asked.isCurrent())
             return;
         Toast::show(window_, QStringLiteral("验证成功！"), toastMs);
         emit approved(orders);

@@ -2,6 +2,7 @@
 
 #include "batchdelete/batchdeleterecords.h"
 #include "batchdelete/deletionrules.h"
+#include "tasks/latest.h"
 
 #include <QObject>
 #include <QStringList>
@@ -32,11 +33,11 @@ signals:
     void approved(const QVector<BatchDeleteOrderInfo> &orders);
 
 private:
-    void confirmPlan(const deletionrules::DeletionPlan &plan);
-    void verifyAccount(const QVector<BatchDeleteOrderInfo> &orders);
+    void confirmPlan(const deletionrules::DeletionPlan &plan, const Latest::Token &asked);
+    void verifyAccount(const QVector<BatchDeleteOrderInfo> &orders, const Latest::Token &asked);
 
     QWidget *window_;
     BatchDeleteOrderModel *orders_;
     LoadingOverlay *overlay_;
-    int plan_ = 0; ///< number of the plan whose result is wanted
+    Latest asking_; ///< from the question until the account is verified
 };

@@ -229,15 +229,19 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
     const auto handOver = [this](const QJsonDocument &document) {
         callback_(document.isObject(), document);
     };
-    if (body.size() <= parsedAtOnceBytes) {
+    if (body.isEmpty() || (!reading_ && body.size() <= parsedAtOnceBytes)) {
         handOver(QJsonDocument::fromJson(body));
         return;
     }
     onProcessor(
         this,
-        [body] {
+        [body, reading = reading_] {
             QJsonDocument document; // null where there is no memory for it
-            problemOf([&] { document = QJsonDocument::fromJson(body); });
+            problemOf([&] {
+                document = QJsonDocument::fromJson(body);
+                if (reading && document.isObject())
+                    reading(document);
+            });
             return document;
         },
         handOver);

@@ -69,6 +69,14 @@ public:
     /// Whether the last answer was given up because of its size.
     bool isTooLarge() const { return isTooLarge_; }
 
+    /// Has \a reading look at the JSON object that the next reply holds, on a thread, right after
+    /// it was parsed there and before the callback; before sending. What it throws is logged and
+    /// dropped.
+    void setReading(std::function<void(const QJsonDocument &)> reading)
+    {
+        reading_ = std::move(reading);
+    }
+
     /// Lets every request made from \a request on trust what the installation says is to be
     /// trusted.
     static void applyTlsSettings(QNetworkRequest *request);
@@ -90,6 +98,7 @@ private:
     QNetworkRequest request_;
     QNetworkAccessManager *manager_;
     ServiceCallback callback_;
+    std::function<void(const QJsonDocument &)> reading_;
     ImageBytesCallback imageCallback_;
     QString certificateError_;
     QPointer<ReplyBody> body_; ///< of the reply

@@ -48,7 +48,15 @@ void BranchSession::search(const orderqueries::OrderSearch &search, const QStrin
 
 void BranchSession::search(const QString &action, const QByteArray &body)
 {
-    searchCall_.start(action, body, [this](const ServiceReply &reply) { emit searched(reply); });
+    ReplyReader reader;
+    if (readOrders_) {
+        const orderqueries::SearchedBranch branch{identity_.shopId, publicPath_};
+        reader = [read = readOrders_, branch](const QJsonObject &reply) {
+            return read(reply, branch);
+        };
+    }
+    searchCall_.start(
+        action, body, [this](const ServiceReply &reply) { emit searched(reply); }, reader);
 }
 
 void BranchSession::listPersons()

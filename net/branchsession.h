@@ -7,6 +7,10 @@
 #include <QString>
 #include <QVector>
 
+#include <any>
+#include <functional>
+#include <utility>
+
 /// Whom one tool window acts as, and what it asks the service in that name: switching the branch,
 /// listing its staff and searching orders. Seeded from the account context when the window opens,
 /// replaced by its own switches alone. The latest switch wins, and so does the latest search; a
@@ -20,7 +24,6 @@ public:
 
     /// Changes only with switched().
     const orderqueries::Identity &identity() const { return identity_; }
-    orderqueries::SearchedBranch searchedBranch() const { return {identity_.shopId, publicPath_}; }
     /// Public import root of the branch, in Windows form; may be empty.
     const QString &publicPath() const { return publicPath_; }
     /// Whether the user may delete the files of whole orders there.
@@ -29,6 +32,12 @@ public:
     const QString &distributionMode() const { return distributionMode_; }
     /// Whether the service has confirmed the branch.
     bool isConfirmed() const { return confirmed_; }
+
+    /// What makes a tool's records of a good answer to a search, on a thread; they come along with
+    /// searched(). The branch is the one that was searched.
+    using OrderReader = std::function<std::any(const QJsonObject &reply,
+                                               const orderqueries::SearchedBranch &branch)>;
+    void setOrderReader(OrderReader reader) { readOrders_ = std::move(reader); }
 
     void switchTo(const QString &shopId);
     /// \a role7id: see orderqueries::orderListBody().
@@ -61,4 +70,5 @@ private:
     LatestCall switchCall_;
     LatestCall personsCall_;
     LatestCall searchCall_;
+    OrderReader readOrders_;
 };

@@ -3,6 +3,8 @@
 #include "net/basereq.h"
 #include "net/replyfields.h"
 
+#include <memory>
+
 namespace {
 
 ServiceReply readReply(bool ok, const QJsonDocument &document, const BaseReq &request)
@@ -45,20 +47,34 @@ LatestCall::LatestCall(QObject *owner) : QObject(owner)
 {
 }
 
-void LatestCall::start(const QString &action, const QByteArray &body, ServiceHandler handler)
+void LatestCall::start(const QString &action, const QByteArray &body, ServiceHandler handler,
+                       const ReplyReader &reader)
 {
     cancel();
     auto *request = new BaseReq(this);
     request_ = request;
-    request->sendRequest(
-        action, body,
-        [this, request, handler = std::move(handler)](bool ok, const QJsonDocument &document) {
-            request->deleteLater();
-            if (request_ != request)
-                return;
-            request_.clear();
-            handler(readReply(ok, document, *request));
+    const auto made = reader ? std::make_shared<std::any>() : nullptr;
+    if (made) {
+        request->setReading([reader, made](const QJsonDocument &document) {
+            if (reply::isSuccess(document.object()))
+                *made = reader(document.object());
         });
+    }
+    const auto answer = [this, request, made,
+                         handler = std::move(handler)](bool ok, const QJsonDocument &document) {
+        request->deleteLater();
+        if (request_ != request)
+            return;
+        request_.clear();
+        ServiceReply result = readReply(ok, document, *request);
+        if (made && result.isSuccess()) {
+            result.made = std::move(*made);
+            if (!result.made.has_value())
+                result = {}; // there was no memory for it
+        }
+        handler(result);
+    };
+    request->sendRequest(action, body, answer);
 }
 
 void LatestCall::cancel()

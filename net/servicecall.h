@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QString>
 
+#include <any>
 #include <functional>
 
 class BaseReq;
@@ -24,12 +25,16 @@ struct ServiceReply
     QJsonObject object; ///< the whole reply; empty without an answer
     QString message;    ///< refusal: the reply's "message"; certificate refused: the reason
     QString msg;        ///< refusal: the reply's "msg", which some actions use instead
+    std::any made;      ///< success: what a ReplyReader made of it, if there was one
 
     bool isSuccess() const { return outcome == Outcome::Success; }
 };
 Q_DECLARE_METATYPE(ServiceReply)
 
 using ServiceHandler = std::function<void(const ServiceReply &)>;
+
+/// Makes records of a good reply on a thread, in one trip with its parsing.
+using ReplyReader = std::function<std::any(const QJsonObject &reply)>;
 
 /// Sends one request and hands the reply over once, on the owner's thread. When \a owner dies
 /// first, \a handler never runs.
@@ -45,7 +50,8 @@ class LatestCall : public QObject
 public:
     explicit LatestCall(QObject *owner);
 
-    void start(const QString &action, const QByteArray &body, ServiceHandler handler);
+    void start(const QString &action, const QByteArray &body, ServiceHandler handler,
+               const ReplyReader &reader = {});
     /// Abandons the request in flight, if there is one.
     void cancel();
     bool isActive() const { return !request_.isNull(); }

@@ -142,13 +142,16 @@ bool OrderFinder::refresh()
 void OrderFinder::onSearched(const ServiceReply &reply)
 {
     const bool refresh = std::exchange(refreshing_, false);
+    if (refresh) {
+        if (reply.isSuccess() && refusal().isEmpty())
+            take_(reply.made, Search::Refresh);
+        return; // what is wrong the next search tells
+    }
+    endSearch();
     if (reply.isSuccess()) {
-        read_(reply.object, refresh ? Search::Refresh : Search::Asked);
+        take_(reply.made, Search::Asked);
         return;
     }
-    if (refresh)
-        return; // the next search tells what is wrong
-    endSearch();
     place_.table->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
     showServiceFailure(window_, reply, reply.message);
 }
@@ -173,7 +176,6 @@ void OrderFinder::endSearch()
 {
     place_.branch->cancelSearch();
     refreshing_ = false;
-    reading_.abandon(); // a list that is still being read is not wanted any more
     setBusy(false);
     place_.overlay->hideOverlay();
 }

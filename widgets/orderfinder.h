@@ -1,14 +1,14 @@
 #pragma once
 
 #include "net/branchsession.h"
-#include "tasks/background.h"
-#include "tasks/latest.h"
 
 #include <QJsonObject>
 #include <QObject>
 #include <QString>
 
+#include <any>
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 class EmptyStateTable;
@@ -76,26 +76,22 @@ public:
     enum class Search { Asked, Refresh };
     /// Has \a read make a list of orders (orderqueries::OrderList) of a good reply, on a thread,
     /// and \a take put it into the tool with what kind of search it is of. A reply without a list
-    /// changes nothing. Nor does one that is late: the search has ended, another list has begun to
-    /// be read, or it is a refresh and the tool refuses by now to have its orders left.
+    /// changes nothing. Nor does one that is late: the search has ended, another has begun, or it
+    /// is a refresh and the tool refuses by now to have its orders left.
     template <typename Read, typename Take> void setReader(Read read, Take take)
     {
-        read_ = [this, read, take](const QJsonObject &reply, Search search) {
-            onProcessor(
-                this,
-                [read, reply, branch = place_.branch->searchedBranch()] {
-                    return read(reply, branch);
-                },
-                reading_.only([this, take, search](const auto &list) {
-                    if (search == Search::Refresh && !refusal().isEmpty())
-                        return;
-                    if (search == Search::Asked)
-                        endSearch();
-                    if (list.isList)
-                        take(list, search);
-                    if (search == Search::Asked)
-                        tellFound(list.elements, list.orders.size());
-                }));
+        using List = std::decay_t<
+            std::invoke_result_t<Read, const QJsonObject &, const orderqueries::SearchedBranch &>>;
+        place_.branch->setOrderReader(
+            [read](const QJsonObject &reply, const orderqueries::SearchedBranch &branch) {
+                return std::any(read(reply, branch));
+            });
+        take_ = [this, take](const std::any &made, Search search) {
+            const auto &list = *std::any_cast<List>(&made);
+            if (list.isList)
+                take(list, search);
+            if (search == Search::Asked)
+                tellFound(list.elements, list.orders.size());
         };
     }
 
@@ -126,10 +122,9 @@ private:
     Place place_;
     Leaving leaving_;
     Ways ways_;
-    std::function<void(const QJsonObject &, Search)> read_;
+    std::function<void(const std::any &made, Search search)> take_; ///< what the reader made
     QString listedBranch_; ///< id of the branch that orders and persons are of
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
     bool refreshing_ = false; ///< the search under way is the silent one
-    Latest reading_;          ///< of a search's reply
 };
