@@ -22,11 +22,11 @@ QStringList firstPatterns(const QString &dialogFilter)
         .split(QLatin1Char(' '));
 }
 
-/// What is mounted in a folder belongs to it; what a link leads to does not.
+/// What is mounted in a folder belongs to it; what a link or junction leads to does not.
 bool isFolderBelow(platform::EntryKind kind, const QString &path)
 {
     return kind == platform::EntryKind::Folder ||
-           (kind == platform::EntryKind::FolderLink && !QFileInfo(path).isSymLink());
+           (kind == platform::EntryKind::FolderLink && platform::isMountPoint(path));
 }
 
 } // namespace

@@ -41,6 +41,10 @@ enum class FolderListing {
 FolderListing listFolder(const QString &folder,
                          const std::function<bool(const FolderEntry &entry)> &visit);
 
+/// Whether what is at the FolderLink \a path is mounted there, and no link to another place.
+/// Touches the disk.
+bool isMountPoint(const QString &path);
+
 /// Whether the entry at \a path itself leads elsewhere: a link, a junction, or a folder on which
 /// something is mounted. False for what does not exist. Touches the disk.
 bool isLink(const QString &path);

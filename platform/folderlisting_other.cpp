@@ -149,6 +149,14 @@ FolderListing listFolder(const QString &folder,
     }
 }
 
+bool isMountPoint(const QString &path)
+{
+    struct stat info
+    {
+    };
+    return lstat(QFile::encodeName(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
 bool isLink(const QString &path)
 {
     struct stat info

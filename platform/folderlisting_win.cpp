@@ -1,6 +1,7 @@
 #include "platform/folderlisting.h"
 #include "platform/longpath_win.h"
 
+#include <array>
 #include <windows.h>
 
 namespace platform {
@@ -150,6 +151,14 @@ FolderListing listFolder(const QString &folder,
             return FolderListing::Stopped;
     } while (FindNextFileW(files.handle(), &found));
     return GetLastError() == ERROR_NO_MORE_FILES ? FolderListing::Done : FolderListing::Failed;
+}
+
+bool isMountPoint(const QString &path)
+{
+    constexpr DWORD longestName = 64; // with its identifier a volume's takes 50
+    std::array<wchar_t, longestName> volume{};
+    return GetVolumeNameForVolumeMountPointW(within(path, L"").c_str(), volume.data(),
+                                             longestName) != 0;
 }
 
 bool isLink(const QString &path)

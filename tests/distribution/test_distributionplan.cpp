@@ -18,10 +18,18 @@ namespace {
 
 const orderqueries::Identity somebody{"1"_s, "2"_s, "3"_s};
 
-/// JSON with single quotes.
+/// JSON with single quotes. Paths are on a drive, where there are any.
 QJsonObject json(QByteArray text)
 {
+    text.replace("'/", '\'' + drive().toUtf8() + '/');
+    text.replace("'\\\\", '\'' + drive().toUtf8() + "\\\\");
     return QJsonDocument::fromJson(text.replace('\'', '"')).object();
+}
+
+/// \a path from behind \a folder on.
+QString below(const QString &path, const QString &folder)
+{
+    return path.mid(drive().size() + folder.size());
 }
 
 /// "type role target <- source" of each task, below the order's folder.
@@ -30,8 +38,8 @@ QStringList described(const OrderPlan &plan)
     QStringList lines;
     for (const DistributionTask &task : plan.tasks) {
         lines.append("%1 %2 %3%4 <- %5 %6"_s
-                         .arg(task.type, task.subType, task.targetFolder.mid(3), task.imgName,
-                              task.sourcePath, task.imageId)
+                         .arg(task.type, task.subType, below(task.targetFolder, "/o/"_s),
+                              task.imgName, below(task.sourcePath, {}), task.imageId)
                          .simplified());
     }
     return lines;
@@ -126,7 +134,7 @@ private slots:
     {
         PlanRequest request;
         request.type = Type::DownloadOriginals;
-        request.orderFolder = "/o/"_s;
+        request.orderFolder = drive() + "/o/"_s;
         request.options.originals = true;
         request.options.fullSize = true;
         request.detail = std::make_shared<const OrderDetail>(
@@ -136,7 +144,8 @@ private slots:
                                  "{'id':'3','localpath':'/z/c.jpg'},"
                                  "{'id':'4','img_name':'../d.jpg','localpath':'/z/d.jpg'}]}")));
         const OrderPlan plan = planOrder(request, [](const QString &photo) {
-            return photo == QLatin1String("/y/a.jpg") ? QStringList("/y/a.CR2"_s) : QStringList();
+            return photo == drive() + "/y/a.jpg"_s ? QStringList(drive() + "/y/a.CR2"_s)
+                                                   : QStringList();
         });
         QCOMPARE(described(plan).mid(0, 5),
                  (QStringList{"下载原始档 原始档/a.jpg <- /x/a.jpg 1"_s,
@@ -220,8 +229,8 @@ void TestDistributionPlan::namesakes()
     QFETCH(int, problems);
     PlanRequest request;
     request.type = type;
-    request.orderFolder = "/o/"_s;
-    request.productFolders = QStringList{"/o/p1"_s, "/o/p2"_s};
+    request.orderFolder = drive() + "/o/"_s;
+    request.productFolders = QStringList{drive() + "/o/p1"_s, drive() + "/o/p2"_s};
     request.options.retouched = true;
     const QStringList unwanted = leftOut.split(QLatin1Char(' '), Qt::SkipEmptyParts);
     request.leftOut = QSet<QString>(unwanted.cbegin(), unwanted.cend());
@@ -236,17 +245,17 @@ void TestDistributionPlan::namesakes()
     const OrderPlan plan = planOrder(request, [](const QString &) { return QStringList(); });
     QStringList found;
     for (const DistributionTask &task : plan.tasks) {
-        if (task.sourcePath.startsWith(QLatin1String("/r/")))
-            found.append(task.targetFolder.mid(3) +
+        if (task.sourcePath.startsWith(drive() + "/r/"_s))
+            found.append(below(task.targetFolder, "/o/"_s) +
                          (task.subType.isEmpty() ? QString() : "成品/"_s) + task.imgName +
-                         QLatin1Char('<') + task.sourcePath);
+                         QLatin1Char('<') + below(task.sourcePath, {}));
     }
     QCOMPARE(found.join(QLatin1Char(' ')), copied);
     const QStringList told = plan.problems.filter("精修"_s) + plan.problems.filter("/r/"_s);
     QCOMPARE(told.size(), problems);
     if (plan.makesProducts) {
-        QCOMPARE(plan.pictures.find("/t/1"_s, "a"_s), "/o/缩略图/a"_s);
-        QCOMPARE(plan.pictures.find("/t/2"_s, "a"_s), "/o/缩略图/a (2)"_s);
+        QCOMPARE(plan.pictures.find(drive() + "/t/1"_s, "a"_s), drive() + "/o/缩略图/a"_s);
+        QCOMPARE(plan.pictures.find(drive() + "/t/2"_s, "a"_s), drive() + "/o/缩略图/a (2)"_s);
     }
 }
 

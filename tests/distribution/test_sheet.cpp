@@ -56,8 +56,9 @@ PlannedPictures planned(const OrderDetail &detail, const QString &folder)
 /// Every picture is there, unless its path has \a missing in it.
 SheetInput input(const OrderDetail &detail, const QString &missing = "?"_s)
 {
-    return {detail, "/o #1"_s, planned(detail, "/o #1"_s),
-            QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)), [missing](const QString &path) {
+    const QString folder = drive() + "/o #1"_s;
+    return {detail, folder, planned(detail, folder), QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5)),
+            [missing](const QString &path) {
                 return path.contains(missing) ? QSize() : QSize(90, 60);
             }};
 }
@@ -213,10 +214,10 @@ private slots:
         detail.goods = {product("册", 2)};
         detail.goods.first().imgs.first().croppingImgUrl = "http://x"_s;
         detail.images = {photo(7)};
-        const QString thumbnails = "file:///o%20%231/%E7%BC%A9%E7%95%A5%E5%9B%BE/I%23"_s;
+        const QString folder = QUrl::fromLocalFile(drive() + "/"_s).toString() + "o%20%231/"_s;
+        const QString thumbnails = folder + "%E7%BC%A9%E7%95%A5%E5%9B%BE/I%23"_s;
         const QString sheet = html(detail);
-        QVERIFY(
-            sheet.contains("file:///o%20%231/%E8%A3%81%E5%89%AA/%E5%86%8C_I%230%20100%25.jpg"_s));
+        QVERIFY(sheet.contains(folder + "%E8%A3%81%E5%89%AA/%E5%86%8C_I%230%20100%25.jpg"_s));
         QVERIFY(sheet.contains(thumbnails + "1%20100%25.jpg"_s));
         QVERIFY(
             sheet.contains(thumbnails + "7%20100%25.jpg#square\" width=\"150\" height=\"150\""_s));

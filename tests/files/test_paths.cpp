@@ -151,8 +151,8 @@ private slots:
         const auto dropped = chosenfiles::expandDrop(paths, "图片 (*.jpg *.nef);;所有 (*.*)"_s);
         QFile::setPermissions(closed, open);
         QStringList found = dropped.files;
-        QCOMPARE(found.replaceInStrings(root.path() + QLatin1Char('/'), QString()),
-                 (QStringList{"a.jpg"_s, "b/9.jpg"_s, "b/10.JPG"_s, "b/c/1.nef"_s}));
+        found.replaceInStrings(root.path() + QLatin1Char('/'), QString());
+        QCOMPARE(found.join(QLatin1Char(' ')), "a.jpg b/9.jpg b/10.JPG b/c/1.nef"_s);
         QCOMPARE(dropped.ignored, 1);
         QCOMPARE(dropped.unreadable, hiding);
     }

@@ -17,6 +17,19 @@ QByteArray readFile(const QString &path);
 /// sorted.
 QStringList filesBelow(const QString &folder);
 
+/// What an absolute path begins with: a drive's name, nothing elsewhere than on Windows.
+#ifdef Q_OS_WIN
+inline QString drive()
+{
+    return QStringLiteral("C:");
+}
+#else
+inline QString drive()
+{
+    return {};
+}
+#endif
+
 /// Whether QFile::link() makes a shortcut, which is a file like any other, and no link.
 #ifdef Q_OS_WIN
 constexpr bool shortcutsForLinks = true;
