@@ -47,10 +47,14 @@ QVector<Form> formsOf(const OrderInfo &order, int photoMode)
     return forms;
 }
 
+QString customerOf(const OrderInfo &order)
+{
+    return order.mname.isEmpty() ? order.wname : order.mname;
+}
+
 QString nameOf(const OrderInfo &order)
 {
-    return order.orderPayForKey + QLatin1Char('-') +
-           (order.mname.isEmpty() ? order.wname : order.mname);
+    return order.orderPayForKey + QLatin1Char('-') + customerOf(order);
 }
 
 bool isReachable(const QString &wirePath)
@@ -132,7 +136,8 @@ PathProblem validatePaths(const QList<OrderInfo> &orders)
     for (const OrderInfo &order : orders) {
         if (order.importPath.isEmpty()) {
             if (order.importPublicPath.isEmpty()) {
-                return {QStringLiteral("订单 %1 的导入路径和公共导入路径都为空").arg(nameOf(order)),
+                return {QStringLiteral("订单 %1-%2 的导入路径和公共导入路径都为空")
+                            .arg(order.orderPayForKey, customerOf(order)),
                         QString()};
             }
             if (!isReachable(order.importPublicPath))
