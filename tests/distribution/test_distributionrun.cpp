@@ -351,11 +351,8 @@ private slots:
     {
         const OrderIdentity identity{"101"_s, {}, order(1).orderPhotoId};
         QString tool;
-        run_->setPerform([&](const DistributionTask &task) {
-            QMetaObject::invokeMethod(
-                this, [&] { tool = ordersatwork::toolAt(identity); }, Qt::BlockingQueuedConnection);
-            return FJDataOperate::perform(task);
-        });
+        connect(run_.get(), &DistributionRun::resultCounted, this,
+                [&] { tool = ordersatwork::toolAt(identity); });
         const RunSettings wanted = settings(Type::DownloadDelivery, "f"_s);
         {
             const ordersatwork::Claim claim({identity}, "批量删除"_s);
