@@ -1,7 +1,7 @@
 #include "app/context/k.h"
 #include "platform/power.h"
 #include "tasks/background.h"
-#include "widgets/theme.h"
+#include "widgets/theme/theme.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -2,8 +2,8 @@
 #include "bench/fixture.h"
 #include "bench/measure.h"
 #include "bench/options.h"
-#include "fileimport/filechoice.h"
-#include "fileimport/importrun.h"
+#include "fileimport/run/filechoice.h"
+#include "fileimport/run/importrun.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 

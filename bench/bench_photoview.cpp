@@ -1,14 +1,14 @@
 #include "bench/measure.h"
 #include "bench/options.h"
 #include "bench/windowbench.h"
-#include "fileimport/originalrequests.h"
-#include "fileimport/photocell.h"
-#include "fileimport/thumbnailtableview.h"
+#include "fileimport/imported/originalrequests.h"
+#include "fileimport/imported/photocell.h"
+#include "fileimport/imported/thumbnailtableview.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
-#include "widgets/theme.h"
+#include "widgets/theme/theme.h"
 
 #include <QFile>
 #include <QJsonArray>

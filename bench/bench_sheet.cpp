@@ -1,9 +1,9 @@
 #include "bench/fixture.h"
 #include "bench/measure.h"
 #include "bench/options.h"
-#include "distribution/distributionplan.h"
-#include "distribution/foldernames.h"
-#include "distribution/productionsheet.h"
+#include "distribution/naming/foldernames.h"
+#include "distribution/plan/distributionplan.h"
+#include "distribution/sheet/productionsheet.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
 

@@ -2,7 +2,7 @@
 #include "bench/measure.h"
 #include "bench/options.h"
 #include "bench/windowbench.h"
-#include "fileimport/importfiles.h"
+#include "fileimport/window/importfiles.h"
 #include "tasks/background.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"

@@ -3,15 +3,15 @@
 #include "app/account/credentials.h"
 #include "app/account/loginpanel.h"
 #include "app/context/k.h"
+#include "look/colours.h"
 #include "net/formbody.h"
 #include "net/servicecall.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
-#include "widgets/colours.h"
-#include "widgets/inputs.h"
-#include "widgets/loadingoverlay.h"
-#include "widgets/theme.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/inputs/inputs.h"
+#include "widgets/theme/theme.h"
+#include "widgets/windows/loadingoverlay.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

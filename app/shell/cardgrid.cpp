@@ -1,6 +1,6 @@
 #include "app/shell/cardgrid.h"
 
-#include "widgets/theme.h"
+#include "widgets/theme/theme.h"
 
 #include <QKeyEvent>
 

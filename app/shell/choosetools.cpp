@@ -2,12 +2,12 @@
 
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
-#include "app/helpers/macwindowmanager.h"
 #include "app/shell/cardgrid.h"
 #include "app/shell/toolcardwidget.h"
-#include "widgets/colours.h"
-#include "widgets/theme.h"
-#include "widgets/titlebar.h"
+#include "look/colours.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/frame/titlebar.h"
+#include "widgets/theme/theme.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/shell/tools.h"
-#include "widgets/framelesswindow.h"
+#include "widgets/windows/framelesswindow.h"
 
 #include <QHash>
 #include <QJsonObject>

@@ -6,7 +6,7 @@
 #include "app/context/k.h"
 #include "app/context/logging.h"
 #include "app/shell/choosetools.h"
-#include "distribution/fjhome.h"
+#include "distribution/window/fjhome.h"
 
 #include <QCoreApplication>
 

@@ -1,8 +1,8 @@
 #include "app/shell/toolcardwidget.h"
 
 #include "app/context/k.h"
-#include "widgets/colours.h"
-#include "widgets/theme.h"
+#include "look/colours.h"
+#include "widgets/theme/theme.h"
 
 #include <QEvent>
 #include <QKeyEvent>

@@ -1,9 +1,9 @@
 #include "app/shell/tools.h"
 
-#include "batchdelete/batchdelete.h"
-#include "distribution/fjhome.h"
-#include "fileimport/importfiles.h"
-#include "photoimport/tfhome.h"
+#include "batchdelete/window/batchdelete.h"
+#include "distribution/window/fjhome.h"
+#include "fileimport/window/importfiles.h"
+#include "photoimport/window/tfhome.h"
 
 namespace {
 

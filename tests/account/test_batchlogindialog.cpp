@@ -6,8 +6,8 @@
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/loadingoverlay.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/windows/loadingoverlay.h"
 
 #include <QPushButton>
 

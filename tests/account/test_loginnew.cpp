@@ -7,7 +7,7 @@
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/customcheckboxnew.h"
+#include "widgets/inputs/customcheckboxnew.h"
 
 #include <QDir>
 #include <QPushButton>

@@ -4,7 +4,7 @@
 #include "app/context/k.h"
 #include "app/shell/choosetools.h"
 #include "app/shell/startwindow.h"
-#include "distribution/fjhome.h"
+#include "distribution/window/fjhome.h"
 #include "tests/support/democlient.h"
 #include "tests/support/text.h"
 

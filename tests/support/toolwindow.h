@@ -6,7 +6,7 @@
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
 
 #include <QAbstractButton>
 #include <QComboBox>

@@ -1,8 +1,8 @@
 #include "app/account/batchlogindialog.h"
-#include "batchdelete/batchdelete.h"
-#include "batchdelete/batchdelete_delegates.h"
-#include "batchdelete/batchdeletefilemodel.h"
-#include "batchdelete/batchdeleteordermodel.h"
+#include "batchdelete/window/batchdelete.h"
+#include "batchdelete/window/batchdelete_delegates.h"
+#include "batchdelete/window/batchdeletefilemodel.h"
+#include "batchdelete/window/batchdeleteordermodel.h"
 #include "tests/tour/toolhand.h"
 
 #include <QFile>

@@ -1,6 +1,6 @@
-#include "distribution/distributionordermodel.h"
-#include "distribution/fjhome.h"
-#include "distribution/foldernamingrule.h"
+#include "distribution/naming/foldernamingrule.h"
+#include "distribution/window/distributionordermodel.h"
+#include "distribution/window/fjhome.h"
 #include "tests/tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
 

@@ -2,7 +2,7 @@
 #include "tests/support/text.h"
 #include "tests/tour/guide.h"
 #include "tests/tour/steps.h"
-#include "widgets/theme.h"
+#include "widgets/theme/theme.h"
 
 #include <QApplication>
 #include <QCommandLineParser>

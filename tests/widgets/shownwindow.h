@@ -1,7 +1,7 @@
 #pragma once
 
-#include "widgets/framelesswindow.h"
-#include "widgets/inputs.h"
+#include "widgets/inputs/inputs.h"
+#include "widgets/windows/framelesswindow.h"
 
 #include <QApplication>
 #include <QTest>

@@ -2,10 +2,10 @@
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
-#include "widgets/datepicker.h"
-#include "widgets/ordersearchbar.h"
-#include "widgets/tables.h"
-#include "widgets/theme.h"
+#include "widgets/inputs/datepicker.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/tables/tables.h"
+#include "widgets/theme/theme.h"
 
 #include <QCalendarWidget>
 #include <QPushButton>

@@ -5,10 +5,10 @@
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/noticedialog.h"
-#include "widgets/edgegrip.h"
-#include "widgets/loadingoverlay.h"
-#include "widgets/titlebar.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/edgegrip.h"
+#include "widgets/frame/titlebar.h"
+#include "widgets/windows/loadingoverlay.h"
 
 #include <QClipboard>
 #include <QPlainTextEdit>

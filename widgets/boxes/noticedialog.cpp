@@ -1,10 +1,10 @@
 #include "widgets/boxes/noticedialog.h"
 
+#include "look/colours.h"
 #include "tasks/background.h"
-#include "widgets/colours.h"
-#include "widgets/theme.h"
-#include "widgets/titlebar.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/titlebar.h"
+#include "widgets/theme/theme.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

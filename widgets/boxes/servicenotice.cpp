@@ -1,7 +1,7 @@
 #include "widgets/boxes/servicenotice.h"
 
 #include "widgets/boxes/messagebox.h"
-#include "widgets/toast.h"
+#include "widgets/boxes/toast.h"
 
 void showServiceFailure(QWidget *parent, const ServiceReply &reply, const QString &refusal)
 {

@@ -1,0 +1,88 @@
+#include "batchdelete/run/deletionreport.h"
+
+#include <QStringList>
+
+namespace deletionreport {
+
+namespace {
+
+/// A field of a table. What a spreadsheet program would take for a formula is marked as text.
+QString field(QString text)
+{
+    static const QString formula = QStringLiteral("=+-@\t\r");
+    if (!text.isEmpty() && formula.contains(text.at(0)))
+        text.prepend(QLatin1Char('\''));
+    text.replace(QLatin1Char('"'), QLatin1String("\"\""));
+    return QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+QByteArray line(const QStringList &texts)
+{
+    QStringList fields;
+    for (const QString &text : texts)
+        fields.append(field(text));
+    return fields.join(QLatin1Char(',')).toUtf8() + "\r\n";
+}
+
+QString nameWithReason(const BatchDeleteFileInfo &file)
+{
+    return file.displayName() + QStringLiteral(": ") +
+           (file.reason.isEmpty() ? deletionStateText(file.state) : file.reason);
+}
+
+} // namespace
+
+BoxText succeededList(const BatchDeleteOrderInfo &order)
+{
+    return BoxText::list(
+        QStringLiteral(" 删除成功的照片"), order.files(),
+        [](const BatchDeleteFileInfo &file) { return file.state == BatchDeleteFileInfo::Deleted; },
+        [](const BatchDeleteFileInfo &file) { return file.displayName(); });
+}
+
+BoxText failedList(const BatchDeleteOrderInfo &order)
+{
+    return BoxText::list(
+        QStringLiteral(" 删除失败的照片"), order.files(),
+        [](const BatchDeleteFileInfo &file) { return file.hasFailed(); }, nameWithReason);
+}
+
+QString summaryText(const DeletionSummary &summary)
+{
+    const bool completed = summary.end == DeletionSummary::End::Completed;
+    QString text =
+        completed ? QStringLiteral("全部删除完成！") : QStringLiteral("批量删除已停止。");
+    if (completed && summary.failed == 0 && summary.skipped == 0)
+        return text;
+    text += QStringLiteral("\n\n成功 %1 个文件，失败 %2 个文件")
+                .arg(summary.deleted)
+                .arg(summary.failed);
+    if (summary.skipped > 0)
+        text += QStringLiteral("\n跳过 %1 个订单").arg(summary.skipped);
+    if (summary.untouched > 0)
+        text += QStringLiteral("\n还有 %1 个订单没有处理").arg(summary.untouched);
+    return text;
+}
+
+QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
+{
+    QByteArray table =
+        "\xEF\xBB\xBF" +
+        line({QStringLiteral("订单号"), QStringLiteral("客户姓名"), QStringLiteral("导片路径"),
+              QStringLiteral("文件路径"), QStringLiteral("文件大小"), QStringLiteral("状态"),
+              QStringLiteral("原因")});
+    for (const BatchDeleteOrderInfo &order : orders) {
+        if (!order.processed)
+            continue;
+        const QStringList head{order.displayNumber(), order.customers(), order.netPath};
+        if (order.files().isEmpty() || !order.note.isEmpty())
+            table += line(head + QStringList{{}, {}, {}, order.note});
+        for (const BatchDeleteFileInfo &file : order.files()) {
+            table += line(head + QStringList{file.fullPath(), QString::number(file.size),
+                                             deletionStateText(file.state), file.reason});
+        }
+    }
+    return table;
+}
+
+} // namespace deletionreport

@@ -1,0 +1,469 @@
+#include "batchdelete/window/batchdelete.h"
+
+#include "batchdelete/rules/deletionrules.h"
+#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/window/batchdelete_filelistwidget.h"
+#include "batchdelete/window/batchdelete_orderlistwidget.h"
+#include "batchdelete/window/batchdelete_runbar.h"
+#include "batchdelete/window/deletionapproval.h"
+#include "tasks/background.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/orders/orderfinder.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/tables/tables.h"
+#include "widgets/theme/theme.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int toastMs = 2000;
+
+QString deletingText()
+{
+    return QStringLiteral("删除中...");
+}
+
+QString noPermissionText()
+{
+    return QStringLiteral("暂无权限操作批量删除");
+}
+
+} // namespace
+
+BatchDelete::BatchDelete(QWidget *parent)
+    : FramelessWindow(parent)
+    , searchBar_(new OrderSearchBar(this))
+    , runBar_(new BatchDelete_RunBar(&orders_, &run_, this))
+    , orderList_(new BatchDelete_OrderListWidget(&orders_))
+    , fileList_(new BatchDelete_FileListWidget)
+    , finder_(
+          new OrderFinder(this, {&branch_, searchBar_, orderList_->table(), orderList_->overlay()}))
+{
+    qRegisterMetaType<BatchDeleteOrderInfo>();
+    setWindowTitle(QStringLiteral("批量删除"));
+    buildLayout();
+    approval_ = new DeletionApproval(this, &orders_);
+    connect(approval_, &DeletionApproval::approved, this, &BatchDelete::startRun);
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool, const QString &error) {
+                if (!error.isEmpty())
+                    Toast::show(this, error, toastMs);
+            });
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connectLists();
+    connectRun();
+    showRunState();
+}
+
+BatchDelete::~BatchDelete()
+{
+    // What shows them outlives the models and the run by a moment.
+    disconnect(orderList_, nullptr, this, nullptr);
+    run_.disconnect();
+}
+
+void BatchDelete::buildLayout()
+{
+    searchBar_->searchByCompletion(QStringLiteral("搜索订单号、姓名、电话、微信..."));
+    searchBar_->captionBranches(QStringLiteral("分店选择:"));
+    searchBar_->addPersonFilter();
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(orderList_);
+    splitter->addWidget(fileList_);
+    splitter->setStretchFactor(0, 8);
+    splitter->setStretchFactor(1, 5);
+    splitter->setChildrenCollapsible(false);
+
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    const int margin = theme::margin();
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(searchBar_);
+    layout->addWidget(runBar_);
+    layout->addWidget(splitter, 1);
+    setContent(content);
+}
+
+void BatchDelete::connectLists()
+{
+    connect(searchBar_, &OrderSearchBar::searchRequested, this, &BatchDelete::onSearchClick);
+    connect(searchBar_, &OrderSearchBar::searchTypeChanged, this,
+            &BatchDelete::onSearchTypeChanged);
+    connect(searchBar_, &OrderSearchBar::branchChosen, this,
+            &BatchDelete::onBranchSelectionChanged);
+    finder_->setLeaving({[this] { return run_.isBusy() ? deletingText() : QString(); },
+                         [this] {
+                             return orders_.unreported() == 0
+                                        ? QString()
+                                        : unreportedQuestion(QStringLiteral(
+                                              "切换分店后无法再次提交，确认要切换吗？"));
+                         }});
+    connect(finder_, &OrderFinder::branchLeft, this, &BatchDelete::onBranchLeft);
+    connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
+    finder_->setReader(&deletionrequests::readOrders,
+                       [this](const deletionrequests::OrderList &list, OrderFinder::Search) {
+                           orderList_->keepPlaceWhile(
+                               [&] { orders_.setOrders(list.orders, list.unlisted); });
+                       });
+
+    connect(orderList_, &BatchDelete_OrderListWidget::orderSelectionChanged, this,
+            &BatchDelete::onOrderSelectionChanged);
+    connect(orderList_, &BatchDelete_OrderListWidget::singleOrderClicked, this,
+            &BatchDelete::showOrder);
+    connect(orderList_, &BatchDelete_OrderListWidget::viewClicked, this,
+            &BatchDelete::onViewClicked);
+    connect(orderList_, &BatchDelete_OrderListWidget::openFolderClicked, this, [this](int row) {
+        if (!orders_.order(row).netPath.isEmpty())
+            folderOpener_.open(orders_.order(row).netPath);
+    });
+    connect(orderList_, &BatchDelete_OrderListWidget::copyNumberClicked, this, [this](int row) {
+        QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+        Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+    });
+    connect(fileList_, &BatchDelete_FileListWidget::retrySubmitClicked, this,
+            [this](int index) { retryFiles({index}); });
+    connect(fileList_, &BatchDelete_FileListWidget::retryDeleteClicked, this,
+            [this](int index) { retryFiles({index}); });
+    connect(fileList_, &BatchDelete_FileListWidget::retryClicked, this, &BatchDelete::retryFiles);
+    connect(fileList_, &BatchDelete_FileListWidget::refreshOrderFiles, this,
+            &BatchDelete::onRefreshOrderFiles);
+    connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
+    connect(runBar_, &BatchDelete_RunBar::startClicked, this, &BatchDelete::onStartBatchDelete);
+}
+
+void BatchDelete::connectRun()
+{
+    connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const OrderIdentity &orderId) {
+        orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
+            order.note.clear();
+            order.processed = true;
+            order.listed = 0;
+        });
+    });
+    connect(&run_, &BatchDeleteRun::filesListed, this,
+            [this](const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files) {
+                setFiles(orderId, files);
+                showRunState();
+            });
+    connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
+    connect(&run_, &BatchDeleteRun::orderNoted, this,
+            [this](const OrderIdentity &orderId, const QString &note) {
+                orders_.change(orders_.rowOf(orderId),
+                               [&note](BatchDeleteOrderInfo &order) { order.note = note; });
+            });
+    connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed);
+    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished);
+    connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit);
+    connect(&run_, &BatchDeleteRun::ended, this, [this] {
+        showRunState();
+        if (isClosingLater())
+            finishClosing();
+    });
+}
+
+void BatchDelete::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        reqShopInfo();
+    }
+}
+
+FramelessWindow::CloseAnswer BatchDelete::closeRequested()
+{
+    if (orders_.unreported() > 0 && !agreedToClose(unreportedQuestion(
+                                        QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
+        return CloseAnswer::Refuse;
+    closing_ = true;
+    finder_->cancel();
+    approval_->cancel();
+    run_.close();
+    return run_.isBusy() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+// Branch and order search.
+
+void BatchDelete::reqShopInfo()
+{
+    finder_->open();
+}
+
+void BatchDelete::onBranchSelectionChanged(int index)
+{
+    finder_->chooseBranch(searchBar_->branchId(index));
+}
+
+void BatchDelete::onBranchLeft()
+{
+    approval_->cancel();
+    orders_.clear();
+    fileList_->clear();
+}
+
+void BatchDelete::onBranchSwitched()
+{
+    switchedRoots_.append(branch_.publicPath());
+    emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
+    const bool permitted = branch_.mayDeleteAllPhotos();
+    orderList_->setEnabled(permitted);
+    fileList_->setEnabled(permitted);
+    if (!permitted) {
+        orderList_->table()->setEmptyText(noPermissionText());
+        Toast::show(this, noPermissionText(), toastMs);
+        return;
+    }
+    branch_.listPersons();
+    reqOrderList();
+}
+
+void BatchDelete::onSearchTypeChanged(int type)
+{
+    Q_UNUSED(type) // the search bar shows the field that the type needs
+}
+
+void BatchDelete::onSearchClick()
+{
+    if (run_.isBusy()) {
+        MessageBox::warning(this, deletingText());
+    } else if (!branch_.isConfirmed()) {
+        finder_->confirmBranch(); // when that succeeds a search follows
+    } else if (!branch_.mayDeleteAllPhotos()) {
+        Toast::show(this, noPermissionText(), toastMs);
+    } else {
+        reqOrderList();
+    }
+}
+
+void BatchDelete::reqOrderList()
+{
+    finder_->search();
+}
+
+QString BatchDelete::unreportedQuestion(const QString &question) const
+{
+    return QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2")
+        .arg(orders_.unreported())
+        .arg(question);
+}
+
+// What the lists do.
+
+void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &orders)
+{
+    runBar_->showChecked(orders.size());
+}
+
+void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
+{
+    if (order.identity().isEmpty())
+        fileList_->clear();
+    else if (order.processed)
+        fileList_->showFiles(order, order.files());
+    else
+        scan(order);
+}
+
+/// Where nothing may be deleted there may be a whole disk to read.
+void BatchDelete::scan(const BatchDeleteOrderInfo &order)
+{
+    const QString refusal = deletionrules::folderRefusal(order.netPath, publicRoots());
+    if (refusal.isEmpty())
+        fileList_->scan(order);
+    else
+        fileList_->showRefusal(order, refusal);
+}
+
+void BatchDelete::onRefreshOrderFiles()
+{
+    const int row = orders_.rowOf(fileList_->orderId());
+    if (row < 0)
+        return;
+    if (run_.isBusy() && orders_.order(row).processed)
+        Toast::show(this, deletingText(), toastMs); // the run keeps this list up to date
+    else
+        scan(orders_.order(row));
+}
+
+void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
+                                 const QVector<BatchDeleteFileInfo> &files)
+{
+    const int row = orders_.rowOf(order.identity());
+    if (row < 0)
+        return;
+    // Of a mere list only the count is kept: there may be a million files, and hundreds of orders.
+    if (!orders_.order(row).processed) {
+        orders_.change(row, [&files](BatchDeleteOrderInfo &shown) { shown.listed = files.size(); });
+        return;
+    }
+    const QVector<BatchDeleteFileInfo> before = orders_.order(row).files();
+    onProcessor(
+        this, [before, files] { return deletionrules::merged(before, files); },
+        [this, id = order.identity(), before](const QVector<BatchDeleteFileInfo> &all) {
+            const int shown = orders_.rowOf(id);
+            if (shown < 0)
+                return;
+            // Whatever is being deleted keeps its place in its order's list, and what became of
+            // files meanwhile its state.
+            const QVector<BatchDeleteFileInfo> now = orders_.order(shown).files();
+            setFiles(id, run_.isBusy() || !now.isSharedWith(before) ? now : all);
+        });
+}
+
+void BatchDelete::setFiles(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files)
+{
+    const int row = orders_.rowOf(orderId);
+    orders_.change(row, [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
+    if (row >= 0 && orderId == fileList_->orderId())
+        fileList_->showFiles(orders_.order(row), files);
+}
+
+void BatchDelete::onViewClicked(int row, BatchDeleteProgressDelegate::Button button)
+{
+    if (!orders_.hasRow(row))
+        return;
+    const BatchDeleteOrderInfo &order = orders_.order(row);
+    if (button == BatchDeleteProgressDelegate::ViewSucceeded)
+        MessageBox::information(this, deletionreport::succeededList(order));
+    else
+        MessageBox::warning(this, deletionreport::failedList(order));
+}
+
+void BatchDelete::retryFiles(const QVector<int> &indexes)
+{
+    const int row = orders_.rowOf(fileList_->orderId());
+    if (row < 0 || !mayDelete())
+        return;
+    if (run_.isBusy())
+        Toast::show(this, deletingText(), toastMs);
+    else if (searchBar_->isBusy()) // the answer may replace the order under the retry
+        Toast::show(this, QStringLiteral("正在查询订单..."), toastMs);
+    else if (!run_.retry(orders_.order(row), indexes, branch_.identity(), publicRoots()) &&
+             orders_.order(row).hasChanged(indexes))
+        Toast::show(this, QStringLiteral("文件已变化，请先刷新"), toastMs);
+    showRunState();
+}
+
+/// What other branches hold counts as well: an order's path is what somebody typed.
+QStringList BatchDelete::publicRoots() const
+{
+    QStringList roots{branch_.publicPath()};
+    roots += switchedRoots_;
+    for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
+        roots.append(shop.importPublicPath);
+    roots.removeDuplicates();
+    return roots;
+}
+
+bool BatchDelete::mayDelete()
+{
+    if (!branch_.isConfirmed() || !branch_.mayDeleteAllPhotos()) {
+        Toast::show(this, QStringLiteral("暂无权限操作"), toastMs);
+        return false;
+    }
+    return true;
+}
+
+// The deletion.
+
+void BatchDelete::onStartBatchDelete()
+{
+    if (run_.isRunning()) {
+        run_.stop();
+        showRunState();
+        return;
+    }
+    if (!mayDelete())
+        return;
+    if (orders_.checkedOrders().isEmpty()) {
+        Toast::show(this, QStringLiteral("请选择要删除的订单!"), toastMs);
+        return;
+    }
+    if (run_.isBusy()) {
+        Toast::show(this, deletingText(), toastMs);
+        return;
+    }
+    // A reply that comes now must not replace the orders that are being judged.
+    finder_->cancel();
+    finder_->showBranch();
+    approval_->ask(branch_.identity().shopId, publicRoots());
+}
+
+void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
+{
+    run_.start(orders, branch_.identity(), publicRoots());
+    showRunState();
+}
+
+void BatchDelete::onFileChanged(const OrderIdentity &orderId, int index,
+                                const BatchDeleteFileInfo &file)
+{
+    orders_.setFile(orders_.rowOf(orderId), index, file);
+    if (orderId == fileList_->orderId())
+        fileList_->setFile(index, file);
+}
+
+void BatchDelete::onAnnouncementFailed(const ServiceReply &reply)
+{
+    if (isClosing())
+        return;
+    if (reply.outcome == ServiceReply::Outcome::NoAnswer)
+        MessageBox::warning(this, QStringLiteral("提交数据失败!"));
+    else
+        showServiceFailure(this, reply, reply.message);
+}
+
+void BatchDelete::askForResubmit(const QString &question, const QString &certificateError)
+{
+    if (!certificateError.isEmpty())
+        showCertificateRefused(this, certificateError);
+    MessageBox::question(this, question, QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
+                         [this](QMessageBox::StandardButton answer) { answerResubmit(answer); });
+}
+
+void BatchDelete::answerResubmit(QMessageBox::StandardButton answer)
+{
+    if (!run_.reporter()->isAsking())
+        return;                       // the run has ended meanwhile
+    if (answer == QMessageBox::Abort) // one by one the files of a large order would ask again
+        run_.stop();
+    run_.reporter()->answerResubmit(answer == QMessageBox::Ok);
+}
+
+void BatchDelete::onRunFinished(const DeletionSummary &summary)
+{
+    showRunState();
+    if (isClosing())
+        return;
+    const QString text = deletionreport::summaryText(summary);
+    switch (summary.end) {
+    case DeletionSummary::End::Completed:
+        MessageBox::information(this, text);
+        break;
+    case DeletionSummary::End::Declined:
+        MessageBox::warning(this, text);
+        break;
+    case DeletionSummary::End::Stopped:
+        Toast::show(this, QStringLiteral("批量删除已停止"), toastMs);
+        break;
+    case DeletionSummary::End::NotAnnounced:
+        break; // told already
+    }
+}
+
+void BatchDelete::showRunState()
+{
+    orderList_->setCheckable(!run_.isRunning());
+    runBar_->showRunState();
+}

@@ -1,0 +1,74 @@
+#include "batchdelete/window/batchdelete_runbar.h"
+
+#include "batchdelete/run/batchdeleterun.h"
+#include "batchdelete/window/batchdelete_exportbutton.h"
+#include "batchdelete/window/batchdeleteordermodel.h"
+#include "widgets/theme/theme.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+
+BatchDelete_RunBar::BatchDelete_RunBar(const BatchDeleteOrderModel *orders,
+                                       const BatchDeleteRun *run, QWidget *parent)
+    : QWidget(parent)
+    , orders_(orders)
+    , run_(run)
+    , countLabel_(new QLabel(this))
+    , runLabel_(new QLabel(this))
+    , exportButton_(new BatchDelete_ExportButton(orders, this))
+    , startButton_(new QPushButton(this))
+{
+    countLabel_->setObjectName(QStringLiteral("orderCountLabel"));
+    runLabel_->setObjectName(QStringLiteral("runLabel"));
+    startButton_->setObjectName(QStringLiteral("startButton"));
+    startButton_->setMinimumHeight(theme::controlHeight());
+    auto *bar = new QHBoxLayout(this);
+    bar->setContentsMargins(0, 0, 0, 0);
+    bar->setSpacing(theme::spacing());
+    bar->addWidget(countLabel_);
+    bar->addWidget(runLabel_, 1);
+    bar->addWidget(exportButton_);
+    bar->addWidget(startButton_);
+
+    connect(startButton_, &QPushButton::clicked, this, &BatchDelete_RunBar::startClicked);
+    connect(orders, &QAbstractItemModel::modelReset, this, &BatchDelete_RunBar::showOrderCount);
+    connect(run, &BatchDeleteRun::scanProgress, this, [this](const OrderIdentity &, int count) {
+        runLabel_->setText(QStringLiteral("正在处理第 %1/%2 个订单，已找到 %3 个文件")
+                               .arg(run_->turn())
+                               .arg(run_->turns())
+                               .arg(count));
+    });
+    showOrderCount();
+    showRunState();
+}
+
+void BatchDelete_RunBar::showOrderCount()
+{
+    countLabel_->setText(QStringLiteral("    共%1个订单").arg(orders_->orders().size()));
+}
+
+void BatchDelete_RunBar::showChecked(int count)
+{
+    startButton_->setToolTip(count == 0 ? QString()
+                                        : QStringLiteral("已选择 %1 个订单").arg(count));
+}
+
+void BatchDelete_RunBar::showRunState()
+{
+    const bool running = run_->isRunning();
+    QString text = QStringLiteral("开始批量删除");
+    if (running)
+        text = run_->isStopping() ? QStringLiteral("立即停止") : QStringLiteral("停止删除");
+    startButton_->setText(text);
+    startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
+    exportButton_->setEnabled(!running);
+    exportButton_->setToolTip(running ? QStringLiteral("删除结束后可导出") : QString());
+    if (!running)
+        runLabel_->clear();
+    else if (run_->isStopping())
+        runLabel_->setText(QStringLiteral("当前文件处理完后停止..."));
+    else
+        runLabel_->setText(
+            QStringLiteral("正在处理第 %1/%2 个订单").arg(run_->turn()).arg(run_->turns()));
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "distribution/rules/orderdata.h"
+#include "net/orderqueries.h"
+
+#include <QByteArray>
+#include <QVector>
+
+class QJsonObject;
+
+/// The requests of the distribution window: bodies from values, records from replies. Pure
+/// functions.
+namespace distributionrequests {
+
+inline const QString typedOrderListAction = QStringLiteral("&m=order&a=order_list_type_1");
+inline const QString detailAction = QStringLiteral("&m=order&a=orderphotodetail");
+inline const QString downloadedAction = QStringLiteral("&m=order&a=download_success");
+
+/// \a searchType is the chooser's text; one that is not listed leaves the search type out.
+QByteArray orderListBody(const QString &searchType, const QString &keyword,
+                         const orderqueries::Identity &identity);
+QByteArray detailBody(const OrderData &order, const orderqueries::Identity &identity);
+QByteArray downloadedBody(const QString &imageId, const orderqueries::Identity &identity);
+
+/// Address of the picture of an order's barcode.
+QString barcodeUrl(const QString &orderNumber);
+
+/// The text by which the chooser names a search type; empty for an index that it does not have.
+QString searchTypeText(int type);
+/// What is searched for: the text, or the date that the type looks at.
+QString keywordOf(const orderqueries::OrderSearch &search);
+
+using OrderList = orderqueries::OrderList<OrderData>;
+
+/// Reads a reply to a search in \a branch.
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+
+} // namespace distributionrequests

@@ -1,0 +1,263 @@
+#include "distribution/window/fjhome.h"
+
+#include "distribution/naming/namingrulepanel.h"
+#include "distribution/rules/distributionrequests.h"
+#include "distribution/run/fjdataoperate.h"
+#include "distribution/window/fjleftpanel.h"
+#include "distribution/window/fjrightpanel.h"
+#include "look/colours.h"
+#include "tasks/background.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/theme/theme.h"
+
+#include <QDebug>
+#include <QJsonObject>
+#include <QSplitter>
+
+namespace {
+
+constexpr int closePatienceMs = 5000;
+constexpr int ordersNamed = 5;
+
+QString textOfOtherFiles(const RunSummary &summary)
+{
+    int count = 0;
+    QStringList orders;
+    for (const auto &[order, files] : summary.otherFiles) {
+        count += files;
+        orders.append(QStringLiteral("%1: %2").arg(order).arg(files));
+    }
+    if (count == 0)
+        return {};
+    if (orders.size() > ordersNamed)
+        orders = orders.mid(0, ordersNamed) + QStringList(QStringLiteral("…"));
+    return QStringLiteral("\n订单文件夹中有 %1 个文件不是本次写入的（%2）")
+        .arg(QString::number(count), orders.join(QStringLiteral("，")));
+}
+
+} // namespace
+
+FJHome::FJHome(QWidget *parent)
+    : FramelessWindow(parent)
+    , photosCall_(this)
+    , right_(new FJRightPanel)
+    , left_(new FJLeftPanel(right_->searchBar()))
+{
+    setWindowTitle(QStringLiteral("分件工具"));
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle() +
+                            QStringLiteral("QSplitter { background-color: %1; }")
+                                .arg(colours::css(colours::toolBackground)));
+    splitter->addWidget(left_);
+    splitter->addWidget(right_);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 0);
+    splitter->setChildrenCollapsible(false);
+    setContent(splitter);
+    run_.setPerform(&FJDataOperate::perform);
+    closeTimer_.setSingleShot(true);
+    closeTimer_.setInterval(closePatienceMs);
+    connect(&closeTimer_, &QTimer::timeout, this, [this] {
+        qDebug() << "部分任务未能在超时时间内完成";
+        run_.abandonReports();
+    });
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connectPanels();
+    connectRun();
+}
+
+FJHome::~FJHome()
+{
+    // The panels outlive this part of the window by a moment.
+    disconnect(&run_, nullptr, this, nullptr);
+    disconnect(left_, nullptr, this, nullptr);
+    disconnect(right_, nullptr, this, nullptr);
+}
+
+void FJHome::setCard(const QString &card)
+{
+    type_ = splitTypeOf(card);
+    left_->setListMode(listMode(type_));
+    right_->setSplitType(type_);
+}
+
+void FJHome::connectPanels()
+{
+    connect(right_, &FJRightPanel::searchRequested, this, &FJHome::search);
+    connect(right_, &FJRightPanel::shopChange, this, &FJHome::changeShop);
+    connect(right_, &FJRightPanel::startProcessRequested, this, &FJHome::onStartProcessRequested);
+    connect(right_, &FJRightPanel::stopProcessRequested, this, [this] {
+        Toast::show(this, QStringLiteral("正在停止，等待进行中的文件完成..."));
+        run_.stop();
+    });
+    connect(left_, &FJLeftPanel::emitReqOrderFinish, right_, &FJRightPanel::onSetSearchBtnStatus);
+    connect(left_, &FJLeftPanel::userInfoChange, this, [this](const QString &shopId) {
+        abandonPhotos();
+        right_->namingPanel()->setIdentity(left_->identity());
+        right_->showBranch(shopId);
+        right_->clearPhotos();
+    });
+    connect(left_, &FJLeftPanel::orderShown, this, &FJHome::getOrderInfo);
+}
+
+void FJHome::connectRun()
+{
+    connect(&run_, &DistributionRun::orderStarted, this,
+            [this](int position, int total, const OrderData &order) {
+                current_ = order;
+                left_->showRunProgress(QStringLiteral("总进度 %1/%2  当前订单:%3-服务%4")
+                                           .arg(QString::number(position), QString::number(total),
+                                                order.orderPayForKey, order.serviceTimes));
+            });
+    connect(&run_, &DistributionRun::detailRead, this,
+            [this](const QString &orderPhotoId, const OrderDetailPtr &detail) {
+                abandonPhotos();
+                right_->showPhotos(orderPhotoId, current_.displayNumber(), *detail);
+            });
+    connect(&run_, &DistributionRun::progressChanged, left_, &FJLeftPanel::showProgress);
+    connect(&run_, &DistributionRun::stepChanged, left_, &FJLeftPanel::showStep);
+    connect(&run_, &DistributionRun::errorAdded, left_, &FJLeftPanel::addError);
+    connect(&run_, &DistributionRun::photoDownloaded, right_, &FJRightPanel::markDownloaded);
+    connect(&run_, &DistributionRun::resultCounted, this, &FJHome::slt_copypicthread);
+    // Boxes wait for their answer; the run must not wait inside its own signal.
+    connect(&run_, &DistributionRun::finished, this, &FJHome::onRunFinished, Qt::QueuedConnection);
+    connect(&run_, &DistributionRun::idle, this, [this] {
+        if (isClosingLater())
+            finishClosing();
+    });
+}
+
+void FJHome::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (opened_)
+        return;
+    opened_ = true;
+    // Saved login data names no branch; the box shows the first one then.
+    const QString chosen = left_->identity().shopId;
+    changeShop(chosen.isEmpty() ? right_->searchBar()->selectedBranchId() : chosen);
+}
+
+FramelessWindow::CloseAnswer FJHome::closeRequested()
+{
+    left_->cancelRequests();
+    abandonPhotos();
+    run_.stop();
+    if (!run_.isBusy())
+        return CloseAnswer::Close;
+    closeTimer_.start();
+    return CloseAnswer::CloseLater;
+}
+
+// Branch, search, photos.
+
+bool FJHome::refusesWhileRunning()
+{
+    if (run_.isRunning())
+        MessageBox::warning(this, QStringLiteral("分件中..."));
+    return run_.isRunning();
+}
+
+void FJHome::search(const QString &searchType, const QString &searchText)
+{
+    if (refusesWhileRunning())
+        return;
+    abandonPhotos();
+    right_->clearPhotos();
+    left_->reqOrderList(searchType, searchText);
+}
+
+void FJHome::changeShop(const QString &shopId)
+{
+    if (refusesWhileRunning()) {
+        right_->searchBar()->selectBranch(left_->identity().shopId);
+        return;
+    }
+    const orderqueries::OrderSearch search = right_->searchBar()->search();
+    left_->onReqShopInfo(distributionrequests::searchTypeText(search.type),
+                         distributionrequests::keywordOf(search), shopId);
+}
+
+void FJHome::getOrderInfo(const OrderData &order)
+{
+    abandonPhotos();
+    right_->clearPhotos(order.orderPhotoId, order.displayNumber());
+    const auto show = [this, order](const OrderDetailPtr &detail) {
+        right_->showPhotos(order.orderPhotoId, order.displayNumber(), *detail);
+    };
+    photosCall_.start(distributionrequests::detailAction,
+                      distributionrequests::detailBody(order, left_->identity()),
+                      [this, show](const ServiceReply &reply) {
+                          if (reply.isSuccess()) {
+                              onProcessor(
+                                  this, [object = reply.object] { return detailOf(object); },
+                                  photosReading_.only(show));
+                          } else {
+                              showServiceFailure(
+                                  this, reply, reply.message.isEmpty() ? reply.msg : reply.message);
+                          }
+                      });
+}
+
+void FJHome::abandonPhotos()
+{
+    photosCall_.cancel();
+    photosReading_.abandon();
+}
+
+// The run.
+
+void FJHome::onStartProcessRequested()
+{
+    if (run_.isRunning())
+        return;
+    const QVector<OrderData> orders = left_->tickedOrders();
+    if (orders.isEmpty()) {
+        MessageBox::warning(this, QStringLiteral("请选择需要分件的订单"));
+        return;
+    }
+    RunSettings settings;
+    settings.type = type_;
+    settings.directory = right_->directory();
+    settings.options = right_->options();
+    settings.namingRule = right_->namingRule();
+    settings.identity = left_->identity();
+    settings.leftOut = right_->leftOut();
+    // A reply that comes now must not replace the orders under the run.
+    left_->cancelRequests();
+    left_->clearErrors();
+    left_->setLocked(true);
+    right_->setRunning(true);
+    run_.start(orders, settings);
+}
+
+void FJHome::slt_copypicthread(bool success, const QString &type, const QString &copyFile,
+                               const QString &imgData, const QString &errmsg)
+{
+    Q_UNUSED(imgData)
+    if (!success)
+        qDebug().noquote() << type << copyFile << errmsg;
+}
+
+void FJHome::onRunFinished(const RunSummary &summary)
+{
+    if (isClosingLater())
+        return;
+    left_->setLocked(false);
+    right_->setRunning(false);
+    if (summary.stopped) {
+        Toast::show(
+            this,
+            QStringLiteral("已停止，完成 %1/%2 个订单").arg(summary.completed).arg(summary.orders));
+        return;
+    }
+    QString text = QString::number(summary.completed) + QStringLiteral("个订单分件完成!");
+    if (!summary.errors.isEmpty())
+        text += QStringLiteral("\n有 %1 处失败，见失败记录").arg(summary.errors.size());
+    MessageBox::information(this, text + textOfOtherFiles(summary));
+}

@@ -1,0 +1,96 @@
+#pragma once
+
+#include "distribution/window/distributionordermodel.h"
+#include "net/branchsession.h"
+
+#include <QModelIndex>
+#include <QString>
+#include <QVector>
+#include <QWidget>
+
+class EmptyStateTable;
+class OrderFinder;
+class OrderSearchBar;
+class QLabel;
+class QPlainTextEdit;
+class QProgressBar;
+class QPushButton;
+class SortedRows;
+
+/// The left half of the distribution window: the orders with their ticks, the progress of a run and
+/// what failed in it. Searches orders, as the search bar on the other half says, and keeps whom it
+/// does so as.
+class FJLeftPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// \a bar lives as long as the panel works.
+    explicit FJLeftPanel(OrderSearchBar *bar, QWidget *parent = nullptr);
+    ~FJLeftPanel() override;
+
+    /// 1: searches by "order_list_type_1".
+    void setListMode(int mode) { listMode_ = mode; }
+    const orderqueries::Identity &identity() const { return branch_.identity(); }
+
+    /// Searches, or first switches to the branch when the service has not confirmed one yet.
+    void reqOrderList(const QString &searchType, const QString &keyword);
+    /// Abandons search and branch switch.
+    void cancelRequests();
+
+    /// The ticked orders in the order of the table's rows.
+    QVector<OrderData> tickedOrders() const;
+    /// True while a run goes on: ticks cannot be changed then.
+    void setLocked(bool locked);
+
+    void showRunProgress(const QString &text);
+    void showStep(const QString &text);
+    void showProgress(int value, int expected);
+    void clearErrors();
+    void addError(const QString &line);
+
+signals:
+    /// A search, or a branch switch, has ended, or (false) begun.
+    void emitReqOrderFinish(bool enable);
+    /// A tick changed; \a row is the order's position in the list.
+    void orderSelected(int row, bool checked);
+    void userInfoChange(const QString &shopid, const QString &uid, const QString &superid);
+    /// The user went to another row.
+    void orderShown(const OrderData &order);
+
+public slots:
+    // Rows and columns are those of the table.
+    void onOrderSelectionChanged(int currentRow, int currentColumn, int previousRow,
+                                 int previousColumn);
+    void onCellClicked(int row, int column);
+    void onSelectAllClicked();
+    void onUnselectAllClicked();
+    void onReqShopInfo(const QString &searchType, const QString &keyword, const QString &shopid);
+
+private:
+    void buildTable();
+    void buildLayout();
+    QWidget *buildErrorList();
+    void connectFinder();
+    void onBranchSwitched();
+    void showOrders(const QVector<OrderData> &orders);
+
+    BranchSession branch_;
+    int listMode_ = 0;
+    bool locked_ = false;
+    QString searchType_;
+    QString keyword_;
+    DistributionOrderModel model_;
+    EmptyStateTable *table_;
+    SortedRows *rows_ = nullptr;
+    OrderFinder *finder_;
+    QPushButton *selectAll_;
+    QPushButton *unselectAll_;
+    QLabel *ticked_;
+    QLabel *progressLabel_;
+    QLabel *stepLabel_;
+    QProgressBar *progressBar_;
+    QWidget *errorList_ = nullptr;
+    QLabel *errorHeading_ = nullptr;
+    QPlainTextEdit *errors_ = nullptr;
+};

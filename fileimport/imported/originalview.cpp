@@ -1,0 +1,353 @@
+#include "fileimport/imported/originalview.h"
+
+#include "fileimport/imported/thumbnailtableview.h"
+#include "fileimport/rules/importrules.h"
+#include "look/colours.h"
+#include "tasks/background.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/theme/theme.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <QAction>
+#include <QDateTime>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QStyle>
+#include <QTextDocument>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int toastMs = 2000;
+constexpr int resultMs = 1500;
+
+/// A line that ends in "…" where it does not fit; the whole of it is the tool tip.
+class TitleLabel : public QLabel
+{
+public:
+    TitleLabel()
+    {
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        setTextFormat(Qt::PlainText);
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        const QString line = fontMetrics().elidedText(text(), Qt::ElideRight, width());
+        style()->drawItemText(&painter, rect(), Qt::AlignVCenter | Qt::AlignLeft, palette(), true,
+                              line, foregroundRole());
+    }
+};
+
+QString refreshingText()
+{
+    return QStringLiteral("正在刷新中...");
+}
+
+QString titleStyle()
+{
+    return QStringLiteral("QLabel {font-size: ") + QString::number(theme::textSize()) +
+           QStringLiteral("px;    font-weight: 600;    color: #333333;    padding: 5px 0;}");
+}
+
+} // namespace
+
+OriginalView::OriginalView(QWidget *parent)
+    : QWidget(parent)
+    , listing_(this)
+    , title_(new TitleLabel)
+    , count_(new QLabel)
+    , grid_(new ThumbnailTableView)
+    , overlay_(new LoadingOverlay(this))
+{
+    build();
+    connect(refreshButton_, &QPushButton::clicked, this, &OriginalView::refresh);
+    connect(selectAllButton_, &QPushButton::clicked, grid_, &ThumbnailTableView::selectAll);
+    connect(clearButton_, &QPushButton::clicked, grid_, &ThumbnailTableView::clearSelection);
+    connect(deleteButton_, &QPushButton::clicked, this, &OriginalView::deleteSelected);
+    connect(grid_, &ThumbnailTableView::selectedCountChanged, this, &OriginalView::showCount);
+    connect(overlay_, &LoadingOverlay::cancelled, this, &OriginalView::abandonListing);
+    connect(&deletion_, &OriginalDeletion::progressed, this, [this](int done, int total) {
+        overlay_->setText(QStringLiteral("正在删除 %1/%2...").arg(done).arg(total));
+        overlay_->setProgress(done, total);
+    });
+    connect(&deletion_, &OriginalDeletion::submitFailed, this, &OriginalView::onSubmitFailed);
+    connect(&deletion_, &OriginalDeletion::finished, this, &OriginalView::onDeleted);
+    const auto tellWhenStopped = [this] {
+        if (stopping_ && isStopped())
+            emit stopped();
+    };
+    connect(&deletion_, &OriginalDeletion::ended, this, [this, tellWhenStopped] {
+        claim_.release();
+        tellWhenStopped();
+    });
+    connect(grid_, &ThumbnailTableView::stopped, this, tellWhenStopped);
+    setOrder({});
+}
+
+OriginalView::~OriginalView()
+{
+    // The grid goes after this object's own members.
+    disconnect(grid_, nullptr, this, nullptr);
+    grid_->stop();
+}
+
+void OriginalView::build()
+{
+    title_->setObjectName(QStringLiteral("photoTitle"));
+    title_->setStyleSheet(titleStyle());
+    count_->setObjectName(QStringLiteral("photoCount"));
+    grid_->setObjectName(QStringLiteral("photoGrid"));
+
+    refreshButton_ =
+        addButton(QStringLiteral("刷新"), "refreshPhotosButton", theme::secondaryButtonStyle());
+    selectAllButton_ =
+        addButton(QStringLiteral("全选"), "selectAllPhotosButton", theme::secondaryButtonStyle());
+    clearButton_ =
+        addButton(QStringLiteral("取消全选"), "clearPhotosButton", theme::secondaryButtonStyle());
+    deleteButton_ = addButton(QStringLiteral("删除"), "deletePhotosButton",
+                              theme::buttonStyle(colours::clearAction, colours::clearActionHover));
+    auto *head = new QHBoxLayout;
+    head->addWidget(title_, 1);
+    head->addWidget(count_);
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(theme::spacing());
+    for (QPushButton *button : {refreshButton_, selectAllButton_, clearButton_})
+        buttons->addWidget(button);
+    buttons->addStretch(1);
+    buttons->addWidget(deleteButton_);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
+    layout->setSpacing(theme::spacing());
+    layout->addLayout(head);
+    layout->addLayout(buttons);
+    layout->addWidget(grid_, 1);
+
+    const auto addKey = [this](const QKeySequence &key, auto slot) {
+        auto *action = new QAction(this);
+        action->setShortcut(key);
+        action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+        connect(action, &QAction::triggered, this, slot);
+        addAction(action);
+    };
+    addKey(Qt::Key_F5, &OriginalView::refresh);
+    addKey(Qt::Key_Delete, &OriginalView::deleteSelected);
+}
+
+QPushButton *OriginalView::addButton(const QString &text, const char *name, const QString &style)
+{
+    auto *button = new QPushButton(text, this);
+    button->setObjectName(QLatin1String(name));
+    button->setStyleSheet(style);
+    return button;
+}
+
+void OriginalView::setOrder(const originalrequests::OrderMap &order)
+{
+    order_ = order;
+    const bool hasOrder = !order.isEmpty();
+    title_->setText(hasOrder ? originalrequests::title(order) : QStringLiteral("已导入照片"));
+    title_->setToolTip(hasOrder ? Qt::convertFromPlainText(title_->text()) : QString());
+    for (QPushButton *button : {selectAllButton_, clearButton_, deleteButton_})
+        button->setVisible(originalrequests::mayDelete(order));
+    refreshButton_->setEnabled(hasOrder);
+    abandonListing();
+    showEmpty(hasOrder ? refreshingText() : QStringLiteral("请在左侧选择订单"));
+    requestListing();
+}
+
+// Listing.
+
+void OriginalView::refresh()
+{
+    if (!ready_ || order_.isEmpty() || stopping_)
+        return;
+    refreshing_ = true;
+    overlay_->showText(refreshingText());
+    requestListing();
+}
+
+void OriginalView::requestListing()
+{
+    listingDue_ = !ready_;
+    if (!ready_ || order_.isEmpty() || stopping_)
+        return;
+    reading_.abandon();
+    lastTimestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
+    listing_.start(originalrequests::listAction, originalrequests::listBody(order_, lastTimestamp_),
+                   [this](const ServiceReply &reply) { onListing(reply); });
+}
+
+void OriginalView::onListing(const ServiceReply &reply)
+{
+    if (originalrequests::isStale(reply.object, lastTimestamp_)) {
+        endRefreshing();
+        if (grid_->count() == 0)
+            grid_->setEmptyText(QStringLiteral("没有收到最新的照片列表，请刷新"));
+        return;
+    }
+    if (!reply.isSuccess()) {
+        endRefreshing();
+        if (grid_->count() == 0)
+            grid_->setEmptyText(QStringLiteral("照片列表读取失败，请刷新"));
+        showServiceFailure(this, reply, reply.message);
+        return;
+    }
+    // Thousands of entries are read elsewhere; the overlay stays until they are.
+    onProcessor(
+        this, [object = reply.object] { return originalrequests::readListing(object); },
+        reading_.only([this](const QVector<PhotoEntry> &entries) { showListing(entries); }));
+}
+
+void OriginalView::showListing(const QVector<PhotoEntry> &entries)
+{
+    endRefreshing();
+    grid_->setEmptyText(QStringLiteral("该订单还没有导入照片"));
+    grid_->setEntries(entries);
+    showCount();
+    const auto rawFiles =
+        std::count_if(entries.cbegin(), entries.cend(), [](const PhotoEntry &entry) {
+            return entry.kind == PhotoEntry::Kind::RawFile;
+        });
+    emit listed(entries.size() - int(rawFiles), int(rawFiles));
+}
+
+void OriginalView::abandonListing()
+{
+    reading_.abandon();
+    listing_.cancel();
+    endRefreshing();
+    if (grid_->count() == 0)
+        grid_->setEmptyText(QStringLiteral("照片列表没有读取，请刷新"));
+}
+
+/// The overlay may meanwhile tell of a deletion; then it stays.
+void OriginalView::endRefreshing()
+{
+    if (refreshing_)
+        overlay_->hideOverlay();
+    refreshing_ = false;
+}
+
+void OriginalView::showEmpty(const QString &why)
+{
+    grid_->setEmptyText(why);
+    grid_->setEntries({});
+    showCount();
+}
+
+void OriginalView::showCount()
+{
+    const int selected = grid_->selectedIndexes().size();
+    QString text;
+    if (grid_->count() > 0)
+        text = QStringLiteral("共 %1 个").arg(grid_->count());
+    if (selected > 0)
+        text += QStringLiteral("，已选 %1 个").arg(selected);
+    count_->setText(text);
+}
+
+// Deleting.
+
+QVector<PhotoEntry> OriginalView::selectedEntries() const
+{
+    QVector<PhotoEntry> entries;
+    const auto indexes = grid_->selectedIndexes();
+    for (const int index : indexes)
+        entries.append(grid_->entry(index));
+    return entries;
+}
+
+void OriginalView::deleteSelected()
+{
+    if (!ready_ || stopping_ || overlay_->isVisible() || !originalrequests::mayDelete(order_))
+        return;
+    const QVector<PhotoEntry> selected = selectedEntries();
+    if (selected.isEmpty()) {
+        Toast::show(this, QStringLiteral("请选择要删除的文件..."), toastMs);
+        return;
+    }
+    const QVector<PhotoEntry> deletable = originalrequests::withId(selected);
+    if (deletable.isEmpty()) {
+        Toast::show(this, QStringLiteral("没有有效的文件可以删除"), toastMs);
+        return;
+    }
+    const originalrequests::OrderMap order =
+        order_; // another may be shown while the question stands
+    ConfirmDialog::ask(
+        this,
+        QStringLiteral("确认要删除选中的 %1 个文件吗？\n文件会从服务器和磁盘上删除，不能恢复。")
+            .arg(deletable.size()),
+        ConfirmDialog::Enter::Cancels, [this, order, deletable](bool agreed) {
+            if (agreed && ready_ && !stopping_)
+                startDeletion(order, deletable);
+        });
+}
+
+void OriginalView::startDeletion(const originalrequests::OrderMap &order,
+                                 const QVector<PhotoEntry> &deletable)
+{
+    const auto conflict =
+        ordersatwork::claim({originalrequests::identityOf(order)},
+                            importrules::toolName(ImportMode::Originals), &claim_);
+    if (conflict) {
+        MessageBox::warning(
+            this, ordersatwork::refusal(originalrequests::numberOf(order), conflict->tool));
+        return;
+    }
+    abandonListing();
+    ready_ = false;
+    overlay_->showText(QStringLiteral("提交删除数据中..."), false);
+    deletion_.start(order, deletable, listed_());
+}
+
+void OriginalView::onSubmitFailed(const ServiceReply &reply)
+{
+    const bool saysWhy =
+        reply.outcome == ServiceReply::Outcome::Refused && !reply.message.isEmpty();
+    overlay_->showResult(saysWhy ? reply.message : QStringLiteral("提交数据失败"),
+                         LoadingOverlay::Result::Failure, resultMs);
+    ready_ = true;
+    if (listingDue_)
+        requestListing();
+    if (reply.outcome == ServiceReply::Outcome::CertificateRefused && !stopping_)
+        showCertificateRefused(this, reply.message);
+}
+
+void OriginalView::onDeleted(const OriginalDeletionSummary &summary)
+{
+    if (summary.succeeded > 0) {
+        overlay_->showResult(QStringLiteral("删除完成！"), LoadingOverlay::Result::Success,
+                             resultMs);
+    } else {
+        overlay_->showResult(QStringLiteral("删除失败!"), LoadingOverlay::Result::Failure,
+                             resultMs);
+    }
+    ready_ = true;
+    if (!summary.messages.isEmpty() && !stopping_) {
+        MessageBox::warning(
+            this, {QStringLiteral("本地文件删除失败，请检查手动删除以下照片！"), summary.messages});
+    }
+    requestListing();
+}
+
+void OriginalView::stop()
+{
+    stopping_ = true;
+    abandonListing();
+    grid_->stop();
+    deletion_.stop();
+}
+
+bool OriginalView::isStopped() const
+{
+    return grid_->isStopped() && !deletion_.isBusy();
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "fileimport/rules/importrecords.h"
+#include "widgets/boxes/boxtext.h"
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+/// The requests of the import window: bodies from values, records from replies. Pure functions.
+namespace importrequests {
+
+inline const QString batchAction = QStringLiteral("&m=order&a=savepicpath_batch");
+inline const QString orderPathAction = QStringLiteral("&m=order&a=saveorderphotopath");
+inline const QString photoAction = QStringLiteral("&m=order&a=savepicpath");
+
+/// A file as it lies in an import folder.
+struct FolderEntry
+{
+    QString name;
+    qint64 size = 0; ///< bytes
+};
+
+/// What is on disk for an order, as it is announced to the service.
+struct FolderContents
+{
+    QVector<FolderEntry> images;    ///< originals, or retouched photos
+    QVector<FolderEntry> rawImages; ///< empty for retouched photos
+};
+
+/// What the service answers to an announcement.
+struct BatchReply
+{
+    QStringList localImages;  ///< what was announced
+    QStringList serverImages; ///< what the service found
+    QStringList localRawImages;
+    QStringList serverRawImages;
+};
+
+using OrderList = orderqueries::OrderList<ImportOrder>;
+
+/// Reads a reply to a search in \a branch.
+OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+
+QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderContents &contents,
+                     const orderqueries::Identity &identity);
+QByteArray orderPathBody(const ImportOrder &order, const orderqueries::Identity &identity);
+QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile &file,
+                     const orderqueries::Identity &identity);
+
+BatchReply readBatchReply(const QJsonObject &reply);
+
+/// The rich text that lists what differs between announced and found; empty when nothing does.
+BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
+/// Positions of the order's imported files that the notice names.
+QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
+
+} // namespace importrequests

@@ -1,0 +1,132 @@
+#include "fileimport/rules/importrules.h"
+
+#include "files/chosenfiles.h"
+#include "files/paths.h"
+
+#include <QSet>
+
+#include <algorithm>
+#include <numeric>
+
+namespace importrules {
+
+namespace {
+
+const QString originalsFolder = QStringLiteral("原片");
+const QString rawFolder = QStringLiteral("原始档");
+const QString retouchedFolder = QStringLiteral("精修片");
+
+} // namespace
+
+QString toolName(ImportMode mode)
+{
+    return mode == ImportMode::Retouched ? QStringLiteral("导入精修片")
+                                         : QStringLiteral("导入原片");
+}
+
+QString dialogFilter(ImportMode mode)
+{
+    if (mode == ImportMode::Retouched)
+        return QStringLiteral("图片文件 (*.jpg *.jpeg);;所有文件 (*.*)");
+    return QStringLiteral(
+        "图片文件 (*.jpg *.jpeg *raw *.cr2 *.cr3 *.nef *.arw *.raf);;所有文件 (*.*)");
+}
+
+QStringList subFolders(ImportMode mode)
+{
+    if (mode == ImportMode::Retouched)
+        return {retouchedFolder};
+    return {originalsFolder, rawFolder};
+}
+
+QString subFolderFor(ImportMode mode, const QString &suffix)
+{
+    if (mode == ImportMode::Retouched)
+        return retouchedFolder;
+    static const QStringList photoSuffixes = {QStringLiteral("jpg"), QStringLiteral("JPG"),
+                                              QStringLiteral("jpeg"), QStringLiteral("JPGE")};
+    return photoSuffixes.contains(suffix) ? originalsFolder : rawFolder;
+}
+
+QStringList announcedPatterns(const QString &subFolder)
+{
+    if (subFolder == rawFolder) {
+        return {QStringLiteral("*.raw"), QStringLiteral("*.cr2"), QStringLiteral("*.cr3"),
+                QStringLiteral("*.nef"), QStringLiteral("*.arw"), QStringLiteral("*.raf")};
+    }
+    return {QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
+            QStringLiteral("*.JPEG")};
+}
+
+bool hasFolder(const ImportOrder &order)
+{
+    return !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
+}
+
+QString importPathOf(const ImportOrder &order)
+{
+    return orderqueries::importFolderOf(order, order.importPath, order.importPublicPath);
+}
+
+QStringList unchosenNames(const QVector<ImportFile> &files, const QStringList &chosenNames)
+{
+    const QSet<QString> chosen(chosenNames.cbegin(), chosenNames.cend());
+    QStringList unchosen;
+    for (const ImportFile &file : files) {
+        if (!chosen.contains(file.baseName + QLatin1Char('.') + file.suffix.toLower()))
+            unchosen.append(file.fileName());
+    }
+    return unchosen;
+}
+
+QString unchosenQuestion(const QStringList &names)
+{
+    QString question =
+        QStringLiteral("要上传的精修照片与客人选中的照片名不一致，确认要继续上传吗？\n"
+                       "下列是不一致的照片：");
+    for (const QString &name : names)
+        question += QLatin1Char('\n') + name;
+    return question;
+}
+
+int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths)
+{
+    const QSet<QString> kept(paths.cbegin(), paths.cend());
+    return int(std::count_if(files.cbegin(), files.cend(), [&kept](const ImportFile &file) {
+        return file.state != ImportFile::Imported && !kept.contains(file.sourcePath);
+    }));
+}
+
+QString leavingQuestion(const QVector<ImportOrder> &orders)
+{
+    const int lost =
+        std::accumulate(orders.cbegin(), orders.cend(), 0, [](int sum, const ImportOrder &order) {
+            return sum + unimportedWithout(order.files, {});
+        });
+    if (lost == 0)
+        return {};
+    return QStringLiteral("有 %1 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？")
+        .arg(lost);
+}
+
+QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)
+{
+    QVector<chosenfiles::Placement> placements;
+    for (const ImportFile &file : files)
+        placements.append({file.sourcePath, joinWirePath(file.targetFolder, file.targetName())});
+    return chosenfiles::sameTargetGroups(placements);
+}
+
+QVector<int> ordersSharingFolder(const QVector<ImportOrder> &orders, int index)
+{
+    const QString folder = wirePathKey(importPathOf(orders.at(index)));
+    QVector<int> sharing;
+    for (int other = 0; other < orders.size(); ++other) {
+        const ImportOrder &order = orders.at(other);
+        if (other != index && hasFolder(order) && wirePathKey(importPathOf(order)) == folder)
+            sharing.append(other);
+    }
+    return sharing;
+}
+
+} // namespace importrules

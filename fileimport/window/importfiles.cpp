@@ -1,0 +1,482 @@
+#include "fileimport/window/importfiles.h"
+
+#include "fileimport/imported/originalview.h"
+#include "fileimport/rules/importrequests.h"
+#include "fileimport/rules/importrules.h"
+#include "fileimport/window/importfilepanel.h"
+#include "fileimport/window/importorderpanel.h"
+#include "fileimport/window/orderfilechooser.h"
+#include "files/pathgate.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/orders/orderfinder.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/tables/filedroptable.h"
+#include "widgets/theme/theme.h"
+
+#include <QClipboard>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QSplitter>
+
+namespace {
+
+constexpr int progressIntervalMs = 250;
+constexpr int toastMs = 2000;
+
+QString importingText()
+{
+    return QStringLiteral("导片中...");
+}
+
+} // namespace
+
+ImportFiles::ImportFiles(QWidget *parent)
+    : FramelessWindow(parent)
+    , panel_(new ImportOrderPanel(&orders_))
+    , filePanel_(new ImportFilePanel(&files_))
+    , rightHalf_(new QSplitter(Qt::Vertical))
+    , finder_(new OrderFinder(this,
+                              {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
+    , chooser_(
+          new OrderFileChooser(this, &orders_, [this](int row) { return mayChangeFiles(row); }))
+{
+    qRegisterMetaType<ImportFile>();
+    qRegisterMetaType<ImportOrder>();
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(panel_);
+    rightHalf_->setStyleSheet(theme::splitterStyle());
+    rightHalf_->setChildrenCollapsible(false);
+    rightHalf_->addWidget(filePanel_);
+    splitter->addWidget(rightHalf_);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    setContent(splitter);
+
+    progressTimer_.setInterval(progressIntervalMs);
+    connect(&progressTimer_, &QTimer::timeout, this, &ImportFiles::refreshProgress);
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool success, const QString &error) {
+                Q_UNUSED(success)
+                if (!error.isEmpty())
+                    Toast::show(this, error, toastMs);
+            });
+    connect(chooser_, &OrderFileChooser::filesChanged, this, &ImportFiles::onFilesChosen);
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    finder_->setLeaving({[this] { return run_->isBusy() ? importingText() : QString(); },
+                         [this] { return importrules::leavingQuestion(orders_.orders()); }});
+    connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
+    connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
+    finder_->setReader(&importrequests::readOrders,
+                       [this](const importrequests::OrderList &list, OrderFinder::Search) {
+                           panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
+                       });
+    connectPanel();
+    setMode(int(ImportMode::Originals));
+}
+
+ImportFiles::~ImportFiles()
+{
+    // The tables outlive the models they show by a moment.
+    disconnect(panel_, nullptr, this, nullptr);
+}
+
+void ImportFiles::setMode(int mode)
+{
+    mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
+    chooser_->setMode(mode_);
+    showPhotoView(mode_ == ImportMode::Originals);
+    run_ = std::make_unique<ImportRun>(mode_);
+    connectRun();
+}
+
+void ImportFiles::showPhotoView(bool shown)
+{
+    if (shown == (photos_ != nullptr))
+        return;
+    if (!shown) {
+        delete photos_;
+        photos_ = nullptr;
+        return;
+    }
+    photos_ = new OriginalView;
+    photos_->setListedOrders([this] { return orders_.orders(); });
+    rightHalf_->addWidget(photos_);
+    for (int part = 0; part < rightHalf_->count(); ++part)
+        rightHalf_->setStretchFactor(part, 1);
+    // After a deletion the numbers of the search are not the service's any more.
+    connect(photos_, &OriginalView::listed, this, [this](int photos, int rawFiles) {
+        orders_.change(orders_.rowOf(shownOrderId_), [=](ImportOrder &order) {
+            order.numberYuanpian = photos;
+            order.numberYuanshidang = rawFiles;
+        });
+    });
+    connect(photos_, &OriginalView::stopped, this, &ImportFiles::finishClosingWhenIdle);
+}
+
+void ImportFiles::connectPanel()
+{
+    OrderSearchBar *searchBar = panel_->searchBar();
+    connect(searchBar, &OrderSearchBar::searchRequested, this, &ImportFiles::onSearchClick);
+    connect(searchBar, &OrderSearchBar::searchTypeChanged, this, &ImportFiles::onSearchTypeChanged);
+    connect(searchBar, &OrderSearchBar::branchChosen, this, &ImportFiles::onBranchSelectionChanged);
+    connect(panel_, &ImportOrderPanel::selectionChanged, this,
+            &ImportFiles::onOrderTableSelectionChanged);
+    connect(panel_, &ImportOrderPanel::orderNumberClicked, this,
+            &ImportFiles::onOrderNumberClicked);
+    connect(panel_, &ImportOrderPanel::actionClicked, this,
+            [this](int row, OrderActionsDelegate::Action action) {
+                if (action == OrderActionsDelegate::SelectFiles)
+                    onSelectFilesClicked(row);
+                else if (action == OrderActionsDelegate::ClearFiles)
+                    onClearFilesClicked(row);
+                else
+                    onOpenDirClicked(row);
+            });
+    connect(panel_, &ImportOrderPanel::registerAgainClicked, this,
+            &ImportFiles::onRegisterAgainClicked);
+    // A box shown while the drop is going on would freeze the program that the files come from.
+    connect(panel_, &ImportOrderPanel::filesDropped, this, &ImportFiles::onFilesDropped,
+            Qt::QueuedConnection);
+    connect(filePanel_, &ImportFilePanel::retryClicked, this, &ImportFiles::onRetryImportClicked);
+    connect(panel_, &ImportOrderPanel::startClicked, this, &ImportFiles::onStartAllClicked);
+}
+
+void ImportFiles::connectRun()
+{
+    const ImportRun *run = run_.get();
+    connect(run, &ImportRun::fileChanged, this, &ImportFiles::onFileChanged);
+    connect(run, &ImportRun::filesChanged, this,
+            [this](const OrderIdentity &orderId, const QVector<ImportFile> &files) {
+                orders_.change(orders_.rowOf(orderId),
+                               [&files](ImportOrder &order) { order.files = files; });
+                if (orderId == shownOrderId_)
+                    files_.setFiles(files);
+            });
+    connect(run, &ImportRun::orderActivityChanged, this,
+            [this](const OrderIdentity &orderId, bool importing) {
+                const int row = orders_.rowOf(orderId);
+                // Told after every file; the row is announced only when something is new.
+                if (orders_.hasRow(row) && orders_.order(row).importing != importing)
+                    orders_.change(
+                        row, [importing](ImportOrder &order) { order.importing = importing; });
+            });
+    connect(run, &ImportRun::orderStarted, this, [this](const OrderIdentity &orderId) {
+        if (orders_.hasRow(orders_.rowOf(orderId)))
+            emit startImportFiles(orders_.order(orders_.rowOf(orderId)));
+    });
+    connect(run, &ImportRun::orderRegistered, this, &ImportFiles::onOrderRegistered);
+    connect(run, &ImportRun::orderLeftUnregistered, this, [this](const OrderIdentity &orderId) {
+        orders_.change(orders_.rowOf(orderId),
+                       [](ImportOrder &order) { order.unregistered = true; });
+    });
+    connect(run, &ImportRun::switchedOff, this, [this] { setImporting(false); });
+    connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit);
+    connect(run, &ImportRun::mismatchFound, this,
+            [this](const OrderIdentity &, const BoxText &notice) {
+                MessageBox::warning(this, notice);
+            });
+    connect(run, &ImportRun::orderRefused, this,
+            [this](const QString &text) { MessageBox::warning(this, text); });
+    connect(run, &ImportRun::allImported, this,
+            [this] { MessageBox::information(this, QStringLiteral("导入完成！")); });
+    connect(run, &ImportRun::tasksEnded, this, &ImportFiles::finishClosingWhenIdle);
+}
+
+void ImportFiles::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        // The orders show their buttons, as far as what is on the right can spare the room.
+        const int orders = qMin(panel_->widthWithActions(), width());
+        qobject_cast<QSplitter *>(content())->setSizes({orders, width() - orders});
+        reqShopInfo();
+    }
+}
+
+FramelessWindow::CloseAnswer ImportFiles::closeRequested()
+{
+    finder_->cancel();
+    chooser_->cancel();
+    if (run_->isBusy())
+        stopAllImports();
+    if (photos_)
+        photos_->stop();
+    return hasLiveWork() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+bool ImportFiles::hasLiveWork() const
+{
+    return run_->hasLiveTasks() || (photos_ && !photos_->isStopped());
+}
+
+void ImportFiles::finishClosingWhenIdle()
+{
+    if (isClosingLater() && !hasLiveWork())
+        finishClosing();
+}
+
+// Branch and order search.
+
+void ImportFiles::reqShopInfo()
+{
+    finder_->open();
+}
+
+void ImportFiles::onBranchSelectionChanged(int index)
+{
+    const QString shopId = panel_->searchBar()->branchId(index);
+    qDebug() << "选择了分店:" << shopId;
+    finder_->chooseBranch(shopId);
+}
+
+void ImportFiles::onBranchLeft()
+{
+    chooser_->cancel();
+    orders_.setOrders({});
+    onOrderTableSelectionChanged();
+}
+
+void ImportFiles::onSearchTypeChanged(int type)
+{
+    Q_UNUSED(type) // the search bar shows the field that the type needs
+}
+
+void ImportFiles::onSearchClick()
+{
+    if (run_->isBusy()) {
+        MessageBox::warning(this, importingText());
+        return;
+    }
+    if (branch_.isConfirmed())
+        reqOrderList();
+    else
+        finder_->confirmBranch(); // when that succeeds a search follows
+}
+
+void ImportFiles::reqOrderList()
+{
+    finder_->search();
+}
+
+// What the rows of the order table do.
+
+const ImportOrder *ImportFiles::shownOrder() const
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    return row >= 0 ? &orders_.order(row) : nullptr;
+}
+
+void ImportFiles::onOrderTableSelectionChanged()
+{
+    const int row = panel_->selectedRow();
+    if (!orders_.hasRow(row)) {
+        shownOrderId_ = {};
+        files_.clear();
+        if (photos_)
+            photos_->setOrder({});
+        return;
+    }
+    shownOrderId_ = orders_.order(row).identity();
+    files_.setFiles(orders_.order(row).files);
+    if (photos_) {
+        photos_->setOrder(originalrequests::orderMap(orders_.order(row)));
+    }
+    emit orderSelectionChanged(orders_.order(row));
+}
+
+void ImportFiles::onOrderNumberClicked(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+    Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+}
+
+bool ImportFiles::mayChangeFiles(int row)
+{
+    const bool busy =
+        importing_ || (orders_.hasRow(row) && run_->isAtWork(orders_.order(row).identity()));
+    if (busy)
+        MessageBox::warning(this, importingText());
+    return !busy;
+}
+
+bool ImportFiles::refusesForOtherTool(const QVector<ImportOrder> &orders)
+{
+    const QString refusal = run_->refusalOf(orders);
+    if (!refusal.isEmpty())
+        MessageBox::warning(this, refusal);
+    return !refusal.isEmpty();
+}
+
+void ImportFiles::onSelectFilesClicked(int row)
+{
+    chooser_->choose(row);
+}
+
+void ImportFiles::onFilesDropped(int row, const QStringList &paths)
+{
+    chooser_->take(row, paths);
+}
+
+void ImportFiles::onFilesChosen(int row)
+{
+    if (orders_.order(row).identity() == shownOrderId_)
+        files_.setFiles(orders_.order(row).files);
+}
+
+void ImportFiles::onClearFilesClicked(int row)
+{
+    if (!mayChangeFiles(row) || !orders_.hasRow(row))
+        return;
+    chooser_->clear(row);
+    qDebug() << "订单" << orders_.order(row).displayNumber() << "已清空文件";
+}
+
+void ImportFiles::onOpenDirClicked(int row)
+{
+    if (!orders_.hasRow(row) || orders_.order(row).importPath.isEmpty())
+        return;
+    const ImportOrder &order = orders_.order(row);
+    const pathgate::Refusal refusal =
+        pathgate::refusalOfImport(order.displayName(), order.importPath, {});
+    if (refusal.isRefused())
+        MessageBox::warning(this, refusal.text());
+    else
+        folderOpener_.open(order.importPath);
+}
+
+// The import.
+
+void ImportFiles::onStartAllClicked()
+{
+    if (chooser_->isBusy())
+        return; // the shortcut reaches us while files are being looked at
+    importing_ = !importing_;
+    if (!importing_) {
+        stopAllImports();
+        setImporting(false);
+        return;
+    }
+    // When there is nothing to start the flag stays on until the button is pressed again.
+    const QString title = QStringLiteral("提示");
+    if (orders_.orders().isEmpty()) {
+        MessageBox::warning(this, QStringLiteral("没有订单可导入"), title);
+        return;
+    }
+    if (refusesForOtherTool(orders_.unfinished())) {
+        importing_ = false;
+        return;
+    }
+    if (!run_->start(orders_.orders(), branch_.identity())) {
+        MessageBox::warning(this, QStringLiteral("请先为订单选择要导入的文件"), title);
+        return;
+    }
+    abandonSearch();
+    emit startImportAllFiles(orders_.orders().toList());
+    setImporting(true);
+}
+
+/// A reply that comes now must not replace the orders that are being worked on.
+void ImportFiles::abandonSearch()
+{
+    finder_->cancel();
+    finder_->showBranch();
+}
+
+void ImportFiles::stopAllImports()
+{
+    run_->stopAllImports();
+}
+
+void ImportFiles::setImporting(bool importing)
+{
+    importing_ = importing;
+    panel_->setRunning(importing);
+    if (importing) {
+        rate_.clear();
+        clock_.start();
+        progressTimer_.start();
+        refreshProgress();
+    } else {
+        progressTimer_.stop();
+        panel_->hideProgress();
+    }
+}
+
+void ImportFiles::refreshProgress()
+{
+    const TransferProgress progress = run_->progress();
+    rate_.add(clock_.elapsed(), progress.bytesDone);
+    panel_->showProgress(progress, rate_);
+}
+
+void ImportFiles::onFileChanged(const OrderIdentity &orderId, const ImportFile &file)
+{
+    const int position = orders_.applyFile(orders_.rowOf(orderId), file);
+    if (orderId == shownOrderId_)
+        files_.updateRow(position, file.state, file.message);
+}
+
+void ImportFiles::onRetryImportClicked(int row)
+{
+    const ImportOrder *order = shownOrder();
+    if (!order || row < 0 || row >= order->files.size() ||
+        order->files.at(row).state != ImportFile::Failed || chooser_->isBusy() ||
+        refusesForOtherTool({*order}))
+        return;
+    abandonSearch();
+    run_->retry(*order, row, branch_.identity());
+}
+
+void ImportFiles::onRegisterAgainClicked(int row)
+{
+    if (!orders_.hasRow(row) || !orders_.order(row).unregistered ||
+        refusesForOtherTool({orders_.order(row)}))
+        return;
+    abandonSearch();
+    run_->registerAgain(orders_.order(row), branch_.identity());
+}
+
+void ImportFiles::askForResubmit(const OrderIdentity &orderId, const QString &question,
+                                 const QString &certificateError)
+{
+    if (!certificateError.isEmpty())
+        showCertificateRefused(this, certificateError);
+    MessageBox::warning(this, question, QMessageBox::Yes | QMessageBox::Cancel,
+                        [this, orderId](QMessageBox::StandardButton answer) {
+                            run_->answerResubmit(orderId, answer == QMessageBox::Yes);
+                        });
+}
+
+void ImportFiles::onOrderRegistered(const OrderIdentity &orderId, const RegistrationResult &result)
+{
+    orders_.change(orders_.rowOf(orderId), [this, &result](ImportOrder &order) {
+        order.unregistered = false;
+        if (mode_ == ImportMode::Retouched) {
+            order.numberJingxiu = result.images;
+            return;
+        }
+        order.numberYuanpian = result.images;
+        order.numberYuanshidang = result.rawImages;
+    });
+    if (photos_ && orderId == shownOrderId_)
+        photos_->requestListing();
+}
+
+void ImportFiles::upImportPhotoInfo(const ImportOrder &order, const ImportFile &file)
+{
+    callService(this, importrequests::photoAction,
+                importrequests::photoBody(mode_, order, file, branch_.identity()),
+                [](const ServiceReply &reply) {
+                    if (!reply.isSuccess())
+                        qDebug() << "照片路径提交失败:" << reply.message;
+                });
+}

@@ -1,0 +1,111 @@
+#pragma once
+
+#include "fileimport/rules/importrecords.h"
+#include "fileimport/run/importrun.h"
+#include "fileimport/window/importfiletablemodel.h"
+#include "fileimport/window/importordertablemodel.h"
+#include "files/sharedfolderopener.h"
+#include "net/branchsession.h"
+#include "widgets/windows/framelesswindow.h"
+
+#include <QElapsedTimer>
+#include <QList>
+#include <QTimer>
+
+#include <memory>
+
+class ImportFilePanel;
+class ImportOrderPanel;
+class OrderFileChooser;
+class OrderFinder;
+class OriginalView;
+class QSplitter;
+
+/// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
+/// search orders, choose files for them, copy the files into the orders' folders and register them
+/// with the service. What it decides lives in importrules, importrequests and ImportRun.
+class ImportFiles : public FramelessWindow
+{
+    Q_OBJECT
+
+public:
+    explicit ImportFiles(QWidget *parent = nullptr);
+    ~ImportFiles() override;
+
+    /// 0 originals, 1 retouched photos; before the window is shown.
+    void setMode(int mode);
+
+signals:
+    void orderSelectionChanged(const ImportOrder &order);
+    void startImportFiles(const ImportOrder &order);
+    void startImportAllFiles(const QList<ImportOrder> &orders);
+
+public slots:
+    void reqShopInfo();
+    void reqOrderList();
+    void onSearchClick();
+    void onBranchSelectionChanged(int index);
+    void onSearchTypeChanged(int type);
+    void onOrderTableSelectionChanged();
+    // Rows are positions in the list of orders.
+    void onOrderNumberClicked(int row);
+    void onSelectFilesClicked(int row);
+    void onClearFilesClicked(int row);
+    void onOpenDirClicked(int row);
+    void onFilesDropped(int row, const QStringList &paths);
+    /// \a row is a row of the file table.
+    void onRetryImportClicked(int row);
+    void onStartAllClicked();
+    /// Registers one photo by itself; an import registers whole orders instead.
+    void upImportPhotoInfo(const ImportOrder &order, const ImportFile &file);
+    void stopAllImports();
+
+protected:
+    CloseAnswer closeRequested() override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void connectPanel();
+    void connectRun();
+    void showPhotoView(bool shown);
+    bool hasLiveWork() const;
+    void finishClosingWhenIdle();
+
+    void onBranchLeft();
+
+    /// Tells the user when the answer is no.
+    bool mayChangeFiles(int row);
+    bool refusesForOtherTool(const QVector<ImportOrder> &orders);
+    void abandonSearch();
+    void onFilesChosen(int row);
+
+    void onFileChanged(const OrderIdentity &orderId, const ImportFile &file);
+    void askForResubmit(const OrderIdentity &orderId, const QString &question,
+                        const QString &certificateError);
+    void onOrderRegistered(const OrderIdentity &orderId, const RegistrationResult &result);
+    void onRegisterAgainClicked(int row);
+    void setImporting(bool importing);
+    void refreshProgress();
+    const ImportOrder *shownOrder() const;
+
+    ImportMode mode_ = ImportMode::Originals;
+    bool importing_ = false;
+    bool opened_ = false;
+    OrderIdentity shownOrderId_;
+
+    ImportOrderTableModel orders_;
+    ImportFileTableModel files_;
+    BranchSession branch_;
+    std::unique_ptr<ImportRun> run_;
+    SharedFolderOpener folderOpener_;
+    QTimer progressTimer_;
+    QElapsedTimer clock_;
+    TransferRate rate_;
+
+    ImportOrderPanel *panel_;
+    ImportFilePanel *filePanel_;
+    QSplitter *rightHalf_;
+    OrderFinder *finder_;
+    OriginalView *photos_ = nullptr; ///< with originals only
+    OrderFileChooser *chooser_;
+};

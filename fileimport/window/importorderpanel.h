@@ -1,0 +1,68 @@
+#pragma once
+
+#include "fileimport/window/orderactionsdelegate.h"
+#include "files/transferprogress.h"
+
+#include <QStringList>
+#include <QWidget>
+
+#include <functional>
+
+class ImportOrderTableModel;
+class LoadingOverlay;
+class OrderSearchBar;
+class FileDropTable;
+class QPushButton;
+class SortedRows;
+class TransferView;
+
+/// The left half of the import window: search bar, order table, progress and the start button. It
+/// decides nothing. All rows in its signals are positions in the model's list, however the table is
+/// sorted.
+class ImportOrderPanel : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent = nullptr);
+
+    OrderSearchBar *searchBar() const { return searchBar_; }
+    FileDropTable *table() const { return table_; }
+    /// Covers the table alone, so that the search bar stays usable.
+    LoadingOverlay *overlay() const { return overlay_; }
+
+    /// Position of the selected order; -1 without one.
+    int selectedRow() const;
+    /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
+    void keepPlaceWhile(const std::function<void()> &change);
+
+    /// Pixels in which the buttons of the orders are in sight, without what comes after them.
+    int widthWithActions() const;
+
+    /// Whether the start button stops instead.
+    void setRunning(bool running);
+    void showProgress(const TransferProgress &progress, const TransferRate &rate);
+    void hideProgress();
+
+signals:
+    void selectionChanged();
+    void orderNumberClicked(int row);
+    void actionClicked(int row, OrderActionsDelegate::Action action);
+    void registerAgainClicked(int row);
+    void filesDropped(int row, const QStringList &paths);
+    void startClicked();
+
+private:
+    void buildTable();
+    void buildLayout();
+    void addActions();
+    void setColumnWidths();
+
+    ImportOrderTableModel *model_;
+    OrderSearchBar *searchBar_;
+    FileDropTable *table_;
+    SortedRows *rows_ = nullptr;
+    LoadingOverlay *overlay_;
+    TransferView *progress_;
+    QPushButton *startButton_;
+};

@@ -1,0 +1,55 @@
+#include "photoimport/imported/tfdellocalphotoimg.h"
+
+#include "files/pathgate.h"
+#include "platform/fileaccess.h"
+#include "platform/pathform.h"
+
+#include <QFile>
+
+namespace {
+
+QString inWindowsForm(QString path)
+{
+    return path.replace(QLatin1Char('/'), QLatin1Char('\\'));
+}
+
+} // namespace
+
+TFDelLocalPhotoImg::~TFDelLocalPhotoImg()
+{
+    wait();
+}
+
+void TFDelLocalPhotoImg::setDelPhotos(const QStringList &paths, const QString &orderFolder)
+{
+    paths_.clear();
+    QString folder = inWindowsForm(orderFolder);
+    while (folder.endsWith(QLatin1Char('\\')))
+        folder.chop(1);
+    for (const QString &path : paths) {
+        const QString original = inWindowsForm(path);
+        if (!original.startsWith(folder + QLatin1Char('\\')) ||
+            !pathgate::isBelow(original, orderFolder))
+            continue;
+        const QString inOrder = original.mid(folder.size());
+        // Each is made from the one before, on purpose; the folders above the order's may be
+        // called "all" or "90" too and stay what they are.
+        const auto inFolder = [](QString path, const char *from, const char *to) {
+            return path.replace(QLatin1String(from), QLatin1String(to));
+        };
+        const QString small = inFolder(inOrder, "\\all\\", "\\90\\");
+        const QString middle = inFolder(small, "\\90\\", "\\190\\");
+        const QString big = inFolder(middle, "\\190\\", "\\1920\\");
+        paths_ << original << folder + small << folder + middle << folder + big;
+    }
+}
+
+void TFDelLocalPhotoImg::run()
+{
+    while (!paths_.isEmpty()) {
+        const QString path = platform::toLocalPath(paths_.first());
+        if (platform::mayBeRemoved(path))
+            QFile::remove(path);
+        paths_.removeFirst();
+    }
+}

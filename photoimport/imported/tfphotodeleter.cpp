@@ -1,0 +1,88 @@
+#include "photoimport/imported/tfphotodeleter.h"
+
+#include "photoimport/orders/tforderlistmodel.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <utility>
+
+tfphotodeleter::tfphotodeleter(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
+                               std::function<bool(int row)> mayChange)
+    : QObject(window)
+    , window_(window)
+    , orders_(orders)
+    , overlay_(overlay)
+    , mayChange_(std::move(mayChange))
+{
+    connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this,
+            &tfphotodeleter::onPhotosDeleted);
+    connect(&deletion_, &tfphotodeletion::refused, this, &tfphotodeleter::onRefused);
+    connect(&deletion_, &tfphotodeletion::removed, this, &tfphotodeleter::removed);
+}
+
+void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
+                                  const orderqueries::Identity &identity)
+{
+    if (!mayChange_(row))
+        return;
+    if (isActive()) {
+        Toast::show(window_, QStringLiteral("正在删除，请稍候"));
+        return;
+    }
+    QStringList ids;
+    QStringList names;
+    for (const PanelPhoto &photo : photos) {
+        if (photo.serviceId.isEmpty())
+            continue;
+        ids.append(photo.serviceId);
+        names.append(photo.name);
+    }
+    if (ids.isEmpty()) {
+        Toast::show(window_, QStringLiteral("请选择要删除的已导入照片"));
+        return;
+    }
+    const DeletionRequest request =
+        deletionOf(orders_->order(row), ids, names, orders_->photoMode());
+    ConfirmDialog::ask(window_,
+                       QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
+                                      "服务和磁盘上的文件都会删除，不能恢复。")
+                           .arg(ids.size()),
+                       ConfirmDialog::Enter::Cancels, [this, request, identity](bool agreed) {
+                           if (agreed)
+                               start(request, identity);
+                       });
+}
+
+void tfphotodeleter::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+{
+    // Meanwhile the list may have become another one.
+    if (isActive() || !mayChange_(orders_->rowOf(request.orderId)))
+        return;
+    overlay_->showText(QStringLiteral("正在删除..."));
+    emit asking();
+    deletion_.start(request, identity);
+}
+
+bool tfphotodeleter::cancel()
+{
+    return deletion_.cancel();
+}
+
+void tfphotodeleter::onPhotosDeleted(const DeletionRequest &deleted)
+{
+    overlay_->hideOverlay();
+    orders_->forgetDeleted(orders_->rowOf(deleted.orderId), deleted.ids, deleted.names);
+    emit answered(deleted.orderId);
+    Toast::show(window_, QStringLiteral("删除成功"));
+}
+
+void tfphotodeleter::onRefused(const DeletionRequest &request, const ServiceReply &reply)
+{
+    overlay_->hideOverlay();
+    const bool closed = !window_->isVisible();
+    emit answered(request.orderId);
+    if (!closed)
+        showServiceFailure(window_, reply, reply.message);
+}

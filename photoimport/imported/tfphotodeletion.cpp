@@ -1,0 +1,88 @@
+#include "photoimport/imported/tfphotodeletion.h"
+
+#include "photoimport/imported/tfdellocalphotoimg.h"
+#include "photoimport/rules/photorequests.h"
+#include "photoimport/rules/photorules.h"
+
+#include <utility>
+
+DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
+                           const QStringList &names, int photoMode)
+{
+    const QString folder = order.folder();
+    DeletionRequest request{
+        order.identity(), order.displayName(), ids, names, {}, photoMode, folder};
+    PhotoInfo photo;
+    photo.kind = photoorders::mainKind(photoMode);
+    for (const QString &name : names) {
+        photo.fileName = name;
+        if (!folder.isEmpty())
+            request.paths.append(photorules::outputPathOf(folder, photo));
+    }
+    return request;
+}
+
+tfphotodeletion::tfphotodeletion(QObject *parent)
+    : QObject(parent), call_(this), thread_(new TFDelLocalPhotoImg(this))
+{
+    connect(thread_, &QThread::finished, this, [this] {
+        if (!asking_) // for the next ones already
+            claim_.release();
+        emit removed();
+    });
+}
+
+bool tfphotodeletion::isRemoving() const
+{
+    return thread_->isRunning();
+}
+
+bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+{
+    if (isActive())
+        return false;
+    if (!orderqueries::mayWorkOn(request.orderId, identity)) {
+        emit refused(request, refusal(orderqueries::otherBranchText(request.orderName)));
+        return false;
+    }
+    const auto conflict = ordersatwork::claim({request.orderId}, photorules::toolName(), &claim_);
+    if (conflict) {
+        emit refused(request, refusal(ordersatwork::refusal(request.orderName, conflict->tool)));
+        return false;
+    }
+    asking_ = true;
+    call_.start(photorequests::deletionAction(request.photoMode),
+                photorequests::deletionBody(request.orderId.orderPhotoId, request.ids, identity),
+                [this, request](const ServiceReply &reply) { onReply(request, reply); });
+    return true;
+}
+
+ServiceReply tfphotodeletion::refusal(const QString &text)
+{
+    ServiceReply reply;
+    reply.outcome = ServiceReply::Outcome::Refused;
+    reply.message = text;
+    return reply;
+}
+
+bool tfphotodeletion::cancel()
+{
+    call_.cancel();
+    if (!std::exchange(asking_, false))
+        return false;
+    claim_.release();
+    return true;
+}
+
+void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
+{
+    asking_ = false;
+    if (!reply.isSuccess()) {
+        claim_.release();
+        emit refused(request, reply);
+        return;
+    }
+    thread_->setDelPhotos(request.paths, request.folder);
+    thread_->start();
+    emit selectedPhotosDeleted(request);
+}

@@ -1,0 +1,111 @@
+#include "photoimport/imported/tfphotolistmodel.h"
+
+#include "platform/pathform.h"
+
+#include <QSet>
+
+namespace {
+
+constexpr int thumbnailCacheKb = 96 * 1024;
+
+} // namespace
+
+QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
+{
+    QHash<QString, int> byName;
+    QVector<PanelPhoto> photos;
+    const QVector<orderqueries::PhotoEntry> &known = order.imported(photoMode);
+    const QVector<SourceFile> &files = order.files(photoMode);
+    for (int index = 0; index < files.size(); ++index) {
+        const SourceFile &file = files.at(index);
+        if (!known.isEmpty())
+            byName.insert(file.name.toCaseFolded(), index);
+        photos.append({file.name, file.path, {}, index, file});
+    }
+    for (const orderqueries::PhotoEntry &entry : known) {
+        const QString key = entry.imgName.toCaseFolded();
+        const int row = byName.value(key, -1);
+        if (row >= 0) {
+            photos[row].serviceId = entry.id;
+            continue;
+        }
+        byName.insert(key, photos.size());
+        photos.append({entry.imgName, platform::toLocalPath(entry.localPath), entry.id, -1, {}});
+    }
+    return photos;
+}
+
+tfphotolistmodel::tfphotolistmodel(QObject *parent)
+    : QAbstractListModel(parent), thumbnails_(thumbnailCacheKb)
+{
+}
+
+void tfphotolistmodel::show(const PhotoOrder *order, int photoMode)
+{
+    beginResetModel();
+    photos_ = order ? photoRows(*order, photoMode) : QVector<PanelPhoto>();
+    files_ = order ? order->files(photoMode).size() : 0;
+    paths_.clear();
+    for (int row = 0; row < photos_.size(); ++row)
+        paths_.insert(photos_.at(row).path, row);
+    endResetModel();
+}
+
+void tfphotolistmodel::updateFile(int fileIndex, const SourceFile &file)
+{
+    if (fileIndex < 0 || fileIndex >= files_ || photos_.at(fileIndex).path != file.path)
+        return;
+    photos_[fileIndex].file = file;
+    emit dataChanged(index(fileIndex), index(fileIndex));
+}
+
+QStringList tfphotolistmodel::wantedThumbnails(int firstRow, int lastRow) const
+{
+    QStringList paths;
+    for (int row = firstRow; row <= lastRow && hasRow(row); ++row) {
+        const QString &path = photos_.at(row).path;
+        if (!path.isEmpty() && !thumbnails_.contains(path))
+            paths.append(path);
+    }
+    return paths;
+}
+
+void tfphotolistmodel::setThumbnail(const QString &path, const QImage &thumbnail)
+{
+    const int kilobytes = 1 + int(thumbnail.sizeInBytes() / 1024);
+    thumbnails_.insert(path, new QImage(thumbnail), kilobytes);
+    const int row = paths_.value(path, -1);
+    if (row >= 0)
+        emit dataChanged(index(row), index(row), {ThumbnailRole, NoThumbnailRole});
+}
+
+int tfphotolistmodel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : photos_.size();
+}
+
+QVariant tfphotolistmodel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || !hasRow(index.row()))
+        return {};
+    const PanelPhoto &photo = photos_.at(index.row());
+    const QImage *thumbnail = thumbnails_.object(photo.path);
+    switch (role) {
+    case NameRole:
+        return photo.name;
+    case ThumbnailRole:
+        return thumbnail ? *thumbnail : QImage();
+    case NoThumbnailRole:
+        return photo.path.isEmpty() || (thumbnail && thumbnail->isNull());
+    case PhotoRole:
+        return QVariant::fromValue(photo);
+    case Qt::ToolTipRole: {
+        QString tip = photo.path.isEmpty() ? photo.name : photo.path;
+        if (!photo.file.failureText().isEmpty())
+            tip += QLatin1Char('\n') + photo.file.failureText();
+        return tip;
+    }
+    default:
+        return {};
+    }
+}

@@ -1,0 +1,217 @@
+#include "photoimport/orders/photoorder.h"
+
+#include "files/paths.h"
+#include "look/colours.h"
+#include "net/replyfields.h"
+#include "photoimport/rules/photorules.h"
+
+#include <QHash>
+
+#include <algorithm>
+#include <functional>
+
+using orderqueries::PhotoEntry;
+
+std::size_t PhotoOrder::modeIndex(int photoMode)
+{
+    return photoMode == photorules::Photos || photoMode == photorules::TrialVideos
+               ? std::size_t(photoMode)
+               : std::size_t(photorules::RetouchedVideos);
+}
+
+void PhotoOrder::resummarise()
+{
+    std::transform(filesByMode.cbegin(), filesByMode.cend(), summaries.begin(), summarise);
+}
+
+QString PhotoOrder::displayNumber() const
+{
+    return info.serviceTimes.isEmpty() ? info.orderPayForKey
+                                       : info.orderPayForKey + QLatin1Char('-') + info.serviceTimes;
+}
+
+QString PhotoOrder::customers() const
+{
+    QStringList names{info.mname, info.wname};
+    names.removeAll(QString());
+    return names.join(QLatin1Char(' '));
+}
+
+QString PhotoOrder::displayName() const
+{
+    return displayNumber() + QLatin1Char(' ') + customers();
+}
+
+QString PhotoOrder::folder() const
+{
+    return info.importPath.isEmpty() && info.importPublicPath.isEmpty()
+               ? QString()
+               : photorules::importFolderOf(info);
+}
+
+bool PhotoOrder::hasUnfinishedFiles() const
+{
+    return std::any_of(filesByMode.cbegin(), filesByMode.cend(), [](const auto &files) {
+        return std::any_of(files.cbegin(), files.cend(),
+                           [](const SourceFile &file) { return file.isUnfinished(); });
+    });
+}
+
+namespace photoorders {
+
+/// Those of the service's entries that lie where the tool puts what it imports.
+static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, int photoMode)
+{
+    const QString home = order.folder();
+    if (home.isEmpty())
+        return {};
+    const bool trial = photoMode == photorules::TrialVideos;
+    PhotoInfo photo;
+    photo.kind = mainKind(photoMode);
+    QVector<PhotoEntry> imported;
+    for (const PhotoEntry &entry : trial ? order.info.imagesTaipian : order.info.images) {
+        photo.fileName = entry.imgName;
+        if (wirePathKey(entry.localPath) == wirePathKey(photorules::outputPathOf(home, photo)))
+            imported.append(entry);
+    }
+    return imported;
+}
+
+Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
+{
+    const QString openypml = reply::text(reply, QStringLiteral("openypml"));
+    const QString delyp = reply::text(reply, QStringLiteral("delyp"));
+    return orderqueries::readOrderList<PhotoOrder>(reply, [&](const QJsonObject &element) {
+        PhotoOrder order;
+        OrderInfo &info = order.info;
+        static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element, branch);
+        info.openypml = openypml;
+        info.delyp = delyp;
+        info.importPublicPath = branch.publicPath;
+        info.importPath = info.netPath;
+        for (int mode = 0; mode < PhotoOrder::modes; ++mode)
+            order.importedByMode[std::size_t(mode)] = importedAmong(order, mode);
+        return order;
+    });
+}
+
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found)
+{
+    QHash<OrderIdentity, int> positions;
+    for (int index = 0; index < found.size(); ++index)
+        positions.insert(found.at(index).identity(), index);
+    QVector<PhotoOrder> kept;
+    QVector<PhotoOrder> listed = found;
+    for (const PhotoOrder &order : before) {
+        const int position = positions.value(order.identity(), -1);
+        if (position >= 0) {
+            listed[position].filesByMode = order.filesByMode;
+            listed[position].folderRefusal = order.folderRefusal;
+        } else if (order.hasUnfinishedFiles()) {
+            kept.append(order);
+        }
+    }
+    return kept + listed;
+}
+
+/// The order with those of the jobs of its files at \a indexes that \a wanted picks.
+static OrderInfo
+withJobsThat(const PhotoOrder &order, int photoMode, const QVector<int> &indexes,
+             const std::function<bool(const SourceFile &, const PhotoInfo &)> &wanted)
+{
+    const QVector<SourceFile> &files = order.files(photoMode);
+    QStringList sources;
+    for (const int index : indexes)
+        sources.append(files.at(index).path);
+    OrderInfo picked = order.info;
+    picked.photos.clear();
+    const auto jobs = photorules::jobsFor(order.info, sources, photoMode);
+    for (PhotoInfo job : jobs) {
+        job.sourceIndex = indexes.value(job.sourceIndex);
+        if (wanted(files.at(job.sourceIndex), job))
+            picked.photos.append(job);
+    }
+    return picked;
+}
+
+OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+{
+    QVector<int> all = indexes;
+    for (int index = 0; indexes.isEmpty() && index < order.files(photoMode).size(); ++index)
+        all.append(index);
+    return withJobsThat(order, photoMode, all, [](const SourceFile &file, const PhotoInfo &job) {
+        return std::none_of(file.jobs.cbegin(), file.jobs.cend(), [&](const SourceJob &state) {
+            return state.kind == job.kind && state.state == JobState::Done;
+        });
+    });
+}
+
+OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+{
+    return withJobsThat(order, photoMode, indexes,
+                        [kind = mainKind(photoMode)](const SourceFile &, const PhotoInfo &job) {
+                            return job.kind == kind;
+                        });
+}
+
+QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting)
+{
+    QHash<QString, QStringList> byFolder;
+    for (const PhotoOrder &order : orders) {
+        if (!order.folder().isEmpty())
+            byFolder[wirePathKey(order.folder())].append(order.displayName());
+    }
+    QString question;
+    for (const int index : starting) {
+        const QString folder = orders.at(index).folder();
+        const QStringList sharing = byFolder.take(wirePathKey(folder));
+        if (sharing.size() > 1)
+            question += QStringLiteral("\n\n%1\n%2").arg(folder, sharing.join(QLatin1Char('\n')));
+    }
+    const QString head =
+        QStringLiteral("下列订单的导片目录相同，照片会放进同一个文件夹，确认要继续吗？");
+    return question.isEmpty() ? question : head + question;
+}
+
+QString mainKind(int photoMode)
+{
+    if (photoMode == photorules::Photos)
+        return photorules::originalKind;
+    return photoMode == photorules::TrialVideos ? photorules::trialVideoKind
+                                                : photorules::retouchedVideoKind;
+}
+
+QString stateText(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (order.run == PhotoOrder::Run::Queued)
+        return QStringLiteral("等待导片");
+    if (order.run == PhotoOrder::Run::Active)
+        return QStringLiteral("导片中 %1/%2").arg(summary.reported).arg(summary.files);
+    if (summary.files == 0)
+        return QStringLiteral("未选择");
+    if (summary.failed > 0)
+        return QStringLiteral("成功:%1, 失败:%2").arg(summary.complete).arg(summary.failed);
+    if (summary.unregistered > 0 || !order.folderRefusal.isEmpty())
+        return summary.unregistered > 0 ? QStringLiteral("未登记:%1").arg(summary.unregistered)
+                                        : QStringLiteral("目录未登记");
+    if (summary.complete == summary.files)
+        return QStringLiteral("导片完成");
+    if (summary.reported > 0)
+        return QStringLiteral("已停止 %1/%2").arg(summary.reported).arg(summary.files);
+    return QStringLiteral("已选择");
+}
+
+unsigned int stateColour(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (order.run != PhotoOrder::Run::Idle)
+        return colours::inProgress;
+    if (summary.files == 0)
+        return colours::muted;
+    if (summary.failed > 0 || summary.unregistered > 0 || !order.folderRefusal.isEmpty())
+        return colours::failure;
+    return summary.complete == summary.files ? colours::success : colours::chosen;
+}
+
+} // namespace photoorders

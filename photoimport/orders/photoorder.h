@@ -1,0 +1,84 @@
+#pragma once
+
+#include "files/transferprogress.h"
+#include "photoimport/orders/sourcefile.h"
+
+#include <QJsonObject>
+#include <QList>
+#include <QVector>
+
+#include <array>
+
+/// One order of the window: what the service says of it, what was chosen for it here, and how far
+/// that is.
+struct PhotoOrder
+{
+    enum class Run { Idle, Queued, Active };
+    static constexpr int modes = 3;
+
+    OrderInfo info; ///< without jobs; its import path is the one the service configured, or empty
+    /// What the service has on its books of this tool's imports: those of the order's photos that
+    /// lie where the tool puts them. By photorules::PhotoMode.
+    std::array<QVector<orderqueries::PhotoEntry>, modes> importedByMode;
+    std::array<QVector<SourceFile>, modes> filesByMode; ///< chosen here, by mode
+    Run run = Run::Idle;
+    QString folderRefusal;                     ///< why the service did not take the order's folder
+    std::array<FilesSummary, modes> summaries; ///< of the files, see resummarise()
+
+    QVector<SourceFile> &files(int photoMode) { return filesByMode[modeIndex(photoMode)]; }
+    const QVector<SourceFile> &files(int photoMode) const
+    {
+        return filesByMode[modeIndex(photoMode)];
+    }
+    OrderIdentity identity() const { return info.identity(); }
+    const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
+    const QVector<orderqueries::PhotoEntry> &imported(int photoMode) const
+    {
+        return importedByMode[modeIndex(photoMode)];
+    }
+    /// After files changed.
+    void resummarise();
+
+    /// The number users know the order by, with its service: "0012-1".
+    QString displayNumber() const;
+    QString customers() const;
+    /// displayNumber() and the customers' names.
+    QString displayName() const;
+    /// In Windows form; empty when there is nothing it could be made of.
+    QString folder() const;
+    bool hasUnfinishedFiles() const;
+
+private:
+    static std::size_t modeIndex(int photoMode);
+};
+
+namespace photoorders {
+
+using Found = orderqueries::OrderList<PhotoOrder>;
+
+/// Reads a reply to a search in \a branch; the orders are without files.
+Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+
+/// The orders to list after a search: what was found, with the files chosen before; ahead of them
+/// orders that were not found but have files that are not finished.
+QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found);
+
+/// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
+/// Without jobs when nothing is left to do.
+OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes = {});
+
+/// The order with the jobs that brought the source files at \a indexes themselves, done or not.
+OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes);
+
+/// What to ask before the orders at \a starting are imported: names those that share a folder with
+/// any other of \a orders. Empty when none does.
+QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting);
+
+/// The kind of job (PhotoInfo::kind) that brings the source file itself.
+QString mainKind(int photoMode);
+
+/// Text and colour (QRgb) of an order's state cell.
+QString stateText(const PhotoOrder &order, int photoMode);
+unsigned int stateColour(const PhotoOrder &order, int photoMode);
+
+} // namespace photoorders

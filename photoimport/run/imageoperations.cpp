@@ -1,0 +1,496 @@
+#include "photoimport/run/imageoperations.h"
+
+#include "app/context/logging.h"
+#include "files/filecopy.h"
+#include "files/filewriting.h"
+#include "photoimport/run/decodedsources.h"
+#include "pictures/picturereader.h"
+#include "pictures/picturewriter.h"
+#include "platform/fileaccess.h"
+
+#include <QColorSpace>
+#include <QDateTime>
+#include <QDebug>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QTransform>
+
+#include <algorithm>
+#include <exception>
+
+namespace imageoperations {
+
+using picturebounds::pixelsOf;
+
+namespace {
+
+void log(const QString &line)
+{
+    qDebug().noquote() << line;
+}
+
+void log(const QString &line, const QString &path)
+{
+    qDebug().noquote() << line << path;
+}
+
+int longSideOf(const QSize &size)
+{
+    return std::max(size.width(), size.height());
+}
+
+/// \a size with its long side brought to \a side; the other side rounded down.
+QSize withLongSide(const QSize &size, int side)
+{
+    if (size.height() >= size.width())
+        return {int(qint64(side) * size.width() / size.height()), side};
+    return {side, int(qint64(side) * size.height() / size.width())};
+}
+
+constexpr qint64 bytesPerMB = 1048576;
+constexpr double pixelsPerMP = 1000000.0;
+
+QString seconds(qint64 ms)
+{
+    return QString::number(double(ms) / 1000.0, 'f', 1);
+}
+
+QString suffixOf(const QString &path)
+{
+    return QFileInfo(path).suffix().toLower();
+}
+
+bool copyBytes(const QString &source, const QString &target)
+{
+    QString error;
+    switch (copyFile(source, target)) {
+    case CopyOutcome::Copied:
+        return true;
+    case CopyOutcome::Empty:
+        error = QStringLiteral("文件大小为0");
+        break;
+    case CopyOutcome::SizeDiffers:
+    case CopyOutcome::SourceChanged:
+        error = QStringLiteral("文件在拷贝过程中发生变化");
+        break;
+    case CopyOutcome::Failed:
+    case CopyOutcome::Cancelled:
+        error = QStringLiteral("无法读取源文件或写入目标文件");
+        break;
+    }
+    log(QStringLiteral("文件拷贝失败:"), error);
+    return false;
+}
+
+/// Turns by a multiple of 90 degrees; pixels move, none is mixed.
+QImage turned(const QImage &image, int degrees)
+{
+    QTransform transform;
+    transform.rotate(degrees, Qt::ZAxis);
+    QImage result = image.transformed(transform, Qt::FastTransformation);
+    result.setColorSpace(image.colorSpace()); // which transforming loses
+    return result;
+}
+
+QImage scaled(const QImage &image, const QSize &size, Qt::AspectRatioMode mode)
+{
+    QImage result = image.scaled(size, mode, Qt::SmoothTransformation);
+    if (image.format() == QImage::Format_Grayscale8)
+        result = result.convertToFormat(image.format()); // which scaling loses
+    return result;
+}
+
+/// Reads a large original reduced, upright, and scales it back; null when it cannot be read.
+QImage readLargeUpright(PictureReader &reader, const QSize &size, const QString &source)
+{
+    log(QStringLiteral("超大图片旋转拷贝处理 (%1x%2, %3MP)")
+            .arg(size.width())
+            .arg(size.height())
+            .arg(double(pixelsOf(size)) / pixelsPerMP, 0, 'f', 1));
+    const QSize upright = reader.uprightSize();
+    reader.setScaledSize(longSideOf(size) > reducedReadSide ? withLongSide(size, reducedReadSide)
+                                                            : size);
+    QImage image = reader.readUpright();
+    if (!image.isNull() && image.width() != upright.width()) {
+        const QSize target = uprightSize(upright);
+        log(QStringLiteral("缩放回目标尺寸: %1x%2 -> %3x%4")
+                .arg(image.width())
+                .arg(image.height())
+                .arg(target.width())
+                .arg(target.height()));
+        // The size has the proportions of the original, which the rounded one just read only nearly
+        // has: fitting that in would cost a line of pixels.
+        image = scaled(image, target, Qt::IgnoreAspectRatio);
+    }
+    if (image.isNull())
+        log(QStringLiteral("超大图片渐进式旋转拷贝读取失败，回退到直接拷贝:"), source);
+    return image;
+}
+
+/// The picture of \a source standing upright; null, with the reason logged, when it cannot be had.
+QImage readUpright(const QString &source, qint64 bytes)
+{
+    PictureReader reader(source, picturebounds::imported);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片进行旋转拷贝:"), source);
+        return {};
+    }
+    const QSize size = reader.size();
+    if (!size.isValid()) {
+        log(QStringLiteral("无法获取图片尺寸进行旋转拷贝:"), source);
+        return {};
+    }
+    QElapsedTimer timer;
+    timer.start();
+    QImage image;
+    if (pixelsOf(size) > largeImagePixels || bytes > largeImageBytes) {
+        image = readLargeUpright(reader, size, source);
+    } else {
+        image = reader.readUpright();
+        if (image.isNull())
+            log(QStringLiteral("旋转拷贝时无法读取图片，回退到直接拷贝:"), source);
+    }
+    if (timer.elapsed() > slowMs)
+        log(QStringLiteral("图片旋转拷贝读取耗时较长: %1秒").arg(seconds(timer.elapsed())));
+    return image;
+}
+
+bool writeUpright(const QString &source, const QString &target, qint64 bytes)
+{
+    QElapsedTimer timer;
+    timer.start();
+    const QImage image = readUpright(source, bytes);
+    if (image.isNull())
+        return false;
+    const QString suffix = suffixOf(source);
+    const bool isJpeg = suffix == QLatin1String("jpg") || suffix == QLatin1String("jpeg");
+    PictureWriting writing;
+    writing.format = suffix.toLatin1();
+    writing.quality = isJpeg ? originalQuality : -1;
+    writing.made = QFileInfo(source).lastModified();
+    writing.cameraData = PictureReader(source, picturebounds::imported).cameraData();
+    const QString error = writePicture(image, target, writing);
+    if (!error.isEmpty()) {
+        log(QStringLiteral("图片旋转拷贝保存失败: %1, 错误: %2，回退到直接拷贝")
+                .arg(target, error));
+        return false;
+    }
+    log(QStringLiteral("图片旋转拷贝成功: %1 -> %2 (耗时: %3秒)")
+            .arg(source, target, seconds(timer.elapsed())));
+    return true;
+}
+
+QImage mirroredAcross(const QImage &image)
+{
+    return image.mirrored(true, false);
+}
+
+/// Reads a source that is too large to be read whole.
+QImage readReduced(const QString &source, const QSize &intermediate)
+{
+    PictureReader reader(source, picturebounds::imported);
+    reader.setScaledSize(intermediate);
+    QImage image = reader.read();
+    if (!image.isNull())
+        return image;
+    log(QStringLiteral("超大图片渐进式读取失败:"), source);
+    PictureReader conservative(source, picturebounds::imported);
+    const QSize cap(conservativeReadSide, conservativeReadSide);
+    conservative.setScaledSize(longSideOf(intermediate) > conservativeReadSide
+                                   ? intermediate.scaled(cap, Qt::KeepAspectRatio)
+                                   : intermediate);
+    return conservative.read();
+}
+
+QImage readShared(DecodedSources *shared, const QString &source, const QSize &readSize,
+                  const std::function<QImage()> &decode)
+{
+    if (!shared)
+        return decode();
+    const QFileInfo file(source);
+    const QString key = QStringLiteral("%1x%2 %3 %4 ")
+                            .arg(readSize.width())
+                            .arg(readSize.height())
+                            .arg(file.size())
+                            .arg(file.lastModified().toMSecsSinceEpoch());
+    return shared->picture(key + source, decode);
+}
+
+/// The picture that a variant is scaled from, as it is stored; null when it cannot be read.
+QImage readForVariant(const QString &source, const QSize &size, int longSide,
+                      DecodedSources *shared)
+{
+    if (pixelsOf(size) <= largeImagePixels && longSideOf(size) <= variantFullReadSide) {
+        QImage image = readShared(shared, source, size, [&source] {
+            return PictureReader(source, picturebounds::imported).read();
+        });
+        if (image.isNull())
+            log(QStringLiteral("图片读取失败:"), source);
+        return image;
+    }
+    log(QStringLiteral("检测到超大图片 (%1x%2)，使用渐进式缩放处理")
+            .arg(size.width())
+            .arg(size.height()));
+    const QSize intermediate = calculateIntermediateSize(size, longSide);
+    QImage image = readShared(shared, source, intermediate, [&source, &intermediate] {
+        return readReduced(source, intermediate);
+    });
+    if (image.isNull()) {
+        log(QStringLiteral("保守模式读取仍然失败:"), source);
+    } else {
+        log(QStringLiteral("渐进式缩放成功，中间尺寸: %1x%2")
+                .arg(image.width())
+                .arg(image.height()));
+    }
+    return image;
+}
+
+QImage scaledToLongSide(const QImage &image, int longSide, const QString &source)
+{
+    const QSize wanted = withLongSide(image.size(), longSide);
+    if (std::abs(image.width() - wanted.width()) <= nearTargetPx &&
+        std::abs(image.height() - wanted.height()) <= nearTargetPx) {
+        log(QStringLiteral("当前尺寸已接近目标尺寸，跳过缩放"));
+        return image;
+    }
+    QImage result = scaled(image, wanted, Qt::KeepAspectRatio);
+    if (result.isNull())
+        log(QStringLiteral("最终缩放失败:"), source);
+    return result;
+}
+
+/// Turns a finished variant by the folded orientation of its source; null when that fails.
+QImage turnedLikeSource(const QImage &image, const QString &source)
+{
+    const int orientation = readExifOrientation(source);
+    if (orientation == 1)
+        return image;
+    log(QStringLiteral("缩小后检测到需要旋转，EXIF方向: %1, 源文件: %2")
+            .arg(QString::number(orientation), source));
+    QImage upright = rotateImageByExif(image, orientation);
+    if (upright.isNull()) {
+        log(QStringLiteral("缩小图片旋转失败:"), source);
+    } else {
+        log(QStringLiteral("缩小图片旋转成功，最终尺寸: %1x%2")
+                .arg(upright.width())
+                .arg(upright.height()));
+    }
+    return upright;
+}
+
+bool saveVariant(const QImage &image, const QString &source, const QString &target)
+{
+    log(QStringLiteral("要保存图片了:"), target);
+    if (QFileInfo::exists(target))
+        log(QStringLiteral("照片存在，先删除照片"));
+    static const QStringList withQuality = {QStringLiteral("jpg"), QStringLiteral("jpeg"),
+                                            QStringLiteral("webp")};
+    const QString suffix = suffixOf(source);
+    PictureWriting writing;
+    writing.format = suffix.toLatin1();
+    writing.quality = withQuality.contains(suffix) ? variantQuality : -1;
+    // Not where and with what it was taken: variants are for looking at, also by others.
+    writing.cameraData.profile =
+        PictureReader(source, picturebounds::imported).cameraData().profile;
+    const QString error = mayReplace(target) ? writePicture(image, target, writing)
+                                             : QStringLiteral("无法删除旧文件");
+    if (!error.isEmpty()) {
+        log(QStringLiteral("图片保存失败:"), error);
+        return false;
+    }
+    log(QStringLiteral("图片处理成功: %1 -> %2 (最终尺寸: %3x%4)")
+            .arg(source, target, QString::number(image.width()), QString::number(image.height())));
+    return true;
+}
+
+} // namespace
+
+int readExifOrientation(const QString &path)
+{
+    const PictureReader reader(path, picturebounds::imported);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片EXIF信息:"), path);
+        return 1;
+    }
+    const QImageIOHandler::Transformations transformation = reader.transformation();
+    if (transformation & QImageIOHandler::TransformationRotate90)
+        return 6;
+    return transformation == QImageIOHandler::TransformationNone ? 1 : 3;
+}
+
+QImage rotateImageByExif(const QImage &image, int orientation)
+{
+    if (image.isNull()) {
+        log(QStringLiteral("传入的图片为空，无法旋转"));
+        return {};
+    }
+    QImage upright = image;
+    switch (orientation) {
+    case 1:
+        log(QStringLiteral("EXIF方向1：正常方向，无需旋转"));
+        break;
+    case 2:
+        log(QStringLiteral("EXIF方向2：水平翻转"));
+        upright = mirroredAcross(image);
+        break;
+    case 3:
+        log(QStringLiteral("EXIF方向3：180度旋转"));
+        upright = turned(image, 180);
+        break;
+    case 4:
+        log(QStringLiteral("EXIF方向4：垂直翻转"));
+        upright = image.mirrored(false, true);
+        break;
+    case 5:
+        log(QStringLiteral("EXIF方向5：图片逆时针90度+翻转，执行顺时针90度+水平翻转纠正"));
+        upright = mirroredAcross(turned(image, 90));
+        break;
+    case 6:
+        log(QStringLiteral("EXIF方向6：图片顺时针90度，执行逆时针90度纠正"));
+        upright = turned(image, -90);
+        break;
+    case 7:
+        log(QStringLiteral("EXIF方向7：图片顺时针90度+翻转，执行逆时针90度+水平翻转纠正"));
+        upright = mirroredAcross(turned(image, -90));
+        break;
+    case 8:
+        log(QStringLiteral("EXIF方向8：图片逆时针90度，执行顺时针90度纠正"));
+        upright = turned(image, 90);
+        break;
+    default:
+        log(QStringLiteral("未知的EXIF方向值: %1").arg(orientation));
+        break;
+    }
+    if (upright.isNull()) {
+        log(QStringLiteral("图片旋转失败，EXIF方向: %1").arg(orientation));
+    } else {
+        log(QStringLiteral("图片旋转成功，EXIF方向: %1, 原尺寸: %2x%3, 新尺寸: %4x%5")
+                .arg(orientation)
+                .arg(image.width())
+                .arg(image.height())
+                .arg(upright.width())
+                .arg(upright.height()));
+    }
+    return upright;
+}
+
+QSize calculateIntermediateSize(const QSize &original, int target)
+{
+    const int longSide = longSideOf(original);
+    const qint64 fourfold = qint64(4) * target;
+    const qint64 threefold = qint64(3) * target;
+    if (fourfold >= longSide)
+        return original;
+    qint64 side = std::min<qint64>(fourfold, reducedReadSide);
+    if (longSide > 20000)
+        side = std::min<qint64>(threefold, 2048);
+    else if (longSide > 15000)
+        side = std::min<qint64>(threefold, 3072);
+    const QSize size = withLongSide(original, int(side));
+    if (size.width() > original.width() || size.height() > original.height())
+        return original;
+    log(QStringLiteral("计算中间尺寸: %1x%2 -> %3x%4 (目标: %5)")
+            .arg(original.width())
+            .arg(original.height())
+            .arg(size.width())
+            .arg(size.height())
+            .arg(target));
+    return size;
+}
+
+QSize uprightSize(const QSize &original)
+{
+    return pixelsOf(original) > veryLargePixels ? withLongSide(original, veryLargeOutputSide)
+                                                : original;
+}
+
+bool rotateCopyImage(const QString &source, const QString &target)
+{
+    if (!mayReplace(target)) {
+        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
+        return false;
+    }
+    const qint64 bytes = QFileInfo(source).size();
+    const QString megabytes = QString::number(bytes / bytesPerMB);
+    if (bytes > plainCopyBytes) {
+        log(QStringLiteral("文件过大 (%1MB)，使用直接拷贝: %2").arg(megabytes, source));
+        return copyBytes(source, target);
+    }
+    log(QStringLiteral("开始旋转拷贝，文件大小: %1MB, 源文件: %2").arg(megabytes, source));
+    try {
+        if (writeUpright(source, target, bytes))
+            return true;
+    } catch (const std::exception &exception) {
+        log(QStringLiteral("图片旋转拷贝异常: %1, 错误: %2，回退到直接拷贝")
+                .arg(source, QString::fromUtf8(exception.what())));
+    } catch (...) {
+        log(QStringLiteral("图片旋转拷贝未知异常: %1，回退到直接拷贝").arg(source));
+    }
+    return copyBytes(source, target);
+}
+
+bool copyOriginal(const QString &source, const QString &target)
+{
+    const QFileInfo file(source);
+    if (!file.exists()) {
+        log(QStringLiteral("源文件不存在:"), source);
+        return false;
+    }
+    if (platform::isSameFile(source, target)) {
+        // Chosen from the order's own folder: turning it would overwrite the only original.
+        qCInfo(lcTessavo).noquote() << "is in its place already:" << source;
+        return true;
+    }
+    if (!mayReplace(target)) {
+        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
+        return false;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    const int orientation = readExifOrientation(source);
+    if (orientation != 1) {
+        log(QStringLiteral("检测到图片需要旋转，EXIF方向: %1, 源文件: %2")
+                .arg(QString::number(orientation), source));
+        return rotateCopyImage(source, target);
+    }
+    log(QStringLiteral("图片方向正常，直接拷贝:"), source);
+    const bool copied = copyBytes(source, target);
+    if (timer.elapsed() > slowMs) {
+        log(QStringLiteral("文件拷贝耗时较长: %1秒, 文件: %2")
+                .arg(seconds(timer.elapsed()), source));
+    }
+    return copied;
+}
+
+bool compressImage(const QString &source, const QString &target, int longSide,
+                   DecodedSources *shared)
+{
+    const PictureReader reader(source, picturebounds::imported);
+    if (!reader.canRead()) {
+        log(QStringLiteral("无法读取图片:"), source);
+        return false;
+    }
+    const QSize size = reader.size();
+    if (!size.isValid()) {
+        log(QStringLiteral("无法获取图片尺寸:"), source);
+        return false;
+    }
+    log(QStringLiteral("原图尺寸: %1x%2").arg(size.width()).arg(size.height()));
+    if (longSide < 1 || longSide > variantSideLimit) {
+        log(QStringLiteral("最终缩放失败:"), source);
+        return false;
+    }
+    if (platform::isSameFile(source, target)) {
+        // Chosen from among the order's own variants: it may be all that there is of the photo.
+        log(QStringLiteral("图片保存失败:"), QStringLiteral("目标就是源文件"));
+        return false;
+    }
+    QImage image = readForVariant(source, size, longSide, shared);
+    if (!image.isNull())
+        image = scaledToLongSide(image, longSide, source);
+    if (!image.isNull())
+        image = turnedLikeSource(image, source);
+    return !image.isNull() && saveVariant(image, source, target);
+}
+
+} // namespace imageoperations

@@ -1,0 +1,256 @@
+#include "photoimport/run/photoimportrun.h"
+
+#include "photoimport/rules/photorequests.h"
+#include "tasks/background.h"
+
+#include <QDebug>
+
+PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
+    : QObject(parent), orders_(orders)
+{
+    connect(&pool_, &tfimportthreadmanager::photoImported, this, &PhotoImportRun::onPhotoImported);
+    connect(&pool_, &tfimportthreadmanager::orderProgressUpdated, this,
+            &PhotoImportRun::onOrderProgressUpdated);
+    connect(&pool_, &tfimportthreadmanager::orderImportCompleted, this,
+            [this](const OrderInfo &order) {
+                orders_->setRun(orders_->rowOf(order.identity()), PhotoOrder::Run::Idle);
+            });
+    // The pool and the registrar must not be called again from within their own signals.
+    connect(&pool_, &tfimportthreadmanager::allTasksCompleted, this, &PhotoImportRun::afterStep,
+            Qt::QueuedConnection);
+    connect(&registrar_, &PhotoRegistrar::idle, this, &PhotoImportRun::afterStep,
+            Qt::QueuedConnection);
+    connect(&pool_, &tfimportthreadmanager::pathErrorOccurred, this,
+            &PhotoImportRun::onStartRefused, Qt::QueuedConnection);
+    connect(&pool_, &tfimportthreadmanager::workersEnded, this, [this] {
+        if (!isBusy())
+            claim_.release();
+        emit workersEnded();
+    });
+    connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
+            [this](const OrderIdentity &orderId, const PhotoInfo &photo) {
+                onRegistered(orderId, photo, RegistrationState::Registered, {});
+            });
+    connect(&registrar_, &PhotoRegistrar::photoRefused, this,
+            [this](const OrderIdentity &orderId, const PhotoInfo &photo, const QString &reason) {
+                onRegistered(orderId, photo, RegistrationState::Refused, reason);
+            });
+    connect(&registrar_, &PhotoRegistrar::orderRegistered, this,
+            [this](const OrderIdentity &orderId) {
+                orders_->setFolderRefusal(orders_->rowOf(orderId), {});
+            });
+    connect(&registrar_, &PhotoRegistrar::orderRefused, this,
+            [this](const OrderIdentity &orderId, const QString &reason) {
+                orders_->setFolderRefusal(orders_->rowOf(orderId), reason);
+            });
+}
+
+bool PhotoImportRun::isQueuedOrActive(int row) const
+{
+    const PhotoOrder &order = orders_->order(row);
+    return order.run != PhotoOrder::Run::Idle || pool_.isQueuedOrActive(order.identity());
+}
+
+bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes,
+                           const orderqueries::Identity &identity)
+{
+    if (!preparing_.isEmpty())
+        return false;
+    if (refusesAny(rows, identity))
+        return true;
+    QVector<OrderIdentity> wanted;
+    for (const int row : rows)
+        wanted.append(orders_->order(row).identity());
+    const auto conflict = ordersatwork::claim(wanted, photorules::toolName(), &claim_);
+    if (conflict) {
+        const int row = rows.at(wanted.indexOf(conflict->order));
+        emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),
+                     {});
+        return true;
+    }
+    if (!open_)
+        batch_.clear();
+    identity_ = identity;
+    open_ = true;
+    QVector<PhotoOrder> started;
+    for (const int row : rows) {
+        const OrderIdentity id = orders_->order(row).identity();
+        orders_->resetFailedJobs(row, indexes);
+        started.append(orders_->order(row));
+        orders_->setRun(row, PhotoOrder::Run::Queued);
+        preparing_.insert(id);
+        batch_.insert(id);
+        announced_.remove(id);
+    }
+    // Orders of thousands of photos make tens of thousands of jobs.
+    onProcessor(
+        this,
+        [started, indexes, mode = orders_->photoMode()] {
+            QList<OrderInfo> orders;
+            for (const PhotoOrder &order : started)
+                orders.append(photoorders::withJobs(order, mode, indexes));
+            return orders;
+        },
+        start_.only([this](const QList<OrderInfo> &orders) { begin(orders); }));
+    emit stateChanged();
+    return true;
+}
+
+bool PhotoImportRun::refusesAny(const QVector<int> &rows, const orderqueries::Identity &identity)
+{
+    for (const int row : rows) {
+        const PhotoOrder &order = orders_->order(row);
+        if (orderqueries::mayWorkOn(order.identity(), identity))
+            continue;
+        emit refused(orderqueries::otherBranchText(order.displayName()), {});
+        return true;
+    }
+    return false;
+}
+
+void PhotoImportRun::begin(const QList<OrderInfo> &orders)
+{
+    preparing_.clear();
+    if (orders.size() == 1)
+        pool_.startImportOrder(orders.constFirst());
+    else
+        pool_.startImportAllOrders(orders);
+    emit stateChanged();
+}
+
+void PhotoImportRun::stop()
+{
+    start_.abandon();
+    preparing_.clear();
+    open_ = false;
+    pool_.stopAllImport();
+    releaseOrders();
+    afterStep();
+}
+
+/// Orders that are not held any more, though not completed either, leave the run.
+void PhotoImportRun::releaseOrders()
+{
+    for (int row = 0; row < orders_->orders().size(); ++row) {
+        const PhotoOrder &order = orders_->order(row);
+        const OrderIdentity id = order.identity();
+        if (order.run == PhotoOrder::Run::Idle || preparing_.contains(id) ||
+            pool_.isQueuedOrActive(id))
+            continue;
+        batch_.remove(id);
+        orders_->setRun(row, PhotoOrder::Run::Idle);
+    }
+}
+
+void PhotoImportRun::onStartRefused(const QString &message, const QString &path)
+{
+    releaseOrders();
+    if (batch_.isEmpty())
+        open_ = false; // there was nothing but what was refused
+    afterStep();
+    emit refused(message, path);
+}
+
+void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &fileName,
+                                     int photoindex, bool success, const QString &errorMsg)
+{
+    const PhotoInfo job = orderinfo.photos.value(photoindex);
+    const int index = orders_->applyResult(orderinfo.identity(), job, success, errorMsg);
+    const int row = orders_->rowOf(orderinfo.identity());
+    if (row >= 0 && orders_->order(row).run == PhotoOrder::Run::Queued)
+        orders_->setRun(row, PhotoOrder::Run::Active);
+    if (success) {
+        qDebug().noquote() << QStringLiteral("照片导入完成：成功: %1 - %2-%3 第 %4")
+                                  .arg(orderinfo.orderPayForKey, fileName, job.kind,
+                                       QString::number(photoindex + 1));
+        if (photorequests::isRegistered(orders_->photoMode(), job))
+            orders_->applyRegistration(orderinfo.identity(), job, RegistrationState::Pending);
+        registrar_.upImportPhotoInfo(orderinfo, photoindex, orders_->photoMode(), identity_);
+        if (!announced_.contains(orderinfo.identity())) {
+            announced_.insert(orderinfo.identity());
+            registrar_.upImportOrderData(orderinfo, identity_);
+        }
+    } else {
+        qDebug().noquote() << QStringLiteral("照片导入完成：失败: %1 - %2 第 %3, 错误: %4")
+                                  .arg(orderinfo.orderPayForKey, fileName,
+                                       QString::number(photoindex + 1), errorMsg);
+    }
+    if (index >= 0)
+        emit fileChanged(orderinfo.identity(), index);
+}
+
+void PhotoImportRun::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
+{
+    qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
+                              .arg(orderinfo.orderPayForKey, QString::number(completed),
+                                   QString::number(total),
+                                   QString::number(total > 0 ? completed * 100 / total : 100));
+}
+
+TransferProgress PhotoImportRun::progress()
+{
+    orders_->flush();
+    return orders_->progressOf(batch_);
+}
+
+void PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
+                                   const orderqueries::Identity &identity)
+{
+    if (refusesAny({row}, identity))
+        return;
+    const int mode = orders_->photoMode();
+    const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
+    if (!orders_->order(row).folderRefusal.isEmpty())
+        registrar_.upImportOrderData(order, identity);
+    for (int position = 0; position < order.photos.size(); ++position) {
+        onRegistered(order.identity(), order.photos.at(position), RegistrationState::Pending, {});
+        registrar_.upImportPhotoInfo(order, position, mode, identity);
+    }
+    emit stateChanged();
+}
+
+void PhotoImportRun::onRegistered(const OrderIdentity &orderId, const PhotoInfo &photo,
+                                  RegistrationState state, const QString &reason)
+{
+    stale_ = true;
+    const int index = orders_->applyRegistration(orderId, photo, state, reason);
+    if (index >= 0)
+        emit fileChanged(orderId, index);
+}
+
+void PhotoImportRun::cancelRegistrations()
+{
+    registrar_.cancel();
+    afterStep();
+}
+
+void PhotoImportRun::afterStep()
+{
+    orders_->flush();
+    if (pool_.isPaused() && !isImporting())
+        pool_.resumeAllImport(); // the next run is not to begin paused
+    emit stateChanged();
+    if (isBusy())
+        return;
+    if (!hasLiveWorkers())
+        claim_.release();
+    if (open_) {
+        open_ = false;
+        int failed = 0;
+        int unregistered = 0;
+        for (const OrderIdentity &id : qAsConst(batch_)) {
+            const int row = orders_->rowOf(id);
+            if (row < 0)
+                continue;
+            const PhotoOrder &order = orders_->order(row);
+            failed += order.summary(orders_->photoMode()).failed;
+            unregistered += order.summary(orders_->photoMode()).unregistered;
+            unregistered += order.folderRefusal.isEmpty() ? 0 : 1;
+        }
+        emit ended(failed, unregistered);
+    }
+    if (stale_) {
+        stale_ = false;
+        emit countsStale();
+    }
+}

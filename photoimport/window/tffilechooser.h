@@ -1,0 +1,47 @@
+#pragma once
+
+#include "photoimport/orders/sourcefile.h"
+#include "tasks/latest.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+
+class LoadingOverlay;
+class QWidget;
+class tforderlistmodel;
+
+/// Adds photos or videos to an order: from the file dialog, a folder, or what was dropped. While
+/// the files are being looked at the window's overlay says so. Rows are positions in the model.
+class tffilechooser : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Boxes belong to \a window, which owns the chooser, the model and the overlay. \a mayChange
+    /// tells whether an order may get files at the moment, and the user why not.
+    tffilechooser(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
+                  std::function<bool(int row)> mayChange);
+
+    void addFiles(int row);
+    void addFolder(int row);
+    /// \a expand: folders stand for the files below them.
+    void take(int row, const QStringList &paths, bool expand);
+    /// Abandons what is being looked at.
+    void cancel();
+
+signals:
+    void filesAdded(const OrderIdentity &orderId);
+
+private:
+    void onDescribed(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
+    void add(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
+
+    QWidget *window_;
+    tforderlistmodel *orders_;
+    LoadingOverlay *overlay_;
+    std::function<bool(int row)> mayChange_;
+    Latest choice_; ///< that is being described
+};

@@ -1,0 +1,474 @@
+#include "photoimport/window/tfhome.h"
+
+#include "app/context/logging.h"
+#include "files/pathgate.h"
+#include "photoimport/imported/tfhomephotos.h"
+#include "photoimport/imported/tfphotodeleter.h"
+#include "photoimport/window/tffilechooser.h"
+#include "photoimport/window/tfhomeorders.h"
+#include "photoimport/window/tfhomeorders_orderlistwidget.h"
+#include "photoimport/window/tfimportbar.h"
+#include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/theme/theme.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <QClipboard>
+#include <QDebug>
+#include <QGuiApplication>
+#include <QSet>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+// How the window's width is divided.
+constexpr int ordersShare = 3;
+constexpr int photosShare = 2;
+constexpr int progressIntervalMs = 250;
+/// How long a closed window waits for the next of what the service still has to answer.
+constexpr int nextAnswerMs = 10000;
+
+} // namespace
+
+tfhome::tfhome(QWidget *parent)
+    : FramelessWindow(parent)
+    , run_(&orders_)
+    , orderPanel_(new tfhomeorders(&orders_))
+    , photoPanel_(new tfhomephotos(&photos_))
+    , bar_(new tfimportbar)
+    , overlay_(new LoadingOverlay(this))
+    , chooser_(
+          new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
+    , deleter_(
+          new tfphotodeleter(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
+{
+    qRegisterMetaType<OrderInfo>();
+    qRegisterMetaType<PhotoInfo>();
+    orders_.setPhotoMode(AccountContext::photoMode);
+    bar_->setPhotoMode(AccountContext::photoMode);
+    bar_->setWorkers(run_.pool()->maxWorkers());
+    buildLayout();
+    progressTimer_.setInterval(progressIntervalMs);
+    connect(&progressTimer_, &QTimer::timeout, this, &tfhome::refreshState);
+    lastAnswers_.setInterval(nextAnswerMs);
+    lastAnswers_.setSingleShot(true);
+    connect(&lastAnswers_, &QTimer::timeout, this, &tfhome::giveUpAnswers);
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool success, const QString &error) {
+                Q_UNUSED(success)
+                if (!error.isEmpty())
+                    Toast::show(this, error);
+            });
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        chooser_->cancel();
+        overlay_->hideOverlay();
+        if (deleter_->cancel())
+            orderPanel_->refreshImportCounts(); // whether the service has deleted them is not known
+    });
+    connectOrders();
+    connectPhotos();
+    connectBar();
+    connectRun();
+    connectDeleter();
+}
+
+tfhome::~tfhome()
+{
+    // The views outlive the models they show by a moment.
+    disconnect(orderPanel_, nullptr, this, nullptr);
+    disconnect(orderPanel_->table(), nullptr, this, nullptr);
+}
+
+void tfhome::buildLayout()
+{
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(orderPanel_);
+    splitter->addWidget(photoPanel_);
+    splitter->setStretchFactor(0, ordersShare);
+    splitter->setStretchFactor(1, photosShare);
+    splitter->setSizes({ordersShare * QWIDGETSIZE_MAX / 8, photosShare * QWIDGETSIZE_MAX / 8});
+    splitter->setChildrenCollapsible(false);
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(splitter, 1);
+    layout->addWidget(bar_);
+    setContent(content);
+}
+
+void tfhome::connectOrders()
+{
+    tfhomeorders_OrderListWidget *table = orderPanel_->table();
+    connect(table, &tfhomeorders_OrderListWidget::orderSelectionChanged, this,
+            &tfhome::showSelectedOrder);
+    connect(orderPanel_, &tfhomeorders::ordersChanged, this, &tfhome::showSelectedOrder);
+    // A box shown while the drop is going on would freeze the program that the files come from.
+    connect(
+        table, &tfhomeorders_OrderListWidget::filesDroppedOnOrder, this,
+        [this](int row, const QStringList &paths) { chooser_->take(row, paths, true); },
+        Qt::QueuedConnection);
+    table->addOrderAction(QStringLiteral("添加照片"), Qt::CTRL + Qt::Key_O,
+                          [this](int row) { chooser_->addFiles(row); });
+    table->addOrderAction(QStringLiteral("添加目录"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
+                          [this](int row) { chooser_->addFolder(row); });
+    table->addOrderAction(QStringLiteral("导入本单"), Qt::Key_Return,
+                          [this](int row) { startOrder(row); });
+    table->addOrderAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
+                          [this](int row) { openFolder(row); });
+    table->addOrderAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
+                          [this](int row) { copyNumber(row); });
+}
+
+void tfhome::connectPhotos()
+{
+    const auto shown = [this] { return orders_.rowOf(shownOrderId_); };
+    connect(photoPanel_, &tfhomephotos::addFilesClicked, this,
+            [this, shown] { chooser_->addFiles(shown()); });
+    connect(photoPanel_, &tfhomephotos::addFolderClicked, this,
+            [this, shown] { chooser_->addFolder(shown()); });
+    connect(photoPanel_, &tfhomephotos::openFolderClicked, this,
+            [this, shown] { openFolder(shown()); });
+    connect(photoPanel_, &tfhomephotos::startClicked, this, [this, shown] { startOrder(shown()); });
+    connect(photoPanel_, &tfhomephotos::retryClicked, this, &tfhome::retry);
+    connect(photoPanel_, &tfhomephotos::removeClicked, this, &tfhome::removeFiles);
+    connect(photoPanel_, &tfhomephotos::deleteClicked, this, &tfhome::deletePhotos);
+    connect(
+        photoPanel_, &tfhomephotos::filesDropped, this,
+        [this, shown](const QStringList &paths) { chooser_->take(shown(), paths, true); },
+        Qt::QueuedConnection);
+    connect(chooser_, &tffilechooser::filesAdded, this, [this](const OrderIdentity &orderId) {
+        if (orderId == shownOrderId_)
+            showSelectedOrder();
+    });
+    connect(photoPanel_->thumbnails(), &QThread::finished, this, &tfhome::endClosing);
+}
+
+void tfhome::connectBar()
+{
+    connect(bar_, &tfimportbar::photoModeChosen, this, &tfhome::choosePhotoMode);
+    connect(bar_, &tfimportbar::workersChosen, this,
+            [this](int count) { run_.pool()->setMaxWorkers(count); });
+    connect(bar_, &tfimportbar::startClicked, this, [this] {
+        if (overlay_->isVisible())
+            return; // the shortcut reaches us while files are being looked at
+        if (run_.isImporting())
+            run_.stop();
+        else
+            startAll();
+    });
+    connect(bar_, &tfimportbar::pauseClicked, this, [this] {
+        if (run_.pool()->isPaused())
+            run_.pool()->resumeAllImport();
+        else
+            run_.pool()->pauseAllImport();
+        rate_.clear();
+        bar_->setPaused(run_.pool()->isPaused());
+    });
+}
+
+void tfhome::connectRun()
+{
+    connect(&run_, &PhotoImportRun::fileChanged, this, &tfhome::showFile);
+    connect(&run_, &PhotoImportRun::fileChanged, &lastAnswers_, [this] {
+        if (lastAnswers_.isActive())
+            lastAnswers_.start(); // the service is slow, but it goes on
+    });
+    connect(&run_, &PhotoImportRun::stateChanged, this, &tfhome::refreshState);
+    connect(&run_, &PhotoImportRun::refused, this,
+            [this](const QString &message, const QString &path) {
+                tell(message.contains(path) ? message : message + QStringLiteral("\n\n") + path);
+            });
+    connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd);
+    connect(&run_, &PhotoImportRun::countsStale, orderPanel_, &tfhomeorders::refreshImportCounts);
+    connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
+}
+
+void tfhome::connectDeleter()
+{
+    connect(deleter_, &tfphotodeleter::asking, this,
+            [this] { photoPanel_->thumbnails()->want({}, 0); });
+    connect(deleter_, &tfphotodeleter::answered, this, [this](const OrderIdentity &orderId) {
+        if (orderId == shownOrderId_)
+            showSelectedOrder(); // which asks for the thumbnails that are missing now
+        endClosing();
+    });
+    connect(deleter_, &tfphotodeleter::removed, this, &tfhome::endClosing);
+}
+
+void tfhome::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (!opened_) {
+        opened_ = true;
+        orderPanel_->open();
+    }
+}
+
+// Choosing orders and files.
+
+void tfhome::showSelectedOrder()
+{
+    const int row = orderPanel_->table()->selectedOrder();
+    if (!orders_.hasRow(row)) {
+        shownOrderId_ = {};
+        photos_.show(nullptr, orders_.photoMode());
+        photoPanel_->showOrder({});
+        return;
+    }
+    const PhotoOrder &order = orders_.order(row);
+    const auto show = [&] { photos_.show(&order, orders_.photoMode()); };
+    if (shownOrderId_ == order.identity())
+        photoPanel_->keepPlaceWhile(show);
+    else
+        show();
+    shownOrderId_ = order.identity();
+    photoPanel_->showOrder(order.displayName());
+}
+
+bool tfhome::mayChange(int row)
+{
+    if (!orders_.hasRow(row) || overlay_->isVisible())
+        return false;
+    if (!run_.isQueuedOrActive(row))
+        return true;
+    Toast::show(this, QStringLiteral("该订单正在导片，请等待完成或先停止"));
+    return false;
+}
+
+void tfhome::removeFiles(const QVector<int> &photoRows)
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    if (!mayChange(row))
+        return;
+    QVector<int> indexes;
+    for (const int photoRow : photoRows) {
+        const PanelPhoto &photo = photos_.photo(photoRow);
+        if (photo.file.registration == RegistrationState::Pending)
+            Toast::show(this, QStringLiteral("正在登记的文件不能移出"));
+        else if (photo.fileIndex >= 0)
+            indexes.append(photo.fileIndex);
+    }
+    if (indexes.isEmpty())
+        return;
+    orders_.removeFiles(row, indexes);
+    showSelectedOrder();
+}
+
+void tfhome::choosePhotoMode(int mode)
+{
+    AccountContext::photoMode = mode;
+    orders_.setPhotoMode(mode);
+    showSelectedOrder();
+}
+
+void tfhome::openFolder(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    const PhotoOrder &order = orders_.order(row);
+    const QString folder = order.folder();
+    const pathgate::Refusal refusal = pathgate::refusalOfImport(
+        order.displayName(), order.info.importPath, order.info.importPublicPath);
+    if (folder.isEmpty())
+        Toast::show(this, QStringLiteral("该订单没有导片路径"));
+    else if (refusal.isRefused())
+        tell(refusal.text());
+    else
+        folderOpener_.open(folder);
+}
+
+void tfhome::copyNumber(int row)
+{
+    if (!orders_.hasRow(row))
+        return;
+    QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
+    Toast::show(this, QStringLiteral("订单号已复制"));
+}
+
+// Importing.
+
+void tfhome::startOrder(int row)
+{
+    if (!mayChange(row))
+        return;
+    const QVector<SourceFile> &files = orders_.files(row);
+    if (std::all_of(files.cbegin(), files.cend(),
+                    [](const SourceFile &file) { return file.isComplete(); }))
+        Toast::show(this, QStringLiteral("请先为订单添加要导入的文件"));
+    else
+        start({row});
+}
+
+void tfhome::startAll()
+{
+    QVector<int> rows;
+    for (int row = 0; row < orders_.orders().size(); ++row) {
+        const FilesSummary &summary = orders_.order(row).summary(orders_.photoMode());
+        if (summary.complete < summary.files)
+            rows.append(row);
+    }
+    if (rows.isEmpty())
+        MessageBox::warning(this, QStringLiteral("请先为订单添加要导入的文件"));
+    else
+        start(rows);
+}
+
+void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
+{
+    const QString question = photoorders::sharedFoldersQuestion(orders_.orders(), rows);
+    QVector<OrderIdentity> ids;
+    for (const int row : rows)
+        ids.append(orders_.order(row).identity());
+    if (question.isEmpty()) {
+        startOrders(ids, indexes);
+        return;
+    }
+    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels,
+                       [this, ids, indexes](bool agreed) {
+                           if (agreed)
+                               startOrders(ids, indexes);
+                       });
+}
+
+/// Those that are still listed.
+void tfhome::startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes)
+{
+    QVector<int> present;
+    for (const OrderIdentity &id : ids) {
+        const int row = orders_.rowOf(id);
+        if (row >= 0 && !run_.isQueuedOrActive(row))
+            present.append(row);
+    }
+    if (present.isEmpty())
+        return;
+    if (!run_.isImporting()) {
+        rate_.clear();
+        clock_.start();
+    }
+    if (!run_.start(present, indexes, orderPanel_->identity()))
+        Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
+    else
+        showSelectedOrder();
+}
+
+/// Also four times a second while something goes on.
+void tfhome::refreshState()
+{
+    bar_->setRunning(run_.isImporting(), run_.pendingRegistrations() > 0);
+    bar_->setPaused(run_.pool()->isPaused());
+    orderPanel_->setImporting(run_.isBusy());
+    const TransferProgress progress = run_.progress();
+    if (run_.isImporting()) {
+        rate_.add(clock_.elapsed(), progress.bytesDone);
+        bar_->showProgress(progress, rate_);
+    } else if (run_.isBusy()) {
+        bar_->showRegistering(run_.pendingRegistrations());
+    } else {
+        bar_->hideProgress();
+        progressTimer_.stop();
+        endClosing();
+        return;
+    }
+    if (!progressTimer_.isActive())
+        progressTimer_.start();
+}
+
+void tfhome::showFile(const OrderIdentity &orderId, int index)
+{
+    if (orderId == shownOrderId_)
+        photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
+}
+
+void tfhome::announceEnd(int failed, int unregistered)
+{
+    if (failed == 0 && unregistered == 0) {
+        MessageBox::information(this, QStringLiteral("导片完成！"));
+        return;
+    }
+    tell(QStringLiteral("导片结束，%1 个文件失败，%2 项未登记。\n"
+                        "请在照片列表中查看原因，再点“重试失败”。")
+             .arg(failed)
+             .arg(unregistered));
+}
+
+void tfhome::tell(const QString &problem)
+{
+    MessageBox::warning(this, problem);
+}
+
+void tfhome::retry(const QVector<int> &photoRows)
+{
+    const int row = orders_.rowOf(shownOrderId_);
+    if (!mayChange(row))
+        return;
+    QSet<int> among;
+    for (const int photoRow : photoRows)
+        among.insert(photos_.photo(photoRow).fileIndex);
+    const FilesToRetry files = filesToRetry(orders_.files(row), among);
+    if (files.failed.isEmpty() && files.unregistered.isEmpty() &&
+        orders_.order(row).folderRefusal.isEmpty()) {
+        Toast::show(this, QStringLiteral("没有失败的文件"));
+        return;
+    }
+    run_.registerAgain(row, files.unregistered, orderPanel_->identity());
+    if (!files.failed.isEmpty())
+        start({row}, files.failed);
+}
+
+// Deleting.
+
+void tfhome::deletePhotos(const QVector<int> &photoRows)
+{
+    QVector<PanelPhoto> chosen;
+    for (const int photoRow : photoRows)
+        chosen.append(photos_.photo(photoRow));
+    deleter_->deletePhotos(orders_.rowOf(shownOrderId_), chosen, orderPanel_->identity());
+}
+
+// Closing.
+
+FramelessWindow::CloseAnswer tfhome::closeRequested()
+{
+    if (run_.isBusy() &&
+        !agreedToClose(QStringLiteral("正在导片，关闭窗口会停止导片，确认要关闭吗？")))
+        return CloseAnswer::Refuse;
+    chooser_->cancel();
+    if (run_.isImporting())
+        run_.stop();
+    orderPanel_->abandon();
+    photoPanel_->thumbnails()->stop();
+    // What the service was asked and not yet answered.
+    if (run_.isBusy() || deleter_->isActive())
+        lastAnswers_.start();
+    return mayEnd() ? CloseAnswer::Close : CloseAnswer::CloseLater;
+}
+
+void tfhome::giveUpAnswers()
+{
+    qCWarning(lcTessavo) << "closed without an answer; not registered:"
+                         << run_.pendingRegistrations();
+    deleter_->cancel();
+    run_.cancelRegistrations();
+    endClosing();
+}
+
+bool tfhome::mayEnd() const
+{
+    return !run_.isBusy() && !run_.hasLiveWorkers() && !deleter_->isActive() &&
+           !photoPanel_->thumbnails()->isRunning();
+}
+
+void tfhome::endClosing()
+{
+    if (isClosingLater() && mayEnd())
+        finishClosing();
+}

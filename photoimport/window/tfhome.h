@@ -1,0 +1,87 @@
+#pragma once
+
+#include "files/sharedfolderopener.h"
+#include "photoimport/imported/tfphotolistmodel.h"
+#include "photoimport/orders/tforderlistmodel.h"
+#include "photoimport/run/photoimportrun.h"
+#include "widgets/windows/framelesswindow.h"
+
+#include <QElapsedTimer>
+#include <QTimer>
+#include <QVector>
+
+class LoadingOverlay;
+class tffilechooser;
+class tfhomeorders;
+class tfhomephotos;
+class tfimportbar;
+class tfphotodeleter;
+
+/// The window of the photo import: search orders, add photos or videos to them, import them in all
+/// their forms, tell the service, delete what was imported. What it decides lives in photorules,
+/// photoorder and the models; the pool does the work.
+class tfhome : public FramelessWindow
+{
+    Q_OBJECT
+
+public:
+    explicit tfhome(QWidget *parent = nullptr);
+    ~tfhome() override;
+
+protected:
+    CloseAnswer closeRequested() override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void buildLayout();
+    void connectOrders();
+    void connectPhotos();
+    void connectBar();
+    void connectRun();
+    void connectDeleter();
+
+    // Choosing.
+    void showSelectedOrder();
+    bool mayChange(int row);
+    void removeFiles(const QVector<int> &photoRows);
+    void choosePhotoMode(int mode);
+    void openFolder(int row);
+    void copyNumber(int row);
+
+    // Importing.
+    void startOrder(int row);
+    void startAll();
+    /// \a indexes: files of the one row; all of every row when empty.
+    void start(const QVector<int> &rows, const QVector<int> &indexes = {});
+    void startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes);
+    void retry(const QVector<int> &photoRows);
+    void refreshState();
+    void showFile(const OrderIdentity &orderId, int index);
+    void announceEnd(int failed, int unregistered);
+    void tell(const QString &problem);
+
+    // Deleting, closing.
+    void deletePhotos(const QVector<int> &photoRows);
+    void giveUpAnswers();
+    bool mayEnd() const;
+    void endClosing();
+
+    bool opened_ = false;
+    OrderIdentity shownOrderId_;
+
+    tforderlistmodel orders_;
+    tfphotolistmodel photos_;
+    PhotoImportRun run_;
+    SharedFolderOpener folderOpener_;
+    QTimer progressTimer_;
+    QTimer lastAnswers_; ///< runs once the window is closed
+    QElapsedTimer clock_;
+    TransferRate rate_;
+
+    tfhomeorders *orderPanel_;
+    tfhomephotos *photoPanel_;
+    tfimportbar *bar_;
+    LoadingOverlay *overlay_;
+    tffilechooser *chooser_;
+    tfphotodeleter *deleter_;
+};

@@ -1,0 +1,517 @@
+#include "fileimport/imported/photocell.h"
+#include "fileimport/imported/thumbnailtableview.h"
+#include "fileimport/window/importfiles.h"
+#include "fileimport/window/orderactionsdelegate.h"
+#include "tests/support/datarows.h"
+#include "tests/support/dropping.h"
+#include "tests/support/files.h"
+#include "tests/support/toolwindow.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+
+using Column = ImportOrderTableModel::Column;
+
+/// The import window against the demo service, by mouse and keys.
+class TestImportFiles : public ToolWindowTest<ImportFiles, ImportOrderTableModel::NumberColumn>
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        logIn();
+        card_ = std::make_unique<QTemporaryDir>();
+    }
+
+    void cleanup() { endTest(); }
+
+    void opensWithTheBranchsOrders()
+    {
+        open(0);
+        QCOMPARE(branchBox()->currentText(), "一店"_s);
+        const QJsonObject search = demo_.requests("order_list"_s).first().toObject();
+        QVERIFY(search.value("body"_s).toString().startsWith(
+            "keyword=&searchtype=1&ratio=90&shopid=101&eid=3101&superid=7001&personid=3101&token="_s));
+        QCOMPARE(text("TS10001-1"_s, Column::StateColumn), "未选择"_s);
+        QCOMPARE(text("TS10001-1"_s, Column::ChosenColumn), QString());
+        QCOMPARE(orders()->model()->columnCount(), 12);
+
+        select("TS10001-1"_s);
+        click(cell("TS10001-1"_s, Column::NumberColumn));
+        QCOMPARE(QGuiApplication::clipboard()->text(), "TS10001-1"_s);
+        QCOMPARE(Toast::currentText(window_), "订单号已复制"_s);
+    }
+
+    void searchesByEnter()
+    {
+        open(0);
+        const auto edits = searchBar()->findChildren<QLineEdit *>();
+        QLineEdit *keyword = *std::find_if(edits.begin(), edits.end(), [](const QLineEdit *edit) {
+            return edit->placeholderText() == "搜索订单号、姓名、电话..."_s;
+        });
+        QVERIFY(keyword->isVisible());
+        keyword->setFocus();
+        QTest::keyClicks(keyword, "TS10003"_s);
+        QTest::keyClick(keyword, Qt::Key_Return);
+        QTRY_COMPARE(orders()->model()->rowCount(), 1);
+        keyword->clear();
+        QTest::keyClicks(keyword, "nobody"_s);
+        QTest::keyClick(keyword, Qt::Key_Return);
+        EXPECT_BOXES("未检索到订单"_s);
+        QCOMPARE(orders()->model()->rowCount(), 0);
+    }
+
+    void imports()
+    {
+        open(0);
+        const QString first = "TS10001-1"_s;
+        const QString second = "TS10003-1"_s;
+        select(first);
+        const QStringList photos = makePhotos(6);
+        choose(first, photos);
+        choose(second, photos.mid(0, 2) + makePhotos(2, 500, "cr2"_s));
+        QCOMPARE(text(first, Column::StateColumn), "已选择"_s);
+        QVERIFY(!text(first, Column::PathColumn).isEmpty());
+        QCOMPARE(fileTable()->model()->rowCount(), 4); // pressing a row's button shows its files
+
+        QTest::keyClick(orders(), Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_BOXES("导入完成！"_s);
+        QCOMPARE(startButton()->text(), "开始全部导入"_s);
+        QCOMPARE(text(first, Column::StateColumn), "导入完成"_s);
+        QCOMPARE(text(first, Column::OriginalsColumn), "6"_s);
+        QCOMPARE(text(second, Column::OriginalsColumn), "2"_s);
+        QCOMPARE(text(second, Column::RawColumn), "2"_s);
+        QCOMPARE(fileTable()->model()->index(0, 1).data().toString(), "导入成功"_s);
+        QVERIFY(!window_->findChild<QWidget *>("progressLabel"_s)->isVisible());
+        auto *grid = window_->findChild<ThumbnailTableView *>();
+        QTRY_COMPARE(grid->count(), 4); // what was imported for the order shown
+        select(first);
+        QCOMPARE(grid->count(), 0); // at once nothing of the other order
+        QTRY_COMPARE(grid->count(), 6);
+        select(second);
+        QTRY_COMPARE(grid->count(), 4);
+        for (const int index : {0, 2, 3}) { // a raw file and both photos
+            QTRY_VERIFY(grid->cell(index));
+            QTest::mouseClick(grid->cell(index), Qt::LeftButton);
+        }
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        click("deletePhotosButton");
+        EXPECT_BOX_THAT(box.contains("3 个文件"_s));
+        QTRY_COMPARE(text(second, Column::OriginalsColumn), "0"_s);
+        QCOMPARE(text(second, Column::RawColumn), "1"_s);
+
+        // Sorted by another column, the rows still belong to their orders.
+        orders()->horizontalHeader()->setSortIndicator(Column::WomanColumn, Qt::DescendingOrder);
+        clickAction(first, OrderActionsDelegate::ClearFiles);
+        QCOMPARE(text(first, Column::ChosenColumn), "0"_s);
+        QCOMPARE(text(first, Column::StateColumn), "未选择"_s);
+        QCOMPARE(text(second, Column::ChosenColumn), "4"_s);
+    }
+
+    void retouchedPhotosTheCustomerDidNotChoose()
+    {
+        open(1);
+        const QString order = "TS10001-1"_s;
+        const QStringList photos = makePhotos(1);
+        FileDialog::setNextFiles(photos);
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        const QString question = "要上传的精修照片与客人选中的照片名不一致，确认要继续上传吗？\n"
+                                 "下列是不一致的照片：\nIMG_0.jpg"_s;
+        EXPECT_BOXES(question);
+        QCOMPARE(text(order, Column::ChosenColumn), "0"_s);
+
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        choose(order, photos);
+        EXPECT_BOXES(question);
+        click("startButton");
+        EXPECT_BOXES("导入完成！"_s);
+        QCOMPARE(text(order, Column::RetouchedColumn), "1"_s);
+        QVERIFY(demo_.body("savepicpath_batch"_s, 0).contains("&type=5&"_s));
+    }
+
+    void ordersWithoutAFolder()
+    {
+        demo_.changeOrder("50003"_s, {{"netpath"_s, "../photos"_s}});
+        open(0);
+        for (const auto action :
+             {OrderActionsDelegate::SelectFiles, OrderActionsDelegate::OpenFolder}) {
+            clickAction("TS10003-1"_s, action);
+            EXPECT_BOX_THAT(box.contains("TS10003-1"_s) && box.contains("../photos"_s));
+        }
+        FileDialog::setNextFiles(makePhotos(1));
+        clickAction("TS10006-1"_s, OrderActionsDelegate::SelectFiles);
+        EXPECT_BOX_THAT(box.startsWith("创建目录失败: "_s));
+
+        branchBox()->setCurrentIndex(2);
+        emit branchBox()->activated(2);
+        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 2);
+        QTRY_VERIFY(orders()->model()->rowCount() > 0);
+        QTRY_COMPARE(text("TS10009-1"_s, Column::PathColumn), QString());
+        clickAction("TS10009-1"_s, OrderActionsDelegate::SelectFiles);
+        EXPECT_BOX_THAT(box.startsWith("TS10009-1 "_s) &&
+                        box.endsWith(" 没有设置本地云导片路径, 请在后台设置本地云导片路径！"_s));
+    }
+
+    void startWithNothingChosenKeepsTheFlag()
+    {
+        open(0);
+        click("startButton");
+        QCOMPARE(MessageBox::takeShown().constFirst().title, "提示"_s);
+        QCOMPARE(startButton()->text(), "开始全部导入"_s);
+        clickAction("TS10001-1"_s, OrderActionsDelegate::SelectFiles);
+        clickAction("TS10001-1"_s, OrderActionsDelegate::ClearFiles);
+        EXPECT_BOXES("导片中..."_s, "导片中..."_s);
+        click("startButton");
+        choose("TS10001-1"_s, makePhotos(1));
+    }
+
+    void whileImportingNothingElseMayChange()
+    {
+        open(0);
+        demo_.hold("savepicpath_batch"_s);
+        choose("TS10001-1"_s, makePhotos(2));
+        click("startButton");
+        waitUntilHeld();
+        QCOMPARE(startButton()->text(), "停止导入"_s);
+        demo_.clearRequests();
+        clickAction("TS10001-1"_s, OrderActionsDelegate::SelectFiles);
+        window_->onSearchClick();
+        window_->onBranchSelectionChanged(1);
+        const QString importing = "导片中..."_s;
+        EXPECT_BOXES(importing, importing, importing);
+        QCOMPARE(branchBox()->currentText(), "一店"_s);
+        QCOMPARE(demo_.requests().size(), 0);
+        QVERIFY(window_->findChild<QWidget *>("progressLabel"_s)->isVisible());
+        demo_.release();
+        EXPECT_BOXES("导入完成！"_s);
+    }
+
+    void failedFilesAreRetriedByTheirButton()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        const QStringList photos = makePhotos(3);
+        select(order);
+        choose(order, photos);
+        QVERIFY(QFile::rename(photos.at(1), photos.at(1) + ".away"_s));
+        click("startButton");
+        EXPECT_BOXES("导入完成！"_s);
+        QCOMPARE(text(order, Column::StateColumn), "成功:2, 失败:1"_s);
+        QVERIFY(QFile::rename(photos.at(1) + ".away"_s, photos.at(1)));
+
+        demo_.hold("savepicpath_batch"_s);
+        for (const int row : {0, 1}) { // the first has none
+            const auto cell = fileTable()->model()->index(row, ImportFileTableModel::ActionColumn);
+            QTest::mouseClick(fileTable()->viewport(), Qt::LeftButton, {},
+                              fileTable()->visualRect(cell).center());
+        }
+        waitUntilHeld();
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        clickAction(order, OrderActionsDelegate::ClearFiles);
+        EXPECT_BOXES("导片中..."_s, "导片中..."_s);
+        demo_.release();
+        QTRY_COMPARE(text(order, Column::StateColumn), "导入完成"_s);
+        QTRY_COMPARE(text(order, Column::OriginalsColumn), "3"_s);
+        QCOMPARE(demo_.requests("savepicpath_batch"_s).size(), 2);
+    }
+
+    void dropsAddAndTheDialogReplaces()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        const auto drop = [&](const QString &path) {
+            return dropFiles(orders()->viewport(),
+                             orders()->visualRect(cell(order, Column::ManColumn)).center(), {path});
+        };
+        const QStringList photos = makePhotos(3);
+        makePhotos(1, 10, "txt"_s);
+        QVERIFY(drop(card_->path()));
+        QTRY_COMPARE(text(order, Column::ChosenColumn), "3"_s);
+        QCOMPARE(Toast::currentText(window_), "已忽略 1 个不支持的文件"_s);
+
+        const QTemporaryDir second;
+        QVERIFY(drop(second.path()));
+        EXPECT_BOXES("没有可以导入的文件，已选的文件保持不变。"_s);
+        writeFile(second.filePath("DSC_1.cr2"_s));
+        const UnreadableFolder unreadable(second.path());
+        if (!unreadable.path.isEmpty()) {
+            QVERIFY(drop(second.path()));
+            EXPECT_BOX_THAT(box.contains(unreadable.path));
+            QCOMPARE(text(order, Column::ChosenColumn), "3"_s);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+        }
+        QVERIFY(drop(second.path()));
+        QTRY_COMPARE(text(order, Column::ChosenColumn), "4"_s);
+        forgetBoxes();
+        QCOMPARE(fileTable()->model()->rowCount(), 4);
+        const QString twin = writeFile(second.filePath("img_0.JPG"_s));
+        QVERIFY(drop(twin));
+        EXPECT_BOX_THAT(box.contains(photos.first()) && box.contains(twin));
+        QCOMPARE(fileTable()->model()->rowCount(), 4);
+
+        FileDialog::setNextFiles(photos.mid(1));
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        EXPECT_BOX_THAT(box.contains(" 还有 2 个"_s));
+        QCOMPARE(text(order, Column::ChosenColumn), "4"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        choose(order, photos.mid(1));
+        EXPECT_BOX_THAT(box.contains(" 还有 2 个"_s));
+        QCOMPARE(fileTable()->model()->rowCount(), 2);
+    }
+
+    void clashingNamesAreNotTaken()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        QVERIFY(QDir(card_->path()).mkdir("other"_s));
+        const QStringList photos = makePhotos(1);
+        const QString twin = card_->filePath("other/img_0.JPG"_s);
+        QVERIFY(QFile::copy(photos.first(), twin));
+        FileDialog::setNextFiles({photos.first(), twin});
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        EXPECT_BOX_THAT(box.contains(photos.first()) && box.contains(twin));
+        QCOMPARE(text(order, Column::ChosenColumn), "0"_s);
+    }
+
+    void theLaterBranchSwitchWins()
+    {
+        open(0);
+        demo_.hold("switch_shop"_s);
+        demo_.clearRequests();
+        window_->onBranchSelectionChanged(2);
+        waitUntilHeld();
+        searchBar()->selectBranch("102"_s);
+        window_->onBranchSelectionChanged(1);
+        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 1);
+        demo_.release();
+        demo_.state();
+        QCOMPARE(branchBox()->currentText(), "二店"_s);
+        const QJsonObject search = demo_.requests("order_list"_s).last().toObject();
+        QVERIFY(search.value("body"_s).toString().contains("&shopid=102&eid=3102&superid=7002&"_s));
+        QCOMPARE(demo_.requests("order_list"_s).size(), 1);
+        QCOMPARE(AccountContext::selectedShopId, "102"_s);
+    }
+
+    void aSwitchThatFailedAtOpeningCanBeTriedAgain()
+    {
+        demo_.misbehave("switch_shop"_s, "drop"_s);
+        window_ = new ImportFiles;
+        window_->show();
+        QTRY_COMPARE(Toast::currentText(window_), "网络连接失败，请稍后重试"_s);
+        QCOMPARE(demo_.requests("order_list"_s).size(), 0);
+        window_->onSearchClick();
+        QTRY_VERIFY(orders()->model()->rowCount() > 0);
+    }
+
+    void aSwitchRefusedOrCancelledKeepsTheBranch()
+    {
+        open(0);
+        const int listed = orders()->model()->rowCount();
+        for (const bool refused : {true, false}) {
+            demo_.clearRequests();
+            demo_.misbehave("switch_shop"_s, refused ? "refuse"_s : "hold"_s,
+                            {{"message"_s, "分店已停用"_s}});
+            searchBar()->selectBranch("102"_s);
+            window_->onBranchSelectionChanged(1);
+            if (refused) {
+                EXPECT_BOXES("分店已停用"_s);
+            } else {
+                waitUntilHeld();
+                auto *overlay = orders()->findChild<LoadingOverlay *>();
+                QVERIFY(overlay->isVisible());
+                QTest::mouseClick(overlay->findChild<QPushButton *>(), Qt::LeftButton);
+                QVERIFY(!overlay->isVisible());
+                demo_.release();
+                demo_.state();
+            }
+            QCOMPARE(branchBox()->currentText(), "一店"_s);
+            QCOMPARE(AccountContext::selectedShopId, "101"_s);
+            QCOMPARE(orders()->model()->rowCount(), listed);
+            QCOMPARE(demo_.requests("order_list"_s).size(), 0);
+        }
+        window_->onSearchClick();
+        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 1);
+    }
+
+    void anotherBranchLeavesNothingBehind_data()
+    {
+        addColumns<QString>({"box"}); // of the search that fails after the switch
+        for (const char *kind : {"http-error", "drop", "hold"})
+            newRow(kind, QString());
+        newRow("refuse", "不行");
+        newRow("missing-fields", "未检索到订单");
+    }
+
+    void anotherBranchLeavesNothingBehind()
+    {
+        QFETCH(QString, box);
+        const QString kind = QLatin1String(QTest::currentDataTag());
+        open(0);
+        select("TS10001-1"_s);
+        choose("TS10001-1"_s, makePhotos(2));
+        demo_.clearRequests();
+        QStringList expected{"有 2 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？"_s};
+        chooseBranch("102"_s);
+        EXPECT_BOXES(expected);
+        QCOMPARE(branchBox()->currentText(), "一店"_s);
+        QCOMPARE(text("TS10001-1"_s, Column::ChosenColumn), "2"_s);
+        QVERIFY(demo_.requests().isEmpty());
+
+        demo_.misbehave("order_list"_s, kind, {{"message"_s, "不行"_s}});
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        chooseBranch("102"_s);
+        if (!box.isEmpty())
+            expected.append(box);
+        EXPECT_BOXES(expected);
+        if (kind == "hold"_s) {
+            waitUntilHeld();
+            QTest::mouseClick(orders()->findChild<LoadingOverlay *>()->findChild<QPushButton *>(),
+                              Qt::LeftButton);
+        }
+        QTRY_COMPARE(demo_.requests("order_list"_s).size(), 1);
+        QTRY_VERIFY(!searchBar()->isBusy());
+        QCOMPARE(branchBox()->currentText(), "二店"_s);
+        QCOMPARE(orders()->model()->rowCount(), 0);
+        QCOMPARE(fileTable()->model()->rowCount(), 0);
+        QCOMPARE(child<QLabel>("photoTitle")->text(), "已导入照片"_s);
+        click("startButton");
+        EXPECT_BOXES("没有订单可导入"_s);
+    }
+
+    void badSearchReplies_data()
+    {
+        addColumns<QString, QString>({"box", "toast"});
+        for (const char *kind : {"html", "http-error", "drop"})
+            newRow(kind, QString(), "网络连接失败，请稍后重试");
+        newRow("refuse", "不行", "");
+        newRow("missing-fields", "未检索到订单", "");
+        newRow("data-wrong-type", "未检索到订单", "");
+    }
+
+    void badSearchReplies()
+    {
+        QFETCH(QString, box);
+        QFETCH(QString, toast);
+        open(0);
+        const int listed = orders()->model()->rowCount();
+        demo_.misbehave("order_list"_s, QLatin1String(QTest::currentDataTag()),
+                        {{"message"_s, "不行"_s}});
+        window_->onSearchClick();
+        if (!box.isEmpty())
+            EXPECT_BOXES(box);
+        else
+            QTRY_COMPARE(Toast::currentText(window_), toast);
+        QCOMPARE(orders()->model()->rowCount(), listed);
+        QVERIFY(!searchBar()->isBusy());
+    }
+
+    void selectionSurvivesARefresh()
+    {
+        demo_.addOrders(60, "101"_s);
+        open(0);
+        orders()->horizontalHeader()->setSortIndicator(Column::NumberColumn, Qt::DescendingOrder);
+        select("TS10003-1"_s);
+        const int scrolled = orders()->verticalScrollBar()->maximum() - 1;
+        orders()->verticalScrollBar()->setValue(scrolled);
+        QSignalSpy refreshed(orders()->model(), &QAbstractItemModel::modelReset);
+        window_->onSearchClick();
+        QTRY_COMPARE(refreshed.size(), 1);
+        QCOMPARE(orders()->currentIndex().row(), cell("TS10003-1"_s, 0).row());
+        QCOMPARE(orders()->verticalScrollBar()->value(), scrolled);
+    }
+
+    void closingInMidCopyEndsThePool()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        choose(order, makePhotos(40, 2 * 1024 * 1024));
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        click("startButton");
+        QSignalSpy closed(window_, &FramelessWindow::closed);
+        window_->close();
+        QCOMPARE(closed.size(), 1);
+        QVERIFY(!window_ || !window_->isVisible());
+        QTRY_VERIFY(!window_);
+        QCOMPARE(demo_.requests("savepicpath_batch"_s).size(), 0);
+        // No temporary file is left behind, and what has its name is whole.
+        const QStringList files = filesBelow(demo_.share());
+        QVERIFY(files.filter(".part"_s).isEmpty());
+        const QStringList photos = files.filter("IMG_"_s);
+        for (const QString &photo : photos)
+            QCOMPARE(QFileInfo(demo_.share() + "/"_s + photo).size(), qint64(2 * 1024 * 1024));
+    }
+
+    void closingWhilePhotosAreFetched()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        choose(order, makePhotos(3));
+        demo_.hold("image"_s, 3);
+        click("startButton");
+        EXPECT_BOXES("导入完成！"_s);
+        waitUntilHeld(3);
+        demo_.hold("order_list"_s);
+        window_->onSearchClick(); // and its orders are searched
+        waitUntilHeld(4);
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        window_->close();
+        QTRY_VERIFY(!window_);
+        QCOMPARE(demo_.held(), 4); // nobody waited for them
+        demo_.release();
+        demo_.state();
+    }
+
+private:
+    QTableView *fileTable() { return child<QTableView>("fileTable"); }
+    QPushButton *startButton() { return child<QPushButton>("startButton"); }
+    QComboBox *branchBox() { return child<QComboBox>("branchBox"); }
+    void open(int mode)
+    {
+        auto *window = new ImportFiles;
+        window->setMode(mode);
+        show(window);
+    }
+
+    OrderSearchBar *searchBar() { return window_->findChild<OrderSearchBar *>(); }
+
+    void clickAction(const QString &displayNumber, OrderActionsDelegate::Action action)
+    {
+        const QModelIndex index = cell(displayNumber, Column::ActionsColumn);
+        orders()->scrollTo(index);
+        const QRect button = OrderActionsDelegate::buttonRect(orders()->visualRect(index), action);
+        QTest::mouseClick(orders()->viewport(), Qt::LeftButton, {}, button.center());
+    }
+
+    void choose(const QString &displayNumber, const QStringList &files)
+    {
+        FileDialog::setNextFiles(files);
+        clickAction(displayNumber, OrderActionsDelegate::SelectFiles);
+        QTRY_COMPARE(text(displayNumber, Column::ChosenColumn), QString::number(files.size()));
+    }
+
+    QStringList makePhotos(int count, int bytes = 1000, const QString &suffix = "jpg"_s)
+    {
+        QStringList paths;
+        for (int index = 0; index < count; ++index)
+            paths.append(writeFile(card_->filePath("IMG_%1.%2"_s.arg(index).arg(suffix)),
+                                   QByteArray(bytes, 'p')));
+        return paths;
+    }
+
+    std::unique_ptr<QTemporaryDir> card_;
+};
+
+QTEST_MAIN(TestImportFiles)
+#include "test_importfiles.moc"

@@ -1,0 +1,450 @@
+#include "app/context/k.h"
+#include "photoimport/imported/tfphotoview.h"
+#include "photoimport/window/tfhome.h"
+#include "photoimport/window/tfhomeorders_orderlistwidget.h"
+#include "platform/pathform.h"
+#include "tests/support/dropping.h"
+#include "tests/support/files.h"
+#include "tests/support/pictures.h"
+#include "tests/support/toolwindow.h"
+#include "widgets/boxes/filedialog.h"
+#include "widgets/orders/orderfinder.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/tables/tables.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QSemaphore>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <atomic>
+#include <memory>
+
+using Column = tforderlistmodel::Column;
+
+/// The photo import's window against the demo service, by mouse, keys and drops.
+class TestTfHome : public ToolWindowTest<tfhome, tforderlistmodel::NumberColumn>
+{
+    Q_OBJECT
+
+private slots:
+
+    void init()
+    {
+        logIn();
+        AccountContext::photoMode = 0;
+        card_ = std::make_unique<QTemporaryDir>();
+    }
+
+    void cleanup() { endTest(); }
+
+    void fitsNarrowScreens()
+    {
+        for (const auto &[scale, width] : {std::pair(1.0F, 1280), {1.5F, 1600}, {2.0F, 1920}}) {
+            delete window_;
+            K::uiScale = scale;
+            openWith(2);
+            window_->resize(width, 720);
+            K::uiScale = 1.0F;
+            QCOMPARE(window_->width(), width); // smaller than that it cannot be
+        }
+    }
+
+    void opensWithOrdersAndPersons()
+    {
+        open();
+        auto *persons = child<QComboBox>("personBox");
+        QTRY_VERIFY(persons->count() > 2);
+        const int everybody = orders()->model()->rowCount();
+        QVERIFY(demo_.body("order_list"_s, 0)
+                    .startsWith("keyword=&searchtype=1&role7id=&ratio=90&shopid=101&"_s));
+        persons->setFocus();
+        QTest::keyClick(persons, Qt::Key_Down);
+        QTRY_VERIFY(orders()->model()->rowCount() < everybody);
+        QCOMPARE(demo_.requests("order_list"_s).size(), 2);
+    }
+
+    void importsWhatIsDropped()
+    {
+        openWith(8);
+        QCOMPARE(Toast::currentText(window_), "已忽略 1 个不支持的文件"_s);
+        QCOMPARE(photos()->model()->rowCount(), 8);
+        QTRY_VERIFY(
+            !photos()->model()->index(5, 0).data(Qt::DecorationRole).value<QImage>().isNull());
+        orders()->setFocus();
+        QTest::keyClick(orders(), Qt::Key_Return);
+        EXPECT_BOXES(done_);
+        QCOMPARE(state(first_), "导片完成"_s);
+        for (const char *kind : {"all", "90", "190", "1920"})
+            QVERIFY(QFile::exists(imported(first_, "%1/IMG_5.jpg"_s.arg(QLatin1String(kind)))));
+        QCOMPARE(demo_.requests("savepicpath"_s).size(), 8);
+        QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 1);
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "8"_s);
+        QCOMPARE(photos()->model()->rowCount(), 8);
+    }
+
+    void filesOfOneNameAreNotTaken()
+    {
+        openWith(2);
+        QFile::copy(card_->filePath(first_ + "/IMG_0.jpg"_s), card_->filePath("img_0.JPG"_s));
+        // Chosen one by one, by the button: the clash is with what is listed already.
+        select(first_);
+        FileDialog::setNextFiles({card_->filePath("img_0.JPG"_s)});
+        click("addFilesButton");
+        EXPECT_BOX_THAT(box.contains(card_->filePath("img_0.JPG"_s)) &&
+                        box.contains(first_ + "/IMG_0.jpg"_s));
+        QCOMPARE(text(first_, Column::ChosenColumn), "2"_s);
+
+        // The same file again is no clash, and is not listed twice.
+        FileDialog::setNextFolder(card_->filePath(first_));
+        click("addFolderButton");
+        QTRY_VERIFY(Toast::currentText(window_).contains("2 个文件已在列表中"_s));
+        QCOMPARE(text(first_, Column::ChosenColumn), "2"_s);
+
+        photos()->selectAll();
+        pressAmongPhotos(Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(text(first_, Column::ChosenColumn), QString());
+    }
+
+    void refusedStartsChangeNothing()
+    {
+        const QString refusal = "没有权限"_s;
+        demo_.refuse("get_persons"_s, refusal);
+        open();
+        EXPECT_BOXES(refusal);
+        const QString blocked = "TS10006-1"_s; // a part of its folder's path is a file
+        dropPhotos(blocked, 1);
+        click("startOrderButton");
+        EXPECT_BOXES("导入路径无法访问并且无法创建，请检查局域网是否能连接\n\n"_s +
+                     text(blocked, Column::PathColumn));
+        QCOMPARE(state(blocked), "已选择"_s);
+        QVERIFY(child<QComboBox>("modeBox")->isEnabled());
+        // And nothing stands in the way of another order.
+        dropPhotos(first_, 1);
+        importShown();
+    }
+
+    void sharedFoldersAreAskedAbout()
+    {
+        QString folder = demo_.share();
+        folder.replace(QLatin1Char('/'), QLatin1Char('\\')).append("\\one"_s);
+        for (const char *order : {"50001", "50003"})
+            demo_.changeOrder(QLatin1String(order), {{"netpath"_s, folder}});
+        openWith(1);
+        click("startOrderButton");
+        EXPECT_BOX_THAT(box.contains(folder + "\n"_s + first_) && box.contains(second_));
+        QCOMPARE(state(first_), "已选择"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        click("startOrderButton");
+        QTRY_COMPARE(state(first_), "导片完成"_s);
+        QTRY_COMPARE(boxes().size(), 2);
+        forgetBoxes();
+    }
+
+    void anOrderIsNotQueuedTwice()
+    {
+        openWith(3);
+        demo_.hold("savepicpath"_s, 4); // as many as are sent at once
+        click("startOrderButton");
+        QCOMPARE(state(first_), "等待导片"_s);
+        for (const char *box : {"modeBox", "workerBox"}) {
+            QVERIFY(!child<QComboBox>(box)->isEnabled());
+            QVERIFY(child<QComboBox>(box)->toolTip().startsWith("导片进行中"_s));
+        }
+        click("startOrderButton");
+        QCOMPARE(Toast::currentText(window_), "该订单正在导片，请等待完成或先停止"_s);
+        // Searches and branches wait as well.
+        click("searchButton");
+        EXPECT_BOXES("导片中..."_s);
+        // Another order joins.
+        dropPhotos(second_, 2);
+        click("startOrderButton");
+        QTRY_COMPARE(state(second_), "导片完成"_s);
+        // What is being registered is not let go of, nor looked for among the videos.
+        QTRY_VERIFY(child<QComboBox>("workerBox")->isEnabled());
+        QVERIFY(!child<QComboBox>("modeBox")->isEnabled());
+        photos()->selectAll();
+        pressAmongPhotos(Qt::Key_Delete, Qt::ControlModifier);
+        QCOMPARE(text(second_, Column::ChosenColumn), "2"_s);
+        waitUntilHeld(4);
+        demo_.release();
+        EXPECT_BOXES(done_);
+        QTRY_COMPARE(text(second_, Column::ImportedColumn), "2"_s);
+        QCOMPARE(demo_.requests("savepicpath"_s).size(), 5);
+        QVERIFY(child<QComboBox>("modeBox")->isEnabled());
+    }
+
+    void stopsAndGoesOn()
+    {
+        openWith(6);
+        click("startButton");
+        click("pauseButton");
+        QCOMPARE(child<QPushButton>("pauseButton")->text(), "继续"_s);
+        QCOMPARE(child<QPushButton>("startButton")->text(), "停止导片"_s);
+        click("startButton");
+        QCOMPARE(child<QPushButton>("startButton")->text(), "全部开始"_s);
+        QCOMPARE(child<QPushButton>("pauseButton")->text(), "暂停"_s);
+        QVERIFY(state(first_) != "等待导片"_s);
+        auto *workers = child<QComboBox>("workerBox");
+        QTRY_VERIFY(workers->isEnabled());
+        QCOMPARE(workers->count(), 16);
+        workers->setFocus();
+        QTest::keyClick(workers, Qt::Key_End);
+        QTest::keyClick(window_, Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_BOXES(done_);
+        QCOMPARE(state(first_), "导片完成"_s);
+        QCOMPARE(QDir(imported(first_, "1920"_s)).entryList(QDir::Files).size(), 6);
+        click("startButton");
+        EXPECT_BOXES("请先为订单添加要导入的文件"_s);
+    }
+
+    void failedFilesAreRetried()
+    {
+        openWith(3);
+        const QString away = card_->filePath("away"_s);
+        const QString photo = card_->filePath(first_ + "/IMG_2.jpg"_s);
+        QVERIFY(QFile::rename(photo, away));
+        click("startOrderButton");
+        EXPECT_BOX_THAT(box.startsWith("导片结束，1 个文件失败，0 项未登记。"_s));
+        QCOMPARE(state(first_), "成功:2, 失败:1"_s);
+        const auto panel = photos()->model()->index(2, 0).data(tfphotolistmodel::PhotoRole);
+        QCOMPARE(panel.value<PanelPhoto>().file.failureText(),
+                 "原图拷贝失败；图片压缩失败 (目标尺寸: 90)；"
+                 "图片压缩失败 (目标尺寸: 190)；图片压缩失败 (目标尺寸: 1920)"_s);
+        demo_.clearRequests();
+        QVERIFY(QFile::rename(away, photo));
+        click("retryButton");
+        EXPECT_BOXES(done_);
+        QCOMPARE(state(first_), "导片完成"_s);
+        QCOMPARE(demo_.requests("savepicpath"_s).size(), 1); // the others are registered
+        click("retryButton");
+        QCOMPARE(Toast::currentText(window_), "没有失败的文件"_s);
+    }
+
+    void refusedRegistrationsAreRetried()
+    {
+        openWith(2);
+        demo_.refuse("savepicpath"_s, "稍后再试"_s);
+        demo_.refuse("saveorderphotopath"_s, "目录被占用"_s);
+        click("startOrderButton");
+        EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，2 项未登记。"_s));
+        QCOMPARE(state(first_), "未登记:1"_s);
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "1"_s);
+        click("retryButton");
+        QTRY_COMPARE(state(first_), "导片完成"_s);
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "2"_s);
+        QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 2);
+    }
+
+    void deletesAtTheServiceFirst()
+    {
+        openWith(3);
+        importShown();
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "3"_s);
+        const QString original = imported(first_, "all/IMG_0.jpg"_s);
+        photos()->setCurrentIndex(photos()->model()->index(1, 0));
+        const QString question = "确认要删除选中的 1 个文件吗？\n"
+                                 "服务和磁盘上的文件都会删除，不能恢复。"_s;
+
+        demo_.refuse("delimages"_s, "照片已锁定"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        pressAmongPhotos(Qt::Key_Delete);
+        EXPECT_BOXES(question, "照片已锁定"_s);
+        QVERIFY(QFile::exists(original));
+        {
+            const ordersatwork::Claim claim({OrderIdentity{"101"_s, "50001"_s, "800001"_s}},
+                                            "设计分件"_s);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+            pressAmongPhotos(Qt::Key_Delete);
+            EXPECT_BOXES(question,
+                         ordersatwork::refusal(
+                             first_ + u' ' + text(first_, Column::CustomersColumn), "设计分件"_s));
+            QCOMPARE(demo_.requests("delimages"_s).size(), 1);
+        }
+
+        pressAmongPhotos(Qt::Key_Delete); // and changes their mind
+        EXPECT_BOXES(question);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        pressAmongPhotos(Qt::Key_Delete);
+        EXPECT_BOXES(question);
+        QTRY_COMPARE(Toast::currentText(window_), "删除成功"_s);
+        QCOMPARE(photos()->model()->rowCount(), 2);
+        QCOMPARE(text(first_, Column::ImportedColumn), "2"_s);
+        for (const char *kind : {"all", "90", "190", "1920"}) {
+            const QDir folder(imported(first_, QLatin1String(kind)));
+            QTRY_COMPARE(folder.entryList(QDir::Files),
+                         (QStringList{"IMG_1.jpg"_s, "IMG_2.jpg"_s}));
+        }
+    }
+
+    void videosGoTheirOwnWay()
+    {
+        open();
+        auto *mode = child<QComboBox>("modeBox");
+        mode->setFocus();
+        QTest::keyClick(mode, Qt::Key_Down);
+        QCOMPARE(AccountContext::photoMode, 1);
+        writeFile(card_->filePath("A&B.mp4"_s), "frames");
+        select(second_);
+        const UnreadableFolder unreadable(card_->path());
+        if (!unreadable.path.isEmpty()) {
+            QVERIFY(dropFiles(photos()->viewport(), QPoint(40, 40), {card_->path()}));
+            EXPECT_BOX_THAT(box.contains(unreadable.path));
+            QCOMPARE(photos()->model()->rowCount(), 0);
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+        }
+        QVERIFY(dropFiles(photos()->viewport(), QPoint(40, 40), {card_->path()}));
+        QTRY_COMPARE(text(second_, Column::ChosenColumn), "1"_s);
+        forgetBoxes();
+        importShown();
+        QVERIFY(QFile::exists(imported(second_, "试拍视频/A&B.mp4"_s)));
+        QVERIFY(demo_.body("savepicpathmv"_s).contains("&type=2&photonames=A%26B.mp4"_s));
+        QTRY_COMPARE(text(second_, Column::ImportedColumn), "1"_s);
+        photos()->selectAll();
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        click("deleteButton");
+        QTRY_COMPARE(demo_.requests("delmv"_s).size(), 1);
+        QTRY_VERIFY(!QFile::exists(imported(second_, "试拍视频/A&B.mp4"_s)));
+        forgetBoxes();
+
+        mode->setFocus();
+        QTest::keyClick(mode, Qt::Key_Up);
+        QCOMPARE(text(second_, Column::ChosenColumn), QString());
+    }
+
+    void unfinishedOrdersSurviveASearch()
+    {
+        openWith(2);
+        auto *keyword = child<QLineEdit>("keywordEdit");
+        keyword->setText("TS10003"_s);
+        QTest::keyClick(keyword, Qt::Key_Return);
+        QTRY_COMPARE(orders()->model()->rowCount(), 2);
+        QCOMPARE(text(first_, Column::ChosenColumn), "2"_s);
+
+        // Another branch would drop them: asked first.
+        auto *branches = child<QComboBox>("branchBox");
+        branches->setFocus();
+        QTest::keyClick(branches, Qt::Key_Down);
+        EXPECT_BOX_THAT(box.startsWith("切换分店会清空"_s));
+        QCOMPARE(branches->currentText(), "一店"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        QTest::keyClick(branches, Qt::Key_Down);
+        QTRY_VERIFY(orders()->model()->rowCount() > 2);
+        QVERIFY(orders()->model()->index(0, Column::NumberColumn).data() != first_);
+        forgetBoxes();
+    }
+
+    void aLaterRefreshIsNotUndoneByAnEarlier()
+    {
+        if (QThread::idealThreadCount() < 2)
+            QSKIP("Lists are read one after the other here.");
+        QWidget window;
+        BranchSession branch;
+        auto *table = new EmptyStateTable(&window);
+        OrderFinder finder(
+            &window, {&branch, new OrderSearchBar(&window), table, new LoadingOverlay(table)});
+        const auto slow = std::make_shared<QSemaphore>();
+        const auto goOn = qScopeGuard([slow] { slow->release(); });
+        const auto reads = std::make_shared<std::atomic<int>>(0);
+        QVector<int> taken;
+        finder.setReader(
+            [slow, reads](const QJsonObject &, const orderqueries::SearchedBranch &) {
+                const int number = ++*reads;
+                if (number == 1)
+                    slow->acquire();
+                return orderqueries::OrderList<int>{true, 1, {number}, {}};
+            },
+            [&](const orderqueries::OrderList<int> &list, OrderFinder::Search) {
+                taken += list.orders;
+            });
+        QSignalSpy switched(&finder, &OrderFinder::branchSwitched);
+        finder.open();
+        QTRY_COMPARE(switched.size(), 1);
+        QVERIFY(finder.refresh());
+        QTRY_COMPARE(reads->load(), 1);
+        QVERIFY(finder.refresh());
+        QTRY_COMPARE(taken, QVector<int>{2});
+        slow->release();
+        QVERIFY(processorPool().waitForDone());
+        QCoreApplication::processEvents();
+        QCOMPARE(taken, QVector<int>{2});
+    }
+
+    void closesInMidRun()
+    {
+        openWith(8);
+        demo_.hold("savepicpath"_s);
+        click("startOrderButton");
+        waitUntilHeld();
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        const QString question = "正在导片，关闭窗口会停止导片，确认要关闭吗？"_s;
+        window_->close(); // the safe answer keeps it open
+        EXPECT_BOXES(question);
+        QVERIFY(window_->isVisible());
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        window_->close();
+        EXPECT_BOXES(question);
+        QVERIFY(!window_->isVisible());
+        QVERIFY(window_); // the photos that are imported are still to be registered
+        demo_.release();
+        QTRY_VERIFY(!window_);
+    }
+
+private:
+    void open() { show(new tfhome); }
+    void importShown()
+    {
+        click("startOrderButton");
+        EXPECT_BOXES(done_);
+    }
+    void pressAmongPhotos(Qt::Key key, Qt::KeyboardModifier modifier = Qt::NoModifier)
+    {
+        photos()->setFocus();
+        QTest::keyClick(photos(), key, modifier);
+    }
+    void openWith(int photos)
+    {
+        open();
+        dropPhotos(first_, photos);
+    }
+
+    tfphotoview *photos() { return child<tfphotoview>("photoView"); }
+
+    /// Makes pictures on the card and drops the card onto the order.
+    void dropPhotos(const QString &number, int count)
+    {
+        const QDir folder(card_->filePath(number));
+        QDir().mkpath(folder.filePath("deep"_s));
+        for (int index = 0; index < count; ++index) {
+            writeFile(
+                folder.filePath("%1IMG_%2.jpg"_s.arg(index % 2 ? "deep/"_s : QString()).arg(index)),
+                jpegOf(cornerPicture({120, 80}), 1 + index % 8));
+        }
+        writeFile(folder.filePath("notes.txt"_s));
+        const QModelIndex index = cell(number, 0);
+        orders()->scrollTo(index);
+        QVERIFY(
+            dropFiles(orders()->viewport(), orders()->visualRect(index).center(), {folder.path()}));
+        QTRY_COMPARE(text(number, Column::ChosenColumn), QString::number(count));
+    }
+
+    QString imported(const QString &number, const QString &path)
+    {
+        return platform::toLocalPath(text(number, Column::PathColumn)) + QLatin1Char('/') + path;
+    }
+
+    QString state(const QString &number) { return text(number, Column::StateColumn); }
+
+    std::unique_ptr<QTemporaryDir> card_;
+    const QString done_ = "导片完成！"_s;
+    const QString first_ = "TS10001-1"_s;
+    const QString second_ = "TS10003-1"_s;
+};
+
+QTEST_MAIN(TestTfHome)
+#include "test_tfhome.moc"

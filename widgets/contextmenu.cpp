@@ -1,8 +1,0 @@
-#include "widgets/contextmenu.h"
-
-#include "widgets/theme.h"
-
-ContextMenu::ContextMenu(QWidget *parent) : QMenu(parent)
-{
-    setStyleSheet(theme::menuStyle());
-}
