@@ -11,6 +11,7 @@ namespace {
 
 constexpr int filesAtOnce = 4;
 constexpr int stopPatienceMs = 5000;
+constexpr int answerPatienceMs = 10000;
 
 void tellPoolIsSlow()
 {
@@ -26,6 +27,9 @@ OriginalDeletion::OriginalDeletion(DeleteFileRunnable::RemoveFunction remove, QO
     , pool_(QStringLiteral("photo-deletion"), filesAtOnce)
 {
     qRegisterMetaType<DeleteFileResult>();
+    answerTimer_.setSingleShot(true);
+    answerTimer_.setInterval(answerPatienceMs);
+    connect(&answerTimer_, &QTimer::timeout, this, &OriginalDeletion::giveUpAnswer);
 }
 
 OriginalDeletion::~OriginalDeletion()
@@ -42,10 +46,11 @@ OriginalDeletion::~OriginalDeletion()
 bool OriginalDeletion::start(const originalrequests::OrderMap &order,
                              const QVector<PhotoEntry> &entries, const QVector<ImportOrder> &listed)
 {
-    if (busy_)
+    if (isBusy())
         return false;
-    busy_ = true;
+    phase_ = Phase::Planning;
     summary_ = {};
+    left_.clear();
     resultText_.clear();
     total_ = 0;
     stopped_ = StopFlag();
@@ -63,39 +68,53 @@ void OriginalDeletion::submit(const originalrequests::OrderMap &order,
     for (const PhotoEntry &entry : entries)
         ids.append(entry.id);
     const QString now = QString::number(QDateTime::currentMSecsSinceEpoch());
-    call_.start(originalrequests::deleteAction, originalrequests::deleteBody(order, ids, now),
-                [this, entries, place](const ServiceReply &reply) {
-                    if (reply.isSuccess()) {
-                        onAgreed(entries, place);
-                        return;
-                    }
-                    busy_ = false;
-                    const QPointer<OriginalDeletion> alive(this); // boxes may be shown meanwhile
-                    emit submitFailed(reply);
-                    if (alive)
-                        emit ended();
-                });
+    phase_ = Phase::Submitted;
+    call_.start(
+        originalrequests::deleteAction, originalrequests::deleteBody(order, ids, now),
+        [this, entries, place](const ServiceReply &reply) { onReply(reply, entries, place); });
+}
+
+void OriginalDeletion::onReply(const ServiceReply &reply, const QVector<PhotoEntry> &entries,
+                               const PhotoPlace &place)
+{
+    answerTimer_.stop();
+    if (reply.isSuccess()) {
+        onAgreed(entries, place);
+        return;
+    }
+    const QPointer<OriginalDeletion> alive(this);
+    emit submitFailed(reply);
+    if (alive && reply.outcome == ServiceReply::Outcome::NoAnswer)
+        emit unanswered();
+    if (alive)
+        end();
 }
 
 void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries, const PhotoPlace &place)
 {
+    phase_ = Phase::Removing;
     total_ = entries.size();
     emit progressed(0, total_);
     qDebug() << "开始删除" << total_ << "个文件";
-    for (const PhotoEntry &entry : entries) {
-        const auto task = std::make_shared<DeleteFileRunnable>(entry, place, stopped_, remove_);
-        connect(task.get(), &DeleteFileRunnable::deleteFinished, this,
-                &OriginalDeletion::onDeleteFinished, Qt::QueuedConnection);
+    for (int position = 0; position < total_; ++position) {
+        const auto task =
+            std::make_shared<DeleteFileRunnable>(entries.at(position), place, stopped_, remove_);
+        connect(
+            task.get(), &DeleteFileRunnable::deleteFinished, this,
+            [this, position](const DeleteFileResult &result) {
+                onDeleteFinished(position, result);
+            },
+            Qt::QueuedConnection);
         pool_.start(task);
     }
 }
 
-void OriginalDeletion::onDeleteFinished(const DeleteFileResult &result)
+void OriginalDeletion::onDeleteFinished(int position, const DeleteFileResult &result)
 {
     ++(result.success ? summary_.succeeded : summary_.failed);
     resultText_ += QLatin1Char('\n') + result.message;
     if (!result.message.isEmpty())
-        summary_.messages.append(result.message);
+        left_.insert(position, result);
     const int done = summary_.succeeded + summary_.failed;
     emit progressed(done, total_);
     if (done == total_)
@@ -106,30 +125,59 @@ void OriginalDeletion::finish()
 {
     qDebug() << "删除完成 - 成功:" << summary_.succeeded << " 失败:" << summary_.failed;
     qDebug() << "删除失败的信息:" << resultText_;
-    busy_ = false;
+    for (const DeleteFileResult &left : qAsConst(left_))
+        summary_.left.append(left);
     const OriginalDeletionSummary summary = summary_;
-    const QPointer<OriginalDeletion> alive(this); // boxes may be shown meanwhile
+    const QPointer<OriginalDeletion> alive(this);
     emit finished(summary);
     if (alive)
-        emit ended();
+        end();
+}
+
+void OriginalDeletion::end()
+{
+    phase_ = Phase::Idle;
+    emit ended();
+}
+
+void OriginalDeletion::cancel()
+{
+    if (phase_ == Phase::Planning) {
+        planning_.abandon();
+        end();
+    } else if (phase_ == Phase::Submitted) {
+        giveUpAnswer();
+    }
+}
+
+void OriginalDeletion::giveUpAnswer()
+{
+    answerTimer_.stop();
+    call_.cancel();
+    const QPointer<OriginalDeletion> alive(this);
+    emit unanswered();
+    if (alive)
+        end();
 }
 
 void OriginalDeletion::stop()
 {
-    if (!busy_)
-        return;
     stopped_.raise();
-    const int done = summary_.succeeded + summary_.failed;
-    if (done < total_) {
+    switch (phase_) {
+    case Phase::Idle:
+        break;
+    case Phase::Planning:
+        cancel();
+        break;
+    case Phase::Submitted:
+        answerTimer_.start();
+        break;
+    case Phase::Removing:
         // The tasks answer, those that had not begun at once; the last answer ends it.
         QTimer::singleShot(stopPatienceMs, this, [this] {
-            if (busy_)
+            if (isBusy())
                 tellPoolIsSlow();
         });
-        return;
+        break;
     }
-    planning_.abandon();
-    call_.cancel();
-    busy_ = false;
-    emit ended();
 }

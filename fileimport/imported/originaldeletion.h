@@ -7,17 +7,20 @@
 #include "tasks/latest.h"
 #include "tasks/workerpool.h"
 
+#include <QMap>
 #include <QObject>
 #include <QString>
-#include <QStringList>
+#include <QTimer>
 #include <QVector>
 
-/// How a deletion ended.
+/// How a deletion ended that the service had agreed to.
 struct OriginalDeletionSummary
 {
     int succeeded = 0;
     int failed = 0;
-    QStringList messages; ///< what is left to be deleted by hand, and why
+    /// What is left to be deleted by hand, and why: in the order of the entries, however the
+    /// threads got on.
+    QVector<DeleteFileResult> left;
 };
 Q_DECLARE_METATYPE(OriginalDeletionSummary)
 
@@ -40,32 +43,49 @@ public:
     /// place among the \a listed ones is touched; the service is asked to forget all \a entries.
     bool start(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
                const QVector<ImportOrder> &listed = {});
-    /// What has not begun is left; the request is abandoned.
+    /// As long as the service has not answered: nothing is touched on disk any more. What it was
+    /// asked already it may do all the same, see unanswered().
+    void cancel();
+    /// For the end of the window. What has not begun is left; the answer to a request that is out
+    /// is waited for, but not for ever.
     void stop();
-    bool isBusy() const { return busy_; }
+    bool isBusy() const { return phase_ != Phase::Idle; }
+
+    /// How long stop() waits for the answer, ms.
+    void setPatience(int ms) { answerTimer_.setInterval(ms); }
 
 signals:
-    /// The service did not agree; nothing was touched.
+    /// The service did not agree, or did not answer; nothing was touched on disk.
     void submitFailed(const ServiceReply &reply);
+    /// Nobody knows whether the service has forgotten the photos; their files are untouched.
+    void unanswered();
     void progressed(int done, int total);
     void finished(const OriginalDeletionSummary &summary);
     /// Not busy any more, for whatever reason; after the other signals.
     void ended();
 
 private:
+    enum class Phase { Idle, Planning, Submitted, Removing };
+
     void submit(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
                 const PhotoPlace &place);
+    void onReply(const ServiceReply &reply, const QVector<PhotoEntry> &entries,
+                 const PhotoPlace &place);
     void onAgreed(const QVector<PhotoEntry> &entries, const PhotoPlace &place);
-    void onDeleteFinished(const DeleteFileResult &result);
+    void onDeleteFinished(int position, const DeleteFileResult &result);
     void finish();
+    void giveUpAnswer();
+    void end();
 
     DeleteFileRunnable::RemoveFunction remove_;
     StopFlag stopped_;
     LatestCall call_;
     WorkerPool pool_;
-    bool busy_ = false;
+    Phase phase_ = Phase::Idle;
     Latest planning_;
+    QTimer answerTimer_;
     int total_ = 0;
     OriginalDeletionSummary summary_;
+    QMap<int, DeleteFileResult> left_; ///< by the entry's position
     QString resultText_;
 };

@@ -5,6 +5,7 @@
 #include "look/colours.h"
 #include "tasks/background.h"
 #include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/folderaction.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
@@ -21,6 +22,7 @@
 #include <QTextDocument>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -74,22 +76,21 @@ OriginalView::OriginalView(QWidget *parent)
     connect(clearButton_, &QPushButton::clicked, grid_, &ThumbnailTableView::clearSelection);
     connect(deleteButton_, &QPushButton::clicked, this, &OriginalView::deleteSelected);
     connect(grid_, &ThumbnailTableView::selectedCountChanged, this, &OriginalView::showCount);
-    connect(overlay_, &LoadingOverlay::cancelled, this, &OriginalView::abandonListing);
+    connect(overlay_, &LoadingOverlay::cancelled, this,
+            [this] { ready_ ? abandonListing() : cancelDeletion(); });
     connect(&deletion_, &OriginalDeletion::progressed, this, [this](int done, int total) {
-        overlay_->setText(QStringLiteral("正在删除 %1/%2...").arg(done).arg(total));
+        const QString text = QStringLiteral("正在删除 %1/%2...").arg(done).arg(total);
+        if (done == 0)
+            overlay_->showText(text, false);
+        else
+            overlay_->setText(text);
         overlay_->setProgress(done, total);
     });
     connect(&deletion_, &OriginalDeletion::submitFailed, this, &OriginalView::onSubmitFailed);
+    connect(&deletion_, &OriginalDeletion::unanswered, this, &OriginalView::onUnanswered);
     connect(&deletion_, &OriginalDeletion::finished, this, &OriginalView::onDeleted);
-    const auto tellWhenStopped = [this] {
-        if (stopping_ && isStopped())
-            emit stopped();
-    };
-    connect(&deletion_, &OriginalDeletion::ended, this, [this, tellWhenStopped] {
-        claim_.release();
-        tellWhenStopped();
-    });
-    connect(grid_, &ThumbnailTableView::stopped, this, tellWhenStopped);
+    connect(&deletion_, &OriginalDeletion::ended, this, &OriginalView::onDeletionEnded);
+    connect(grid_, &ThumbnailTableView::stopped, this, &OriginalView::tellWhenStopped);
     setOrder({});
 }
 
@@ -218,6 +219,7 @@ void OriginalView::showListing(const QVector<PhotoEntry> &entries)
             return entry.kind == PhotoEntry::Kind::RawFile;
         });
     emit listed(entries.size() - int(rawFiles), int(rawFiles));
+    tellForgotten(entries);
 }
 
 void OriginalView::abandonListing()
@@ -305,8 +307,17 @@ void OriginalView::startDeletion(const originalrequests::OrderMap &order,
     }
     abandonListing();
     ready_ = false;
-    overlay_->showText(QStringLiteral("提交删除数据中..."), false);
+    deletedFrom_ = order;
+    deleted_ = deletable;
+    overlay_->showText(QStringLiteral("提交删除数据中..."));
     deletion_.start(order, deletable, listed_());
+}
+
+void OriginalView::cancelDeletion()
+{
+    overlay_->hideOverlay();
+    listingDue_ = true;
+    deletion_.cancel();
 }
 
 void OriginalView::onSubmitFailed(const ServiceReply &reply)
@@ -315,15 +326,26 @@ void OriginalView::onSubmitFailed(const ServiceReply &reply)
         reply.outcome == ServiceReply::Outcome::Refused && !reply.message.isEmpty();
     overlay_->showResult(saysWhy ? reply.message : QStringLiteral("提交数据失败"),
                          LoadingOverlay::Result::Failure, resultMs);
-    ready_ = true;
-    if (listingDue_)
-        requestListing();
     if (reply.outcome == ServiceReply::Outcome::CertificateRefused && !stopping_)
         showCertificateRefused(this, reply.message);
 }
 
+void OriginalView::onUnanswered()
+{
+    doubts_.add(originalrequests::identityOf(deletedFrom_), deleted_);
+    listingDue_ = true;
+    QVector<DeleteFileResult> untouched;
+    for (const PhotoEntry &entry : qAsConst(deleted_))
+        untouched.append({false, {}, entry});
+    tellLeft(QStringLiteral("订单 %1 的删除请求没有得到答复，服务端是否已经删除尚不确定。\n"
+                            "磁盘上的文件没有删除。请刷新照片列表核对以下照片：")
+                 .arg(originalrequests::numberOf(deletedFrom_)),
+             untouched, deletedFrom_.value(QStringLiteral("importpath")));
+}
+
 void OriginalView::onDeleted(const OriginalDeletionSummary &summary)
 {
+    doubts_.settle(originalrequests::identityOf(deletedFrom_), deleted_);
     if (summary.succeeded > 0) {
         overlay_->showResult(QStringLiteral("删除完成！"), LoadingOverlay::Result::Success,
                              resultMs);
@@ -331,18 +353,73 @@ void OriginalView::onDeleted(const OriginalDeletionSummary &summary)
         overlay_->showResult(QStringLiteral("删除失败!"), LoadingOverlay::Result::Failure,
                              resultMs);
     }
-    ready_ = true;
-    if (!summary.messages.isEmpty() && !stopping_) {
-        MessageBox::warning(
-            this, {QStringLiteral("本地文件删除失败，请检查手动删除以下照片！"), summary.messages});
+    listingDue_ = true;
+    if (!summary.left.isEmpty()) {
+        tellLeft(QStringLiteral("本地文件删除失败，请检查手动删除以下照片！"), summary.left,
+                 deletedFrom_.value(QStringLiteral("importpath")));
     }
-    requestListing();
+}
+
+void OriginalView::onDeletionEnded()
+{
+    ready_ = true;
+    claim_.release();
+    if (listingDue_)
+        requestListing();
+    tellWhenStopped();
+}
+
+/// An unanswered deletion may have gone through at the service all the same.
+void OriginalView::tellForgotten(const QVector<PhotoEntry> &listing)
+{
+    QVector<DeleteFileResult> forgotten;
+    const auto entries = doubts_.takeForgotten(originalrequests::identityOf(order_), listing);
+    for (const PhotoEntry &entry : entries)
+        forgotten.append({false, {}, entry});
+    if (forgotten.isEmpty())
+        return;
+    tellLeft(QStringLiteral("服务端已经没有以下照片，磁盘上的文件没有删除，请检查手动删除："),
+             forgotten, order_.value(QStringLiteral("importpath")));
+}
+
+void OriginalView::tellLeft(const QString &heading, const QVector<DeleteFileResult> &left,
+                            const QString &importPath)
+{
+    const BoxText text = BoxText(heading, leftphotos::lines(left)).copyable();
+    const QString folder = leftphotos::folderToShow(left, importPath);
+    tell(folder.isEmpty() ? text : text.withAction(openFolderAction(folder)));
+}
+
+/// What is left on disk must not be lost with the window: its boxes are answered unread when it
+/// closes.
+void OriginalView::tell(const BoxText &text)
+{
+    if (stopping_) {
+        MessageBox::warning(nullptr, text);
+        return;
+    }
+    unread_.append(text);
+    MessageBox::warning(this, text, QMessageBox::Ok, [this](QMessageBox::StandardButton) {
+        if (!unread_.isEmpty())
+            unread_.removeFirst();
+    });
+}
+
+QString OriginalView::closeQuestion() const
+{
+    if (!deletion_.isBusy())
+        return {};
+    return QStringLiteral("正在删除已导入的照片，关闭窗口会停止删除，"
+                          "没有删除的文件会留在磁盘上并列出。确认要关闭吗？");
 }
 
 void OriginalView::stop()
 {
     stopping_ = true;
     abandonListing();
+    const auto unread = std::exchange(unread_, {});
+    for (const BoxText &text : unread)
+        MessageBox::warning(nullptr, text);
     grid_->stop();
     deletion_.stop();
 }
@@ -350,4 +427,10 @@ void OriginalView::stop()
 bool OriginalView::isStopped() const
 {
     return grid_->isStopped() && !deletion_.isBusy();
+}
+
+void OriginalView::tellWhenStopped()
+{
+    if (stopping_ && isStopped())
+        emit stopped();
 }

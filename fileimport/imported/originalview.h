@@ -1,10 +1,12 @@
 #pragma once
 
+#include "fileimport/imported/leftphotos.h"
 #include "fileimport/imported/originaldeletion.h"
 #include "fileimport/imported/originalrequests.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
+#include "widgets/boxes/boxtext.h"
 
 #include <QString>
 #include <QVector>
@@ -43,9 +45,15 @@ public:
     void requestListing();
     void deleteSelected();
 
-    /// Ends what is going on, without waiting. No box is shown any more.
+    /// What to ask before the window closes; empty while no deletion is under way.
+    QString closeQuestion() const;
+    /// Ends what is going on, without waiting for it. Of a deletion that means: what the service
+    /// has agreed to and is not removed yet stays on disk, and the user is told, in a box that
+    /// outlives the window.
     void stop();
     bool isStopped() const;
+    /// How long a closing window waits for the service's answer to a deletion, ms.
+    void setPatience(int ms) { deletion_.setPatience(ms); }
 
 signals:
     /// The service has listed the shown order's photos; how many of which kind.
@@ -67,20 +75,32 @@ private:
     QVector<PhotoEntry> selectedEntries() const;
     void startDeletion(const originalrequests::OrderMap &order,
                        const QVector<PhotoEntry> &deletable);
+    void cancelDeletion();
     void onSubmitFailed(const ServiceReply &reply);
+    void onUnanswered();
     void onDeleted(const OriginalDeletionSummary &summary);
+    void onDeletionEnded();
+    void tellForgotten(const QVector<PhotoEntry> &listing);
+    void tellLeft(const QString &heading, const QVector<DeleteFileResult> &left,
+                  const QString &importPath);
+    void tell(const BoxText &text);
+    void tellWhenStopped();
 
     originalrequests::OrderMap order_;
     std::function<QVector<ImportOrder>()> listed_ = [] { return QVector<ImportOrder>(); };
     QString lastTimestamp_;   ///< of the latest listing request
     bool refreshing_ = false; ///< the overlay tells of a refresh
     bool ready_ = true;       ///< no deletion is under way
-    bool listingDue_ = false; ///< was asked for during a deletion
+    bool listingDue_ = false; ///< when the deletion has ended
     bool stopping_ = false;
     LatestCall listing_;
     Latest reading_; ///< of its reply
     OriginalDeletion deletion_;
     ordersatwork::Claim claim_; ///< on the order that it deletes from
+    originalrequests::OrderMap deletedFrom_;
+    QVector<PhotoEntry> deleted_; ///< the latest deletion's
+    DeletionDoubts doubts_;
+    QVector<BoxText> unread_; ///< boxes that the user has not closed yet
 
     QLabel *title_;
     QLabel *count_;

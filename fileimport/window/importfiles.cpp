@@ -202,6 +202,9 @@ void ImportFiles::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
+    const QString question = photos_ ? photos_->closeQuestion() : QString();
+    if (!question.isEmpty() && !agreedToClose(question))
+        return CloseAnswer::Refuse;
     finder_->cancel();
     chooser_->cancel();
     if (run_->isBusy())

@@ -53,6 +53,21 @@ BoxText BoxText::rich(const QString &html, const std::function<QString()> &whole
     return text;
 }
 
+BoxText BoxText::copyable() const
+{
+    BoxText text = *this;
+    if (!text.whole)
+        text.whole = [all = shown] { return all; };
+    return text;
+}
+
+BoxText BoxText::withAction(const BoxAction &action) const
+{
+    BoxText text = *this;
+    text.actions.append(action);
+    return text;
+}
+
 QString BoxText::countLine(int count)
 {
     return QStringLiteral("… 共 %1 条").arg(count);

@@ -6,6 +6,16 @@
 
 #include <functional>
 
+class QWidget;
+
+/// Something to do from within a box, by a button beside those that answer; the box stays. \a act
+/// gets the box, and whatever goes on longer must not need it.
+struct BoxAction
+{
+    QString text;
+    std::function<void(QWidget *box)> act;
+};
+
 /// What a box says. However much that is, only as much is shown as a user reads and a box lays out
 /// at once; the box offers the whole for the clipboard then. Values and pure functions.
 struct BoxText
@@ -47,12 +57,18 @@ struct BoxText
     /// Rich text as it stands; \a whole for the clipboard when it is not all.
     static BoxText rich(const QString &html, const std::function<QString()> &whole = nullptr);
 
+    /// The same text, offered for the clipboard however short it is.
+    BoxText copyable() const;
+    /// The same text with a button for \a action.
+    BoxText withAction(const BoxAction &action) const;
+
     /// The last line of a list of \a count of which not all are shown.
     static QString countLine(int count);
 
     QString shown;
     Qt::TextFormat format = Qt::PlainText;
     std::function<QString()> whole; ///< empty when \a shown is all; runs on any thread
+    QVector<BoxAction> actions;
 
 private:
     BoxText(QString shownText, std::nullptr_t);

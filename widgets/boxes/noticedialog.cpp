@@ -142,6 +142,8 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *p
     content->addLayout(row);
     if (text.whole)
         addCopyButton(row, text.whole);
+    for (const BoxAction &action : text.actions)
+        addAction(row, action);
     setTabOrder(choices_.last().button, titleBar->closeButton());
 }
 
@@ -207,16 +209,29 @@ QHBoxLayout *NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
 
 void NoticeDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole)
 {
-    auto *copy = new QPushButton(QStringLiteral("复制"), this);
+    QPushButton *copy = addBesides(row, QStringLiteral("复制"));
     copy->setObjectName(QStringLiteral("copyButton"));
-    copy->setAutoDefault(false);
-    row->insertWidget(0, copy);
     connect(copy, &QPushButton::clicked, this, [this, whole] {
         onProcessor(this, whole, [this](const QString &text) {
             QGuiApplication::clipboard()->setText(text);
             Toast::show(this, QStringLiteral("已复制全部内容"));
         });
     });
+}
+
+void NoticeDialog::addAction(QHBoxLayout *row, const BoxAction &action)
+{
+    QPushButton *button = addBesides(row, action.text);
+    connect(button, &QPushButton::clicked, this, [this, act = action.act] { act(this); });
+}
+
+/// A button that answers nothing.
+QPushButton *NoticeDialog::addBesides(QHBoxLayout *row, const QString &text)
+{
+    auto *button = new QPushButton(text, this);
+    button->setAutoDefault(false);
+    row->insertWidget(0, button);
+    return button;
 }
 
 void NoticeDialog::setDefaultButton(QMessageBox::StandardButton which)

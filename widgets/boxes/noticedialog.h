@@ -42,6 +42,8 @@ private:
     QAbstractScrollArea *textArea(const QString &text, Qt::TextFormat format);
     QHBoxLayout *addButtons(QMessageBox::StandardButtons buttons);
     void addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole);
+    void addAction(QHBoxLayout *row, const BoxAction &action);
+    QPushButton *addBesides(QHBoxLayout *row, const QString &text);
 
     QList<Choice> choices_;
     QMessageBox::StandardButton answer_;

@@ -1,4 +1,5 @@
 #include "app/context/accountcontext.h"
+#include "fileimport/imported/leftphotos.h"
 #include "fileimport/imported/originaldeletion.h"
 #include "fileimport/imported/originalrequests.h"
 #include "tasks/background.h"
@@ -227,29 +228,60 @@ private slots:
         entries[3].variants = QStringList(wire("90"_s));
         entries[4].localPath = wire("../e.jpg"_s); // the service forgets it all the same
 
-        OriginalDeletion deletion;
+        QSemaphore othersDone;
+        OriginalDeletion deletion([&](const QString &path, QString *error) {
+            if (!path.endsWith(QLatin1String("a.jpg")))
+                return DeleteFileRunnable::removeFile(path, error);
+            othersDone.acquire();
+            *error = "in use"_s;
+            return false;
+        });
         QSignalSpy progress(&deletion, &OriginalDeletion::progressed);
         QSignalSpy finished(&deletion, &OriginalDeletion::finished);
         const LogLines log;
         start(&deletion, entries);
+        QTRY_COMPARE(progress.size(), 5);
+        othersDone.release();
         QTRY_COMPARE(finished.size(), 1);
         const auto summary = finished.first().first().value<OriginalDeletionSummary>();
-        QCOMPARE(summary.succeeded, 2);
-        QCOMPARE(summary.failed, 3);
-        QStringList messages = summary.messages;
-        messages.sort();
-        QCOMPARE(messages, (QStringList{folder_->path() + "/90 文件不存在"_s, "b.jpg 文件不存在"_s,
-                                        "c.jpg 没有删除权限"_s, "e.jpg 的路径错误"_s}));
+        QCOMPARE(summary.succeeded, 1);
+        QCOMPARE(summary.failed, 4);
+        QCOMPARE(
+            leftphotos::lines(summary.left),
+            (QStringList{wireForm(folder_->path()), "a.jpg 删除失败:in use"_s, "b.jpg 文件不存在"_s,
+                         "c.jpg 没有删除权限"_s, folder_->path() + "/90 文件不存在"_s, wire(".."_s),
+                         "e.jpg 的路径错误"_s}));
         QCOMPARE(progress.first(), (QList<QVariant>{0, 5}));
         QCOMPARE(progress.last(), (QList<QVariant>{5, 5}));
-        QVERIFY(!QFile::exists(folder_->filePath("a.jpg"_s)));
+        QVERIFY(!QFile::exists(folder_->filePath("d.jpg"_s)));
         QVERIFY(QFile::exists(folder_->filePath("e.jpg"_s)));
         const QJsonObject request = demo_.requests("delete_pics"_s).first().toObject();
         QVERIFY(request.value("body"_s).toString().startsWith(
             "shopid=101&order_photo_id=800001&ids=%1,%2,%3,%4,%5&timestamp="_s.arg(
                 entries[0].id, entries[1].id, entries[2].id, entries[3].id, entries[4].id)));
-        for (const char *line : {"开始删除 5 个文件", "删除完成 - 成功: 2  失败: 3"})
+        for (const char *line : {"开始删除 5 个文件", "删除完成 - 成功: 1  失败: 4"})
             QVERIFY2(log.count(QString::fromUtf8(line)) == 1, line);
+    }
+
+    void foldersToShow_data()
+    {
+        addColumns<QStringList, QString, QString>({"paths", "importPath", "folder"});
+        const QString own = "\\\\nas\\photos\\own"_s;
+        const QString photos = own + "\\原片"_s;
+        newRow("in one folder", QStringList{photos + "\\a"_s, photos + "\\b"_s}, own, photos);
+        newRow("in two", QStringList{photos + "\\a"_s, own + "\\b"_s}, own, own);
+        newRow("elsewhere", QStringList{"\\\\evil\\x\\a"_s}, own, own);
+        newRow("nothing says where", QStringList{photos + "\\a"_s}, QString(), QString());
+    }
+
+    void foldersToShow()
+    {
+        QFETCH(QStringList, paths);
+        QFETCH(QString, importPath);
+        QVector<DeleteFileResult> left(paths.size());
+        for (int index = 0; index < paths.size(); ++index)
+            left[index].photo.localPath = paths.at(index);
+        QTEST(leftphotos::folderToShow(left, importPath), "folder");
     }
 
     void refusalsTouchNothing_data()
@@ -270,9 +302,11 @@ private slots:
         connect(&deletion, &OriginalDeletion::submitFailed, this,
                 [&](const ServiceReply &reply) { outcome = int(reply.outcome); });
         QSignalSpy finished(&deletion, &OriginalDeletion::finished);
+        QSignalSpy unanswered(&deletion, &OriginalDeletion::unanswered);
         start(&deletion, entries);
         QTRY_VERIFY(!deletion.isBusy());
         QTEST(outcome, "outcome");
+        QCOMPARE(unanswered.isEmpty(), outcome == int(ServiceReply::Outcome::Refused));
         QCOMPARE(finished.size(), 0);
         QVERIFY(QFile::exists(folder_->filePath("a.jpg"_s)));
     }
@@ -287,23 +321,55 @@ private slots:
             mayGoOn.acquire();
             return DeleteFileRunnable::removeFile(path, error);
         });
-        QSignalSpy ended(&deletion, &OriginalDeletion::ended);
+        QSignalSpy finished(&deletion, &OriginalDeletion::finished);
         start(&deletion, entries);
         QTRY_COMPARE(begun.available(), 4); // no more at once
         deletion.stop();
         QVERIFY(deletion.isBusy());
         mayGoOn.release(entries.size());
-        QTRY_COMPARE(ended.size(), 1);
+        QTRY_VERIFY(!deletion.isBusy());
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files).size(), 8);
+        auto lines =
+            leftphotos::lines(finished.first().first().value<OriginalDeletionSummary>().left);
+        QCOMPARE(lines.size(), 1 + 8); // the folder, and each with its name
+        QCOMPARE(lines.last(), entries.last().imgName + " 任务已中止，不执行删除"_s);
+    }
 
-        // In mid-request nothing is waited for.
+    void leftInMidRequest_data()
+    {
+        addColumns<bool, bool, bool>({"cancelled", "answered", "unanswered"});
+        newRow("closed, the answer comes", false, true, false);
+        newRow("closed, no answer comes", false, false, true);
+        newRow("cancelled", true, false, true);
+    }
+
+    void leftInMidRequest()
+    {
+        QFETCH(bool, cancelled);
+        QFETCH(bool, answered);
+        const QVector<PhotoEntry> entries{registered("x.jpg"_s)};
         demo_.hold("delete_pics"_s);
-        start(&deletion, {registered("x.jpg"_s)});
+        OriginalDeletion deletion;
+        QSignalSpy finished(&deletion, &OriginalDeletion::finished);
+        QSignalSpy unanswered(&deletion, &OriginalDeletion::unanswered);
+        start(&deletion, entries);
         QTRY_COMPARE(demo_.held(), 1);
-        deletion.stop();
-        QCOMPARE(ended.size(), 2);
-        demo_.release();
-        QTRY_COMPARE(demo_.held(), 0);
+        if (!answered)
+            deletion.setPatience(1);
+        if (cancelled)
+            deletion.cancel();
+        else
+            deletion.stop();
+        QCOMPARE(deletion.isBusy(), !cancelled);
+        if (answered)
+            demo_.release();
+        QTRY_VERIFY(!deletion.isBusy());
+        QTEST(unanswered.size() == 1, "unanswered");
+        QCOMPARE(finished.size(), answered ? 1 : 0);
+        if (answered) { // the service has forgotten it, the disk has not
+            const auto summary = finished.first().first().value<OriginalDeletionSummary>();
+            QCOMPARE(summary.left.value(0).photo.imgName, "x.jpg"_s);
+        }
         QVERIFY(QFile::exists(folder_->filePath("x.jpg"_s)));
     }
 

@@ -83,7 +83,8 @@ private slots:
         QCOMPARE(overlayText(), "删除完成！"_s);
         QVERIFY(ordersatwork::toolAt(order).isEmpty());
         QCOMPARE(MessageBox::takeShown().constFirst().text,
-                 "本地文件删除失败，请检查手动删除以下照片！\n1.jpg 文件不存在"_s);
+                 "本地文件删除失败，请检查手动删除以下照片！\n%1\n1.jpg 文件不存在"_s.arg(
+                     wireForm(folder_->path())));
         QCOMPARE(QDir(folder_->path()).entryList(QDir::Files),
                  (QStringList{"3.jpg"_s, "4.jpg"_s, "5.jpg"_s, "6.jpg"_s, "7.cr2"_s}));
         QCOMPARE(demo_.requests("getorder_pics"_s).size(), 1);
@@ -130,9 +131,41 @@ private slots:
             QTRY_VERIFY(!view_->findChild<LoadingOverlay *>()->isVisible());
         }
         QVERIFY(QFile::exists(folder_->filePath("a.jpg"_s)));
-        demo_.misbehave("delete_pics"_s, "http-error"_s);
-        deleteAgreed();
-        QTRY_COMPARE(overlayText(), "提交数据失败"_s);
+    }
+
+    void deletionsWithoutAnAnswer()
+    {
+        registerFile(folder_->filePath("a.jpg"_s), "no picture");
+        openView()->setOrder(firstOrder(folder_->path()));
+        QTRY_COMPARE(grid()->count(), 1);
+        for (const QString &kind : {"http-error"_s, "hold"_s}) {
+            demo_.misbehave("delete_pics"_s, kind);
+            demo_.clearRequests();
+            grid()->selectAll();
+            deleteAgreed();
+            if (kind == "hold"_s) {
+                QTRY_COMPARE(demo_.held(), 1);
+                QTest::keyClick(view_->findChild<LoadingOverlay *>(), Qt::Key_Escape);
+            } else {
+                QTRY_COMPARE(overlayText(), "提交数据失败"_s);
+            }
+            QTRY_COMPARE(demo_.requests("getorder_pics"_s).size(), 1);
+            QTRY_VERIFY(view_->closeQuestion().isEmpty());
+            const QString box = MessageBox::takeShown().value(0).text;
+            QVERIFY(box.contains("尚不确定"_s) && box.endsWith("\na.jpg"_s));
+            QTRY_VERIFY(!view_->findChild<LoadingOverlay *>()->isVisible());
+        }
+        // It did go through, as a later list tells.
+        demo_.release();
+        QTRY_COMPARE(demo_.held(), 0);
+        QList<BoxRecord> shown;
+        press("refreshPhotosButton");
+        QTRY_COMPARE(grid()->count(), 0);
+        QTRY_COMPARE((shown += MessageBox::takeShown()).size(), 1);
+        QVERIFY(shown.first().text.startsWith("服务端已经没有以下照片"_s));
+        QVERIFY(QFile::exists(folder_->filePath("a.jpg"_s)));
+        press("refreshPhotosButton");
+        QTRY_VERIFY(!view_->findChild<LoadingOverlay *>()->isVisible()); // told once
     }
 
     void staleAndLateListings()

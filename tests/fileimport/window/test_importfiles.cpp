@@ -453,6 +453,36 @@ private slots:
             QCOMPARE(QFileInfo(demo_.share() + "/"_s + photo).size(), qint64(2 * 1024 * 1024));
     }
 
+    void closingInMidDeletionTellsWhatIsLeft()
+    {
+        open(0);
+        select("TS10001-1"_s);
+        choose("TS10001-1"_s, makePhotos(2));
+        click("startButton");
+        EXPECT_BOXES("导入完成！"_s);
+        auto *grid = window_->findChild<ThumbnailTableView *>();
+        QTRY_COMPARE(grid->count(), 2);
+        grid->selectAll();
+        demo_.hold("delete_pics"_s);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        click("deletePhotosButton");
+        EXPECT_BOX_THAT(box.contains("2 个文件"_s));
+        waitUntilHeld();
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        for (const bool agreed : {false, true}) {
+            if (agreed)
+                MessageBox::setNextAnswer(QMessageBox::Ok);
+            window_->close();
+            EXPECT_BOX_THAT(box.startsWith("正在删除已导入的照片"_s));
+            QCOMPARE(window_->isVisible(), !agreed);
+        }
+        demo_.release();
+        EXPECT_BOX_THAT(box.startsWith("本地文件删除失败，请检查手动删除以下照片！\n"_s) &&
+                        box.contains("\nIMG_0.jpg 任务已中止"_s));
+        QTRY_VERIFY(!window_);
+        QCOMPARE(filesBelow(demo_.share()).filter("IMG_"_s).size(), 2);
+    }
+
     void closingWhilePhotosAreFetched()
     {
         open(0);
