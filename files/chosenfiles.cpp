@@ -9,6 +9,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <numeric>
 
 namespace chosenfiles {
 
@@ -36,6 +37,38 @@ bool matchesFilter(const QString &dialogFilter, const QString &fileName)
     return QDir::match(firstPatterns(dialogFilter), fileName);
 }
 
+QString kindOf(const QString &fileName)
+{
+    const QString suffix = QFileInfo(fileName).suffix();
+    return suffix.isEmpty() ? QStringLiteral("无扩展名") : QLatin1Char('.') + suffix;
+}
+
+QString hiddenKind()
+{
+    return QStringLiteral("隐藏文件");
+}
+
+QString kindsText(const Kinds &kinds)
+{
+    QStringList names = kinds.keys();
+    std::stable_sort(names.begin(), names.end(),
+                     [&kinds](const QString &one, const QString &other) {
+                         return kinds.value(one) > kinds.value(other);
+                     });
+    for (QString &name : names)
+        name = QStringLiteral("%1 %2 个").arg(name).arg(kinds.value(name));
+    return names.join(QStringLiteral("，"));
+}
+
+QString ignoredNotice(const Kinds &ignored)
+{
+    if (ignored.isEmpty())
+        return {};
+    return QStringLiteral("已忽略 %1 个不支持的文件：%2")
+        .arg(std::accumulate(ignored.cbegin(), ignored.cend(), 0))
+        .arg(kindsText(ignored));
+}
+
 DropContents expandDrop(const QStringList &paths, const QString &dialogFilter)
 {
     const QStringList patterns = firstPatterns(dialogFilter);
@@ -44,7 +77,11 @@ DropContents expandDrop(const QStringList &paths, const QString &dialogFilter)
         if (QDir::match(patterns, path.mid(path.lastIndexOf(QLatin1Char('/')) + 1)))
             contents.files.append(path);
         else
-            ++contents.ignored;
+            ++contents.ignored[kindOf(path).toLower()];
+    };
+    const auto hide = [&](const platform::FolderEntry &entry) {
+        if (entry.kind == platform::EntryKind::File && QDir::match(patterns, entry.name))
+            ++contents.ignored[hiddenKind()];
     };
     QStringList folders;
     for (const QString &path : paths) {
@@ -60,7 +97,7 @@ DropContents expandDrop(const QStringList &paths, const QString &dialogFilter)
             if (entry.kind == platform::EntryKind::Unnameable)
                 contents.unreadable.append(path);
             else if (entry.isHidden)
-                return true;
+                hide(entry);
             else if (isFolderBelow(entry.kind, path))
                 folders.append(path);
             else if (entry.kind == platform::EntryKind::File)

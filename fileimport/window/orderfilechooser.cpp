@@ -112,15 +112,15 @@ void OrderFileChooser::onExpanded(const OrderIdentity &orderId,
 void OrderFileChooser::takeExpanded(const OrderIdentity &orderId,
                                     const chosenfiles::DropContents &contents)
 {
-    if (contents.files.isEmpty()) {
-        MessageBox::information(window_,
-                                QStringLiteral("没有可以导入的文件，已选的文件保持不变。"));
+    QStringList notices;
+    if (contents.files.isEmpty())
+        notices.append(QStringLiteral("没有可以导入的文件，已选的文件保持不变。"));
+    if (!contents.ignored.isEmpty())
+        notices.append(chosenfiles::ignoredNotice(contents.ignored));
+    if (!notices.isEmpty())
+        MessageBox::information(window_, notices.join(QLatin1Char('\n')));
+    if (contents.files.isEmpty())
         return;
-    }
-    if (contents.ignored > 0) {
-        Toast::show(window_, QStringLiteral("已忽略 %1 个不支持的文件").arg(contents.ignored),
-                    toastMs);
-    }
     askAboutSharedFolder({orderId, contents.files, true});
 }
 

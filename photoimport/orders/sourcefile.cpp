@@ -1,6 +1,5 @@
 #include "photoimport/orders/sourcefile.h"
 
-#include "files/chosenfiles.h"
 #include "files/safename.h"
 #include "photoimport/rules/photorules.h"
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/chosenfiles.h"
 #include "photoimport/rules/photorecords.h"
 
 #include <QSet>
@@ -79,7 +80,7 @@ struct FileChoiceResult
     QVector<SourceFile> files;    ///< the new ones
     QVector<QStringList> clashes; ///< sources that would land on one target, grouped
     QStringList unreadable;       ///< folders whose photos are not among them
-    int ignored = 0;              ///< left out by the filter
+    chosenfiles::Kinds ignored;   ///< left out by the filter
     int repeated = 0;             ///< listed already
 };
 

@@ -87,13 +87,10 @@ void tffilechooser::add(const OrderIdentity &orderId, int photoMode, const FileC
         MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
         return;
     }
-    QStringList left;
-    if (result.ignored > 0)
-        left.append(QStringLiteral("已忽略 %1 个不支持的文件").arg(result.ignored));
+    if (!result.ignored.isEmpty())
+        MessageBox::information(window_, chosenfiles::ignoredNotice(result.ignored));
     if (result.repeated > 0)
-        left.append(QStringLiteral("%1 个文件已在列表中").arg(result.repeated));
-    if (!left.isEmpty())
-        Toast::show(window_, left.join(QStringLiteral("，")));
+        Toast::show(window_, QStringLiteral("%1 个文件已在列表中").arg(result.repeated));
     orders_->addFiles(row, result.files);
     emit filesAdded(orderId);
 }

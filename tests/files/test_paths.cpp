@@ -132,8 +132,9 @@ private slots:
     void dropsNameWhatCannotBeRead()
     {
         const QTemporaryDir root;
-        for (const char *name : {"b/10.JPG", "b/9.jpg", "b/c/1.nef", "b/c/1.txt", "a.jpg",
-                                 "b/.hidden/x.jpg", "closed/x.jpg", "elsewhere/x.jpg"})
+        for (const char *name :
+             {"b/10.JPG", "b/9.jpg", "b/c/1.nef", "b/c/1.txt", "b/2.TXT", "a.jpg",
+              "b/.hidden/x.jpg", "b/.x.jpg", "b/.note", "closed/x.jpg", "elsewhere/x.jpg"})
             writeFile(root.filePath(QString::fromLatin1(name)));
         linkFolder(root.filePath("elsewhere"_s), root.filePath("b/link"_s));
         const QString closed = root.filePath("closed"_s);
@@ -153,7 +154,8 @@ private slots:
         QStringList found = dropped.files;
         found.replaceInStrings(root.path() + QLatin1Char('/'), QString());
         QCOMPARE(found.join(QLatin1Char(' ')), "a.jpg b/9.jpg b/10.JPG b/c/1.nef"_s);
-        QCOMPARE(dropped.ignored, 1);
+        QCOMPARE(chosenfiles::ignoredNotice(dropped.ignored),
+                 "已忽略 3 个不支持的文件：.txt 2 个，隐藏文件 1 个"_s);
         QCOMPARE(dropped.unreadable, hiding);
     }
 

@@ -239,7 +239,7 @@ private slots:
         makePhotos(1, 10, "txt"_s);
         QVERIFY(drop(card_->path()));
         QTRY_COMPARE(text(order, Column::ChosenColumn), "3"_s);
-        QCOMPARE(Toast::currentText(window_), "已忽略 1 个不支持的文件"_s);
+        EXPECT_BOXES("已忽略 1 个不支持的文件：.txt 1 个"_s);
 
         const QTemporaryDir second;
         QVERIFY(drop(second.path()));
