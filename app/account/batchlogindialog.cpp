@@ -114,7 +114,7 @@ void BatchLoginDialog::addButtons(QVBoxLayout *layout)
     row->addWidget(loginButton_, 1);
     layout->addLayout(row);
     setTabOrder(accountEdit_, passwordEdit_);
-    setTabOrder(passwordEdit_, cancel);
+    setTabOrder(passwordEdit_->lastInTabOrder(), cancel);
     setTabOrder(cancel, loginButton_);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(loginButton_, &QPushButton::clicked, this, &BatchLoginDialog::onLoginClicked);

@@ -4,6 +4,7 @@
 #include "app/account/loginpanel.h"
 #include "app/account/loginreply.h"
 #include "app/context/accountcontext.h"
+#include "app/context/installation.h"
 #include "app/context/k.h"
 #include "look/colours.h"
 #include "net/formbody.h"
@@ -18,6 +19,7 @@
 #include "widgets/windows/spinner.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -44,6 +46,13 @@ QString captionStyle(QRgb colour)
 QString idleText()
 {
     return QStringLiteral("登录");
+}
+
+QString noServiceText()
+{
+    return QStringLiteral("尚未配置服务端地址，无法登录。\n请在 %1 的 [service] 一节中写入 url = "
+                          "https://…，或设置环境变量 TESSAVO_SERVICE_URL，然后重新启动程序。")
+        .arg(QDir::toNativeSeparators(Installation::standardFile()));
 }
 
 QLabel *centredLabel(const QString &text, QWidget *parent)
@@ -204,9 +213,10 @@ void LoginNew::buildButtons(QVBoxLayout *layout)
 
 void LoginNew::orderTabs()
 {
-    QWidget *before = accountEdit_;
+    setTabOrder(accountEdit_, passwordEdit_);
+    QWidget *before = passwordEdit_->lastInTabOrder();
     for (QWidget *next :
-         std::initializer_list<QWidget *>{passwordEdit_, rememberBox_, loginButton_, cancelButton_,
+         std::initializer_list<QWidget *>{rememberBox_, loginButton_, cancelButton_,
                                           titleBar_->minimizeButton(), titleBar_->closeButton()}) {
         setTabOrder(before, next);
         before = next;
@@ -272,6 +282,10 @@ void LoginNew::onLoginClicked()
     if (password.isEmpty()) {
         passwordEdit_->setFocus();
         MessageBox::warning(this, QStringLiteral("请输入密码"));
+        return;
+    }
+    if (AccountContext::baseUrl.isEmpty()) {
+        MessageBox::warning(this, noServiceText());
         return;
     }
     if (rememberBox_->isChecked())

@@ -135,7 +135,11 @@ private slots:
     {
         open();
         QTRY_COMPARE(focusName(), "accountEdit"_s);
-        QCOMPARE(tabOrder(4), "accountEdit passwordEdit cancelButton loginButton"_s);
+        QCOMPARE(tabOrder(5),
+                 "accountEdit passwordEdit showPasswordButton cancelButton loginButton"_s);
+        // What is typed is not to be taken for what only asks for it.
+        const QPalette shown = password()->palette();
+        QVERIFY(shown.color(QPalette::PlaceholderText) != shown.color(QPalette::Text));
     }
 
 private:

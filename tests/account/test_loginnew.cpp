@@ -169,6 +169,18 @@ private slots:
         }
     }
 
+    void tellsThatNoServiceIsConfigured()
+    {
+        const QString address = std::exchange(AccountContext::baseUrl, QString());
+        Window window;
+        window.logIn();
+        AccountContext::baseUrl = address;
+        const auto shown = MessageBox::takeShown();
+        QCOMPARE(shown.size(), 1);
+        QVERIFY(shown.first().text.contains("尚未配置服务端地址"_s));
+        QVERIFY(window.isIdle() && demo_.requests().isEmpty());
+    }
+
     void sendsOneRequestAtATime()
     {
         demo_.hold(dologin);
@@ -231,8 +243,8 @@ private slots:
     {
         Window window;
         QTRY_VERIFY(window.account()->hasFocus());
-        QCOMPARE(tabOrder(6), "accountEdit passwordEdit rememberPasswordBox loginButton"
-                              " minimizeButton closeButton"_s);
+        QCOMPARE(tabOrder(7), "accountEdit passwordEdit showPasswordButton rememberPasswordBox"
+                              " loginButton minimizeButton closeButton"_s);
     }
 
 private:

@@ -51,6 +51,13 @@ void LineEdit::setPassword(bool password)
     placeButtons();
 }
 
+QWidget *LineEdit::lastInTabOrder()
+{
+    if (eyeButton_)
+        return eyeButton_;
+    return this;
+}
+
 void LineEdit::showPassword(bool visible)
 {
     setEchoMode(visible ? QLineEdit::Normal : QLineEdit::Password);

@@ -18,6 +18,8 @@ public:
     void setClearable(bool clearable);
     /// Hides what is typed, with an eye that shows it.
     void setPassword(bool password);
+    /// Where the keyboard leaves the field: what follows it in the tab order goes behind this.
+    QWidget *lastInTabOrder();
 
 signals:
     void focused();

@@ -10,8 +10,9 @@ using sheets::scaled;
 
 namespace {
 
-/// What line edits, combo boxes and date edits have in common; \a selector is the class. The colour
-/// of the text is left to the palette: stated here it would paint placeholders too.
+/// What line edits, combo boxes and date edits have in common; \a selector is the class. As in all
+/// sheets for inputs, the colour of the text is left to the palette: stated here it would paint
+/// placeholders too.
 QString inputFrame(const QString &selector)
 {
     return QStringLiteral("%1 { background-color: %2; border: 1dp solid %4;"
@@ -34,13 +35,11 @@ QString inputStyle()
 
 QString translucentInputStyle()
 {
-    return QStringLiteral(
-               "QLineEdit {     background: transparent;     border: none;     border-radius: "
-               "%1px;     padding: %2px %3px %2px %4px;     font-size: %5px;     color: %6;     "
-               "selection-background-color: %7; } QLineEdit::placeholder { color: %8; }")
+    return QStringLiteral("QLineEdit { background: transparent; border: none; border-radius: %1px;"
+                          " padding: %2px %3px %2px %4px; font-size: %5px;"
+                          " selection-background-color: %6; }")
         .arg(K::scaledPxString(4), K::scaledPxString(6), K::scaledPxString(10),
-             K::scaledPxString(10), K::scaledPxString(13), css(colours::inputText),
-             css(colours::inputSelection), css(colours::placeholder));
+             K::scaledPxString(10), K::scaledPxString(13), css(colours::inputSelection));
 }
 
 QString comboStyle()
