@@ -69,9 +69,9 @@ public:
     // "none" takes back what is lined up for the action. Returns an empty text, or what is wrong
     // with it; then nothing changes.
     //
-    // Every arrival counts as one time. Qt sends a request again, up to three times and without
-    // telling anybody, when the connection ends before the first byte of an answer: "drop-silent"
-    // is best lined up with times -1 and taken back. With "drop" one request is one arrival.
+    // Every arrival counts as one time. Qt fetches again, up to three times and without telling
+    // anybody, when the connection ends before the first byte of an answer: "drop-silent" for a
+    // picture is best lined up with times -1 and taken back. Elsewhere one request is one arrival.
     QString add(const QJsonObject &told);
     std::optional<Misbehaviour> take(const QString &action);
     void clear() { waiting_.clear(); }

@@ -1,19 +1,18 @@
 #include "net/basereq.h"
 
 #include "app/context/accountcontext.h"
-#include "app/context/installation.h"
 #include "app/context/logging.h"
+#include "net/imagerequest.h"
 #include "net/replybody.h"
+#include "net/singlepost.h"
+#include "net/tlssettings.h"
 #include "pictures/picturebounds.h"
 #include "tasks/background.h"
 #include "tasks/task.h"
 
 #include <QDebug>
 #include <QFileInfo>
-#include <QHash>
 #include <QNetworkAccessManager>
-#include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QSslSocket>
 #include <QUrl>
 
@@ -52,45 +51,6 @@ QString serviceUrl(const QString &action)
     return AccountContext::indexUrl + group + action;
 }
 
-QSslConfiguration tlsSettings()
-{
-    const Installation &installation = Installation::current();
-    QSslConfiguration settings = QSslConfiguration::defaultConfiguration();
-    settings.setProtocol(QSsl::TlsV1_2OrLater);
-    settings.setPeerVerifyMode(installation.verifiesCertificates ? QSslSocket::VerifyPeer
-                                                                 : QSslSocket::VerifyNone);
-    if (!installation.caFile.isEmpty()) {
-        const auto extra = QSslCertificate::fromPath(installation.caFile);
-        if (extra.isEmpty())
-            qCWarning(lcTessavo) << "no certificates in" << installation.caFile;
-        settings.setCaCertificates(settings.caCertificates() + extra);
-    }
-    return settings;
-}
-
-/// Why the reply failed, by its code: Qt's words repeat the address, which may hold a token.
-QString wordsFor(const QNetworkReply &reply)
-{
-    const int status = reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    constexpr int firstBadStatus = 400;
-    if (status >= firstBadStatus)
-        return QStringLiteral("服务端返回 HTTP %1").arg(status);
-    switch (reply.error()) {
-    case QNetworkReply::ConnectionRefusedError:
-        return QStringLiteral("连接被拒绝");
-    case QNetworkReply::RemoteHostClosedError:
-        return QStringLiteral("连接中断");
-    case QNetworkReply::HostNotFoundError:
-        return QStringLiteral("找不到服务器");
-    case QNetworkReply::OperationCanceledError:
-        return QStringLiteral("已取消");
-    case QNetworkReply::SslHandshakeFailedError:
-        return QStringLiteral("服务器证书不受信任");
-    default:
-        return QStringLiteral("网络错误 %1").arg(int(reply.error()));
-    }
-}
-
 QString mimeOfContent(const QByteArray &image)
 {
     if (image.startsWith("\377\330\377"))
@@ -127,23 +87,15 @@ BaseReq::BaseReq(QObject *parent) : QObject(parent)
 
 BaseReq::~BaseReq() = default;
 
-void BaseReq::applyTlsSettings(QNetworkRequest *request)
-{
-    // Reading the system's certificates is slow and the installation does not change.
-    static const QSslConfiguration settings = tlsSettings();
-    request->setSslConfiguration(settings);
-}
-
 void BaseReq::sendRequest(const QString &action, const QByteArray &body, ServiceCallback callback)
 {
     callback_ = std::move(callback);
     const QByteArray fullBody = withSessionFields(body);
-    request_.setHeader(QNetworkRequest::ContentLengthHeader, fullBody.size());
     const QString url = serviceUrl(action);
     qDebug() << "url: " << url;
     qDebug() << "paras: " << loggable(fullBody) << fullBody.size();
     request_.setUrl(QUrl(url));
-    watch(manager_->post(request_, fullBody));
+    watch(postOnce(manager_, request_, fullBody));
     body_ = new ReplyBody(reply_, mostReplyBytes_);
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
@@ -160,12 +112,6 @@ void BaseReq::sendGetRequest(const QString &url, ServiceCallback callback)
     connect(reply_, &QNetworkReply::finished, this, [this] { serviceRequestFinished(reply_); });
 }
 
-bool BaseReq::isImageAddress(const QUrl &url)
-{
-    return url.isValid() && !url.host().isEmpty() &&
-           (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"));
-}
-
 void BaseReq::downloadImage(const QString &url, ImageBytesCallback callback)
 {
     imageCallback_ = std::move(callback);
@@ -175,10 +121,7 @@ void BaseReq::downloadImage(const QString &url, ImageBytesCallback callback)
             Qt::QueuedConnection);
         return;
     }
-    QNetworkRequest request;
-    applyTlsSettings(&request);
-    request.setUrl(QUrl(url));
-    watch(manager_->get(request));
+    watch(getImage(manager_, QNetworkRequest(QUrl(url))));
     body_ = new ReplyBody(reply_, picturebounds::fetchedBytes);
     connect(reply_, &QNetworkReply::finished, this, [this] { imageDownloadFinished(reply_); });
 }
@@ -214,6 +157,14 @@ void BaseReq::noteCertificateError(QNetworkReply *reply)
         certificateError_ = reply->errorString();
 }
 
+/// The reply is still at work on its own end, which the callback may turn into ours.
+void BaseReq::release(QNetworkReply *reply)
+{
+    reply->setParent(nullptr);
+    reply->deleteLater();
+    requestDone_ = 1;
+}
+
 void BaseReq::serviceRequestFinished(QNetworkReply *reply)
 {
     if (!reply)
@@ -223,8 +174,7 @@ void BaseReq::serviceRequestFinished(QNetworkReply *reply)
     const QByteArray body = answered ? body_->take() : QByteArray();
     isTooLarge_ = body_->isTooLarge();
     noteCertificateError(reply);
-    reply->deleteLater();
-    requestDone_ = 1;
+    release(reply);
     // Last in each way: the callback may delete this object.
     const auto handOver = [this](const QJsonDocument &document) {
         callback_(document.isObject(), document);
@@ -253,13 +203,12 @@ void BaseReq::imageDownloadFinished(QNetworkReply *reply)
         return;
     reply_.clear();
     noteCertificateError(reply);
-    reply->deleteLater();
-    requestDone_ = 1;
+    release(reply);
     const QByteArray image = body_->take();
     if (body_->isTooLarge())
         handOverImage({}, QStringLiteral("图片过大"));
     else if (reply->error() != QNetworkReply::NoError)
-        handOverImage({}, wordsFor(*reply));
+        handOverImage({}, imageProblem(*reply));
     else
         handOverImage(image, image.isEmpty() ? QStringLiteral("没有内容") : QString());
 }

@@ -7,7 +7,6 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
-#include <QUrl>
 
 #include <functional>
 
@@ -51,10 +50,6 @@ public:
     /// The same, handed over as a data URL.
     void downloadImageAsDataUrl(const QString &url, ImageCallback callback);
 
-    /// Whether a picture may be fetched from \a url; anything else, such as a file, is no business
-    /// of the service's.
-    static bool isImageAddress(const QUrl &url);
-
     /// Ends the request in flight; its callback then runs with ok = false. Nothing happens once the
     /// answer is there.
     void abortRequest();
@@ -77,10 +72,6 @@ public:
         reading_ = std::move(reading);
     }
 
-    /// Lets every request made from \a request on trust what the installation says is to be
-    /// trusted.
-    static void applyTlsSettings(QNetworkRequest *request);
-
 private slots:
     void serviceRequestFinished(QNetworkReply *reply);
     void imageDownloadFinished(QNetworkReply *reply);
@@ -91,6 +82,7 @@ private:
 
     void watch(QNetworkReply *reply);
     void noteCertificateError(QNetworkReply *reply);
+    void release(QNetworkReply *reply);
     void handOverImage(const QByteArray &image, const QString &problem);
 
     int requestDone_ = 1; ///< 0 while a request is in flight

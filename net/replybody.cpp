@@ -29,7 +29,8 @@ void ReplyBody::readOn()
         return;
     isTooLarge_ = true;
     bytes_.clear();
-    reply_->abort();
+    // Not from within the reply's own signal: whoever hears of its end may delete its owner.
+    QMetaObject::invokeMethod(reply_, &QNetworkReply::abort, Qt::QueuedConnection);
 }
 
 QByteArray ReplyBody::take()

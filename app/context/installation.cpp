@@ -40,14 +40,17 @@ QString besideFile(const QString &path, const QString &iniFile)
     return QFileInfo(iniFile).path() + QLatin1Char('/') + path;
 }
 
-bool verifies(const QString &environment, const QString &file)
+/// The first of what the environment and the file say that means anything.
+bool verifies(const QStringList &said)
 {
     const QLatin1String none("none");
-    if (!environment.isEmpty())
-        return environment != none;
-    if (!file.isEmpty() && file != none && file != QLatin1String("yes"))
-        qCWarning(lcTessavo) << "tls-verify is neither yes nor none:" << file;
-    return file != none;
+    for (const QString &text : said) {
+        if (text == none || text == QLatin1String("yes"))
+            return text != none;
+        if (!text.isEmpty())
+            qCWarning(lcTessavo) << "TLS verification is neither yes nor none:" << text;
+    }
+    return true;
 }
 
 } // namespace
@@ -65,11 +68,11 @@ Installation Installation::read(const QString &iniFile)
     Installation settings;
     settings.serviceUrl = serviceAddress(
         {qEnvironmentVariable("TESSAVO_SERVICE_URL"), file.value(QStringLiteral("service/url"))});
-    settings.caFile = qEnvironmentVariable("TESSAVO_CA_FILE").trimmed();
-    if (settings.caFile.isEmpty())
-        settings.caFile = besideFile(file.value(QStringLiteral("service/ca-file")), iniFile);
-    settings.verifiesCertificates = verifies(qEnvironmentVariable("TESSAVO_TLS_VERIFY"),
-                                             file.value(QStringLiteral("service/tls-verify")));
+    settings.caFiles << qEnvironmentVariable("TESSAVO_CA_FILE").trimmed()
+                     << besideFile(file.value(QStringLiteral("service/ca-file")), iniFile);
+    settings.caFiles.removeAll(QString());
+    settings.verifiesCertificates = verifies({qEnvironmentVariable("TESSAVO_TLS_VERIFY").trimmed(),
+                                              file.value(QStringLiteral("service/tls-verify"))});
     if (!settings.verifiesCertificates)
         qCWarning(lcTessavo) << "TLS verification is off: any server certificate is accepted";
     return settings;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /// What the installation, not the user, decides: where the service is and whom to trust. Read once,
 /// before there is an application object; safe from any thread afterwards.
@@ -17,12 +18,13 @@
 struct Installation
 {
     /// TESSAVO_SERVICE_URL or `url`, otherwise the address compiled in; without a trailing slash.
+    /// Empty when there is none at all.
     QString serviceUrl;
-    /// TESSAVO_CA_FILE or `ca-file` (when relative, from the program's folder): certificates (PEM)
-    /// trusted besides the system's; empty for none.
-    QString caFile;
+    /// TESSAVO_CA_FILE and `ca-file` (when relative, from the program's folder): certificates (PEM)
+    /// trusted besides the system's. The first file that holds any counts; empty for none.
+    QStringList caFiles;
     /// False when TESSAVO_TLS_VERIFY or `tls-verify` is "none": any certificate will do, as studios
-    /// with self-signed ones need. In the file "yes" says expressly what holds anyway.
+    /// with self-signed ones need. "yes" says expressly what holds anyway.
     bool verifiesCertificates = true;
 
     static const Installation &current();

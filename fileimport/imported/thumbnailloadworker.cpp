@@ -1,7 +1,7 @@
 #include "fileimport/imported/thumbnailloadworker.h"
 
 #include "fileimport/imported/thumbnaildecoding.h"
-#include "net/basereq.h"
+#include "net/imagerequest.h"
 #include "net/replybody.h"
 #include "pictures/picturereader.h"
 
@@ -35,7 +35,7 @@ void ThumbnailLoadWorker::loadPhoto(const QString &name, const QString &icon, in
         loadIcon(icon, load);
         return;
     }
-    if (!BaseReq::isImageAddress(QUrl(name))) {
+    if (!isImageAddress(QUrl(name))) {
         emit photoLoadFailed(name, index);
         return;
     }
@@ -83,12 +83,8 @@ void ThumbnailLoadWorker::fetch(const Load &load)
     if (!manager_)
         manager_ = new QNetworkAccessManager(this);
     QNetworkRequest request{QUrl(load.name)};
-    BaseReq::applyTlsSettings(&request);
     request.setRawHeader("User-Agent", "Mozilla/5.0");
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute,
-                         QNetworkRequest::NoLessSafeRedirectPolicy);
-    request.setMaximumRedirectsAllowed(limits_.redirects);
-    QNetworkReply *reply = manager_->get(request);
+    QNetworkReply *reply = getImage(manager_, request);
     auto *timer = new QTimer(reply);
     active_.insert(reply, timer);
     timer->setSingleShot(true);

@@ -21,7 +21,6 @@ struct ThumbnailLimits
     int timeMs = 30000; ///< from the request to the last byte
     int graceMs = 3000; ///< left to a fetch whose list has gone
     int fetchesAtOnce = 6;
-    int redirects = 5;
     int picturesHeld = 400; ///< by cells, as long as the pages around the screen show fewer
 };
 

@@ -76,7 +76,8 @@ private slots:
     void unusableAnswers_data()
     {
         QTest::addColumn<QString>("kind");
-        for (const char *kind : {"http-error", "drop", "broken-json", "html", "empty", "array"})
+        for (const char *kind :
+             {"http-error", "drop", "drop-silent", "broken-json", "html", "empty", "array"})
             newRow(kind, QString::fromLatin1(kind));
     }
 
@@ -90,6 +91,7 @@ private slots:
         QTRY_COMPARE(replies.size(), 1);
         QCOMPARE(int(replies.first().outcome), int(ServiceReply::Outcome::NoAnswer));
         QVERIFY(replies.first().object.isEmpty());
+        QCOMPARE(demo_.requests().size(), 1); // it may have acted
     }
 
     void arraysAreHandedOverAsFailure()
@@ -175,6 +177,10 @@ private slots:
         newRow("error", "http-error"_s, photo, "图片下载失败:服务端返回 HTTP 500"_s);
         newRow("dropped", "drop-silent"_s, photo, "图片下载失败:连接中断"_s);
         newRow("refused", QString(), "http://127.0.0.1:1/?token=x"_s, "图片下载失败:连接被拒绝"_s);
+        newRow("sent on", "redirect /photos/8000011002.jpg", photo, QString());
+        newRow("sent away with the token",
+               "redirect http://localhost:1/?t="_s + AccountContext::apiToken, photo,
+               "图片下载失败:图片地址转到了不允许的地址"_s);
         newRow("file", QString(), "file:///etc/hostname"_s, "图片下载失败:不是网络地址"_s);
         newRow("bundled", QString(), "qrc:/x.png"_s, "图片下载失败:不是网络地址"_s);
         newRow("no host", QString(), "http:///x.png"_s, "图片下载失败:不是网络地址"_s);
@@ -185,8 +191,10 @@ private slots:
         QFETCH(QString, kind);
         QFETCH(QString, url);
         QFETCH(QString, error);
+        const QString message = kind.section(QLatin1Char(' '), 1);
         if (!kind.isEmpty())
-            demo_.misbehave("image"_s, kind, {{"times"_s, -1}});
+            demo_.misbehave("image"_s, kind.section(QLatin1Char(' '), 0, 0),
+                            {{"times"_s, message.isEmpty() ? -1 : 1}, {"message"_s, message}});
         BaseReq request;
         QStringList told;
         request.downloadImageAsDataUrl(
@@ -198,6 +206,33 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(told.size(), 1, 60000);
         QVERIFY2(told.first().startsWith(error.isEmpty() ? "data:image/jpeg;base64"_s : error),
                  qPrintable(told.first()));
+    }
+
+    void callbacksMayDeleteTheirRequest_data()
+    {
+        addColumns<QString, bool>({"kind", "aborted"});
+        newRow("answered", QString(), false);
+        newRow("no answer", "drop", false);
+        newRow("aborted", QString(), true);
+        newRow("too large", "huge-body", false);
+        newRow("sent away", "redirect file:///etc/hostname", false);
+    }
+
+    /// Told by the sanitizers, and by whatever else looks at memory.
+    void callbacksMayDeleteTheirRequest()
+    {
+        QFETCH(QString, kind);
+        QFETCH(bool, aborted);
+        if (!kind.isEmpty())
+            demo_.misbehave("image"_s, kind.section(QLatin1Char(' '), 0, 0),
+                            {{"message"_s, kind.section(QLatin1Char(' '), 1)}});
+        QPointer<BaseReq> request = new BaseReq;
+        request->downloadImage(AccountContext::baseUrl + "/photos/8000011001.jpg"_s,
+                               [&request](const QByteArray &, const QString &) { delete request; });
+        if (aborted)
+            request->abortRequest();
+        QTRY_VERIFY_WITH_TIMEOUT(!request, 60000);
+        demo_.state(); // whatever is still to come of it comes
     }
 
     void repliesDoNotWaitForDisks()

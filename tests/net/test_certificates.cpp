@@ -1,5 +1,6 @@
 #include "app/context/installation.h"
 #include "net/servicecall.h"
+#include "net/tlssettings.h"
 #include "tests/support/text.h"
 
 #include <QtTest>
@@ -14,7 +15,7 @@ private slots:
     void trustsWhatTheInstallationSays()
     {
         const Installation &installation = Installation::current();
-        const bool trusted = !installation.caFile.isEmpty() || !installation.verifiesCertificates;
+        const bool trusted = !installation.caFiles.isEmpty() || !installation.verifiesCertificates;
         QVector<ServiceReply> replies;
         callService(this, "&m=public&a=dologin"_s, "username=demo01&password=abc123",
                     [&replies](const ServiceReply &reply) { replies.append(reply); });
@@ -23,6 +24,14 @@ private slots:
                  int(trusted ? ServiceReply::Outcome::Success
                              : ServiceReply::Outcome::CertificateRefused));
         QCOMPARE(replies.first().message.isEmpty(), false); // the reason, or the service's own word
+    }
+
+    void goesOnToAFileThatHoldsCertificates()
+    {
+        const QStringList &known = Installation::current().caFiles;
+        const QStringList useless{"/no/such/file.pem"_s, QCoreApplication::applicationFilePath()};
+        QCOMPARE(certificatesOf(useless + known), certificatesOf(known));
+        QCOMPARE(certificatesOf(known).isEmpty(), known.isEmpty());
     }
 };
 

@@ -1,5 +1,6 @@
 #include "net/basereq.h"
 #include "net/formbody.h"
+#include "net/imagerequest.h"
 #include "net/orderqueries.h"
 #include "net/replyfields.h"
 #include "tests/support/datarows.h"
@@ -84,6 +85,30 @@ private slots:
     void readsAnOrder();
     void readsShops();
     void identityFollowsTheChosenBranch();
+
+    void imageRedirects_data()
+    {
+        addColumns<QString, QString, bool>({"from", "to", "allowed"});
+        const QString barcode = "https://h/index.php?a=getbarcodegen&token="_s;
+        const QString token = AccountContext::apiToken;
+        newRow("elsewhere", "http://h/a.jpg", "http://other/a.jpg", true);
+        newRow("to TLS", "http://h/a.jpg", "https://other/a.jpg", true);
+        newRow("from TLS", "https://h/a.jpg", "http://h/a.jpg", false);
+        newRow("to the disk", "http://h/a.jpg", "file:///a.jpg", false);
+        newRow("nowhere", "http://h/a.jpg", "http:///a.jpg", false);
+        newRow("with the token", barcode + token, barcode + token + "&b=1"_s, true);
+        newRow("away without it", barcode + token, "https://other/a.jpg", true);
+        newRow("away with it", barcode + token, "https://other/?x="_s + token, false);
+        newRow("hidden", barcode + token, "https://other/%35"_s + token.mid(1) + "/a.jpg"_s, false);
+    }
+
+    void imageRedirects()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QVERIFY(AccountContext::apiToken.startsWith(QLatin1Char('5'))); // %35 in one row
+        QTEST(isImageRedirect(QUrl(from), QUrl(to)), "allowed");
+    }
 
     void imagesBecomeDataUrls_data()
     {

@@ -1,7 +1,7 @@
 #include "tests/support/democlient.h"
 
 #include "app/context/accountcontext.h"
-#include "net/basereq.h"
+#include "net/tlssettings.h"
 #include "tests/support/text.h"
 
 #include <QEventLoop>
@@ -87,7 +87,7 @@ QByteArray DemoClient::call(const QString &path, const QByteArray *body)
     QNetworkAccessManager manager;
     QNetworkRequest request(QUrl(AccountContext::baseUrl + "/demo/"_s + path));
     request.setHeader(QNetworkRequest::ContentTypeHeader, "application/json"_s);
-    BaseReq::applyTlsSettings(&request);
+    applyTlsSettings(&request);
     QNetworkReply *reply = body ? manager.post(request, *body) : manager.get(request);
     QEventLoop loop;
     QObject::connect(reply, &QNetworkReply::finished, &loop, &QEventLoop::quit);
