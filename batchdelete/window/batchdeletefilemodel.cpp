@@ -2,78 +2,60 @@
 
 #include "files/transferprogress.h"
 
-#include <QColor>
-
 namespace {
 
-QString retryText(const BatchDeleteFileInfo &file)
+using Model = BatchDeleteFileModel;
+using File = BatchDeleteFileInfo;
+using Column = records::Column<File>;
+using records::from;
+
+QVariant sizeText(const File &file)
 {
-    if (file.state == BatchDeleteFileInfo::NotReported)
+    return dataSizeText(double(file.size));
+}
+
+QVariant stateText(const File &file)
+{
+    return deletionStateText(file.state);
+}
+
+QColor stateColour(const File &file)
+{
+    return deletionStateColour(file.state);
+}
+
+QString retryText(const File &file)
+{
+    if (file.state == File::NotReported)
         return QStringLiteral("重新提交");
     return file.mayRetryDelete() ? QStringLiteral("重新删除") : QString();
 }
 
-QString shownText(const BatchDeleteFileInfo &file, int column)
-{
-    switch (column) {
-    case BatchDeleteFileModel::FolderColumn:
-        return file.folder();
-    case BatchDeleteFileModel::SizeColumn:
-        return dataSizeText(double(file.size));
-    case BatchDeleteFileModel::StateColumn:
-        return deletionStateText(file.state);
-    case BatchDeleteFileModel::PathColumn:
-        return file.fullPath();
-    default:
-        return {};
-    }
-}
+constexpr Column columns[] = {
+    Column{Model::FolderColumn, u"目录", from<&File::folder>},
+    Column{Model::SizeColumn, u"文件大小", sizeText}.aligned(Qt::AlignRight),
+    Column{Model::StateColumn, u"状态", stateText}
+        .coloured(stateColour)
+        .withTip(from<&File::reason>),
+    Column{Model::PathColumn, u"文件路径", from<&File::fullPath>},
+};
 
 } // namespace
 
-void BatchDeleteFileModel::setFiles(const QVector<BatchDeleteFileInfo> &files)
+BatchDeleteFileModel::BatchDeleteFileModel(QObject *parent)
+    : RecordTable(records::columnsOf<columns, ColumnCount>(), parent)
 {
-    beginResetModel();
-    files_ = files;
-    endResetModel();
 }
 
 void BatchDeleteFileModel::setFile(int row, const BatchDeleteFileInfo &file)
 {
-    if (row < 0 || row >= files_.size())
-        return;
-    files_[row] = file;
-    emit dataChanged(index(row, StateColumn), index(row, StateColumn));
+    changeCells(row, StateColumn, StateColumn, [&file](File &shown) { shown = file; });
 }
 
-int BatchDeleteFileModel::rowCount(const QModelIndex &parent) const
+QVariant BatchDeleteFileModel::other(const BatchDeleteFileInfo &file, int column, int role) const
 {
-    return parent.isValid() ? 0 : files_.size();
-}
-
-int BatchDeleteFileModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : int(ColumnCount);
-}
-
-QVariant BatchDeleteFileModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.row() >= files_.size())
-        return {};
-    const BatchDeleteFileInfo &file = files_.at(index.row());
+    Q_UNUSED(column)
     switch (role) {
-    case Qt::DisplayRole:
-        return shownText(file, index.column());
-    case Qt::ForegroundRole:
-        return index.column() == StateColumn ? QVariant(QColor(deletionStateColour(file.state)))
-                                             : QVariant();
-    case Qt::ToolTipRole:
-        if (index.column() == StateColumn && !file.reason.isEmpty())
-            return file.reason;
-        return {};
-    case Qt::TextAlignmentRole:
-        return index.column() == SizeColumn ? QVariant(int(Qt::AlignRight | Qt::AlignVCenter))
-                                            : QVariant();
     case ReasonRole:
         return file.reason;
     case RetryRole:
@@ -81,13 +63,4 @@ QVariant BatchDeleteFileModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
-}
-
-QVariant BatchDeleteFileModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    static const QStringList headers{QStringLiteral("目录"), QStringLiteral("文件大小"),
-                                     QStringLiteral("状态"), QStringLiteral("文件路径")};
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    return headers.value(section);
 }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "batchdelete/rules/batchdeleterecords.h"
-
-#include <QAbstractTableModel>
-#include <QVector>
+#include "records/recordtable.h"
 
 /// The files of the order shown, one a row. A row is the file's position in the order's list.
-class BatchDeleteFileModel : public QAbstractTableModel
+class BatchDeleteFileModel : public RecordTable<BatchDeleteFileInfo>
 {
     Q_OBJECT
 
@@ -17,19 +15,13 @@ public:
         RetryRole,                 ///< what can be done about it, as a text; empty for nothing
     };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit BatchDeleteFileModel(QObject *parent = nullptr);
 
-    void setFiles(const QVector<BatchDeleteFileInfo> &files);
-    const QVector<BatchDeleteFileInfo> &files() const { return files_; }
+    void setFiles(const QVector<BatchDeleteFileInfo> &files) { reset(files); }
+    const QVector<BatchDeleteFileInfo> &files() const { return records_; }
     /// Rows out of range are ignored.
     void setFile(int row, const BatchDeleteFileInfo &file);
 
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
 private:
-    QVector<BatchDeleteFileInfo> files_;
+    QVariant other(const BatchDeleteFileInfo &file, int column, int role) const override;
 };
