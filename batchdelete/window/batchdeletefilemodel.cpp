@@ -32,12 +32,12 @@ QString retryText(const File &file)
 }
 
 constexpr Column columns[] = {
-    Column{Model::FolderColumn, u"目录", from<&File::folder>},
-    Column{Model::SizeColumn, u"文件大小", sizeText}.aligned(Qt::AlignRight),
-    Column{Model::StateColumn, u"状态", stateText}
+    Column(Model::FolderColumn, u"目录", from<&File::folder>),
+    Column(Model::SizeColumn, u"文件大小", sizeText).aligned(Qt::AlignRight),
+    Column(Model::StateColumn, u"状态", stateText)
         .coloured(stateColour)
         .withTip(from<&File::reason>),
-    Column{Model::PathColumn, u"文件路径", from<&File::fullPath>},
+    Column(Model::PathColumn, u"文件路径", from<&File::fullPath>),
 };
 
 } // namespace

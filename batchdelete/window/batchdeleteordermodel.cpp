@@ -1,56 +1,52 @@
 #include "batchdelete/window/batchdeleteordermodel.h"
 
 #include <QSet>
-#include <QStringList>
 
 #include <algorithm>
 #include <numeric>
-#include <utility>
 
 namespace {
 
+using Model = BatchDeleteOrderModel;
+using Order = BatchDeleteOrderInfo;
+using Column = records::Column<Order>;
+using records::from;
+
 constexpr int whole = 100;
 
-QString shownText(const BatchDeleteOrderInfo &order, int column)
+QVariant ticksFirst(const Order &order)
 {
-    switch (column) {
-    case BatchDeleteOrderModel::NumberColumn:
-        return order.displayNumber();
-    case BatchDeleteOrderModel::CustomerColumn:
-        return order.customers();
-    case BatchDeleteOrderModel::PhotographerColumn:
-        return order.role1;
-    case BatchDeleteOrderModel::CompletionColumn:
-        return order.fulfilTime;
-    case BatchDeleteOrderModel::ProgressColumn:
-        return QStringLiteral("%1/%2/%3")
-            .arg(order.succeeded())
-            .arg(order.failed())
-            .arg(order.total());
-    case BatchDeleteOrderModel::RetoucherColumn:
-        return order.tiaoseName;
-    case BatchDeleteOrderModel::PathColumn:
-        return order.netPath;
-    default:
-        return {};
-    }
+    return order.checked ? 0 : 1;
 }
 
-QVariant sortValue(const BatchDeleteOrderInfo &order, int column)
+QVariant counts(const Order &order)
 {
-    if (column == BatchDeleteOrderModel::CheckColumn)
-        return order.checked ? 0 : 1;
-    if (column == BatchDeleteOrderModel::ProgressColumn)
-        return order.total();
-    return shownText(order, column);
+    return QStringLiteral("%1/%2/%3").arg(order.succeeded()).arg(order.failed()).arg(order.total());
 }
+
+constexpr Column columns[] = {
+    Column(Model::CheckColumn, u"选择").sorted(ticksFirst),
+    Column(Model::NumberColumn, u"订单号", from<&Order::displayNumber>),
+    Column(Model::CustomerColumn, u"客户姓名", from<&Order::customers>),
+    Column(Model::PhotographerColumn, u"摄影师", from<&Order::role1>),
+    Column(Model::CompletionColumn, u"结单日期", from<&Order::fulfilTime>),
+    Column(Model::ProgressColumn, u"成功/失败/总数", counts)
+        .sorted(from<&Order::total>)
+        .withTip(from<&Order::note>),
+    Column(Model::RetoucherColumn, u"样前修片师", from<&Order::tiaoseName>),
+    Column(Model::PathColumn, u"导片路径", from<&Order::netPath>),
+};
 
 } // namespace
+
+BatchDeleteOrderModel::BatchDeleteOrderModel(QObject *parent)
+    : OrderTable(records::columnsOf<columns, ColumnCount>(), parent)
+{
+}
 
 void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
                                       const QVector<BatchDeleteOrderInfo> &unlisted)
 {
-    beginResetModel();
     unlisted_ = unlisted;
     QSet<OrderIdentity> listed;
     for (BatchDeleteOrderInfo &order : orders) {
@@ -60,65 +56,46 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
             continue;
         // The folder may be another one by now; then nothing in the earlier one is the order's any
         // more, only that some files are gone has still to be told.
-        const bool moved = orders_.at(before).netPath != order.netPath;
-        if (moved && orders_.at(before).unreported() == 0)
+        const bool moved = records_.at(before).netPath != order.netPath;
+        if (moved && records_.at(before).unreported() == 0)
             continue;
-        order.setFiles(moved ? orders_.at(before).unreportedFiles() : orders_.at(before).files());
-        order.note = orders_.at(before).note;
-        order.listed = orders_.at(before).listed;
-        order.processed = orders_.at(before).processed;
+        order.setFiles(moved ? records_.at(before).unreportedFiles() : records_.at(before).files());
+        order.note = records_.at(before).note;
+        order.listed = records_.at(before).listed;
+        order.processed = records_.at(before).processed;
     }
-    for (BatchDeleteOrderInfo order : qAsConst(orders_)) {
+    for (BatchDeleteOrderInfo order : qAsConst(records_)) {
         if (order.unreported() == 0 || listed.contains(order.identity()))
             continue;
         order.checked = false;
         orders.append(order);
     }
-    orders_ = std::move(orders);
-    rows_.clear();
-    for (int row = 0; row < orders_.size(); ++row)
-        rows_.insert(orders_.at(row).identity(), row);
-    endResetModel();
+    reset(orders);
 }
 
 void BatchDeleteOrderModel::clear()
 {
-    beginResetModel();
-    orders_.clear();
     unlisted_.clear();
-    rows_.clear();
-    endResetModel();
+    reset({});
 }
 
 int BatchDeleteOrderModel::unreported() const
 {
     return std::accumulate(
-        orders_.cbegin(), orders_.cend(), 0,
+        records_.cbegin(), records_.cend(), 0,
         [](int sum, const BatchDeleteOrderInfo &order) { return sum + order.unreported(); });
-}
-
-void BatchDeleteOrderModel::change(int row,
-                                   const std::function<void(BatchDeleteOrderInfo &order)> &change)
-{
-    if (!hasRow(row))
-        return;
-    change(orders_[row]);
-    rowChanged(row);
 }
 
 void BatchDeleteOrderModel::setFile(int row, int index, const BatchDeleteFileInfo &file)
 {
-    if (!hasRow(row))
-        return;
-    orders_[row].setFile(index, file);
-    const QModelIndex cell = this->index(row, ProgressColumn);
-    emit dataChanged(cell, cell);
+    changeCells(row, ProgressColumn, ProgressColumn,
+                [&](BatchDeleteOrderInfo &order) { order.setFile(index, file); });
 }
 
 QVector<BatchDeleteOrderInfo> BatchDeleteOrderModel::checkedOrders() const
 {
     QVector<BatchDeleteOrderInfo> checked;
-    std::copy_if(orders_.cbegin(), orders_.cend(), std::back_inserter(checked),
+    std::copy_if(records_.cbegin(), records_.cend(), std::back_inserter(checked),
                  [](const BatchDeleteOrderInfo &order) { return order.checked; });
     return checked;
 }
@@ -126,57 +103,36 @@ QVector<BatchDeleteOrderInfo> BatchDeleteOrderModel::checkedOrders() const
 Qt::CheckState BatchDeleteOrderModel::allChecked() const
 {
     const auto checked =
-        std::count_if(orders_.cbegin(), orders_.cend(),
+        std::count_if(records_.cbegin(), records_.cend(),
                       [](const BatchDeleteOrderInfo &order) { return order.checked; });
     if (checked == 0)
         return Qt::Unchecked;
-    return checked == orders_.size() ? Qt::Checked : Qt::PartiallyChecked;
+    return checked == records_.size() ? Qt::Checked : Qt::PartiallyChecked;
 }
 
 void BatchDeleteOrderModel::checkAll(bool checked)
 {
-    if (orders_.isEmpty() || !checkable_)
+    if (records_.isEmpty() || !checkable_)
         return;
-    for (BatchDeleteOrderInfo &order : orders_)
+    for (BatchDeleteOrderInfo &order : records_)
         order.checked = checked;
-    emit dataChanged(index(0, CheckColumn), index(orders_.size() - 1, CheckColumn));
+    emit dataChanged(index(0, CheckColumn), index(records_.size() - 1, CheckColumn));
     emit checkStateChanged(checked ? Qt::Checked : Qt::Unchecked);
 }
 
 void BatchDeleteOrderModel::setCheckable(bool checkable)
 {
     checkable_ = checkable;
-    if (!orders_.isEmpty())
-        emit dataChanged(index(0, CheckColumn), index(orders_.size() - 1, CheckColumn));
+    if (!records_.isEmpty())
+        emit dataChanged(index(0, CheckColumn), index(records_.size() - 1, CheckColumn));
 }
 
-int BatchDeleteOrderModel::rowCount(const QModelIndex &parent) const
+QVariant BatchDeleteOrderModel::other(const BatchDeleteOrderInfo &order, int column, int role) const
 {
-    return parent.isValid() ? 0 : orders_.size();
-}
-
-int BatchDeleteOrderModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : int(ColumnCount);
-}
-
-QVariant BatchDeleteOrderModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.row() >= orders_.size())
-        return {};
-    const BatchDeleteOrderInfo &order = orders_.at(index.row());
     switch (role) {
-    case Qt::DisplayRole:
-        return shownText(order, index.column());
     case Qt::CheckStateRole:
-        return index.column() == CheckColumn
-                   ? QVariant(int(order.checked ? Qt::Checked : Qt::Unchecked))
-                   : QVariant();
-    case Qt::ToolTipRole:
-        return index.column() == ProgressColumn && !order.note.isEmpty() ? QVariant(order.note)
-                                                                         : QVariant();
-    case SortRole:
-        return sortValue(order, index.column());
+        return column == CheckColumn ? QVariant(int(order.checked ? Qt::Checked : Qt::Unchecked))
+                                     : QVariant();
     case PercentRole:
         return order.total() == 0
                    ? 0
@@ -197,7 +153,7 @@ bool BatchDeleteOrderModel::setData(const QModelIndex &index, const QVariant &va
     if (!index.isValid() || index.column() != CheckColumn || role != Qt::CheckStateRole ||
         !checkable_)
         return false;
-    orders_[index.row()].checked = value.toInt() == Qt::Checked;
+    records_[index.row()].checked = value.toInt() == Qt::Checked;
     emit dataChanged(index, index);
     emit checkStateChanged(value.toInt());
     return true;
@@ -209,20 +165,4 @@ Qt::ItemFlags BatchDeleteOrderModel::flags(const QModelIndex &index) const
     if (index.column() == CheckColumn && checkable_)
         flags |= Qt::ItemIsUserCheckable;
     return flags;
-}
-
-QVariant BatchDeleteOrderModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    static const QStringList headers{QStringLiteral("选择"),       QStringLiteral("订单号"),
-                                     QStringLiteral("客户姓名"),   QStringLiteral("摄影师"),
-                                     QStringLiteral("结单日期"),   QStringLiteral("成功/失败/总数"),
-                                     QStringLiteral("样前修片师"), QStringLiteral("导片路径")};
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    return headers.value(section);
-}
-
-void BatchDeleteOrderModel::rowChanged(int row)
-{
-    emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
 }
