@@ -2,9 +2,11 @@
 
 #include "look/colours.h"
 
-#include <QColor>
-
 namespace {
+
+using Model = ImportFileTableModel;
+using Column = records::Column<ImportFile>;
+using records::from;
 
 QVariant stateText(const ImportFile &file)
 {
@@ -20,104 +22,57 @@ QVariant stateText(const ImportFile &file)
     }
 }
 
-QVariant stateColour(qint32 state)
+QColor stateColour(const ImportFile &file)
 {
-    switch (state) {
+    switch (file.state) {
     case ImportFile::Waiting:
-        return QColor(colours::muted);
+        return colours::muted;
     case ImportFile::Imported:
-        return QColor(colours::success);
+        return colours::success;
     case ImportFile::Failed:
-        return QColor(colours::failure);
+        return colours::failure;
     default:
         return {};
     }
 }
 
+QVariant action(const ImportFile &file)
+{
+    return file.state == ImportFile::Failed ? QStringLiteral("retry") : QString();
+}
+
+constexpr Column columns[] = {
+    Column(Model::FileNameColumn, u"文件名", from<&ImportFile::fileName>)
+        .withTip(from<&ImportFile::sourcePath>),
+    Column(Model::StateColumn, u"导入状态", stateText).centred().coloured(stateColour),
+    Column(Model::ActionColumn, u"操作", action).centred(),
+    Column(Model::TargetColumn, u"导入路径", from<&ImportFile::targetFolder>),
+};
+
 } // namespace
 
 ImportFileTableModel::ImportFileTableModel(QObject *parent)
-    : QAbstractTableModel(parent)
-    , headers_{QStringLiteral("文件名"), QStringLiteral("导入状态"), QStringLiteral("操作"),
-               QStringLiteral("导入路径")}
+    : RecordTable(records::columnsOf<columns, ColumnCount>(), parent)
 {
-}
-
-void ImportFileTableModel::setFiles(const QVector<ImportFile> &files)
-{
-    beginResetModel();
-    files_ = files;
-    endResetModel();
-}
-
-void ImportFileTableModel::clear()
-{
-    setFiles({});
 }
 
 void ImportFileTableModel::append(const ImportFile &file)
 {
-    beginInsertRows({}, files_.size(), files_.size());
-    files_.append(file);
+    beginInsertRows({}, records_.size(), records_.size());
+    records_.append(file);
     endInsertRows();
 }
 
 void ImportFileTableModel::updateRow(int row, qint32 state, const QString &message)
 {
-    if (row < 0 || row >= files_.size())
-        return;
-    files_[row].state = state;
-    files_[row].message = message;
-    emit dataChanged(index(row, StateColumn), index(row, ActionColumn));
+    changeCells(row, StateColumn, ActionColumn, [&](ImportFile &file) {
+        file.state = state;
+        file.message = message;
+    });
 }
 
-int ImportFileTableModel::rowCount(const QModelIndex &parent) const
+QVariant ImportFileTableModel::other(const ImportFile &file, int column, int role) const
 {
-    return parent.isValid() ? 0 : files_.size();
-}
-
-int ImportFileTableModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : headers_.size();
-}
-
-QVariant ImportFileTableModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.row() >= files_.size())
-        return {};
-    const ImportFile &file = files_.at(index.row());
-    switch (role) {
-    case StateRole:
-        return int(file.state);
-    case Qt::DisplayRole:
-        switch (index.column()) {
-        case FileNameColumn:
-            return file.fileName();
-        case StateColumn:
-            return stateText(file);
-        case ActionColumn:
-            return file.state == ImportFile::Failed ? QStringLiteral("retry") : QString();
-        case TargetColumn:
-            return file.targetFolder;
-        default:
-            return {};
-        }
-    case Qt::ToolTipRole:
-        return index.column() == FileNameColumn ? QVariant(file.sourcePath) : QVariant();
-    case Qt::TextAlignmentRole:
-        if (index.column() == StateColumn || index.column() == ActionColumn)
-            return int(Qt::AlignHCenter | Qt::AlignVCenter);
-        return {};
-    case Qt::ForegroundRole:
-        return index.column() == StateColumn ? stateColour(file.state) : QVariant();
-    default:
-        return {};
-    }
-}
-
-QVariant ImportFileTableModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    return headers_.value(section);
+    Q_UNUSED(column)
+    return role == StateRole ? int(file.state) : QVariant();
 }

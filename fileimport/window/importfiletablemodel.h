@@ -1,13 +1,13 @@
 #pragma once
 
 #include "fileimport/rules/importrecords.h"
+#include "records/recordtable.h"
 
-#include <QAbstractTableModel>
 #include <QString>
 #include <QVector>
 
 /// The files of the order shown, one a row, with their state.
-class ImportFileTableModel : public QAbstractTableModel
+class ImportFileTableModel : public RecordTable<ImportFile>
 {
     Q_OBJECT
 
@@ -18,20 +18,13 @@ public:
 
     explicit ImportFileTableModel(QObject *parent = nullptr);
 
-    void setFiles(const QVector<ImportFile> &files);
-    void clear();
+    void setFiles(const QVector<ImportFile> &files) { reset(files); }
+    void clear() { reset({}); }
     void append(const ImportFile &file);
-    const QVector<ImportFile> &files() const { return files_; }
+    const QVector<ImportFile> &files() const { return records_; }
     /// Rows out of range are ignored.
     void updateRow(int row, qint32 state, const QString &message);
 
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
 private:
-    QVector<ImportFile> files_;
-    QStringList headers_;
+    QVariant other(const ImportFile &file, int column, int role) const override;
 };
