@@ -23,14 +23,15 @@ QByteArray fittingProfile(const QByteArray &profile, bool isGray)
 QString encode(QImage image, const PictureWriting &how, QByteArray *bytes)
 {
     CameraData added;
+    const bool isGray = image.format() == QImage::Format_Grayscale8;
     if (isJpeg(how.format)) {
-        const bool isGray = image.format() == QImage::Format_Grayscale8;
         added.exif = exifOfUpright(how.cameraData.exif, image.size());
         added.profile = fittingProfile(how.cameraData.profile, isGray);
-        // The one that was read is more than its approximation, and a grey picture takes no other.
-        if (isGray || !added.profile.isEmpty())
-            image.setColorSpace({});
     }
+    // The one that was read is more than its approximation, a grey picture takes no other, and what
+    // Qt could not make anything of, such as one for inks, it would write as it came.
+    if (isGray || !added.profile.isEmpty() || !image.colorSpace().isValid())
+        image.setColorSpace({});
     QBuffer buffer(bytes);
     QImageWriter writer(&buffer, how.format);
     if (how.quality >= 0)

@@ -92,9 +92,11 @@ QImage turned(const QImage &image, int degrees)
     return result;
 }
 
-QImage scaled(const QImage &image, const QSize &size, Qt::AspectRatioMode mode)
+/// \a size has the proportions of \a image as nearly as whole pixels can. Fitting the picture in by
+/// its own, which are rounded, too, would cost lines of pixels at the long side.
+QImage scaled(const QImage &image, const QSize &size)
 {
-    QImage result = image.scaled(size, mode, Qt::SmoothTransformation);
+    QImage result = image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     if (image.format() == QImage::Format_Grayscale8)
         result = result.convertToFormat(image.format()); // which scaling loses
     return result;
@@ -118,9 +120,7 @@ QImage readLargeUpright(PictureReader &reader, const QSize &size, const QString 
                 .arg(image.height())
                 .arg(target.width())
                 .arg(target.height()));
-        // The size has the proportions of the original, which the rounded one just read only nearly
-        // has: fitting that in would cost a line of pixels.
-        image = scaled(image, target, Qt::IgnoreAspectRatio);
+        image = scaled(image, target);
     }
     if (image.isNull())
         log(QStringLiteral("超大图片渐进式旋转拷贝读取失败，回退到直接拷贝:"), source);
@@ -253,7 +253,7 @@ QImage scaledToLongSide(const QImage &image, int longSide, const QString &source
         log(QStringLiteral("当前尺寸已接近目标尺寸，跳过缩放"));
         return image;
     }
-    QImage result = scaled(image, wanted, Qt::KeepAspectRatio);
+    QImage result = scaled(image, wanted);
     if (result.isNull())
         log(QStringLiteral("最终缩放失败:"), source);
     return result;

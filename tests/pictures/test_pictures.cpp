@@ -85,6 +85,26 @@ QByteArray profileFor(const char *colours, int size = 200)
     return profile.replace(16, 4, colours).replace(36, 4, "acsp");
 }
 
+/// A JPEG in four inks, all of them half on, with the tables of \a gray.
+QByteArray inksOf(const QByteArray &gray, const QSize &size)
+{
+    const int frame = gray.indexOf("\xff\xc0");
+    const int frameEnd = gray.indexOf("\xff\xc4", frame);
+    const int scan = gray.indexOf("\xff\xda", frameEnd);
+    QByteArray head("\xff\xc0\x00\x14", 4);
+    head += gray.mid(frame + 4, 5) + '\x04';
+    QByteArray order("\xff\xda\x00\x0e\x04", 5);
+    for (const char ink : {'C', 'M', 'Y', 'K'}) {
+        head += QByteArray(1, ink) + QByteArray("\x11\x00", 2);
+        order += QByteArray(1, ink) + QByteArray("\x00", 1);
+    }
+    order += QByteArray("\x00\x3f\x00", 3);
+    // Per block: no difference, end.
+    const QByteArray fourBlocks("\x28\xa2\x8a");
+    return gray.left(frame) + head + gray.mid(frameEnd, scan - frameEnd) + order +
+           fourBlocks.repeated(size.width() * size.height() / 64) + "\xff\xd9";
+}
+
 /// A camera's block: a directory of the picture, one of the exposure, a linked preview. As the
 /// camera writes it, or as it is to be for a picture that was turned and has 400 times 600 pixels.
 class CameraBlock
@@ -266,36 +286,47 @@ private slots:
 
     void profiles_data()
     {
-        addColumns<bool, QByteArray, bool>({"gray", "profile", "kept"});
-        newRow("gray", true, profileFor("GRAY"), true);
-        newRow("gray, of several pieces", true, profileFor("GRAY", 200000), true);
-        newRow("gray, for colours", true, profileFor("RGB "), false);
-        newRow("colours", false, profileFor("RGB "), true);
-        newRow("colours, for gray", false, profileFor("GRAY"), false);
-        newRow("colours, for inks", false, profileFor("CMYK"), false);
-        newRow("cut", false, profileFor("RGB ").left(150), false);
+        addColumns<int, QByteArray, bool>({"components", "profile", "kept"});
+        const QByteArray adobe = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
+        newRow("gray", 1, profileFor("GRAY"), true);
+        newRow("gray, of several pieces", 1, profileFor("GRAY", 200000), true);
+        newRow("gray, for colours", 1, profileFor("RGB "), false);
+        newRow("gray, for known colours", 1, adobe, false);
+        newRow("colours", 3, profileFor("RGB "), true);
+        newRow("known colours", 3, adobe, true);
+        newRow("colours, for gray", 3, profileFor("GRAY"), false);
+        newRow("colours, for inks", 3, profileFor("CMYK"), false);
+        newRow("cut", 3, profileFor("RGB ").left(150), false);
+        newRow("inks", 4, profileFor("CMYK"), false); // become colours when they are read
     }
 
     void profiles()
     {
-        QFETCH(bool, gray);
+        QFETCH(int, components);
         QFETCH(QByteArray, profile);
         QFETCH(bool, kept);
+        const QImage picture = cornerPicture({96, 64});
+        const QImage gray = picture.convertToFormat(QImage::Format_Grayscale8);
+        const QByteArray plain = components == 4 ? inksOf(jpegOf(gray), gray.size())
+                                                 : jpegOf(components == 1 ? gray : picture);
+        PictureReader source(withCameraData(plain, {{}, profile}));
+        source.setScaledSize({48, 32});
+        const QImage read = source.read();
+        QVERIFY(!read.isNull());
         QTemporaryDir folder;
-        QImage picture = cornerPicture({90, 60});
-        picture.setColorSpace(QColorSpace::AdobeRgb);
-        if (gray)
-            picture = picture.convertToFormat(QImage::Format_Grayscale8);
-        const QString path = folder.filePath("a"_s);
-        QCOMPARE(writePicture(picture, path, {"jpg", 90, {}, {{}, profile}}), QString());
-        PictureReader reader(path, picturebounds::imported);
-        const QByteArray found = reader.cameraData().profile;
-        const QImage read = reader.read();
-        QCOMPARE(read.isGrayscale(), gray);
-        if (kept)
-            QCOMPARE(found, profile);
-        else // that of the picture as it was read, which a grey one cannot take
-            QCOMPARE(read.colorSpace().isValid(), !gray);
+        for (const char *format : {"jpg", "png"}) {
+            const QString path = folder.filePath("a"_s);
+            QCOMPARE(writePicture(read, path, {format, 90, {}, {{}, source.cameraData().profile}}),
+                     QString());
+            PictureReader reader(path, picturebounds::imported);
+            const QImage written = reader.read();
+            QCOMPARE(written.format() == QImage::Format_Grayscale8, components == 1);
+            if (*format == 'j')
+                QCOMPARE(reader.cameraData().profile, kept ? profile : QByteArray());
+            else // where only known ones can be kept
+                QVERIFY(written.colorSpace().isValid() ||
+                        written.colorSpace().iccProfile().isEmpty());
+        }
     }
 
     void grayStaysGrayWhenReadSmaller()
