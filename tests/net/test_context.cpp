@@ -89,16 +89,6 @@ private slots:
         QVERIFY(K::instance()->loadLoginData().isEmpty());
     }
 
-    void entryPointKeepsTheFirstAddress()
-    {
-        const QString entry = AccountContext::indexUrl;
-        QVERIFY(entry.endsWith("/index.php?"_s));
-        const QString before = AccountContext::baseUrl;
-        AccountContext::baseUrl = "https://other.example"_s;
-        QCOMPARE(AccountContext::indexUrl, entry);
-        AccountContext::baseUrl = before;
-    }
-
     void readsTheInstallation_data()
     {
         // environment: url, ca-file, tls-verify; expected: the same; <> is the folder, - the
@@ -152,12 +142,6 @@ private slots:
                                         QString::number(int(read.verifiesCertificates)));
         told.replace(folder.path(), "<>"_s);
         QTEST(told, "expected");
-    }
-
-    void looksBesideTheProgram()
-    {
-        QCOMPARE(Installation::standardFile(),
-                 QCoreApplication::applicationDirPath() + "/tessavo-tools.ini"_s);
     }
 };
 

@@ -328,15 +328,6 @@ private slots:
                         written.colorSpace().iccProfile().isEmpty());
         }
     }
-
-    void grayStaysGrayWhenReadSmaller()
-    {
-        const QByteArray jpeg =
-            jpegOf(cornerPicture({900, 600}).convertToFormat(QImage::Format_Grayscale8));
-        PictureReader reader(jpeg);
-        reader.setScaledSize({90, 60});
-        QCOMPARE(reader.read().format(), QImage::Format_Grayscale8);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestPictures)
