@@ -19,11 +19,6 @@ public:
     static constexpr int SortRole = Qt::UserRole + 0x100;
 
     bool hasRow(int row) const { return row >= 0 && row < records_.size(); }
-    /// Applies \a edit to one record and announces its row. Rows out of range are ignored.
-    void change(int row, const std::function<void(Record &record)> &edit)
-    {
-        changeCells(row, 0, columns_.count - 1, edit);
-    }
 
     int rowCount(const QModelIndex &parent = {}) const override
     {
@@ -76,7 +71,7 @@ protected:
     {
     }
 
-    /// What the columns read of a row.
+    /// What the columns read of a row; made of its record alone unless a model knows more of it.
     virtual Shown shown(int row) const
     {
         if constexpr (std::is_reference_v<Shown>)
@@ -100,6 +95,11 @@ protected:
         endResetModel();
     }
 
+    /// Applies \a edit to one record and announces its row. Rows out of range are ignored.
+    void change(int row, const std::function<void(Record &record)> &edit)
+    {
+        changeCells(row, 0, columns_.count - 1, edit);
+    }
     /// The same where only some columns tell what changed.
     void changeCells(int row, int firstColumn, int lastColumn,
                      const std::function<void(Record &record)> &edit)

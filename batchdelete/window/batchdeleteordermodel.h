@@ -41,6 +41,7 @@ public:
     int unreported() const;
     /// Those and what cannot be listed: all that have a folder that may have to be kept.
     QVector<BatchDeleteOrderInfo> ordersWithFolders() const { return records_ + unlisted_; }
+    using OrderTable::change;
     /// One file of the order changed.
     void setFile(int row, int index, const BatchDeleteFileInfo &file);
 

@@ -1,45 +1,79 @@
 #include "distribution/window/distributionordermodel.h"
 
-#include <QStringList>
-
 namespace {
 
-struct ColumnInfo
-{
-    QString header;
-    QString OrderData::*member; ///< null: not one member's text
-};
+using Model = DistributionOrderModel;
+using Order = OrderData;
+using Column = records::Column<TickedOrder>;
 
-const ColumnInfo columns[] = {
-    {QString(), nullptr},
-    {QStringLiteral("订单号"), nullptr},
-    {QStringLiteral("男士姓名"), &OrderData::mname},
-    {QStringLiteral("女士姓名"), &OrderData::wname},
-    {QStringLiteral("摄影师"), &OrderData::role1},
-    {QStringLiteral("套系"), &OrderData::comboName},
-    {QStringLiteral("拍照日期"), &OrderData::shotDate},
-    {QStringLiteral("初修数/精修数"), nullptr},
-    {QStringLiteral("化妆师"), &OrderData::role2},
-    {QStringLiteral("选片师"), &OrderData::selectPhotoName},
-    {QStringLiteral("选片日期"), nullptr},
-    {QStringLiteral("选片完成时间"), &OrderData::selectPhotoTime},
-    {QStringLiteral("男士电话"), &OrderData::mphone},
-    {QStringLiteral("女士电话"), &OrderData::wphone},
-    {QStringLiteral("订单金额"), &OrderData::orderPrice},
+template <auto part> QVariant from(const TickedOrder &row)
+{
+    return records::from<part, QVariant>(row.order);
+}
+
+QVariant number(const TickedOrder &row)
+{
+    return row.order.serviceTimes.isEmpty()
+               ? row.order.orderPayForKey
+               : row.order.orderPayForKey + QLatin1Char('-') + row.order.serviceTimes;
+}
+
+QVariant photoCount(const TickedOrder &row)
+{
+    return row.order.images.size();
+}
+
+QVariant photoCounts(const TickedOrder &row)
+{
+    const QString &retouched = row.order.numberJingxiu;
+    return QStringLiteral("%1/%2").arg(QString::number(row.order.images.size()),
+                                       retouched.isEmpty() ? QStringLiteral("0") : retouched);
+}
+
+QVariant selectionDate(const TickedOrder &row)
+{
+    return row.order.selectPhotoTime.section(QLatin1Char(' '), 0, 0);
+}
+
+QVariant amount(const TickedOrder &row)
+{
+    return row.order.orderPrice.toDouble();
+}
+
+QVariant tick(const TickedOrder &row)
+{
+    return row.ticked;
+}
+
+constexpr Column columns[] = {
+    Column(Model::TickColumn, u"").sorted(tick),
+    Column(Model::NumberColumn, u"订单号", number),
+    Column(Model::ManColumn, u"男士姓名", from<&Order::mname>),
+    Column(Model::WomanColumn, u"女士姓名", from<&Order::wname>),
+    Column(Model::PhotographerColumn, u"摄影师", from<&Order::role1>),
+    Column(Model::PackageColumn, u"套系", from<&Order::comboName>),
+    Column(Model::ShotDateColumn, u"拍照日期", from<&Order::shotDate>),
+    Column(Model::RetouchedColumn, u"初修数/精修数", photoCounts).sorted(photoCount),
+    Column(Model::MakeUpColumn, u"化妆师", from<&Order::role2>),
+    Column(Model::ConsultantColumn, u"选片师", from<&Order::selectPhotoName>),
+    Column(Model::SelectionDateColumn, u"选片日期", selectionDate),
+    Column(Model::SelectedAtColumn, u"选片完成时间", from<&Order::selectPhotoTime>),
+    Column(Model::ManPhoneColumn, u"男士电话", from<&Order::mphone>),
+    Column(Model::WomanPhoneColumn, u"女士电话", from<&Order::wphone>),
+    Column(Model::PriceColumn, u"订单金额", from<&Order::orderPrice>).sorted(amount),
 };
 
 } // namespace
 
-DistributionOrderModel::DistributionOrderModel(QObject *parent) : QAbstractTableModel(parent)
+DistributionOrderModel::DistributionOrderModel(QObject *parent)
+    : OrderTable(records::columnsOf<columns, ColumnCount>(), parent)
 {
 }
 
 void DistributionOrderModel::setOrders(const QVector<OrderData> &orders)
 {
-    beginResetModel();
-    orders_ = orders;
     ticked_.clear();
-    endResetModel();
+    reset(orders);
 }
 
 bool DistributionOrderModel::isTicked(int row) const
@@ -62,68 +96,22 @@ void DistributionOrderModel::setTicked(int row, bool ticked)
 
 void DistributionOrderModel::setAllTicked(bool ticked)
 {
-    for (int row = 0; row < orders_.size(); ++row)
+    for (int row = 0; row < records_.size(); ++row)
         setTicked(row, ticked);
 }
 
-int DistributionOrderModel::rowCount(const QModelIndex &parent) const
+TickedOrder DistributionOrderModel::shown(int row) const
 {
-    return parent.isValid() ? 0 : orders_.size();
+    return {order(row), isTicked(row)};
 }
 
-int DistributionOrderModel::columnCount(const QModelIndex &parent) const
+QVariant DistributionOrderModel::other(const TickedOrder &row, int column, int role) const
 {
-    return parent.isValid() ? 0 : int(ColumnCount);
-}
-
-QString DistributionOrderModel::text(const OrderData &order, int column) const
-{
-    switch (column) {
-    case TickColumn:
+    if (column != TickColumn)
         return {};
-    case NumberColumn:
-        return order.serviceTimes.isEmpty()
-                   ? order.orderPayForKey
-                   : order.orderPayForKey + QLatin1Char('-') + order.serviceTimes;
-    case RetouchedColumn:
-        return QStringLiteral("%1/%2").arg(QString::number(order.images.size()),
-                                           order.numberJingxiu.isEmpty() ? QStringLiteral("0")
-                                                                         : order.numberJingxiu);
-    case SelectionDateColumn:
-        return order.selectPhotoTime.section(QLatin1Char(' '), 0, 0);
-    default:
-        return order.*columns[column].member;
-    }
-}
-
-QVariant DistributionOrderModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || !hasRow(index.row()))
-        return {};
-    const OrderData &order = orders_.at(index.row());
-    const int column = index.column();
-    if (role == Qt::DisplayRole)
-        return text(order, column);
-    if (role == Qt::CheckStateRole && column == TickColumn)
-        return isTicked(index.row()) ? Qt::Checked : Qt::Unchecked;
-    if (role == Qt::AccessibleTextRole && column == TickColumn)
-        return isTicked(index.row()) ? QStringLiteral("已勾选") : QStringLiteral("未勾选");
-    if (role != SortRole)
-        return {};
-    if (column == TickColumn)
-        return isTicked(index.row());
-    if (column == PriceColumn)
-        return order.orderPrice.toDouble();
-    if (column == RetouchedColumn)
-        return order.images.size();
-    return text(order, column);
-}
-
-QVariant DistributionOrderModel::headerData(int section, Qt::Orientation orientation,
-                                            int role) const
-{
-    if (orientation != Qt::Horizontal || section < 0 || section >= ColumnCount ||
-        role != Qt::DisplayRole)
-        return {};
-    return columns[section].header;
+    if (role == Qt::CheckStateRole)
+        return row.ticked ? Qt::Checked : Qt::Unchecked;
+    if (role == Qt::AccessibleTextRole)
+        return row.ticked ? QStringLiteral("已勾选") : QStringLiteral("未勾选");
+    return {};
 }

@@ -1,14 +1,20 @@
 #pragma once
 
 #include "distribution/rules/orderdata.h"
+#include "records/ordertable.h"
 
-#include <QAbstractTableModel>
 #include <QSet>
 #include <QVector>
 
-/// The distribution window's list of orders, one a row, each with a tick. It owns the records; a
-/// row is the order's position in the list, which sorting in a view never changes.
-class DistributionOrderModel : public QAbstractTableModel
+/// A row of the distribution window's list.
+struct TickedOrder
+{
+    const OrderData &order;
+    bool ticked = false;
+};
+
+/// The distribution window's list of orders, each with a tick.
+class DistributionOrderModel : public OrderTable<OrderData, TickedOrder>
 {
     Q_OBJECT
 
@@ -31,32 +37,23 @@ public:
         PriceColumn,
         ColumnCount
     };
-    static constexpr int SortRole = Qt::UserRole; ///< numbers as numbers
 
     explicit DistributionOrderModel(QObject *parent = nullptr);
 
     /// Nothing is ticked afterwards.
     void setOrders(const QVector<OrderData> &orders);
-    bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
-    const OrderData &order(int row) const { return orders_.at(row); }
 
     bool isTicked(int row) const;
     void setTicked(int row, bool ticked);
     void setAllTicked(bool ticked);
     int tickedCount() const { return ticked_.size(); }
 
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
 signals:
     void tickedChanged(int row, bool ticked);
 
 private:
-    QString text(const OrderData &order, int column) const;
+    TickedOrder shown(int row) const override;
+    QVariant other(const TickedOrder &row, int column, int role) const override;
 
-    QVector<OrderData> orders_;
     QSet<int> ticked_; ///< rows
 };

@@ -30,6 +30,7 @@ public:
     explicit ImportOrderTableModel(QObject *parent = nullptr);
 
     void setOrders(const QVector<ImportOrder> &orders) { reset(orders); }
+    using OrderTable::change;
     /// Those with a file that is not imported.
     QVector<ImportOrder> unfinished() const;
 
