@@ -1,10 +1,92 @@
 #include "photoimport/orders/tforderlistmodel.h"
 
-#include <QColor>
-
 #include <algorithm>
 
-tforderlistmodel::tforderlistmodel(QObject *parent) : QAbstractTableModel(parent)
+namespace {
+
+using Model = tforderlistmodel;
+using Column = records::Column<PhotoOrderRow>;
+
+template <auto part> QVariant from(const PhotoOrderRow &row)
+{
+    return records::from<part, QVariant>(row.order);
+}
+
+QVariant stateText(const PhotoOrderRow &row)
+{
+    return photoorders::stateText(row.order, row.photoMode);
+}
+
+QColor stateColour(const PhotoOrderRow &row)
+{
+    return photoorders::stateColour(row.order, row.photoMode);
+}
+
+QString refusalTip(const PhotoOrderRow &row)
+{
+    return row.order.folderRefusal.isEmpty()
+               ? QString()
+               : QStringLiteral("导片目录登记失败: ") + row.order.folderRefusal;
+}
+
+QVariant progress(const PhotoOrderRow &row)
+{
+    const FilesSummary &summary = row.order.summary(row.photoMode);
+    if (summary.files == 0)
+        return -1.0;
+    return summary.bytes > 0 ? double(summary.bytesReported) / double(summary.bytes)
+                             : double(summary.reported) / double(summary.files);
+}
+
+QVariant chosen(const PhotoOrderRow &row)
+{
+    const int files = row.order.summary(row.photoMode).files;
+    return files > 0 ? QVariant(files) : QVariant(QString());
+}
+
+QVariant imported(const PhotoOrderRow &row)
+{
+    return row.order.imported(row.photoMode).size();
+}
+
+QVariant shotDateText(const PhotoOrderRow &row)
+{
+    return row.order.info.shotDateText;
+}
+
+QVariant shotDate(const PhotoOrderRow &row)
+{
+    const auto &date = row.order.info.shotDate;
+    return date.year + date.month + date.day;
+}
+
+QVariant photographer(const PhotoOrderRow &row)
+{
+    return row.order.info.role1;
+}
+
+QVariant folder(const PhotoOrderRow &row)
+{
+    const QString folder = row.order.folder();
+    return folder.isEmpty() ? QStringLiteral("未选择") : folder;
+}
+
+constexpr Column columns[] = {
+    Column(Model::NumberColumn, u"订单号", from<&PhotoOrder::displayNumber>),
+    Column(Model::CustomersColumn, u"客人", from<&PhotoOrder::customers>),
+    Column(Model::StateColumn, u"状态", stateText).coloured(stateColour).withTip(refusalTip),
+    Column(Model::ProgressColumn, u"进度").sorted(progress),
+    Column(Model::ChosenColumn, u"本次已选", chosen).centred(),
+    Column(Model::ImportedColumn, u"已导", imported).centred(),
+    Column(Model::ShotDateColumn, u"拍照日期", shotDateText).sorted(shotDate),
+    Column(Model::PhotographerColumn, u"摄影师", photographer),
+    Column(Model::PathColumn, u"导片路径", folder),
+};
+
+} // namespace
+
+tforderlistmodel::tforderlistmodel(QObject *parent)
+    : OrderTable(records::columnsOf<columns, ColumnCount>(), parent)
 {
 }
 
@@ -13,108 +95,100 @@ void tforderlistmodel::setPhotoMode(int mode)
     if (mode == photoMode_)
         return;
     photoMode_ = mode;
-    if (!orders_.isEmpty())
-        emit dataChanged(index(0, 0), index(orders_.size() - 1, ColumnCount - 1));
+    if (!records_.isEmpty())
+        emit dataChanged(index(0, 0), index(records_.size() - 1, ColumnCount - 1));
 }
 
-void tforderlistmodel::setOrders(const QVector<PhotoOrder> &orders)
+void tforderlistmodel::setOrders(QVector<PhotoOrder> orders)
 {
-    beginResetModel();
-    orders_ = orders;
-    rows_.clear();
     stale_.clear();
-    for (int row = 0; row < orders_.size(); ++row) {
-        rows_.insert(orders_.at(row).identity(), row);
-        orders_[row].resummarise();
-    }
-    endResetModel();
+    for (PhotoOrder &order : orders)
+        order.resummarise();
+    reset(orders);
+}
+
+void tforderlistmodel::change(int row, const std::function<void(PhotoOrder &order)> &edit)
+{
+    stale_.remove(row);
+    OrderTable::change(row, [&edit](PhotoOrder &order) {
+        edit(order);
+        order.resummarise();
+    });
 }
 
 void tforderlistmodel::addFiles(int row, const QVector<SourceFile> &files)
 {
-    if (!hasRow(row))
-        return;
-    orders_[row].files(photoMode_) += files;
-    announce(row);
+    change(row, [&](PhotoOrder &order) { order.files(photoMode_) += files; });
 }
 
 void tforderlistmodel::removeFiles(int row, const QVector<int> &indexes)
 {
-    if (!hasRow(row))
-        return;
-    QVector<SourceFile> &files = orders_[row].files(photoMode_);
-    QVector<SourceFile> kept;
-    const QSet<int> removed(indexes.cbegin(), indexes.cend());
-    for (int index = 0; index < files.size(); ++index) {
-        if (!removed.contains(index))
-            kept.append(files.at(index));
-    }
-    files = kept;
-    announce(row);
+    change(row, [&](PhotoOrder &order) {
+        QVector<SourceFile> &files = order.files(photoMode_);
+        QVector<SourceFile> kept;
+        const QSet<int> removed(indexes.cbegin(), indexes.cend());
+        for (int index = 0; index < files.size(); ++index) {
+            if (!removed.contains(index))
+                kept.append(files.at(index));
+        }
+        files = kept;
+    });
 }
 
 void tforderlistmodel::setRun(int row, PhotoOrder::Run run)
 {
-    if (!hasRow(row) || orders_.at(row).run == run)
-        return;
-    orders_[row].run = run;
-    announce(row);
+    if (hasRow(row) && order(row).run != run)
+        change(row, [run](PhotoOrder &order) { order.run = run; });
 }
 
 void tforderlistmodel::setFolderRefusal(int row, const QString &reason)
 {
-    if (!hasRow(row))
-        return;
-    orders_[row].folderRefusal = reason;
-    announce(row);
+    change(row, [&reason](PhotoOrder &order) { order.folderRefusal = reason; });
 }
 
 void tforderlistmodel::forgetDeleted(int row, const QStringList &ids, const QStringList &names)
 {
-    if (!hasRow(row))
-        return;
-    for (auto &photos : orders_[row].importedByMode) {
-        const auto gone = std::remove_if(photos.begin(), photos.end(), [&ids](const auto &photo) {
-            return ids.contains(photo.id);
-        });
-        photos.erase(gone, photos.end());
-    }
-    QVector<SourceFile> &files = orders_[row].files(photoMode_);
-    const auto gone = std::remove_if(files.begin(), files.end(), [&names](const SourceFile &file) {
-        return file.isComplete() && names.contains(file.name, Qt::CaseInsensitive);
+    change(row, [&](PhotoOrder &order) {
+        for (auto &photos : order.importedByMode) {
+            const auto gone =
+                std::remove_if(photos.begin(), photos.end(),
+                               [&ids](const auto &photo) { return ids.contains(photo.id); });
+            photos.erase(gone, photos.end());
+        }
+        QVector<SourceFile> &files = order.files(photoMode_);
+        const auto gone =
+            std::remove_if(files.begin(), files.end(), [&names](const SourceFile &file) {
+                return file.isComplete() && names.contains(file.name, Qt::CaseInsensitive);
+            });
+        files.erase(gone, files.end());
     });
-    files.erase(gone, files.end());
-    announce(row);
 }
 
 void tforderlistmodel::refreshInfo(const QVector<PhotoOrder> &found)
 {
     for (const PhotoOrder &renewed : found) {
-        const int row = rowOf(renewed.identity());
-        if (row < 0)
-            continue;
-        orders_[row].info = renewed.info;
-        orders_[row].importedByMode = renewed.importedByMode;
-        announce(row);
+        change(rowOf(renewed.identity()), [&renewed](PhotoOrder &order) {
+            order.info = renewed.info;
+            order.importedByMode = renewed.importedByMode;
+        });
     }
 }
 
 void tforderlistmodel::resetFailedJobs(int row, const QVector<int> &indexes)
 {
-    if (!hasRow(row))
-        return;
     const QSet<int> wanted(indexes.cbegin(), indexes.cend());
-    QVector<SourceFile> &files = orders_[row].files(photoMode_);
-    for (int index = 0; index < files.size(); ++index) {
-        // Most have not; looking must not copy what is shared with the panel.
-        if (!files.at(index).hasFailed() || !(wanted.isEmpty() || wanted.contains(index)))
-            continue;
-        for (SourceJob &job : files[index].jobs) {
-            if (job.state == JobState::Failed)
-                job = {job.kind, JobState::Waiting, {}};
+    change(row, [&](PhotoOrder &order) {
+        QVector<SourceFile> &files = order.files(photoMode_);
+        for (int index = 0; index < files.size(); ++index) {
+            // Most have not; looking must not copy what is shared with the panel.
+            if (!files.at(index).hasFailed() || !(wanted.isEmpty() || wanted.contains(index)))
+                continue;
+            for (SourceJob &job : files[index].jobs) {
+                if (job.state == JobState::Failed)
+                    job = {job.kind, JobState::Waiting, {}};
+            }
         }
-    }
-    announce(row);
+    });
 }
 
 SourceFile *tforderlistmodel::fileOf(const OrderIdentity &orderId, const PhotoInfo &job,
@@ -124,7 +198,7 @@ SourceFile *tforderlistmodel::fileOf(const OrderIdentity &orderId, const PhotoIn
     *position = -1;
     if (row < 0)
         return nullptr;
-    QVector<SourceFile> &files = orders_[row].files(photoMode_);
+    QVector<SourceFile> &files = records_[row].files(photoMode_);
     int index = job.sourceIndex;
     if (index < 0 || index >= files.size() || files.at(index).path != job.sourcePath) {
         const auto found =
@@ -169,14 +243,7 @@ void tforderlistmodel::flush()
 {
     const QSet<int> rows = stale_;
     for (const int row : rows)
-        announce(row);
-}
-
-void tforderlistmodel::announce(int row)
-{
-    stale_.remove(row);
-    orders_[row].resummarise();
-    emit dataChanged(index(row, 0), index(row, ColumnCount - 1));
+        change(row, [](PhotoOrder &) {});
 }
 
 TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders) const
@@ -186,7 +253,7 @@ TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders)
         const int row = rowOf(order);
         if (row < 0)
             continue;
-        const FilesSummary &summary = orders_.at(row).summary(photoMode_);
+        const FilesSummary &summary = records_.at(row).summary(photoMode_);
         progress.filesDone += summary.reported;
         progress.filesTotal += summary.files;
         progress.bytesDone += summary.bytesReported;
@@ -195,87 +262,8 @@ TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders)
     return progress;
 }
 
-int tforderlistmodel::rowCount(const QModelIndex &parent) const
+QVariant tforderlistmodel::other(const PhotoOrderRow &row, int column, int role) const
 {
-    return parent.isValid() ? 0 : orders_.size();
-}
-
-int tforderlistmodel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : ColumnCount;
-}
-
-QVariant tforderlistmodel::cell(const PhotoOrder &order, int column) const
-{
-    const FilesSummary &summary = order.summary(photoMode_);
-    switch (column) {
-    case NumberColumn:
-        return order.displayNumber();
-    case CustomersColumn:
-        return order.customers();
-    case ShotDateColumn:
-        return order.info.shotDateText;
-    case PhotographerColumn:
-        return order.info.role1;
-    case ImportedColumn:
-        return order.imported(photoMode_).size();
-    case ChosenColumn:
-        return summary.files > 0 ? QVariant(summary.files) : QVariant(QString());
-    case StateColumn:
-        return photoorders::stateText(order, photoMode_);
-    case PathColumn:
-        return order.folder().isEmpty() ? QStringLiteral("未选择") : order.folder();
-    default:
-        return {};
-    }
-}
-
-QVariant tforderlistmodel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || !hasRow(index.row()))
-        return {};
-    const PhotoOrder &order = orders_.at(index.row());
-    const FilesSummary &summary = order.summary(photoMode_);
-    switch (role) {
-    case SortRole:
-        if (index.column() == ShotDateColumn) {
-            return order.info.shotDate.year + order.info.shotDate.month + order.info.shotDate.day;
-        }
-        if (index.column() == ProgressColumn)
-            return data(index, ProgressRole);
-        return cell(order, index.column());
-    case Qt::DisplayRole:
-        return cell(order, index.column());
-    case ProgressRole:
-        if (summary.files == 0)
-            return -1.0;
-        return summary.bytes > 0 ? double(summary.bytesReported) / double(summary.bytes)
-                                 : double(summary.reported) / double(summary.files);
-    case Qt::ForegroundRole:
-        if (index.column() == StateColumn)
-            return QColor(photoorders::stateColour(order, photoMode_));
-        return {};
-    case Qt::TextAlignmentRole:
-        return int((index.column() == ImportedColumn || index.column() == ChosenColumn
-                        ? Qt::AlignHCenter
-                        : Qt::AlignLeft) |
-                   Qt::AlignVCenter);
-    case Qt::ToolTipRole:
-        if (index.column() == StateColumn && !order.folderRefusal.isEmpty())
-            return QStringLiteral("导片目录登记失败: ") + order.folderRefusal;
-        return {};
-    default:
-        return {};
-    }
-}
-
-QVariant tforderlistmodel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    static const QStringList headers = {
-        QStringLiteral("订单号"),   QStringLiteral("客人"),     QStringLiteral("状态"),
-        QStringLiteral("进度"),     QStringLiteral("本次已选"), QStringLiteral("已导"),
-        QStringLiteral("拍照日期"), QStringLiteral("摄影师"),   QStringLiteral("导片路径")};
-    return headers.value(section);
+    Q_UNUSED(column)
+    return role == ProgressRole ? progress(row) : QVariant();
 }

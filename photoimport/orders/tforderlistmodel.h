@@ -1,16 +1,21 @@
 #pragma once
 
 #include "photoimport/orders/photoorder.h"
+#include "records/ordertable.h"
 
-#include <QAbstractTableModel>
-#include <QHash>
 #include <QSet>
 #include <QString>
 #include <QVector>
 
-/// The orders of the photo import window; it owns the records. A row here is the order's position
-/// in the list, which sorting in a view never changes.
-class tforderlistmodel : public QAbstractTableModel
+/// A row of the photo import's list: what the present mode shows of an order.
+struct PhotoOrderRow
+{
+    const PhotoOrder &order;
+    int photoMode = 0;
+};
+
+/// The orders of the photo import window.
+class tforderlistmodel : public OrderTable<PhotoOrder, PhotoOrderRow>
 {
     Q_OBJECT
 
@@ -27,10 +32,8 @@ public:
         PathColumn,
         ColumnCount
     };
-    enum Role {
-        SortRole = Qt::UserRole, ///< numbers as numbers
-        ProgressRole,            ///< share of the jobs reported, 0 to 1; -1 without files
-    };
+    /// Share of the jobs reported, 0 to 1; -1 without files. For any column.
+    static constexpr int ProgressRole = Qt::UserRole;
 
     explicit tforderlistmodel(QObject *parent = nullptr);
 
@@ -38,14 +41,9 @@ public:
     void setPhotoMode(int mode);
     int photoMode() const { return photoMode_; }
 
-    void setOrders(const QVector<PhotoOrder> &orders);
-    const QVector<PhotoOrder> &orders() const { return orders_; }
-    bool hasRow(int row) const { return row >= 0 && row < orders_.size(); }
-    const PhotoOrder &order(int row) const { return orders_.at(row); }
+    void setOrders(QVector<PhotoOrder> orders);
     /// The files of the present mode.
-    const QVector<SourceFile> &files(int row) const { return orders_.at(row).files(photoMode_); }
-    /// Position of the order; -1 when it is not listed.
-    int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
+    const QVector<SourceFile> &files(int row) const { return order(row).files(photoMode_); }
 
     void addFiles(int row, const QVector<SourceFile> &files);
     /// \a indexes: positions among the files of the present mode.
@@ -74,19 +72,12 @@ public:
     /// Over these orders.
     TransferProgress progressOf(const QSet<OrderIdentity> &orders) const;
 
-    int rowCount(const QModelIndex &parent = {}) const override;
-    int columnCount(const QModelIndex &parent = {}) const override;
-    QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
-    QVariant headerData(int section, Qt::Orientation orientation,
-                        int role = Qt::DisplayRole) const override;
-
 private:
-    void announce(int row);
+    PhotoOrderRow shown(int row) const override { return {order(row), photoMode_}; }
+    QVariant other(const PhotoOrderRow &row, int column, int role) const override;
+    void change(int row, const std::function<void(PhotoOrder &order)> &edit);
     SourceFile *fileOf(const OrderIdentity &orderId, const PhotoInfo &job, int *position);
-    QVariant cell(const PhotoOrder &order, int column) const;
 
-    QVector<PhotoOrder> orders_;
-    QHash<OrderIdentity, int> rows_;
     QSet<int> stale_; ///< rows that flush() is to announce
     int photoMode_ = 0;
 };
