@@ -34,7 +34,8 @@ void CaptionedPicture::join(const QTextBlock &picture, const QTextBlock &caption
     joined.setProperty(PictureUrl, QUrl(image.name()));
     joined.setProperty(PictureSize, QSizeF(image.width(), image.height()));
     joined.setProperty(Caption, caption.text());
-    joined.setProperty(Width, width);
+    QTextLayout lines(caption.text(), text.font());
+    joined.setProperty(Size, QSizeF(width, image.height() + gap + layOut(&lines, width)));
     QTextCursor cursor(picture);
     cursor.setPosition(caption.position() + caption.length() - 1, QTextCursor::KeepAnchor);
     cursor.insertText(QString(QChar(QChar::ObjectReplacementCharacter)), joined);
@@ -58,12 +59,10 @@ double CaptionedPicture::layOut(QTextLayout *caption, double width)
     return height;
 }
 
+/// Asked again and again while pages are divided.
 QSizeF CaptionedPicture::intrinsicSize(QTextDocument *, int, const QTextFormat &format)
 {
-    QTextLayout caption(format.property(Caption).toString(), format.toCharFormat().font());
-    const double width = format.property(Width).toDouble();
-    const double height = layOut(&caption, width);
-    return {width, format.property(PictureSize).toSizeF().height() + gap + height};
+    return format.property(Size).toSizeF();
 }
 
 void CaptionedPicture::drawObject(QPainter *painter, const QRectF &rect, QTextDocument *document,

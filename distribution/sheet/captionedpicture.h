@@ -30,7 +30,7 @@ private:
         PictureUrl = QTextFormat::UserProperty + 1,
         PictureSize,
         Caption,
-        Width,
+        Size, ///< of it all
     };
 
     static double layOut(QTextLayout *caption, double width);

@@ -136,9 +136,11 @@ QString orderBlock(const OrderDetail &detail)
                QStringLiteral("</td></tr>");
     };
     QString html = borderedTable();
-    html += spanning(QStringLiteral("订单号:") + value("orderpayforkey") +
-                     QStringLiteral("(服务次:") + value("servicetimes") + QLatin1Char('/') +
-                     value("servicecount") + QLatin1Char(')'));
+    const QString services = value("servicecount");
+    html +=
+        spanning(QStringLiteral("订单号:") + value("orderpayforkey") + QStringLiteral("(服务次:") +
+                 value("servicetimes") +
+                 (services.isEmpty() ? QString() : QLatin1Char('/') + services) + QLatin1Char(')'));
     QVector<Field> fields = orderFields(detail);
     while (fields.size() % orderColumns != 0)
         fields.append(Field());

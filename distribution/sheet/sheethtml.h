@@ -1,28 +1,8 @@
 #pragma once
 
-#include "distribution/plan/plannedpictures.h"
-#include "distribution/rules/orderdetail.h"
+#include "distribution/sheet/sheetinput.h"
 
-#include <QDateTime>
-#include <QSize>
 #include <QString>
 
-#include <functional>
-
-/// The production sheet of one order as an HTML document. Pure functions: what stands on the disk
-/// is asked through SheetInput::sizeOf.
-struct SheetInput
-{
-    OrderDetail detail;
-    QString orderFolder;      ///< local; the pictures lie below it
-    PlannedPictures pictures; ///< which of them are whose
-    QDateTime printedAt;
-    /// Width and height in pixels of the picture at a path; empty when there is none, which leaves
-    /// its cell empty.
-    std::function<QSize(const QString &path)> sizeOf;
-};
-
+/// The production sheet of one order as an HTML document. A pure function.
 QString sheetHtml(const SheetInput &input);
-
-/// In the fragment of a picture's address: it is to be fitted into a square.
-inline const QString squareMark = QStringLiteral("square");

@@ -164,7 +164,8 @@ QString productTable(const SheetInput &input, ProductKind kind)
     QString html = QStringLiteral("<table class=\"thinborder\" width=\"100%\" border=\"1\" "
                                   "cellspacing=\"0\" cellpadding=\"1\" "
                                   "style=\"border-collapse: collapse;\">") +
-                   titleRow(detail, kind) + columnRow(kind);
+                   QStringLiteral("<thead>") + titleRow(detail, kind) + columnRow(kind) +
+                   QStringLiteral("</thead>");
     for (const DetailProduct &product : products) {
         const int count = photosOf(product).size();
         photos += count;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "distribution/sheet/sheethtml.h"
+#include "distribution/sheet/sheetinput.h"
 
 #include <QString>
 #include <QStringList>

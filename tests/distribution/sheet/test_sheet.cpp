@@ -2,17 +2,23 @@
 #include "distribution/plan/distributionplan.h"
 #include "distribution/sheet/productionsheet.h"
 #include "distribution/sheet/sheethtml.h"
+#include "distribution/sheet/sheetpages.h"
 #include "tasks/workerpool.h"
+#include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QDir>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTextBlock>
+#include <QTextDocument>
+#include <QTextLayout>
 #include <QtTest>
 
 namespace {
@@ -248,12 +254,13 @@ private slots:
     void printed_data()
     {
         QTest::addColumn<int>("lines");
-        // Shifts everything below, so that each page ends somewhere else.
-        for (int lines = 1; lines <= 41; lines += 4)
+        for (const int lines : {1, 14, 22, 41})
             QTest::addRow("%d lines", lines) << lines;
     }
 
     void printed();
+    void pages_data();
+    void pages();
 
     void notPrinted()
     {
@@ -283,6 +290,77 @@ private slots:
         QCOMPARE(QDir(root.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"filler"_s});
     }
 };
+
+void TestSheet::pages_data()
+{
+    addColumns<int, int, int, int>({"urgent", "normal", "photos", "chosen"});
+    newRow("a plain order", 0, 1, 8, 8);
+    newRow("several products", 2, 6, 7, 23);
+    newRow("products longer than a page", 1, 1, 80, 3);
+    newRow("products without photos", 1, 30, 0, 1);
+}
+
+/// Each line of the requirements shifts all below, so that the pages end somewhere else.
+void TestSheet::pages()
+{
+    QFETCH(int, urgent);
+    QFETCH(int, normal);
+    QFETCH(int, photos);
+    QFETCH(int, chosen);
+    static const QRegularExpression heading(
+        "^(总体要求|消费要求|调修要求|指定制作|加急件|普通件|制作要求|已选张数|入底张数|未操作|备注)"_s);
+    constexpr double height = 1122.5;
+    constexpr double largestGap = 300; // column names, a product's row, its first photos
+    constexpr double largestTop = 100; // column names, and what a row above leaves
+    OrderDetail detail;
+    detail.images = QVector<DetailPhoto>(chosen, photo(1));
+    detail.imagesRudi = QVector<DetailPhoto>(3, photo(2));
+    for (int number = 0; number < urgent + normal; ++number) {
+        DetailProduct each = product("册", photos);
+        each.goodRemark =
+            photos > 0 ? "备注"_s + QString(number % 3, QLatin1Char('\n')) : QString();
+        (number < urgent ? detail.urgentGoods : detail.goods).append(each);
+    }
+    for (int lines = 0; lines <= 40; ++lines) {
+        set(&detail, "orderdescr", QString(lines, QLatin1Char('\n')));
+        QTextDocument document;
+        document.setHtml(html(detail));
+        paginate(&document, QSizeF(793.7, height));
+        int page = 0;
+        double end = 0; // of what is above, on its page
+        bool isHeading = false;
+        for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+            if (block.text().isEmpty())
+                continue;
+            const QTextLayout *text = block.layout();
+            const double top = document.documentLayout()->blockBoundingRect(block).top();
+            QVERIFY(text->lineCount() > 0);
+            for (int line = 0; line < text->lineCount(); ++line) {
+                const QRectF rect = text->lineAt(line).rect().translated(0, top);
+                const QByteArray place = ("%1 lines, page %2, %3 to %4: "_s.arg(lines)
+                                              .arg(page + 1)
+                                              .arg(rect.top())
+                                              .arg(rect.bottom()) +
+                                          block.text())
+                                             .toUtf8();
+                const char *where = place.constData();
+                const int its = int(rect.top() / height);
+                QVERIFY2(int((rect.bottom() - 1) / height) == its, where); // not cut
+                if (its > page) {
+                    QVERIFY2(its == page + 1 && !isHeading, where);
+                    QVERIFY2(height - end < largestGap, where);
+                    QVERIFY2(rect.top() - its * height < largestTop, where);
+                    end = 0;
+                }
+                page = its;
+                end = std::max(end, rect.bottom() - its * height);
+                isHeading = false;
+            }
+            isHeading = heading.match(block.text()).hasMatch();
+        }
+        QCOMPARE(document.pageCount(), page + 1);
+    }
+}
 
 /// Read back: whatever a page's end cuts is painted on both pages.
 void TestSheet::printed()
