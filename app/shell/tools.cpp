@@ -7,19 +7,16 @@
 
 namespace {
 
-constexpr int originals = 0;
-constexpr int retouched = 1;
-
 QString icon(const char *name)
 {
     return QStringLiteral(":/choosetools/image/choosetools/%1.svg").arg(QLatin1String(name));
 }
 
-FramelessWindow *importFiles(const QString &label, int mode)
+FramelessWindow *importFiles(const QString &label, ImportMode mode)
 {
     auto *window = new ImportFiles;
     window->setWindowTitle(label);
-    window->setMode(mode);
+    window->setMode(int(mode));
     return window;
 }
 
@@ -41,7 +38,7 @@ const QVector<Tool> &allTools()
     static const QString photoImport = QStringLiteral("导片工具");
     static const QVector<Tool> tools{
         {importOriginals, icon("tools_dr_yp"),
-         [] { return importFiles(importOriginals, originals); }},
+         [] { return importFiles(importOriginals, ImportMode::Originals); }},
         distribution(QStringLiteral("下载原始档"), "tools_xz_ysd"),
         {photoImport, icon("tools_dr_qxp"),
          [] {
@@ -51,7 +48,7 @@ const QVector<Tool> &allTools()
          }},
         distribution(QStringLiteral("下载选片结果"), "tools_xz_xpjg"),
         {importRetouched, icon("tools_dr_jxp"),
-         [] { return importFiles(importRetouched, retouched); }},
+         [] { return importFiles(importRetouched, ImportMode::Retouched); }},
         distribution(QStringLiteral("设计分件"), "tools_sjfj"),
         distribution(QStringLiteral("下载照片交付"), "tools_xz_zpjf"),
         {QStringLiteral("批量删除"), icon("tools_batchdel"),

@@ -113,11 +113,14 @@ QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderCont
     FormBody body;
     body.add(QStringLiteral("shopid"), identity.shopId)
         .add(QStringLiteral("imgnames"), namesAsJson(contents.images));
-    if (mode == ImportMode::Retouched) {
-        body.add(QStringLiteral("type"), QStringLiteral("5"));
-    } else {
+    switch (mode) {
+    case ImportMode::Originals:
         body.add(QStringLiteral("rawimgnames"), namesAsJson(contents.rawImages))
             .add(QStringLiteral("type"), QStringLiteral("1"));
+        break;
+    case ImportMode::Retouched:
+        body.add(QStringLiteral("type"), QStringLiteral("5"));
+        break;
     }
     return body.add(QStringLiteral("order_photo_id"), order.orderPhotoId)
         .add(QStringLiteral("eid"), identity.employeeId)
@@ -143,20 +146,28 @@ QByteArray orderPathBody(const ImportOrder &order, const orderqueries::Identity 
     return withAccount(body, identity);
 }
 
-QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile &file,
-                     const orderqueries::Identity &identity)
+static QString typeOf(ImportMode mode, const ImportFile &file)
 {
     static const QStringList photoSuffixes = {QStringLiteral("jpg"), QStringLiteral("JPG"),
                                               QStringLiteral("jpeg"), QStringLiteral("JPEG")};
-    QString type = QStringLiteral("5");
-    if (mode == ImportMode::Originals)
-        type = photoSuffixes.contains(file.suffix) ? QStringLiteral("2") : QStringLiteral("1");
+    switch (mode) {
+    case ImportMode::Originals:
+        return photoSuffixes.contains(file.suffix) ? QStringLiteral("2") : QStringLiteral("1");
+    case ImportMode::Retouched:
+        return QStringLiteral("5");
+    }
+    Q_UNREACHABLE();
+}
+
+QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile &file,
+                     const orderqueries::Identity &identity)
+{
     FormBody body;
     body.add(QStringLiteral("order_photo_id"), order.orderPhotoId)
         .add(QStringLiteral("person_id"), identity.employeeId)
         .add(QStringLiteral("size"), QString::number(file.size))
         .add(QStringLiteral("path"), joinWirePath(file.targetFolder, file.targetName()))
-        .add(QStringLiteral("type"), type);
+        .add(QStringLiteral("type"), typeOf(mode, file));
     return withAccount(body, identity);
 }
 

@@ -20,32 +20,49 @@ const QString retouchedFolder = QStringLiteral("精修片");
 
 QString toolName(ImportMode mode)
 {
-    return mode == ImportMode::Retouched ? QStringLiteral("导入精修片")
-                                         : QStringLiteral("导入原片");
+    switch (mode) {
+    case ImportMode::Originals:
+        return QStringLiteral("导入原片");
+    case ImportMode::Retouched:
+        return QStringLiteral("导入精修片");
+    }
+    Q_UNREACHABLE();
 }
 
 QString dialogFilter(ImportMode mode)
 {
-    if (mode == ImportMode::Retouched)
+    switch (mode) {
+    case ImportMode::Originals:
+        return QStringLiteral(
+            "图片文件 (*.jpg *.jpeg *raw *.cr2 *.cr3 *.nef *.arw *.raf);;所有文件 (*.*)");
+    case ImportMode::Retouched:
         return QStringLiteral("图片文件 (*.jpg *.jpeg);;所有文件 (*.*)");
-    return QStringLiteral(
-        "图片文件 (*.jpg *.jpeg *raw *.cr2 *.cr3 *.nef *.arw *.raf);;所有文件 (*.*)");
+    }
+    Q_UNREACHABLE();
 }
 
 QStringList subFolders(ImportMode mode)
 {
-    if (mode == ImportMode::Retouched)
+    switch (mode) {
+    case ImportMode::Originals:
+        return {originalsFolder, rawFolder};
+    case ImportMode::Retouched:
         return {retouchedFolder};
-    return {originalsFolder, rawFolder};
+    }
+    Q_UNREACHABLE();
 }
 
 QString subFolderFor(ImportMode mode, const QString &suffix)
 {
-    if (mode == ImportMode::Retouched)
-        return retouchedFolder;
     static const QStringList photoSuffixes = {QStringLiteral("jpg"), QStringLiteral("JPG"),
                                               QStringLiteral("jpeg"), QStringLiteral("JPGE")};
-    return photoSuffixes.contains(suffix) ? originalsFolder : rawFolder;
+    switch (mode) {
+    case ImportMode::Originals:
+        return photoSuffixes.contains(suffix) ? originalsFolder : rawFolder;
+    case ImportMode::Retouched:
+        return retouchedFolder;
+    }
+    Q_UNREACHABLE();
 }
 
 QStringList announcedPatterns(const QString &subFolder)

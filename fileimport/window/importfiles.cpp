@@ -463,12 +463,15 @@ void ImportFiles::onOrderRegistered(const OrderIdentity &orderId, const Registra
 {
     orders_.change(orders_.rowOf(orderId), [this, &result](ImportOrder &order) {
         order.unregistered = false;
-        if (mode_ == ImportMode::Retouched) {
+        switch (mode_) {
+        case ImportMode::Originals:
+            order.numberYuanpian = result.images;
+            order.numberYuanshidang = result.rawImages;
+            break;
+        case ImportMode::Retouched:
             order.numberJingxiu = result.images;
-            return;
+            break;
         }
-        order.numberYuanpian = result.images;
-        order.numberYuanshidang = result.rawImages;
     });
     if (photos_ && orderId == shownOrderId_)
         photos_->requestListing();
