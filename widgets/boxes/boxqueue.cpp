@@ -26,6 +26,7 @@ BoxQueue *BoxQueue::of(QWidget *window)
 void BoxQueue::add(QWidget *asker, Request request)
 {
     BoxQueue *queue = of(asker ? asker->window() : nullptr);
+    request.box.explanation = request.text.explanation;
     queue->boxes_.append({asker, asker != nullptr, std::move(request)});
     queue->comeUp();
 }

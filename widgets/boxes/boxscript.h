@@ -15,6 +15,7 @@ struct BoxRecord
     QString title;
     QString text;
     QMessageBox::StandardButtons buttons;
+    QString explanation = {}; ///< stands below the text; may be empty
 };
 
 /// Answers in the user's place, so that tests and the guided tour meet no open dialog. Every box

@@ -68,6 +68,13 @@ BoxText BoxText::withAction(const BoxAction &action) const
     return text;
 }
 
+BoxText BoxText::explained(const QString &below) const
+{
+    BoxText text = *this;
+    text.explanation = below;
+    return text;
+}
+
 QString BoxText::countLine(int count)
 {
     return QStringLiteral("… 共 %1 条").arg(count);

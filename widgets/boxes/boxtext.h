@@ -59,6 +59,8 @@ struct BoxText
 
     /// The same text, offered for the clipboard however short it is.
     BoxText copyable() const;
+    /// The same text with \a below under it, such as what each button does; plain text.
+    BoxText explained(const QString &below) const;
     /// The same text with a button for \a action.
     BoxText withAction(const BoxAction &action) const;
 
@@ -66,6 +68,7 @@ struct BoxText
     static QString countLine(int count);
 
     QString shown;
+    QString explanation;
     Qt::TextFormat format = Qt::PlainText;
     std::function<QString()> whole; ///< empty when \a shown is all; runs on any thread
     QVector<BoxAction> actions;

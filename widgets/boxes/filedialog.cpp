@@ -1,5 +1,6 @@
 #include "widgets/boxes/filedialog.h"
 
+#include "files/paths.h"
 #include "widgets/boxes/boxscript.h"
 
 #include <QFileDialog>
@@ -45,7 +46,7 @@ QString FileDialog::saveFile(QWidget *parent, const QString &title, const QStrin
         file = session().nextFiles.takeFirst().value(0);
     } else if (!boxscript::isScripted()) {
         const QString folder = lastFolder(folderKey);
-        const QString proposed = folder.isEmpty() ? name : folder + QLatin1Char('/') + name;
+        const QString proposed = folder.isEmpty() ? name : joinLocalPath(folder, name);
         file = QFileDialog::getSaveFileName(parent, title, proposed, filter);
     }
     if (!file.isEmpty())

@@ -125,7 +125,15 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *p
     auto *message = new QHBoxLayout;
     message->setSpacing(theme::margin());
     message->addWidget(symbol, 0, Qt::AlignTop);
-    message->addWidget(textArea(text.shown, text.format), 1);
+    auto *texts = new QVBoxLayout;
+    texts->setSpacing(theme::spacing());
+    texts->addWidget(textArea(text.shown, text.format));
+    if (!text.explanation.isEmpty()) {
+        QAbstractScrollArea *below = textArea(text.explanation, Qt::PlainText);
+        below->setObjectName(QStringLiteral("noticeExplanation"));
+        texts->addWidget(below);
+    }
+    message->addLayout(texts, 1);
 
     auto *content = new QVBoxLayout;
     const int margin = theme::margin();

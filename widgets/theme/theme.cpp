@@ -47,6 +47,7 @@ QString messageBoxStyle()
     return scaled(QStringLiteral("QDialog { background-color: %1; }"
                                  "QLabel, QAbstractScrollArea { background-color: %1; color: %2;"
                                  " border: none; font-size: @text; }"
+                                 "QAbstractScrollArea#noticeExplanation { color: %8; }"
                                  "QPushButton { background-color: %3; color: %5; border: none;"
                                  " border-radius: 4dp; padding: 6dp 12dp; min-width: 60dp;"
                                  " font-size: @text; }"
@@ -54,7 +55,8 @@ QString messageBoxStyle()
                                  "QPushButton:focus { border: 2dp solid %6; %7 }")
                       .arg(css(colours::surface), css(colours::text), css(colours::accent),
                            css(colours::accentHover), css(colours::onFilled),
-                           css(colours::focusRing), padding(6, 12, focusWidth()))) +
+                           css(colours::focusRing), padding(6, 12, focusWidth()),
+                           css(colours::heading))) +
            scrollBarStyle();
 }
 
