@@ -159,7 +159,7 @@ QString otherBranchText(const QString &orderName)
     return QStringLiteral("订单 %1 属于其他分店，请切换到该分店后重新搜索").arg(orderName);
 }
 
-OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch)
+OrderInfo readOrderHead(const QJsonObject &element, const SearchedBranch &branch)
 {
     OrderInfo order;
     order.branch = branch.id;
@@ -183,6 +183,12 @@ OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch
                       {"netpath", &OrderInfo::netPath},
                       {"picpathnew", &OrderInfo::picPathNew}});
     order.shotDate = parseShootDate(order.shotDateText);
+    return order;
+}
+
+OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch)
+{
+    OrderInfo order = readOrderHead(element, branch);
     order.smallSize = sizeOr(element, QStringLiteral("imagesize_small"), order.smallSize);
     order.middleSize = sizeOr(element, QStringLiteral("imagesize_middle"), order.middleSize);
     order.bigSize = sizeOr(element, QStringLiteral("imagesize_big"), order.bigSize);

@@ -150,6 +150,8 @@ QByteArray orderListBody(const OrderSearch &search, const Identity &identity,
 
 ShopSwitch readShopSwitch(const QJsonObject &reply);
 QVector<Person> readPersons(const QJsonObject &reply);
+/// Without what takes its time: photos and sizes.
+OrderInfo readOrderHead(const QJsonObject &element, const SearchedBranch &branch);
 OrderInfo readOrderInfo(const QJsonObject &element, const SearchedBranch &branch);
 OrderElements orderElements(const QJsonObject &reply);
 

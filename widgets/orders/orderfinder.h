@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/branchsession.h"
+#include "net/orderfolders.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -84,10 +85,11 @@ public:
             std::invoke_result_t<Read, const QJsonObject &, const orderqueries::SearchedBranch &>>;
         place_.branch->setOrderReader(
             [read](const QJsonObject &reply, const orderqueries::SearchedBranch &branch) {
-                return std::any(read(reply, branch));
+                return std::any(Made<List>{read(reply, branch), orderfolders::read(reply, branch)});
             });
-        take_ = [this, take](const std::any &made, Search search) {
-            const auto &list = *std::any_cast<List>(&made);
+        take_ = [this, take](const std::any &any, Search search) {
+            const auto &[list, folders] = *std::any_cast<Made<List>>(&any);
+            orderfolders::remember(folders);
             if (list.isList)
                 take(list, search);
             if (search == Search::Asked)
@@ -106,6 +108,12 @@ signals:
     void branchSwitched();
 
 private:
+    template <typename List> struct Made
+    {
+        List list;
+        QVector<orderfolders::OrderFolder> folders;
+    };
+
     QString refusal() const { return leaving_.refusal ? leaving_.refusal() : QString(); }
     void leaveFor(const QString &shopId);
     void switchTo(const QString &shopId);
