@@ -1,5 +1,6 @@
 #include "batchdelete/rules/batchdeleterecords.h"
 
+#include "files/paths.h"
 #include "look/colours.h"
 
 #include <algorithm>
@@ -12,8 +13,7 @@ QString BatchDeleteFileInfo::folder() const
 
 QString BatchDeleteFileInfo::fullPath() const
 {
-    return folderPath.endsWith(QLatin1Char('/')) ? folderPath + fileName
-                                                 : folderPath + QLatin1Char('/') + fileName;
+    return joinLocalPath(folderPath, fileName);
 }
 
 QString BatchDeleteFileInfo::shortPath() const
@@ -87,6 +87,13 @@ bool BatchDeleteOrderInfo::hasChanged(const QVector<int> &indexes) const
 {
     return std::any_of(indexes.cbegin(), indexes.cend(), [this](int index) {
         return index >= 0 && index < files_.size() && files_.at(index).changed;
+    });
+}
+
+bool BatchDeleteOrderInfo::hasFilesLeft() const
+{
+    return std::any_of(files_.cbegin(), files_.cend(), [](const BatchDeleteFileInfo &file) {
+        return !file.isRemoved() && !file.kept;
     });
 }
 

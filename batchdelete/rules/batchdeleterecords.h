@@ -64,6 +64,7 @@ struct FileScanResult
     bool success = false;
     QString errorText; ///< empty on success
     QVector<BatchDeleteFileInfo> files;
+    bool missing = false; ///< it failed because there is no such folder
 };
 Q_DECLARE_METATYPE(FileScanResult)
 
@@ -85,6 +86,7 @@ struct BatchDeleteOrderInfo
     int listed = 0;     ///< how many files were found when they were looked at last
     bool checked = false;
     bool processed = false; ///< a run had its turn with it: the files tell what became of them
+    bool outdated = false;  ///< since the files were listed time has passed: look again
 
     OrderIdentity identity() const { return {branch, id, orderPhotoId}; }
     QString displayNumber() const;
@@ -97,6 +99,8 @@ struct BatchDeleteOrderInfo
     int unreported() const { return unreported_; }
     /// Whether one of the files at \a indexes has to be listed again before it can be retried.
     bool hasChanged(const QVector<int> &indexes) const;
+    /// Whether a file is known that is there still and may be deleted.
+    bool hasFilesLeft() const;
     /// Those that are gone without the service knowing.
     QVector<BatchDeleteFileInfo> unreportedFiles() const;
     void setFiles(const QVector<BatchDeleteFileInfo> &files);

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int closingMs = 5000;
+constexpr int declinesBeforePause = 2;
 
 bool mayRetry(const BatchDeleteFileInfo &file)
 {
@@ -67,6 +68,8 @@ void BatchDeleteRun::begin(const QVector<BatchDeleteOrderInfo> &orders,
     pending_.clear();
     skipped_ = 0;
     stopping_ = declined_ = retrying_ = false;
+    declinedInARow_ = 0;
+    reporter_.startAsking();
     refusals_.clear();
     for (const BatchDeleteOrderInfo &order : orders) {
         ordersatwork::Claim claim;
@@ -154,7 +157,25 @@ void BatchDeleteRun::endSoon()
         if (!retrying_)
             note(QStringLiteral("已停止，没有删除任何文件"));
         finish(DeletionSummary::End::Stopped);
+    } else if (phase_ == Phase::Paused) {
+        processNextFile();
     }
+}
+
+void BatchDeleteRun::answerPause(bool goOn)
+{
+    if (phase_ != Phase::Paused)
+        return;
+    if (goOn)
+        reporter_.stopAsking();
+    else
+        stopping_ = true;
+    processNextFile();
+}
+
+bool BatchDeleteRun::isAt(const OrderIdentity &order) const
+{
+    return isBusy() && current_ >= 0 && orders_.at(current_).identity() == order;
 }
 
 void BatchDeleteRun::startNextOrder()
@@ -172,11 +193,11 @@ void BatchDeleteRun::startNextOrder()
     order().note.clear();
     qDebug() << "获取文件照片信息";
     emit orderStarted(order().identity());
+    listFiles(order().unreportedFiles());
     if (!orderqueries::mayWorkOn(order().identity(), identity_)) {
         skipOrder(orderqueries::otherBranchText(order().displayNumber()));
         return;
     }
-    listFiles(order().unreportedFiles());
     if (!refusals_.at(current_).isEmpty()) {
         skipOrder(refusals_.at(current_));
         return;
@@ -229,6 +250,7 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
         if (!result.files.at(index).kept)
             pending_.append(index);
     }
+    phase_ = Phase::Announcing;
     listFiles(withKeptAsFailed(result.files) + order().files());
     if (pending_.isEmpty())
         skipOrder(QStringLiteral("目录中没有可删除的文件"));
@@ -238,7 +260,7 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
 
 void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
 {
-    phase_ = Phase::Announcing;
+    phase_ = Phase::Announcing; // of a retry, too
     onProcessor(
         this,
         [identity = identity_, id = order().orderPhotoId, files] {
@@ -273,10 +295,13 @@ void BatchDeleteRun::processNextFile()
             deleteFile();
         return;
     }
-    if (retrying_)
+    if (retrying_) {
         finish(DeletionSummary::End::Completed);
-    else
-        startNextOrder();
+        return;
+    }
+    if (pending_.isEmpty())
+        emit orderDone(order().identity());
+    startNextOrder();
 }
 
 void BatchDeleteRun::deleteFile()
@@ -367,8 +392,15 @@ void BatchDeleteRun::onReported(BatchDeleteFileInfo file, bool reported)
     file.state = reported ? BatchDeleteFileInfo::Deleted : BatchDeleteFileInfo::NotReported;
     file.reason = reported ? QString() : reporter_.failure();
     declined_ = declined_ || !reported;
+    declinedInARow_ = reported ? 0 : declinedInARow_ + 1;
     setFile(file_, file);
-    processNextFile();
+    // One by one the files of a large order would ask again and again.
+    if (declinedInARow_ == declinesBeforePause && !pending_.isEmpty() && !stopping_ && !closing_) {
+        phase_ = Phase::Paused;
+        emit pausedForDeclines();
+    } else {
+        processNextFile();
+    }
 }
 
 void BatchDeleteRun::listFiles(const QVector<BatchDeleteFileInfo> &files)
@@ -393,6 +425,7 @@ void BatchDeleteRun::skipOrder(const QString &reason)
 {
     ++skipped_;
     note(reason);
+    emit orderDone(order().identity());
     startNextOrder();
 }
 

@@ -71,11 +71,19 @@ public:
     /// answer for five seconds at most.
     void close();
 
+    /// The answer to pausedForDeclines(): whether the remaining files are to go, too. Nobody is
+    /// asked about their reports then. Ignored unless it is waited for.
+    void answerPause(bool goOn);
+
     DeletionReporter *reporter() { return &reporter_; }
     bool isRunning() const { return phase_ != Phase::Idle && !retrying_; }
     bool isStopping() const { return stopping_; }
     /// Whether anything goes on that a new search would pull the ground from under.
     bool isBusy() const { return phase_ != Phase::Idle || !threads_.isEmpty(); }
+    /// Whether it is finding out what there is in its order.
+    bool isLooking() const { return phase_ == Phase::Checking; }
+    /// Whether this is the order whose files it has in hand.
+    bool isAt(const OrderIdentity &order) const;
     /// Which of its orders the run is at, from 1.
     int turn() const { return current_ + 1; }
     int turns() const { return orders_.size(); }
@@ -90,14 +98,18 @@ signals:
     void fileChanged(const OrderIdentity &orderId, int index, const BatchDeleteFileInfo &file);
     /// Why the order was skipped, or not finished.
     void orderNoted(const OrderIdentity &orderId, const QString &note);
+    /// The order has had its turn to the end, or was skipped.
+    void orderDone(const OrderIdentity &orderId);
     void announcementFailed(const ServiceReply &reply);
+    /// Several reports in a row were let be. Ask whether to go on and call answerPause().
+    void pausedForDeclines();
     /// The run is over. Not for retries.
     void finished(const DeletionSummary &summary);
     /// Nothing is going on any more.
     void ended();
 
 private:
-    enum class Phase { Idle, Checking, Announcing, Deleting, Reporting };
+    enum class Phase { Idle, Checking, Announcing, Deleting, Reporting, Paused };
 
     BatchDeleteOrderInfo &order() { return orders_[current_]; }
     void begin(const QVector<BatchDeleteOrderInfo> &orders, const orderqueries::Identity &identity,
@@ -137,6 +149,7 @@ private:
     bool retrying_ = false;
     bool stopping_ = false;
     bool declined_ = false;
+    int declinedInARow_ = 0;
     bool closing_ = false;
     std::vector<ordersatwork::Claim> claims_;
     QStringList refusals_; ///< for each order, empty unless it is in another tool's hands

@@ -47,6 +47,24 @@ BoxText failedList(const BatchDeleteOrderInfo &order)
         [](const BatchDeleteFileInfo &file) { return file.hasFailed(); }, nameWithReason);
 }
 
+QString resubmitChoices()
+{
+    return QStringLiteral(
+        "确定：再次提交这个文件的状态。\n"
+        "取消：不再提交，文件标为“提交状态失败”，以后可以重新提交；继续处理本订单的其余文件，"
+        "之后的订单不再开始。\n"
+        "中止：不再提交，并停止删除，其余文件保留。");
+}
+
+BoxText pauseQuestion()
+{
+    return BoxText(QStringLiteral("连续两个文件的状态没有提交成功，删除已暂停。\n"
+                                  "要继续处理本订单的其余文件吗？"))
+        .explained(QStringLiteral("确定：继续删除。提交失败的文件标为“提交状态失败”，不再逐个询问，"
+                                  "以后可以重新提交。\n"
+                                  "取消：停止删除，其余文件保留。"));
+}
+
 QString summaryText(const DeletionSummary &summary)
 {
     const bool completed = summary.end == DeletionSummary::End::Completed;
@@ -64,6 +82,11 @@ QString summaryText(const DeletionSummary &summary)
     return text;
 }
 
+bool hasOutcome(const BatchDeleteOrderInfo &order)
+{
+    return order.processed || !order.note.isEmpty();
+}
+
 QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
 {
     QByteArray table =
@@ -72,7 +95,7 @@ QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
               QStringLiteral("文件路径"), QStringLiteral("文件大小"), QStringLiteral("状态"),
               QStringLiteral("原因")});
     for (const BatchDeleteOrderInfo &order : orders) {
-        if (!order.processed)
+        if (!hasOutcome(order))
             continue;
         const QStringList head{order.displayNumber(), order.customers(), order.netPath};
         if (order.files().isEmpty() || !order.note.isEmpty())

@@ -16,11 +16,18 @@ BoxText succeededList(const BatchDeleteOrderInfo &order);
 /// Those that are not, or that the service does not know of, each with the reason.
 BoxText failedList(const BatchDeleteOrderInfo &order);
 
+/// What the buttons of the question after a failed report do.
+QString resubmitChoices();
+/// What is asked when several reports in a row were let be, and what its buttons do.
+BoxText pauseQuestion();
+
 /// What the end of a run is told with.
 QString summaryText(const DeletionSummary &summary);
 
-/// Every file of the orders that a run had its turn with: a table for spreadsheet programs, UTF-8
-/// with a mark that says so. Orders without files have a line for what became of them.
+/// Whether there is anything to be said of what became of the order.
+bool hasOutcome(const BatchDeleteOrderInfo &order);
+/// Every file of the orders with an outcome: a table for spreadsheet programs, UTF-8 with a mark
+/// that says so. Orders that were refused, skipped or not finished have a line with the reason.
 QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders);
 
 } // namespace deletionreport

@@ -28,6 +28,7 @@ public:
     void giveUp();
     /// From now on a report that fails has failed; nobody is asked.
     void stopAsking();
+    void startAsking() { mayAsk_ = true; }
 
     bool isBusy() const { return done_ != nullptr; }
     bool isAsking() const { return asking_; }

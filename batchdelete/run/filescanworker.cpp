@@ -1,5 +1,6 @@
 #include "batchdelete/run/filescanworker.h"
 
+#include "batchdelete/run/batchdeletethread.h"
 #include "platform/folderlisting.h"
 #include "platform/pathform.h"
 #include "tasks/task.h"
@@ -15,7 +16,7 @@ constexpr int filesPerProgress = 100;
 
 FileScanResult failed(const QString &text)
 {
-    return {false, text, {}};
+    return {false, text, {}, false};
 }
 
 QString deniedText(const QString &path)
@@ -67,11 +68,14 @@ FileScanResult FileScanWorker::result(const QString &path)
     const auto first =
         platform::listFolder(root_, [](const platform::FolderEntry &) { return false; });
     if (first != platform::FolderListing::Done && first != platform::FolderListing::Stopped)
-        return failed(failureText(first, path));
+        return {false,
+                failureText(first, path),
+                {},
+                first == platform::FolderListing::Missing && !isUnreachablePath(path)};
     const bool whole = walk(root_, 1);
     if (!whole && cancelled_)
         return failed(QStringLiteral("扫描已取消"));
-    return {whole, whole ? QString() : failure_, std::exchange(files_, {})};
+    return {whole, whole ? QString() : failure_, std::exchange(files_, {}), false};
 }
 
 bool FileScanWorker::walk(const QString &folderPath, int depth)

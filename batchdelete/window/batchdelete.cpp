@@ -139,29 +139,22 @@ void BatchDelete::connectLists()
     connect(fileList_, &BatchDelete_FileListWidget::refreshOrderFiles, this,
             &BatchDelete::onRefreshOrderFiles);
     connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
+    connect(fileList_, &BatchDelete_FileListWidget::scanFailed, this, &BatchDelete::onScanFailed);
     connect(runBar_, &BatchDelete_RunBar::startClicked, this, &BatchDelete::onStartBatchDelete);
 }
 
 void BatchDelete::connectRun()
 {
-    connect(&run_, &BatchDeleteRun::orderStarted, this, [this](const OrderIdentity &orderId) {
-        orders_.change(orders_.rowOf(orderId), [](BatchDeleteOrderInfo &order) {
-            order.note.clear();
-            order.processed = true;
-            order.listed = 0;
-        });
-    });
+    connect(&run_, &BatchDeleteRun::orderStarted, this, &BatchDelete::onOrderStarted);
+    connect(&run_, &BatchDeleteRun::orderNoted, this, &BatchDelete::onOrderNoted);
+    connect(&run_, &BatchDeleteRun::orderDone, this, &BatchDelete::onOrderDone);
     connect(&run_, &BatchDeleteRun::filesListed, this,
             [this](const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files) {
                 setFiles(orderId, files);
                 showRunState();
             });
     connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
-    connect(&run_, &BatchDeleteRun::orderNoted, this,
-            [this](const OrderIdentity &orderId, const QString &note) {
-                orders_.change(orders_.rowOf(orderId),
-                               [&note](BatchDeleteOrderInfo &order) { order.note = note; });
-            });
+    connect(&run_, &BatchDeleteRun::pausedForDeclines, this, &BatchDelete::askToGoOn);
     connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed);
     connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished);
     connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit);
@@ -267,9 +260,12 @@ void BatchDelete::onOrderSelectionChanged(const QList<BatchDeleteOrderInfo> &ord
 
 void BatchDelete::showOrder(const BatchDeleteOrderInfo &order)
 {
+    const bool isAtWork = run_.isAt(order.identity());
     if (order.identity().isEmpty())
         fileList_->clear();
-    else if (order.processed)
+    else if (isAtWork && run_.isLooking() && order.files().isEmpty())
+        fileList_->showSearch(order);
+    else if (isAtWork || (order.processed && !order.outdated && !order.files().isEmpty()))
         fileList_->showFiles(order, order.files());
     else
         scan(order);
@@ -282,7 +278,7 @@ void BatchDelete::scan(const BatchDeleteOrderInfo &order)
     if (refusal.isEmpty())
         fileList_->scan(order);
     else
-        fileList_->showRefusal(order, refusal);
+        fileList_->showProblem(order, order.files(), QStringLiteral("不可删除"), refusal);
 }
 
 void BatchDelete::onRefreshOrderFiles()
@@ -290,7 +286,7 @@ void BatchDelete::onRefreshOrderFiles()
     const int row = orders_.rowOf(fileList_->orderId());
     if (row < 0)
         return;
-    if (run_.isBusy() && orders_.order(row).processed)
+    if (run_.isAt(orders_.order(row).identity()))
         Toast::show(this, deletingText(), toastMs); // the run keeps this list up to date
     else
         scan(orders_.order(row));
@@ -317,15 +313,33 @@ void BatchDelete::onFilesScanned(const BatchDeleteOrderInfo &order,
             // Whatever is being deleted keeps its place in its order's list, and what became of
             // files meanwhile its state.
             const QVector<BatchDeleteFileInfo> now = orders_.order(shown).files();
-            setFiles(id, run_.isBusy() || !now.isSharedWith(before) ? now : all);
+            setFiles(id, run_.isAt(id) || !now.isSharedWith(before) ? now : all);
         });
+}
+
+void BatchDelete::onScanFailed(const BatchDeleteOrderInfo &order, const QString &problem,
+                               const QString &reason)
+{
+    const int row = orders_.rowOf(order.identity());
+    if (row < 0)
+        return;
+    orders_.change(row, [](BatchDeleteOrderInfo &shown) { shown.listed = 0; });
+    // What is gone unreported stays in reach.
+    fileList_->showProblem(orders_.order(row), orders_.order(row).files(), problem, reason);
 }
 
 void BatchDelete::setFiles(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files)
 {
     const int row = orders_.rowOf(orderId);
-    orders_.change(row, [&files](BatchDeleteOrderInfo &order) { order.setFiles(files); });
-    if (row >= 0 && orderId == fileList_->orderId())
+    orders_.change(row, [&files](BatchDeleteOrderInfo &order) {
+        order.setFiles(files);
+        order.outdated = false;
+    });
+    if (row < 0 || orderId != fileList_->orderId())
+        return;
+    if (files.isEmpty() && run_.isAt(orderId) && run_.isLooking())
+        fileList_->showSearch(orders_.order(row));
+    else
         fileList_->showFiles(orders_.order(row), files);
 }
 
@@ -402,8 +416,41 @@ void BatchDelete::onStartBatchDelete()
 
 void BatchDelete::startRun(const QVector<BatchDeleteOrderInfo> &orders)
 {
+    atWork_ = {};
     run_.start(orders, branch_.identity(), publicRoots());
     showRunState();
+}
+
+/// The list of files goes along, unless the user has turned to another order meanwhile.
+void BatchDelete::onOrderStarted(const OrderIdentity &orderId)
+{
+    const int row = orders_.rowOf(orderId);
+    orders_.change(row, [](BatchDeleteOrderInfo &order) {
+        order.note.clear();
+        order.processed = true;
+        order.listed = 0;
+    });
+    if (atWork_.isEmpty() || fileList_->orderId() == atWork_) {
+        orderList_->selectRow(row);
+        atWork_ = orderId;
+    }
+}
+
+void BatchDelete::onOrderNoted(const OrderIdentity &orderId, const QString &note)
+{
+    const int row = orders_.rowOf(orderId);
+    orders_.change(row, [&note](BatchDeleteOrderInfo &order) { order.note = note; });
+    if (row >= 0 && orderId == fileList_->orderId() && orders_.order(row).files().isEmpty())
+        fileList_->showProblem(orders_.order(row), {}, QStringLiteral("没有删除"), note);
+}
+
+/// An order that is dealt with loses its tick: pressed once more, the button must not begin with it
+/// again. One with files left keeps it.
+void BatchDelete::onOrderDone(const OrderIdentity &orderId)
+{
+    const int row = orders_.rowOf(orderId);
+    if (row >= 0 && !orders_.order(row).hasFilesLeft())
+        orders_.uncheck(row);
 }
 
 void BatchDelete::onFileChanged(const OrderIdentity &orderId, int index,
@@ -428,8 +475,15 @@ void BatchDelete::askForResubmit(const QString &question, const QString &certifi
 {
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
-    MessageBox::question(this, question, QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
+    MessageBox::question(this, BoxText(question).explained(deletionreport::resubmitChoices()),
+                         QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
                          [this](QMessageBox::StandardButton answer) { answerResubmit(answer); });
+}
+
+void BatchDelete::askToGoOn()
+{
+    ConfirmDialog::ask(this, deletionreport::pauseQuestion(), ConfirmDialog::Enter::Cancels,
+                       [this](bool goOn) { run_.answerPause(goOn); });
 }
 
 void BatchDelete::answerResubmit(QMessageBox::StandardButton answer)

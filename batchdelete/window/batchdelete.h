@@ -66,14 +66,20 @@ private:
     void onRefreshOrderFiles();
     void onFilesScanned(const BatchDeleteOrderInfo &order,
                         const QVector<BatchDeleteFileInfo> &files);
+    void onScanFailed(const BatchDeleteOrderInfo &order, const QString &problem,
+                      const QString &reason);
     void setFiles(const OrderIdentity &orderId, const QVector<BatchDeleteFileInfo> &files);
     void onViewClicked(int row, BatchDeleteProgressDelegate::Button button);
     void retryFiles(const QVector<int> &indexes);
 
     void startRun(const QVector<BatchDeleteOrderInfo> &orders);
+    void onOrderStarted(const OrderIdentity &orderId);
+    void onOrderNoted(const OrderIdentity &orderId, const QString &note);
+    void onOrderDone(const OrderIdentity &orderId);
     void onFileChanged(const OrderIdentity &orderId, int index, const BatchDeleteFileInfo &file);
     void onAnnouncementFailed(const ServiceReply &reply);
     void askForResubmit(const QString &question, const QString &certificateError);
+    void askToGoOn();
     void answerResubmit(QMessageBox::StandardButton answer);
     void onRunFinished(const DeletionSummary &summary);
     void showRunState();
@@ -82,6 +88,7 @@ private:
     BranchSession branch_;
     QStringList switchedRoots_; ///< public import roots of the branches that were switched to
     BatchDeleteRun run_;
+    OrderIdentity atWork_; ///< order of a run whose files were shown last
     SharedFolderOpener folderOpener_;
     bool opened_ = false;
     bool closing_ = false;

@@ -38,8 +38,7 @@ BatchDelete_ExportButton::BatchDelete_ExportButton(const BatchDeleteOrderModel *
 bool BatchDelete_ExportButton::hasOutcome()
 {
     const QVector<BatchDeleteOrderInfo> &orders = model_->orders();
-    const bool any = std::any_of(orders.cbegin(), orders.cend(),
-                                 [](const BatchDeleteOrderInfo &order) { return order.processed; });
+    const bool any = std::any_of(orders.cbegin(), orders.cend(), deletionreport::hasOutcome);
     if (!any)
         Toast::show(this, QStringLiteral("还没有删除结果"), toastMs);
     return any;

@@ -4,7 +4,8 @@
 
 class BatchDeleteOrderModel;
 
-/// Saves or copies what became of every file of the orders that a run had its turn with.
+/// Saves or copies what became of every file of the orders that a run had its turn with, and why
+/// others were refused.
 class BatchDelete_ExportButton : public QPushButton
 {
     Q_OBJECT

@@ -32,6 +32,11 @@ QString chooseText()
     return QStringLiteral("请选择订单查看文件列表");
 }
 
+QString countText(const QVector<BatchDeleteFileInfo> &files)
+{
+    return QStringLiteral("共 %1 个文件").arg(files.size());
+}
+
 } // namespace
 
 BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
@@ -56,8 +61,11 @@ BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
     layout->addWidget(table_, 1);
     connect(refreshButton_, &QPushButton::clicked, this,
             [this] { emit refreshOrderFiles(order_.orderPhotoId); });
-    connect(overlay_, &LoadingOverlay::cancelled, this,
-            [this] { endScan(QStringLiteral("已取消查找，点击刷新重新查找")); });
+    connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
+        endScan();
+        emit scanFailed(order_, QStringLiteral("已取消查找"),
+                        QStringLiteral("已取消查找，点击刷新重新查找"));
+    });
     clear();
 }
 
@@ -118,38 +126,50 @@ QVector<int> BatchDelete_FileListWidget::selectedRows() const
 void BatchDelete_FileListWidget::showFiles(const BatchDeleteOrderInfo &order,
                                            const QVector<BatchDeleteFileInfo> &files)
 {
-    endScan(QStringLiteral("目录中没有文件"));
+    fill(order, files, countText(files), QStringLiteral("目录中没有文件"));
+}
+
+void BatchDelete_FileListWidget::showProblem(const BatchDeleteOrderInfo &order,
+                                             const QVector<BatchDeleteFileInfo> &files,
+                                             const QString &problem, const QString &reason)
+{
+    fill(order, files,
+         files.isEmpty() ? problem : countText(files) + QStringLiteral("，") + problem, reason);
+}
+
+void BatchDelete_FileListWidget::showSearch(const BatchDeleteOrderInfo &order)
+{
+    showProblem(order, {}, QStringLiteral("正在查找文件..."), scanText(order));
+}
+
+void BatchDelete_FileListWidget::fill(const BatchDeleteOrderInfo &order,
+                                      const QVector<BatchDeleteFileInfo> &files,
+                                      const QString &heading, const QString &emptyText)
+{
+    endScan();
     order_ = order;
     order_.setFiles({});
     model_.setFiles(files);
-    showCount();
-}
-
-void BatchDelete_FileListWidget::showRefusal(const BatchDeleteOrderInfo &order,
-                                             const QString &reason)
-{
-    showFiles(order, {});
-    table_->setEmptyText(reason);
+    countLabel_->setText(heading);
+    table_->setEmptyText(emptyText);
+    refreshButton_->setEnabled(!order_.identity().isEmpty());
 }
 
 void BatchDelete_FileListWidget::scan(const BatchDeleteOrderInfo &order)
 {
-    showRefusal(order, {});
+    showSearch(order);
     scan_ = std::make_unique<FileScanThread>();
     connect(scan_.get(), &FileScanThread::progress, this,
             &BatchDelete_FileListWidget::onScanProgress);
     connect(scan_.get(), &FileScanThread::finished, this,
             &BatchDelete_FileListWidget::onScanFinished);
-    overlay_->showText(scanText());
+    overlay_->showText(scanText(order_));
     scan_->scan(order.netPath);
 }
 
 void BatchDelete_FileListWidget::clear()
 {
-    endScan(chooseText());
-    order_ = {};
-    model_.setFiles({});
-    showCount();
+    fill({}, {}, chooseText(), chooseText());
 }
 
 void BatchDelete_FileListWidget::setFile(int index, const BatchDeleteFileInfo &file)
@@ -172,7 +192,7 @@ void BatchDelete_FileListWidget::onRetryDelete(int row)
 void BatchDelete_FileListWidget::onScanProgress(int count)
 {
     if (scan_)
-        overlay_->setText(scanText() + QStringLiteral("\n已找到 %1 个文件").arg(count));
+        overlay_->setText(scanText(order_) + QStringLiteral("\n已找到 %1 个文件").arg(count));
 }
 
 void BatchDelete_FileListWidget::onScanFinished(const FileScanResult &result)
@@ -180,7 +200,9 @@ void BatchDelete_FileListWidget::onScanFinished(const FileScanResult &result)
     scan_.release()->deleteLater(); // it is the one that calls
     overlay_->hideOverlay();
     if (!result.success) {
-        table_->setEmptyText(result.errorText);
+        emit scanFailed(
+            order_, result.missing ? QStringLiteral("目录不存在") : QStringLiteral("目录无法访问"),
+            result.errorText);
         return;
     }
     // Rows are positions in the order's list, which is another one when a run has been at it.
@@ -189,22 +211,13 @@ void BatchDelete_FileListWidget::onScanFinished(const FileScanResult &result)
     emit scanned(order_, result.files);
 }
 
-void BatchDelete_FileListWidget::endScan(const QString &emptyText)
+void BatchDelete_FileListWidget::endScan()
 {
     scan_.reset();
     overlay_->hideOverlay();
-    table_->setEmptyText(emptyText);
 }
 
-void BatchDelete_FileListWidget::showCount()
+QString BatchDelete_FileListWidget::scanText(const BatchDeleteOrderInfo &order)
 {
-    refreshButton_->setEnabled(!order_.identity().isEmpty());
-    countLabel_->setText(order_.identity().isEmpty()
-                             ? chooseText()
-                             : QStringLiteral("共 %1 个文件").arg(model_.files().size()));
-}
-
-QString BatchDelete_FileListWidget::scanText() const
-{
-    return QStringLiteral("查找") + order_.displayNumber() + QStringLiteral("的文件中...");
+    return QStringLiteral("查找") + order.displayNumber() + QStringLiteral("的文件中...");
 }

@@ -28,8 +28,12 @@ public:
     OrderIdentity orderId() const { return order_.identity(); }
     /// Shows these files of \a order; a scan that goes on is abandoned.
     void showFiles(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files);
-    /// Shows nothing of \a order, and why.
-    void showRefusal(const BatchDeleteOrderInfo &order, const QString &reason);
+    /// Shows \a files of \a order, and above them what is wrong with them; in their place why, when
+    /// there are none.
+    void showProblem(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files,
+                     const QString &problem, const QString &reason);
+    /// The files of \a order are being looked for, by somebody else.
+    void showSearch(const BatchDeleteOrderInfo &order);
     /// Reads the folder of \a order; scanned() tells what is there. For an order that a run has
     /// processed nothing is shown before showFiles().
     void scan(const BatchDeleteOrderInfo &order);
@@ -44,6 +48,9 @@ signals:
     void retryClicked(const QVector<int> &fileIndexes);
     void refreshOrderFiles(const QString &orderPhotoId);
     void scanned(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files);
+    /// \a problem in a word or two; \a reason in full.
+    void scanFailed(const BatchDeleteOrderInfo &order, const QString &problem,
+                    const QString &reason);
 
 public slots:
     void onRetrySubmit(int row);
@@ -54,10 +61,11 @@ public slots:
 private:
     void buildTable();
     void addActions();
-    void showCount();
-    void endScan(const QString &emptyText);
+    void fill(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files,
+              const QString &heading, const QString &emptyText);
+    void endScan();
     QVector<int> selectedRows() const;
-    QString scanText() const;
+    static QString scanText(const BatchDeleteOrderInfo &order);
 
     BatchDeleteOrderInfo order_; ///< without its files
     BatchDeleteFileModel model_;

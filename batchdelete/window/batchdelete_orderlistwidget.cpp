@@ -108,6 +108,12 @@ int BatchDelete_OrderListWidget::selectedRow() const
     return rows_->current();
 }
 
+void BatchDelete_OrderListWidget::selectRow(int row)
+{
+    if (model_->hasRow(row))
+        rows_->makeCurrent(row);
+}
+
 void BatchDelete_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
 {
     rows_->keepPlaceWhile(

@@ -29,6 +29,7 @@ public:
     LoadingOverlay *overlay() const { return overlay_; }
     /// Position of the selected order; -1 without one.
     int selectedRow() const;
+    void selectRow(int row);
     /// Runs \a change, which replaces the orders, and brings selection, sorting and scroll
     /// position back.
     void keepPlaceWhile(const std::function<void()> &change);

@@ -63,6 +63,7 @@ void BatchDeleteOrderModel::setOrders(QVector<BatchDeleteOrderInfo> orders,
         order.note = records_.at(before).note;
         order.listed = records_.at(before).listed;
         order.processed = records_.at(before).processed;
+        order.outdated = order.processed;
     }
     for (BatchDeleteOrderInfo order : qAsConst(records_)) {
         if (order.unreported() == 0 || listed.contains(order.identity()))
@@ -118,6 +119,14 @@ void BatchDeleteOrderModel::checkAll(bool checked)
         order.checked = checked;
     emit dataChanged(index(0, CheckColumn), index(records_.size() - 1, CheckColumn));
     emit checkStateChanged(checked ? Qt::Checked : Qt::Unchecked);
+}
+
+void BatchDeleteOrderModel::uncheck(int row)
+{
+    if (!hasRow(row) || !records_.at(row).checked)
+        return;
+    change(row, [](BatchDeleteOrderInfo &order) { order.checked = false; });
+    emit checkStateChanged(Qt::Unchecked);
 }
 
 void BatchDeleteOrderModel::setCheckable(bool checkable)

@@ -48,6 +48,8 @@ public:
     QVector<BatchDeleteOrderInfo> checkedOrders() const;
     Qt::CheckState allChecked() const;
     void checkAll(bool checked);
+    /// Takes the tick away, in a run as well: there is nothing to be done with the order any more.
+    void uncheck(int row);
     /// While a run goes on the ticks are what it was started with.
     void setCheckable(bool checkable);
 

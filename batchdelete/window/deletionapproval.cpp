@@ -2,6 +2,7 @@
 
 #include "app/account/batchlogindialog.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
+#include "net/orderfolders.h"
 #include "tasks/background.h"
 #include "tasks/ordersatwork.h"
 #include "widgets/boxes/confirmdialog.h"
@@ -30,6 +31,28 @@ QVector<BatchDeleteOrderInfo> takeOrdersInOtherHands(const QString &branch,
     return taken;
 }
 
+/// All orders with a folder that may have to be kept: those of the list and whatever else any tool
+/// has come across.
+QVector<BatchDeleteOrderInfo> ordersWithFolders(const BatchDeleteOrderModel &model)
+{
+    QVector<BatchDeleteOrderInfo> orders = model.ordersWithFolders();
+    const auto known = orderfolders::known();
+    for (const orderfolders::OrderFolder &folder : known) {
+        const int row = model.rowOf(folder.order);
+        if (row >= 0 && !model.order(row).netPath.isEmpty())
+            continue;
+        BatchDeleteOrderInfo order;
+        order.branch = folder.order.branch;
+        order.id = folder.order.id;
+        order.orderPhotoId = folder.order.orderPhotoId;
+        order.orderPayForKey = folder.orderPayForKey;
+        order.serviceTimes = folder.serviceTimes;
+        order.netPath = folder.path;
+        orders.append(order);
+    }
+    return orders;
+}
+
 } // namespace
 
 DeletionApproval::DeletionApproval(QWidget *window, BatchDeleteOrderModel *orders)
@@ -47,7 +70,7 @@ void DeletionApproval::cancel()
 void DeletionApproval::ask(const QString &branch, const QStringList &publicRoots)
 {
     overlay_->showText(QStringLiteral("正在检查订单目录..."));
-    QVector<BatchDeleteOrderInfo> orders = orders_->ordersWithFolders();
+    QVector<BatchDeleteOrderInfo> orders = ordersWithFolders(*orders_);
     const QVector<BatchDeleteOrderInfo> inOtherHands = takeOrdersInOtherHands(branch, &orders);
     QStringList paths = publicRoots;
     for (const BatchDeleteOrderInfo &order : qAsConst(orders))
@@ -71,8 +94,10 @@ void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan,
                                    const Latest::Token &asked)
 {
     for (const BatchDeleteOrderInfo &refused : plan.refused) {
-        orders_->change(orders_->rowOf(refused.identity()),
+        const int row = orders_->rowOf(refused.identity());
+        orders_->change(row,
                         [&refused](BatchDeleteOrderInfo &order) { order.note = refused.note; });
+        orders_->uncheck(row);
     }
     if (plan.orders.isEmpty()) {
         MessageBox::warning(window_, deletionrules::refusedNotice(plan));

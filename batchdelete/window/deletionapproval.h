@@ -13,8 +13,8 @@ class LoadingOverlay;
 class QWidget;
 
 /// What stands before a deletion: looks which of the ticked orders may be emptied, has the user
-/// confirm them, and then the account. Orders that may not be emptied get their reason as a note.
-/// Interface thread; the folders are looked at on another.
+/// confirm them, and then the account. Orders that may not be emptied get their reason as a note
+/// and lose their tick. Interface thread; the folders are looked at on another.
 class DeletionApproval : public QObject
 {
     Q_OBJECT

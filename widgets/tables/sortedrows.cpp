@@ -38,6 +38,13 @@ int SortedRows::current() const
     return current.isValid() ? position(current.row()) : -1;
 }
 
+void SortedRows::makeCurrent(int position)
+{
+    const QModelIndex index = proxy_->mapFromSource(model_->index(position, 0));
+    table_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                         QItemSelectionModel::Rows);
+}
+
 void SortedRows::sortAgain()
 {
     // The proxy sorts by itself only when it is told to.
@@ -53,11 +60,8 @@ void SortedRows::keepPlaceWhile(const std::function<void()> &change, const Ids &
     change();
     sortAgain();
     const int row = ids.positionOf(order);
-    if (row >= 0) {
-        const QModelIndex index = proxy_->mapFromSource(model_->index(row, 0));
-        table_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
-                                                             QItemSelectionModel::Rows);
-    }
+    if (row >= 0)
+        makeCurrent(row);
     table_->verticalScrollBar()->setValue(scrolledDown);
     table_->horizontalScrollBar()->setValue(scrolledRight);
     if (row < 0)

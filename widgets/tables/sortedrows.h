@@ -39,6 +39,9 @@ public:
     /// Position of the current row; -1 without one.
     int current() const;
 
+    /// Makes the row at \a position the current one, in sight; the focus stays where it is.
+    void makeCurrent(int position);
+
     /// Sorts as the header says. For when the model has been filled.
     void sortAgain();
     /// Runs \a change, which fills the model anew, and brings sorting, current row and scroll

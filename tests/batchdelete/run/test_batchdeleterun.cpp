@@ -316,6 +316,41 @@ private slots:
         QCOMPARE(requests(after), 5);
     }
 
+    void decliningTwiceAsksOnceForTheRest()
+    {
+        for (const bool goOn : {true, false}) {
+            ends_.clear();
+            questions_.clear();
+            const auto order = makeOrder(goOn ? 0 : 2, 5);
+            QSignalSpy paused(run_.get(), &BatchDeleteRun::pausedForDeclines);
+            demo_.misbehave(after, "refuse"_s, {{"message"_s, "不"_s}, {"times"_s, goOn ? 5 : 2}});
+            start({order});
+            for (int declined = 1; declined <= 2; ++declined) {
+                QTRY_COMPARE(questions_.size(), declined);
+                QVERIFY(paused.isEmpty());
+                run_->reporter()->answerResubmit(false);
+            }
+            QCOMPARE(paused.size(), 1);
+            QVERIFY(ends_.isEmpty());
+            run_->answerPause(goOn);
+            run_->answerPause(!goOn); // nobody asked
+            QTRY_COMPARE(ends_.size(), 1);
+            QCOMPARE(questions_.size(), 2);
+            QCOMPARE(paused.size(), 1);
+            QCOMPARE(int(ends_.first().end), int(goOn ? End::Declined : End::Stopped));
+            QCOMPARE(namesOnDisk(order).size(), goOn ? 0 : 3);
+            QTRY_VERIFY(!run_->isBusy());
+        }
+        // The next run asks again.
+        QCOMPARE(requests(after), 7);
+        const auto order = makeOrder(3, 1);
+        demo_.refuse(after, "不"_s);
+        start({order});
+        QTRY_COMPARE(questions_.size(), 3);
+        run_->reporter()->answerResubmit(true);
+        QTRY_COMPARE(ends_.size(), 2);
+    }
+
     void aDiskThatGoesAwayIsNoDeletion()
     {
         auto order = makeOrder(0, 0);

@@ -32,6 +32,7 @@ const QString after = "delete_pic_after"_s;
 const QString first = "TS10001-1"_s;
 const QString second = "TS10003-1"_s;
 const QString third = "TS10004-1"_s;
+const QString missing = "TS10005-1"_s;
 const QString allDone = "全部删除完成！"_s;
 
 } // namespace
@@ -193,17 +194,26 @@ private slots:
         fill(first, 3);
         fill(second, 2);
         fill(third, 2);
+        demo_.changeOrder("50005"_s, {{"netpath"_s, wireForm(share_ + "/test/none"_s)}});
         const QString folder = share_ + "/test/"_s + first + "/原片/"_s;
         QVERIFY(QFile::setPermissions(folder + "1.jpg"_s, QFile::ReadOwner));
         open();
         tick(first);
         tick(third);
+        tick(missing);
+        select(missing);
+        QTRY_COMPARE(child<QLabel>("fileCountLabel")->text(), "目录不存在"_s);
         select(first);
         QTRY_COMPARE(child<QLabel>("fileCountLabel")->text(), "共 3 个文件"_s);
         QCOMPARE(text(first, Column::ProgressColumn), "0/0/3"_s);
         retryAll(); // nothing has failed yet
         startConfirmed();
-        EXPECT_BOXES(allDone + "\n\n成功 4 个文件，失败 1 个文件"_s);
+        EXPECT_BOXES(allDone + "\n\n成功 4 个文件，失败 1 个文件\n跳过 1 个订单"_s);
+        // What still has files keeps its tick, and the list of files has gone along.
+        QVERIFY(isTicked(first) && !isTicked(third) && !isTicked(missing));
+        QCOMPARE(child<QLabel>("fileCountLabel")->text(), "没有删除"_s);
+        select(third);
+        QCOMPARE(child<QLabel>("fileCountLabel")->text(), "共 2 个文件"_s);
         QCOMPARE(text(first, Column::ProgressColumn), "2/1/3"_s);
         QCOMPARE(text(third, Column::ProgressColumn), "2/0/2"_s);
         QCOMPARE(namesOnDisk(first), QStringList("原片/1.jpg"_s));
@@ -261,15 +271,29 @@ private slots:
                      .toString()
                      .isEmpty());
         QCOMPARE(namesOnDisk(first).size(), 1);
+        QVERIFY(!isTicked(second));
+        child<QPushButton>("exportButton")->menu()->actions().last()->trigger();
+        QTRY_VERIFY(QGuiApplication::clipboard()->text().contains(
+            "\"目录中包含未删除的订单 TS10001-1 的目录"_s));
 
         // An order that another tool has in hand keeps its folder from others, too.
         tick(first);
+        tick(second);
         ordersatwork::Claim claim;
         const OrderIdentity identity{"101"_s, "50001"_s, "800001"_s};
         QVERIFY(!ordersatwork::claim({identity}, "导片工具"_s, &claim));
         click("startButton");
         EXPECT_BOX_THAT(box.contains("正在“导片工具”中处理"_s) &&
                         box.contains("目录中包含未删除的订单 TS10001-1 的目录"_s));
+        claim.release();
+
+        // And so does one that a search leaves out.
+        child<QLineEdit>("keywordEdit")->setText("TS10003"_s);
+        click("searchButton");
+        QTRY_COMPARE(orders()->model()->rowCount(), 1);
+        tick(second);
+        click("startButton");
+        EXPECT_BOX_THAT(box.contains("目录中包含未删除的订单 TS10001-1 的目录"_s));
         QCOMPARE(namesOnDisk(first).size(), 1);
     }
 
@@ -425,6 +449,7 @@ private slots:
                         ->findChild<EmptyStateTable *>()
                         ->emptyText()
                         .startsWith("共享目录连接失败: "_s));
+        QCOMPARE(child<QLabel>("fileCountLabel")->text(), "目录无法访问"_s);
         QTest::keyClick(orders(), Qt::Key_Home, Qt::ControlModifier);
         QTRY_COMPARE(files()->model()->rowCount(), 2);
         select(third); // a whole disk is not even looked at
@@ -507,6 +532,10 @@ private:
     QComboBox *combo(const char *name) { return child<QComboBox>(name); }
 
     void tick(const QString &number) { click(cell(number, Column::CheckColumn)); }
+    bool isTicked(const QString &number)
+    {
+        return cell(number, Column::CheckColumn).data(Qt::CheckStateRole) == Qt::Checked;
+    }
 
     void view(const QString &number, BatchDeleteProgressDelegate::Button button)
     {
