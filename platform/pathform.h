@@ -15,6 +15,9 @@ QString toLocalPath(const QString &wirePath);
 /// Whether \a name is short enough to be one component of a path on this machine.
 bool nameFits(const QString &name);
 
+/// Whether this machine hides a file for its \a name alone.
+bool isHiddenName(const QString &name);
+
 /// The longest start of \a base, no character halved, that is one component of a path on this
 /// machine with \a tail behind it. Takes no longer for a longer base.
 QString fittingStart(const QString &base, const QString &tail);

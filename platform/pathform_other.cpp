@@ -59,6 +59,11 @@ bool nameFits(const QString &name)
     return name.size() <= longestName && QFile::encodeName(name).size() <= longestName;
 }
 
+bool isHiddenName(const QString &name)
+{
+    return name.startsWith(QLatin1Char('.'));
+}
+
 QString fittingStart(const QString &base, const QString &tail)
 {
     int bytesLeft = longestName - tail.toUtf8().size();

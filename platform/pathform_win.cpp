@@ -33,6 +33,11 @@ bool nameFits(const QString &name)
     return name.size() <= longestName;
 }
 
+bool isHiddenName(const QString &)
+{
+    return false; // a mark of the file decides
+}
+
 QString fittingStart(const QString &base, const QString &tail)
 {
     int end = qBound(0, longestName - tail.size(), base.size());

@@ -84,7 +84,10 @@ void OriginalDeletion::onReply(const ServiceReply &reply, const QVector<PhotoEnt
     }
     const QPointer<OriginalDeletion> alive(this);
     emit submitFailed(reply);
-    if (alive && reply.outcome == ServiceReply::Outcome::NoAnswer)
+    // An answer that cannot be read is none.
+    const bool isKnown =
+        reply.outcome == ServiceReply::Outcome::CertificateRefused || !reply.object.isEmpty();
+    if (alive && !isKnown)
         emit unanswered();
     if (alive)
         end();

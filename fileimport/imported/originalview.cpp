@@ -405,12 +405,12 @@ void OriginalView::tell(const BoxText &text)
     });
 }
 
-QString OriginalView::closeQuestion() const
+QString OriginalView::closingNotice() const
 {
     if (!deletion_.isBusy())
         return {};
     return QStringLiteral("正在删除已导入的照片，关闭窗口会停止删除，"
-                          "没有删除的文件会留在磁盘上并列出。确认要关闭吗？");
+                          "没有删除的文件会留在磁盘上并列出。");
 }
 
 void OriginalView::stop()

@@ -45,8 +45,8 @@ public:
     void requestListing();
     void deleteSelected();
 
-    /// What to ask before the window closes; empty while no deletion is under way.
-    QString closeQuestion() const;
+    /// What to tell before the window closes; empty while no deletion is under way.
+    QString closingNotice() const;
     /// Ends what is going on, without waiting for it. Of a deletion that means: what the service
     /// has agreed to and is not removed yet stays on disk, and the user is told, in a box that
     /// outlives the window.

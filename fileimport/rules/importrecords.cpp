@@ -41,14 +41,14 @@ PhotoState ImportOrder::photoState() const
 {
     if (importing)
         return PhotoState::Importing;
+    if (files.isEmpty())
+        return PhotoState::NotChosen;
     const int waiting = countOf(ImportFile::Waiting);
-    if (!files.isEmpty() && waiting == files.size())
+    if (waiting == files.size())
         return PhotoState::Chosen;
     if (unregistered || countOf(ImportFile::Failed) > 0)
         return PhotoState::Failed;
-    if (waiting > 0)
-        return PhotoState::Chosen;
-    return files.isEmpty() ? PhotoState::NotChosen : PhotoState::Done;
+    return waiting > 0 ? PhotoState::Chosen : PhotoState::Done;
 }
 
 QString ImportOrder::displayNumber() const
@@ -80,8 +80,6 @@ QString photoStateText(const ImportOrder &order)
     case PhotoState::Done:
         return QStringLiteral("导入完成");
     case PhotoState::Failed:
-        if (order.files.isEmpty())
-            return QStringLiteral("导入失败");
         return QStringLiteral("成功:%0, 失败:%1")
             .arg(order.countOf(ImportFile::Imported))
             .arg(order.countOf(ImportFile::Failed));

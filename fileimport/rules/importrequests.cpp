@@ -180,6 +180,15 @@ BatchReply readBatchReply(const QJsonObject &reply)
             names("server_rawimgnames")};
 }
 
+QString resubmitQuestion(const ServiceReply &reply)
+{
+    if (reply.outcome != ServiceReply::Outcome::Refused)
+        return QStringLiteral("网络不好，是否重新提交？如果取消，会停止导入。");
+    const bool isReadable = !reply.object.isEmpty();
+    return (isReadable ? reply.msg : QStringLiteral("服务端的答复过大，无法确认登记结果")) +
+           QStringLiteral(" 是否重新提交?");
+}
+
 BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply)
 {
     const auto [images, rawImages] = differencesOf(mode, reply);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fileimport/rules/importrecords.h"
+#include "net/servicecall.h"
 #include "widgets/boxes/boxtext.h"
 
 #include <QByteArray>
@@ -51,6 +52,9 @@ QByteArray photoBody(ImportMode mode, const ImportOrder &order, const ImportFile
                      const orderqueries::Identity &identity);
 
 BatchReply readBatchReply(const QJsonObject &reply);
+
+/// What to ask after a registration that did not succeed.
+QString resubmitQuestion(const ServiceReply &reply);
 
 /// The rich text that lists what differs between announced and found; empty when nothing does.
 BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);

@@ -2,6 +2,7 @@
 
 #include "files/chosenfiles.h"
 #include "files/paths.h"
+#include "platform/pathform.h"
 
 #include <QSet>
 
@@ -75,6 +76,32 @@ QStringList announcedPatterns(const QString &subFolder)
             QStringLiteral("*.JPEG")};
 }
 
+bool isAnnounced(const ImportFile &file)
+{
+    if (platform::isHiddenName(file.fileName()))
+        return false;
+    const QString pattern = QStringLiteral("*.") + file.suffix;
+    return announcedPatterns(file.targetFolder.section(QLatin1Char('\\'), -1))
+        .contains(pattern, Qt::CaseInsensitive);
+}
+
+QString unannouncedText(const QVector<ImportFile> &files)
+{
+    chosenfiles::Kinds kinds;
+    for (const ImportFile &file : files) {
+        if (file.state == ImportFile::Imported && !isAnnounced(file)) {
+            const QString name = file.fileName();
+            ++kinds[platform::isHiddenName(name) ? chosenfiles::hiddenKind()
+                                                 : chosenfiles::kindOf(name)];
+        }
+    }
+    if (kinds.isEmpty())
+        return {};
+    return QStringLiteral("未登记到服务端的类型: %1 个（%2）")
+        .arg(std::accumulate(kinds.cbegin(), kinds.cend(), 0))
+        .arg(chosenfiles::kindsText(kinds));
+}
+
 bool hasFolder(const ImportOrder &order)
 {
     return !order.importPath.isEmpty() || !order.importPublicPath.isEmpty();
@@ -124,6 +151,17 @@ QString leavingQuestion(const QVector<ImportOrder> &orders)
         return {};
     return QStringLiteral("有 %1 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？")
         .arg(lost);
+}
+
+QString closingNotice(bool isRunning, int unregistered)
+{
+    if (isRunning)
+        return QStringLiteral("正在导入，关闭窗口会停止导入，已拷贝的照片可能还没有登记到服务端。");
+    if (unregistered == 0)
+        return {};
+    return QStringLiteral("有 %1 个订单的文件已导入，但尚未登记到服务端；"
+                          "关闭窗口后要重新导入才能登记。")
+        .arg(unregistered);
 }
 
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)

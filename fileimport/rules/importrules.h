@@ -23,6 +23,11 @@ QString subFolderFor(ImportMode mode, const QString &suffix);
 /// What of a sub-folder is announced to the service.
 QStringList announcedPatterns(const QString &subFolder);
 
+/// Whether the announcement of its folder names \a file: others are copied all the same.
+bool isAnnounced(const ImportFile &file);
+/// Tells which kinds among the imported \a files no announcement names; empty when none.
+QString unannouncedText(const QVector<ImportFile> &files);
+
 /// Whether anything says where \a order is imported.
 bool hasFolder(const ImportOrder &order);
 /// The import folder of \a order: the one it has, otherwise composed from its values.
@@ -40,6 +45,10 @@ int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths
 /// What to ask before \a orders are left for another branch's: how many files would not be imported
 /// any more. Empty when none.
 QString leavingQuestion(const QVector<ImportOrder> &orders);
+
+/// What to tell before the window closes: that an import \a isRunning, otherwise how many orders
+/// are copied but \a unregistered. Empty when neither is.
+QString closingNotice(bool isRunning, int unregistered);
 
 /// Files of one choice that would land on the same target, grouped; names compared without case.
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files);

@@ -96,8 +96,11 @@ void ImportRun::startNextOrder()
         }
         qDebug() << "检测下一个订单文件的数量";
     }
+    QVector<ImportFile> files;
+    for (const OrderIdentity &orderId : qAsConst(sequence_))
+        files += orders_.value(orderId).files;
     switchOff();
-    emit allImported();
+    emit allImported(importrules::unannouncedText(files));
 }
 
 void ImportRun::startOrder(const OrderIdentity &orderId)
@@ -388,6 +391,23 @@ void ImportRun::registerAgain(const ImportOrder &order, const orderqueries::Iden
         identity_ = identity;
     orders_.insert(order.identity(), order);
     importNextOrder(order.identity());
+}
+
+void ImportRun::keepMarks(QVector<ImportOrder> *orders) const
+{
+    for (ImportOrder &order : *orders) {
+        const auto known = orders_.constFind(order.identity());
+        if (known == orders_.cend() || !known->unregistered)
+            continue;
+        order.unregistered = true;
+        order.importPath = known->importPath;
+    }
+}
+
+int ImportRun::unregisteredOrders() const
+{
+    return int(std::count_if(orders_.cbegin(), orders_.cend(),
+                             [](const ImportOrder &order) { return order.unregistered; }));
 }
 
 void ImportRun::tellActivity(const OrderIdentity &orderId)

@@ -49,6 +49,11 @@ public:
     void retry(const ImportOrder &order, int fileIndex, const orderqueries::Identity &identity);
     /// Registers an order whose files are copied but which the service was not told of.
     void registerAgain(const ImportOrder &order, const orderqueries::Identity &identity);
+    /// Marks those of freshly listed \a orders whose files are copied but which the service was not
+    /// told of: they keep the folder that the files lie in.
+    void keepMarks(QVector<ImportOrder> *orders) const;
+    /// How many orders that concerns, listed or not.
+    int unregisteredOrders() const;
     /// The answer to resubmitNeeded(): try again, or stop the import.
     void answerResubmit(const OrderIdentity &orderId, bool again);
 
@@ -87,8 +92,9 @@ signals:
     /// Ask \a question and call answerResubmit().
     void resubmitNeeded(const OrderIdentity &orderId, const QString &question,
                         const QString &certificateError);
-    /// Every order of the run is imported.
-    void allImported();
+    /// Every order of the run is imported; \a unannounced is what to tell of files whose kind is
+    /// never registered, empty when there are none.
+    void allImported(const QString &unannounced);
     /// The run is over, for whatever reason.
     void switchedOff();
     /// The last copy task has ended.

@@ -91,17 +91,11 @@ void OrderRegistration::announce(const importrequests::FolderContents &contents)
 
 void OrderRegistration::onReply(const ServiceReply &reply)
 {
-    switch (reply.outcome) {
-    case ServiceReply::Outcome::Success:
+    if (reply.isSuccess()) {
         result_.reply = importrequests::readBatchReply(reply.object);
         emit registered(result_);
-        break;
-    case ServiceReply::Outcome::Refused:
-        fail(reply.msg + QStringLiteral(" 是否重新提交?"), QString());
-        break;
-    case ServiceReply::Outcome::NoAnswer:
-    case ServiceReply::Outcome::CertificateRefused:
-        fail(QStringLiteral("网络不好，是否重新提交？如果取消，会停止导入。"), reply.message);
-        break;
+        return;
     }
+    const bool untrusted = reply.outcome == ServiceReply::Outcome::CertificateRefused;
+    fail(importrequests::resubmitQuestion(reply), untrusted ? reply.message : QString());
 }

@@ -74,7 +74,9 @@ ImportFiles::ImportFiles(QWidget *parent)
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
     finder_->setReader(&importrequests::readOrders,
                        [this](const importrequests::OrderList &list, OrderFinder::Search) {
-                           panel_->keepPlaceWhile([&] { orders_.setOrders(list.orders); });
+                           QVector<ImportOrder> orders = list.orders;
+                           run_->keepMarks(&orders);
+                           panel_->keepPlaceWhile([&] { orders_.setOrders(orders); });
                        });
     connectPanel();
     setMode(int(ImportMode::Originals));
@@ -183,8 +185,9 @@ void ImportFiles::connectRun()
             });
     connect(run, &ImportRun::orderRefused, this,
             [this](const QString &text) { MessageBox::warning(this, text); });
-    connect(run, &ImportRun::allImported, this,
-            [this] { MessageBox::information(this, QStringLiteral("导入完成！")); });
+    connect(run, &ImportRun::allImported, this, [this](const QString &unannounced) {
+        MessageBox::information(this, BoxText(QStringLiteral("导入完成！")).explained(unannounced));
+    });
     connect(run, &ImportRun::tasksEnded, this, &ImportFiles::finishClosingWhenIdle);
 }
 
@@ -202,8 +205,11 @@ void ImportFiles::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
-    const QString question = photos_ ? photos_->closeQuestion() : QString();
-    if (!question.isEmpty() && !agreedToClose(question))
+    QStringList notices{importrules::closingNotice(run_->isBusy(), run_->unregisteredOrders()),
+                        photos_ ? photos_->closingNotice() : QString()};
+    notices.removeAll(QString());
+    if (!notices.isEmpty() &&
+        !agreedToClose((notices << QStringLiteral("确认要关闭吗？")).join(QLatin1Char('\n'))))
         return CloseAnswer::Refuse;
     finder_->cancel();
     chooser_->cancel();

@@ -1,5 +1,6 @@
 #include "fileimport/window/importfiletablemodel.h"
 
+#include "fileimport/rules/importrules.h"
 #include "look/colours.h"
 
 namespace {
@@ -41,10 +42,20 @@ QVariant action(const ImportFile &file)
     return file.state == ImportFile::Failed ? QStringLiteral("retry") : QString();
 }
 
+QString kindTip(const ImportFile &file)
+{
+    return importrules::isAnnounced(file)
+               ? QString()
+               : QStringLiteral("未登记到服务端的类型: 文件照常拷贝，但不会登记");
+}
+
 constexpr Column columns[] = {
     Column(Model::FileNameColumn, u"文件名", from<&ImportFile::fileName>)
         .withTip(from<&ImportFile::sourcePath>),
-    Column(Model::StateColumn, u"导入状态", stateText).centred().coloured(stateColour),
+    Column(Model::StateColumn, u"导入状态", stateText)
+        .centred()
+        .coloured(stateColour)
+        .withTip(kindTip),
     Column(Model::ActionColumn, u"操作", action).centred(),
     Column(Model::TargetColumn, u"导入路径", from<&ImportFile::targetFolder>),
 };

@@ -3,6 +3,7 @@
 #include "app/context/k.h"
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/ordernumberbuttondelegate.h"
+#include "fileimport/window/photostatedelegate.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/filedroptable.h"
 #include "widgets/tables/sortedrows.h"
@@ -13,6 +14,8 @@
 #include <QAction>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -49,8 +52,10 @@ void ImportOrderPanel::buildTable()
 
     auto *number = new OrderNumberButtonDelegate(table_);
     auto *actions = new OrderActionsDelegate(table_);
+    auto *state = new PhotoStateDelegate(table_);
     table_->setItemDelegateForColumn(ImportOrderTableModel::NumberColumn, number);
     table_->setItemDelegateForColumn(ImportOrderTableModel::ActionsColumn, actions);
+    table_->setItemDelegateForColumn(ImportOrderTableModel::StateColumn, state);
     table_->setItemDelegateForColumn(ImportOrderTableModel::PathColumn,
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
     setColumnWidths();
@@ -61,6 +66,10 @@ void ImportOrderPanel::buildTable()
             [this](int row, OrderActionsDelegate::Action action) {
                 emit actionClicked(rows_->position(row), action);
             });
+    connect(state, &PhotoStateDelegate::registerAgainClicked, this,
+            [this](int row) { emit registerAgainClicked(rows_->position(row)); });
+    connect(model_, &QAbstractItemModel::dataChanged, this, &ImportOrderPanel::makeRoomForLinks);
+    connect(model_, &QAbstractItemModel::modelReset, this, &ImportOrderPanel::makeRoomForLinks);
     connect(table_, &FileDropTable::filesDropped, this, [this](int row, const QStringList &paths) {
         emit filesDropped(rows_->position(row), paths);
     });
@@ -92,7 +101,7 @@ void ImportOrderPanel::addActions()
     }
     rows_->addAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
                      [this](int row) { emit orderNumberClicked(row); });
-    QAction *again = rows_->addAction(QStringLiteral("重新登记"), {},
+    QAction *again = rows_->addAction(PhotoStateDelegate::linkText(), Qt::CTRL + Qt::Key_R,
                                       [this](int row) { emit registerAgainClicked(row); });
     connect(rows_, &SortedRows::menuOpens, this,
             [this, again](int row) { again->setVisible(model_->order(row).unregistered); });
@@ -128,6 +137,20 @@ void ImportOrderPanel::setColumnWidths()
     font.setPixelSize(theme::textSize());
     table_->setColumnWidth(Model::ActionsColumn, OrderActionsDelegate::cellWidth(font));
     table_->setColumnWidth(Model::PathColumn, K::scaledPx(pathColumnPx));
+}
+
+void ImportOrderPanel::makeRoomForLinks()
+{
+    const auto &orders = model_->orders();
+    const bool hasLinks = std::any_of(orders.cbegin(), orders.cend(),
+                                      [](const ImportOrder &order) { return order.unregistered; });
+    if (!hasLinks)
+        return;
+    QFont font = table_->font();
+    font.setPixelSize(theme::textSize());
+    const int wanted = PhotoStateDelegate::cellWidth(QStringLiteral("成功:000, 失败:00"), font);
+    if (table_->columnWidth(ImportOrderTableModel::StateColumn) < wanted)
+        table_->setColumnWidth(ImportOrderTableModel::StateColumn, wanted);
 }
 
 int ImportOrderPanel::widthWithActions() const

@@ -57,6 +57,8 @@ private:
     void buildLayout();
     void addActions();
     void setColumnWidths();
+    /// Makes room for the link of the orders that have one; columns never shrink under the mouse.
+    void makeRoomForLinks();
 
     ImportOrderTableModel *model_;
     OrderSearchBar *searchBar_;

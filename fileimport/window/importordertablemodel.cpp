@@ -1,5 +1,7 @@
 #include "fileimport/window/importordertablemodel.h"
 
+#include "fileimport/rules/importrules.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -21,9 +23,13 @@ QColor stateColour(const ImportOrder &order)
 
 QString registrationTip(const ImportOrder &order)
 {
-    return order.unregistered
-               ? QStringLiteral("文件已导入，尚未登记到服务。右键菜单“重新登记”可再次提交。")
-               : QString();
+    QStringList lines{
+        order.unregistered
+            ? QStringLiteral("文件已导入，尚未登记到服务。右键菜单“重新登记”可再次提交。")
+            : QString(),
+        importrules::unannouncedText(order.files)};
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
 }
 
 constexpr Column columns[] = {
@@ -65,4 +71,10 @@ int ImportOrderTableModel::applyFile(int row, const ImportFile &file)
     changeCells(row, StateColumn, StateColumn,
                 [&](ImportOrder &order) { applied = order.applyResult(file); });
     return applied ? file.fileIndex : -1;
+}
+
+QVariant ImportOrderTableModel::other(const ImportOrder &order, int column, int role) const
+{
+    Q_UNUSED(column)
+    return role == UnregisteredRole ? order.unregistered : QVariant();
 }

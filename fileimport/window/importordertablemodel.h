@@ -27,6 +27,9 @@ public:
         ColumnCount
     };
 
+    /// Whether the service was not told of the order's files, for any column.
+    static constexpr int UnregisteredRole = Qt::UserRole;
+
     explicit ImportOrderTableModel(QObject *parent = nullptr);
 
     void setOrders(const QVector<ImportOrder> &orders) { reset(orders); }
@@ -37,4 +40,7 @@ public:
     /// Writes a copy's result into the order's file; returns the file's position, -1 when the order
     /// no longer has it there.
     int applyFile(int row, const ImportFile &file);
+
+protected:
+    QVariant other(const ImportOrder &order, int column, int role) const override;
 };

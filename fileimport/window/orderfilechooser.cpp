@@ -175,13 +175,14 @@ void OrderFileChooser::prepare(const Choice &choice)
     onDisk(
         this, choice.paths + QStringList(order.importPath),
         [request] { return prepareChoice(request); },
-        look_.only([this, choice](const ChoiceResult &result) {
+        look_.only([this, choice, known = order.files](const ChoiceResult &result) {
             overlay_->hideOverlay();
-            onPrepared(choice, result);
+            onPrepared(choice, known, result);
         }));
 }
 
-void OrderFileChooser::onPrepared(const Choice &choice, const ChoiceResult &result)
+void OrderFileChooser::onPrepared(const Choice &choice, const QVector<ImportFile> &known,
+                                  const ChoiceResult &result)
 {
     if (!result.folderError.isEmpty()) {
         MessageBox::warning(window_, result.folderError);
@@ -199,21 +200,36 @@ void OrderFileChooser::onPrepared(const Choice &choice, const ChoiceResult &resu
     if (row < 0)
         return;
     QStringList unchosen;
-    if (mode_ == ImportMode::Retouched)
+    if (mode_ == ImportMode::Retouched && !choice.namesAgreed)
         unchosen = importrules::unchosenNames(result.files, orders_->order(row).selectedNames);
     if (unchosen.isEmpty()) {
-        add(choice, result.files);
+        add(choice, known, result.files);
         return;
     }
     ask(importrules::unchosenQuestion(unchosen), ConfirmDialog::Enter::Confirms,
-        [this, choice, files = result.files] { add(choice, files); });
+        [this, choice, known, files = result.files] { add(choice, known, files); });
 }
 
-void OrderFileChooser::add(const Choice &choice, const QVector<ImportFile> &files)
+/// \a files were judged against \a known.
+void OrderFileChooser::add(Choice choice, const QVector<ImportFile> &known,
+                           const QVector<ImportFile> &files)
 {
     const int row = rowOf(choice);
-    if (row >= 0)
-        setFiles(row, orders_->order(row).files + files);
+    if (row < 0)
+        return;
+    const QVector<ImportFile> &listed = orders_->order(row).files;
+    const bool isSame = std::equal(listed.cbegin(), listed.cend(), known.cbegin(), known.cend(),
+                                   [](const ImportFile &one, const ImportFile &other) {
+                                       return one.sourcePath == other.sourcePath;
+                                   });
+    if (isSame) {
+        setFiles(row, listed + files);
+        return;
+    }
+    // Others came while the question stood: they stay, and the new ones are judged again.
+    choice.adds = true;
+    choice.namesAgreed = true;
+    prepare(choice);
 }
 
 void OrderFileChooser::setFiles(int row, const QVector<ImportFile> &files)

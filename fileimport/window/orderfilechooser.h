@@ -50,8 +50,9 @@ private:
     struct Choice
     {
         OrderIdentity orderId;
-        QStringList paths; ///< of files
-        bool adds = false; ///< to what the order has
+        QStringList paths;        ///< of files
+        bool adds = false;        ///< to what the order has
+        bool namesAgreed = false; ///< that the customer did not choose
     };
 
     bool mayChoose(int row);
@@ -62,8 +63,9 @@ private:
     void askAboutSharedFolder(const Choice &choice);
     void askAboutReplacing(const Choice &choice);
     void prepare(const Choice &choice);
-    void onPrepared(const Choice &choice, const ChoiceResult &result);
-    void add(const Choice &choice, const QVector<ImportFile> &files);
+    void onPrepared(const Choice &choice, const QVector<ImportFile> &known,
+                    const ChoiceResult &result);
+    void add(Choice choice, const QVector<ImportFile> &known, const QVector<ImportFile> &files);
     void setFiles(int row, const QVector<ImportFile> &files);
     void ask(const BoxText &text, ConfirmDialog::Enter enter,
              const std::function<void()> &onYes) const;

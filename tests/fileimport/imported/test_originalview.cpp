@@ -150,7 +150,7 @@ private slots:
                 QTRY_COMPARE(overlayText(), "提交数据失败"_s);
             }
             QTRY_COMPARE(demo_.requests("getorder_pics"_s).size(), 1);
-            QTRY_VERIFY(view_->closeQuestion().isEmpty());
+            QTRY_VERIFY(view_->closingNotice().isEmpty());
             const QString box = MessageBox::takeShown().value(0).text;
             QVERIFY(box.contains("尚不确定"_s) && box.endsWith("\na.jpg"_s));
             QTRY_VERIFY(!view_->findChild<LoadingOverlay *>()->isVisible());

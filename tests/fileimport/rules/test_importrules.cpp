@@ -151,6 +151,46 @@ private slots:
         QTEST(mismatchNotice(ImportMode::Retouched, sampleOrder(), read).shown, "retouched");
     }
 
+    void resubmitQuestions_data()
+    {
+        addColumns<ServiceReply, QString>({"reply", "question"});
+        using Outcome = ServiceReply::Outcome;
+        const auto refused = [](const QJsonObject &object) {
+            return ServiceReply{Outcome::Refused, object, "过大"_s, "不行"_s, {}};
+        };
+        newRow("refused", refused({{"msg"_s, "不行"_s}}), "不行 是否重新提交?");
+        newRow("too large", refused({}), "服务端的答复过大，无法确认登记结果 是否重新提交?");
+        const QString network = "网络不好，是否重新提交？如果取消，会停止导入。"_s;
+        newRow("no answer", ServiceReply(), network);
+        newRow("not trusted", ServiceReply{Outcome::CertificateRefused, {}, "x"_s, {}, {}},
+               network);
+    }
+
+    void resubmitQuestions()
+    {
+        QFETCH(ServiceReply, reply);
+        QTEST(resubmitQuestion(reply), "question");
+    }
+
+    void kindsThatAreNotAnnounced()
+    {
+        QVector<ImportFile> files;
+        for (const char *path : {"/a.jpg", "/a.Jpg", "/b.JPEG", "/b.CR2", "/c.mp4", "/d.mp4",
+                                 "/e.dng", "/raw", "/<b>.x&y"}) {
+            ImportFile made = file(QLatin1String(path));
+            made.targetFolder +=
+                QLatin1Char('\\') + importrules::subFolderFor(ImportMode::Originals, made.suffix);
+            made.state = ImportFile::Imported;
+            files.append(made);
+        }
+        QCOMPARE(importrules::unannouncedText(files),
+                 "未登记到服务端的类型: 7 个（.mp4 2 个，.JPEG 1 个，.Jpg 1 个，.dng 1 个，"
+                 ".x&y 1 个，无扩展名 1 个）"_s);
+        files[4].state = ImportFile::Failed;
+        QVERIFY(importrules::unannouncedText(files).contains("6 个（"_s));
+        QCOMPARE(importrules::unannouncedText(files.mid(0, 1)), QString());
+    }
+
     void longNoticesAreCut()
     {
         BatchReply read;

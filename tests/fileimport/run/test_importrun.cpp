@@ -241,9 +241,20 @@ private slots:
         QVERIFY(shown_[first.identity()].photoState() == PhotoState::Failed);
         QCOMPARE(states(second.identity()), (QList<int>{0, 0}));
 
-        run_->registerAgain(shown_[first.identity()], identity_);
+        // Listed anew, and without a folder of its own, it is registered where its files lie.
+        QVector<ImportOrder> listed{shown_[second.identity()], shown_[first.identity()]};
+        listed[1].unregistered = false;
+        listed[1].files.clear();
+        listed[1].importPath.clear();
+        run_->keepMarks(&listed);
+        QVERIFY(!listed.at(0).unregistered);
+        QVERIFY(listed.at(1).unregistered);
+        QCOMPARE(run_->unregisteredOrders(), 1);
+        run_->registerAgain(listed.at(1), identity_);
         QTRY_COMPARE(registered_, QVector<OrderIdentity>(1, first.identity()));
-        QVERIFY(shown_[first.identity()].photoState() == PhotoState::Done);
+        QCOMPARE(run_->unregisteredOrders(), 0);
+        const QJsonObject again = demo_.requests(batch).last().toObject();
+        QVERIFY(again.value("body"_s).toString().contains(first.id + "_1.jpg"_s));
         QVERIFY(!run_->isBusy());
     }
 

@@ -2,11 +2,14 @@
 #include "fileimport/imported/thumbnailtableview.h"
 #include "fileimport/window/importfiles.h"
 #include "fileimport/window/orderactionsdelegate.h"
+#include "fileimport/window/orderfilechooser.h"
+#include "fileimport/window/photostatedelegate.h"
 #include "tests/support/datarows.h"
 #include "tests/support/dropping.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/noticedialog.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/windows/loadingoverlay.h"
 
@@ -181,7 +184,7 @@ private slots:
     {
         open(0);
         demo_.hold("savepicpath_batch"_s);
-        choose("TS10001-1"_s, makePhotos(2));
+        choose("TS10001-1"_s, makePhotos(1) + makePhotos(1, 10, "mp4"_s));
         click("startButton");
         waitUntilHeld();
         QCOMPARE(startButton()->text(), "停止导入"_s);
@@ -195,7 +198,74 @@ private slots:
         QCOMPARE(demo_.requests().size(), 0);
         QVERIFY(window_->findChild<QWidget *>("progressLabel"_s)->isVisible());
         demo_.release();
-        EXPECT_BOXES("导入完成！"_s);
+        QList<MessageBox::Shown> ends;
+        QTRY_COMPARE((ends += MessageBox::takeShown()).size(), 1);
+        QCOMPARE(ends.first().text, "导入完成！"_s);
+        QCOMPARE(ends.first().explanation, "未登记到服务端的类型: 1 个（.mp4 1 个）"_s);
+    }
+
+    void unregisteredOrdersKeepTheirRemedy()
+    {
+        open(0);
+        const QString order = "TS10001-1"_s;
+        choose(order, makePhotos(1) + makePhotos(1, 10, "mp4"_s));
+        demo_.refuse("savepicpath_batch"_s, "不行"_s);
+        click("startButton");
+        EXPECT_BOXES("不行 是否重新提交?"_s);
+        QTRY_COMPARE(text(order, Column::StateColumn), "成功:2, 失败:0"_s);
+        window_->close();
+        EXPECT_BOX_THAT(box.startsWith("有 1 个订单的文件已导入"_s));
+        QVERIFY(window_->isVisible());
+
+        const QTableView *table = orders();
+        for (const bool byMouse : {true, false}) {
+            demo_.refuse("savepicpath_batch"_s, "还是不行"_s);
+            window_->onSearchClick();
+            QTRY_VERIFY(!searchBar()->isBusy());
+            QCOMPARE(text(order, Column::StateColumn), "未选择"_s);
+            if (byMouse) {
+                orders()->scrollTo(cell(order, Column::StateColumn));
+                const QRect room = table->visualRect(cell(order, Column::StateColumn));
+                click(cell(order, Column::StateColumn),
+                      PhotoStateDelegate::linkRect(room, table->font()).center());
+            } else {
+                select(order);
+                QTest::keyClick(orders(), Qt::Key_R, Qt::ControlModifier);
+            }
+            EXPECT_BOXES("还是不行 是否重新提交?"_s);
+        }
+        QVERIFY(cell(order, Column::StateColumn)
+                    .data(Qt::ToolTipRole)
+                    .toString()
+                    .contains("尚未登记到服务"_s));
+        select(order);
+        QTest::keyClick(orders(), Qt::Key_R, Qt::ControlModifier);
+        QTRY_COMPARE(text(order, Column::OriginalsColumn), "1"_s);
+        QVERIFY(!cell(order, Column::StateColumn).data(Qt::ToolTipRole).isValid());
+    }
+
+    void overlappingChoicesAreJudgedAgain()
+    {
+        open(1);
+        const QString order = "TS10001-1"_s;
+        const QString photo = makePhotos(1).constFirst();
+        const QString twin = writeFile(card_->filePath("other/img_0.JPG"_s), "twin");
+        MessageBox::setScripted(false); // the first question stands open
+        FileDialog::setNextFiles({photo});
+        clickAction(order, OrderActionsDelegate::SelectFiles);
+        QTRY_VERIFY(window_->findChild<NoticeDialog *>());
+        auto *first = window_->findChild<NoticeDialog *>();
+        window_->onFilesDropped(cell(order, 0).row(), {twin});
+        QTRY_VERIFY(!window_->findChildren<LoadingOverlay *>().isEmpty() &&
+                    !window_->findChild<OrderFileChooser *>()->isBusy());
+        first->button(QMessageBox::Ok)->click();
+        QTRY_COMPARE(text(order, Column::ChosenColumn), "1"_s);
+        QTRY_VERIFY(window_->findChild<NoticeDialog *>() &&
+                    window_->findChild<NoticeDialog *>() != first);
+        MessageBox::setScripted(true);
+        window_->findChild<NoticeDialog *>()->button(QMessageBox::Ok)->click();
+        EXPECT_BOX_THAT(box.contains(photo) && box.contains(twin)); // the clash
+        QCOMPARE(text(order, Column::ChosenColumn), "1"_s);
     }
 
     void failedFilesAreRetriedByTheirButton()
@@ -440,8 +510,10 @@ private slots:
         window_->setAttribute(Qt::WA_DeleteOnClose);
         click("startButton");
         QSignalSpy closed(window_, &FramelessWindow::closed);
+        MessageBox::setNextAnswer(QMessageBox::Ok);
         window_->close();
-        QCOMPARE(closed.size(), 1);
+        EXPECT_BOX_THAT(box.startsWith("正在导入，关闭窗口会停止导入"_s));
+        QTRY_COMPARE(closed.size(), 1);
         QVERIFY(!window_ || !window_->isVisible());
         QTRY_VERIFY(!window_);
         QCOMPARE(demo_.requests("savepicpath_batch"_s).size(), 0);

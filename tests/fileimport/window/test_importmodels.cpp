@@ -78,7 +78,7 @@ private slots:
         newRow("stopped", States{1, 0}, false, true, "成功:1, 失败:0", "#dc3545");
         newRow("stopping", States{0, 0}, true, false, "导入中 0/2", "#ffc107");
         newRow("not registered", States{1, 1}, false, true, "成功:2, 失败:0", "#dc3545");
-        newRow("not registered, cleared", States{}, false, true, "导入失败", "#dc3545");
+        newRow("not registered, cleared", States{}, false, true, "未选择", "#999999");
     }
 
     void orderStates()
