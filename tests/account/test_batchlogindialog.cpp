@@ -79,7 +79,7 @@ private slots:
     {
         open();
         type("demo01"_s, "abc123"_s);
-        for (const char *kind : {"drop", "http-error", "broken-json", "array"}) {
+        for (const char *kind : {"drop", "array"}) {
             demo_.misbehave(dologin, QLatin1String(kind));
             press("loginButton");
             QTRY_VERIFY2(!overlay()->isVisible(), kind);
@@ -87,11 +87,6 @@ private slots:
             QVERIFY(dialog_->isVisible() && confirmed_.isEmpty());
             QVERIFY(MessageBox::takeShown().isEmpty());
         }
-        demo_.misbehave(dologin, "code-number"_s);
-        press("loginButton");
-        QTRY_VERIFY(!overlay()->isVisible());
-        QCOMPARE(MessageBox::takeShown().size(), 1);
-        QVERIFY(confirmed_.isEmpty());
     }
 
     void asksForWhatIsMissing()
@@ -105,15 +100,8 @@ private slots:
         QVERIFY(demo_.requests(dologin).isEmpty());
     }
 
-    void cancels_data()
-    {
-        QTest::addColumn<bool>("byKey");
-        newRow("button", false);
-        newRow("Escape", true);
-    }
     void cancels()
     {
-        QFETCH(bool, byKey);
         demo_.hold(dologin);
         open();
         type("demo01"_s, "abc123"_s);
@@ -122,12 +110,12 @@ private slots:
         QTest::keyClick(overlay(), Qt::Key_Escape); // the waiting first
         QTRY_VERIFY(!overlay()->isVisible());
         QVERIFY(dialog_->isVisible());
-        if (byKey)
-            QTest::keyClick(dialog_, Qt::Key_Escape);
-        else
-            press("cancelButton");
+        QTest::keyClick(dialog_, Qt::Key_Escape);
         QTRY_VERIFY(!dialog_);
         demo_.release();
+        open();
+        press("cancelButton");
+        QTRY_VERIFY(!dialog_);
         QVERIFY(confirmed_.isEmpty());
     }
 

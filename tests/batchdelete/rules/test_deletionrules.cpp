@@ -301,10 +301,6 @@ private slots:
         QCOMPARE(order.unreported(), 1);
         order.setFile(2, makeFile(QString(), 0));
         QCOMPARE(order.succeeded(), 0);
-        const QStringList texts{"未删除"_s,   "删除中"_s,   "已删除"_s, "提交状态失败"_s,
-                                "删除失败"_s, "删除失败"_s, "未知"_s};
-        for (int state = 0; state < texts.size(); ++state)
-            QCOMPARE(deletionStateText(state), texts.at(state));
     }
 };
 

@@ -93,25 +93,6 @@ private slots:
         QTRY_VERIFY(!run_->isBusy());
     }
 
-    void ordersInAnotherToolsHandsAreSkipped()
-    {
-        const auto taken = makeOrder(0, 2);
-        const auto free = makeOrder(2, 1);
-        ordersatwork::Claim claim;
-        QVERIFY(!ordersatwork::claim({{identity_.shopId, taken.id, taken.orderPhotoId}},
-                                     "导入原片"_s, &claim));
-        runOut({taken, free});
-        QCOMPARE(namesOnDisk(taken).size(), 2);
-        QVERIFY(namesOnDisk(free).isEmpty());
-        QCOMPARE(shown_.value(taken.identity()).note,
-                 ordersatwork::refusal(taken.displayNumber(), "导入原片"_s));
-        claim.release();
-        QVERIFY(ordersatwork::toolAt({identity_.shopId, free.id, free.orderPhotoId}).isEmpty());
-        start({taken});
-        QTRY_COMPARE(ends_.size(), 2);
-        QVERIFY(namesOnDisk(taken).isEmpty());
-    }
-
     void filesThatCannotBeDeletedAreTold()
     {
         if (shortcutsForLinks)
@@ -189,21 +170,6 @@ private slots:
         QCOMPARE(demo_.body(before).count("picname"_s), 1);
     }
 
-    void whatIsGoneAlreadyIsReported()
-    {
-        const auto order = makeOrder(0, 2);
-        demo_.hold(before);
-        start({order});
-        QTRY_COMPARE(demo_.held(), 1);
-        QVERIFY(QFile::remove(pathOf(order, "0.jpg"_s)));
-        demo_.release();
-        QTRY_COMPARE(ends_.size(), 1);
-        QCOMPARE(states(order), "22"_s);
-        QCOMPARE(booked(order, "deleted").size(), 2);
-        QVERIFY(deletionreport::succeededList(shown_.value(order.identity()))
-                    .shown.contains("0.jpg (文件不存在)"_s));
-    }
-
     void ordersThatAreSkipped()
     {
         if (shortcutsForLinks)
@@ -218,7 +184,14 @@ private slots:
         const auto fine = makeOrder(5, 1);
         auto elsewhere = makeOrder(1, 1);
         elsewhere.branch = "102"_s;
-        runOut({missing, empty, link, elsewhere, fine});
+        const auto taken = makeOrder(4, 1);
+        ordersatwork::Claim claim;
+        QVERIFY(!ordersatwork::claim({taken.identity()}, "导入原片"_s, &claim));
+        runOut({missing, empty, link, elsewhere, taken, fine});
+        QCOMPARE(shown_.value(taken.identity()).note,
+                 ordersatwork::refusal(taken.displayNumber(), "导入原片"_s));
+        QCOMPARE(namesOnDisk(taken).size(), 1);
+        QVERIFY(ordersatwork::toolAt(fine.identity()).isEmpty());
         QCOMPARE(shown_.value(missing.identity()).note, "目录不存在: "_s + missing.netPath);
         QCOMPARE(shown_.value(empty.identity()).note, "目录中没有可删除的文件"_s);
         QVERIFY(shown_.value(link.identity()).note.contains("链接"_s));
@@ -228,63 +201,54 @@ private slots:
         QVERIFY(!run_->retry(elsewhere, {0}, identity_, {}));
         QCOMPARE(states(fine), "2"_s);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::summaryText(ends_.first()).endsWith("跳过 4 个订单"_s));
+        QVERIFY(deletionreport::summaryText(ends_.first()).endsWith("跳过 5 个订单"_s));
         QVERIFY(!run_->start({}, identity_, {}));
-    }
-
-    void failedAnnouncements_data()
-    {
-        addColumns<QString, QString>({"kind", "message"});
-        for (const char *kind : {"drop", "http-error", "broken-json", "empty", "array"})
-            newRow(kind, kind, QString());
-        newRow("refuse", "refuse", "不可以");
-        newRow("code-number", "code-number", "操作成功");
     }
 
     void failedAnnouncements()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, message);
         const auto first = makeOrder(0, 2);
         const auto second = makeOrder(2, 2);
-        demo_.misbehave(before, kind, {{"message"_s, message}});
-        runOut({first, second});
-        QCOMPARE(refusals_, QStringList(message));
-        QCOMPARE(int(ends_.first().end), int(End::NotAnnounced));
-        QCOMPARE(ends_.first().untouched, 1);
-        QCOMPARE(states(first), "00"_s);
+        const QString message = "不可以"_s;
+        for (const QString &kind : {"drop"_s, "refuse"_s}) {
+            ends_.clear();
+            demo_.misbehave(before, kind, {{"message"_s, message}});
+            runOut({first, second});
+            QCOMPARE(refusals_.takeLast(), kind == "refuse"_s ? message : QString());
+            QCOMPARE(int(ends_.first().end), int(End::NotAnnounced));
+            QCOMPARE(ends_.first().untouched, 1);
+            QCOMPARE(states(first), "00"_s);
+            QTRY_VERIFY(!run_->isBusy());
+        }
         QCOMPARE(namesOnDisk(first).size() + namesOnDisk(second).size(), 4);
         QCOMPARE(requests(after), 0);
     }
 
-    void failedReports_data()
-    {
-        addColumns<QString, QString>({"kind", "question"});
-        const QString ask = "，需要继续提交吗？"_s;
-        for (const char *kind : {"drop", "http-error", "broken-json", "empty", "array"})
-            newRow(kind, kind, "删除信息提交失败"_s + ask);
-        newRow("refuse", "refuse", "不可以"_s + ask);
-    }
-
     void failedReports()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, question);
-        const auto order = makeOrder(0, 2);
-        const QString fine = "不可以"_s;
-        demo_.misbehave(after, kind, {{"message"_s, fine}, {"times"_s, 2}});
-        start({order});
-        QTRY_COMPARE(questions_, QStringList(question));
-        QCOMPARE(states(order), "10"_s);
-        QCOMPARE(namesOnDisk(order).size(), 1);
-        run_->reporter()->answerResubmit(true);
-        QTRY_COMPARE(questions_.size(), 2);
-        run_->reporter()->answerResubmit(true);
-        run_->reporter()->answerResubmit(false); // nobody asked
-        QTRY_COMPARE(ends_.size(), 1);
-        QCOMPARE(states(order), "22"_s);
-        QCOMPARE(requests(after), 4);
-        QCOMPARE(booked(order, "deleted").size(), 2);
+        const QString message = "不可以"_s;
+        for (const QString &kind : {"drop"_s, "refuse"_s}) {
+            ends_.clear();
+            questions_.clear();
+            demo_.clearRequests();
+            const QString question =
+                (kind == "drop"_s ? "删除信息提交失败"_s : message) + "，需要继续提交吗？"_s;
+            const auto order = makeOrder(kind == "drop"_s ? 0 : 2, 2);
+            demo_.misbehave(after, kind, {{"message"_s, message}, {"times"_s, 2}});
+            start({order});
+            QTRY_COMPARE(questions_, QStringList(question));
+            QCOMPARE(states(order), "10"_s);
+            QCOMPARE(namesOnDisk(order).size(), 1);
+            run_->reporter()->answerResubmit(true);
+            QTRY_COMPARE(questions_.size(), 2);
+            run_->reporter()->answerResubmit(true);
+            run_->reporter()->answerResubmit(false); // nobody asked
+            QTRY_COMPARE(ends_.size(), 1);
+            QCOMPARE(states(order), "22"_s);
+            QCOMPARE(requests(after), 4);
+            QCOMPARE(booked(order, "deleted").size(), 2);
+            QTRY_VERIFY(!run_->isBusy());
+        }
     }
 
     void decliningFinishesTheOrderOnly()
@@ -389,55 +353,43 @@ private slots:
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "222"_s);
         QCOMPARE(booked(order, "deleted").size(), 3);
+        QVERIFY(deletionreport::succeededList(shown_.value(order.identity()))
+                    .shown.contains("2.jpg (文件不存在)"_s));
     }
 
     void stops_data()
     {
         // held: the request that is waiting for its answer
-        addColumns<QString, QString, int>({"held", "states", "left"});
-        newRow("while announcing", before, "000", 3);
-        newRow("while reporting", after, "200", 2);
+        addColumns<QString, int, QString, int>({"held", "times", "states", "left"});
+        newRow("while announcing", before, 1, "000", 3);
+        newRow("while reporting", after, 1, "200", 2);
+        newRow("not even for the answer", after, 2, "300", 2);
     }
 
     void stops()
     {
         QFETCH(QString, held);
+        QFETCH(int, times);
         QFETCH(int, left);
         const auto first = makeOrder(0, 3);
         const auto second = makeOrder(2, 1);
         demo_.hold(held);
         start({first, second});
         QTRY_COMPARE(demo_.held(), 1);
-        run_->stop();
-        QCOMPARE(ends_.isEmpty(), held == after); // what is going on is finished first
+        for (int time = 1; time <= times; ++time)
+            run_->stop();
+        // What is going on is finished first.
+        QCOMPARE(ends_.isEmpty(), held == after && times == 1);
         demo_.release();
         QTRY_COMPARE(ends_.size(), 1);
-        QTEST(states(first), "states");
+        QTRY_VERIFY(!run_->isBusy());
+        QTEST(states(first), "states"); // a late answer changes nothing
         QCOMPARE(namesOnDisk(first).size(), left);
         QCOMPARE(namesOnDisk(second).size(), 1);
         QCOMPARE(int(ends_.first().end), int(End::Stopped));
-        QTRY_VERIFY(!run_->isBusy());
         QVERIFY(run_->start({first, second}, identity_, {}));
         QTRY_COMPARE(ends_.size(), 2);
         QVERIFY(namesOnDisk(first).isEmpty() && namesOnDisk(second).isEmpty());
-    }
-
-    void askedTwiceItDoesNotWaitForTheService()
-    {
-        const auto order = makeOrder(0, 2);
-        demo_.hold(after);
-        start({order});
-        QTRY_COMPARE(demo_.held(), 1);
-        run_->stop();
-        QVERIFY(run_->isBusy());
-        run_->stop();
-        QTRY_COMPARE(ends_.size(), 1);
-        QCOMPARE(states(order), "30"_s);
-        demo_.release(); // a late answer changes nothing
-        QTRY_VERIFY(!run_->isBusy());
-        QCOMPARE(states(order), "30"_s);
-        QVERIFY(run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
-        QTRY_COMPARE(states(order), "20"_s);
     }
 
     void retriesOutsideARun()
@@ -458,24 +410,6 @@ private slots:
         run_->stop();
         QVERIFY(!run_->isBusy());
         QCOMPARE(states(order), "3"_s);
-    }
-
-    void closingAsksNothing()
-    {
-        const auto order = makeOrder(0, 2);
-        demo_.hold(after);
-        QSignalSpy ended(run_.get(), &BatchDeleteRun::ended);
-        start({order});
-        QTRY_COMPARE(demo_.held(), 1);
-        demo_.refuse(after, "不"_s);
-        run_->close();
-        demo_.release(); // the file under way is reported still
-        QTRY_COMPARE(ended.size(), 1);
-        QVERIFY(questions_.isEmpty());
-        QCOMPARE(states(order), "20"_s);
-        QCOMPARE(namesOnDisk(order).size(), 1);
-        QVERIFY(!run_->start({order}, identity_, {}));
-        QVERIFY(!run_->isBusy());
     }
 
 private:
