@@ -77,6 +77,24 @@ QJsonArray photoEntries(const QVector<Photo> &photos, const QString &serviceUrl)
     return entries;
 }
 
+// What this studio keeps of an order beyond what the clients are written for.
+void addOwnMembers(const Order &order, QJsonObject *object)
+{
+    static const char *const styles[] = {"森系", "韩式", "中式", "旅拍"};
+    const int number = order.id.toInt();
+    const QDate selection =
+        QDate::fromString(order.selectionTime.left(10), QStringLiteral("yyyy-MM-dd"));
+    object->insert(QStringLiteral("album_style"), text(styles[number % 4]));
+    object->insert(QStringLiteral("deposit"), QStringLiteral("1,%1.00").arg(200 + number % 700));
+    object->insert(QStringLiteral("return_visit"),
+                   selection.isValid() ? selection.addDays(3).toString(QStringLiteral("yyyy/M/d"))
+                                       : QString());
+    object->insert(QStringLiteral("companions"), number % 5);
+    object->insert(QStringLiteral("pickuptime"),
+                   selection.isValid() ? selection.addDays(30).toString(Qt::ISODate) : QString());
+    object->insert(QStringLiteral("isurgent"), text(number % 8 == 3 ? "1" : "0"));
+}
+
 } // namespace
 
 Answers::Answers(Studio &studio, WirePaths paths) : studio_(studio), paths_(std::move(paths))
@@ -237,6 +255,7 @@ QJsonObject Answers::orderObject(const Order &order) const
     object[QStringLiteral("images_taipian")] =
         photoEntries(order.trialPhotos + order.imported(PhotoKind::TrialVideo), serviceUrl_);
     addDistributionMembers(order, &object);
+    addOwnMembers(order, &object);
     return object;
 }
 
