@@ -17,7 +17,6 @@ namespace {
 const QByteArray session = "&token=5f0c2a9e7d41b6839a0e4c7b21f3d8a6&uid=9001&device=windows";
 const QByteArray flagship = "&shopid=101&eid=3101&superid=7001&personid=3101" + session;
 const QByteArray riverside = "&shopid=102&eid=3102&superid=7002&personid=3102" + session;
-const QByteArray oldTown = "&shopid=103&eid=3103&superid=7003&personid=3103" + session;
 const QByteArray firstOrder = "&order_photo_id=800001&orderid=50001" + flagship;
 
 struct Answer
@@ -207,44 +206,6 @@ private slots:
         QCOMPARE(firstOrderState()[u"folderpath"].toString(), "b"_s);
     }
 
-    void distortsMembers()
-    {
-        for (const char *order :
-             {"{'action':'*','kind':'missing-fields','fields':['openypml','data.netpath']}",
-              "{'action':'*','kind':'data-wrong-type'}",
-              "{'action':'*','kind':'data-wrong-type','fields':['delyp','data.mname']}"})
-            QCOMPARE(service_->misbehave(json(order)), QString());
-
-        const Answer missing = search("TS10001", flagship);
-        QVERIFY(missing["openypml"].isUndefined() && missing["delyp"].isString());
-        QVERIFY(missing["data"][1][u"netpath"].isUndefined() &&
-                missing["data"][1][u"id"].isString());
-        QVERIFY(search("TS10001", flagship)["data"].isString());
-        const Answer wrongType = search("TS10001", flagship);
-        QVERIFY(wrongType["delyp"].isArray() && wrongType["data"][1][u"mname"].isArray());
-    }
-
-    void delaysHoldsAndRepeats()
-    {
-        QElapsedTimer clock;
-        clock.start();
-        service_->misbehave(json("{'action':'get_persons','kind':'delay','delay':60}"));
-        QCOMPARE(persons(flagship).code(), "1"_s);
-        QVERIFY(clock.elapsed() >= 60);
-
-        service_->misbehave(json("{'action':'get_persons','kind':'hold'}"));
-        QNetworkReply *held = send("order&a=get_persons", flagship);
-        QTRY_COMPARE(service_->state()[u"held"].toInt(), 1);
-        QCOMPARE(persons(riverside).code(), "1"_s);
-        QVERIFY(!held->isFinished());
-        service_->release();
-        QCOMPARE(finished(held).code(), "1"_s);
-
-        service_->misbehave(json("{'action':'get_persons','kind':'stale'}"));
-        for (const char *ids : {"1011,1012,1013,1014", "1031,1032"})
-            QCOMPARE(listed(persons(oldTown)["persons"], "id"), utf8(ids));
-    }
-
     void removesOnlyItsOwn()
     {
         const QTemporaryDir others;
@@ -288,7 +249,6 @@ private:
     {
         return finished(send(action, body));
     }
-    Answer persons(const QByteArray &ids) { return post("order&a=get_persons", ids); }
     Answer search(const QByteArray &keyword, const QByteArray &ids)
     {
         return post("order&a=order_list", "searchtype=1&keyword=" + keyword + ids);

@@ -269,32 +269,6 @@ private slots:
         QCOMPARE(table.horizontalScrollBar()->value(), 0);
         QApplication::setDoubleClickInterval(interval);
     }
-
-    void searchBarFitsHalfANarrowScreen()
-    {
-        K::uiScale = 1.5F;
-        QWidget window;
-        auto *bar = new OrderSearchBar;
-        bar->setBranches(twoBranches, "11"_s);
-        bar->addPersonFilter();
-        bar->findChild<ComboBox *>("searchTypeBox"_s)->setCurrentIndex(1);
-        auto *layout = new QVBoxLayout(&window);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(bar);
-        layout->addStretch();
-        showActive(&window);
-        const auto place = [bar](const char *name) {
-            auto *part = bar->findChild<QWidget *>(QLatin1String(name));
-            return QRect(part->mapTo(bar, QPoint()), part->size());
-        };
-        QVERIFY(bar->minimumSizeHint().width() <= 600);
-        window.resize(bar->minimumSizeHint().width(), 300);
-        QTRY_VERIFY(place("branchBox").top() > place("searchButton").bottom());
-        QTRY_VERIFY(bar->rect().contains(place("branchBox")));
-        QVERIFY(bar->rect().contains(place("searchButton")));
-        QVERIFY(bar->rect().contains(place("personBox")));
-        QVERIFY(!place("personBox").intersects(place("branchBox")));
-    }
 };
 
 QTEST_MAIN(TestInputs)

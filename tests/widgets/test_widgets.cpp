@@ -193,9 +193,12 @@ private slots:
             QTRY_COMPARE(answers_.size(), 1);
             QCOMPARE(takeAnswers().constFirst(), row.answer);
         }
-        ask(&parent, "<b>A&B</b>"_s);
+        MessageBox::question(&parent, BoxText("<b>A&B</b>"_s).explained("是：一"_s),
+                             Box::Yes | Box::Cancel, nullptr);
         NoticeDialog *box = openBox(&parent);
         QCOMPARE(textOf(box), "<b>A&B</b>"_s);
+        auto *below = box->findChild<QPlainTextEdit *>("noticeExplanation"_s);
+        QCOMPARE(below->toPlainText(), "是：一"_s);
         QCOMPARE(box->button(Box::Yes)->text() + box->button(Box::Cancel)->text(), "是取消"_s);
         QVERIFY(answers_.isEmpty());
     }
