@@ -34,3 +34,25 @@ CopyOutcome copyFile(const QString &source, const QString &target,
     return platform::replaceFile(temporary.path(), target) ? CopyOutcome::Copied
                                                            : CopyOutcome::Failed;
 }
+
+QString copyProblem(CopyOutcome outcome, const QString &source, const QString &target)
+{
+    switch (outcome) {
+    case CopyOutcome::Copied:
+    case CopyOutcome::Cancelled:
+        return {};
+    case CopyOutcome::Empty:
+        return QStringLiteral("文件大小为0");
+    case CopyOutcome::SizeDiffers:
+    case CopyOutcome::SourceChanged:
+        return QStringLiteral("文件在拷贝过程中发生变化");
+    case CopyOutcome::Failed:
+        break;
+    }
+    const QFileInfo file(source);
+    if (!file.isFile() || !file.isReadable())
+        return QStringLiteral("无法读取源文件");
+    if (!hasRoomFor(QFileInfo(target).path(), file.size()))
+        return noRoomText();
+    return QStringLiteral("无法读取源文件或写入目标文件");
+}

@@ -24,3 +24,7 @@ enum class CopyOutcome {
 /// drops a read-only mark. Blocks; for worker threads.
 CopyOutcome copyFile(const QString &source, const QString &target,
                      const platform::TransferControl &control = {});
+
+/// What to tell the user of a copy that ended with \a outcome; nothing of one that is there or was
+/// cancelled. Looks at the disks for what is in the way now. Blocks; for worker threads.
+QString copyProblem(CopyOutcome outcome, const QString &source, const QString &target);

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
+#include <QStorageInfo>
 #include <QUuid>
 
 #include <algorithm>
@@ -35,6 +36,17 @@ bool mayReplace(const QString &target)
 {
     const QFileInfo existing(target);
     return (!existing.exists() && !existing.isSymLink()) || platform::mayBeRemoved(target);
+}
+
+bool hasRoomFor(const QString &folder, qint64 bytes)
+{
+    const QStorageInfo disk(folder);
+    return !disk.isValid() || disk.bytesAvailable() < 0 || disk.bytesAvailable() >= bytes;
+}
+
+QString noRoomText()
+{
+    return QStringLiteral("目标磁盘空间不足");
 }
 
 bool writeBytes(const QString &target, const QByteArray &bytes)

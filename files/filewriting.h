@@ -19,6 +19,13 @@ bool writeWholeFile(const QString &target,
 /// there, or a file or link without a read-only mark does. Touches the disk.
 bool mayReplace(const QString &target);
 
+/// Whether the disk that \a folder lies on has \a bytes left; true as well when that cannot be
+/// told. Asked after writing failed, to tell why. Touches the disk.
+bool hasRoomFor(const QString &folder, qint64 bytes);
+
+/// Tells that it has not.
+QString noRoomText();
+
 /// writeWholeFile() of \a bytes; false, and nothing changed, where mayReplace() says no. Blocks;
 /// for worker threads.
 bool writeBytes(const QString &target, const QByteArray &bytes);

@@ -33,6 +33,14 @@ QString dataSizeText(double bytes)
     return QString::number(bytes, 'f', unit == 0 ? 0 : 1) + units.at(unit);
 }
 
+static QString doneText(const TransferProgress &progress)
+{
+    return QStringLiteral("文件 %1/%2 · %3 / %4")
+        .arg(progress.filesDone)
+        .arg(progress.filesTotal)
+        .arg(dataSizeText(double(progress.bytesDone)), dataSizeText(double(progress.bytesTotal)));
+}
+
 void TransferRate::add(qint64 ms, qint64 bytesDone)
 {
     if (!samples_.empty() && bytesDone < samples_.back().bytes)
@@ -61,14 +69,15 @@ qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
     return rate > 0 ? qRound64(double(std::max<qint64>(bytesLeft, 0)) / rate) : -1;
 }
 
+QString pausedText(const TransferProgress &progress)
+{
+    return QStringLiteral("已暂停 · ") + doneText(progress);
+}
+
 QString progressText(const TransferProgress &progress, const TransferRate &rate)
 {
     QString text =
-        QStringLiteral("文件 %1/%2 · %3 / %4 · %5/s")
-            .arg(progress.filesDone)
-            .arg(progress.filesTotal)
-            .arg(dataSizeText(double(progress.bytesDone)),
-                 dataSizeText(double(progress.bytesTotal)), dataSizeText(rate.bytesPerSecond()));
+        QStringLiteral("%1 · %2/s").arg(doneText(progress), dataSizeText(rate.bytesPerSecond()));
     const qint64 left = rate.secondsLeft(progress.bytesTotal - progress.bytesDone);
     if (left >= 0)
         text += QStringLiteral(" · 剩余 ") + clockText(left);

@@ -38,5 +38,8 @@ private:
 /// "96.0 MB"; units from B to GB, of 1024 each.
 QString dataSizeText(double bytes);
 
+/// "已暂停 · 文件 12/400 · 96.0 MB / 3.2 GB"
+QString pausedText(const TransferProgress &progress);
+
 /// "文件 12/400 · 96.0 MB / 3.2 GB · 45.3 MB/s · 剩余 01:12"
 QString progressText(const TransferProgress &progress, const TransferRate &rate);

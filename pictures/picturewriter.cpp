@@ -5,6 +5,7 @@
 #include <QBuffer>
 #include <QColorSpace>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageWriter>
 
 namespace {
@@ -62,5 +63,7 @@ QString writePicture(const QImage &image, const QString &target, const PictureWr
             file.setFileTime(how.made, QFileDevice::FileModificationTime);
         return whole;
     });
-    return written ? QString() : error;
+    if (written)
+        return {};
+    return hasRoomFor(QFileInfo(target).path(), bytes.size()) ? error : noRoomText();
 }
