@@ -13,6 +13,11 @@ namespace {
 constexpr int barPx = 6;
 constexpr int allSteps = 1000;
 
+int stepsOf(const TransferProgress &progress)
+{
+    return progress.bytesTotal > 0 ? int(allSteps * progress.bytesDone / progress.bytesTotal) : 0;
+}
+
 } // namespace
 
 TransferView::TransferView(QWidget *parent)
@@ -36,9 +41,12 @@ TransferView::TransferView(QWidget *parent)
 
 void TransferView::showProgress(const TransferProgress &progress, const TransferRate &rate)
 {
-    const int steps =
-        progress.bytesTotal > 0 ? int(allSteps * progress.bytesDone / progress.bytesTotal) : 0;
-    showLine(progressText(progress, rate), steps);
+    showLine(progressText(progress, rate), stepsOf(progress));
+}
+
+void TransferView::showPaused(const TransferProgress &progress)
+{
+    showLine(pausedText(progress), stepsOf(progress));
 }
 
 void TransferView::showRest(const QString &text)

@@ -17,6 +17,7 @@ public:
     explicit TransferView(QWidget *parent = nullptr);
 
     void showProgress(const TransferProgress &progress, const TransferRate &rate);
+    void showPaused(const TransferProgress &progress);
     /// All is copied; \a text tells what is still going on.
     void showRest(const QString &text);
 

@@ -76,24 +76,24 @@ FramelessWindow::CloseAnswer FramelessWindow::closeRequested()
     return CloseAnswer::Close;
 }
 
-bool FramelessWindow::agreedToClose(const QString &question)
+bool FramelessWindow::agreedToClose(const QString &question, const QString &subject)
 {
-    if (question == agreedQuestion_)
+    const QString asked = subject.isEmpty() ? question : subject;
+    if (asked == agreedSubject_)
         return true;
-    if (question == closeQuestion_)
+    if (asked == askedSubject_)
         return false;
-    closeQuestion_ = question;
-    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels,
-                       [this, question](bool agreed) {
-                           closeQuestion_.clear();
-                           if (!agreed)
-                               return;
-                           agreedQuestion_ = question;
-                           const QPointer<FramelessWindow> guard(this);
-                           close();
-                           if (guard)
-                               agreedQuestion_.clear();
-                       });
+    askedSubject_ = asked;
+    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels, [this, asked](bool agreed) {
+        askedSubject_.clear();
+        if (!agreed)
+            return;
+        agreedSubject_ = asked;
+        const QPointer<FramelessWindow> guard(this);
+        close();
+        if (guard)
+            agreedSubject_.clear();
+    });
     return false;
 }
 

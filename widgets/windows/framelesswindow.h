@@ -55,7 +55,9 @@ protected:
 
     /// For closeRequested() of a window that asks its user first: false, with the question in a
     /// box, until the user has agreed to it; the window then closes by itself. Refuse meanwhile.
-    bool agreedToClose(const QString &question);
+    /// \a subject is what the user agrees to, whatever the question's numbers have become by then;
+    /// left out, it is the question to the letter.
+    bool agreedToClose(const QString &question, const QString &subject = {});
 
     /// Ends what CloseLater began: deletes the window when it has Qt::WA_DeleteOnClose, and lets
     /// the process end. Nothing happens unless a CloseLater is pending.
@@ -78,8 +80,8 @@ private:
     QList<EdgeGrip *> grips_;
     bool resizable_ = true;
     bool closed_ = false;
-    QString closeQuestion_;       ///< in a box at the moment
-    QString agreedQuestion_;      ///< while closing after it
+    QString askedSubject_;        ///< of the question in a box at the moment
+    QString agreedSubject_;       ///< while closing after it
     bool deletedOnClose_ = false; ///< what Qt::WA_DeleteOnClose was when CloseLater was answered
     std::unique_ptr<QEventLoopLocker> closeLater_;
 };
