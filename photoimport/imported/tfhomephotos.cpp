@@ -3,6 +3,7 @@
 #include "photoimport/imported/tfphotodelegate.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/imported/tfphotoview.h"
+#include "widgets/inputs/flowlayout.h"
 #include "widgets/tables/tables.h"
 #include "widgets/theme/theme.h"
 
@@ -98,11 +99,9 @@ void tfhomephotos::buildLayout()
     head->addWidget(heading_, 1);
     head->addWidget(open);
     head->addWidget(layoutButton);
-    auto *buttons = new QHBoxLayout;
-    buttons->setSpacing(theme::spacing());
+    auto *buttons = new FlowLayout(nullptr, theme::spacing(), theme::spacing());
     for (QWidget *made : {addFiles, addFolder, start, retry, remove})
         buttons->addWidget(made);
-    buttons->addStretch();
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());

@@ -46,8 +46,12 @@ QRgb colourOf(JobState state)
 QVector<Mark> marksOf(const PanelPhoto &photo)
 {
     QVector<Mark> marks;
-    for (const SourceJob &job : photo.file.jobs)
-        marks.append({kindText(job.kind), colourOf(job.state)});
+    for (const SourceJob &job : photo.file.jobs) {
+        if (job.state != JobState::Impossible)
+            marks.append({kindText(job.kind), colourOf(job.state)});
+    }
+    if (photo.file.hasImpossible())
+        marks.append({QStringLiteral("没有小图"), colours::muted});
     const QString registration = QStringLiteral("登记");
     switch (photo.file.registration) {
     case RegistrationState::Pending:

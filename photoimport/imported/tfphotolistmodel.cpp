@@ -103,6 +103,11 @@ QVariant tfphotolistmodel::data(const QModelIndex &index, int role) const
         QString tip = photo.path.isEmpty() ? photo.name : photo.path;
         if (!photo.file.failureText().isEmpty())
             tip += QLatin1Char('\n') + photo.file.failureText();
+        const QStringList reasons = photo.file.failureReasons();
+        if (!reasons.isEmpty())
+            tip += QStringLiteral("\n原因: ") + reasons.join(QStringLiteral("；"));
+        if (photo.file.hasImpossible())
+            tip += QStringLiteral("\n没有小图，这类文件只导入原图");
         return tip;
     }
     default:

@@ -57,6 +57,34 @@ bool PhotoOrder::hasUnfinishedFiles() const
     });
 }
 
+void RunOutcome::add(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    failed += summary.failed;
+    unregistered += summary.unregistered + (order.folderRefusal.isEmpty() ? 0 : 1);
+    withoutVariants += summary.withoutVariants;
+    for (const SourceFile &file : order.files(photoMode)) {
+        const QStringList all = file.failureReasons();
+        for (const QString &reason : all)
+            ++reasons[reason];
+    }
+}
+
+QString RunOutcome::text() const
+{
+    QString text = isGood() ? QStringLiteral("导片完成！")
+                            : QStringLiteral("导片结束，%1 个文件失败，%2 项未登记。")
+                                  .arg(failed)
+                                  .arg(unregistered);
+    for (auto reason = reasons.cbegin(); reason != reasons.cend(); ++reason)
+        text += QStringLiteral("\n%1: %2 个文件").arg(reason.key()).arg(reason.value());
+    if (withoutVariants > 0)
+        text += QStringLiteral("\n没有小图: %1 个文件（这类文件只导入原图）").arg(withoutVariants);
+    if (!isGood())
+        text += QStringLiteral("\n请在照片列表中查看原因，再点“重试失败”。");
+    return text;
+}
+
 namespace photoorders {
 
 /// Those of the service's entries that lie where the tool puts what it imports.
@@ -141,7 +169,7 @@ OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &i
         all.append(index);
     return withJobsThat(order, photoMode, all, [](const SourceFile &file, const PhotoInfo &job) {
         return std::none_of(file.jobs.cbegin(), file.jobs.cend(), [&](const SourceJob &state) {
-            return state.kind == job.kind && state.state == JobState::Done;
+            return state.kind == job.kind && state.isSettled();
         });
     });
 }
@@ -181,6 +209,23 @@ QString mainKind(int photoMode)
                                                 : photorules::retouchedVideoKind;
 }
 
+QString nothingToImport(const QVector<PhotoOrder> &orders, int photoMode)
+{
+    int files = 0;
+    bool unregistered = false;
+    for (const PhotoOrder &order : orders) {
+        const FilesSummary &summary = order.summary(photoMode);
+        if (summary.complete < summary.files)
+            return {};
+        files += summary.files;
+        unregistered = unregistered || summary.unregistered > 0 || !order.folderRefusal.isEmpty();
+    }
+    if (files == 0)
+        return QStringLiteral("请先为订单添加要导入的文件");
+    return unregistered ? QStringLiteral("文件已全部导入，未登记的请点“重试失败”")
+                        : QStringLiteral("文件已全部导入");
+}
+
 QString stateText(const PhotoOrder &order, int photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
@@ -195,6 +240,8 @@ QString stateText(const PhotoOrder &order, int photoMode)
     if (summary.unregistered > 0 || !order.folderRefusal.isEmpty())
         return summary.unregistered > 0 ? QStringLiteral("未登记:%1").arg(summary.unregistered)
                                         : QStringLiteral("目录未登记");
+    if (summary.complete == summary.files && summary.withoutVariants > 0)
+        return QStringLiteral("完成, 没有小图:%1").arg(summary.withoutVariants);
     if (summary.complete == summary.files)
         return QStringLiteral("导片完成");
     if (summary.reported > 0)
@@ -212,6 +259,40 @@ unsigned int stateColour(const PhotoOrder &order, int photoMode)
     if (summary.failed > 0 || summary.unregistered > 0 || !order.folderRefusal.isEmpty())
         return colours::failure;
     return summary.complete == summary.files ? colours::success : colours::chosen;
+}
+
+double progressShare(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (summary.files == 0)
+        return -1;
+    return summary.bytes > 0 ? double(summary.bytesReported) / double(summary.bytes)
+                             : double(summary.reported) / double(summary.files);
+}
+
+/// Files and, with its folder, the order itself that the service did not take.
+static int unregisteredOf(const PhotoOrder &order, int photoMode)
+{
+    return order.summary(photoMode).unregistered + (order.folderRefusal.isEmpty() ? 0 : 1);
+}
+
+QString progressText(const PhotoOrder &order, int photoMode)
+{
+    const FilesSummary &summary = order.summary(photoMode);
+    if (summary.files == 0)
+        return {};
+    if (summary.failed > 0)
+        return QStringLiteral("失败 %1").arg(summary.failed);
+    const int unregistered = unregisteredOf(order, photoMode);
+    return unregistered > 0 ? QStringLiteral("未登记 %1").arg(unregistered)
+                            : QStringLiteral("%1%").arg(int(progressShare(order, photoMode) * 100));
+}
+
+unsigned int progressColour(const PhotoOrder &order, int photoMode)
+{
+    if (order.summary(photoMode).failed > 0 || unregisteredOf(order, photoMode) > 0)
+        return colours::failure;
+    return progressShare(order, photoMode) < 1 ? colours::accentHover : colours::success;
 }
 
 } // namespace photoorders

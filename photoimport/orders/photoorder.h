@@ -5,6 +5,8 @@
 
 #include <QJsonObject>
 #include <QList>
+#include <QMap>
+#include <QMetaType>
 #include <QVector>
 
 #include <array>
@@ -52,6 +54,21 @@ private:
     static std::size_t modeIndex(int photoMode);
 };
 
+/// How a run ended, over all files of its orders.
+struct RunOutcome
+{
+    int failed = 0;               ///< files
+    int unregistered = 0;         ///< files and folders of orders
+    int withoutVariants = 0;      ///< files of a sort of which there are none
+    QMap<QString, int> reasons{}; ///< why files failed: how many, by reason
+
+    void add(const PhotoOrder &order, int photoMode);
+    bool isGood() const { return failed == 0 && unregistered == 0; }
+    /// For the user.
+    QString text() const;
+};
+Q_DECLARE_METATYPE(RunOutcome)
+
 namespace photoorders {
 
 using Found = orderqueries::OrderList<PhotoOrder>;
@@ -77,8 +94,17 @@ QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<i
 /// The kind of job (PhotoInfo::kind) that brings the source file itself.
 QString mainKind(int photoMode);
 
+/// Why none of \a orders has anything to import; empty when one has.
+QString nothingToImport(const QVector<PhotoOrder> &orders, int photoMode);
+
 /// Text and colour (QRgb) of an order's state cell.
 QString stateText(const PhotoOrder &order, int photoMode);
 unsigned int stateColour(const PhotoOrder &order, int photoMode);
+
+/// Share of an order's jobs that are reported, 0 to 1, by bytes; -1 without files.
+double progressShare(const PhotoOrder &order, int photoMode);
+/// Text and colour (QRgb) of the bar that shows it: what went wrong looks like it.
+QString progressText(const PhotoOrder &order, int photoMode);
+unsigned int progressColour(const PhotoOrder &order, int photoMode);
 
 } // namespace photoorders

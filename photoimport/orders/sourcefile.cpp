@@ -7,6 +7,14 @@
 
 #include <algorithm>
 
+void SourceJob::report(bool success, const QString &errorMsg)
+{
+    state = success ? JobState::Done : failure.hopeless ? JobState::Impossible : JobState::Failed;
+    message = errorMsg;
+    if (success)
+        failure = {};
+}
+
 int SourceFile::countOf(JobState state) const
 {
     return int(std::count_if(jobs.cbegin(), jobs.cend(),
@@ -19,16 +27,41 @@ bool SourceFile::isUnfinished() const
            registration == RegistrationState::Refused;
 }
 
+bool SourceFile::isComplete() const
+{
+    return std::all_of(jobs.cbegin(), jobs.cend(),
+                       [](const SourceJob &job) { return job.isSettled(); });
+}
+
 QString SourceFile::failureText() const
+{
+    const QString ofVariant = photorules::compressionFailure({}).chopped(1); // up to its size
+    QStringList texts;
+    QStringList sizes;
+    for (const SourceJob &job : jobs) {
+        if (job.state != JobState::Failed)
+            continue;
+        if (job.message.startsWith(ofVariant))
+            sizes.append(job.message.mid(ofVariant.size()).chopped(1));
+        else if (!texts.contains(job.message))
+            texts.append(job.message);
+    }
+    if (!sizes.isEmpty())
+        texts.append(photorules::compressionFailure(sizes.join(QStringLiteral("、"))));
+    if (registration == RegistrationState::Refused)
+        texts.append(QStringLiteral("登记失败: ") + refusal);
+    return texts.join(QStringLiteral("；"));
+}
+
+QStringList SourceFile::failureReasons() const
 {
     QStringList reasons;
     for (const SourceJob &job : jobs) {
-        if (job.state == JobState::Failed && !reasons.contains(job.message))
-            reasons.append(job.message);
+        if (job.state == JobState::Failed && !job.failure.reason.isEmpty() &&
+            !reasons.contains(job.failure.reason))
+            reasons.append(job.failure.reason);
     }
-    if (registration == RegistrationState::Refused)
-        reasons.append(QStringLiteral("登记失败: ") + refusal);
-    return reasons.join(QStringLiteral("；"));
+    return reasons;
 }
 
 FilesSummary summarise(const QVector<SourceFile> &files)
@@ -42,6 +75,7 @@ FilesSummary summarise(const QVector<SourceFile> &files)
         summary.failed += file.hasFailed() ? 1 : 0;
         summary.reported += waiting == 0 ? 1 : 0;
         summary.unregistered += file.registration == RegistrationState::Refused ? 1 : 0;
+        summary.withoutVariants += file.hasImpossible() ? 1 : 0;
         summary.bytes += file.size;
         summary.bytesReported += file.size * (jobs - waiting) / jobs;
     }
@@ -89,7 +123,7 @@ FileChoiceResult describeChoice(const FileChoice &choice)
     QVector<SourceJob> jobs;
     const auto forms = photorules::jobsFor({}, {QStringLiteral("x")}, choice.photoMode);
     for (const PhotoInfo &form : forms)
-        jobs.append({form.kind, JobState::Waiting, {}});
+        jobs.append({form.kind});
     for (const QString &path : paths) {
         const QFileInfo info(path);
         const QString absolute = info.absoluteFilePath();

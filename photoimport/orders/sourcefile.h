@@ -9,14 +9,23 @@
 #include <QVector>
 
 /// How one job of a source file ended.
-enum class JobState { Waiting, Done, Failed };
+enum class JobState {
+    Waiting,
+    Done,
+    Failed,
+    Impossible ///< no such form can be made of a file of this sort; as final as Done
+};
 
 /// One of the forms in which a source file is imported, see PhotoInfo::kind.
 struct SourceJob
 {
-    QString kind;
+    QString kind = {};
     JobState state = JobState::Waiting;
-    QString message; ///< why it failed
+    QString message = {};    ///< that it failed, as the worker words it
+    JobFailure failure = {}; ///< what is known of why; there before the failure itself is
+
+    void report(bool success, const QString &errorMsg);
+    bool isSettled() const { return state == JobState::Done || state == JobState::Impossible; }
 };
 
 /// Whether the service knows of an imported file.
@@ -34,22 +43,26 @@ struct SourceFile
 
     int countOf(JobState state) const;
     bool isUntouched() const { return countOf(JobState::Waiting) == jobs.size(); }
-    bool isComplete() const { return countOf(JobState::Done) == jobs.size(); }
+    bool isComplete() const;
     bool hasFailed() const { return countOf(JobState::Failed) > 0; }
+    bool hasImpossible() const { return countOf(JobState::Impossible) > 0; }
     /// Anything left to do: a job, or telling the service.
     bool isUnfinished() const;
-    /// Why jobs failed and why the service refused; empty when all is well.
+    /// That jobs failed, and why the service refused; empty when all is well. One line.
     QString failureText() const;
+    /// Why jobs failed, each reason once; empty when that is not known.
+    QStringList failureReasons() const;
 };
 
 /// How far an order's files are, counted from their states.
 struct FilesSummary
 {
     int files = 0;
-    int complete = 0;     ///< every job done
-    int failed = 0;       ///< some job failed
-    int reported = 0;     ///< no job waiting
-    int unregistered = 0; ///< refused by the service
+    int complete = 0;        ///< every job done
+    int failed = 0;          ///< some job failed
+    int reported = 0;        ///< no job waiting
+    int unregistered = 0;    ///< refused by the service
+    int withoutVariants = 0; ///< of a sort of which there are none
     qint64 bytes = 0;
     qint64 bytesReported = 0; ///< a file counts by the share of its jobs that are reported
 };

@@ -31,11 +31,17 @@ QString refusalTip(const PhotoOrderRow &row)
 
 QVariant progress(const PhotoOrderRow &row)
 {
-    const FilesSummary &summary = row.order.summary(row.photoMode);
-    if (summary.files == 0)
-        return -1.0;
-    return summary.bytes > 0 ? double(summary.bytesReported) / double(summary.bytes)
-                             : double(summary.reported) / double(summary.files);
+    return photoorders::progressShare(row.order, row.photoMode);
+}
+
+QVariant progressText(const PhotoOrderRow &row)
+{
+    return photoorders::progressText(row.order, row.photoMode);
+}
+
+QColor progressColour(const PhotoOrderRow &row)
+{
+    return photoorders::progressColour(row.order, row.photoMode);
 }
 
 QVariant chosen(const PhotoOrderRow &row)
@@ -75,7 +81,7 @@ constexpr Column columns[] = {
     Column(Model::NumberColumn, u"订单号", from<&PhotoOrder::displayNumber>),
     Column(Model::CustomersColumn, u"客人", from<&PhotoOrder::customers>),
     Column(Model::StateColumn, u"状态", stateText).coloured(stateColour).withTip(refusalTip),
-    Column(Model::ProgressColumn, u"进度").sorted(progress),
+    Column(Model::ProgressColumn, u"进度", progressText).coloured(progressColour).sorted(progress),
     Column(Model::ChosenColumn, u"本次已选", chosen).centred(),
     Column(Model::ImportedColumn, u"已导", imported).centred(),
     Column(Model::ShotDateColumn, u"拍照日期", shotDateText).sorted(shotDate),
@@ -185,7 +191,7 @@ void tforderlistmodel::resetFailedJobs(int row, const QVector<int> &indexes)
                 continue;
             for (SourceJob &job : files[index].jobs) {
                 if (job.state == JobState::Failed)
-                    job = {job.kind, JobState::Waiting, {}};
+                    job = {job.kind};
             }
         }
     });
@@ -213,6 +219,20 @@ SourceFile *tforderlistmodel::fileOf(const OrderIdentity &orderId, const PhotoIn
     return &files[index];
 }
 
+int tforderlistmodel::applyFailure(const OrderIdentity &orderId, const PhotoInfo &job,
+                                   const JobFailure &failure)
+{
+    int position = -1;
+    SourceFile *file = fileOf(orderId, job, &position);
+    if (!file)
+        return -1;
+    for (SourceJob &state : file->jobs) {
+        if (state.kind == job.kind)
+            state.failure = failure;
+    }
+    return position;
+}
+
 int tforderlistmodel::applyResult(const OrderIdentity &orderId, const PhotoInfo &job, bool success,
                                   const QString &message)
 {
@@ -222,7 +242,7 @@ int tforderlistmodel::applyResult(const OrderIdentity &orderId, const PhotoInfo 
         return -1;
     for (SourceJob &state : file->jobs) {
         if (state.kind == job.kind)
-            state = {job.kind, success ? JobState::Done : JobState::Failed, message};
+            state.report(success, message);
     }
     return position;
 }

@@ -32,7 +32,7 @@ public:
         PathColumn,
         ColumnCount
     };
-    /// Share of the jobs reported, 0 to 1; -1 without files. For any column.
+    /// photoorders::progressShare(). For any column.
     static constexpr int ProgressRole = Qt::UserRole;
 
     explicit tforderlistmodel(QObject *parent = nullptr);
@@ -60,9 +60,11 @@ public:
     /// Puts failed jobs of the files back to waiting; of all files when \a indexes is empty.
     void resetFailedJobs(int row, const QVector<int> &indexes);
 
-    /// The result of a job, and what the service says of a file. Both find the file by its order
+    /// Why a job is about to be reported as failed, the result of a job, and what the service says
+    /// of a file. All find the file by its order
     /// and source path, return its position among the files (-1 when it is not there any more), and
     /// are announced by flush() alone: an import reports many times a second.
+    int applyFailure(const OrderIdentity &orderId, const PhotoInfo &job, const JobFailure &failure);
     int applyResult(const OrderIdentity &orderId, const PhotoInfo &job, bool success,
                     const QString &message);
     int applyRegistration(const OrderIdentity &orderId, const PhotoInfo &job,

@@ -54,6 +54,15 @@ struct ImportTask
     int firstTaskId = 0; ///< id under which the order was queued: what its pieces have in common
 };
 
+/// Why a job failed, beyond the text that its kind fails with.
+struct JobFailure
+{
+    QString reason;        ///< in words for the user; empty when nothing is known
+    bool hopeless = false; ///< no such form can be made of a file of this sort: not a fault, and
+                           ///< nothing to try again
+};
+Q_DECLARE_METATYPE(JobFailure)
+
 /// What a worker is given to do.
 struct PhotoJob
 {

@@ -82,6 +82,11 @@ QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, i
     return photos;
 }
 
+QString compressionFailure(const QString &targetSizes)
+{
+    return QStringLiteral("图片压缩失败 (目标尺寸: %1)").arg(targetSizes);
+}
+
 QString toolName()
 {
     return QStringLiteral("导片工具");

@@ -26,6 +26,9 @@ inline const QString retouchedVideoKind = QStringLiteral("精修视频");
 /// original and its size variants, otherwise one video copy each.
 QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, int photoMode);
 
+/// The text of a size variant that could not be made, of one size or several.
+QString compressionFailure(const QString &targetSizes);
+
 /// As the tool's card is called.
 QString toolName();
 

@@ -3,6 +3,7 @@
 #include "app/context/logging.h"
 #include "files/filecopy.h"
 #include "files/filewriting.h"
+#include "photoimport/rules/photorecords.h"
 #include "photoimport/run/decodedsources.h"
 #include "pictures/picturereader.h"
 #include "pictures/picturewriter.h"
@@ -13,6 +14,7 @@
 #include <QDebug>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QImageWriter>
 #include <QTransform>
 
 #include <algorithm>
@@ -60,26 +62,58 @@ QString suffixOf(const QString &path)
     return QFileInfo(path).suffix().toLower();
 }
 
-bool copyBytes(const QString &source, const QString &target)
+/// Notes why an operation failed, for whoever wants to know; always false.
+bool failed(JobFailure *failure, const QString &reason)
 {
-    QString error;
-    switch (copyFile(source, target)) {
-    case CopyOutcome::Copied:
-        return true;
-    case CopyOutcome::Empty:
-        error = QStringLiteral("文件大小为0");
-        break;
-    case CopyOutcome::SizeDiffers:
-    case CopyOutcome::SourceChanged:
-        error = QStringLiteral("文件在拷贝过程中发生变化");
-        break;
-    case CopyOutcome::Failed:
-    case CopyOutcome::Cancelled:
-        error = QStringLiteral("无法读取源文件或写入目标文件");
-        break;
-    }
-    log(QStringLiteral("文件拷贝失败:"), error);
+    if (failure)
+        failure->reason = reason;
     return false;
+}
+
+bool copyBytes(const QString &source, const QString &target, JobFailure *failure)
+{
+    const CopyOutcome outcome = copyFile(source, target);
+    if (outcome == CopyOutcome::Copied)
+        return true;
+    const QString error = copyProblem(outcome, source, target);
+    log(QStringLiteral("文件拷贝失败:"), error);
+    return failed(failure, error);
+}
+
+/// What shows that a file was written to.
+struct Stamp
+{
+    explicit Stamp(const QString &path) : Stamp(QFileInfo(path)) {}
+    explicit Stamp(const QFileInfo &file) : bytes(file.size()), modified(file.lastModified()) {}
+    bool operator!=(const Stamp &other) const
+    {
+        return bytes != other.bytes || modified != other.modified;
+    }
+
+    qint64 bytes;
+    QDateTime modified;
+};
+
+QString changedText()
+{
+    return copyProblem(CopyOutcome::SourceChanged, {}, {});
+}
+
+QString unreadableText()
+{
+    return QStringLiteral("图片无法读取或已损坏");
+}
+
+/// Variants are of the same sort as their source: there are none of a sort that is only read.
+bool hasVariants(const QString &source)
+{
+    static const QList<QByteArray> written = QImageWriter::supportedImageFormats();
+    return written.contains(suffixOf(source).toLatin1());
+}
+
+QString notReplacedText()
+{
+    return QStringLiteral("无法删除旧文件");
 }
 
 /// Turns by a multiple of 90 degrees; pixels move, none is mixed.
@@ -155,11 +189,12 @@ QImage readUpright(const QString &source, qint64 bytes)
     return image;
 }
 
-bool writeUpright(const QString &source, const QString &target, qint64 bytes)
+/// \a before: of the source, before it was looked at.
+bool writeUpright(const QString &source, const QString &target, const Stamp &before)
 {
     QElapsedTimer timer;
     timer.start();
-    const QImage image = readUpright(source, bytes);
+    const QImage image = readUpright(source, before.bytes);
     if (image.isNull())
         return false;
     const QString suffix = suffixOf(source);
@@ -167,8 +202,10 @@ bool writeUpright(const QString &source, const QString &target, qint64 bytes)
     PictureWriting writing;
     writing.format = suffix.toLatin1();
     writing.quality = isJpeg ? originalQuality : -1;
-    writing.made = QFileInfo(source).lastModified();
+    writing.made = before.modified;
     writing.cameraData = PictureReader(source, picturebounds::imported).cameraData();
+    if (Stamp(source) != before)
+        return false;
     const QString error = writePicture(image, target, writing);
     if (!error.isEmpty()) {
         log(QStringLiteral("图片旋转拷贝保存失败: %1, 错误: %2，回退到直接拷贝")
@@ -207,12 +244,12 @@ QImage readShared(DecodedSources *shared, const QString &source, const QSize &re
 {
     if (!shared)
         return decode();
-    const QFileInfo file(source);
+    const Stamp now(source);
     const QString key = QStringLiteral("%1x%2 %3 %4 ")
                             .arg(readSize.width())
                             .arg(readSize.height())
-                            .arg(file.size())
-                            .arg(file.lastModified().toMSecsSinceEpoch());
+                            .arg(now.bytes)
+                            .arg(now.modified.toMSecsSinceEpoch());
     return shared->picture(key + source, decode);
 }
 
@@ -278,7 +315,8 @@ QImage turnedLikeSource(const QImage &image, const QString &source)
     return upright;
 }
 
-bool saveVariant(const QImage &image, const QString &source, const QString &target)
+bool saveVariant(const QImage &image, const QString &source, const QString &target,
+                 JobFailure *failure)
 {
     log(QStringLiteral("要保存图片了:"), target);
     if (QFileInfo::exists(target))
@@ -292,11 +330,11 @@ bool saveVariant(const QImage &image, const QString &source, const QString &targ
     // Not where and with what it was taken: variants are for looking at, also by others.
     writing.cameraData.profile =
         PictureReader(source, picturebounds::imported).cameraData().profile;
-    const QString error = mayReplace(target) ? writePicture(image, target, writing)
-                                             : QStringLiteral("无法删除旧文件");
+    const QString error =
+        mayReplace(target) ? writePicture(image, target, writing) : notReplacedText();
     if (!error.isEmpty()) {
         log(QStringLiteral("图片保存失败:"), error);
-        return false;
+        return failed(failure, error);
     }
     log(QStringLiteral("图片处理成功: %1 -> %2 (最终尺寸: %3x%4)")
             .arg(source, target, QString::number(image.width()), QString::number(image.height())));
@@ -404,21 +442,21 @@ QSize uprightSize(const QSize &original)
                                                 : original;
 }
 
-bool rotateCopyImage(const QString &source, const QString &target)
+bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure)
 {
     if (!mayReplace(target)) {
-        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
-        return false;
+        log(QStringLiteral("文件拷贝失败:"), notReplacedText());
+        return failed(failure, notReplacedText());
     }
-    const qint64 bytes = QFileInfo(source).size();
-    const QString megabytes = QString::number(bytes / bytesPerMB);
-    if (bytes > plainCopyBytes) {
+    const Stamp before(source);
+    const QString megabytes = QString::number(before.bytes / bytesPerMB);
+    if (before.bytes > plainCopyBytes) {
         log(QStringLiteral("文件过大 (%1MB)，使用直接拷贝: %2").arg(megabytes, source));
-        return copyBytes(source, target);
+        return copyBytes(source, target, failure);
     }
     log(QStringLiteral("开始旋转拷贝，文件大小: %1MB, 源文件: %2").arg(megabytes, source));
     try {
-        if (writeUpright(source, target, bytes))
+        if (writeUpright(source, target, before))
             return true;
     } catch (const std::exception &exception) {
         log(QStringLiteral("图片旋转拷贝异常: %1, 错误: %2，回退到直接拷贝")
@@ -426,15 +464,20 @@ bool rotateCopyImage(const QString &source, const QString &target)
     } catch (...) {
         log(QStringLiteral("图片旋转拷贝未知异常: %1，回退到直接拷贝").arg(source));
     }
-    return copyBytes(source, target);
+    if (Stamp(source) != before) {
+        // Somebody is writing to it: a copy made this very moment could be cut short.
+        log(QStringLiteral("文件拷贝失败:"), changedText());
+        return failed(failure, changedText());
+    }
+    return copyBytes(source, target, failure);
 }
 
-bool copyOriginal(const QString &source, const QString &target)
+bool copyOriginal(const QString &source, const QString &target, JobFailure *failure)
 {
     const QFileInfo file(source);
     if (!file.exists()) {
         log(QStringLiteral("源文件不存在:"), source);
-        return false;
+        return failed(failure, QStringLiteral("源文件不存在"));
     }
     if (platform::isSameFile(source, target)) {
         // Chosen from the order's own folder: turning it would overwrite the only original.
@@ -442,8 +485,8 @@ bool copyOriginal(const QString &source, const QString &target)
         return true;
     }
     if (!mayReplace(target)) {
-        log(QStringLiteral("文件拷贝失败:"), QStringLiteral("无法删除旧文件"));
-        return false;
+        log(QStringLiteral("文件拷贝失败:"), notReplacedText());
+        return failed(failure, notReplacedText());
     }
     QElapsedTimer timer;
     timer.start();
@@ -451,10 +494,10 @@ bool copyOriginal(const QString &source, const QString &target)
     if (orientation != 1) {
         log(QStringLiteral("检测到图片需要旋转，EXIF方向: %1, 源文件: %2")
                 .arg(QString::number(orientation), source));
-        return rotateCopyImage(source, target);
+        return rotateCopyImage(source, target, failure);
     }
     log(QStringLiteral("图片方向正常，直接拷贝:"), source);
-    const bool copied = copyBytes(source, target);
+    const bool copied = copyBytes(source, target, failure);
     if (timer.elapsed() > slowMs) {
         log(QStringLiteral("文件拷贝耗时较长: %1秒, 文件: %2")
                 .arg(seconds(timer.elapsed()), source));
@@ -463,34 +506,43 @@ bool copyOriginal(const QString &source, const QString &target)
 }
 
 bool compressImage(const QString &source, const QString &target, int longSide,
-                   DecodedSources *shared)
+                   DecodedSources *shared, JobFailure *failure)
 {
+    if (failure)
+        failure->hopeless = !hasVariants(source);
+    const Stamp before(source);
     const PictureReader reader(source, picturebounds::imported);
     if (!reader.canRead()) {
         log(QStringLiteral("无法读取图片:"), source);
-        return false;
+        return failed(failure, QFileInfo::exists(source) ? unreadableText()
+                                                         : QStringLiteral("源文件不存在"));
     }
     const QSize size = reader.size();
     if (!size.isValid()) {
         log(QStringLiteral("无法获取图片尺寸:"), source);
-        return false;
+        return failed(failure, unreadableText());
     }
     log(QStringLiteral("原图尺寸: %1x%2").arg(size.width()).arg(size.height()));
     if (longSide < 1 || longSide > variantSideLimit) {
         log(QStringLiteral("最终缩放失败:"), source);
-        return false;
+        return failed(failure, QStringLiteral("目标尺寸无效"));
     }
     if (platform::isSameFile(source, target)) {
         // Chosen from among the order's own variants: it may be all that there is of the photo.
         log(QStringLiteral("图片保存失败:"), QStringLiteral("目标就是源文件"));
-        return false;
+        return failed(failure, QStringLiteral("目标就是源文件"));
     }
     QImage image = readForVariant(source, size, longSide, shared);
     if (!image.isNull())
         image = scaledToLongSide(image, longSide, source);
     if (!image.isNull())
         image = turnedLikeSource(image, source);
-    return !image.isNull() && saveVariant(image, source, target);
+    if (Stamp(source) != before) {
+        log(QStringLiteral("图片保存失败:"), changedText());
+        return failed(failure, changedText());
+    }
+    return image.isNull() ? failed(failure, unreadableText())
+                          : saveVariant(image, source, target, failure);
 }
 
 } // namespace imageoperations

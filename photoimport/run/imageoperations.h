@@ -5,10 +5,12 @@
 #include <QString>
 
 class DecodedSources;
+struct JobFailure;
 
 /// The image operations of the photo import. They block, for worker threads, and log every
 /// decision. Targets are written under a temporary name and renamed, so that a target name never
-/// holds a partial picture.
+/// holds a partial picture. A source that is written to meanwhile is no source: the operation
+/// fails. Those that take a \a failure tell there why they failed.
 namespace imageoperations {
 
 constexpr qint64 plainCopyBytes = 104857600;  ///< originals above are copied as they are
@@ -40,14 +42,14 @@ QSize uprightSize(const QSize &original);
 
 /// Copies an original so that it stands upright without an orientation tag. Whatever goes wrong
 /// with the picture, the file is copied byte for byte; false only when that fails, too.
-bool rotateCopyImage(const QString &source, const QString &target);
+bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure = nullptr);
 
 /// The original copy: byte for byte when it stands upright, otherwise rotateCopyImage().
-bool copyOriginal(const QString &source, const QString &target);
+bool copyOriginal(const QString &source, const QString &target, JobFailure *failure = nullptr);
 
 /// Makes the size variant with the long side \a longSide in pixels; smaller pictures are enlarged.
 /// With \a shared, variants of one source made at about the same time decode it once.
 bool compressImage(const QString &source, const QString &target, int longSide,
-                   DecodedSources *shared = nullptr);
+                   DecodedSources *shared = nullptr, JobFailure *failure = nullptr);
 
 } // namespace imageoperations

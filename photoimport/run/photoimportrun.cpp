@@ -9,6 +9,8 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
     : QObject(parent), orders_(orders)
 {
     connect(&pool_, &tfimportthreadmanager::photoImported, this, &PhotoImportRun::onPhotoImported);
+    connect(&pool_, &tfimportthreadmanager::failureExplained, this,
+            &PhotoImportRun::onFailureExplained);
     connect(&pool_, &tfimportthreadmanager::orderProgressUpdated, this,
             &PhotoImportRun::onOrderProgressUpdated);
     connect(&pool_, &tfimportthreadmanager::orderImportCompleted, this,
@@ -56,18 +58,8 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
 {
     if (!preparing_.isEmpty())
         return false;
-    if (refusesAny(rows, identity))
+    if (!takeInHand(rows, identity))
         return true;
-    QVector<OrderIdentity> wanted;
-    for (const int row : rows)
-        wanted.append(orders_->order(row).identity());
-    const auto conflict = ordersatwork::claim(wanted, photorules::toolName(), &claim_);
-    if (conflict) {
-        const int row = rows.at(wanted.indexOf(conflict->order));
-        emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),
-                     {});
-        return true;
-    }
     if (!open_)
         batch_.clear();
     identity_ = identity;
@@ -96,15 +88,23 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
     return true;
 }
 
-bool PhotoImportRun::refusesAny(const QVector<int> &rows, const orderqueries::Identity &identity)
+bool PhotoImportRun::takeInHand(const QVector<int> &rows, const orderqueries::Identity &identity)
 {
+    QVector<OrderIdentity> wanted;
     for (const int row : rows) {
         const PhotoOrder &order = orders_->order(row);
+        wanted.append(order.identity());
         if (orderqueries::mayWorkOn(order.identity(), identity))
             continue;
         emit refused(orderqueries::otherBranchText(order.displayName()), {});
-        return true;
+        return false;
     }
+    const auto conflict = ordersatwork::claim(wanted, photorules::toolName(), &claim_);
+    if (!conflict)
+        return true;
+    const int row = rows.at(wanted.indexOf(conflict->order));
+    emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),
+                 {});
     return false;
 }
 
@@ -179,6 +179,12 @@ void PhotoImportRun::onPhotoImported(const OrderInfo &orderinfo, const QString &
         emit fileChanged(orderinfo.identity(), index);
 }
 
+void PhotoImportRun::onFailureExplained(const OrderInfo &orderinfo, int photoindex,
+                                        const JobFailure &failure)
+{
+    orders_->applyFailure(orderinfo.identity(), orderinfo.photos.value(photoindex), failure);
+}
+
 void PhotoImportRun::onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total)
 {
     qDebug().noquote() << QStringLiteral("订单 %1 导片进度: %2/%3 (%4%)")
@@ -193,11 +199,13 @@ TransferProgress PhotoImportRun::progress()
     return orders_->progressOf(batch_);
 }
 
-void PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
+bool PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
                                    const orderqueries::Identity &identity)
 {
-    if (refusesAny({row}, identity))
-        return;
+    if (indexes.isEmpty() && orders_->order(row).folderRefusal.isEmpty())
+        return true;
+    if (!takeInHand({row}, identity))
+        return false;
     const int mode = orders_->photoMode();
     const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
     if (!orders_->order(row).folderRefusal.isEmpty())
@@ -207,6 +215,7 @@ void PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
         registrar_.upImportPhotoInfo(order, position, mode, identity);
     }
     emit stateChanged();
+    return true;
 }
 
 void PhotoImportRun::onRegistered(const OrderIdentity &orderId, const PhotoInfo &photo,
@@ -236,18 +245,13 @@ void PhotoImportRun::afterStep()
         claim_.release();
     if (open_) {
         open_ = false;
-        int failed = 0;
-        int unregistered = 0;
+        RunOutcome outcome;
         for (const OrderIdentity &id : qAsConst(batch_)) {
             const int row = orders_->rowOf(id);
-            if (row < 0)
-                continue;
-            const PhotoOrder &order = orders_->order(row);
-            failed += order.summary(orders_->photoMode()).failed;
-            unregistered += order.summary(orders_->photoMode()).unregistered;
-            unregistered += order.folderRefusal.isEmpty() ? 0 : 1;
+            if (row >= 0)
+                outcome.add(orders_->order(row), orders_->photoMode());
         }
-        emit ended(failed, unregistered);
+        emit ended(outcome);
     }
     if (stale_) {
         stale_ = false;

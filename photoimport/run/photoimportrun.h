@@ -37,7 +37,8 @@ public:
     /// Drops all work. What is imported already is still registered.
     void stop();
     /// Tells the service again of imported files, and of the order's folder when it was refused.
-    void registerAgain(int row, const QVector<int> &indexes,
+    /// False and refused() when the order may not be worked on.
+    bool registerAgain(int row, const QVector<int> &indexes,
                        const orderqueries::Identity &identity);
     /// Tells the service of nothing more.
     void cancelRegistrations();
@@ -56,6 +57,7 @@ public slots:
     /// Connected to the pool's signals.
     void onPhotoImported(const OrderInfo &orderinfo, const QString &fileName, int photoindex,
                          bool success, const QString &errorMsg);
+    void onFailureExplained(const OrderInfo &orderinfo, int photoindex, const JobFailure &failure);
     void onOrderProgressUpdated(const OrderInfo &orderinfo, int completed, int total);
 
 signals:
@@ -65,17 +67,17 @@ signals:
     void stateChanged();
     /// A start was refused, perhaps because of the folder \a path (Windows form, may be empty).
     void refused(const QString &message, const QString &path);
-    /// All of the run is imported and registered, or failed to be: so many files, and so many files
-    /// and folders of orders.
-    void ended(int failedFiles, int unregistered);
+    /// All of the run is imported and registered, or failed to be.
+    void ended(const RunOutcome &outcome);
     /// Nothing goes on any more, and the service knows of more than the list says.
     void countsStale();
     /// After a stop: the last worker has finished its photo.
     void workersEnded();
 
 private:
-    /// Orders of another branch are not worked on; the first of them is told by refused().
-    bool refusesAny(const QVector<int> &rows, const orderqueries::Identity &identity);
+    /// Takes the orders in hand. Those of another branch, or in another tool's hands, are not
+    /// worked on: nothing is taken then, and the first of them is told by refused().
+    bool takeInHand(const QVector<int> &rows, const orderqueries::Identity &identity);
     void begin(const QList<OrderInfo> &orders);
     void releaseOrders();
     void onStartRefused(const QString &message, const QString &path);

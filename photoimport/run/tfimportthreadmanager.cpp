@@ -37,6 +37,7 @@ tfimportthreadmanager::tfimportthreadmanager(PhotoOperations operations, QObject
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
+    qRegisterMetaType<JobFailure>();
     dealTimer_.setSingleShot(true);
     connect(&dealTimer_, &QTimer::timeout, this, &tfimportthreadmanager::assignNextTask);
     connect(&completionTimer_, &QTimer::timeout, this, &tfimportthreadmanager::checkTaskCompletion);
@@ -57,6 +58,8 @@ void tfimportthreadmanager::createWorkers()
 {
     for (int id = 0; id < workerCount_; ++id) {
         auto *worker = new tfimportworker(id, operations_, this);
+        connect(worker, &tfimportworker::failureExplained, this,
+                &tfimportthreadmanager::onFailureExplained, Qt::QueuedConnection);
         connect(worker, &tfimportworker::photoImported, this,
                 &tfimportthreadmanager::onPhotoImported, Qt::QueuedConnection);
         connect(worker, &tfimportworker::workerFinished, this,
@@ -371,6 +374,16 @@ void tfimportthreadmanager::onPhotoImported(int taskId, const QString &fileName,
     emit photoImported(*task.order, fileName, photoIndex, success, errorMsg);
     if (round.isCurrent())
         reportProgress(task, completed);
+}
+
+void tfimportthreadmanager::onFailureExplained(int taskId, int photoIndex,
+                                               const JobFailure &failure)
+{
+    const auto task = active_.constFind(taskId);
+    if (task == active_.constEnd())
+        return;
+    const std::shared_ptr<const OrderInfo> order = task->order;
+    emit failureExplained(*order, photoIndex, failure);
 }
 
 /// Tells how far the order of \a task is, and that it is complete when that is so.

@@ -62,6 +62,8 @@ signals:
     /// One job is done. \a photoindex is its position in the order's photos.
     void photoImported(const OrderInfo &orderinfo, const QString &fileName, int photoindex,
                        bool success, const QString &errorMsg);
+    /// Comes before photoImported() of a failed photo when more is known than its text says.
+    void failureExplained(const OrderInfo &orderinfo, int photoindex, const JobFailure &failure);
     void orderProgressUpdated(const OrderInfo &orderinfo, int completed, int total);
     /// All jobs of the order are reported; success is always true.
     void orderImportCompleted(const OrderInfo &orderinfo, bool success, const QString &errorMsg);
@@ -75,6 +77,7 @@ private slots:
     void assignNextTask();
     void onPhotoImported(int taskId, const QString &fileName, int photoIndex, bool success,
                          const QString &errorMsg);
+    void onFailureExplained(int taskId, int photoIndex, const JobFailure &failure);
     void onWorkerFinished(int workerId);
     void checkTaskCompletion();
 

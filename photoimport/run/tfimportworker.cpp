@@ -21,10 +21,11 @@ constexpr unsigned long breathMs = 10; // after each job, so that disks and shar
 
 PhotoOperations PhotoOperations::standard(DecodedSources *shared)
 {
-    return {imageoperations::copyOriginal, tfimportworker::copyFile,
-            [shared](const QString &source, const QString &target, int longSide) {
-                return imageoperations::compressImage(source, target, longSide, shared);
-            }};
+    return {
+        imageoperations::copyOriginal, tfimportworker::copyFile,
+        [shared](const QString &source, const QString &target, int longSide, JobFailure *failure) {
+            return imageoperations::compressImage(source, target, longSide, shared, failure);
+        }};
 }
 
 tfimportworker::tfimportworker(int workerId, PhotoOperations operations, QObject *parent)
@@ -85,14 +86,19 @@ bool tfimportworker::takeJob(PhotoJob *job)
 }
 
 /// Returns what went wrong; nothing on success.
-QString tfimportworker::process(const PhotoJob &job) const
+QString tfimportworker::process(const PhotoJob &job)
 {
     QString error;
-    const QString problem = problemOf([&] { error = write(job); });
-    return problem.isEmpty() ? error : problem;
+    JobFailure failure;
+    const QString problem = problemOf([&] { error = write(job, &failure); });
+    if (!problem.isEmpty())
+        return problem;
+    if (!error.isEmpty() && !failure.reason.isEmpty())
+        emit failureExplained(job.taskId, job.photoIndex, failure);
+    return error;
 }
 
-QString tfimportworker::write(const PhotoJob &job) const
+QString tfimportworker::write(const PhotoJob &job, JobFailure *failure) const
 {
     const QString folder = platform::toLocalPath(job.targetFolder);
     if (!makeFolder(folder))
@@ -102,38 +108,44 @@ QString tfimportworker::write(const PhotoJob &job) const
     const QString &kind = job.photo.kind;
 
     if (kind == photorules::originalKind) {
-        return operations_.copyOriginal(source, target) ? QString()
-                                                        : QStringLiteral("原图拷贝失败");
+        return operations_.copyOriginal(source, target, failure) ? QString()
+                                                                 : QStringLiteral("原图拷贝失败");
     }
     if (kind == photorules::trialVideoKind) {
-        return operations_.copyVideo(source, target) ? QString()
-                                                     : QStringLiteral("试拍视频拷贝失败");
+        return operations_.copyVideo(source, target, failure) ? QString()
+                                                              : QStringLiteral("试拍视频拷贝失败");
     }
     if (kind == photorules::retouchedVideoKind) {
-        return operations_.copyVideo(source, target) ? QString()
-                                                     : QStringLiteral("精修视频拷贝失败");
+        return operations_.copyVideo(source, target, failure) ? QString()
+                                                              : QStringLiteral("精修视频拷贝失败");
     }
     const int longSide = job.photo.targetSize.toInt();
-    return operations_.compress(source, target, longSide)
+    return operations_.compress(source, target, longSide, failure)
                ? QString()
-               : QStringLiteral("图片压缩失败 (目标尺寸: %1)").arg(longSide);
+               : photorules::compressionFailure(QString::number(longSide));
 }
 
-bool tfimportworker::copyFile(const QString &source, const QString &target)
+bool tfimportworker::copyFile(const QString &source, const QString &target, JobFailure *failure)
 {
+    const auto fail = [failure](const QString &reason) {
+        if (failure)
+            failure->reason = reason;
+        return false;
+    };
     qDebug().noquote() << QStringLiteral("原文件路径：") << source;
     qDebug().noquote() << QStringLiteral("目标文件路径：") << target;
     if (!QFileInfo::exists(source)) {
         qDebug().noquote() << QStringLiteral("源文件不存在：") << source;
-        return false;
+        return fail(QStringLiteral("源文件不存在"));
     }
     if (!mayReplace(target)) {
         qDebug().noquote() << QStringLiteral(" 无法删除旧文件：") << target;
-        return false;
+        return fail(QStringLiteral("无法删除旧文件"));
     }
-    const bool copied = ::copyFile(source, target) == CopyOutcome::Copied;
+    const CopyOutcome outcome = ::copyFile(source, target);
+    const bool copied = outcome == CopyOutcome::Copied;
     qDebug().noquote() << (copied ? QStringLiteral("copyFile 拷贝成功：")
                                   : QStringLiteral("copyFile 拷贝失败："))
                        << target;
-    return copied;
+    return copied || fail(copyProblem(outcome, source, target));
 }

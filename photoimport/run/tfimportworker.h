@@ -13,12 +13,13 @@
 class DecodedSources;
 
 /// What a worker does with a photo. Each takes a source and a target as this machine writes paths
-/// and returns whether the target is there; they may throw.
+/// and returns whether the target is there, with the reason when it is not; they may throw.
 struct PhotoOperations
 {
-    using Copy = std::function<bool(const QString &source, const QString &target)>;
-    using Compress =
-        std::function<bool(const QString &source, const QString &target, int longSide)>;
+    using Copy =
+        std::function<bool(const QString &source, const QString &target, JobFailure *failure)>;
+    using Compress = std::function<bool(const QString &source, const QString &target, int longSide,
+                                        JobFailure *failure)>;
 
     Copy copyOriginal;
     Copy copyVideo;
@@ -49,9 +50,12 @@ public:
     bool takesJobs() const { return isRunning() && !stopRequested_; }
 
     /// Copies a video as it is, replacing an earlier output.
-    static bool copyFile(const QString &source, const QString &target);
+    static bool copyFile(const QString &source, const QString &target,
+                         JobFailure *failure = nullptr);
 
 signals:
+    /// Before the report of a job that failed, when more is known than its text says.
+    void failureExplained(int taskId, int photoIndex, const JobFailure &failure);
     void photoImported(int taskId, const QString &fileName, int photoIndex, bool success,
                        const QString &errorMsg);
     void workerFinished(int workerId);
@@ -61,8 +65,8 @@ protected:
 
 private:
     bool takeJob(PhotoJob *job);
-    QString process(const PhotoJob &job) const;
-    QString write(const PhotoJob &job) const;
+    QString process(const PhotoJob &job);
+    QString write(const PhotoJob &job, JobFailure *failure) const;
 
     const int workerId_;
     const PhotoOperations operations_;

@@ -9,7 +9,19 @@
 #include "widgets/boxes/toast.h"
 #include "widgets/windows/loadingoverlay.h"
 
+#include <algorithm>
 #include <utility>
+
+namespace {
+
+bool haveSamePaths(const QVector<SourceFile> &some, const QVector<SourceFile> &others)
+{
+    return std::equal(
+        some.cbegin(), some.cend(), others.cbegin(), others.cend(),
+        [](const SourceFile &file, const SourceFile &other) { return file.path == other.path; });
+}
+
+} // namespace
 
 tffilechooser::tffilechooser(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
                              std::function<bool(int row)> mayChange)
@@ -52,37 +64,45 @@ void tffilechooser::take(int row, const QStringList &paths, bool expand)
 {
     if (paths.isEmpty() || !mayChange_(row))
         return;
-    const FileChoice choice{paths, expand, orders_->photoMode(), orders_->files(row)};
+    describe(orders_->order(row).identity(),
+             {paths, expand, orders_->photoMode(), orders_->files(row)}, Unreadable::Ask);
+}
+
+void tffilechooser::describe(const OrderIdentity &orderId, const FileChoice &choice,
+                             Unreadable unreadable)
+{
     overlay_->showText(QStringLiteral("正在检查文件..."));
     onDisk(
-        this, paths, [choice] { return describeChoice(choice); },
-        choice_.only([this, mode = choice.photoMode,
-                      orderId = orders_->order(row).identity()](const FileChoiceResult &result) {
+        this, choice.paths, [choice] { return describeChoice(choice); },
+        choice_.only([this, choice, orderId, unreadable](const FileChoiceResult &result) {
             overlay_->hideOverlay();
-            onDescribed(orderId, mode, result);
+            if (result.unreadable.isEmpty() || unreadable == Unreadable::Accepted) {
+                add(orderId, choice, result);
+                return;
+            }
+            ConfirmDialog::ask(
+                window_, BoxText(chosenfiles::unreadableHeading(), result.unreadable),
+                ConfirmDialog::Enter::Cancels, [this, orderId, choice, result](bool confirmed) {
+                    if (confirmed)
+                        add(orderId, choice, result);
+                });
         }));
 }
 
-void tffilechooser::onDescribed(const OrderIdentity &orderId, int photoMode,
-                                const FileChoiceResult &result)
-{
-    if (result.unreadable.isEmpty()) {
-        add(orderId, photoMode, result);
-        return;
-    }
-    ConfirmDialog::ask(window_, BoxText(chosenfiles::unreadableHeading(), result.unreadable),
-                       ConfirmDialog::Enter::Cancels,
-                       [this, orderId, photoMode, result](bool confirmed) {
-                           if (confirmed)
-                               add(orderId, photoMode, result);
-                       });
-}
-
-void tffilechooser::add(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result)
+void tffilechooser::add(const OrderIdentity &orderId, const FileChoice &choice,
+                        const FileChoiceResult &result)
 {
     const int row = orders_->rowOf(orderId);
-    if (row < 0 || photoMode != orders_->photoMode())
+    if (choice.photoMode != orders_->photoMode() || !mayChange_(row))
         return;
+    const QVector<SourceFile> &listed = orders_->files(row);
+    if (!haveSamePaths(listed, choice.listed)) {
+        // Other files were added meanwhile: these may be the same, or stand in their way.
+        FileChoice again = choice;
+        again.listed = listed;
+        describe(orderId, again, Unreadable::Accepted);
+        return;
+    }
     if (!result.clashes.isEmpty()) {
         MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
         return;

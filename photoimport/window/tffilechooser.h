@@ -36,8 +36,12 @@ signals:
     void filesAdded(const OrderIdentity &orderId);
 
 private:
-    void onDescribed(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
-    void add(const OrderIdentity &orderId, int photoMode, const FileChoiceResult &result);
+    /// What to do about folders that cannot be read.
+    enum class Unreadable { Ask, Accepted };
+
+    void describe(const OrderIdentity &orderId, const FileChoice &choice, Unreadable unreadable);
+    void add(const OrderIdentity &orderId, const FileChoice &choice,
+             const FileChoiceResult &result);
 
     QWidget *window_;
     tforderlistmodel *orders_;

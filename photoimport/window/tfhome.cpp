@@ -33,6 +33,18 @@ constexpr int progressIntervalMs = 250;
 /// How long a closed window waits for the next of what the service still has to answer.
 constexpr int nextAnswerMs = 10000;
 
+QString closeQuestion(bool importing, int pendingRegistrations)
+{
+    QString question = importing ? QStringLiteral("正在导片，关闭窗口会停止导片") : QString();
+    if (pendingRegistrations > 0) {
+        question += importing ? QStringLiteral("。\n") : QString();
+        question += QStringLiteral("还有 %1 项没有登记到服务端，关闭后会继续登记，"
+                                   "服务端不再响应时放弃")
+                        .arg(pendingRegistrations);
+    }
+    return question + QStringLiteral("，确认要关闭吗？");
+}
+
 } // namespace
 
 tfhome::tfhome(QWidget *parent)
@@ -171,7 +183,7 @@ void tfhome::connectBar()
         else
             run_.pool()->pauseAllImport();
         rate_.clear();
-        bar_->setPaused(run_.pool()->isPaused());
+        refreshState();
     });
 }
 
@@ -300,12 +312,11 @@ void tfhome::startOrder(int row)
 {
     if (!mayChange(row))
         return;
-    const QVector<SourceFile> &files = orders_.files(row);
-    if (std::all_of(files.cbegin(), files.cend(),
-                    [](const SourceFile &file) { return file.isComplete(); }))
-        Toast::show(this, QStringLiteral("请先为订单添加要导入的文件"));
-    else
+    const QString nothing = photoorders::nothingToImport({orders_.order(row)}, orders_.photoMode());
+    if (nothing.isEmpty())
         start({row});
+    else
+        Toast::show(this, nothing);
 }
 
 void tfhome::startAll()
@@ -317,7 +328,7 @@ void tfhome::startAll()
             rows.append(row);
     }
     if (rows.isEmpty())
-        MessageBox::warning(this, QStringLiteral("请先为订单添加要导入的文件"));
+        tell(photoorders::nothingToImport(orders_.orders(), orders_.photoMode()));
     else
         start(rows);
 }
@@ -367,7 +378,9 @@ void tfhome::refreshState()
     bar_->setPaused(run_.pool()->isPaused());
     orderPanel_->setImporting(run_.isBusy());
     const TransferProgress progress = run_.progress();
-    if (run_.isImporting()) {
+    if (run_.isImporting() && run_.pool()->isPaused()) {
+        bar_->showPaused(progress);
+    } else if (run_.isImporting()) {
         rate_.add(clock_.elapsed(), progress.bytesDone);
         bar_->showProgress(progress, rate_);
     } else if (run_.isBusy()) {
@@ -388,16 +401,12 @@ void tfhome::showFile(const OrderIdentity &orderId, int index)
         photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
 }
 
-void tfhome::announceEnd(int failed, int unregistered)
+void tfhome::announceEnd(const RunOutcome &outcome)
 {
-    if (failed == 0 && unregistered == 0) {
-        MessageBox::information(this, QStringLiteral("导片完成！"));
-        return;
-    }
-    tell(QStringLiteral("导片结束，%1 个文件失败，%2 项未登记。\n"
-                        "请在照片列表中查看原因，再点“重试失败”。")
-             .arg(failed)
-             .arg(unregistered));
+    if (outcome.isGood())
+        MessageBox::information(this, outcome.text());
+    else
+        tell(outcome.text());
 }
 
 void tfhome::tell(const QString &problem)
@@ -419,8 +428,8 @@ void tfhome::retry(const QVector<int> &photoRows)
         Toast::show(this, QStringLiteral("没有失败的文件"));
         return;
     }
-    run_.registerAgain(row, files.unregistered, orderPanel_->identity());
-    if (!files.failed.isEmpty())
+    if (run_.registerAgain(row, files.unregistered, orderPanel_->identity()) &&
+        !files.failed.isEmpty())
         start({row}, files.failed);
 }
 
@@ -439,7 +448,9 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
 FramelessWindow::CloseAnswer tfhome::closeRequested()
 {
     if (run_.isBusy() &&
-        !agreedToClose(QStringLiteral("正在导片，关闭窗口会停止导片，确认要关闭吗？")))
+        !agreedToClose(closeQuestion(run_.isImporting(), run_.pendingRegistrations()),
+                       run_.isImporting() ? QStringLiteral("import")
+                                          : QStringLiteral("registrations")))
         return CloseAnswer::Refuse;
     chooser_->cancel();
     if (run_.isImporting())

@@ -57,7 +57,7 @@ private:
     void retry(const QVector<int> &photoRows);
     void refreshState();
     void showFile(const OrderIdentity &orderId, int index);
-    void announceEnd(int failed, int unregistered);
+    void announceEnd(const RunOutcome &outcome);
     void tell(const QString &problem);
 
     // Deleting, closing.

@@ -90,6 +90,11 @@ void tfimportbar::showProgress(const TransferProgress &progress, const TransferR
     progress_->showProgress(progress, rate);
 }
 
+void tfimportbar::showPaused(const TransferProgress &progress)
+{
+    progress_->showPaused(progress);
+}
+
 void tfimportbar::showRegistering(int pending)
 {
     progress_->showRest(QStringLiteral("正在登记，剩余 %1").arg(pending));

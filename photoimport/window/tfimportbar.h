@@ -25,6 +25,7 @@ public:
     void setRunning(bool running, bool registering);
     void setPaused(bool paused);
     void showProgress(const TransferProgress &progress, const TransferRate &rate);
+    void showPaused(const TransferProgress &progress);
     /// Registrations that are still to be sent; the progress stays without a rate.
     void showRegistering(int pending);
     void hideProgress();

@@ -20,6 +20,7 @@ void tfprogressdelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
 {
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    cell.text.clear(); // it stands on the bar
     cellpainting::paintCell(painter, cell);
     const double share = index.data(tforderlistmodel::ProgressRole).toDouble();
     if (share < 0)
@@ -35,11 +36,11 @@ void tfprogressdelegate::paint(QPainter *painter, const QStyleOptionViewItem &op
     painter->drawRoundedRect(bar, radius, radius);
     QRect done = bar;
     done.setWidth(int(bar.width() * share));
-    painter->setBrush(colours::toColor(share < 1 ? colours::accentHover : colours::success));
+    painter->setBrush(index.data(Qt::ForegroundRole).value<QColor>());
     painter->setClipRect(done);
     painter->drawRoundedRect(bar, radius, radius);
     painter->setClipping(false);
     painter->setPen(colours::toColor(share < 0.5 ? colours::heading : colours::onFilled));
-    painter->drawText(bar, Qt::AlignCenter, QStringLiteral("%1%").arg(int(share * 100)));
+    painter->drawText(bar, Qt::AlignCenter, index.data().toString());
     painter->restore();
 }

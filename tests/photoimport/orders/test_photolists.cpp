@@ -1,3 +1,4 @@
+#include "look/colours.h"
 #include "photoimport/imported/tfphotodeletion.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/imported/tfthumbnailthread.h"
@@ -131,22 +132,27 @@ private slots:
     void statesOfOrders_data()
     {
         using Files = QVector<SourceFile>;
-        addColumns<Files, int, QString>({"files", "run", "text"});
+        addColumns<Files, int, QString, QString, unsigned int>(
+            {"files", "run", "text", "bar", "colour"});
         const auto done = job("all", JobState::Done);
         const auto failed = job("90", JobState::Failed, "x");
         const QString path = "/c/1.jpg"_s;
+        const auto going = colours::accentHover;
         SourceFile refused = file(path, {done});
         refused.registration = RegistrationState::Refused;
-        newRow("none", Files{}, 0, "未选择");
-        newRow("chosen", Files{file(path, {job("all")})}, 0, "已选择");
-        newRow("queued", Files{file(path, {job("all")})}, 1, "等待导片");
-        newRow("active", Files{file(path, {done, failed}), file(path, {done, job("90")})}, 2,
-               "导片中 1/2");
-        newRow("stopped", Files{file(path, {done}), file(path, {job("all")})}, 0, "已停止 1/2");
-        newRow("failed", Files{file(path, {done}), file(path, {done, failed})}, 0,
-               "成功:1, 失败:1");
-        newRow("refused", Files{refused}, 0, "未登记:1");
-        newRow("done", Files{file(path, {done})}, 0, "导片完成");
+        newRow("none", Files{}, 0, "未选择", QString(), going);
+        newRow("chosen", Files{file(path, {job("all")})}, 0, "已选择", "0%", going);
+        newRow("queued", Files{file(path, {job("all")})}, 1, "等待导片", "0%", going);
+        newRow("active", Files{file(path, {done}), file(path, {done, job("90")})}, 2, "导片中 1/2",
+               "75%", going);
+        newRow("stopped", Files{file(path, {done}), file(path, {job("all")})}, 0, "已停止 1/2",
+               "50%", going);
+        newRow("failed", Files{file(path, {done}), file(path, {done, failed})}, 0, "成功:1, 失败:1",
+               "失败 1", colours::failure);
+        newRow("refused", Files{refused}, 0, "未登记:1", "未登记 1", colours::failure);
+        newRow("done", Files{file(path, {done})}, 0, "导片完成", "100%", colours::success);
+        newRow("raw", Files{file(path, {done, job("90", JobState::Impossible)})}, 0,
+               "完成, 没有小图:1", "100%", colours::success);
     }
 
     void statesOfOrders()
@@ -156,7 +162,34 @@ private slots:
         PhotoOrder shown = order("1"_s, files);
         shown.run = PhotoOrder::Run(run);
         QTEST(photoorders::stateText(shown, 0), "text");
+        QTEST(photoorders::progressText(shown, 0), "bar");
+        QTEST(photoorders::progressColour(shown, 0), "colour");
         QCOMPARE(photoorders::stateText(shown, 1).contains("导片完成"_s), false);
+    }
+
+    void outcomes()
+    {
+        SourceFile full =
+            file("/c/1.jpg"_s, {job("all", JobState::Failed, "原图拷贝失败"),
+                                job("90", JobState::Failed, "x"), job("190", JobState::Done)});
+        full.jobs[0].failure.reason = full.jobs[1].failure.reason = "满"_s;
+        const SourceFile raw =
+            file("/c/2.nef"_s, {job("all", JobState::Done), job("90", JobState::Impossible)});
+        PhotoOrder refused = order("1"_s, {full, raw});
+        refused.folderRefusal = "x"_s;
+        RunOutcome outcome;
+        outcome.add(refused, 0);
+        outcome.add(order("2"_s, {full}), 0);
+        QCOMPARE(outcome.text(), "导片结束，2 个文件失败，1 项未登记。\n满: 2 个文件\n"
+                                 "没有小图: 1 个文件（这类文件只导入原图）\n"
+                                 "请在照片列表中查看原因，再点“重试失败”。"_s);
+        outcome = {};
+        outcome.add(order("3"_s, {raw}), 0);
+        QCOMPARE(outcome.text(), "导片完成！\n没有小图: 1 个文件（这类文件只导入原图）"_s);
+        const QString all = "文件已全部导入"_s;
+        QCOMPARE(photoorders::nothingToImport({order("1"_s), order("3"_s, {raw})}, 0), all);
+        QVERIFY(photoorders::nothingToImport({order("1"_s)}, 0).startsWith("请先为订单添加"_s));
+        QVERIFY(photoorders::nothingToImport({order("3"_s, {raw}), refused}, 0).isEmpty());
     }
 
     void onlyWhatIsLeftIsDone()
@@ -208,7 +241,9 @@ private slots:
         result.kind = "90"_s;
         result.sourceIndex = 0; // the list has changed since
         const OrderIdentity second{{}, "2"_s, {}};
+        model.applyFailure(second, result, {"盘满"_s, false});
         QCOMPARE(model.applyResult(second, result, false, "坏"_s), 1);
+        QCOMPARE(model.files(1).at(1).failureReasons(), QStringList("盘满"_s));
         QCOMPARE(model.applyResult({{}, "1"_s, {}}, result, true, {}), -1);
         QCOMPARE(model.applyResult({{}, "gone"_s, {}}, result, true, {}), -1);
         QSignalSpy changed(&model, &QAbstractItemModel::dataChanged);
@@ -230,6 +265,11 @@ private slots:
         QVERIFY(model.files(1).at(1).hasFailed());
         model.resetFailedJobs(1, {});
         QVERIFY(!model.files(1).at(1).hasFailed());
+        // A raw file's variants are not waited for any more, nor tried again.
+        model.applyFailure(second, result, {"x"_s, true});
+        model.applyResult(second, result, false, "坏"_s);
+        QVERIFY(model.files(1).at(1).failureText().startsWith("登记失败"_s));
+        QCOMPARE(photoorders::withJobs(model.order(1), 0, {1}).photos.size(), 3);
         model.removeFiles(1, {0});
         QCOMPARE(model.files(1).size(), 1);
         model.setPhotoMode(2);
@@ -291,6 +331,14 @@ private slots:
         request = deletionOf(order("1"_s), {}, names, 1);
         QCOMPARE(request.paths.at(0), share + "\\试拍视频\\a.jpg"_s);
         QVERIFY(deletionOf(order("1"_s, {}, {}), {}, names, 0).paths.isEmpty());
+
+        tfphotodeletion deletion;
+        QString told;
+        connect(
+            &deletion, &tfphotodeletion::refused, this,
+            [&told](const DeletionRequest &, const ServiceReply &reply) { told = reply.message; });
+        QVERIFY(!deletion.start(request, {"elsewhere"_s, {}, {}}) && !deletion.isActive());
+        QCOMPARE(told, orderqueries::otherBranchText(request.orderName));
     }
 
     void theThumbnailThreadReadsWhatIsWantedLast()

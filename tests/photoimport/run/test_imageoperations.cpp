@@ -1,4 +1,6 @@
+#include "files/filewriting.h"
 #include "photoimport/imported/tfthumbnailthread.h"
+#include "photoimport/rules/photorecords.h"
 #include "photoimport/run/decodedsources.h"
 #include "photoimport/run/imageoperations.h"
 #include "pictures/cameradata.h"
@@ -266,6 +268,7 @@ private slots:
         const QString jpg = "a.jpg"_s;
         newRow("cut short", jpg, turned.left(turned.size() - 400), "图片读取失败:");
         newRow("head only", jpg, turned.left(40), "无法");
+        newRow("raw", "a.CR2", QByteArray("not a picture"), "无法读取图片:");
         newRow("no picture", jpg, QByteArray("not a picture"), "无法读取图片:");
         newRow("claims 3.6 GP", jpg, claiming(turned, 60000, 60000), "保守模式读取仍然失败:");
         newRow("of a kind that is only read whole", "a.ppm",
@@ -287,7 +290,10 @@ private slots:
                  false);
 
         const QString variant = write("variant"_s, "an earlier file");
-        QVERIFY(!compressImage(source, variant, 90));
+        JobFailure failure;
+        QVERIFY(!compressImage(source, variant, 90, nullptr, &failure));
+        QVERIFY(!failure.reason.isEmpty());
+        QCOMPARE(failure.hopeless, name == "a.CR2"_s);
         QCOMPARE(readFile(variant), QByteArray("an earlier file"));
         QVERIFY(log_->count(line) > 0);
         // What there is of a photo cut short can be shown.
@@ -316,6 +322,29 @@ private slots:
         QCOMPARE(logged("源文件不存在:"), 1);
     }
 
+    void sourcesThatAreWrittenTo()
+    {
+        static QString source;
+        source = write("a.jpg"_s, jpegOf(cornerPicture({96, 64}), 6));
+        const QString target = write("b.jpg"_s, "an earlier file");
+        log_.reset();
+        const auto write = [](QtMsgType, const QMessageLogContext &, const QString &line) {
+            QFile file(source);
+            if (line.startsWith("开始旋转拷贝"_s) || line.startsWith("原图尺寸"_s))
+                file.open(QIODevice::Append) && file.write("x");
+        };
+        const QtMessageHandler earlier = qInstallMessageHandler(write);
+        JobFailure copy;
+        JobFailure variant;
+        const bool copied = copyOriginal(source, target, &copy);
+        const bool made = compressImage(source, target, 90, nullptr, &variant);
+        qInstallMessageHandler(earlier);
+        QVERIFY(!copied && !made);
+        for (const JobFailure &failure : {copy, variant})
+            QCOMPARE(failure.reason, "文件在拷贝过程中发生变化"_s);
+        QCOMPARE(readFile(target), QByteArray("an earlier file"));
+    }
+
     void fullDisk()
     {
         const SmallDisk disk(path("disk"_s), 1);
@@ -331,8 +360,12 @@ private slots:
             }
             QVERIFY(filler.resize(filler.size() - left));
             filler.close();
-            QVERIFY(!copyOriginal(source, target));
-            QVERIFY(!compressImage(source, target, 900));
+            JobFailure copy;
+            JobFailure variant;
+            QVERIFY(!copyOriginal(source, target, &copy));
+            QVERIFY(!compressImage(source, target, 900, nullptr, &variant));
+            QCOMPARE(copy.reason, noRoomText());
+            QCOMPARE(variant.reason, noRoomText());
             QCOMPARE(readFile(target), QByteArray("an earlier file"));
             QCOMPARE(QDir(path("disk"_s)).entryList(QDir::Files | QDir::Hidden).size(), 2);
         }
@@ -349,8 +382,8 @@ private slots:
             std::vector<std::future<bool>> variants;
             for (const int size : {90, 190, 1920}) {
                 const QString target = path(QString::number(size));
-                variants.push_back(
-                    std::async(std::launch::async, compressImage, source, target, size, &shared));
+                variants.push_back(std::async(std::launch::async, compressImage, source, target,
+                                              size, &shared, nullptr));
             }
             for (std::future<bool> &made : variants)
                 QVERIFY(made.get());

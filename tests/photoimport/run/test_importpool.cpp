@@ -32,7 +32,7 @@ private slots:
         log_ = std::make_unique<LogLines>();
         begun_ = 0;
         gate_.tryAcquire(gate_.available());
-        const auto work = [this](const QString &, const QString &) {
+        const auto work = [this](const QString &, const QString &, JobFailure *) {
             ++begun_;
             gate_.acquire();
             return true;
@@ -207,8 +207,8 @@ private slots:
     {
         QFETCH(QString, kind);
         QFETCH(QString, error);
-        const auto copy = [](const QString &, const QString &) { return false; };
-        makePool({copy, copy, [kind](const QString &, const QString &, int) {
+        const auto copy = [](const QString &, const QString &, JobFailure *) { return false; };
+        makePool({copy, copy, [kind](const QString &, const QString &, int, JobFailure *) {
                       if (kind == "std"_s)
                           throw std::runtime_error("no memory");
                       if (kind == "other"_s)
@@ -356,17 +356,59 @@ private slots:
         const SmallDisk disk(folder_->filePath("A"_s), 1);
         if (!disk.isMounted())
             QSKIP("no rights to mount a file system");
-        makePool({});
-        importWhole(realOrder("A"_s, QVector<QByteArray>(3, QByteArray(500000, 'x')),
-                              photorules::RetouchedVideos));
-        const int copied = errors().count(QString());
-        QVERIFY(copied < 3);
-        QCOMPARE(errors().count("精修视频拷贝失败"_s), 3 - copied);
-        const auto files =
-            QDir(folder_->filePath("A/精修视频"_s)).entryInfoList(QDir::Files | QDir::Hidden);
-        QCOMPARE(files.size(), copied);
-        for (const QFileInfo &file : files)
-            QCOMPARE(file.size(), 500000);
+        QStringList paths;
+        for (const char *name : {"1.mp4", "2.mp4", "3.mp4"})
+            paths << writeFile(folder_->filePath(QLatin1String(name)), QByteArray(600000, 'x'));
+        PhotoOrder order;
+        order.info = makeOrder("A"_s, 0);
+        order.files(photorules::RetouchedVideos) =
+            describeChoice({paths, false, photorules::RetouchedVideos, {}}).files;
+        tforderlistmodel orders;
+        orders.setPhotoMode(photorules::RetouchedVideos);
+        orders.setOrders({order});
+        PhotoImportRun run(&orders);
+        run.pool()->setMaxWorkers(1);
+        QSignalSpy ended(&run, &PhotoImportRun::ended);
+        run.start({0}, {}, {});
+        QTRY_COMPARE(ended.size(), 1);
+        const auto outcome = ended.first().first().value<RunOutcome>();
+        QCOMPARE(outcome.reasons, (QMap<QString, int>{{"目标磁盘空间不足"_s, 2}}));
+        QCOMPARE(orders.files(0).last().failureText(), "精修视频拷贝失败"_s);
+        QCOMPARE(filesBelow(folder_->filePath("A"_s)), QStringList("精修视频/1.mp4"_s));
+    }
+
+    void ordersOfOthersAreNotTouched()
+    {
+        PhotoOrder order;
+        order.info = makeOrder("A"_s, 0);
+        order.info.branch = "8"_s;
+        order.files(0) = describeChoice({{folder_->filePath("gone.jpg"_s)}, false, 0, {}}).files;
+        tforderlistmodel orders;
+        orders.setOrders({order});
+        PhotoImportRun run(&orders);
+        QStringList told;
+        connect(&run, &PhotoImportRun::refused, this,
+                [&told](const QString &message) { told.append(message); });
+        const auto isRefused = [&](const char *shop) {
+            const orderqueries::Identity identity{QLatin1String(shop), {}, {}};
+            return run.start({0}, {}, identity) && !run.isBusy() &&
+                   !run.registerAgain(0, {0}, identity) && !run.isBusy();
+        };
+        const QString otherBranch = orderqueries::otherBranchText(order.displayName());
+        QVERIFY(isRefused("9"));
+        QCOMPARE(told, (QStringList{otherBranch, otherBranch}));
+        told.clear();
+        {
+            const ordersatwork::Claim deletion({order.identity()}, "批量删除"_s);
+            QVERIFY(isRefused("8"));
+            const QString inHand = ordersatwork::refusal("A"_s, "批量删除"_s);
+            QCOMPARE(told, (QStringList{inHand, inHand}));
+        }
+        // What is being registered is in hand, until the last answer.
+        QVERIFY(run.registerAgain(0, {0}, {"8"_s, {}, {}}));
+        QCOMPARE(ordersatwork::toolAt(order.identity()), photorules::toolName());
+        QTRY_VERIFY(ordersatwork::toolAt(order.identity()).isEmpty());
+        QVERIFY(!run.isBusy());
     }
 
 private:

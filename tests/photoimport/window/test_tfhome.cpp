@@ -1,5 +1,6 @@
 #include "app/context/k.h"
 #include "photoimport/imported/tfphotoview.h"
+#include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhome.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "platform/pathform.h"
@@ -14,6 +15,7 @@
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QDir>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScopeGuard>
@@ -45,13 +47,13 @@ private slots:
 
     void fitsNarrowScreens()
     {
-        for (const auto &[scale, width] : {std::pair(1.0F, 1280), {1.5F, 1600}, {2.0F, 1920}}) {
+        for (const float scale : {1.0F, 1.5F, 2.0F}) {
             delete window_;
             K::uiScale = scale;
             openWith(2);
-            window_->resize(width, 720);
+            window_->resize(1280, 720);
             K::uiScale = 1.0F;
-            QCOMPARE(window_->width(), width); // smaller than that it cannot be
+            QCOMPARE(window_->width(), 1280); // smaller than that it cannot be
         }
     }
 
@@ -109,6 +111,26 @@ private slots:
         photos()->selectAll();
         pressAmongPhotos(Qt::Key_Delete, Qt::ControlModifier);
         QCOMPARE(text(first_, Column::ChosenColumn), QString());
+    }
+
+    void filesAreJudgedAgainstTheListOfNow()
+    {
+        const QDir card(card_->path());
+        const QString first = writeFile(card.filePath("a/1.jpg"_s));
+        const QString second = writeFile(card.filePath("b/1.JPG"_s));
+        QWidget window;
+        LoadingOverlay overlay(&window);
+        tforderlistmodel orders;
+        orders.setOrders({PhotoOrder()});
+        int asked = 0;
+        tffilechooser chooser(&window, &orders, &overlay, [&](int) {
+            if (++asked == 2) // another choice was quicker
+                orders.addFiles(0, describeChoice({{first}, false, 0, {}}).files);
+            return true;
+        });
+        chooser.take(0, {second}, false);
+        EXPECT_BOX_THAT(box.contains(first) && box.contains(second));
+        QCOMPARE(orders.files(0).size(), 1);
     }
 
     void refusedStartsChangeNothing()
@@ -185,6 +207,7 @@ private slots:
         click("startButton");
         click("pauseButton");
         QCOMPARE(child<QPushButton>("pauseButton")->text(), "继续"_s);
+        QVERIFY(child<QLabel>("progressLabel")->text().startsWith("已暂停 · 文件 "_s));
         QCOMPARE(child<QPushButton>("startButton")->text(), "停止导片"_s);
         click("startButton");
         QCOMPARE(child<QPushButton>("startButton")->text(), "全部开始"_s);
@@ -200,7 +223,9 @@ private slots:
         QCOMPARE(state(first_), "导片完成"_s);
         QCOMPARE(QDir(imported(first_, "1920"_s)).entryList(QDir::Files).size(), 6);
         click("startButton");
-        EXPECT_BOXES("请先为订单添加要导入的文件"_s);
+        EXPECT_BOXES("文件已全部导入"_s);
+        click("startOrderButton");
+        QCOMPARE(Toast::currentText(window_), "文件已全部导入"_s);
     }
 
     void failedFilesAreRetried()
@@ -210,12 +235,12 @@ private slots:
         const QString photo = card_->filePath(first_ + "/IMG_2.jpg"_s);
         QVERIFY(QFile::rename(photo, away));
         click("startOrderButton");
-        EXPECT_BOX_THAT(box.startsWith("导片结束，1 个文件失败，0 项未登记。"_s));
+        EXPECT_BOX_THAT(
+            box.startsWith("导片结束，1 个文件失败，0 项未登记。\n源文件不存在: 1 个文件\n"_s));
         QCOMPARE(state(first_), "成功:2, 失败:1"_s);
         const auto panel = photos()->model()->index(2, 0).data(tfphotolistmodel::PhotoRole);
         QCOMPARE(panel.value<PanelPhoto>().file.failureText(),
-                 "原图拷贝失败；图片压缩失败 (目标尺寸: 90)；"
-                 "图片压缩失败 (目标尺寸: 190)；图片压缩失败 (目标尺寸: 1920)"_s);
+                 "原图拷贝失败；图片压缩失败 (目标尺寸: 90、190、1920)"_s);
         demo_.clearRequests();
         QVERIFY(QFile::rename(away, photo));
         click("retryButton");
@@ -382,13 +407,13 @@ private slots:
         click("startOrderButton");
         waitUntilHeld();
         window_->setAttribute(Qt::WA_DeleteOnClose);
-        const QString question = "正在导片，关闭窗口会停止导片，确认要关闭吗？"_s;
         window_->close(); // the safe answer keeps it open
-        EXPECT_BOXES(question);
+        EXPECT_BOX_THAT(box.startsWith("正在导片，关闭窗口会停止导片。\n还有 "_s));
         QVERIFY(window_->isVisible());
+        QTRY_COMPARE(child<QLabel>("progressLabel")->text(), "正在登记，剩余 1"_s);
         MessageBox::setNextAnswer(QMessageBox::Ok);
         window_->close();
-        EXPECT_BOXES(question);
+        EXPECT_BOX_THAT(box.startsWith("还有 1 项没有登记到服务端，"_s));
         QVERIFY(!window_->isVisible());
         QVERIFY(window_); // the photos that are imported are still to be registered
         demo_.release();
