@@ -5,12 +5,10 @@
 #include "tests/support/files.h"
 #include "tests/support/loglines.h"
 #include "tests/support/patience.h"
-#include "tests/support/pictures.h"
 #include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
 #include <QDir>
-#include <QImageReader>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -86,11 +84,6 @@ private slots:
         QCOMPARE(logged("添加批量导片任务: 3 个订单"), 1);
         QCOMPARE(logged("startImportAllOrders---111"), 1);
         QVERIFY(QDir(folder_->filePath("1970/01/01-C/原始档"_s)).exists());
-        const auto isComposed = [this](const QVariantList &report) {
-            return report.at(0).value<OrderInfo>().importPath ==
-                   wireForm(folder_->filePath("1970/01/01-C"_s));
-        };
-        QCOMPARE(std::count_if(pool_->photos.cbegin(), pool_->photos.cend(), isComposed), 1);
     }
 
     void theSameOrderTwice()
@@ -113,10 +106,7 @@ private slots:
             pool_->setMaxWorkers(wanted);
             QCOMPARE(pool_->maxWorkers(), got);
         }
-        QCOMPARE(log_->all().filter("初始化 "_s).join(QLatin1Char(' ')),
-                 "初始化 4 个导片工作线程 初始化 1 个导片工作线程 "
-                 "初始化 16 个导片工作线程 初始化 1 个导片工作线程 "
-                 "初始化 7 个导片工作线程"_s);
+        QCOMPARE(log_->all().filter("初始化 "_s).size(), 5);
         pool_->startImportOrder(makeOrder("A"_s, 20));
         QTRY_COMPARE(begun_, 7);
 
@@ -199,6 +189,7 @@ private slots:
         newRow("retouched video", "精修视频", "精修视频拷贝失败");
         newRow("variant", "190", "图片压缩失败 (目标尺寸: 300)");
         newRow("size of the service's own", "555", "图片压缩失败 (目标尺寸: 300)");
+        newRow("no folder", "blocked", "无法创建目标目录: %1");
         newRow("exception", "std", "处理异常: no memory");
         newRow("other exception", "other", "未知异常");
     }
@@ -218,11 +209,14 @@ private slots:
         OrderInfo order = makeOrder("A"_s, 2, kind);
         order.photos[0].targetSize = "300"_s;
         order.photos[1].enabled = 0;
+        const QString target = folder_->filePath("A/"_s + kind);
+        if (kind == "blocked"_s)
+            writeFile(target);
         importWhole(order);
         QStringList texts = errors();
         texts.sort();
-        QCOMPARE(texts, (QStringList{QString(), error}));
-        QVERIFY(QDir(folder_->filePath("A/"_s + kind)).exists());
+        QCOMPARE(texts, (QStringList{QString(), error.replace("%1"_s, target)}));
+        QCOMPARE(QDir(target).exists(), kind != "blocked"_s);
     }
 
     void refusedStartsKeepTheirOrder()
@@ -269,19 +263,7 @@ private slots:
         QVERIFY(!run.pool()->isPaused());
     }
 
-    void timersDoNotPileUp()
-    {
-        pool_->startImportOrder(makeOrder("A"_s, 5));
-        QTRY_COMPARE(begun_, 4);
-        log_->clear();
-        for (int request = 0; request < 1000; ++request)
-            pool_->resumeAllImport();
-        gate_.release(100);
-        QTRY_COMPARE(pool_->orders.size(), 1);
-        QVERIFY(logged("assignNextTask - 1") < 500);
-    }
-
-    void reportsBusyWorkers()
+    void busyWorkersAreWaitedFor()
     {
         pool_->setMaxWorkers(1);
         pool_->startImportOrder(makeOrder("A"_s, 2));
@@ -289,66 +271,32 @@ private slots:
         QTRY_VERIFY(logged("检测到可能的线程状态异常，尝试重新分配任务") > 0);
         QVERIFY(logged("assignNextTask - 4-没有空闲线程，500ms后重试") > 0);
         QVERIFY(logged("工作线程 0 空闲状态: 忙碌") > 0);
-    }
-
-    void realPhotos()
-    {
-        makePool({});
-        QVector<QByteArray> files;
-        for (int orientation = 1; orientation <= 8; ++orientation)
-            files << jpegOf(cornerPicture({96, 64}), orientation);
-        const OrderInfo order = realOrder("A"_s, files, photorules::Photos);
-        pool_->startImportOrder(order);
-        QTRY_COMPARE(pool_->all.size(), 1);
-        QCOMPARE(errors().count(QString()), 32);
-        for (int index = 0; index < 8; ++index) {
-            const auto sizeIn = [index, this](const QString &folder) {
-                const QString path = folder_->filePath("A/%1/A_%2.jpg"_s.arg(folder).arg(index));
-                const QSize size = QImageReader(path).size();
-                return index < 4 ? size : size.transposed();
-            };
-            QCOMPARE(sizeIn("all"_s), QSize(96, 64));
-            QCOMPARE(sizeIn("90"_s), QSize(30, 20));
-            QCOMPARE(sizeIn("190"_s), QSize(60, 40));
-            QCOMPARE(sizeIn("1920"_s), QSize(120, 80));
-        }
-        QVERIFY(filesBelow(folder_->path()).filter(".part"_s).isEmpty());
+        log_->clear();
+        for (int request = 0; request < 1000; ++request)
+            pool_->resumeAllImport();
+        gate_.release(100);
+        QTRY_COMPARE(pool_->orders.size(), 1);
+        QVERIFY(logged("assignNextTask - 1") < 500); // timers do not pile up
     }
 
     void videos()
     {
-        makePool({});
-        const OrderInfo order = realOrder("A"_s, {"one", "two", "three"}, photorules::TrialVideos);
-        const QString folder = folder_->filePath("A/试拍视频/"_s);
-        QVERIFY(QDir().mkpath(folder));
-        writeFile(folder + "A_0.jpg"_s);
-        const QString kept = writeFile(folder + "A_1.jpg"_s);
+        const QString source = writeFile(folder_->filePath("a.mp4"_s), "one");
+        const QString target = writeFile(folder_->filePath("b.mp4"_s), "an earlier file");
+        const QString kept = writeFile(folder_->filePath("c.mp4"_s));
         QVERIFY(QFile::setPermissions(kept, QFileDevice::ReadOwner));
-        QVERIFY(QFile::remove(folder_->filePath("A_2.jpg"_s)));
-        importWhole(order);
-        QCOMPARE(errors().count("试拍视频拷贝失败"_s), 2);
-        QCOMPARE(logged("源文件不存在："), 1);
-        QCOMPARE(logged(" 无法删除旧文件："), 1);
-        QCOMPARE(readFile(folder + "A_0.jpg"_s), QByteArray("one"));
-        QCOMPARE(readFile(kept), QByteArray());
-    }
-
-    void theTargetVanishes()
-    {
-        makePool({});
-        pool_->setMaxWorkers(1);
-        const QByteArray photo = jpegOf(cornerPicture({96, 64}), 1);
-        connect(pool_.get(), &Manager::photoImported, this,
-                [this](const OrderInfo &, const QString &, int photoIndex) {
-                    if (photoIndex != 1)
-                        return;
-                    QVERIFY(QDir(folder_->filePath("A"_s)).removeRecursively());
-                    writeFile(folder_->filePath("A"_s));
-                });
-        importWhole(realOrder("A"_s, {photo, photo}, photorules::Photos));
-        const QStringList texts = errors();
-        QCOMPARE(texts.mid(0, 2), (QStringList{QString(), QString()}));
-        QCOMPARE(texts.last(), "无法创建目标目录: %1/1920"_s.arg(folder_->filePath("A"_s)));
+        QVERIFY(tfimportworker::copyFile(source, target));
+        QCOMPARE(readFile(target), QByteArray("one"));
+        QStringList reasons;
+        for (const auto &[from, to] :
+             {std::pair(source, kept), {folder_->path() + "/x"_s, target}}) {
+            JobFailure failure;
+            QVERIFY(!tfimportworker::copyFile(from, to, &failure));
+            reasons += failure.reason;
+        }
+        QCOMPARE(reasons, (QStringList{"无法删除旧文件"_s, "源文件不存在"_s}));
+        QCOMPARE(logged("源文件不存在：") + logged(" 无法删除旧文件："), 2);
+        QCOMPARE(readFile(kept) + readFile(target), QByteArray("one"));
     }
 
     void theTargetFillsUp()
@@ -405,10 +353,16 @@ private slots:
             QCOMPARE(told, (QStringList{inHand, inHand}));
         }
         // What is being registered is in hand, until the last answer.
-        QVERIFY(run.registerAgain(0, {0}, {"8"_s, {}, {}}));
-        QCOMPARE(ordersatwork::toolAt(order.identity()), photorules::toolName());
-        QTRY_VERIFY(ordersatwork::toolAt(order.identity()).isEmpty());
-        QVERIFY(!run.isBusy());
+        for (const bool cancelled : {true, false}) {
+            QVERIFY(run.registerAgain(0, {0}, {"8"_s, {}, {}}));
+            QCOMPARE(ordersatwork::toolAt(order.identity()), photorules::toolName());
+            if (cancelled)
+                run.cancelRegistrations();
+            QCOMPARE(run.isBusy(), !cancelled);
+            QTRY_VERIFY(ordersatwork::toolAt(order.identity()).isEmpty());
+        }
+        QVERIFY(orders.files(0).first().failureText().startsWith("登记失败: 导入后的文件不存在"_s));
+        QVERIFY(logged("导入照片路径失败，不执行upImportPhotoInfo") > 0);
     }
 
 private:
@@ -430,11 +384,7 @@ private:
         QTRY_COMPARE(pool_->orders.size(), 1);
     }
 
-    void makePool(const PhotoOperations &operations)
-    {
-        pool_ =
-            operations.copyOriginal ? std::make_unique<Pool>(operations) : std::make_unique<Pool>();
-    }
+    void makePool(const PhotoOperations &operations) { pool_ = std::make_unique<Pool>(operations); }
 
     OrderInfo makeOrder(const QString &name, int photos, const QString &kind = {}) const
     {
@@ -447,21 +397,6 @@ private:
             photo.kind = kind.isEmpty() ? photorules::originalKind : kind;
             order.photos.append(photo);
         }
-        return order;
-    }
-
-    /// Jobs for files with this content below a folder of the test.
-    OrderInfo realOrder(const QString &name, const QVector<QByteArray> &files, int mode) const
-    {
-        OrderInfo order = makeOrder(name, 0);
-        order.smallSize = 30;
-        order.middleSize = 60;
-        order.bigSize = 120;
-        QStringList paths;
-        for (const QByteArray &bytes : files) {
-            paths << writeFile(folder_->filePath("%1_%2.jpg"_s.arg(name).arg(paths.size())), bytes);
-        }
-        order.photos = photorules::jobsFor(order, paths, mode);
         return order;
     }
 

@@ -15,6 +15,7 @@
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QDir>
+#include <QImageReader>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -57,20 +58,6 @@ private slots:
         }
     }
 
-    void opensWithOrdersAndPersons()
-    {
-        open();
-        auto *persons = child<QComboBox>("personBox");
-        QTRY_VERIFY(persons->count() > 2);
-        const int everybody = orders()->model()->rowCount();
-        QVERIFY(demo_.body("order_list"_s, 0)
-                    .startsWith("keyword=&searchtype=1&role7id=&ratio=90&shopid=101&"_s));
-        persons->setFocus();
-        QTest::keyClick(persons, Qt::Key_Down);
-        QTRY_VERIFY(orders()->model()->rowCount() < everybody);
-        QCOMPARE(demo_.requests("order_list"_s).size(), 2);
-    }
-
     void importsWhatIsDropped()
     {
         openWith(8);
@@ -81,10 +68,23 @@ private slots:
         QTest::keyClick(orders(), Qt::Key_Return);
         EXPECT_BOXES(done_);
         QCOMPARE(state(first_), "导片完成"_s);
-        for (const char *kind : {"all", "90", "190", "1920"})
-            QVERIFY(QFile::exists(imported(first_, "%1/IMG_5.jpg"_s.arg(QLatin1String(kind)))));
-        QCOMPARE(demo_.requests("savepicpath"_s).size(), 8);
+        for (const auto &[kind, width] :
+             {std::pair("all", 120), {"90", 90}, {"190", 190}, {"1920", 1920}})
+            QCOMPARE(QImageReader(imported(first_, "%1/IMG_0.jpg"_s.arg(QLatin1String(kind))))
+                         .size()
+                         .width(),
+                     width);
+        const QString original = imported(first_, "all/IMG_0.jpg"_s);
+        QStringList bodies;
+        for (int index = 0; index < 8; ++index)
+            bodies += demo_.body("savepicpath"_s, index);
+        QCOMPARE(bodies.filter("&size=%1&"_s.arg(QFileInfo(original).size()))
+                     .filter("\\all\\IMG_0.jpg&"_s)
+                     .size(),
+                 1);
         QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 1);
+        QVERIFY(demo_.body("saveorderphotopath"_s)
+                    .contains("&path=%1&"_s.arg(wireForm(text(first_, Column::PathColumn)))));
         QTRY_COMPARE(text(first_, Column::ImportedColumn), "8"_s);
         QCOMPARE(photos()->model()->rowCount(), 8);
     }
@@ -253,16 +253,23 @@ private slots:
 
     void refusedRegistrationsAreRetried()
     {
-        openWith(2);
-        demo_.refuse("savepicpath"_s, "稍后再试"_s);
+        openWith(3);
+        const QString reasons[] = {"稍后再试"_s, "服务器拒绝登记"_s, "服务器没有响应"_s};
+        demo_.refuse("savepicpath"_s, reasons[0]);
+        demo_.refuse("savepicpath"_s, {});
+        demo_.misbehave("savepicpath"_s, "html"_s);
         demo_.refuse("saveorderphotopath"_s, "目录被占用"_s);
         click("startOrderButton");
-        EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，2 项未登记。"_s));
-        QCOMPARE(state(first_), "未登记:1"_s);
-        QTRY_COMPARE(text(first_, Column::ImportedColumn), "1"_s);
+        EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，4 项未登记。"_s));
+        QCOMPARE(state(first_), "未登记:3"_s);
+        QString tips;
+        for (int row = 0; row < 3; ++row)
+            tips += photos()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
+        for (const QString &reason : reasons)
+            QVERIFY(tips.contains("登记失败: "_s + reason));
         click("retryButton");
         QTRY_COMPARE(state(first_), "导片完成"_s);
-        QTRY_COMPARE(text(first_, Column::ImportedColumn), "2"_s);
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "3"_s);
         QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 2);
     }
 
