@@ -32,11 +32,6 @@ bool isFolderBelow(platform::EntryKind kind, const QString &path)
 
 } // namespace
 
-bool matchesFilter(const QString &dialogFilter, const QString &fileName)
-{
-    return QDir::match(firstPatterns(dialogFilter), fileName);
-}
-
 QString kindOf(const QString &fileName)
 {
     const QString suffix = QFileInfo(fileName).suffix();

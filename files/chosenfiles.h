@@ -8,10 +8,6 @@
 /// What users choose, or drop, to be copied.
 namespace chosenfiles {
 
-/// Whether \a fileName matches the first filter of \a dialogFilter (worded as for QFileDialog),
-/// whatever its case.
-bool matchesFilter(const QString &dialogFilter, const QString &fileName);
-
 /// How many files there are of which kind, as users tell kinds apart: see kindOf().
 using Kinds = QMap<QString, int>;
 
