@@ -3,7 +3,7 @@
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "tests/support/dropping.h"
 #include "tests/support/pictures.h"
-#include "tests/tour/toolhand.h"
+#include "tour/toolhand.h"
 
 #include <QImageReader>
 #include <QTemporaryDir>

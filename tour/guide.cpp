@@ -1,4 +1,4 @@
-#include "tests/tour/guide.h"
+#include "tour/guide.h"
 
 #include "tests/support/text.h"
 #include "widgets/boxes/noticedialog.h"

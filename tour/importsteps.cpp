@@ -4,7 +4,7 @@
 #include "fileimport/window/importfiletablemodel.h"
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/orderactionsdelegate.h"
-#include "tests/tour/toolhand.h"
+#include "tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "app/context/k.h"
 #include "tests/support/text.h"
-#include "tests/tour/guide.h"
-#include "tests/tour/steps.h"
+#include "tour/guide.h"
+#include "tour/steps.h"
 #include "widgets/theme/theme.h"
 
 #include <QApplication>

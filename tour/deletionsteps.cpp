@@ -3,7 +3,7 @@
 #include "batchdelete/window/batchdelete_delegates.h"
 #include "batchdelete/window/batchdeletefilemodel.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
-#include "tests/tour/toolhand.h"
+#include "tour/toolhand.h"
 
 #include <QFile>
 

@@ -3,8 +3,8 @@
 #include "app/context/k.h"
 #include "app/shell/choosetools.h"
 #include "tests/support/text.h"
-#include "tests/tour/guide.h"
-#include "tests/tour/steps.h"
+#include "tour/guide.h"
+#include "tour/steps.h"
 
 void tourLogin(Guide &guide)
 {

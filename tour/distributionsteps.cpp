@@ -1,7 +1,7 @@
 #include "distribution/naming/foldernamingrule.h"
 #include "distribution/window/distributionordermodel.h"
 #include "distribution/window/fjhome.h"
-#include "tests/tour/toolhand.h"
+#include "tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
 
 #include <QAbstractButton>

@@ -5,8 +5,8 @@
 #include "platform/pathform.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"
-#include "tests/tour/guide.h"
-#include "tests/tour/steps.h"
+#include "tour/guide.h"
+#include "tour/steps.h"
 
 #include <QDir>
 #include <QLineEdit>
