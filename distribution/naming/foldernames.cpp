@@ -37,12 +37,6 @@ QString numbered(const QString &safe, int number)
     return safeFileName(base + mark + suffix);
 }
 
-/// Ids are numbers as a rule; any other are put into some order that stays.
-bool isSmallerId(const QString &one, const QString &other)
-{
-    return one.size() != other.size() ? one.size() < other.size() : one < other;
-}
-
 } // namespace
 
 QString factoryFolder(const OrderDetail &detail)

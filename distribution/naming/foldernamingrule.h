@@ -27,6 +27,8 @@ public:
     /// From now on the present rule is what reset() goes back to.
     void markSaved(const namingrule::Rule &rule) { loaded_ = rule; }
     namingrule::Rule rule() const;
+    /// What reset() goes back to.
+    const namingrule::Rule &loadedRule() const { return loaded_; }
 
     /// The preview names the folder of this order's first product; of a made-up one where there is
     /// none.

@@ -17,12 +17,15 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
     : QWidget(parent)
     , identity_(orderqueries::Identity::fromAccount())
     , editor_(new FolderNamingRule(this))
+    , unsaved_(new QLabel(QStringLiteral("未保存"), this))
     , resetButton_(new QPushButton(QStringLiteral("重置"), this))
     , saveButton_(new QPushButton(QStringLiteral("保存"), this))
 {
     auto *heading = new QLabel(QStringLiteral("产品文件夹"), this);
     heading->setStyleSheet(theme::headingStyle());
     heading->setIndent(0);
+    unsaved_->setObjectName(QStringLiteral("unsavedRule"));
+    unsaved_->setStyleSheet(theme::warningStyle());
     resetButton_->setObjectName(QStringLiteral("resetRuleButton"));
     resetButton_->setStyleSheet(theme::secondaryButtonStyle());
     resetButton_->setToolTip(QStringLiteral("恢复为本店上次读取的规则"));
@@ -32,6 +35,7 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
     auto *top = new QHBoxLayout;
     top->setSpacing(theme::spacing());
     top->addWidget(heading);
+    top->addWidget(unsaved_);
     top->addStretch();
     top->addWidget(resetButton_);
     top->addWidget(saveButton_);
@@ -42,7 +46,19 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
     layout->addWidget(editor_);
 
     connect(resetButton_, &QPushButton::clicked, editor_, &FolderNamingRule::reset);
+    connect(editor_, &FolderNamingRule::ruleChanged, this, &NamingRulePanel::showUnsaved);
+    showUnsaved();
     connect(saveButton_, &QPushButton::clicked, this, &NamingRulePanel::save);
+}
+
+bool NamingRulePanel::isUnsaved() const
+{
+    return !(editor_->rule() == editor_->loadedRule());
+}
+
+void NamingRulePanel::showUnsaved()
+{
+    unsaved_->setVisible(isUnsaved());
 }
 
 void NamingRulePanel::save()
@@ -78,5 +94,6 @@ void NamingRulePanel::onSaved(const ServiceReply &reply, const QString &shopId,
     }
     if (shopId == identity_.shopId)
         editor_->markSaved(rule);
+    showUnsaved();
     Toast::show(this, QStringLiteral("提交成功"));
 }

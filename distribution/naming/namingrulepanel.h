@@ -6,6 +6,7 @@
 #include <QWidget>
 
 class FolderNamingRule;
+class QLabel;
 class QPushButton;
 struct ServiceReply;
 
@@ -22,14 +23,19 @@ public:
     /// In whose name, and for which branch, the rule is saved.
     void setIdentity(const orderqueries::Identity &identity) { identity_ = identity; }
 
+    /// Whether the rule differs from the one that was loaded or saved last.
+    bool isUnsaved() const;
+
 public slots:
     void save();
 
 private:
+    void showUnsaved();
     void onSaved(const ServiceReply &reply, const QString &shopId, const namingrule::Rule &rule);
 
     orderqueries::Identity identity_;
     FolderNamingRule *editor_;
+    QLabel *unsaved_;
     QPushButton *resetButton_;
     QPushButton *saveButton_;
 };

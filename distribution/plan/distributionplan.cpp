@@ -75,12 +75,21 @@ QString suffixOf(const QString &path)
     return path.mid(path.lastIndexOf(QLatin1Char('.')));
 }
 
+/// Products stay where they are: the request counts their folders by their places.
+OrderDetail inIdOrder(OrderDetail detail)
+{
+    for (QVector<DetailPhoto> *photos : {&detail.images, &detail.imagesRudi, &detail.images11,
+                                         &detail.images10, &detail.imagesJingxiu})
+        *photos = byIds(*photos);
+    return detail;
+}
+
 class Planner
 {
 public:
     Planner(const PlanRequest &request, const FindRaws &findRaws)
         : request_(request)
-        , detail_(*request.detail)
+        , detail_(inIdOrder(*request.detail))
         , findRaws_(findRaws)
         , photos_(detail_)
         , retouched_(photos_,
@@ -155,7 +164,7 @@ private:
     }
 
     const PlanRequest &request_;
-    const OrderDetail &detail_;
+    const OrderDetail detail_;
     const FindRaws &findRaws_;
     const OrderPhotos photos_;
     const PhotoVersions retouched_; ///< as far as asked for
@@ -319,12 +328,13 @@ void Planner::planProducts()
     const QVector<DetailProduct> products = detail_.products();
     for (int index = 0; index < products.size(); ++index) {
         const QString folder = request_.productFolders.value(index) + QLatin1Char('/');
-        forEachPhoto(products.at(index), [&](const DetailProduct &, const DetailPhoto &photo) {
+        const QVector<DetailPhoto> photos = photosById(products.at(index));
+        for (const DetailPhoto &photo : photos) {
             if (const auto key = photos_.keyOf(photo))
                 used.insert(*key);
             takeImproved(photo, folder);
             takeThumbnail(photo, folder);
-        });
+        }
     }
     for (const DetailPhoto &photo : detail_.images) {
         const QString folder = orderFolder("其他/");
@@ -344,15 +354,19 @@ void Planner::planSheetPictures()
     for (const DetailPhoto &photo : detail_.imagesRudi)
         takeThumbnail(photo, request_.orderFolder);
     const QVector<DetailProduct> products = detail_.products();
+    QVector<DetailPhoto> inProducts;
     for (const DetailProduct &each : products) {
+        inProducts += photosById(each);
         forEachPhoto(each, [this](const DetailProduct &product, const DetailPhoto &photo) {
-            takeThumbnail(photo, request_.orderFolder);
             const QString url = cropUrl(product, photo);
             if (!url.isEmpty()) {
                 fetch(url, imagetype::crop, orderFolder("裁剪/"), cropFileName(product, photo));
             }
         });
     }
+    inProducts = byIds(inProducts);
+    for (const DetailPhoto &photo : qAsConst(inProducts))
+        takeThumbnail(photo, request_.orderFolder);
     for (const DetailPhoto &photo : detail_.imagesBiaoji) {
         fetch(photo.url, imagetype::marked, orderFolder("其他/标记/"), photo.imgName);
     }

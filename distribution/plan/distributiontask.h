@@ -49,6 +49,7 @@ struct TaskResult
     QString imgData;     ///< the task's imageId
     QString errmsg;      ///< lines; may hold some although the task succeeded in the rest
     QStringList written; ///< "创建产品": the files that were
+    QString missing;     ///< the source, when it is not there
 };
 Q_DECLARE_METATYPE(TaskResult)
 

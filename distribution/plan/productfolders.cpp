@@ -31,14 +31,15 @@ void planCopies(const DetailProduct &product, const QString &folder, QVector<Pho
 {
     QSet<QString> sources;
     foldernames::DistinctNames names;
-    forEachPhoto(product, [&](const DetailProduct &, const DetailPhoto &photo) {
+    const QVector<DetailPhoto> photos = photosById(product);
+    for (const DetailPhoto &photo : photos) {
         const QString source = sourceOnDisk(photo.source());
         if (sources.contains(source))
-            return;
+            continue;
         sources.insert(source);
         copies->append(
             {photo.imgName, source, joinLocalPath(folder, names.take(photo.imgName)), {}});
-    });
+    }
 }
 
 /// Which photo, of which product, and why as far as that can be told.

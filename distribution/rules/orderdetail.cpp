@@ -5,6 +5,8 @@
 #include <QJsonArray>
 #include <QJsonObject>
 
+#include <algorithm>
+
 namespace {
 
 /// Nothing a studio sells is nested deeper; a reply that is must not take the stack with it.
@@ -136,4 +138,26 @@ OrderDetail readOrderDetail(const QJsonObject &reply)
     detail.shopDisclaimer = detail.value("shopdisclaimer");
     detail.downTxt = detail.value("down_txt");
     return detail;
+}
+
+bool isSmallerId(const QString &one, const QString &other)
+{
+    return one.size() != other.size() ? one.size() < other.size() : one < other;
+}
+
+QVector<DetailPhoto> byIds(QVector<DetailPhoto> photos)
+{
+    std::stable_sort(photos.begin(), photos.end(), [](const auto &one, const auto &other) {
+        return one.id == other.id ? one.file() < other.file() : isSmallerId(one.id, other.id);
+    });
+    return photos;
+}
+
+QVector<DetailPhoto> photosById(const DetailProduct &product)
+{
+    QVector<DetailPhoto> photos;
+    forEachPhoto(product, [&photos](const DetailProduct &, const DetailPhoto &photo) {
+        photos.append(photo);
+    });
+    return byIds(photos);
 }

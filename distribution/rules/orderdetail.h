@@ -105,4 +105,11 @@ inline OrderDetailPtr detailOf(const QJsonObject &reply)
 
 /// One photo of a reply, as the lists of orders and of details carry it.
 DetailPhoto readDetailPhoto(const QJsonObject &element);
+/// Ids are numbers as a rule; any other are put into some order that stays.
+bool isSmallerId(const QString &one, const QString &other);
+/// \a photos by their ids, otherwise by their files: in this order they share out the names of a
+/// folder, so that a photo keeps its own whatever order the service lists them in.
+QVector<DetailPhoto> byIds(QVector<DetailPhoto> photos);
+/// Those of a product and of what it consists of.
+QVector<DetailPhoto> photosById(const DetailProduct &product);
 QVector<DetailPhoto> readDetailPhotos(const QJsonObject &parent, const QString &key);

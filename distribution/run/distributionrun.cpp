@@ -81,6 +81,7 @@ DistributionRun::DistributionRun(QObject *parent)
     , detailCall_(this)
 {
     qRegisterMetaType<OrderData>();
+    qRegisterMetaType<OrderIdentity>();
     qRegisterMetaType<OrderDetailPtr>();
     qRegisterMetaType<RunSummary>();
     qRegisterMetaType<TaskResult>();
@@ -89,7 +90,7 @@ DistributionRun::DistributionRun(QObject *parent)
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
     connect(&fetches_, &ImageFetches::failed, this,
             [this](const DistributionTask &store, const QString &error) {
-                count({false, store.type, store.targetFolder + store.imgName, {}, error, {}});
+                count({false, store.type, store.targetFolder + store.imgName, {}, error, {}, {}});
             });
     connect(&reports_, &DownloadReports::allAnswered, this, &DistributionRun::announceIdle);
 }
@@ -107,6 +108,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     orders_ = orders;
     settings_ = settings;
     errors_.clear();
+    refused_.clear();
     otherFiles_.clear();
     running_ = true;
     stopFlag_ = StopFlag();
@@ -149,6 +151,7 @@ void DistributionRun::startNextOrder()
     listSettled_ = 0;
     orderTask_.clear();
     written_.clear();
+    missing_.clear();
     outstanding_.clear();
     emit orderStarted(index_ + 1, orders_.size(), current());
     emit progressChanged(0, 0);
@@ -199,7 +202,7 @@ void DistributionRun::onDetailRead(const OrderDetailPtr &detail, const QString &
         skipOrder(QStringLiteral("订单资料不完整，没有订单号"));
         return;
     }
-    emit detailRead(current().orderPhotoId, detail);
+    emit detailRead(current().identity(), detail);
     planCurrent(detail, folderName);
 }
 
@@ -220,7 +223,7 @@ void DistributionRun::planCurrent(const OrderDetailPtr &detail, const QString &f
     request.options = settings_.options;
     request.detail = detail;
     request.orderFolder = orderFolder_;
-    request.leftOut = settings_.leftOut.value(current().orderPhotoId);
+    request.leftOut = settings_.leftOut.value(current().identity());
     // The raw files beside the photos are looked for.
     const QString photo = detail->images.isEmpty() ? QString() : detail->images.first().source();
     onDisk(
@@ -299,8 +302,7 @@ void DistributionRun::count(const TaskResult &result)
     if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
         result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
         ++downPhotoFinishNums_;
-    // The products' failures name their folders themselves.
-    addErrors(result.errmsg, result.type == tasktype::createProducts ? QString() : result.copyFile);
+    addErrorsOf(result);
     switch (runMode(settings_.type)) {
     case 1:
         countDownload(result);
@@ -387,7 +389,9 @@ void DistributionRun::announceStep()
     else if (expected_ == 0)
         emit stepChanged(QStringLiteral("正在读取订单资料"));
     else
-        emit stepChanged(counted(QStringLiteral("正在拷贝照片"), copyPicFinishNum_, photoResults_));
+        emit stepChanged(counted(tasksInFlight_ > 0 ? QStringLiteral("正在拷贝照片")
+                                                    : QStringLiteral("等待服务端图片"),
+                                 copyPicFinishNum_, photoResults_));
 }
 
 /// The service is told of a photo when the last of its files is on the medium.
@@ -403,7 +407,18 @@ void DistributionRun::settle(const TaskResult &result)
     if (!result.success)
         return;
     reports_.add(result.imgData, settings_.identity);
-    emit photoDownloaded(current().orderPhotoId, result.imgData);
+    emit photoDownloaded(current().identity(), result.imgData);
+}
+
+/// A photo that several products show is missing once.
+void DistributionRun::addErrorsOf(const TaskResult &result)
+{
+    const QString missing = pathInOneForm(result.missing);
+    if (!missing.isEmpty() && missing_.contains(missing))
+        return;
+    missing_.insert(missing);
+    // The products' failures name their folders themselves.
+    addErrors(result.errmsg, result.type == tasktype::createProducts ? QString() : result.copyFile);
 }
 
 void DistributionRun::addErrors(const QString &lines, const QString &file)
@@ -448,6 +463,7 @@ void DistributionRun::countOtherFiles()
 void DistributionRun::skipOrder(const QString &reason)
 {
     addErrors(reason);
+    refused_.append(current().displayNumber());
     startNextOrder();
 }
 
@@ -457,6 +473,7 @@ void DistributionRun::finish()
     summary.orders = orders_.size();
     summary.completed = completed_;
     summary.stopped = stopFlag_.isRaised();
+    summary.refused = refused_;
     summary.errors = errors_;
     summary.otherFiles = otherFiles_;
     running_ = false;

@@ -30,7 +30,7 @@ struct RunSettings
     DownloadOptions options;
     QString namingRule; ///< JSON text
     orderqueries::Identity identity;
-    QHash<QString, QSet<QString>> leftOut; ///< keys of photos, by order_photo_id
+    QHash<OrderIdentity, QSet<QString>> leftOut; ///< keys of photos
 };
 
 /// How a run ended.
@@ -39,7 +39,8 @@ struct RunSummary
     int orders = 0;    ///< that were to be distributed
     int completed = 0; ///< that were gone through, with failures or without
     bool stopped = false;
-    QStringList errors; ///< one failure a line
+    QStringList refused; ///< names of orders of which nothing was done
+    QStringList errors;  ///< one failure a line
     /// Orders whose folders hold files that this run did not write, and how many.
     QVector<QPair<QString, int>> otherFiles;
 };
@@ -76,7 +77,7 @@ public:
 signals:
     /// \a position counts from 1.
     void orderStarted(int position, int total, const OrderData &order);
-    void detailRead(const QString &orderPhotoId, const OrderDetailPtr &detail);
+    void detailRead(const OrderIdentity &order, const OrderDetailPtr &detail);
     void progressChanged(int value, int expected);
     /// What goes on within the order, for the user; empty after the run. Told now and then.
     void stepChanged(const QString &text);
@@ -84,7 +85,7 @@ signals:
     void resultCounted(bool success, const QString &type, const QString &copyFile,
                        const QString &imgData, const QString &errmsg);
     /// The service is being told that the photo was downloaded.
-    void photoDownloaded(const QString &orderPhotoId, const QString &imageId);
+    void photoDownloaded(const OrderIdentity &order, const QString &imageId);
     void errorAdded(const QString &line);
     void finished(const RunSummary &summary);
     /// isBusy() is over after finished().
@@ -104,6 +105,7 @@ private:
     void countDistribution(const TaskResult &result);
     void countDelivery();
     void settle(const TaskResult &result);
+    void addErrorsOf(const TaskResult &result);
     void addErrors(const QString &lines, const QString &file = {});
     void completeOrder();
     void countOtherFiles();
@@ -123,6 +125,7 @@ private:
     QVector<OrderData> orders_;
     RunSettings settings_;
     QStringList errors_;
+    QStringList refused_;
     bool running_ = false;
     /// Shared with the tasks: one that has not begun when it is set does nothing.
     StopFlag stopFlag_;
@@ -138,6 +141,7 @@ private:
     QString orderFolder_;
     PlannedPictures pictures_;
     QSet<QString> written_; ///< files, by comparablePath()
+    QSet<QString> missing_; ///< sources that the user has been told are not there
     int expected_ = 0;      ///< results
     int photoResults_ = 0;  ///< of them those before the products are made
     int copyPicFinishNum_ = 0;

@@ -19,12 +19,12 @@ namespace {
 
 TaskResult succeeded(const DistributionTask &task, const QString &file)
 {
-    return {true, task.type, file, task.imageId, {}, {}};
+    return {true, task.type, file, task.imageId, {}, {}, {}};
 }
 
 TaskResult failed(const DistributionTask &task, const QString &file, const QString &error)
 {
-    return {false, task.type, file, task.imageId, error, {}};
+    return {false, task.type, file, task.imageId, error, {}, {}};
 }
 
 TaskResult noFolder(const DistributionTask &task, const QString &file)
@@ -61,8 +61,11 @@ TaskResult copyInto(const DistributionTask &task, const QString &source, const Q
     const QString flaw = flawOfSource(source);
     if (!flaw.isEmpty())
         return failed(task, target, task.imgName + flaw);
-    if (!QFileInfo(source).isFile())
-        return failed(task, target, task.imgName + texts.missing);
+    if (!QFileInfo(source).isFile()) {
+        TaskResult result = failed(task, target, task.imgName + texts.missing);
+        result.missing = source;
+        return result;
+    }
     if (!photofiles::ensureFolder(folder))
         return noFolder(task, target);
     TaskResult result = succeeded(task, target);

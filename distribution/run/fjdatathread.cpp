@@ -16,6 +16,6 @@ void FJDataThread::perform()
 
 void FJDataThread::failed(const QString &problem)
 {
-    result_ =
-        TaskResult{false, task_.type, task_.imgName, task_.imageId, task_.imgName + problem, {}};
+    result_ = TaskResult{false, task_.type, task_.imgName, task_.imageId, task_.imgName + problem,
+                         {},    {}};
 }

@@ -23,6 +23,13 @@ namespace {
 constexpr int closePatienceMs = 5000;
 constexpr int ordersNamed = 5;
 
+QStringList firstOf(const QStringList &orders)
+{
+    return orders.size() > ordersNamed
+               ? orders.mid(0, ordersNamed) + QStringList(QStringLiteral("…"))
+               : orders;
+}
+
 QString textOfOtherFiles(const RunSummary &summary)
 {
     int count = 0;
@@ -33,10 +40,8 @@ QString textOfOtherFiles(const RunSummary &summary)
     }
     if (count == 0)
         return {};
-    if (orders.size() > ordersNamed)
-        orders = orders.mid(0, ordersNamed) + QStringList(QStringLiteral("…"));
     return QStringLiteral("\n订单文件夹中有 %1 个文件不是本次写入的（%2）")
-        .arg(QString::number(count), orders.join(QStringLiteral("，")));
+        .arg(QString::number(count), firstOf(orders).join(QStringLiteral("，")));
 }
 
 } // namespace
@@ -102,6 +107,12 @@ void FJHome::connectPanels()
         right_->showBranch(shopId);
         right_->clearPhotos();
     });
+    left_->setLeavingQuestion([this] {
+        return right_->namingPanel()->isUnsaved()
+                   ? QStringLiteral(
+                         "产品文件夹命名规则的修改还没有保存，切换分店后将丢失。\n确定要切换吗？")
+                   : QString();
+    });
     connect(left_, &FJLeftPanel::orderShown, this, &FJHome::getOrderInfo);
 }
 
@@ -115,9 +126,9 @@ void FJHome::connectRun()
                                                 order.orderPayForKey, order.serviceTimes));
             });
     connect(&run_, &DistributionRun::detailRead, this,
-            [this](const QString &orderPhotoId, const OrderDetailPtr &detail) {
+            [this](const OrderIdentity &order, const OrderDetailPtr &detail) {
                 abandonPhotos();
-                right_->showPhotos(orderPhotoId, current_.displayNumber(), *detail);
+                right_->showPhotos(order, current_.displayNumber(), *detail);
             });
     connect(&run_, &DistributionRun::progressChanged, left_, &FJLeftPanel::showProgress);
     connect(&run_, &DistributionRun::stepChanged, left_, &FJLeftPanel::showStep);
@@ -186,9 +197,9 @@ void FJHome::changeShop(const QString &shopId)
 void FJHome::getOrderInfo(const OrderData &order)
 {
     abandonPhotos();
-    right_->clearPhotos(order.orderPhotoId, order.displayNumber());
+    right_->clearPhotos(order.identity(), order.displayNumber());
     const auto show = [this, order](const OrderDetailPtr &detail) {
-        right_->showPhotos(order.orderPhotoId, order.displayNumber(), *detail);
+        right_->showPhotos(order.identity(), order.displayNumber(), *detail);
     };
     photosCall_.start(distributionrequests::detailAction,
                       distributionrequests::detailBody(order, left_->identity()),
@@ -257,7 +268,14 @@ void FJHome::onRunFinished(const RunSummary &summary)
         return;
     }
     QString text = QString::number(summary.completed) + QStringLiteral("个订单分件完成!");
+    if (!summary.refused.isEmpty())
+        text += QStringLiteral("\n没有分件的订单：") +
+                firstOf(summary.refused).join(QStringLiteral("，"));
     if (!summary.errors.isEmpty())
         text += QStringLiteral("\n有 %1 处失败，见失败记录").arg(summary.errors.size());
-    MessageBox::information(this, text + textOfOtherFiles(summary));
+    text += textOfOtherFiles(summary);
+    if (summary.completed > 0)
+        MessageBox::information(this, text);
+    else
+        MessageBox::warning(this, text);
 }

@@ -41,6 +41,7 @@ FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     : QWidget(parent)
     , searchType_(distributionrequests::searchTypeText(orderqueries::OrderSearch::BasicInformation))
     , table_(new EmptyStateTable(this))
+    , ticks_(new TickDelegate(table_))
     , finder_(new OrderFinder(this, {&branch_, bar, table_, new LoadingOverlay(table_)}))
     , selectAll_(new QPushButton(QStringLiteral("全选"), this))
     , unselectAll_(new QPushButton(QStringLiteral("取消全选"), this))
@@ -77,7 +78,7 @@ void FJLeftPanel::buildTable()
     table_->shadeHoveredRow(colours::rowHover);
     table_->setAlternatingRowColors(false);
     rows_ = new SortedRows(table_, &model_, DistributionOrderModel::SortRole);
-    table_->setItemDelegateForColumn(Column::TickColumn, new TickDelegate(table_));
+    table_->setItemDelegateForColumn(Column::TickColumn, ticks_);
     const auto widen = [this](std::initializer_list<int> columns, int px) {
         for (const int column : columns)
             table_->setColumnWidth(column, K::scaledPx(px));
@@ -200,6 +201,13 @@ void FJLeftPanel::connectFinder()
     connect(finder_, &OrderFinder::branchSwitched, this, &FJLeftPanel::onBranchSwitched);
 }
 
+void FJLeftPanel::setLeavingQuestion(std::function<QString()> question)
+{
+    OrderFinder::Leaving leaving;
+    leaving.question = std::move(question);
+    finder_->setLeaving(leaving);
+}
+
 void FJLeftPanel::cancelRequests()
 {
     finder_->cancel();
@@ -286,6 +294,8 @@ void FJLeftPanel::onUnselectAllClicked()
 void FJLeftPanel::setLocked(bool locked)
 {
     locked_ = locked;
+    ticks_->setLocked(locked);
+    table_->viewport()->update();
     selectAll_->setEnabled(!locked);
     unselectAll_->setEnabled(!locked);
 }

@@ -8,6 +8,8 @@
 #include <QVector>
 #include <QWidget>
 
+#include <functional>
+
 class EmptyStateTable;
 class OrderFinder;
 class OrderSearchBar;
@@ -16,6 +18,7 @@ class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
 class SortedRows;
+class TickDelegate;
 
 /// The left half of the distribution window: the orders with their ticks, the progress of a run and
 /// what failed in it. Searches orders, as the search bar on the other half says, and keeps whom it
@@ -35,6 +38,8 @@ public:
 
     /// Searches, or first switches to the branch when the service has not confirmed one yet.
     void reqOrderList(const QString &searchType, const QString &keyword);
+    /// What is to be asked before another branch takes over; empty when there is nothing to ask.
+    void setLeavingQuestion(std::function<QString()> question);
     /// Abandons search and branch switch.
     void cancelRequests();
 
@@ -83,6 +88,7 @@ private:
     DistributionOrderModel model_;
     EmptyStateTable *table_;
     SortedRows *rows_ = nullptr;
+    TickDelegate *ticks_;
     OrderFinder *finder_;
     QPushButton *selectAll_;
     QPushButton *unselectAll_;

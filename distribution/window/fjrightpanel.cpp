@@ -344,40 +344,40 @@ void FJRightPanel::setRunning(bool running)
 
 // The photos of the order shown.
 
-void FJRightPanel::showPhotos(const QString &orderPhotoId, const QString &name,
+void FJRightPanel::showPhotos(const OrderIdentity &order, const QString &name,
                               const OrderDetail &detail)
 {
-    const QSet<QString> leftOut = leftOut_.value(orderPhotoId);
+    const QSet<QString> leftOut = leftOut_.value(order);
     QVector<ListedPhoto> undownloaded;
     QVector<ListedPhoto> downloaded;
     for (const DetailPhoto &photo : detail.images) {
         QVector<ListedPhoto> &list = photo.downloaded ? downloaded : undownloaded;
         list.append({photo.id, photo.key(), photo.imgName, !leftOut.contains(photo.key())});
     }
-    clearPhotos(orderPhotoId, name);
+    clearPhotos(order, name);
     undownloaded_.model.setPhotos(undownloaded);
     downloaded_.model.setPhotos(downloaded);
     updateCounts();
     namingPanel_->editor()->setPreviewOrder(detail);
 }
 
-void FJRightPanel::clearPhotos(const QString &orderPhotoId, const QString &name)
+void FJRightPanel::clearPhotos(const OrderIdentity &order, const QString &name)
 {
-    shownOrder_ = orderPhotoId;
+    shownOrder_ = order;
     shownLabel_->setText(name.isEmpty() ? QStringLiteral("点击订单查看照片下载情况")
                                         : QStringLiteral("照片: ") + name);
     undownloaded_.model.setPhotos({});
     downloaded_.model.setPhotos({});
-    if (orderPhotoId.isEmpty())
+    if (order.isEmpty())
         leftOut_.clear();
     updateCounts();
     namingPanel_->editor()->setPreviewOrder({});
 }
 
-void FJRightPanel::markDownloaded(const QString &orderPhotoId, const QString &imageId)
+void FJRightPanel::markDownloaded(const OrderIdentity &order, const QString &imageId)
 {
     ListedPhoto photo;
-    if (orderPhotoId != shownOrder_ || !undownloaded_.model.take(imageId, &photo))
+    if (order != shownOrder_ || !undownloaded_.model.take(imageId, &photo))
         return;
     downloaded_.model.append(photo);
     updateCounts();

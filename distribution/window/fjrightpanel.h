@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/context/orderidentity.h"
 #include "distribution/plan/distributionplan.h"
 #include "distribution/window/photolistmodel.h"
 
@@ -39,18 +40,17 @@ public:
     DownloadOptions options() const;
     /// The rule in the editor, as JSON text.
     QString namingRule() const;
-    /// Keys of photos that the user does not want, by order_photo_id.
-    QHash<QString, QSet<QString>> leftOut() const { return leftOut_; }
+    /// Keys of photos that the user does not want.
+    QHash<OrderIdentity, QSet<QString>> leftOut() const { return leftOut_; }
 
     /// Fills both lists and previews the rule with the order's first product. \a name is what the
     /// user knows the order by.
-    void showPhotos(const QString &orderPhotoId, const QString &name, const OrderDetail &detail);
+    void showPhotos(const OrderIdentity &order, const QString &name, const OrderDetail &detail);
     /// The order is to be shown, but its photos are not known yet; or, before another list of
     /// orders, nothing: what was left out of the orders so far is forgotten then, like their ticks.
-    void clearPhotos(const QString &orderPhotoId = {}, const QString &name = {});
-    const QString &shownOrder() const { return shownOrder_; }
+    void clearPhotos(const OrderIdentity &order = {}, const QString &name = {});
     /// Moves the photo to the downloaded ones, if its order is shown.
-    void markDownloaded(const QString &orderPhotoId, const QString &imageId);
+    void markDownloaded(const OrderIdentity &order, const QString &imageId);
 
     /// While a run goes on nothing it was started with can be changed, and the button stops it.
     void setRunning(bool running);
@@ -111,8 +111,8 @@ private:
     DesignFileSplitTypes type_ = DesignFileSplitTypes::Distribution;
     QString directory_;
     bool running_ = false;
-    QString shownOrder_; ///< order_photo_id
+    OrderIdentity shownOrder_;
     PhotoList undownloaded_;
     PhotoList downloaded_;
-    QHash<QString, QSet<QString>> leftOut_;
+    QHash<OrderIdentity, QSet<QString>> leftOut_;
 };

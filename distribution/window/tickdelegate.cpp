@@ -33,7 +33,7 @@ void TickDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->setRenderHint(QPainter::Antialiasing);
     CheckBoxLook look;
     look.state = Qt::CheckState(index.data(Qt::CheckStateRole).toInt());
-    look.enabled = option.state.testFlag(QStyle::State_Enabled);
+    look.enabled = !locked_ && option.state.testFlag(QStyle::State_Enabled);
     look.hovered = option.state.testFlag(QStyle::State_MouseOver);
     paintCheckBox(painter, box, look);
     painter->restore();

@@ -201,12 +201,12 @@ void TestDistributionPlan::namesakes_data()
     rows("known, together", Type::DownloadSelection, known, "", "成品/a</r/1 成品/a (2)</r/2"_s, 1);
     rows("known, with their products", Type::Distribution, known, "",
          "p1/成品/a</r/1 p2/成品/a</r/2"_s, 0);
-    rows("known, one not wanted", Type::DownloadOriginals, known, "1", "精修/a</r/2"_s, 0);
+    rows("known, first not wanted", Type::DownloadOriginals, known, "1", "精修/a (2)</r/2"_s, 1);
     rows("named, together", Type::DownloadSelection, named, "", "成品/a</r/x 成品/a (2)</r/y"_s, 1);
     // It may lie there from an earlier run.
     rows("known, together, one not wanted", Type::DownloadSelection, known, "1",
          "成品/a (2)</r/2"_s, 1);
-    rows("known, first not wanted", Type::DownloadOriginals, known, "2", "精修/a (2)</r/1"_s, 1);
+    rows("known, second not wanted", Type::DownloadOriginals, known, "2", "精修/a</r/1"_s, 0);
     rows("named, together, one not wanted", Type::DownloadSelection, named, "1", QString(), 1);
     rows("named, with their products", Type::Distribution, named, "", QString(), 1);
     rows("named, all wanted", Type::DownloadOriginals, named, "", "精修/a</r/x 精修/a (2)</r/y"_s,

@@ -378,7 +378,7 @@ void TestFileOperations::productFolders()
     product.goodName = "册/.."_s;
     product.imgs = {photo("a.jpg", "in/all/a.jpg"), photo("a.jpg", "in/all/a.jpg"),
                     photo("A.jpg", "in/b/a.jpg"), photo("lost.jpg", "in/all/lost.jpg")};
-    const QString astray = "b/a.jpg"_s;
+    const QString astray = "z/a.jpg"_s;
     DetailProduct set;
     set.goodName = "套"_s;
     set.isUrgent = "0"_s;

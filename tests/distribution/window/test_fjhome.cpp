@@ -315,7 +315,7 @@ private slots:
         click("selectAllButton");
         demo_.refuse("orderphotodetail"_s, "订单已锁定"_s);
         start();
-        EXPECT_BOXES("1个订单分件完成!\n有 2 处失败，见失败记录"_s);
+        EXPECT_BOXES("1个订单分件完成!\n没有分件的订单：TS10001-服务1\n有 2 处失败，见失败记录"_s);
         QVERIFY(child<QPlainTextEdit>("errorList")->isVisible());
         click("copyErrorsButton");
         QCOMPARE(QGuiApplication::clipboard()->text(),
