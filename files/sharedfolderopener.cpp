@@ -6,9 +6,11 @@
 
 #include <QDeadlineTimer>
 #include <QProcess>
+#include <QTimer>
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -18,6 +20,11 @@ constexpr int hostTimeoutMs = 1000;
 constexpr int openTimeoutMs = 10000;
 constexpr int startTimeoutMs = 3000;
 constexpr int terminateTimeoutMs = 1000;
+
+QString timedOutText()
+{
+    return QStringLiteral("操作超时：请检查网络或服务器状态");
+}
 
 /// False when the program still runs after \a timeoutMs, or when nobody waits for it any more.
 bool waitForEnd(QProcess &process, int timeoutMs, const StopFlag &abandoned)
@@ -84,7 +91,7 @@ FolderOpening showFolder(const FolderCommands &commands, const QString &path, in
         return {false, QStringLiteral("无法启动系统文件管理器")};
     if (!waitForEnd(process, timeoutMs, abandoned)) {
         end(process);
-        return {false, QStringLiteral("操作超时：请检查网络或服务器状态")};
+        return {false, timedOutText()};
     }
     if (endedWell(process))
         return {true, {}};
@@ -97,22 +104,19 @@ QString withoutScheme(const QString &path)
     return path.startsWith(scheme, Qt::CaseInsensitive) ? path.mid(scheme.size()) : path;
 }
 
-FolderOpening openFolder(const FolderCommands &commands, const QString &path,
-                         const StopFlag &abandoned)
+/// What keeps \a path from being looked at, or nothing.
+QString obstacleTo(const FolderCommands &commands, const QString &path, const StopFlag &abandoned)
 {
     if (path.trimmed().isEmpty())
-        return {false, QStringLiteral("没有可以打开的文件夹")};
-    const pathgate::Flaw flaw = pathgate::flawOf(withoutScheme(path));
+        return QStringLiteral("没有可以打开的文件夹");
+    const pathgate::Flaw flaw = pathgate::flawOf(path);
     if (flaw != pathgate::Flaw::None)
-        return {false, QStringLiteral("无法打开 %1：%2").arg(path, pathgate::reasonOf(flaw))};
+        return QStringLiteral("无法打开 %1：%2").arg(path, pathgate::reasonOf(flaw));
     const bool isNetworkPath =
         SharedFolderOpener::normalizePath(path).startsWith(QLatin1String("smb://"));
-    if (isNetworkPath && !hostAnswers(commands, path, hostTimeoutMs, abandoned)) {
-        return {false, QStringLiteral("无法连接到 %1：请检查网络或服务器状态").arg(hostOf(path))};
-    }
-    if (abandoned.isRaised())
-        return {};
-    return showFolder(commands, path, openTimeoutMs, abandoned);
+    if (isNetworkPath && !hostAnswers(commands, path, hostTimeoutMs, abandoned))
+        return QStringLiteral("无法连接到 %1：请检查网络或服务器状态").arg(hostOf(path));
+    return {};
 }
 
 } // namespace
@@ -141,13 +145,54 @@ void SharedFolderOpener::open(const QString &path)
 
     inPool(
         pool_.get(), this,
-        [commands = commands_, path, abandoned = abandoned_] {
-            return openFolder(commands, path, abandoned);
+        [commands = commands_, folder = withoutScheme(path), abandoned = abandoned_] {
+            return obstacleTo(commands, folder, abandoned);
         },
-        [this, path](const FolderOpening &result) {
-            markDone(path);
-            emit finished(result.success, result.errorText);
+        [this, path](const QString &obstacle) {
+            if (obstacle.isEmpty())
+                look(path);
+            else
+                conclude(path, {false, obstacle});
         });
+}
+
+/// The file manager is given what is a folder and nothing else: it would start a program.
+void SharedFolderOpener::look(const QString &path)
+{
+    const auto answered = std::make_shared<bool>(false);
+    const auto answer = [this, path, answered](const QString &obstacle) {
+        if (std::exchange(*answered, true))
+            return;
+        if (obstacle.isEmpty())
+            show(path);
+        else
+            conclude(path, {false, obstacle});
+    };
+    const QString folder = withoutScheme(path);
+    onDisk(
+        this, folder,
+        [isFolder = commands_.isFolder, folder] { return isFolder(platform::toLocalPath(folder)); },
+        [answer, path](bool isFolder) {
+            answer(isFolder ? QString() : QStringLiteral("目录不存在: %1").arg(path));
+        });
+    QTimer::singleShot(commands_.lookTimeoutMs, this, [answer] { answer(timedOutText()); });
+}
+
+void SharedFolderOpener::show(const QString &path)
+{
+    inPool(
+        pool_.get(), this,
+        [commands = commands_, folder = withoutScheme(path), abandoned = abandoned_] {
+            return abandoned.isRaised() ? FolderOpening()
+                                        : showFolder(commands, folder, openTimeoutMs, abandoned);
+        },
+        [this, path](const FolderOpening &result) { conclude(path, result); });
+}
+
+void SharedFolderOpener::conclude(const QString &path, const FolderOpening &result)
+{
+    markDone(path);
+    emit finished(result.success, result.errorText);
 }
 
 QString SharedFolderOpener::normalizePath(const QString &path)

@@ -12,12 +12,14 @@
 
 class WorkerPool;
 
-/// The programs that SharedFolderOpener starts. Called on its threads.
+/// What SharedFolderOpener asks of the system. Called on threads beside the interface thread.
 struct FolderCommands
 {
     std::function<platform::Command(const QString &localPath)> showFolder = platform::folderCommand;
     std::function<platform::Command(const QString &host, int timeoutMs)> ping =
         platform::pingCommand;
+    std::function<bool(const QString &localPath)> isFolder = platform::isFolder;
+    int lookTimeoutMs = 10000; ///< a look at a share that has gone away may last for minutes
 };
 
 /// How opening a folder ended.
@@ -40,8 +42,9 @@ public:
     explicit SharedFolderOpener(QObject *parent = nullptr, FolderCommands commands = {});
     ~SharedFolderOpener() override;
 
-    /// Opens the folder on a thread of its own; finished() tells how that went. A network folder is
-    /// tried only when its host answers. Does nothing while the same folder is being opened.
+    /// Opens the folder beside the interface thread; finished() tells how that went. A network
+    /// folder is tried only when its host answers, and what is no folder (a file, nothing, a share
+    /// that has gone) is never opened. Does nothing while the same folder is being opened.
     void open(const QString &path);
 
     /// One spelling per folder: a share as "smb://server/share", everything with slashes.
@@ -63,6 +66,10 @@ signals:
     void finished(bool success, const QString &errorMsg);
 
 private:
+    void look(const QString &path);
+    void show(const QString &path);
+    void conclude(const QString &path, const FolderOpening &result);
+
     FolderCommands commands_;
     /// Shared with the threads, which may outlive this object; set when nobody waits any more.
     StopFlag abandoned_;

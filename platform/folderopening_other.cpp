@@ -1,5 +1,6 @@
 #include "platform/folderopening.h"
 
+#include <QFileInfo>
 #include <QtMath>
 
 namespace platform {
@@ -7,6 +8,11 @@ namespace platform {
 Command folderCommand(const QString &path)
 {
     return {QStringLiteral("xdg-open"), {path}};
+}
+
+bool isFolder(const QString &path)
+{
+    return QFileInfo(path).isDir();
 }
 
 Command pingCommand(const QString &host, int timeoutMs)

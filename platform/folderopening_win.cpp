@@ -1,4 +1,5 @@
 #include "platform/folderopening.h"
+#include "platform/longpath_win.h"
 
 #include <QDir>
 
@@ -22,6 +23,13 @@ QString decoded(const QByteArray &bytes, UINT codePage, DWORD flags)
 Command folderCommand(const QString &path)
 {
     return {QStringLiteral("explorer.exe"), {QDir::toNativeSeparators(path)}};
+}
+
+bool isFolder(const QString &path)
+{
+    // QFileInfo would follow a shortcut.
+    const DWORD attributes = GetFileAttributesW(longPath(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
 Command pingCommand(const QString &host, int timeoutMs)

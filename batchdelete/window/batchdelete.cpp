@@ -124,8 +124,7 @@ void BatchDelete::connectLists()
     connect(orderList_, &BatchDelete_OrderListWidget::viewClicked, this,
             &BatchDelete::onViewClicked);
     connect(orderList_, &BatchDelete_OrderListWidget::openFolderClicked, this, [this](int row) {
-        if (!orders_.order(row).netPath.isEmpty())
-            folderOpener_.open(orders_.order(row).netPath);
+        folderOpener_.open(orders_.order(row).netPath);
     });
     connect(orderList_, &BatchDelete_OrderListWidget::copyNumberClicked, this, [this](int row) {
         QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());

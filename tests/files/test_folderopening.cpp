@@ -1,9 +1,13 @@
 #include "files/sharedfolderopener.h"
+#include "tasks/background.h"
+#include "tests/support/files.h"
 #include "tests/support/text.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QSemaphore>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -22,12 +26,8 @@ const QString succeeds = "succeed"_s;
 const QString fails = "fail"_s;
 const QString hangs = "hang"_s;
 const QString share = "\\\\nas\\photos"_s;
-#ifdef Q_OS_WIN
-const QString local = "C:\\photos"_s;
-#else
-const QString local = "\\photos"_s;
-#endif
-const QString localSlashed = QString(local).replace(QLatin1Char('\\'), QLatin1Char('/'));
+const QString localSlashed = QDir::tempPath();
+const QString local = wireForm(localSlashed);
 
 FolderCommands commands(const QString &showing, const QString &pinging)
 {
@@ -143,6 +143,7 @@ private slots:
         opener.open(local);
         opener.open("file://"_s + localSlashed);
         QVERIFY(opener.isProcessing(localSlashed));
+        QTRY_COMPARE(gate.asked.available(), 1);
         gate.asked.acquire();
         QVERIFY(!gate.asked.tryAcquire());
         QVERIFY(finished.isEmpty());
@@ -166,7 +167,13 @@ private slots:
         Gate gate;
         SharedFolderOpener opener(nullptr, gate.commands(succeeds));
         QSignalSpy finished(&opener, &SharedFolderOpener::finished);
-        for (const QString &path : {"photos"_s, "\\\\.\\COM1"_s, local + "\\..\\x"_s}) {
+        const QTemporaryDir folder;
+        const QString launcher = folder.filePath("原片.desktop"_s);
+        writeFile(launcher, {});
+        for (const QString &path :
+             {"photos"_s, "http://studio/"_s, "--help"_s, "calc.exe"_s, "shell:startup"_s,
+              "::{20D04FE0-3AEA-1069-A2D8-08002B30309D}"_s, "\\\\.\\COM1"_s, local + "\\..\\x"_s,
+              launcher, folder.filePath("gone"_s)}) {
             finished.clear();
             opener.open(path);
             QTRY_COMPARE(finished.size(), 1);
@@ -174,6 +181,31 @@ private slots:
             QVERIFY(finished.first().at(1).toString().contains(path));
         }
         QCOMPARE(gate.asked.available(), 0);
+    }
+
+    void waitsForNoShareThatHasGone()
+    {
+        Gate gate;
+        QSemaphore lookEnds;
+        FolderCommands commands = gate.commands(succeeds);
+        commands.isFolder = [&lookEnds](const QString &) {
+            lookEnds.acquire();
+            return true;
+        };
+        commands.lookTimeoutMs = 10;
+        SharedFolderOpener opener(nullptr, commands);
+        QSignalSpy finished(&opener, &SharedFolderOpener::finished);
+        opener.open(local);
+        QTRY_COMPARE(finished.size(), 1);
+        QCOMPARE(finished.first().at(0).toBool(), false);
+        QVERIFY(!finished.first().at(1).toString().isEmpty());
+        QVERIFY(!opener.isProcessing(local));
+
+        lookEnds.release();
+        QVERIFY(diskPool().waitForDone(60000));
+        QCoreApplication::processEvents();
+        QCOMPARE(gate.asked.available(), 0);
+        QCOMPARE(finished.size(), 1);
     }
 
     void opensNoFolderOfAnUnreachableHost()
@@ -195,7 +227,9 @@ private slots:
         QCOMPARE(finished.last().at(0).toBool(), true);
 
         // Reachable; asked again should a slow machine not have answered within the second.
-        SharedFolderOpener other(nullptr, commands(succeeds, succeeds));
+        FolderCommands answering = commands(succeeds, succeeds);
+        answering.isFolder = [](const QString &) { return true; };
+        SharedFolderOpener other(nullptr, answering);
         bool opened = false;
         connect(&other, &SharedFolderOpener::finished, this,
                 [&opened](bool success) { opened = opened || success; });
@@ -216,6 +250,7 @@ private slots:
             auto *opener = new SharedFolderOpener(nullptr, std::exchange(commands, {}));
             thread.reset();
             opener->open(local);
+            QTRY_COMPARE(gate.asked.available(), 1);
             gate.asked.acquire();
             delete opener; // would never return if it waited
             gate.mayGoOn.release();
