@@ -10,12 +10,12 @@
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/inputs/inputs.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
@@ -51,7 +51,7 @@ BatchLoginDialog::BatchLoginDialog(QWidget *parent, Callback callback)
     setAttribute(Qt::WA_DeleteOnClose);
     setStyleSheet(theme::windowStyle());
 
-    auto *heading = new QLabel(title, this);
+    auto *heading = new PlainLabel(title, this);
     heading->setAlignment(Qt::AlignCenter);
     heading->setStyleSheet(
         QStringLiteral("color: %1; font-size: %2px; font-weight: 600;")
@@ -89,7 +89,7 @@ BatchLoginDialog::BatchLoginDialog(QWidget *parent, Callback callback)
 
 void BatchLoginDialog::addField(QVBoxLayout *layout, const QString &caption, LineEdit *field)
 {
-    auto *label = new QLabel(caption, this);
+    auto *label = new PlainLabel(caption, this);
     label->setBuddy(field);
     field->setPlaceholderText(QStringLiteral("请输入") + caption);
     field->setFixedHeight(K::scaledPx(fieldHeightPx));

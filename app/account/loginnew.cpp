@@ -15,6 +15,7 @@
 #include "widgets/frame/titlebar.h"
 #include "widgets/inputs/customcheckboxnew.h"
 #include "widgets/inputs/inputs.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/spinner.h"
 
@@ -23,7 +24,6 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
@@ -57,7 +57,7 @@ QString noServiceText()
 
 QLabel *centredLabel(const QString &text, QWidget *parent)
 {
-    auto *label = new QLabel(text, parent);
+    auto *label = new PlainLabel(text, parent);
     label->setAlignment(Qt::AlignCenter);
     label->setStyleSheet(captionStyle(colours::muted));
     return label;
@@ -65,7 +65,7 @@ QLabel *centredLabel(const QString &text, QWidget *parent)
 
 QLabel *logoLabel(QWidget *parent)
 {
-    auto *label = new QLabel(parent);
+    auto *label = new PlainLabel(parent);
     label->setObjectName(QStringLiteral("logoLabel"));
     label->setAlignment(Qt::AlignCenter);
     const QPixmap logo(QStringLiteral(":/login/image/login/logo1.png"));
@@ -84,9 +84,9 @@ QLabel *logoLabel(QWidget *parent)
 LoginNew::LoginNew(QWidget *parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint)
     , titleBar_(new TitleBar(this))
-    , accountCaption_(new QLabel(QStringLiteral("账号"), this))
+    , accountCaption_(new PlainLabel(QStringLiteral("账号"), this))
     , accountEdit_(new LineEdit(this))
-    , passwordCaption_(new QLabel(QStringLiteral("密码"), this))
+    , passwordCaption_(new PlainLabel(QStringLiteral("密码"), this))
     , passwordEdit_(new LineEdit(this))
     , rememberBox_(new CustomCheckBoxNew(QStringLiteral("记住密码"), this))
     , buttonBlock_(new QWidget(this))

@@ -7,11 +7,11 @@
 #include "look/colours.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/frame/titlebar.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -22,7 +22,7 @@ namespace {
 
 QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
 {
-    auto *made = new QLabel(text);
+    auto *made = new PlainLabel(text);
     made->setObjectName(name);
     made->setStyleSheet(QStringLiteral("color: %1; font-size: %2px;")
                             .arg(colours::css(colour), QString::number(size)));
@@ -80,7 +80,7 @@ QWidget *ChooseTools::cards()
         auto *card = new ToolCardWidget(tool.label, tool.icon);
         card->setEnabled(bool(tool.makeWindow));
         if (!tool.makeWindow)
-            card->setToolTip(QStringLiteral("当前版本尚未提供“%1”").arg(tool.label));
+            setPlainTip(card, QStringLiteral("当前版本尚未提供“%1”").arg(tool.label));
         connect(card, &ToolCardWidget::clicked, this, &ChooseTools::onToolClicked);
         connect(card, &ToolCardWidget::doubleClicked, this, &ChooseTools::onToolDoubleClicked);
         grid->addCard(card);

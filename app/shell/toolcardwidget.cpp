@@ -2,11 +2,11 @@
 
 #include "app/context/k.h"
 #include "look/colours.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QEvent>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QSvgRenderer>
@@ -30,7 +30,7 @@ QPixmap drawn(const QString &svgPath, int size, qreal density)
 } // namespace
 
 ToolCardWidget::ToolCardWidget(const QString &name, const QString &iconPath, QWidget *parent)
-    : QWidget(parent), name_(name), icon_(new QLabel(this)), label_(new QLabel(name, this))
+    : QWidget(parent), name_(name), icon_(new PlainLabel(this)), label_(new PlainLabel(name, this))
 {
     setObjectName(name);
     setAccessibleName(name);

@@ -4,6 +4,7 @@
 #include "batchdelete/run/filescanthread.h"
 #include "batchdelete/window/batchdelete_delegates.h"
 #include "widgets/tables/tables.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 
@@ -12,7 +13,6 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -41,7 +41,7 @@ QString countText(const QVector<BatchDeleteFileInfo> &files)
 
 BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
     : QWidget(parent)
-    , countLabel_(new QLabel(this))
+    , countLabel_(new PlainLabel(this))
     , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
     , table_(new EmptyStateTable(this))
     , overlay_(new LoadingOverlay(table_))

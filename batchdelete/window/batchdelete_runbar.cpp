@@ -3,10 +3,10 @@
 #include "batchdelete/run/batchdeleterun.h"
 #include "batchdelete/window/batchdelete_exportbutton.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 
 BatchDelete_RunBar::BatchDelete_RunBar(const BatchDeleteOrderModel *orders,
@@ -14,8 +14,8 @@ BatchDelete_RunBar::BatchDelete_RunBar(const BatchDeleteOrderModel *orders,
     : QWidget(parent)
     , orders_(orders)
     , run_(run)
-    , countLabel_(new QLabel(this))
-    , runLabel_(new QLabel(this))
+    , countLabel_(new PlainLabel(this))
+    , runLabel_(new PlainLabel(this))
     , exportButton_(new BatchDelete_ExportButton(orders, this))
     , startButton_(new QPushButton(this))
 {
@@ -50,8 +50,8 @@ void BatchDelete_RunBar::showOrderCount()
 
 void BatchDelete_RunBar::showChecked(int count)
 {
-    startButton_->setToolTip(count == 0 ? QString()
-                                        : QStringLiteral("已选择 %1 个订单").arg(count));
+    setPlainTip(startButton_,
+                count == 0 ? QString() : QStringLiteral("已选择 %1 个订单").arg(count));
 }
 
 void BatchDelete_RunBar::showRunState()
@@ -63,7 +63,7 @@ void BatchDelete_RunBar::showRunState()
     startButton_->setText(text);
     startButton_->setStyleSheet(running ? theme::stopButtonStyle() : theme::startButtonStyle());
     exportButton_->setEnabled(!running);
-    exportButton_->setToolTip(running ? QStringLiteral("删除结束后可导出") : QString());
+    setPlainTip(exportButton_, running ? QStringLiteral("删除结束后可导出") : QString());
     if (!running)
         runLabel_->clear();
     else if (run_->isStopping())

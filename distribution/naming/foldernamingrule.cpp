@@ -7,9 +7,9 @@
 #include "files/safename.h"
 #include "tasks/background.h"
 #include "widgets/inputs/flowlayout.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
-#include <QLabel>
 #include <QVBoxLayout>
 
 namespace {
@@ -18,10 +18,9 @@ constexpr int spacingPx = 8;
 
 QLabel *makeLabel(const QString &objectName, const QString &style, QWidget *parent)
 {
-    auto *label = new QLabel(parent);
+    auto *label = new PlainLabel(parent);
     label->setObjectName(objectName);
     label->setStyleSheet(style);
-    label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     return label;
 }
@@ -56,10 +55,10 @@ FolderNamingRule::FolderNamingRule(QWidget *parent)
     , preview_(makeLabel(QStringLiteral("rulePreview"), theme::hintStyle(), this))
     , warning_(makeLabel(QStringLiteral("ruleWarning"), theme::warningStyle(), this))
 {
-    auto *heading = new QLabel(QStringLiteral("产品文件夹命名规则"), this);
+    auto *heading = new PlainLabel(QStringLiteral("产品文件夹命名规则"), this);
     heading->setStyleSheet(theme::headingStyle());
     heading->setIndent(0);
-    auto *caption = new QLabel(QStringLiteral("可用字段 (拖拽添加):"), this);
+    auto *caption = new PlainLabel(QStringLiteral("可用字段 (拖拽添加):"), this);
     caption->setStyleSheet(theme::hintStyle());
     preview_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 

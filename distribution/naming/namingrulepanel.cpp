@@ -6,10 +6,10 @@
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -21,7 +21,7 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
     , resetButton_(new QPushButton(QStringLiteral("重置"), this))
     , saveButton_(new QPushButton(QStringLiteral("保存"), this))
 {
-    auto *heading = new QLabel(QStringLiteral("产品文件夹"), this);
+    auto *heading = new PlainLabel(QStringLiteral("产品文件夹"), this);
     heading->setStyleSheet(theme::headingStyle());
     heading->setIndent(0);
     unsaved_->setObjectName(QStringLiteral("unsavedRule"));

@@ -9,6 +9,7 @@
 #include "widgets/orders/orderfinder.h"
 #include "widgets/tables/sortedrows.h"
 #include "widgets/tables/tables.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 
@@ -16,7 +17,6 @@
 #include <QDebug>
 #include <QGuiApplication>
 #include <QHeaderView>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -45,9 +45,9 @@ FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     , finder_(new OrderFinder(this, {&branch_, bar, table_, new LoadingOverlay(table_)}))
     , selectAll_(new QPushButton(QStringLiteral("全选"), this))
     , unselectAll_(new QPushButton(QStringLiteral("取消全选"), this))
-    , ticked_(new QLabel(this))
-    , progressLabel_(new QLabel(this))
-    , stepLabel_(new QLabel(this))
+    , ticked_(new PlainLabel(this))
+    , progressLabel_(new PlainLabel(this))
+    , stepLabel_(new PlainLabel(this))
     , progressBar_(new QProgressBar(this))
 {
     buildTable();
@@ -133,7 +133,7 @@ void FJLeftPanel::buildLayout()
     buttons->addWidget(ticked_);
     buttons->addStretch();
     auto *progressTexts = new QHBoxLayout;
-    progressTexts->addWidget(new QLabel(QStringLiteral("分件进度"), this));
+    progressTexts->addWidget(new PlainLabel(QStringLiteral("分件进度"), this));
     progressTexts->addSpacing(theme::margin());
     progressTexts->addWidget(progressLabel_, 1);
     progressTexts->addWidget(stepLabel_);
@@ -151,7 +151,7 @@ void FJLeftPanel::buildLayout()
 QWidget *FJLeftPanel::buildErrorList()
 {
     errorList_ = new QWidget(this);
-    errorHeading_ = new QLabel(errorList_);
+    errorHeading_ = new PlainLabel(errorList_);
     errorHeading_->setObjectName(QStringLiteral("errorHeading"));
     errorHeading_->setStyleSheet(theme::warningStyle());
     auto *copy = new QPushButton(QStringLiteral("复制"), errorList_);

@@ -12,12 +12,12 @@
 #include "widgets/inputs/customcheckboxnew.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/transferview.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QGridLayout>
-#include <QLabel>
 #include <QListView>
 #include <QPushButton>
 #include <QScrollArea>
@@ -30,7 +30,7 @@ constexpr int photoListPx = 130;
 
 QLabel *caption(const QString &text, QWidget *parent)
 {
-    auto *label = new QLabel(text, parent);
+    auto *label = new PlainLabel(text, parent);
     label->setStyleSheet(theme::headingStyle());
     label->setIndent(0);
     return label;
@@ -51,7 +51,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
     , cardLabel_(caption({}, this))
     , searchBar_(new OrderSearchBar(this))
     , directoryButton_(new QPushButton(QStringLiteral("选择分件目录"), this))
-    , directoryLabel_(new QLabel(this))
+    , directoryLabel_(new PlainLabel(this))
     , startButton_(new QPushButton(this))
     , originals_(new CustomCheckBoxNew(QStringLiteral("原始档"), this))
     , fullSize_(new CustomCheckBoxNew(QStringLiteral("原图"), this))
@@ -156,7 +156,7 @@ QWidget *FJRightPanel::buildOptions()
 QWidget *FJRightPanel::buildPhotoLists()
 {
     auto *part = new QWidget(this);
-    shownLabel_ = new QLabel(part);
+    shownLabel_ = new PlainLabel(part);
     shownLabel_->setObjectName(QStringLiteral("shownOrderLabel"));
     shownLabel_->setMinimumWidth(1);
     auto *lists = new QHBoxLayout;
@@ -180,9 +180,9 @@ QWidget *FJRightPanel::buildPhotoList(PhotoList *list, const QString &caption, c
     const QString prefix = QString::fromLatin1(name);
     auto *part = new QWidget(this);
     list->caption = caption;
-    list->label = new QLabel(part);
+    list->label = new PlainLabel(part);
     list->label->setObjectName(prefix + QStringLiteral("Label"));
-    list->view = new QListView(part);
+    list->view = new PlainTips<QListView>(part);
     list->view->setObjectName(prefix + QStringLiteral("List"));
     list->view->setStyleSheet(theme::listStyle());
     list->view->setModel(&list->model);
@@ -276,7 +276,7 @@ void FJRightPanel::onChooseDirectoryClicked()
 void FJRightPanel::showDirectory()
 {
     const QString path = QDir::toNativeSeparators(directory_);
-    directoryLabel_->setToolTip(path);
+    setPlainTip(directoryLabel_, path);
     directoryLabel_->setText(path.isEmpty()
                                  ? QStringLiteral("未选择目录")
                                  : directoryLabel_->fontMetrics()
@@ -333,8 +333,8 @@ void FJRightPanel::setRunning(bool running)
     const QString locked =
         running ? QStringLiteral("分件进行中，全部完成或停止后才能修改") : QString();
     for (QWidget *part : {static_cast<QWidget *>(directoryButton_), options_, photoLists_})
-        part->setToolTip(locked);
-    namingPanel_->setToolTip(locked);
+        setPlainTip(part, locked);
+    setPlainTip(namingPanel_, locked);
     if (running)
         showRunButton(startButton_, QStringLiteral("停止分件"), theme::stopButtonStyle());
     else

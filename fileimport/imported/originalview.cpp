@@ -9,13 +9,13 @@
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QAction>
 #include <QDateTime>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 #include <QPushButton>
 #include <QStyle>
@@ -30,14 +30,10 @@ constexpr int toastMs = 2000;
 constexpr int resultMs = 1500;
 
 /// A line that ends in "…" where it does not fit; the whole of it is the tool tip.
-class TitleLabel : public QLabel
+class TitleLabel : public PlainLabel
 {
 public:
-    TitleLabel()
-    {
-        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        setTextFormat(Qt::PlainText);
-    }
+    TitleLabel() { setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -66,7 +62,7 @@ OriginalView::OriginalView(QWidget *parent)
     : QWidget(parent)
     , listing_(this)
     , title_(new TitleLabel)
-    , count_(new QLabel)
+    , count_(new PlainLabel)
     , grid_(new ThumbnailTableView)
     , overlay_(new LoadingOverlay(this))
 {
@@ -156,7 +152,7 @@ void OriginalView::setOrder(const originalrequests::OrderMap &order)
     order_ = order;
     const bool hasOrder = !order.isEmpty();
     title_->setText(hasOrder ? originalrequests::title(order) : QStringLiteral("已导入照片"));
-    title_->setToolTip(hasOrder ? Qt::convertFromPlainText(title_->text()) : QString());
+    setPlainTip(title_, hasOrder ? title_->text() : QString());
     for (QPushButton *button : {selectAllButton_, clearButton_, deleteButton_})
         button->setVisible(originalrequests::mayDelete(order));
     refreshButton_->setEnabled(hasOrder);

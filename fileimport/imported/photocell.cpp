@@ -2,6 +2,7 @@
 
 #include "app/context/k.h"
 #include "look/colours.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QPainter>
@@ -21,14 +22,10 @@ int padding()
 }
 
 /// A file's name, shortened in its middle where it does not fit.
-class NameLabel : public QLabel
+class NameLabel : public PlainLabel
 {
 public:
-    NameLabel(const QString &name, QWidget *parent) : QLabel(parent)
-    {
-        setTextFormat(Qt::PlainText);
-        setText(name);
-    }
+    NameLabel(const QString &name, QWidget *parent) : PlainLabel(parent) { setText(name); }
 
 protected:
     void paintEvent(QPaintEvent *) override
@@ -54,10 +51,9 @@ void paintFrame(QPainter *painter, const QRect &rect, QRgb fill, QRgb border, in
 
 } // namespace
 
-PhotoLabel::PhotoLabel(QWidget *parent) : QLabel(parent)
+PhotoLabel::PhotoLabel(QWidget *parent) : PlainLabel(parent)
 {
     setAlignment(Qt::AlignCenter);
-    setTextFormat(Qt::PlainText);
     showPending();
 }
 
@@ -86,7 +82,7 @@ void PhotoLabel::showPicture(const QPixmap &picture)
 void PhotoLabel::paintEvent(QPaintEvent *event)
 {
     if (content_ == Content::Picture) {
-        QLabel::paintEvent(event);
+        PlainLabel::paintEvent(event);
         return;
     }
     QPainter painter(this);
@@ -142,7 +138,7 @@ PhotoCell::PhotoCell(const PhotoEntry &entry, int index, QWidget *parent)
     nameLabel->setGeometry(padding(), height() - padding() - K::scaledPx(nameHeightPx),
                            width() - 2 * padding(), K::scaledPx(nameHeightPx));
     setAccessibleName(entry.imgName);
-    setToolTip(Qt::convertFromPlainText(entry.imgName + QLatin1Char('\n') + kindText(entry.kind)));
+    setPlainTip(this, entry.imgName + QLatin1Char('\n') + kindText(entry.kind));
 
     setProperty("photoLabel", QVariant::fromValue<QWidget *>(photoLabel_));
     setProperty("nameLabel", QVariant::fromValue<QWidget *>(nameLabel));

@@ -1,14 +1,14 @@
 #pragma once
 
 #include "fileimport/imported/photorecords.h"
+#include "widgets/theme/plaintext.h"
 
 #include <QAbstractButton>
-#include <QLabel>
 #include <QSize>
 #include <QWidget>
 
 /// Where a cell's picture is shown, or what there is in its place.
-class PhotoLabel : public QLabel
+class PhotoLabel : public PlainLabel
 {
     Q_OBJECT
 

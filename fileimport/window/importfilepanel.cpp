@@ -4,10 +4,10 @@
 #include "fileimport/window/filebuttondelegate.h"
 #include "fileimport/window/importfiletablemodel.h"
 #include "widgets/tables/tables.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QHeaderView>
-#include <QLabel>
 #include <QVBoxLayout>
 
 namespace {
@@ -24,7 +24,7 @@ ImportFilePanel::ImportFilePanel(ImportFileTableModel *model, QWidget *parent)
 {
     setMinimumWidth(K::scaledPx(narrowestPx));
     buildTable(model);
-    auto *heading = new QLabel(QStringLiteral("待导入文件列表"));
+    auto *heading = new PlainLabel(QStringLiteral("待导入文件列表"));
     heading->setStyleSheet(theme::headingStyle());
     heading->setIndent(0);
     auto *layout = new QVBoxLayout(this);

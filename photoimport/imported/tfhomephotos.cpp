@@ -5,10 +5,10 @@
 #include "photoimport/imported/tfphotoview.h"
 #include "widgets/inputs/flowlayout.h"
 #include "widgets/tables/tables.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSet>
@@ -23,7 +23,7 @@ constexpr int sightDelayMs = 30; // scrolling asks once it pauses
 } // namespace
 
 tfhomephotos::tfhomephotos(tfphotolistmodel *model, QWidget *parent)
-    : QWidget(parent), model_(model), view_(new tfphotoview(this)), heading_(new QLabel(this))
+    : QWidget(parent), model_(model), view_(new tfphotoview(this)), heading_(new PlainLabel(this))
 {
     buildView();
     buildLayout();
@@ -58,7 +58,7 @@ QPushButton *tfhomephotos::button(const char *name, const QString &text, const Q
     auto *made = new QPushButton(text, this);
     made->setObjectName(QLatin1String(name));
     made->setStyleSheet(theme::secondaryButtonStyle());
-    made->setToolTip(tip);
+    setPlainTip(made, tip);
     return made;
 }
 
@@ -121,7 +121,7 @@ void tfhomephotos::showOrder(const QString &heading)
 {
     const bool shown = !heading.isEmpty();
     heading_->setText(shown ? heading : QStringLiteral("照片"));
-    heading_->setToolTip(heading);
+    setPlainTip(heading_, heading);
     for (QWidget *part : qAsConst(needOrder_))
         part->setEnabled(shown);
     view_->setEmptyText(shown ? QStringLiteral("添加照片，或把照片和目录拖到这里")

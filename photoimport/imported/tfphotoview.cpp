@@ -16,7 +16,7 @@ constexpr int laidOutAtOnce = 500; // so that an order of thousands does not hol
 
 } // namespace
 
-tfphotoview::tfphotoview(QWidget *parent) : QListView(parent), delegate_(new tfphotodelegate(this))
+tfphotoview::tfphotoview(QWidget *parent) : PlainTips(parent), delegate_(new tfphotodelegate(this))
 {
     setItemDelegate(delegate_);
     setStyleSheet(theme::listStyle());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/theme/plaintext.h"
+
 #include <QListView>
 #include <QStringList>
 
@@ -7,7 +9,7 @@ class tfphotodelegate;
 
 /// The photos of an order as a grid of cards or as a list. Takes dropped files and folders, says in
 /// its middle why it is empty, and knows which rows are in sight.
-class tfphotoview : public QListView
+class tfphotoview : public PlainTips<QListView>
 {
     Q_OBJECT
 

@@ -3,6 +3,7 @@
 #include "photoimport/run/tfimportthreadmanager.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/tables/transferview.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QHBoxLayout>
@@ -67,7 +68,7 @@ void tfimportbar::setRunning(bool running, bool registering)
 {
     const auto lock = [](QWidget *box, bool locked, const QString &tip) {
         box->setEnabled(!locked);
-        box->setToolTip(locked ? QStringLiteral("导片进行中，全部完成或停止后才能修改") : tip);
+        setPlainTip(box, locked ? QStringLiteral("导片进行中，全部完成或停止后才能修改") : tip);
     };
     lock(modeBox_, running || registering, QStringLiteral("导入照片还是视频"));
     lock(workerBox_, running, QStringLiteral("同时导入的线程数"));
@@ -82,7 +83,7 @@ void tfimportbar::setPaused(bool paused)
 {
     pauseButton_->setText(paused ? QStringLiteral("继续") : QStringLiteral("暂停"));
     pauseButton_->setShortcut(Qt::CTRL + Qt::Key_P);
-    pauseButton_->setToolTip(pauseButton_->shortcut().toString(QKeySequence::NativeText));
+    setPlainTip(pauseButton_, pauseButton_->shortcut().toString(QKeySequence::NativeText));
 }
 
 void tfimportbar::showProgress(const TransferProgress &progress, const TransferRate &rate)

@@ -2,18 +2,25 @@
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/inputs/datepicker.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/tables.h"
 #include "widgets/theme/theme.h"
 
 #include <QCalendarWidget>
+#include <QHeaderView>
+#include <QHelpEvent>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QStandardItemModel>
 #include <QTableView>
+#include <QTemporaryDir>
+#include <QTextDocument>
+#include <QToolTip>
 #include <QWheelEvent>
 
 namespace {
@@ -29,6 +36,24 @@ protected:
         return false;
     }
 };
+
+/// What the tool tip of the place shows.
+QString shownTip(QWidget *widget, const QPoint &place)
+{
+    QToolTip::hideText();
+    QHelpEvent hovered(QEvent::ToolTip, place, widget->mapToGlobal(place));
+    QCoreApplication::sendEvent(widget, &hovered);
+    const auto windows = QApplication::topLevelWidgets();
+    for (const QWidget *window : windows) {
+        const auto *label = qobject_cast<const QLabel *>(window);
+        if (!label || !label->isVisible() || label->text() != QToolTip::text())
+            continue;
+        QTextDocument shown;
+        shown.setHtml(label->text());
+        return Qt::mightBeRichText(label->text()) ? shown.toPlainText() : label->text();
+    }
+    return {};
+}
 
 const QList<ShopRecord> twoBranches = {{"11"_s, "旗舰店"_s, {}, {}}, {"12"_s, "万达店"_s, {}, {}}};
 
@@ -249,6 +274,45 @@ private slots:
         bar.findChild<ComboBox *>(QStringLiteral("branchBox"))->setFocus();
         QCOMPARE(tabOrder(5), QStringLiteral("branchBox personBox searchTypeBox keywordEdit"
                                              " searchButton"));
+    }
+
+    /// A name that points at a file, wherever data is shown. The picture, if it were loaded, would
+    /// not fit the place.
+    void markupIsShownToTheLetter()
+    {
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath("a.png"_s);
+        QVERIFY(QImage(10, 3000, QImage::Format_RGB32).save(picture));
+        const QString name = "<img src='%1'>  &amp;\n<b>王</b>"_s.arg(picture);
+
+        const PlainLabel label(name);
+        QCOMPARE(label.text(), name);
+        QVERIFY(label.sizeHint().height() < 1000);
+
+        QStandardItemModel model(2, 1);
+        model.setData(model.index(0, 0), name, Qt::ToolTipRole);
+        model.setData(model.index(1, 0), name.repeated(9)); // does not fit its column
+        model.setHeaderData(0, Qt::Horizontal, name, Qt::ToolTipRole);
+        EmptyStateTable table;
+        prepareTable(&table);
+        table.setModel(&model);
+        setPlainTip(&table, name);
+        showActive(&table);
+        const auto cell = [&](int row) { return table.visualRect(model.index(row, 0)).center(); };
+        QCOMPARE(shownTip(table.viewport(), cell(0)), name);
+        QCOMPARE(shownTip(table.viewport(), cell(1)), name.repeated(9));
+        QCOMPARE(shownTip(table.horizontalHeader()->viewport(), {3, 3}), name);
+        QCOMPARE(shownTip(&table, {1, 1}), name);
+        QToolTip::hideText();
+
+        MessageBox::warning(&table, name);
+        const auto *box = table.findChild<QDialog *>();
+        QCOMPARE(box->findChild<QPlainTextEdit *>()->toPlainText(), name);
+        const QString html = "<img src='%1'>"_s.arg(picture);
+        QWidget other;
+        showActive(&other);
+        MessageBox::warning(&other, BoxText::rich(html));
+        QVERIFY(other.findChild<QDialog *>()->height() < 300);
     }
 
     /// What brings a clicked row wholly into view leaves the columns where they are.

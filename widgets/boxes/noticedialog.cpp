@@ -4,12 +4,12 @@
 #include "tasks/background.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/titlebar.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -24,13 +24,25 @@ constexpr double screenShare = 0.6; ///< of the screen's height, for the text at
 /// A text longer than this fills the largest box anyway and need not be measured whole.
 constexpr int measuredCharacters = 4000;
 
-/// Rich text that loads nothing: an image named in a notice must not reach for a share or a file.
+/// Stands for whatever rich text names: an image must not reach for a share or a file. With nothing
+/// in its place the framework would look for the file itself.
+QVariant placeholder()
+{
+    return QImage(1, 1, QImage::Format_ARGB32_Premultiplied);
+}
+
 class NoticeText : public QTextEdit
 {
 public:
     using QTextEdit::QTextEdit;
 
-    QVariant loadResource(int, const QUrl &) override { return {}; }
+    QVariant loadResource(int, const QUrl &) override { return placeholder(); }
+};
+
+class MeasuredText : public QTextDocument
+{
+protected:
+    QVariant loadResource(int, const QUrl &) override { return placeholder(); }
 };
 
 struct ButtonText
@@ -120,7 +132,7 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *p
     titleBar->setTitle(box.title);
     connect(titleBar, &TitleBar::closeRequested, this, &QDialog::reject);
 
-    auto *symbol = new QLabel(this);
+    auto *symbol = new PlainLabel(this);
     symbol->setPixmap(symbolOf(box.kind, devicePixelRatioF()));
     auto *message = new QHBoxLayout;
     message->setSpacing(theme::margin());
@@ -157,10 +169,9 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *p
 
 QAbstractScrollArea *NoticeDialog::textArea(const QString &text, Qt::TextFormat format)
 {
-    const bool rich =
-        format == Qt::RichText || (format == Qt::AutoText && Qt::mightBeRichText(text));
+    const bool rich = format == Qt::RichText;
     QAbstractScrollArea *area = nullptr;
-    QTextDocument measured;
+    MeasuredText measured;
     QFont textFont = font();
     textFont.setPixelSize(theme::textSize());
     measured.setDefaultFont(textFont);

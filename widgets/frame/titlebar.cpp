@@ -1,22 +1,21 @@
 #include "widgets/frame/titlebar.h"
 
 #include "look/colours.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QToolButton>
 #include <QWindow>
 
-TitleBar::TitleBar(QWidget *parent) : QWidget(parent), titleLabel_(new QLabel(this))
+TitleBar::TitleBar(QWidget *parent) : QWidget(parent), titleLabel_(new PlainLabel(this))
 {
     setObjectName(QStringLiteral("titleBar"));
     setFixedHeight(theme::titleBarHeight());
     titleLabel_->setObjectName(QStringLiteral("titleLabel"));
-    titleLabel_->setTextFormat(Qt::PlainText);
     // The label must never hold up the narrowing of the window: what does not fit is elided.
     titleLabel_->setMinimumWidth(1);
     titleLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -41,7 +40,7 @@ QToolButton *TitleBar::addButton(const QString &text, const QString &name, const
     auto *button = new QToolButton(this);
     button->setObjectName(name);
     button->setText(text);
-    button->setToolTip(meaning);
+    setPlainTip(button, meaning);
     button->setAccessibleName(meaning);
     button->setFixedSize(theme::titleButtonSize(), theme::titleButtonSize());
     button->setFocusPolicy(Qt::TabFocus);

@@ -1,6 +1,7 @@
 #include "widgets/inputs/datepicker.h"
 
 #include "widgets/inputs/inputs.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QCalendarWidget>
@@ -38,7 +39,7 @@ DatePicker::DatePicker(const QString &prompt, QWidget *parent) : QDateEdit(paren
     setDisplayFormat(QStringLiteral("yyyy-MM-dd"));
     setMinimumDate(noDate);
     setSpecialValueText(prompt);
-    setToolTip(prompt);
+    setPlainTip(this, prompt);
     setAccessibleName(prompt);
     setCalendarPopup(true);
     setStyleSheet(theme::dateEditStyle());

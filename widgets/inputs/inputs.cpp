@@ -2,6 +2,7 @@
 
 #include "look/colours.h"
 #include "widgets/inputs/glyphbutton.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QFocusEvent>
@@ -64,7 +65,7 @@ void LineEdit::showPassword(bool visible)
     if (!eyeButton_)
         return;
     eyeButton_->setGlyph(visible ? GlyphButton::Glyph::Eye : GlyphButton::Glyph::EyeCrossed);
-    eyeButton_->setToolTip(visible ? QStringLiteral("隐藏密码") : QStringLiteral("显示密码"));
+    setPlainTip(eyeButton_, visible ? QStringLiteral("隐藏密码") : QStringLiteral("显示密码"));
     eyeButton_->setAccessibleName(eyeButton_->toolTip());
 }
 
@@ -107,7 +108,7 @@ void LineEdit::focusOutEvent(QFocusEvent *event)
 
 ComboBox::ComboBox(QWidget *parent) : QComboBox(parent)
 {
-    setView(new QListView(this));
+    setView(new PlainTips<QListView>(this));
     setItemDelegate(new QStyledItemDelegate(this));
     setStyleSheet(theme::comboStyle());
     setMinimumHeight(theme::controlHeight());

@@ -4,10 +4,10 @@
 #include "widgets/boxes/toast.h"
 #include "widgets/inputs/datepicker.h"
 #include "widgets/inputs/inputs.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 #include <QSignalBlocker>
 
@@ -17,7 +17,7 @@ namespace {
 
 void nameFilter(ComboBox *box, const QString &name)
 {
-    box->setToolTip(name);
+    setPlainTip(box, name);
     box->setAccessibleName(name);
     box->setMinimumWidth(theme::narrowestChoice());
 }
@@ -39,7 +39,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     , completionDate_(new DatePicker(QStringLiteral("点击选择日期"), this))
     , searchButton_(new QPushButton(this))
     , filterRow_(new QHBoxLayout)
-    , branchCaption_(new QLabel(this))
+    , branchCaption_(new PlainLabel(this))
     , branchBox_(new ComboBox(this))
     , rows_(new QBoxLayout(QBoxLayout::LeftToRight, this))
     , searchText_(QStringLiteral("搜索"))
@@ -62,7 +62,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     branchCaption_->setBuddy(branchBox_);
     branchCaption_->hide();
 
-    auto *label = new QLabel(QStringLiteral("搜索类型:"), this);
+    auto *label = new PlainLabel(QStringLiteral("搜索类型:"), this);
     label->setBuddy(typeBox_);
     auto *row = new QHBoxLayout(searchRow_);
     row->setContentsMargins(0, 0, 0, 0);

@@ -2,6 +2,7 @@
 
 #include "look/colours.h"
 #include "widgets/inputs/contextmenu.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QAbstractItemView>
@@ -132,14 +133,11 @@ bool ElidedTextDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         event->ignore();
         return false;
     }
-    // Rich text wraps, and escaping shows a name with markup in it as it is.
-    QToolTip::showText(
-        event->globalPos(),
-        QStringLiteral("<qt>") + filled.text.toHtmlEscaped() + QStringLiteral("</qt>"), view);
+    showPlainTip(event->globalPos(), filled.text, view);
     return true;
 }
 
-EmptyStateTable::EmptyStateTable(QWidget *parent) : QTableView(parent)
+EmptyStateTable::EmptyStateTable(QWidget *parent) : PlainTips(parent)
 {
 }
 

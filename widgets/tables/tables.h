@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/theme/plaintext.h"
+
 #include <QKeySequence>
 #include <QStyledItemDelegate>
 #include <QTableView>
@@ -45,7 +47,7 @@ private:
 };
 
 /// A table that says in its middle why it is empty, and may shade the row under the pointer.
-class EmptyStateTable : public QTableView
+class EmptyStateTable : public PlainTips<QTableView>
 {
     Q_OBJECT
 

@@ -1,9 +1,9 @@
 #include "widgets/tables/transferview.h"
 
 #include "app/context/k.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
-#include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -21,7 +21,7 @@ int stepsOf(const TransferProgress &progress)
 } // namespace
 
 TransferView::TransferView(QWidget *parent)
-    : QWidget(parent), label_(new QLabel(this)), bar_(new QProgressBar(this))
+    : QWidget(parent), label_(new PlainLabel(this)), bar_(new QProgressBar(this))
 {
     label_->setObjectName(QStringLiteral("progressLabel"));
     // A line that is too long is cut, with the whole of it as tool tip; it asks for no room.
@@ -57,7 +57,7 @@ void TransferView::showRest(const QString &text)
 void TransferView::showLine(const QString &text, int steps)
 {
     label_->setText(text);
-    label_->setToolTip(text);
+    setPlainTip(label_, text);
     bar_->setValue(steps);
     show();
 }
@@ -66,6 +66,6 @@ void showRunButton(QPushButton *button, const QString &text, const QString &styl
 {
     button->setText(text);
     button->setShortcut(Qt::CTRL + Qt::Key_Return); // a new text takes the shortcut away
-    button->setToolTip(button->shortcut().toString(QKeySequence::NativeText));
+    setPlainTip(button, button->shortcut().toString(QKeySequence::NativeText));
     button->setStyleSheet(style);
 }

@@ -1,6 +1,7 @@
 #include "widgets/windows/loadingoverlay.h"
 
 #include "look/colours.h"
+#include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/framelesswindow.h"
 #include "widgets/windows/spinner.h"
@@ -8,7 +9,6 @@
 #include <QApplication>
 #include <QEvent>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
 #include <QProgressBar>
 #include <QPushButton>
@@ -24,8 +24,8 @@ LoadingOverlay::LoadingOverlay(QWidget *parent)
     : QWidget(parent)
     , panel_(new QWidget(this))
     , spinner_(new Spinner(panel_))
-    , mark_(new QLabel(panel_))
-    , label_(new QLabel(panel_))
+    , mark_(new PlainLabel(panel_))
+    , label_(new PlainLabel(panel_))
     , bar_(new QProgressBar(panel_))
     , cancelButton_(new QPushButton(QStringLiteral("取消"), panel_))
 {
@@ -33,7 +33,6 @@ LoadingOverlay::LoadingOverlay(QWidget *parent)
     setFocusPolicy(Qt::StrongFocus);
     setStyleSheet(theme::windowStyle() + theme::progressBarStyle());
     label_->setObjectName(QStringLiteral("loadingText"));
-    label_->setTextFormat(Qt::PlainText);
     label_->setAlignment(Qt::AlignCenter);
     label_->setWordWrap(true);
     mark_->setAlignment(Qt::AlignCenter);
