@@ -26,7 +26,6 @@
 namespace {
 
 constexpr int fadeMs = 200;
-constexpr int toastMs = 2000;
 constexpr int widthPx = 340;
 constexpr int marginPx = 26;
 constexpr int fieldHeightPx = 36;
@@ -129,7 +128,7 @@ void BatchLoginDialog::onLoginClicked()
     for (LineEdit *field : {accountEdit_, passwordEdit_}) {
         if (field->text().isEmpty()) {
             field->setFocus();
-            Toast::show(this, field->placeholderText(), toastMs);
+            Toast::show(this, field->placeholderText());
             return;
         }
     }
@@ -161,7 +160,7 @@ void BatchLoginDialog::onReply(const ServiceReply &reply, const QString &account
         showCertificateRefused(this, reply.message);
         break;
     case ServiceReply::Outcome::NoAnswer:
-        Toast::show(this, QStringLiteral("验证失败!"), toastMs);
+        Toast::show(this, QStringLiteral("验证失败!"));
         break;
     }
 }

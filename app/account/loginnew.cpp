@@ -173,8 +173,8 @@ void LoginNew::addField(QVBoxLayout *layout, QLabel *caption, LineEdit *field)
     layout->addWidget(caption);
     layout->addSpacing(K::scaledPx(6));
     layout->addWidget(field);
-    connect(field, &LineEdit::focused, this, &LoginNew::onInputFocused);
-    connect(field, &LineEdit::unfocused, this, &LoginNew::onInputUnfocused);
+    connect(field, &LineEdit::focused, this, [this, field] { onInputFocused(field); });
+    connect(field, &LineEdit::unfocused, this, [this, field] { onInputUnfocused(field); });
 }
 
 void LoginNew::buildButtons(QVBoxLayout *layout)
@@ -360,20 +360,20 @@ void LoginNew::onMinimizeClicked()
     MacWindowManager::instance()->minimizeOrFallBack(this);
 }
 
-void LoginNew::colourCaptionOf(const QObject *field, QRgb colour)
+void LoginNew::colourCaptionOf(const LineEdit *field, QRgb colour)
 {
     QLabel *caption = field == accountEdit_ ? accountCaption_ : passwordCaption_;
     caption->setStyleSheet(captionStyle(colour));
 }
 
-void LoginNew::onInputFocused()
+void LoginNew::onInputFocused(const LineEdit *field)
 {
-    colourCaptionOf(sender(), colours::accent);
+    colourCaptionOf(field, colours::accent);
 }
 
-void LoginNew::onInputUnfocused()
+void LoginNew::onInputUnfocused(const LineEdit *field)
 {
-    colourCaptionOf(sender(), colours::heading);
+    colourCaptionOf(field, colours::heading);
 }
 
 void LoginNew::onWindowRestored()

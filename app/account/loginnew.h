@@ -48,15 +48,15 @@ private slots:
     void onCancelClicked();
     void onCloseClicked();
     void onMinimizeClicked();
-    void onInputFocused();
-    void onInputUnfocused();
+    void onInputFocused(const LineEdit *field);
+    void onInputUnfocused(const LineEdit *field);
     void onWindowRestored();
 
 private:
     void buildFields(QVBoxLayout *layout);
     void buildButtons(QVBoxLayout *layout);
     void addField(QVBoxLayout *layout, QLabel *caption, LineEdit *field);
-    void colourCaptionOf(const QObject *field, QRgb colour);
+    void colourCaptionOf(const LineEdit *field, QRgb colour);
     void orderTabs();
     void placeOnScreen();
     void fillFromSavedCredentials();

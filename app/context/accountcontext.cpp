@@ -9,7 +9,7 @@
 QString AccountContext::dataFolder =
     QStandardPaths::standardLocations(QStandardPaths::RuntimeLocation).value(0) +
     QStringLiteral("/tessavo_tools/");
-const QString AccountContext::appVersion = QStringLiteral("1.4.2");
+const QString AccountContext::appVersion = QStringLiteral(TESSAVO_VERSION);
 const QString AccountContext::architecture = QStringLiteral("64");
 QList<ShopRecord> AccountContext::shopList;
 QString AccountContext::uid;

@@ -130,8 +130,6 @@ void ChooseTools::onToolClicked()
 
 void ChooseTools::onToolDoubleClicked(const QString &name)
 {
-    if (!qobject_cast<ToolCardWidget *>(sender()))
-        return;
     const auto tool = std::find_if(tools_.cbegin(), tools_.cend(),
                                    [&name](const Tool &each) { return each.label == name; });
     if (tool != tools_.cend() && tool->makeWindow)

@@ -24,8 +24,6 @@
 
 namespace {
 
-constexpr int toastMs = 2000;
-
 QString deletingText()
 {
     return QStringLiteral("删除中...");
@@ -55,7 +53,7 @@ BatchDelete::BatchDelete(QWidget *parent)
     connect(&folderOpener_, &SharedFolderOpener::finished, this,
             [this](bool, const QString &error) {
                 if (!error.isEmpty())
-                    Toast::show(this, error, toastMs);
+                    Toast::show(this, error);
             });
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
@@ -123,12 +121,11 @@ void BatchDelete::connectLists()
             &BatchDelete::showOrder);
     connect(orderList_, &BatchDelete_OrderListWidget::viewClicked, this,
             &BatchDelete::onViewClicked);
-    connect(orderList_, &BatchDelete_OrderListWidget::openFolderClicked, this, [this](int row) {
-        folderOpener_.open(orders_.order(row).netPath);
-    });
+    connect(orderList_, &BatchDelete_OrderListWidget::openFolderClicked, this,
+            [this](int row) { folderOpener_.open(orders_.order(row).netPath); });
     connect(orderList_, &BatchDelete_OrderListWidget::copyNumberClicked, this, [this](int row) {
         QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
-        Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+        Toast::show(this, QStringLiteral("订单号已复制"));
     });
     connect(fileList_, &BatchDelete_FileListWidget::retrySubmitClicked, this,
             [this](int index) { retryFiles({index}); });
@@ -213,7 +210,7 @@ void BatchDelete::onBranchSwitched()
     fileList_->setEnabled(permitted);
     if (!permitted) {
         orderList_->table()->setEmptyText(noPermissionText());
-        Toast::show(this, noPermissionText(), toastMs);
+        Toast::show(this, noPermissionText());
         return;
     }
     branch_.listPersons();
@@ -232,7 +229,7 @@ void BatchDelete::onSearchClick()
     } else if (!branch_.isConfirmed()) {
         finder_->confirmBranch(); // when that succeeds a search follows
     } else if (!branch_.mayDeleteAllPhotos()) {
-        Toast::show(this, noPermissionText(), toastMs);
+        Toast::show(this, noPermissionText());
     } else {
         reqOrderList();
     }
@@ -286,7 +283,7 @@ void BatchDelete::onRefreshOrderFiles()
     if (row < 0)
         return;
     if (run_.isAt(orders_.order(row).identity()))
-        Toast::show(this, deletingText(), toastMs); // the run keeps this list up to date
+        Toast::show(this, deletingText()); // the run keeps this list up to date
     else
         scan(orders_.order(row));
 }
@@ -359,12 +356,12 @@ void BatchDelete::retryFiles(const QVector<int> &indexes)
     if (row < 0 || !mayDelete())
         return;
     if (run_.isBusy())
-        Toast::show(this, deletingText(), toastMs);
+        Toast::show(this, deletingText());
     else if (searchBar_->isBusy()) // the answer may replace the order under the retry
-        Toast::show(this, QStringLiteral("正在查询订单..."), toastMs);
+        Toast::show(this, QStringLiteral("正在查询订单..."));
     else if (!run_.retry(orders_.order(row), indexes, branch_.identity(), publicRoots()) &&
              orders_.order(row).hasChanged(indexes))
-        Toast::show(this, QStringLiteral("文件已变化，请先刷新"), toastMs);
+        Toast::show(this, QStringLiteral("文件已变化，请先刷新"));
     showRunState();
 }
 
@@ -382,7 +379,7 @@ QStringList BatchDelete::publicRoots() const
 bool BatchDelete::mayDelete()
 {
     if (!branch_.isConfirmed() || !branch_.mayDeleteAllPhotos()) {
-        Toast::show(this, QStringLiteral("暂无权限操作"), toastMs);
+        Toast::show(this, QStringLiteral("暂无权限操作"));
         return false;
     }
     return true;
@@ -400,11 +397,11 @@ void BatchDelete::onStartBatchDelete()
     if (!mayDelete())
         return;
     if (orders_.checkedOrders().isEmpty()) {
-        Toast::show(this, QStringLiteral("请选择要删除的订单!"), toastMs);
+        Toast::show(this, QStringLiteral("请选择要删除的订单!"));
         return;
     }
     if (run_.isBusy()) {
-        Toast::show(this, deletingText(), toastMs);
+        Toast::show(this, deletingText());
         return;
     }
     // A reply that comes now must not replace the orders that are being judged.
@@ -508,7 +505,7 @@ void BatchDelete::onRunFinished(const DeletionSummary &summary)
         MessageBox::warning(this, text);
         break;
     case DeletionSummary::End::Stopped:
-        Toast::show(this, QStringLiteral("批量删除已停止"), toastMs);
+        Toast::show(this, QStringLiteral("批量删除已停止"));
         break;
     case DeletionSummary::End::NotAnnounced:
         break; // told already

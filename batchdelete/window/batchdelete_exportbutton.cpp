@@ -16,12 +16,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr int toastMs = 2000;
-
-} // namespace
-
 BatchDelete_ExportButton::BatchDelete_ExportButton(const BatchDeleteOrderModel *model,
                                                    QWidget *parent)
     : QPushButton(QStringLiteral("导出结果"), parent), model_(model)
@@ -40,7 +34,7 @@ bool BatchDelete_ExportButton::hasOutcome()
     const QVector<BatchDeleteOrderInfo> &orders = model_->orders();
     const bool any = std::any_of(orders.cbegin(), orders.cend(), deletionreport::hasOutcome);
     if (!any)
-        Toast::show(this, QStringLiteral("还没有删除结果"), toastMs);
+        Toast::show(this, QStringLiteral("还没有删除结果"));
     return any;
 }
 
@@ -59,7 +53,7 @@ void BatchDelete_ExportButton::saveOutcome()
         [path, orders = model_->orders()] { return writeBytes(path, deletionreport::csv(orders)); },
         [this, path](bool written) {
             if (written)
-                Toast::show(this, QStringLiteral("结果已保存: %1").arg(path), toastMs);
+                Toast::show(this, QStringLiteral("结果已保存: %1").arg(path));
             else
                 MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
         });
@@ -73,6 +67,6 @@ void BatchDelete_ExportButton::copyOutcome()
         this, [orders = model_->orders()] { return deletionreport::csv(orders); },
         [this](const QByteArray &table) {
             QGuiApplication::clipboard()->setText(QString::fromUtf8(table));
-            Toast::show(this, QStringLiteral("结果已复制"), toastMs);
+            Toast::show(this, QStringLiteral("结果已复制"));
         });
 }

@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr int toastMs = 2000;
-
 /// Unticks the orders that another tool is working on, so that their folders are kept, and returns
 /// them with that for a reason.
 QVector<BatchDeleteOrderInfo> takeOrdersInOtherHands(const QString &branch,
@@ -116,7 +114,7 @@ void DeletionApproval::verifyAccount(const QVector<BatchDeleteOrderInfo> &orders
     const auto onVerified = [this, orders, asked](bool success, const QString &, const QString &) {
         if (!success || !asked.isCurrent())
             return;
-        Toast::show(window_, QStringLiteral("验证成功！"), toastMs);
+        Toast::show(window_, QStringLiteral("验证成功！"));
         emit approved(orders);
     };
     (new BatchLoginDialog(window_, onVerified))->open();

@@ -2,6 +2,7 @@
 
 #include "files/pathgate.h"
 #include "files/paths.h"
+#include "files/rawsuffixes.h"
 #include "platform/pathform.h"
 
 #include <QDir>
@@ -37,16 +38,14 @@ const RawFiles::Listing &RawFiles::listing(const QString &folder)
 
 QStringList RawFiles::beside(const QString &photoPath)
 {
-    static const QStringList suffixes{QStringLiteral(".cr2"), QStringLiteral(".raw"),
-                                      QStringLiteral(".nef"), QStringLiteral(".arw"),
-                                      QStringLiteral(".cr3"), QStringLiteral(".raf")};
+    static const QStringList suffixes = rawSuffixes();
     const QString path = sourceOnDisk(photoPath);
     if (!flawOfSource(path).isEmpty())
         return {};
     const QFileInfo photo(path);
     QStringList raws;
     for (const QString &suffix : suffixes) {
-        const QString name = photo.completeBaseName() + suffix;
+        const QString name = photo.completeBaseName() + QLatin1Char('.') + suffix;
         const QStringList found = listing(photo.path()).values(name.toLower());
         for (const QString &each : found) {
             if (each != photo.fileName())

@@ -109,10 +109,12 @@ void DropZone::focusNeighbour(FieldButton *button, int step)
 
 void DropZone::onFieldDeleteClicked()
 {
-    auto *button = qobject_cast<FieldButton *>(sender());
-    const int index = buttons_.indexOf(button);
-    if (index < 0)
+    const auto found = std::find_if(buttons_.cbegin(), buttons_.cend(),
+                                    [](const FieldButton *each) { return each->isDeleted(); });
+    if (found == buttons_.cend())
         return;
+    FieldButton *button = *found;
+    const int index = buttons_.indexOf(button);
     const bool hadFocus = button->hasFocus();
     buttons_.removeAt(index);
     flow_->removeWidget(button);

@@ -35,7 +35,7 @@ FieldButton::FieldButton(const namingrule::Item &item, QWidget *parent)
     deleteButton_->setStyleSheet(theme::fieldDeleteStyle());
     deleteButton_->setToolTip(QStringLiteral("删除"));
     deleteButton_->setAccessibleName(QStringLiteral("删除 ") + item.name);
-    connect(deleteButton_, &QPushButton::clicked, this, &FieldButton::deleteClicked);
+    connect(deleteButton_, &QPushButton::clicked, this, &FieldButton::askForDeletion);
     connect(this, &QPushButton::clicked, separator_, &SeparatorButton::openMenu);
     connect(separator_, &SeparatorButton::separatorChanged, this, &FieldButton::updateGeometry);
 }
@@ -96,6 +96,12 @@ void FieldButton::keyPressEvent(QKeyEvent *event)
         QPushButton::keyPressEvent(event);
 }
 
+void FieldButton::askForDeletion()
+{
+    deleted_ = true;
+    emit deleteClicked();
+}
+
 bool FieldButton::handleKey(int key, bool withControl)
 {
     switch (key) {
@@ -110,7 +116,7 @@ bool FieldButton::handleKey(int key, bool withControl)
     }
     case Qt::Key_Delete:
     case Qt::Key_Backspace:
-        emit deleteClicked();
+        askForDeletion();
         return true;
     case Qt::Key_Return:
     case Qt::Key_Enter:

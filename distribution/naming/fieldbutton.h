@@ -20,6 +20,8 @@ public:
     namingrule::Item item() const;
     const QString &label() const { return item_.name; }
     SeparatorButton *separatorButton() const { return separator_; }
+    /// Whether the user has deleted it.
+    bool isDeleted() const { return deleted_; }
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -39,10 +41,12 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
 
 private:
+    void askForDeletion();
     bool handleKey(int key, bool withControl);
 
     namingrule::Item item_;
     SeparatorButton *separator_;
     QPushButton *deleteButton_;
     QPoint pressedAt_;
+    bool deleted_ = false;
 };

@@ -26,7 +26,6 @@
 
 namespace {
 
-constexpr int toastMs = 2000;
 constexpr int resultMs = 1500;
 
 /// A line that ends in "…" where it does not fit; the whole of it is the tool tip.
@@ -270,12 +269,12 @@ void OriginalView::deleteSelected()
         return;
     const QVector<PhotoEntry> selected = selectedEntries();
     if (selected.isEmpty()) {
-        Toast::show(this, QStringLiteral("请选择要删除的文件..."), toastMs);
+        Toast::show(this, QStringLiteral("请选择要删除的文件..."));
         return;
     }
     const QVector<PhotoEntry> deletable = originalrequests::withId(selected);
     if (deletable.isEmpty()) {
-        Toast::show(this, QStringLiteral("没有有效的文件可以删除"), toastMs);
+        Toast::show(this, QStringLiteral("没有有效的文件可以删除"));
         return;
     }
     const originalrequests::OrderMap order =

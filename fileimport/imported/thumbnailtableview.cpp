@@ -375,14 +375,12 @@ bool ThumbnailTableView::select(int index, bool selected)
 void ThumbnailTableView::onPhotoSelectionChanged()
 {
     if (changingMany_)
-        return; // before asking for the sender, which is looked for among all cells
-    auto *button = qobject_cast<PhotoSelectButton *>(sender());
-    if (!button)
         return;
-    const auto *cell = static_cast<PhotoCell *>(button->parentWidget());
-    if (cell->parentWidget() != content_ || !select(cell->index(), button->isChecked()))
-        return;
-    emit selectedCountChanged(selected_.size());
+    const auto isToggled = [this](const PhotoCell *cell) {
+        return cell && select(cell->index(), cell->selectButton()->isChecked());
+    };
+    if (std::any_of(cells_.cbegin(), cells_.cend(), isToggled))
+        emit selectedCountChanged(selected_.size());
 }
 
 void ThumbnailTableView::setAllSelected(bool selected)

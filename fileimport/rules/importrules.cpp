@@ -2,6 +2,7 @@
 
 #include "files/chosenfiles.h"
 #include "files/paths.h"
+#include "files/rawsuffixes.h"
 #include "platform/pathform.h"
 
 #include <QSet>
@@ -69,8 +70,10 @@ QString subFolderFor(ImportMode mode, const QString &suffix)
 QStringList announcedPatterns(const QString &subFolder)
 {
     if (subFolder == rawFolder) {
-        return {QStringLiteral("*.raw"), QStringLiteral("*.cr2"), QStringLiteral("*.cr3"),
-                QStringLiteral("*.nef"), QStringLiteral("*.arw"), QStringLiteral("*.raf")};
+        QStringList patterns = rawSuffixes();
+        for (QString &pattern : patterns)
+            pattern.prepend(QLatin1String("*."));
+        return patterns;
     }
     return {QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
             QStringLiteral("*.JPEG")};

@@ -24,7 +24,6 @@
 namespace {
 
 constexpr int progressIntervalMs = 250;
-constexpr int toastMs = 2000;
 
 QString importingText()
 {
@@ -63,7 +62,7 @@ ImportFiles::ImportFiles(QWidget *parent)
             [this](bool success, const QString &error) {
                 Q_UNUSED(success)
                 if (!error.isEmpty())
-                    Toast::show(this, error, toastMs);
+                    Toast::show(this, error);
             });
     connect(chooser_, &OrderFileChooser::filesChanged, this, &ImportFiles::onFilesChosen);
     connect(this, &FramelessWindow::minimizeRequested, this,
@@ -305,7 +304,7 @@ void ImportFiles::onOrderNumberClicked(int row)
     if (!orders_.hasRow(row))
         return;
     QGuiApplication::clipboard()->setText(orders_.order(row).displayNumber());
-    Toast::show(this, QStringLiteral("订单号已复制"), toastMs);
+    Toast::show(this, QStringLiteral("订单号已复制"));
 }
 
 bool ImportFiles::mayChangeFiles(int row)

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr int toastMs = 2000;
-
 QString checkingText()
 {
     return QStringLiteral("正在检查文件...");
@@ -193,7 +191,7 @@ void OrderFileChooser::onPrepared(const Choice &choice, const QVector<ImportFile
         return;
     }
     if (result.files.isEmpty()) {
-        Toast::show(window_, QStringLiteral("这些文件已经在列表中"), toastMs);
+        Toast::show(window_, QStringLiteral("这些文件已经在列表中"));
         return;
     }
     const int row = rowOf(choice);
