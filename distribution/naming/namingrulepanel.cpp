@@ -17,7 +17,7 @@ NamingRulePanel::NamingRulePanel(QWidget *parent)
     : QWidget(parent)
     , identity_(orderqueries::Identity::fromAccount())
     , editor_(new FolderNamingRule(this))
-    , unsaved_(new QLabel(QStringLiteral("未保存"), this))
+    , unsaved_(new PlainLabel(QStringLiteral("未保存"), this))
     , resetButton_(new QPushButton(QStringLiteral("重置"), this))
     , saveButton_(new QPushButton(QStringLiteral("保存"), this))
 {
