@@ -376,13 +376,24 @@ private slots:
 
     void closingInMidRun()
     {
-        runUntilReporting(3);
-        window_->close();
-        QVERIFY(window_ && !window_->isVisible());
+        fill(first, 3);
+        open();
+        tick(first);
+        demo_.refuse(after, "忙"_s);
+        demo_.hold(after);
+        startConfirmed(QMessageBox::Cancel);
+        waitUntilHeld();
+        forgetBoxes();
+        for (const bool agreed : {false, true}) {
+            MessageBox::setNextAnswer(agreed ? QMessageBox::Ok : QMessageBox::Cancel);
+            window_->close();
+            EXPECT_BOX_THAT(box.startsWith("有 1 个文件已删除，但状态没有提交成功。"_s));
+            QVERIFY(window_ && window_->isVisible() != agreed);
+        }
         demo_.release();
         QTRY_VERIFY(!window_);
-        QCOMPARE(namesOnDisk(first).size(), 2);
-        QCOMPARE(demo_.requests(after).size(), 1);
+        QCOMPARE(namesOnDisk(first).size(), 1);
+        QCOMPARE(demo_.requests(after).size(), 2);
     }
 
     void scansCanBeCancelledAndRefreshed()
