@@ -9,10 +9,7 @@ namespace theme {
 class Length
 {
 public:
-    constexpr explicit Length(int designPixels)
-        : designPixels_(designPixels)
-    {
-    }
+    constexpr explicit Length(int designPixels) : designPixels_(designPixels) {}
     int operator()() const;
 
 private:
@@ -26,15 +23,15 @@ inline constexpr Length headingSize{15};
 // Sizes of things.
 inline constexpr Length rowHeight{34};     ///< of a table
 inline constexpr Length controlHeight{30}; ///< buttons and inputs
-inline constexpr Length spacing{8};       ///< between neighbours
+inline constexpr Length spacing{8};        ///< between neighbours
 inline constexpr Length margin{12};        ///< between a window's edge and its content
-inline constexpr Length radius{4};        ///< corners of buttons and inputs
-inline constexpr Length hairline{1};      ///< thin borders
-inline constexpr Length focusWidth{2};    ///< the ring around what has the focus
+inline constexpr Length radius{4};         ///< corners of buttons and inputs
+inline constexpr Length hairline{1};       ///< thin borders
+inline constexpr Length focusWidth{2};     ///< the ring around what has the focus
 inline constexpr Length titleBarHeight{36};
 inline constexpr Length titleButtonSize{21};
 inline constexpr Length titleButtonSpacing{6};
-inline constexpr Length gripWidth{5};      ///< how far from the edge a window is grabbed for resizing
+inline constexpr Length gripWidth{5}; ///< how far from the edge a window is grabbed for resizing
 inline constexpr Length checkBoxSize{16};   ///< the box alone
 inline constexpr Length iconSize{16};       ///< small symbols inside inputs
 inline constexpr Length noticeIconSize{32}; ///< the symbol of a message box
