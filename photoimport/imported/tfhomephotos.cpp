@@ -8,7 +8,6 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
-#include <QHBoxLayout>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSet>
@@ -94,27 +93,25 @@ void tfhomephotos::buildLayout()
     });
     needOrder_ = {addFiles, addFolder, start, retry, remove, open};
 
-    auto *head = new QHBoxLayout;
-    head->setSpacing(theme::spacing());
-    head->addWidget(heading_, 1);
-    head->addWidget(open);
-    head->addWidget(layoutButton);
+    // In a narrow window they take several lines rather than the room of the heading.
+    const std::initializer_list<QWidget *> all = {addFiles, addFolder, start,       retry,
+                                                  remove,   open,      layoutButton};
     auto *buttons = new FlowLayout(nullptr, theme::spacing(), theme::spacing());
-    for (QWidget *made : {addFiles, addFolder, start, retry, remove})
+    for (QWidget *made : all)
         buttons->addWidget(made);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());
-    layout->addLayout(head);
+    layout->addWidget(heading_);
     layout->addLayout(buttons);
     layout->addWidget(view_, 1);
-    setTabOrder(open, layoutButton);
-    QWidget *before = layoutButton;
-    for (QWidget *next :
-         std::initializer_list<QWidget *>{addFiles, addFolder, start, retry, remove, view_}) {
-        setTabOrder(before, next);
+    QWidget *before = nullptr;
+    for (QWidget *next : all) {
+        if (before)
+            setTabOrder(before, next);
         before = next;
     }
+    setTabOrder(before, view_);
 }
 
 void tfhomephotos::showOrder(const QString &heading)

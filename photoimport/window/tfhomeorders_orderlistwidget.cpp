@@ -33,7 +33,7 @@ void tfhomeorders_OrderListWidget::setColumnWidths()
     } widths[] = {
         {Model::NumberColumn, 90},       {Model::CustomersColumn, 110}, {Model::ShotDateColumn, 88},
         {Model::PhotographerColumn, 60}, {Model::ImportedColumn, 44},   {Model::ChosenColumn, 44},
-        {Model::StateColumn, 104},       {Model::ProgressColumn, 76},   {Model::PathColumn, 140},
+        {Model::StateColumn, 118},       {Model::ProgressColumn, 76},   {Model::PathColumn, 140},
     };
     for (const auto &entry : widths)
         setColumnWidth(entry.column, K::scaledPx(entry.width));
