@@ -139,11 +139,11 @@ void ImportRun::startTask(const OrderIdentity &orderId, int fileIndex)
     auto *runnable = task.get();
     connect(
         runnable, &ImportFileCopyRunnable::copyFinished, this,
-        [this, runnable](const ImportFile &file) { onFileCopyFinished(runnable, file); },
+        [this, runnable](const ImportFile &copied) { onFileCopyFinished(runnable, copied); },
         Qt::QueuedConnection);
     connect(
         runnable, &ImportFileCopyRunnable::copyCancelled, this,
-        [this, runnable](const ImportFile &file) { onFileCopyCancelled(runnable, file); },
+        [this, runnable](const ImportFile &left) { onFileCopyCancelled(runnable, left); },
         Qt::QueuedConnection);
     tasks_.append({task, orderId, fileIndex, false});
     pool_.start(task);
