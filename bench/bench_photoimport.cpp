@@ -177,7 +177,7 @@ OrderInfo orderOf(const QStringList &photos, const QString &folder)
     OrderInfo order;
     order.id = order.orderPayForKey = "bench"_s;
     order.importPath = QString(folder).replace(QLatin1Char('/'), QLatin1Char('\\'));
-    order.photos = photorules::jobsFor(order, photos, photorules::Photos);
+    order.photos = photorules::jobsFor(order, photos, PhotoMode::Photos);
     return order;
 }
 

@@ -7,13 +7,13 @@
 #include <utility>
 
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
-                           const QStringList &names, int photoMode)
+                           const QStringList &names, PhotoMode photoMode)
 {
     const QString folder = order.folder();
     DeletionRequest request{
         order.identity(), order.displayName(), ids, names, {}, photoMode, folder};
     PhotoInfo photo;
-    photo.kind = photoorders::mainKind(photoMode);
+    photo.kind = photorules::mainKind(photoMode);
     for (const QString &name : names) {
         photo.fileName = name;
         if (!folder.isEmpty())

@@ -18,14 +18,14 @@ struct DeletionRequest
     QStringList ids;   ///< the service's
     QStringList names; ///< of the same photos
     QStringList paths; ///< where the files themselves lie, in Windows form
-    int photoMode = 0;
+    PhotoMode photoMode = PhotoMode::Photos;
     QString folder; ///< the order's import folder, in Windows form
 };
 
 /// What deleting the photos with these service ids and names asks for. Never a path outside of the
 /// order's folder, and none for an order without one.
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
-                           const QStringList &names, int photoMode);
+                           const QStringList &names, PhotoMode photoMode);
 
 /// Deletes imported photos: first at the service; when that has agreed, from the disk, on a thread
 /// of its own. One deletion at a time. Lives on the interface thread; destroying it while

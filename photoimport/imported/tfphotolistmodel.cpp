@@ -10,7 +10,7 @@ constexpr int thumbnailCacheKb = 96 * 1024;
 
 } // namespace
 
-QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode)
+QVector<PanelPhoto> photoRows(const PhotoOrder &order, PhotoMode photoMode)
 {
     QHash<QString, int> byName;
     QVector<PanelPhoto> photos;
@@ -40,7 +40,7 @@ tfphotolistmodel::tfphotolistmodel(QObject *parent)
 {
 }
 
-void tfphotolistmodel::show(const PhotoOrder *order, int photoMode)
+void tfphotolistmodel::show(const PhotoOrder *order, PhotoMode photoMode)
 {
     beginResetModel();
     photos_ = order ? photoRows(*order, photoMode) : QVector<PanelPhoto>();

@@ -22,7 +22,7 @@ struct PanelPhoto
 Q_DECLARE_METATYPE(PanelPhoto)
 
 /// The rows that the panel shows for \a order.
-QVector<PanelPhoto> photoRows(const PhotoOrder &order, int photoMode);
+QVector<PanelPhoto> photoRows(const PhotoOrder &order, PhotoMode photoMode);
 
 /// The photos of the order shown, a row per source file: first the files chosen here, in the order
 /// in which they were chosen, then photos that only the service knows of.
@@ -41,7 +41,7 @@ public:
     explicit tfphotolistmodel(QObject *parent = nullptr);
 
     /// \a order may be null: nothing is shown then.
-    void show(const PhotoOrder *order, int photoMode);
+    void show(const PhotoOrder *order, PhotoMode photoMode);
     /// A file of the order shown has changed.
     void updateFile(int fileIndex, const SourceFile &file);
     bool hasRow(int row) const { return row >= 0 && row < photos_.size(); }

@@ -12,11 +12,17 @@
 
 using orderqueries::PhotoEntry;
 
-std::size_t PhotoOrder::modeIndex(int photoMode)
+std::size_t PhotoOrder::modeIndex(PhotoMode photoMode)
 {
-    return photoMode == photorules::Photos || photoMode == photorules::TrialVideos
-               ? std::size_t(photoMode)
-               : std::size_t(photorules::RetouchedVideos);
+    switch (photoMode) {
+    case PhotoMode::Photos:
+    case PhotoMode::TrialVideos:
+    case PhotoMode::RetouchedVideos:
+        return std::size_t(photoMode);
+    case PhotoMode::Unknown:
+        return std::size_t(PhotoMode::RetouchedVideos);
+    }
+    Q_UNREACHABLE();
 }
 
 void PhotoOrder::resummarise()
@@ -57,7 +63,7 @@ bool PhotoOrder::hasUnfinishedFiles() const
     });
 }
 
-void RunOutcome::add(const PhotoOrder &order, int photoMode)
+void RunOutcome::add(const PhotoOrder &order, PhotoMode photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
     failed += summary.failed;
@@ -88,14 +94,14 @@ QString RunOutcome::text() const
 namespace photoorders {
 
 /// Those of the service's entries that lie where the tool puts what it imports.
-static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, int photoMode)
+static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, PhotoMode photoMode)
 {
     const QString home = order.folder();
     if (home.isEmpty())
         return {};
-    const bool trial = photoMode == photorules::TrialVideos;
+    const bool trial = photoMode == PhotoMode::TrialVideos;
     PhotoInfo photo;
-    photo.kind = mainKind(photoMode);
+    photo.kind = photorules::mainKind(photoMode);
     QVector<PhotoEntry> imported;
     for (const PhotoEntry &entry : trial ? order.info.imagesTaipian : order.info.images) {
         photo.fileName = entry.imgName;
@@ -117,7 +123,8 @@ Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &b
         info.delyp = delyp;
         info.importPublicPath = branch.publicPath;
         info.importPath = info.netPath;
-        for (int mode = 0; mode < PhotoOrder::modes; ++mode)
+        for (const auto mode :
+             {PhotoMode::Photos, PhotoMode::TrialVideos, PhotoMode::RetouchedVideos})
             order.importedByMode[std::size_t(mode)] = importedAmong(order, mode);
         return order;
     });
@@ -144,7 +151,7 @@ QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<Phot
 
 /// The order with those of the jobs of its files at \a indexes that \a wanted picks.
 static OrderInfo
-withJobsThat(const PhotoOrder &order, int photoMode, const QVector<int> &indexes,
+withJobsThat(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes,
              const std::function<bool(const SourceFile &, const PhotoInfo &)> &wanted)
 {
     const QVector<SourceFile> &files = order.files(photoMode);
@@ -162,7 +169,7 @@ withJobsThat(const PhotoOrder &order, int photoMode, const QVector<int> &indexes
     return picked;
 }
 
-OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+OrderInfo withJobs(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes)
 {
     QVector<int> all = indexes;
     for (int index = 0; indexes.isEmpty() && index < order.files(photoMode).size(); ++index)
@@ -174,12 +181,11 @@ OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &i
     });
 }
 
-OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes)
+OrderInfo withMainJobs(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes)
 {
     return withJobsThat(order, photoMode, indexes,
-                        [kind = mainKind(photoMode)](const SourceFile &, const PhotoInfo &job) {
-                            return job.kind == kind;
-                        });
+                        [kind = photorules::mainKind(photoMode)](
+                            const SourceFile &, const PhotoInfo &job) { return job.kind == kind; });
 }
 
 QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting)
@@ -201,15 +207,7 @@ QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<i
     return question.isEmpty() ? question : head + question;
 }
 
-QString mainKind(int photoMode)
-{
-    if (photoMode == photorules::Photos)
-        return photorules::originalKind;
-    return photoMode == photorules::TrialVideos ? photorules::trialVideoKind
-                                                : photorules::retouchedVideoKind;
-}
-
-QString nothingToImport(const QVector<PhotoOrder> &orders, int photoMode)
+QString nothingToImport(const QVector<PhotoOrder> &orders, PhotoMode photoMode)
 {
     int files = 0;
     bool unregistered = false;
@@ -226,7 +224,7 @@ QString nothingToImport(const QVector<PhotoOrder> &orders, int photoMode)
                         : QStringLiteral("文件已全部导入");
 }
 
-QString stateText(const PhotoOrder &order, int photoMode)
+QString stateText(const PhotoOrder &order, PhotoMode photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
     if (order.run == PhotoOrder::Run::Queued)
@@ -249,7 +247,7 @@ QString stateText(const PhotoOrder &order, int photoMode)
     return QStringLiteral("已选择");
 }
 
-unsigned int stateColour(const PhotoOrder &order, int photoMode)
+unsigned int stateColour(const PhotoOrder &order, PhotoMode photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
     if (order.run != PhotoOrder::Run::Idle)
@@ -261,7 +259,7 @@ unsigned int stateColour(const PhotoOrder &order, int photoMode)
     return summary.complete == summary.files ? colours::success : colours::chosen;
 }
 
-double progressShare(const PhotoOrder &order, int photoMode)
+double progressShare(const PhotoOrder &order, PhotoMode photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
     if (summary.files == 0)
@@ -271,12 +269,12 @@ double progressShare(const PhotoOrder &order, int photoMode)
 }
 
 /// Files and, with its folder, the order itself that the service did not take.
-static int unregisteredOf(const PhotoOrder &order, int photoMode)
+static int unregisteredOf(const PhotoOrder &order, PhotoMode photoMode)
 {
     return order.summary(photoMode).unregistered + (order.folderRefusal.isEmpty() ? 0 : 1);
 }
 
-QString progressText(const PhotoOrder &order, int photoMode)
+QString progressText(const PhotoOrder &order, PhotoMode photoMode)
 {
     const FilesSummary &summary = order.summary(photoMode);
     if (summary.files == 0)
@@ -288,7 +286,7 @@ QString progressText(const PhotoOrder &order, int photoMode)
                             : QStringLiteral("%1%").arg(int(progressShare(order, photoMode) * 100));
 }
 
-unsigned int progressColour(const PhotoOrder &order, int photoMode)
+unsigned int progressColour(const PhotoOrder &order, PhotoMode photoMode)
 {
     if (order.summary(photoMode).failed > 0 || unregisteredOf(order, photoMode) > 0)
         return colours::failure;

@@ -16,25 +16,28 @@
 struct PhotoOrder
 {
     enum class Run { Idle, Queued, Active };
-    static constexpr int modes = 3;
+    static constexpr int modes = int(PhotoMode::Unknown);
 
     OrderInfo info; ///< without jobs; its import path is the one the service configured, or empty
     /// What the service has on its books of this tool's imports: those of the order's photos that
-    /// lie where the tool puts them. By photorules::PhotoMode.
+    /// lie where the tool puts them. By PhotoMode.
     std::array<QVector<orderqueries::PhotoEntry>, modes> importedByMode;
     std::array<QVector<SourceFile>, modes> filesByMode; ///< chosen here, by mode
     Run run = Run::Idle;
     QString folderRefusal;                     ///< why the service did not take the order's folder
     std::array<FilesSummary, modes> summaries; ///< of the files, see resummarise()
 
-    QVector<SourceFile> &files(int photoMode) { return filesByMode[modeIndex(photoMode)]; }
-    const QVector<SourceFile> &files(int photoMode) const
+    QVector<SourceFile> &files(PhotoMode photoMode) { return filesByMode[modeIndex(photoMode)]; }
+    const QVector<SourceFile> &files(PhotoMode photoMode) const
     {
         return filesByMode[modeIndex(photoMode)];
     }
     OrderIdentity identity() const { return info.identity(); }
-    const FilesSummary &summary(int photoMode) const { return summaries[modeIndex(photoMode)]; }
-    const QVector<orderqueries::PhotoEntry> &imported(int photoMode) const
+    const FilesSummary &summary(PhotoMode photoMode) const
+    {
+        return summaries[modeIndex(photoMode)];
+    }
+    const QVector<orderqueries::PhotoEntry> &imported(PhotoMode photoMode) const
     {
         return importedByMode[modeIndex(photoMode)];
     }
@@ -51,7 +54,7 @@ struct PhotoOrder
     bool hasUnfinishedFiles() const;
 
 private:
-    static std::size_t modeIndex(int photoMode);
+    static std::size_t modeIndex(PhotoMode photoMode);
 };
 
 /// How a run ended, over all files of its orders.
@@ -62,7 +65,7 @@ struct RunOutcome
     int withoutVariants = 0;      ///< files of a sort of which there are none
     QMap<QString, int> reasons{}; ///< why files failed: how many, by reason
 
-    void add(const PhotoOrder &order, int photoMode);
+    void add(const PhotoOrder &order, PhotoMode photoMode);
     bool isGood() const { return failed == 0 && unregistered == 0; }
     /// For the user.
     QString text() const;
@@ -82,29 +85,26 @@ QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<Phot
 
 /// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
 /// Without jobs when nothing is left to do.
-OrderInfo withJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes = {});
+OrderInfo withJobs(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes = {});
 
 /// The order with the jobs that brought the source files at \a indexes themselves, done or not.
-OrderInfo withMainJobs(const PhotoOrder &order, int photoMode, const QVector<int> &indexes);
+OrderInfo withMainJobs(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes);
 
 /// What to ask before the orders at \a starting are imported: names those that share a folder with
 /// any other of \a orders. Empty when none does.
 QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting);
 
-/// The kind of job (PhotoInfo::kind) that brings the source file itself.
-QString mainKind(int photoMode);
-
 /// Why none of \a orders has anything to import; empty when one has.
-QString nothingToImport(const QVector<PhotoOrder> &orders, int photoMode);
+QString nothingToImport(const QVector<PhotoOrder> &orders, PhotoMode photoMode);
 
 /// Text and colour (QRgb) of an order's state cell.
-QString stateText(const PhotoOrder &order, int photoMode);
-unsigned int stateColour(const PhotoOrder &order, int photoMode);
+QString stateText(const PhotoOrder &order, PhotoMode photoMode);
+unsigned int stateColour(const PhotoOrder &order, PhotoMode photoMode);
 
 /// Share of an order's jobs that are reported, 0 to 1, by bytes; -1 without files.
-double progressShare(const PhotoOrder &order, int photoMode);
+double progressShare(const PhotoOrder &order, PhotoMode photoMode);
 /// Text and colour (QRgb) of the bar that shows it: what went wrong looks like it.
-QString progressText(const PhotoOrder &order, int photoMode);
-unsigned int progressColour(const PhotoOrder &order, int photoMode);
+QString progressText(const PhotoOrder &order, PhotoMode photoMode);
+unsigned int progressColour(const PhotoOrder &order, PhotoMode photoMode);
 
 } // namespace photoorders

@@ -96,9 +96,9 @@ FilesToRetry filesToRetry(const QVector<SourceFile> &files, const QSet<int> &ind
     return retry;
 }
 
-QString sourceFilter(int photoMode)
+QString sourceFilter(PhotoMode photoMode)
 {
-    if (photoMode == photorules::Photos)
+    if (photoMode == PhotoMode::Photos)
         return QStringLiteral("图片文件 (*.jpg *.jpeg *.png *.bmp);;所有文件 (*.*)");
     return QStringLiteral("视频文件 (*.mp4 *.mov *.m4v *.avi *.mkv *.wmv *.flv *.mpg *.mpeg *.mts "
                           "*.webm *.3gp);;所有文件 (*.*)");

@@ -84,7 +84,7 @@ struct FileChoice
 {
     QStringList paths;   ///< files, and with expand folders too
     bool expand = false; ///< take what the filter takes; read folders with all below
-    int photoMode = 0;
+    PhotoMode photoMode = PhotoMode::Photos;
     QVector<SourceFile> listed; ///< what the order has already
 };
 
@@ -102,4 +102,4 @@ struct FileChoiceResult
 FileChoiceResult describeChoice(const FileChoice &choice);
 
 /// Filter of the file dialog in \a photoMode.
-QString sourceFilter(int photoMode);
+QString sourceFilter(PhotoMode photoMode);

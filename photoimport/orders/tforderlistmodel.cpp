@@ -96,7 +96,7 @@ tforderlistmodel::tforderlistmodel(QObject *parent)
 {
 }
 
-void tforderlistmodel::setPhotoMode(int mode)
+void tforderlistmodel::setPhotoMode(PhotoMode mode)
 {
     if (mode == photoMode_)
         return;

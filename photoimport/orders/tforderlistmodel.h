@@ -11,7 +11,7 @@
 struct PhotoOrderRow
 {
     const PhotoOrder &order;
-    int photoMode = 0;
+    PhotoMode photoMode = PhotoMode::Photos;
 };
 
 /// The orders of the photo import window.
@@ -37,9 +37,9 @@ public:
 
     explicit tforderlistmodel(QObject *parent = nullptr);
 
-    /// Which files count: those of photos, or of one sort of videos (photorules::PhotoMode).
-    void setPhotoMode(int mode);
-    int photoMode() const { return photoMode_; }
+    /// Which files count: those of photos, or of one sort of videos (PhotoMode).
+    void setPhotoMode(PhotoMode mode);
+    PhotoMode photoMode() const { return photoMode_; }
 
     void setOrders(QVector<PhotoOrder> orders);
     /// The files of the present mode.
@@ -81,5 +81,5 @@ private:
     SourceFile *fileOf(const OrderIdentity &orderId, const PhotoInfo &job, int *position);
 
     QSet<int> stale_; ///< rows that flush() is to announce
-    int photoMode_ = 0;
+    PhotoMode photoMode_ = PhotoMode::Photos;
 };

@@ -9,6 +9,14 @@
 
 #include <memory>
 
+/// What is imported.
+enum class PhotoMode {
+    Photos = 0,
+    TrialVideos = 1,
+    RetouchedVideos = 2,
+    Unknown, ///< as retouched videos, but deleted as photos
+};
+
 /// One job of an import: one source file in one of the forms in which it is imported. Carried
 /// through the pool unchanged. Any thread.
 struct PhotoInfo

@@ -6,17 +6,17 @@
 
 namespace photorequests {
 
-bool isRegistered(int photoMode, const PhotoInfo &photo)
+bool isRegistered(PhotoMode photoMode, const PhotoInfo &photo)
 {
-    return photoMode != photorules::Photos || photo.kind == photorules::originalKind;
+    return photoMode != PhotoMode::Photos || photo.kind == photorules::originalKind;
 }
 
-QString registrationAction(int photoMode)
+QString registrationAction(PhotoMode photoMode)
 {
-    return photoMode == photorules::Photos ? photoAction : videoAction;
+    return photoMode == PhotoMode::Photos ? photoAction : videoAction;
 }
 
-QByteArray registrationBody(int photoMode, const QString &orderPhotoId, const QString &path,
+QByteArray registrationBody(PhotoMode photoMode, const QString &orderPhotoId, const QString &path,
                             qint64 size, const PhotoInfo &photo, const QString &shareHost,
                             const orderqueries::Identity &identity)
 {
@@ -27,8 +27,8 @@ QByteArray registrationBody(int photoMode, const QString &orderPhotoId, const QS
         .add(QStringLiteral("ratio"), photo.targetSize)
         .add(QStringLiteral("path"), convertPathForService(path, shareHost));
     orderqueries::addIdentity(body, identity);
-    if (photoMode != photorules::Photos) {
-        const bool trial = photoMode == photorules::TrialVideos;
+    if (photoMode != PhotoMode::Photos) {
+        const bool trial = photoMode == PhotoMode::TrialVideos;
         body.add(QStringLiteral("type"), trial ? QStringLiteral("2") : QStringLiteral("3"))
             .add(QStringLiteral("photonames"), photo.fileName);
     }
@@ -46,11 +46,17 @@ QByteArray orderPathBody(const OrderInfo &order, const QString &shareHost,
     return orderqueries::addIdentity(body, identity).bytes();
 }
 
-QString deletionAction(int photoMode)
+QString deletionAction(PhotoMode photoMode)
 {
-    const bool videos =
-        photoMode == photorules::TrialVideos || photoMode == photorules::RetouchedVideos;
-    return videos ? deleteVideosAction : deletePhotosAction;
+    switch (photoMode) {
+    case PhotoMode::TrialVideos:
+    case PhotoMode::RetouchedVideos:
+        return deleteVideosAction;
+    case PhotoMode::Photos:
+    case PhotoMode::Unknown:
+        return deletePhotosAction;
+    }
+    Q_UNREACHABLE();
 }
 
 QByteArray deletionBody(const QString &orderPhotoId, const QStringList &ids,

@@ -30,13 +30,11 @@ struct Form
     QString targetSize;
 };
 
-QVector<Form> formsOf(const OrderInfo &order, int photoMode)
+QVector<Form> formsOf(const OrderInfo &order, PhotoMode photoMode)
 {
-    if (photoMode == TrialVideos)
-        return {{trialVideoKind, QString()}};
-    if (photoMode != Photos)
-        return {{retouchedVideoKind, QString()}};
-    QVector<Form> forms = {{originalKind, QString()}};
+    QVector<Form> forms = {{mainKind(photoMode), QString()}};
+    if (photoMode != PhotoMode::Photos)
+        return forms;
     const auto addVariant = [&forms](const QString &kind, int size) {
         if (size > 0)
             forms.append({kind, QString::number(size)});
@@ -65,7 +63,26 @@ bool isReachable(const QString &wirePath)
 
 } // namespace
 
-QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, int photoMode)
+PhotoMode photoModeOf(int number)
+{
+    return number >= 0 && number < int(PhotoMode::Unknown) ? PhotoMode(number) : PhotoMode::Unknown;
+}
+
+QString mainKind(PhotoMode photoMode)
+{
+    switch (photoMode) {
+    case PhotoMode::Photos:
+        return originalKind;
+    case PhotoMode::TrialVideos:
+        return trialVideoKind;
+    case PhotoMode::RetouchedVideos:
+    case PhotoMode::Unknown:
+        return retouchedVideoKind;
+    }
+    Q_UNREACHABLE();
+}
+
+QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, PhotoMode photoMode)
 {
     const QVector<Form> forms = formsOf(order, photoMode);
     const QString importFolder = importFolderOf(order);

@@ -11,8 +11,8 @@
 /// say that they touch the disk.
 namespace photorules {
 
-/// What AccountContext::photoMode says; any other value counts as retouched videos.
-enum PhotoMode { Photos = 0, TrialVideos = 1, RetouchedVideos = 2 };
+/// Reads AccountContext::photoMode.
+PhotoMode photoModeOf(int number);
 
 // Kinds of jobs.
 inline const QString originalKind = QStringLiteral("all");
@@ -22,9 +22,12 @@ inline const QString bigKind = QStringLiteral("1920");
 inline const QString trialVideoKind = QStringLiteral("试拍视频");
 inline const QString retouchedVideoKind = QStringLiteral("精修视频");
 
+/// The kind of job (PhotoInfo::kind) that brings the source file itself.
+QString mainKind(PhotoMode photoMode);
+
 /// The jobs for the chosen \a sources (absolute paths), source by source: in photo mode the
 /// original and its size variants, otherwise one video copy each.
-QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, int photoMode);
+QVector<PhotoInfo> jobsFor(const OrderInfo &order, const QStringList &sources, PhotoMode photoMode);
 
 /// The text of a size variant that could not be made, of one size or several.
 QString compressionFailure(const QString &targetSizes);

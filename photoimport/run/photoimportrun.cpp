@@ -206,7 +206,7 @@ bool PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
         return true;
     if (!takeInHand({row}, identity))
         return false;
-    const int mode = orders_->photoMode();
+    const PhotoMode mode = orders_->photoMode();
     const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
     if (!orders_->order(row).folderRefusal.isEmpty())
         registrar_.upImportOrderData(order, identity);

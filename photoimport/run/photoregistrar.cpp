@@ -42,7 +42,7 @@ PhotoRegistrar::PhotoRegistrar(QObject *parent) : QObject(parent), queue_(reques
     connect(&queue_, &RequestQueue::idle, this, &PhotoRegistrar::idle);
 }
 
-void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, int photoMode,
+void PhotoRegistrar::upImportPhotoInfo(const OrderInfo &order, int photoIndex, PhotoMode photoMode,
                                        const orderqueries::Identity &identity)
 {
     const PhotoInfo photo = order.photos.value(photoIndex);

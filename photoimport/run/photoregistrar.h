@@ -23,7 +23,7 @@ public:
 
     /// Announces the photo at \a photoIndex of \a order, imported in \a photoMode, in the name of
     /// \a identity. Jobs that are not registered are passed over in silence.
-    void upImportPhotoInfo(const OrderInfo &order, int photoIndex, int photoMode,
+    void upImportPhotoInfo(const OrderInfo &order, int photoIndex, PhotoMode photoMode,
                            const orderqueries::Identity &identity);
     /// Announces the folder of \a order.
     void upImportOrderData(const OrderInfo &order, const orderqueries::Identity &identity);

@@ -61,8 +61,8 @@ tfhome::tfhome(QWidget *parent)
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
-    orders_.setPhotoMode(AccountContext::photoMode);
-    bar_->setPhotoMode(AccountContext::photoMode);
+    orders_.setPhotoMode(photorules::photoModeOf(AccountContext::photoMode));
+    bar_->setPhotoMode(photorules::photoModeOf(AccountContext::photoMode));
     bar_->setWorkers(run_.pool()->maxWorkers());
     buildLayout();
     progressTimer_.setInterval(progressIntervalMs);
@@ -275,9 +275,9 @@ void tfhome::removeFiles(const QVector<int> &photoRows)
     showSelectedOrder();
 }
 
-void tfhome::choosePhotoMode(int mode)
+void tfhome::choosePhotoMode(PhotoMode mode)
 {
-    AccountContext::photoMode = mode;
+    AccountContext::photoMode = int(mode);
     orders_.setPhotoMode(mode);
     showSelectedOrder();
 }

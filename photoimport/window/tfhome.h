@@ -44,7 +44,7 @@ private:
     void showSelectedOrder();
     bool mayChange(int row);
     void removeFiles(const QVector<int> &photoRows);
-    void choosePhotoMode(int mode);
+    void choosePhotoMode(PhotoMode mode);
     void openFolder(int row);
     void copyNumber(int row);
 

@@ -1,5 +1,6 @@
 #include "photoimport/window/tfimportbar.h"
 
+#include "photoimport/rules/photorules.h"
 #include "photoimport/run/tfimportthreadmanager.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/tables/transferview.h"
@@ -46,17 +47,18 @@ tfimportbar::tfimportbar(QWidget *parent)
 
     setRunning(false, false);
     setPaused(false);
-    connect(modeBox_, qOverload<int>(&QComboBox::activated), this, &tfimportbar::photoModeChosen);
+    connect(modeBox_, qOverload<int>(&QComboBox::activated), this,
+            [this](int index) { emit photoModeChosen(photorules::photoModeOf(index)); });
     connect(workerBox_, qOverload<int>(&QComboBox::activated), this,
             [this](int index) { emit workersChosen(index + 1); });
     connect(pauseButton_, &QPushButton::clicked, this, &tfimportbar::pauseClicked);
     connect(startButton_, &QPushButton::clicked, this, &tfimportbar::startClicked);
 }
 
-void tfimportbar::setPhotoMode(int mode)
+void tfimportbar::setPhotoMode(PhotoMode mode)
 {
-    // Whatever else the mode says counts as retouched videos.
-    modeBox_->setCurrentIndex(mode >= 0 && mode < modeBox_->count() ? mode : modeBox_->count() - 1);
+    // An unknown one imports as the last of the box does.
+    modeBox_->setCurrentIndex(qMin(int(mode), modeBox_->count() - 1));
 }
 
 void tfimportbar::setWorkers(int count)

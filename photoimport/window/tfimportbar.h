@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/transferprogress.h"
+#include "photoimport/rules/photorecords.h"
 
 #include <QWidget>
 
@@ -17,7 +18,7 @@ class tfimportbar : public QWidget
 public:
     explicit tfimportbar(QWidget *parent = nullptr);
 
-    void setPhotoMode(int mode);
+    void setPhotoMode(PhotoMode mode);
     void setWorkers(int count);
     /// Whether something is queued or active: the start button stops then, and what must not change
     /// meanwhile is locked. While photos are still being registered that is the mode, by which
@@ -31,7 +32,7 @@ public:
     void hideProgress();
 
 signals:
-    void photoModeChosen(int mode);
+    void photoModeChosen(PhotoMode mode);
     void workersChosen(int count);
     /// Start all, or stop.
     void startClicked();

@@ -45,7 +45,7 @@ PhotoOrder order(const QString &id, const QVector<SourceFile> &files = {},
     made.info.id = id;
     made.info.orderPayForKey = "TS"_s + id;
     made.info.importPath = importPath;
-    made.files(0) = files;
+    made.files(PhotoMode::Photos) = files;
     made.resummarise();
     return made;
 }
@@ -94,14 +94,15 @@ private slots:
         // A listed file itself is no clash, but repeated.
         choice = {{dir.filePath("a9.JPG"_s), dir.filePath("a10.jpg"_s)},
                   false,
-                  0,
+                  PhotoMode::Photos,
                   {file(dir.filePath("a9.JPG"_s), {})}};
         result = describeChoice(choice);
         QVERIFY(result.clashes.isEmpty());
         QCOMPARE(result.repeated, 1);
         QCOMPARE(result.files.size(), 1);
 
-        for (const int mode : {1, 2, 9}) {
+        for (const PhotoMode mode :
+             {PhotoMode::TrialVideos, PhotoMode::RetouchedVideos, PhotoMode::Unknown}) {
             choice = {{card.path()}, true, mode, {}};
             result = describeChoice(choice);
             QCOMPARE(result.files.size(), 1);
@@ -123,7 +124,7 @@ private slots:
         QCOMPARE(merged.at(0).info.id, "1"_s); // not found, but not finished either
         QCOMPARE(merged.at(1).info.id, "4"_s);
         QCOMPARE(merged.at(2).info.mname, "新"_s);
-        QCOMPARE(merged.at(2).files(0).size(), 1);
+        QCOMPARE(merged.at(2).files(PhotoMode::Photos).size(), 1);
     }
 
     void statesOfOrders_data()
@@ -158,10 +159,11 @@ private slots:
         QFETCH(int, run);
         PhotoOrder shown = order("1"_s, files);
         shown.run = PhotoOrder::Run(run);
-        QTEST(photoorders::stateText(shown, 0), "text");
-        QTEST(photoorders::progressText(shown, 0), "bar");
-        QTEST(photoorders::progressColour(shown, 0), "colour");
-        QCOMPARE(photoorders::stateText(shown, 1).contains("导片完成"_s), false);
+        QTEST(photoorders::stateText(shown, PhotoMode::Photos), "text");
+        QTEST(photoorders::progressText(shown, PhotoMode::Photos), "bar");
+        QTEST(photoorders::progressColour(shown, PhotoMode::Photos), "colour");
+        QCOMPARE(photoorders::stateText(shown, PhotoMode::TrialVideos).contains("导片完成"_s),
+                 false);
     }
 
     void outcomes()
@@ -175,18 +177,22 @@ private slots:
         PhotoOrder refused = order("1"_s, {full, raw});
         refused.folderRefusal = "x"_s;
         RunOutcome outcome;
-        outcome.add(refused, 0);
-        outcome.add(order("2"_s, {full}), 0);
+        outcome.add(refused, PhotoMode::Photos);
+        outcome.add(order("2"_s, {full}), PhotoMode::Photos);
         QCOMPARE(outcome.text(), "导片结束，2 个文件失败，1 项未登记。\n满: 2 个文件\n"
                                  "没有小图: 1 个文件（这类文件只导入原图）\n"
                                  "请在照片列表中查看原因，再点“重试失败”。"_s);
         outcome = {};
-        outcome.add(order("3"_s, {raw}), 0);
+        outcome.add(order("3"_s, {raw}), PhotoMode::Photos);
         QCOMPARE(outcome.text(), "导片完成！\n没有小图: 1 个文件（这类文件只导入原图）"_s);
         const QString all = "文件已全部导入"_s;
-        QCOMPARE(photoorders::nothingToImport({order("1"_s), order("3"_s, {raw})}, 0), all);
-        QVERIFY(photoorders::nothingToImport({order("1"_s)}, 0).startsWith("请先为订单添加"_s));
-        QVERIFY(photoorders::nothingToImport({order("3"_s, {raw}), refused}, 0).isEmpty());
+        QCOMPARE(
+            photoorders::nothingToImport({order("1"_s), order("3"_s, {raw})}, PhotoMode::Photos),
+            all);
+        QVERIFY(photoorders::nothingToImport({order("1"_s)}, PhotoMode::Photos)
+                    .startsWith("请先为订单添加"_s));
+        QVERIFY(photoorders::nothingToImport({order("3"_s, {raw}), refused}, PhotoMode::Photos)
+                    .isEmpty());
     }
 
     void onlyWhatIsLeftIsDone()
@@ -204,13 +210,14 @@ private slots:
                             photo.sourcePath.right(5));
             return made.join(QLatin1Char(' '));
         };
-        QCOMPARE(names(photoorders::withJobs(started, 0)),
+        QCOMPARE(names(photoorders::withJobs(started, PhotoMode::Photos)),
                  "1:901.jpg 1:1901.jpg 1:19201.jpg 2:all2.jpg 2:902.jpg 2:1902.jpg "
                  "2:19202.jpg"_s);
-        QCOMPARE(names(photoorders::withJobs(started, 0, {2})),
+        QCOMPARE(names(photoorders::withJobs(started, PhotoMode::Photos, {2})),
                  "2:all2.jpg 2:902.jpg 2:1902.jpg 2:19202.jpg"_s);
-        QCOMPARE(names(photoorders::withMainJobs(started, 0, {0, 2})), "0:all0.jpg 2:all2.jpg"_s);
-        QVERIFY(photoorders::withMainJobs(started, 0, {}).photos.isEmpty());
+        QCOMPARE(names(photoorders::withMainJobs(started, PhotoMode::Photos, {0, 2})),
+                 "0:all0.jpg 2:all2.jpg"_s);
+        QVERIFY(photoorders::withMainJobs(started, PhotoMode::Photos, {}).photos.isEmpty());
     }
 
     void sharedFoldersAreFound()
@@ -266,10 +273,10 @@ private slots:
         model.applyFailure(second, result, {"x"_s, true});
         model.applyResult(second, result, false, "坏"_s);
         QVERIFY(model.files(1).at(1).failureText().startsWith("登记失败"_s));
-        QCOMPARE(photoorders::withJobs(model.order(1), 0, {1}).photos.size(), 3);
+        QCOMPARE(photoorders::withJobs(model.order(1), PhotoMode::Photos, {1}).photos.size(), 3);
         model.removeFiles(1, {0});
         QCOMPARE(model.files(1).size(), 1);
-        model.setPhotoMode(2);
+        model.setPhotoMode(PhotoMode::RetouchedVideos);
         QCOMPARE(state.data().toString(), "未选择"_s);
         QCOMPARE(model.applyResult(second, result, true, {}), -1);
     }
@@ -285,7 +292,7 @@ private slots:
         model.setOrders({shown});
         model.forgetDeleted(0, {"2"_s}, {"A.JPG"_s});
         model.forgetDeleted(-1, {"3"_s}, {"b.jpg"_s}); // another search has replaced the list
-        QCOMPARE(model.order(0).imported(0).size(), 1);
+        QCOMPARE(model.order(0).imported(PhotoMode::Photos).size(), 1);
         QCOMPARE(model.files(0).size(), 2);
         QCOMPARE(model.files(0).last().path, "/d/A.JPG"_s); // to be imported yet: another photo
     }
@@ -298,7 +305,7 @@ private slots:
                                    entry("old.jpg", "\\all\\old.jpg", "3")};
         tfphotolistmodel model;
         const QAbstractItemModelTester tester(&model);
-        model.show(&shown, 0);
+        model.show(&shown, PhotoMode::Photos);
         QStringList rows;
         for (int row = 0; row < model.rowCount(); ++row)
             rows.append(model.photo(row).name + QLatin1Char('=') + model.photo(row).serviceId);
@@ -314,20 +321,20 @@ private slots:
         QVERIFY(model.photo(1).file.isComplete());
         model.updateFile(0, file("/c/b.jpg"_s, {})); // of an order shown before
         QCOMPARE(model.photo(0).file.jobs.size(), 1);
-        model.show(nullptr, 0);
+        model.show(nullptr, PhotoMode::Photos);
         QCOMPARE(model.rowCount(), 0);
     }
 
     void deletionsStayInTheFolder()
     {
         const QStringList names{"a.jpg"_s, "..\\..\\b.jpg"_s};
-        DeletionRequest request = deletionOf(order("1"_s), {}, names, 0);
+        DeletionRequest request = deletionOf(order("1"_s), {}, names, PhotoMode::Photos);
         QCOMPARE(request.paths.at(0), share + "\\all\\a.jpg"_s);
         QCOMPARE(request.paths.at(1).count(QLatin1Char('\\')),
                  request.paths.at(0).count(QLatin1Char('\\')));
-        request = deletionOf(order("1"_s), {}, names, 1);
+        request = deletionOf(order("1"_s), {}, names, PhotoMode::TrialVideos);
         QCOMPARE(request.paths.at(0), share + "\\试拍视频\\a.jpg"_s);
-        QVERIFY(deletionOf(order("1"_s, {}, {}), {}, names, 0).paths.isEmpty());
+        QVERIFY(deletionOf(order("1"_s, {}, {}), {}, names, PhotoMode::Photos).paths.isEmpty());
 
         tfphotodeletion deletion;
         QString told;
@@ -388,10 +395,10 @@ void TestPhotoLists::readsOrders()
     QCOMPARE(found.orders.at(1).info.openypml, "1"_s);
     QCOMPARE(found.orders.at(1).info.smallSize, 90);
     // Of what the service lists only what lies where the tool puts it is the tool's.
-    QCOMPARE(found.orders.at(0).imported(0).size(), 1);
-    QCOMPARE(found.orders.at(0).imported(0).first().id, "2"_s);
-    QCOMPARE(found.orders.at(0).imported(1).size(), 0);
-    QCOMPARE(found.orders.at(0).imported(2).size(), 1);
+    QCOMPARE(found.orders.at(0).imported(PhotoMode::Photos).size(), 1);
+    QCOMPARE(found.orders.at(0).imported(PhotoMode::Photos).first().id, "2"_s);
+    QCOMPARE(found.orders.at(0).imported(PhotoMode::TrialVideos).size(), 0);
+    QCOMPARE(found.orders.at(0).imported(PhotoMode::RetouchedVideos).size(), 1);
     for (const char *json : {"{}", R"({"data":null})", R"({"data":"none"})"})
         QVERIFY(!photoorders::readOrders(parsed(json), {"3"_s, share}).isList);
 }

@@ -56,7 +56,7 @@ private slots:
         order.middleSize = middleSize;
         order.bigSize = 2000;
         QStringList jobs;
-        const auto photos = jobsFor(order, {"/card/a.jpg"_s, "/card/x/b.jpg"_s}, mode);
+        const auto photos = jobsFor(order, {"/card/a.jpg"_s, "/card/x/b.jpg"_s}, photoModeOf(mode));
         for (const PhotoInfo &photo : photos) {
             jobs << "%1 %2 %3 %4"_s.arg(photo.fileName, photo.kind, photo.targetSize)
                         .arg(photo.sourceIndex);
@@ -80,7 +80,7 @@ private slots:
         photo.fileName = "a:b.jpg"_s;
         QCOMPARE(outputPathOf(folder, photo), folder + "\\_\\a_b.jpg"_s);
 
-        auto photos = jobsFor(order, {"/a.jpg"_s, "/b.jpg"_s}, Photos);
+        auto photos = jobsFor(order, {"/a.jpg"_s, "/b.jpg"_s}, PhotoMode::Photos);
         photos.append(PhotoInfo());
         QStringList expected{folder};
         for (const char *name : {"all", "原始档", "90", "190", "1920"})
@@ -167,15 +167,16 @@ private slots:
     void registrations()
     {
         QFETCH(int, mode);
+        const PhotoMode photoMode = photoModeOf(mode);
         QFETCH(QString, kind);
         QFETCH(QByteArray, added);
         PhotoInfo photo;
         photo.kind = kind;
         photo.fileName = "a&b.jpg"_s;
         photo.targetSize = "1920"_s;
-        QTEST(photorequests::isRegistered(mode, photo), "registered");
-        QTEST(photorequests::registrationAction(mode), "action");
-        QCOMPARE(photorequests::registrationBody(mode, "p&1"_s, "/Volumes/in/王/a&b.jpg"_s,
+        QTEST(photorequests::isRegistered(photoMode, photo), "registered");
+        QTEST(photorequests::registrationAction(photoMode), "action");
+        QCOMPARE(photorequests::registrationBody(photoMode, "p&1"_s, "/Volumes/in/王/a&b.jpg"_s,
                                                  5000000000LL, photo, "nas"_s, identity),
                  QByteArray("order_photo_id=p%261&person_id=3101&size=5000000000&ratio=1920&path="
                             "\\\\nas\\in\\王\\a%26b.jpg&shopid=101&eid=3101&superid=7001"
@@ -193,7 +194,8 @@ private slots:
                             "&personid=3101"));
         QStringList actions;
         for (const int mode : {0, 1, 2, 3})
-            actions << photorequests::deletionAction(mode).mid(int(strlen("&m=order&a=")));
+            actions
+                << photorequests::deletionAction(photoModeOf(mode)).mid(int(strlen("&m=order&a=")));
         QCOMPARE(actions.join(QLatin1Char(' ')), "delimages delmv delmv delimages"_s);
     }
 

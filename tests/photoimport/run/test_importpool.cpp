@@ -309,10 +309,10 @@ private slots:
             paths << writeFile(folder_->filePath(QLatin1String(name)), QByteArray(600000, 'x'));
         PhotoOrder order;
         order.info = makeOrder("A"_s, 0);
-        order.files(photorules::RetouchedVideos) =
-            describeChoice({paths, false, photorules::RetouchedVideos, {}}).files;
+        order.files(PhotoMode::RetouchedVideos) =
+            describeChoice({paths, false, PhotoMode::RetouchedVideos, {}}).files;
         tforderlistmodel orders;
-        orders.setPhotoMode(photorules::RetouchedVideos);
+        orders.setPhotoMode(PhotoMode::RetouchedVideos);
         orders.setOrders({order});
         PhotoImportRun run(&orders);
         run.pool()->setMaxWorkers(1);
@@ -330,7 +330,8 @@ private slots:
         PhotoOrder order;
         order.info = makeOrder("A"_s, 0);
         order.info.branch = "8"_s;
-        order.files(0) = describeChoice({{folder_->filePath("gone.jpg"_s)}, false, 0, {}}).files;
+        order.files(PhotoMode::Photos) =
+            describeChoice({{folder_->filePath("gone.jpg"_s)}, false, PhotoMode::Photos, {}}).files;
         tforderlistmodel orders;
         orders.setOrders({order});
         PhotoImportRun run(&orders);
