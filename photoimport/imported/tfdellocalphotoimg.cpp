@@ -34,8 +34,8 @@ void TFDelLocalPhotoImg::setDelPhotos(const QStringList &paths, const QString &o
         const QString inOrder = original.mid(folder.size());
         // Each is made from the one before, on purpose; the folders above the order's may be
         // called "all" or "90" too and stay what they are.
-        const auto inFolder = [](QString path, const char *from, const char *to) {
-            return path.replace(QLatin1String(from), QLatin1String(to));
+        const auto inFolder = [](QString place, const char *from, const char *to) {
+            return place.replace(QLatin1String(from), QLatin1String(to));
         };
         const QString small = inFolder(inOrder, "\\all\\", "\\90\\");
         const QString middle = inFolder(small, "\\90\\", "\\190\\");
