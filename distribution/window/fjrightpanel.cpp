@@ -1,12 +1,14 @@
 #include "distribution/window/fjrightpanel.h"
 
 #include "app/context/accountcontext.h"
+#include "app/context/choices.h"
 #include "app/context/k.h"
 #include "distribution/naming/foldernamingrule.h"
 #include "distribution/naming/namingrulepanel.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/window/tickdelegate.h"
 #include "look/colours.h"
+#include "tasks/background.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/inputs/customcheckboxnew.h"
@@ -17,6 +19,7 @@
 
 #include <QDebug>
 #include <QDir>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QListView>
 #include <QPushButton>
@@ -27,6 +30,7 @@
 namespace {
 
 constexpr int photoListPx = 130;
+const QString directoryKey = QStringLiteral("distributionDirectory");
 
 QLabel *caption(const QString &text, QWidget *parent)
 {
@@ -102,6 +106,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
                 &FJRightPanel::onSelectionChanged);
     }
     showDirectory();
+    restoreDirectory();
     setRunning(false);
     setSplitType(type_);
     clearPhotos();
@@ -270,7 +275,24 @@ void FJRightPanel::onChooseDirectoryClicked()
     if (folder.isEmpty())
         return;
     directory_ = folder;
+    choices::remember(directoryKey, folder);
     showDirectory();
+}
+
+/// The one that was chosen last, if it is still there.
+void FJRightPanel::restoreDirectory()
+{
+    const QString folder = choices::remembered(directoryKey);
+    if (folder.isEmpty())
+        return;
+    onDisk(
+        this, folder, [folder] { return QFileInfo(folder).isDir(); },
+        [this, folder](bool isThere) {
+            if (!isThere || !directory_.isEmpty())
+                return;
+            directory_ = folder;
+            showDirectory();
+        });
 }
 
 void FJRightPanel::showDirectory()

@@ -89,6 +89,7 @@ private:
     QWidget *buildPhotoList(PhotoList *list, const QString &caption, const char *name,
                             void (FJRightPanel::*selectAll)(), void (FJRightPanel::*clearAll)());
     void showDirectory();
+    void restoreDirectory();
     void updateCounts();
     void onSelectionChanged();
     void resizeEvent(QResizeEvent *event) override;

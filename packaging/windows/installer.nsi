@@ -408,6 +408,7 @@ Section "Uninstall"
         Delete "$INSTDIR\${SETTINGS}"
         SetShellVarContext current
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\login_config.txt"
+        Delete "$LOCALAPPDATA\${USER_SETTINGS}\choices.ini"
         RMDir "$LOCALAPPDATA\${USER_SETTINGS}"
         Delete "$PROFILE\${USER_SETTINGS}\loginData"
         RMDir "$PROFILE\${USER_SETTINGS}"

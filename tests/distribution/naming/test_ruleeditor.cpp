@@ -13,7 +13,6 @@
 #include "tests/support/text.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"
-#include "widgets/inputs/flowlayout.h"
 
 #include <QDragEnterEvent>
 #include <QLabel>
@@ -332,36 +331,6 @@ private slots:
         }
         QCOMPARE(rule(), "a_ c#"_s);
         QVERIFY(AccountContext::shopList.first().goodsfoldernamerule.isEmpty());
-    }
-
-    void flowLayout()
-    {
-        QWidget area;
-        auto *flow = new FlowLayout(&area, 8, 6);
-        QVector<QWidget *> items;
-        for (const QSize &size : {QSize(50, 20), QSize(40, 30), QSize(60, 10), QSize(300, 10)}) {
-            items.append(new QWidget);
-            items.last()->setFixedSize(size);
-            flow->insertWidget(flow->count(), items.last());
-        }
-        flow->setSizeConstraint(QLayout::SetNoConstraint);
-        area.resize(120, 500);
-        area.show();
-        const auto topLeft = [&](int index) { return items.at(index)->pos(); };
-        QCOMPARE(topLeft(0), QPoint(0, 0));
-        QCOMPARE(topLeft(1), QPoint(58, 0));
-        QCOMPARE(topLeft(2), QPoint(0, 36)); // below the tallest of its line
-        QCOMPARE(topLeft(3), QPoint(0, 52)); // alone in its line, too wide as it is
-        QCOMPARE(flow->heightForWidth(120), 62);
-        QCOMPARE(flow->heightForWidth(1000), 30);
-        QCOMPARE(items.at(3)->width(), 300);
-        QCOMPARE(flow->minimumSize(), QSize(300, 30));
-        items.at(1)->hide();
-        QCOMPARE(flow->heightForWidth(1000), 20);
-        QCOMPARE(flow->heightForWidth(134), 36);
-        delete flow->takeAt(0);
-        QCOMPARE(flow->count(), 3);
-        QVERIFY(!flow->takeAt(3));
     }
 
     /// Nothing is cut off at any scale.

@@ -72,19 +72,6 @@ private slots:
         }
     }
 
-    void cardsAndModes()
-    {
-        QStringList modes;
-        for (const QString &card :
-             {"下载原始档"_s, "下载选片结果"_s, "设计分件"_s, "下载照片交付"_s, "?"_s}) {
-            const Type type = splitTypeOf(card);
-            modes.append(cardName(type) + QString::number(runMode(type)) +
-                         QString::number(listMode(type)));
-        }
-        QCOMPARE(modes.join(QLatin1Char(' ')),
-                 "下载原始档10 下载选片结果20 设计分件21 下载照片交付30 设计分件21"_s);
-    }
-
     void readsOrders()
     {
         const auto list = distributionrequests::readOrders(

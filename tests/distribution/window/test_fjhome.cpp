@@ -170,6 +170,13 @@ private slots:
         QCOMPARE(AccountContext::distributionRule, "1"_s);
         // A branch without a rule leaves the editor as it was.
         QCOMPARE(rule(), stored);
+        // What is not saved is marked, and asked about.
+        QVERIFY(!child<QLabel>("unsavedRule")->isVisible());
+        QTest::mouseClick(window_->findChild<QPushButton *>("deleteButton"_s), Qt::LeftButton);
+        QVERIFY(child<QLabel>("unsavedRule")->isVisible());
+        chooseBranch("101"_s);
+        EXPECT_BOXES("产品文件夹命名规则的修改还没有保存，切换分店后将丢失。\n确定要切换吗？"_s);
+        QCOMPARE(searchBar()->selectedBranchId(), "102"_s);
     }
 
     void aRefusedSwitchKeepsTheBranch()
@@ -247,6 +254,11 @@ private slots:
         click("startButton");
         EXPECT_BOXES("请至少勾选一项下载目录选项"_s);
         QVERIFY(demo_.requests("orderphotodetail"_s).isEmpty());
+        // The next window has it again, as long as it is there.
+        FileDialog::setNextFolder(folder_->path());
+        click("directoryButton");
+        FJRightPanel next;
+        QTRY_COMPARE(next.directory(), folder_->path());
     }
 
     void showsThePhotosOfAnOrder()
