@@ -464,11 +464,6 @@ bool rotateCopyImage(const QString &source, const QString &target, JobFailure *f
     } catch (...) {
         log(QStringLiteral("图片旋转拷贝未知异常: %1，回退到直接拷贝").arg(source));
     }
-    if (Stamp(source) != before) {
-        // Somebody is writing to it: a copy made this very moment could be cut short.
-        log(QStringLiteral("文件拷贝失败:"), changedText());
-        return failed(failure, changedText());
-    }
     return copyBytes(source, target, failure);
 }
 

@@ -322,12 +322,12 @@ private slots:
         JobFailure copy;
         JobFailure variant;
         const bool copied = copyOriginal(source, target, &copy);
-        const bool made = compressImage(source, target, 90, nullptr, &variant);
+        const QByteArray asCopied = readFile(source);
+        const bool made = compressImage(source, path("90.jpg"_s), 90, nullptr, &variant);
         qInstallMessageHandler(earlier);
-        QVERIFY(!copied && !made);
-        for (const JobFailure &failure : {copy, variant})
-            QCOMPARE(failure.reason, "文件在拷贝过程中发生变化"_s);
-        QCOMPARE(readFile(target), QByteArray("an earlier file"));
+        QVERIFY(copied && !made); // the camera's bytes, as they are now
+        QCOMPARE(readFile(target), asCopied);
+        QCOMPARE(variant.reason, "文件在拷贝过程中发生变化"_s);
     }
 
     void fullDisk()
