@@ -194,28 +194,18 @@ private slots:
             QDragMoveEvent event(pos, Qt::CopyAction, data.get(), Qt::LeftButton, {});
             QApplication::sendEvent(zone_, &event);
         };
-        const QRgb bar = 0xff007aff;
         const QImage image = source("id")->dragImage().toImage();
         QCOMPARE(image.size(), source("id")->size());
-        QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
-        QCOMPARE(image.pixel(image.width() / 2, 2), bar);
         const QRect second = button(1)->geometry();
-        const QPoint gap(second.left() - K::scaledPx(4), second.center().y());
-        QVERIFY(zone_->grab().toImage().pixel(gap) != bar);
         moveTo(QPoint(second.left() + 2, second.center().y()));
         QCOMPARE(zone_->indicatorIndex(), 1);
-        QCOMPARE(zone_->grab().toImage().pixel(gap), bar);
         moveTo(QPoint(second.right() - 2, second.center().y()));
         QCOMPARE(zone_->indicatorIndex(), 2);
         moveTo(QPoint(zone_->width() - 2, zone_->height() - 2));
         QCOMPARE(zone_->indicatorIndex(), 3);
-        const QRgb highlighted = 0xfff0f8ff;
-        const QPoint ground(zone_->width() - 12, zone_->height() - 12);
-        QCOMPARE(zone_->grab().toImage().pixel(ground), highlighted);
         QDragLeaveEvent leave;
         QApplication::sendEvent(zone_, &leave);
         QCOMPARE(zone_->indicatorIndex(), -1);
-        QCOMPARE(zone_->grab().toImage().pixel(ground), QRgb(0xfffafafa));
     }
 
     void separators()
