@@ -12,6 +12,7 @@
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -98,13 +99,21 @@ QWidget *ChooseTools::cards()
     return scroll;
 }
 
-QWidget *ChooseTools::footer() const
+QWidget *ChooseTools::footer()
 {
     auto *footer = new QWidget;
     auto *layout = new QHBoxLayout(footer);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(label(QStringLiteral("双击图标打开工具"), QStringLiteral("hintLabel"),
                             K::scaledPx(12), colours::muted));
+    layout->addStretch();
+    auto *orders = new QPushButton(orderBrowser().label);
+    orders->setObjectName(QStringLiteral("orderListButton"));
+    orders->setStyleSheet(theme::secondaryButtonStyle());
+    orders->setShortcut(QKeySequence(QStringLiteral("Ctrl+L")));
+    orders->setToolTip(QStringLiteral("Ctrl+L"));
+    connect(orders, &QPushButton::clicked, this, [this] { open(orderBrowser()); });
+    layout->addWidget(orders);
     layout->addStretch();
     layout->addWidget(label(QStringLiteral("版本信息：") + AccountContext::appVersion,
                             QStringLiteral("versionLabel"), K::scaledPx(12), colours::muted));

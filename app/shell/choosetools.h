@@ -12,8 +12,8 @@
 class QVBoxLayout;
 
 /// The launcher: one card per tool. A double click opens the tool's window, or brings it to the
-/// front; there is at most one window per card. Tool windows belong to themselves: they outlive the
-/// launcher and are deleted when they close.
+/// front; there is at most one window per card. The order browser has a button below the cards.
+/// Tool windows belong to themselves: they outlive the launcher and are deleted when they close.
 class ChooseTools : public FramelessWindow
 {
     Q_OBJECT
@@ -35,7 +35,7 @@ private slots:
 private:
     QWidget *header() const;
     QWidget *cards();
-    QWidget *footer() const;
+    QWidget *footer();
     void placeOnScreen();
     void open(const Tool &tool);
 

@@ -3,6 +3,7 @@
 #include "batchdelete/window/batchdelete.h"
 #include "distribution/window/fjhome.h"
 #include "fileimport/window/importfiles.h"
+#include "orderbrowser/window/orderlist.h"
 #include "photoimport/window/tfhome.h"
 
 namespace {
@@ -55,4 +56,11 @@ const QVector<Tool> &allTools()
          []() -> FramelessWindow * { return new BatchDelete; }},
     };
     return tools;
+}
+
+const Tool &orderBrowser()
+{
+    static const Tool tool{
+        QStringLiteral("订单列表"), {}, []() -> FramelessWindow * { return new OrderList; }};
+    return tool;
 }

@@ -20,3 +20,6 @@ struct Tool
 /// All tools in the order of their cards. The only place that knows which window belongs to which
 /// card: taking a tool out of the program is removing its folder and its makeWindow here.
 const QVector<Tool> &allTools();
+
+/// The order browser, which has no card but a button below them.
+const Tool &orderBrowser();

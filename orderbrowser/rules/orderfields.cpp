@@ -18,7 +18,7 @@ struct Row
     const char *group;
     Kind kind;
     int width;
-    bool atFirst;
+    int atFirst;
 };
 
 constexpr auto order = "订单";
@@ -29,45 +29,45 @@ constexpr auto photos = "照片";
 constexpr auto paths = "路径";
 
 const Row rows[] = {
-    {"orderpayforkey", "订单号", order, Kind::OrderNumber, 130, true},
-    {"id", "订单编号", order, Kind::OrderNumber, medium, false},
-    {"order_photo_id", "照片集编号", order, Kind::OrderNumber, medium, false},
-    {"servicetimes", "服务次", order, Kind::Number, narrow, false},
-    {"#state", "片况", photos, Kind::State, medium, true},
-    {"number_yuanpian", "已导原片", photos, Kind::Number, narrow, false},
-    {"number_yuanshidang", "已导原始档", photos, Kind::Number, narrow, false},
-    {"number_jingxiu", "已导精修", photos, Kind::Number, narrow, false},
-    {"images", "已选张数", photos, Kind::Number, narrow, false},
-    {"selectphototime", "选片完成时间", dates, Kind::Date, wide, true},
-    {"pickuptime", "取件日期", dates, Kind::Date, medium, false},
-    {"#days", "距取件", dates, Kind::Days, narrow, true},
-    {"role1name", "摄影师", persons, Kind::Name, medium, true},
-    {"role2name", "化妆师", persons, Kind::Name, medium, true},
-    {"netpath", "导片路径", paths, Kind::Path, widest, true},
-    {"mname", "男士姓名", customers, Kind::Name, medium, true},
-    {"wname", "女士姓名", customers, Kind::Name, medium, true},
-    {"mphone", "男士电话", customers, Kind::Phone, medium, true},
-    {"wphone", "女士电话", customers, Kind::Phone, medium, true},
-    {"comboname", "套系", order, Kind::Name, wide, true},
-    {"order_price", "订单金额", order, Kind::Money, medium, false},
-    {"storesname", "门店", order, Kind::Name, medium, true},
-    {"isurgent", "加急", order, Kind::Mark, narrow, true},
-    {"issample", "样片单", order, Kind::Mark, narrow, false},
-    {"iszsysd", "赠送原始档", order, Kind::Mark, medium, false},
-    {"iszsjx", "赠送精修", order, Kind::Mark, medium, false},
-    {"shotdate", "拍照日期", dates, Kind::Date, medium, true},
-    {"sampledate", "选片日期", dates, Kind::Date, medium, true},
-    {"isurgenttime", "加急日期", dates, Kind::Date, medium, false},
-    {"fulfil_time", "结单日期", dates, Kind::Date, wide, false},
-    {"selectphotoname", "选片师", persons, Kind::Name, medium, false},
-    {"tiaosename", "样前修片师", persons, Kind::Name, medium, false},
-    {"images_taipian", "试拍张数", photos, Kind::Number, narrow, false},
-    {"images_1_1", "简修张数", photos, Kind::Number, narrow, false},
-    {"images_1_0", "汰片张数", photos, Kind::Number, narrow, false},
-    {"imagesize_small", "小图长边", photos, Kind::Number, narrow, false},
-    {"imagesize_middle", "中图长边", photos, Kind::Number, narrow, false},
-    {"imagesize_big", "大图长边", photos, Kind::Number, narrow, false},
-    {"picpathnew", "照片路径", paths, Kind::Path, widest, false},
+    {"orderpayforkey", "订单号", order, Kind::OrderNumber, 130, 1},
+    {"id", "订单编号", order, Kind::OrderNumber, medium, 0},
+    {"order_photo_id", "照片集编号", order, Kind::OrderNumber, medium, 0},
+    {"servicetimes", "服务次", order, Kind::Number, narrow, 0},
+    {"#state", "片况", photos, Kind::State, medium, 9},
+    {"number_yuanpian", "已导原片", photos, Kind::Number, narrow, 0},
+    {"number_yuanshidang", "已导原始档", photos, Kind::Number, narrow, 0},
+    {"number_jingxiu", "已导精修", photos, Kind::Number, narrow, 0},
+    {"images", "已选张数", photos, Kind::Number, narrow, 0},
+    {"selectphototime", "选片完成时间", dates, Kind::Date, wide, 15},
+    {"pickuptime", "取件日期", dates, Kind::Date, medium, 0},
+    {"#days", "距取件", dates, Kind::Days, narrow, 10},
+    {"role1name", "摄影师", persons, Kind::Name, medium, 12},
+    {"role2name", "化妆师", persons, Kind::Name, medium, 13},
+    {"netpath", "导片路径", paths, Kind::Path, widest, 16},
+    {"mname", "男士姓名", customers, Kind::Name, medium, 2},
+    {"wname", "女士姓名", customers, Kind::Name, medium, 3},
+    {"mphone", "男士电话", customers, Kind::Phone, medium, 4},
+    {"wphone", "女士电话", customers, Kind::Phone, medium, 5},
+    {"comboname", "套系", order, Kind::Name, wide, 6},
+    {"order_price", "订单金额", order, Kind::Money, medium, 0},
+    {"storesname", "门店", order, Kind::Name, medium, 14},
+    {"isurgent", "加急", order, Kind::Mark, narrow, 11},
+    {"issample", "样片单", order, Kind::Mark, narrow, 0},
+    {"iszsysd", "赠送原始档", order, Kind::Mark, medium, 0},
+    {"iszsjx", "赠送精修", order, Kind::Mark, medium, 0},
+    {"shotdate", "拍照日期", dates, Kind::Date, medium, 7},
+    {"sampledate", "选片日期", dates, Kind::Date, medium, 8},
+    {"isurgenttime", "加急日期", dates, Kind::Date, medium, 0},
+    {"fulfil_time", "结单日期", dates, Kind::Date, wide, 0},
+    {"selectphotoname", "选片师", persons, Kind::Name, medium, 0},
+    {"tiaosename", "样前修片师", persons, Kind::Name, medium, 0},
+    {"images_taipian", "试拍张数", photos, Kind::Number, narrow, 0},
+    {"images_1_1", "简修张数", photos, Kind::Number, narrow, 0},
+    {"images_1_0", "汰片张数", photos, Kind::Number, narrow, 0},
+    {"imagesize_small", "小图长边", photos, Kind::Number, narrow, 0},
+    {"imagesize_middle", "中图长边", photos, Kind::Number, narrow, 0},
+    {"imagesize_big", "大图长边", photos, Kind::Number, narrow, 0},
+    {"picpathnew", "照片路径", paths, Kind::Path, widest, 0},
 };
 
 QVector<OrderField> made()
@@ -116,7 +116,7 @@ OrderField other(const QString &key)
     // A telephone number is one under any name.
     const bool isPhone = key.contains(QLatin1String("phone"), Qt::CaseInsensitive) ||
                          key.contains(QLatin1String("mobile"), Qt::CaseInsensitive);
-    return {key, key, otherGroup(), isPhone ? Kind::Phone : Kind::Text, medium, false};
+    return {key, key, otherGroup(), isPhone ? Kind::Phone : Kind::Text, medium, 0};
 }
 
 QString otherGroup()

@@ -29,8 +29,8 @@ struct OrderField
     QString heading;
     QString group; ///< what it belongs to, for lists of fields
     Kind kind = Kind::Text;
-    int width = 0;        ///< design pixels
-    bool atFirst = false; ///< shown until the user says otherwise
+    int width = 0;   ///< design pixels
+    int atFirst = 0; ///< place among those that are shown until the user says otherwise; 0: none
 };
 
 /// Positions of fields that others are derived from, or that the browser itself needs.

@@ -199,6 +199,7 @@ OrderListing read(const QJsonObject &reply, const orderqueries::SearchedBranch &
             ++listing.unreadable;
     }
     tellKinds(&listing);
+    listing.folders = orderfolders::read(reply, branch);
     return listing;
 }
 
@@ -214,6 +215,7 @@ OrderListing merged(const QVector<OrderListing> &listings)
         all.unreadable += listing.unreadable;
         all.openYpml = listing.openYpml;
         all.delYp = listing.delYp;
+        all.folders += listing.folders;
         collector.add(listing);
     }
     tellKinds(&all);

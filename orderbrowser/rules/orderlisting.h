@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/context/orderidentity.h"
+#include "net/orderfolders.h"
 #include "net/orderqueries.h"
 #include "orderbrowser/rules/orderfields.h"
 
@@ -28,6 +29,7 @@ struct OrderListing
     /// orderfields::known(), and behind them the members that the program does not know.
     QVector<orderfields::OrderField> fields = orderfields::known();
     QVector<BrowsedOrder> orders;
+    QVector<orderfolders::OrderFolder> folders; ///< where the files of its orders lie
 
     QString value(int order, int field) const { return orders.at(order).values.value(field); }
     int rowOf(const OrderIdentity &identity) const;

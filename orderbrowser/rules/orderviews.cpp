@@ -33,13 +33,13 @@ OrderView viewOf(const char *name, const char *keys)
 const QVector<OrderView> &comingAlong()
 {
     static const QVector<OrderView> views = [] {
-        QStringList atFirst;
+        QMap<int, QString> atFirst;
         for (const orderfields::OrderField &field : orderfields::known()) {
-            if (field.atFirst)
-                atFirst.append(field.key);
+            if (field.atFirst > 0)
+                atFirst.insert(field.atFirst, field.key);
         }
         return QVector<OrderView>{
-            viewOf(QStringLiteral("默认"), atFirst),
+            viewOf(QStringLiteral("默认"), atFirst.values()),
             viewOf("前台",
                    "orderpayforkey mname wname mphone wphone comboname order_price shotdate "
                    "sampledate pickuptime #days #state isurgent"),

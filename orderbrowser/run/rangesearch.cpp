@@ -48,7 +48,7 @@ void RangeSearch::take(const ServiceReply &reply, int position)
 {
     if (!reply.isSuccess()) {
         cancel();
-        emit finished(reply);
+        emit finished(reply, {});
         return;
     }
     listings_[position] = std::any_cast<const OrderListing &>(reply.made);
@@ -64,7 +64,6 @@ void RangeSearch::mergeAll()
         merging_.only([this](const OrderListing &all) {
             ServiceReply reply;
             reply.outcome = ServiceReply::Outcome::Success;
-            reply.made = all;
-            emit finished(reply);
+            emit finished(reply, all);
         }));
 }

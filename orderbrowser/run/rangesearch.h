@@ -29,8 +29,8 @@ public:
 signals:
     /// So many requests of so many are answered.
     void progressed(int answered, int requests);
-    /// The first failure, or success with an OrderListing as what was made of it.
-    void finished(const ServiceReply &reply);
+    /// The first failure, or success with what all of them found.
+    void finished(const ServiceReply &reply, const OrderListing &listing);
 
 private:
     void ask(const orderqueries::OrderSearch &search, int position);

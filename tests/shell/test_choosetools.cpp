@@ -3,6 +3,7 @@
 #include "app/shell/toolcardwidget.h"
 #include "tests/support/text.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QPointer>
 #include <QSignalSpy>
@@ -65,6 +66,15 @@ private slots:
             if (window->windowTitle() != "分件工具"_s)
                 QCOMPARE(window->windowTitle(), tool.label);
         }
+    }
+
+    void offersTheOrderBrowser()
+    {
+        const auto *button = launcher_->findChild<QAbstractButton *>("orderListButton"_s);
+        QCOMPARE(button->text(), "订单列表"_s);
+        QCOMPARE(button->shortcut(), QKeySequence("Ctrl+L"_s));
+        const std::unique_ptr<QWidget> window(orderBrowser().makeWindow());
+        QCOMPARE(window->windowTitle(), button->text());
     }
 
     void opensOnDoubleClick()

@@ -68,6 +68,16 @@ public:
     void showBranch();
     /// For what the search bar says.
     void search();
+    /// The answer to a search that Ways::search sent past the branch session: of a good one with
+    /// the list that setReader()'s \a take takes, and where the files of its orders lie.
+    template <typename List>
+    void answer(ServiceReply reply, const List &list,
+                const QVector<orderfolders::OrderFolder> &folders)
+    {
+        if (reply.isSuccess())
+            reply.made = Made<List>{list, folders};
+        onSearched(reply);
+    }
     /// The latest search once more, in silence. False, and nothing happens, while there is a search
     /// or no branch.
     bool refresh();

@@ -144,6 +144,41 @@ OrderSearch OrderSearchBar::search() const
     return search;
 }
 
+void OrderSearchBar::addRangeEnd()
+{
+    rangeEnd_ = new DatePicker(QStringLiteral("至（可不选）"), this);
+    rangeEnd_->setObjectName(QStringLiteral("rangeEnd"));
+    rangeEnd_->setMinimumWidth(theme::narrowestInput());
+    auto *row = static_cast<QBoxLayout *>(searchRow_->layout());
+    row->insertWidget(row->indexOf(searchButton_), rangeEnd_, 1);
+    setTabOrder(completionDate_, rangeEnd_);
+    connect(rangeEnd_, &DatePicker::entered, this, &OrderSearchBar::requestSearch);
+    showInputFor(currentType());
+}
+
+QDate OrderSearchBar::rangeEnd() const
+{
+    return rangeEnd_ && inputFor(currentType()) != keywordEdit_ ? rangeEnd_->chosenDate() : QDate();
+}
+
+void OrderSearchBar::showSearch(const OrderSearch &search, const QDate &rangeEnd,
+                                const QString &personId)
+{
+    keywordEdit_->setText(search.text);
+    const auto show = [](DatePicker *picker, const QDate &date) {
+        if (picker && date.isValid())
+            picker->choose(date);
+        else if (picker)
+            picker->reset();
+    };
+    show(shootingDate_, search.shootingDate);
+    show(selectionDate_, search.selectionDate);
+    show(completionDate_, search.completionDate);
+    show(rangeEnd_, rangeEnd);
+    typeBox_->setCurrentIndex(qMax(0, typeBox_->findData(search.type)));
+    personToChoose_ = personId;
+}
+
 void OrderSearchBar::resetKeyword()
 {
     keywordEdit_->clear();
@@ -200,7 +235,9 @@ void OrderSearchBar::setPersons(const QVector<orderqueries::Person> &persons)
 {
     if (!personBox_)
         return;
-    const QString chosen = personId();
+    const QString chosen = personToChoose_.isEmpty() ? personId() : personToChoose_;
+    if (!persons.isEmpty())
+        personToChoose_.clear();
     personBox_->clear();
     personBox_->addItem(QStringLiteral("全部"), QString::fromLatin1(""));
     for (const orderqueries::Person &person : persons)
@@ -295,6 +332,8 @@ void OrderSearchBar::showInputFor(int type)
     const auto inputs = searchInputs();
     for (QWidget *input : inputs)
         input->setVisible(input == wanted);
+    if (rangeEnd_)
+        rangeEnd_->setVisible(wanted != keywordEdit_);
     arrange();
 }
 

@@ -29,7 +29,15 @@ public:
     void searchByCompletion(const QString &keywordPrompt);
     /// A caption for the branches.
     void captionBranches(const QString &text);
+    /// Adds a second date to those that are searched by: the last day of a range.
+    void addRangeEnd();
     orderqueries::OrderSearch search() const;
+    /// Invalid without a second date, and when the search is by text.
+    QDate rangeEnd() const;
+    /// Shows what was searched for before; the person is chosen as soon as the branch's persons are
+    /// listed.
+    void showSearch(const orderqueries::OrderSearch &search, const QDate &rangeEnd,
+                    const QString &personId);
     /// Back to the basic information with nothing typed. Dates already chosen stay.
     void resetKeyword();
 
@@ -88,7 +96,9 @@ private:
     QBoxLayout *filterRow_;
     QLabel *branchCaption_;
     ComboBox *branchBox_;
-    ComboBox *personBox_ = nullptr; ///< only with the person filter
+    DatePicker *rangeEnd_ = nullptr; ///< only where ranges are searched
+    ComboBox *personBox_ = nullptr;  ///< only with the person filter
+    QString personToChoose_;         ///< once the persons are listed
     QBoxLayout *rows_;
     QString searchText_; ///< of the button
     bool stacked_ = false;

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "orderbrowser/rules/orderviews.h"
+#include "orderbrowser/window/orderbrowsermodel.h"
+#include "widgets/tables/tables.h"
+
+#include <QHash>
+#include <QString>
+#include <QVector>
+
+class FilterHeader;
+class QMenu;
+
+/// The table of the order browser: the orders of its model under headings that can be dragged,
+/// widened, sorted by and filtered under. Says what the user wants of them; who owns it decides.
+class BrowserTable : public EmptyStateTable
+{
+    Q_OBJECT
+
+public:
+    explicit BrowserTable(QWidget *parent = nullptr);
+    ~BrowserTable() override;
+
+    OrderBrowserModel *orders() { return &model_; }
+
+    /// Columns, widths and sorting as \a view says.
+    void showView(const OrderView &view);
+    void showFilters(const QHash<QString, QString> &filters);
+    /// The selected orders that are among \a rows stay selected, and the current cell current.
+    void showOrders(const OrderListing &listing, const QVector<int> &rows);
+
+    /// Rows with a selected cell, from above.
+    QVector<int> selectedRows() const;
+    /// Null without a current row.
+    const BrowsedOrder *currentOrder() const;
+    /// What is selected as a table for other programs: tabulators between cells, a line for a row.
+    QString selectedText() const;
+
+signals:
+    /// The user has changed columns or widths; the sorting is not told.
+    void viewChanged(const OrderView &view);
+    void sortingChanged(const QVector<OrderArrangement::Sorting> &sorting);
+    void filterTyped(const QString &key, const QString &text);
+    void selectionChangedTo(int rows);
+    /// The view is to be as it came.
+    void restoreWanted();
+    /// The context menu of a row opens.
+    void menuWanted(const QPoint &position);
+
+protected:
+    void selectionChanged(const QItemSelection &selected,
+                          const QItemSelection &deselected) override;
+
+private:
+    void applyColumns();
+    void tellColumns();
+    void showHeadingMenu(const QPoint &position);
+    void hideColumn(int column);
+    void showColumn(const QString &key);
+    void addHiddenColumns(QMenu *menu);
+    void fit(int column);
+
+    OrderBrowserModel model_;
+    FilterHeader *header_;
+    ElidedTextDelegate *paths_; ///< for columns of paths
+    OrderView view_;
+    QHash<QString, QString> filters_;
+    bool applying_ = false; ///< what the header tells is not the user's doing
+};

@@ -1,0 +1,428 @@
+#include "orderbrowser/window/orderlist.h"
+
+#include "app/context/accountcontext.h"
+#include "orderbrowser/rules/fieldfilter.h"
+#include "orderbrowser/window/browsertable.h"
+#include "orderbrowser/window/filterchips.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/frame/macwindowmanager.h"
+#include "widgets/inputs/customcheckboxnew.h"
+#include "widgets/inputs/inputs.h"
+#include "widgets/orders/orderfinder.h"
+#include "widgets/orders/ordersearchbar.h"
+#include "widgets/theme/plaintext.h"
+#include "widgets/theme/theme.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <QAction>
+#include <QBoxLayout>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QLocale>
+#include <QPushButton>
+
+namespace {
+
+constexpr int keepAfterMs = 500;
+
+QString grouped(int count)
+{
+    return QLocale(QLocale::Chinese, QLocale::China).toString(count);
+}
+
+} // namespace
+
+OrderList::OrderList(QWidget *parent)
+    : FramelessWindow(parent)
+    , store_(AccountContext::uid)
+    , searchBar_(new OrderSearchBar(this))
+    , table_(new BrowserTable(this))
+    , overlay_(new LoadingOverlay(table_))
+    , finder_(new OrderFinder(this, {&branch_, searchBar_, table_, overlay_}))
+    , chips_(new FilterChips(this))
+    , viewBox_(new ComboBox(this))
+    , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
+    , counts_(new PlainLabel(this))
+    , selected_(new PlainLabel(this))
+    , refreshed_(new PlainLabel(this))
+{
+    setWindowTitle(QStringLiteral("订单列表"));
+    keepTimer_.setSingleShot(true);
+    keepTimer_.setInterval(keepAfterMs);
+    connect(&keepTimer_, &QTimer::timeout, this, [this] { store_.write(views_); });
+    buildLayout();
+    connectSearch();
+    connectTable();
+    addKeys();
+    connect(&folderOpener_, &SharedFolderOpener::finished, this,
+            [this](bool, const QString &error) {
+                if (!error.isEmpty())
+                    Toast::show(this, error);
+            });
+    connect(this, &FramelessWindow::minimizeRequested, this,
+            [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
+    showView();
+    showCounts();
+}
+
+OrderList::~OrderList()
+{
+    disconnect(table_, nullptr, this, nullptr);
+    rangeSearch_.disconnect();
+}
+
+void OrderList::buildLayout()
+{
+    searchBar_->addPersonFilter();
+    searchBar_->addRangeEnd();
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    const int margin = theme::margin();
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setSpacing(theme::spacing());
+    layout->addWidget(searchBar_);
+    layout->addWidget(controls());
+    layout->addWidget(chips_);
+    layout->addWidget(table_, 1);
+    layout->addWidget(foot());
+    setContent(content);
+}
+
+QWidget *OrderList::controls()
+{
+    viewBox_->setObjectName(QStringLiteral("viewBox"));
+    viewBox_->setMinimumWidth(theme::narrowestChoice());
+    refreshButton_->setObjectName(QStringLiteral("refreshButton"));
+    refreshButton_->setStyleSheet(theme::secondaryButtonStyle());
+    refreshButton_->setToolTip(QStringLiteral("F5"));
+    refreshed_->setObjectName(QStringLiteral("refreshedLabel"));
+    refreshed_->setStyleSheet(theme::hintStyle());
+    auto *phones = new CustomCheckBoxNew(QStringLiteral("显示电话"), this);
+    phones->setObjectName(QStringLiteral("phonesBox"));
+    connect(phones, &QCheckBox::toggled, this, [this](bool whole) {
+        fieldvalues::Display display = table_->orders()->display();
+        display.wholePhones = whole;
+        table_->orders()->setDisplay(display);
+    });
+
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(theme::spacing());
+    auto *label = new PlainLabel(QStringLiteral("视图:"));
+    label->setBuddy(viewBox_);
+    layout->addWidget(label);
+    layout->addWidget(viewBox_);
+    layout->addWidget(phones);
+    layout->addStretch();
+    layout->addWidget(refreshed_);
+    layout->addWidget(refreshButton_);
+    return row;
+}
+
+QWidget *OrderList::foot()
+{
+    counts_->setObjectName(QStringLiteral("countLabel"));
+    selected_->setObjectName(QStringLiteral("selectedLabel"));
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(theme::margin());
+    layout->addWidget(counts_);
+    layout->addWidget(selected_);
+    layout->addStretch();
+    return row;
+}
+
+void OrderList::connectSearch()
+{
+    OrderFinder::Ways ways;
+    ways.search = [this] {
+        rangeSearch_.start(asked_, branch_.identity(),
+                           {branch_.identity().shopId, branch_.publicPath()});
+    };
+    finder_->setWays(ways);
+    finder_->setReader(&orderlistings::read, [this](const OrderListing &listing,
+                                                    OrderFinder::Search) { takeListing(listing); });
+    connect(finder_, &OrderFinder::branchSwitched, this, &OrderList::onBranchSwitched);
+    connect(finder_, &OrderFinder::branchLeft, this, [this] { takeListing({}); });
+    connect(finder_, &OrderFinder::busyChanged, this, [this](bool busy) {
+        refreshButton_->setEnabled(!busy && hasAsked_);
+        if (!busy)
+            rangeSearch_.cancel();
+    });
+    connect(&rangeSearch_, &RangeSearch::finished, this,
+            [this](const ServiceReply &reply, const OrderListing &listing) {
+                finder_->answer(reply, listing, listing.folders);
+            });
+    connect(&rangeSearch_, &RangeSearch::progressed, this, [this](int answered, int requests) {
+        if (requests < 2)
+            return;
+        overlay_->setText(QStringLiteral("正在查询订单... %1/%2 天").arg(answered).arg(requests));
+        overlay_->setProgress(answered, requests);
+    });
+    connect(searchBar_, &OrderSearchBar::searchRequested, this, &OrderList::onSearchRequested);
+    connect(searchBar_, &OrderSearchBar::branchChosen, this,
+            [this](int index) { finder_->chooseBranch(searchBar_->branchId(index)); });
+    connect(refreshButton_, &QPushButton::clicked, this, &OrderList::refresh);
+    refreshButton_->setEnabled(false);
+}
+
+void OrderList::connectTable()
+{
+    connect(&arranger_, &OrderArranger::arranged, this, &OrderList::showRows);
+    connect(table_, &BrowserTable::sortingChanged, this,
+            [this](const QVector<OrderArrangement::Sorting> &sorting) {
+                OrderView view = views_.current();
+                view.sorting = sorting;
+                changeView(view);
+                table_->showView(view);
+                arrange();
+            });
+    connect(table_, &BrowserTable::viewChanged, this, &OrderList::changeView);
+    connect(table_, &BrowserTable::restoreWanted, this, [this] {
+        views_.restoreCurrent();
+        showView();
+        arrange();
+        keepViews();
+    });
+    connect(table_, &BrowserTable::filterTyped, this, &OrderList::setFilter);
+    connect(table_, &BrowserTable::selectionChangedTo, this, &OrderList::showCounts);
+    connect(table_, &BrowserTable::menuWanted, this, [this](const QPoint &position) {
+        if (table_->currentOrder())
+            popUpActions(table_, position);
+    });
+    connect(chips_, &FilterChips::removed, this,
+            [this](const QString &key) { setFilter(key, {}); });
+    connect(chips_, &FilterChips::allRemoved, this, [this] {
+        filters_.clear();
+        showFilters();
+        arrange();
+    });
+    connect(viewBox_, qOverload<int>(&QComboBox::activated), this,
+            [this](int index) { chooseView(viewBox_->itemText(index)); });
+    connect(&store_, &ViewStore::hasRead, this, [this](const OrderViews &views) {
+        views_ = views;
+        viewsRead_ = true;
+        showView();
+        arrange();
+        restoreSearch();
+    });
+    connect(&store_, &ViewStore::hasWritten, this, [this] {
+        if (isClosingLater())
+            finishClosing();
+    });
+}
+
+void OrderList::addKeys()
+{
+    addTableAction(table_, QStringLiteral("打开目录"), QKeySequence(QStringLiteral("Ctrl+E")),
+                   [this] { openFolder(); });
+    addTableAction(table_, QStringLiteral("复制订单号"),
+                   QKeySequence(QStringLiteral("Ctrl+Shift+C")), [this] { copyNumber(); });
+    addTableAction(table_, QStringLiteral("复制所选单元格"), QKeySequence::Copy,
+                   [this] { copySelected(); });
+    auto *again = new QAction(QStringLiteral("刷新"), this);
+    again->setShortcut(Qt::Key_F5);
+    connect(again, &QAction::triggered, this, &OrderList::refresh);
+    addAction(again);
+}
+
+void OrderList::showEvent(QShowEvent *event)
+{
+    FramelessWindow::showEvent(event);
+    if (opened_)
+        return;
+    opened_ = true;
+    store_.read();
+    finder_->open();
+}
+
+FramelessWindow::CloseAnswer OrderList::closeRequested()
+{
+    finder_->cancel();
+    if (keepTimer_.isActive()) {
+        keepTimer_.stop();
+        store_.write(views_);
+    }
+    return store_.isWriting() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+}
+
+// Branch and search.
+
+void OrderList::onBranchSwitched()
+{
+    branch_.listPersons();
+    hasAsked_ = false;
+    if (restored_)
+        onSearchRequested();
+    else
+        restoreSearch();
+}
+
+/// What was asked for when the window was open before is shown, and sent when the user says so.
+void OrderList::restoreSearch()
+{
+    if (restored_ || !viewsRead_ || !branch_.isConfirmed())
+        return;
+    restored_ = true;
+    if (const auto last = views_.lastSearch(branch_.identity().shopId))
+        searchBar_->showSearch(last->search, last->until, last->personId);
+    table_->setEmptyText(QStringLiteral("按“搜索”或 Enter 查询订单；不输入文字则查询全部订单"));
+}
+
+void OrderList::onSearchRequested()
+{
+    if (branch_.isConfirmed())
+        search({searchBar_->search(), searchBar_->rangeEnd(), searchBar_->personId()});
+    else
+        finder_->confirmBranch();
+}
+
+void OrderList::search(const BrowserSearch &search)
+{
+    const QString problem = search.problem();
+    if (!problem.isEmpty()) {
+        MessageBox::warning(this, problem);
+        return;
+    }
+    asked_ = search;
+    hasAsked_ = true;
+    views_.keepSearch(branch_.identity().shopId, search);
+    keepViews();
+    finder_->search();
+}
+
+void OrderList::refresh()
+{
+    if (hasAsked_ && branch_.isConfirmed() && !searchBar_->isBusy())
+        search(asked_);
+}
+
+void OrderList::takeListing(const OrderListing &listing)
+{
+    listing_ = listing;
+    listing_.folders.clear(); // they are remembered
+    fieldvalues::Display display = table_->orders()->display();
+    display.today = QDate::currentDate();
+    table_->orders()->setDisplay(display);
+    refreshed_->setText(listing.isList
+                            ? QStringLiteral("上次刷新 %1")
+                                  .arg(QTime::currentTime().toString(QStringLiteral("HH:mm")))
+                            : QString());
+    arrange();
+}
+
+// What is shown, and how.
+
+void OrderList::arrange()
+{
+    arranger_.arrange(listing_,
+                      {views_.current().sorting, filters_, table_->orders()->display().today});
+}
+
+void OrderList::showRows(const OrderListing &listing, const QVector<int> &rows)
+{
+    table_->showOrders(listing, rows);
+    if (rows.isEmpty() && !listing.orders.isEmpty())
+        table_->setEmptyText(QStringLiteral("没有符合筛选条件的订单"));
+    showFilters();
+    showCounts();
+}
+
+void OrderList::setFilter(const QString &key, const QString &text)
+{
+    if (text.trimmed().isEmpty())
+        filters_.remove(key);
+    else
+        filters_.insert(key, text);
+    showFilters();
+    arrange();
+}
+
+void OrderList::showFilters()
+{
+    table_->showFilters(filters_);
+    QVector<FilterChips::Chip> chips;
+    for (const orderfields::OrderField &field : qAsConst(listing_.fields)) {
+        if (filters_.contains(field.key)) {
+            chips.append({field.key, QStringLiteral("%1: %2").arg(
+                                         field.heading, filters_.value(field.key).trimmed())});
+        }
+    }
+    chips_->setChips(chips);
+}
+
+void OrderList::chooseView(const QString &name)
+{
+    if (!views_.choose(name))
+        return;
+    showView();
+    arrange();
+    keepViews();
+}
+
+void OrderList::showView()
+{
+    viewBox_->clear();
+    viewBox_->addItems(views_.names());
+    viewBox_->setCurrentText(views_.current().name);
+    table_->showView(views_.current());
+}
+
+void OrderList::changeView(const OrderView &view)
+{
+    views_.changeCurrent(view);
+    keepViews();
+}
+
+/// Before they are read there is nothing of the user's to keep.
+void OrderList::keepViews()
+{
+    if (viewsRead_ && !keepTimer_.isActive())
+        keepTimer_.start();
+}
+
+void OrderList::showCounts()
+{
+    const int shown = table_->orders()->rowCount();
+    counts_->setText(
+        QStringLiteral("显示 %1 / 共 %2").arg(grouped(shown), grouped(listing_.orders.size())));
+    if (listing_.unreadable > 0) {
+        counts_->setText(counts_->text() +
+                         QStringLiteral("，%1 项无法读取").arg(grouped(listing_.unreadable)));
+    }
+    selected_->setText(QStringLiteral("已选 %1 行").arg(grouped(table_->selectedRows().size())));
+}
+
+// What is done with orders.
+
+void OrderList::openFolder()
+{
+    const BrowsedOrder *order = table_->currentOrder();
+    if (!order)
+        return;
+    const QString folder = order->values.value(orderfields::ImportPath);
+    if (folder.isEmpty())
+        Toast::show(this, QStringLiteral("该订单没有导片路径"));
+    else
+        folderOpener_.open(folder);
+}
+
+void OrderList::copyNumber()
+{
+    if (const BrowsedOrder *order = table_->currentOrder()) {
+        QGuiApplication::clipboard()->setText(order->values.value(orderfields::Number));
+        Toast::show(this, QStringLiteral("订单号已复制"));
+    }
+}
+
+void OrderList::copySelected()
+{
+    const QString text = table_->selectedText();
+    if (text.isEmpty())
+        return;
+    QGuiApplication::clipboard()->setText(text);
+    Toast::show(this, QStringLiteral("已复制 %1 行").arg(grouped(table_->selectedRows().size())));
+}

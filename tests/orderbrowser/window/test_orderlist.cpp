@@ -1,0 +1,234 @@
+#include "orderbrowser/window/browsertable.h"
+#include "orderbrowser/window/orderlist.h"
+#include "tests/support/toolwindow.h"
+#include "widgets/inputs/datepicker.h"
+#include "widgets/orders/ordersearchbar.h"
+
+#include <QAbstractItemModelTester>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
+#include <QStyleHints>
+
+namespace {
+
+constexpr int numberColumn = 0;
+const QString action = "order_list"_s;
+const QString first = "TS10001-1"_s;
+const QString second = "TS10001-2"_s;
+
+} // namespace
+
+/// The order browser against the demo service, by mouse and keys.
+class TestOrderList : public ToolWindowTest<OrderList, numberColumn>
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        logIn();
+        QFile::remove(ViewStore("9001"_s).path());
+    }
+
+    void cleanup() { endTest(); }
+
+    void searchesWhenAskedAlone()
+    {
+        open(false);
+        QTRY_COMPARE(child<QComboBox>("personBox")->count(), 5);
+        QCOMPARE(demo_.requests(action).size(), 0);
+        QTest::keyClick(child<QLineEdit>("keywordEdit"), Qt::Key_Return);
+        QTRY_VERIFY(rows() > 3);
+        const QAbstractItemModelTester tester(orders()->model());
+        const int all = rows();
+        QCOMPARE(child<QLabel>("countLabel")->text(), "显示 %1 / 共 %1"_s.arg(all));
+        QVERIFY(child<QLabel>("refreshedLabel")->text().startsWith("上次刷新 "_s));
+        demo_.clearRequests();
+        QTest::keyClick(window_, Qt::Key_F5);
+        QTRY_COMPARE(demo_.requests(action).size(), 1);
+        QTRY_VERIFY(child<QPushButton>("searchButton")->isEnabled());
+
+        // The user's own switch searches the other branch.
+        chooseBranch("102"_s);
+        QTRY_COMPARE(demo_.requests(action).size(), 2);
+        QVERIFY(
+            demo_.body(action).startsWith("keyword=&searchtype=1&role7id=&ratio=90&shopid=102"_s));
+        QTRY_VERIFY(rows() > 0);
+    }
+
+    void searchesARangeOfDates()
+    {
+        open();
+        auto *type = child<QComboBox>("searchTypeBox");
+        type->setCurrentIndex(1);
+        QVERIFY(child<DatePicker>("rangeEnd")->isVisible());
+        child<DatePicker>("shootingDate")->choose({2025, 9, 30});
+        child<DatePicker>("rangeEnd")->choose({2025, 10, 31});
+        click("searchButton");
+        EXPECT_BOXES("日期范围最多 31 天，当前为 32 天，请缩小范围"_s);
+        child<DatePicker>("rangeEnd")->choose({2025, 10, 2});
+        demo_.clearRequests();
+        click("searchButton");
+        QTRY_COMPARE(rows(), 2);
+        QCOMPARE(demo_.requests(action).size(), 3);
+
+        // It is there again at the next opening, and waits.
+        window_->close();
+        delete window_;
+        diskPool().waitForDone();
+        demo_.clearRequests();
+        open(false);
+        QTRY_COMPARE(child<QComboBox>("searchTypeBox")->currentIndex(), 1);
+        QCOMPARE(child<DatePicker>("rangeEnd")->chosenDate(), QDate(2025, 10, 2));
+        QCOMPARE(demo_.requests(action).size(), 0);
+        click("searchButton");
+        QTRY_COMPARE(rows(), 2);
+    }
+
+    void keepsWhatItShowsWhenASearchFails()
+    {
+        open();
+        const int before = rows();
+        demo_.refuse(action, "系统维护"_s);
+        QTest::keyClick(window_, Qt::Key_F5);
+        EXPECT_BOXES("系统维护"_s);
+        QCOMPARE(rows(), before);
+        child<QLineEdit>("keywordEdit")->setText("没有这个人"_s);
+        click("searchButton");
+        EXPECT_BOXES("未检索到订单"_s);
+        QTRY_COMPARE(rows(), 0);
+    }
+
+    void filtersAndSorts()
+    {
+        open();
+        const int all = rows();
+        auto *filter = child<QLineEdit>("filter0");
+        filter->setFocus();
+        QTest::keyClicks(filter, "ts10001"_s);
+        QTRY_COMPARE(rows(), 2);
+        QCOMPARE(child<QLabel>("countLabel")->text(), "显示 2 / 共 %1"_s.arg(all));
+        QTest::keyClick(filter, Qt::Key_Down);
+        QVERIFY(orders()->hasFocus());
+
+        clickHeading(0);
+        QTRY_COMPARE(orders()->model()->index(0, 0).data().toString(), first);
+        QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+        clickHeading(0);
+        QTRY_COMPARE(orders()->model()->index(0, 0).data().toString(), second);
+
+        QTest::mouseClick(child<QPushButton>("chip_orderpayforkey"), Qt::LeftButton);
+        QTRY_COMPARE(rows(), all);
+        QVERIFY(filter->text().isEmpty());
+    }
+
+    void keepsTheSelectionThroughFilters()
+    {
+        open();
+        select(second);
+        QTest::keyClicks(child<QLineEdit>("filter0"), "10001"_s);
+        QTRY_COMPARE(rows(), 2);
+        QCOMPARE(child<QLabel>("selectedLabel")->text(), "已选 1 行"_s);
+        QCOMPARE(table()->currentOrder()->identity.orderPhotoId, "800002"_s);
+    }
+
+    void masksPhonesUntilTheyAreWanted()
+    {
+        open();
+        const int column = table()->orders()->columnOf("mphone"_s);
+        QVERIFY(text(first, column).contains("****"_s));
+        orders()->selectionModel()->setCurrentIndex(cell(first, column),
+                                                    QItemSelectionModel::ClearAndSelect);
+        QTest::keyClick(orders(), Qt::Key_C, Qt::ControlModifier);
+        QVERIFY(QGuiApplication::clipboard()->text().contains("****"_s));
+        QTest::mouseClick(child<QCheckBox>("phonesBox"), Qt::LeftButton);
+        QVERIFY(!text(first, column).contains("****"_s));
+    }
+
+    void hidesColumnsAndBringsThemBack()
+    {
+        open();
+        const int columns = table()->orders()->columnCount();
+        chooseInMenu("隐藏此列"_s);
+        QCOMPARE(table()->orders()->columnCount(), columns - 1);
+        QCOMPARE(table()->orders()->columnOf("orderpayforkey"_s), -1);
+        chooseInMenu("deposit"_s); // what the program does not know
+        QCOMPARE(table()->orders()->columnOf("deposit"_s), columns - 1);
+        QVERIFY(table()->orders()->index(0, columns - 1).data().toString().startsWith("1,"_s));
+        chooseInMenu("恢复此视图"_s);
+        QCOMPARE(table()->orders()->columnCount(), columns);
+        QCOMPARE(table()->orders()->columnOf("orderpayforkey"_s), 0);
+    }
+
+    void keepsColumnsAndWidthsOfAView()
+    {
+        open();
+        auto *view = child<QComboBox>("viewBox");
+        view->setCurrentText("后期"_s);
+        emit view->activated(view->currentIndex());
+        QTRY_VERIFY(table()->orders()->columnOf("tiaosename"_s) > 0);
+        QHeaderView *header = orders()->horizontalHeader();
+        header->moveSection(0, 2);
+        header->resizeSection(1, 333);
+        const QString moved = table()->orders()->field(0).key;
+        const QString widened = table()->orders()->field(1).key;
+        window_->close();
+        delete window_;
+        diskPool().waitForDone();
+
+        open();
+        QCOMPARE(child<QComboBox>("viewBox")->currentText(), "后期"_s);
+        QCOMPARE(table()->orders()->columnOf(moved), 2);
+        QVERIFY(qAbs(orders()->columnWidth(table()->orders()->columnOf(widened)) - 333) <= 2);
+    }
+
+private:
+    /// With all orders when \a search says so.
+    void open(bool search = true)
+    {
+        show(new OrderList, 0);
+        QTRY_VERIFY(child<QComboBox>("personBox")->count() > 1);
+        QTRY_VERIFY(!table()->emptyText().isEmpty() && table()->emptyText() != "请重新搜索"_s);
+        if (!search)
+            return;
+        QTest::keyClick(child<QLineEdit>("keywordEdit"), Qt::Key_Return);
+        QTRY_VERIFY(rows() > 3);
+    }
+
+    BrowserTable *table() { return static_cast<BrowserTable *>(orders()); }
+    int rows() { return orders()->model()->rowCount(); }
+    /// In the context menu of the first heading, or one below it.
+    void chooseInMenu(const QString &text)
+    {
+        emit orders()->horizontalHeader()->customContextMenuRequested({20, 10});
+        const auto menus = orders()->findChildren<QMenu *>();
+        for (const QMenu *menu : menus) {
+            const auto actions = menu->actions();
+            for (QAction *action : actions) {
+                if (action->text() == text) {
+                    action->trigger();
+                    delete child<QMenu>("headingMenu");
+                    return;
+                }
+            }
+        }
+        qFatal("no %s", qPrintable(text));
+    }
+    void clickHeading(int column)
+    {
+        QHeaderView *header = orders()->horizontalHeader();
+        QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                          {header->sectionViewportPosition(column) + 20, 10});
+    }
+};
+
+QTEST_MAIN(TestOrderList)
+#include "test_orderlist.moc"
