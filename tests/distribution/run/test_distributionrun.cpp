@@ -367,7 +367,7 @@ private slots:
         const OrderIdentity identity{"101"_s, {}, order(1).orderPhotoId};
         QString tool;
         connect(run_.get(), &DistributionRun::resultCounted, this,
-                [&] { tool = ordersatwork::toolAt(identity); });
+                [found = &tool, identity] { *found = ordersatwork::toolAt(identity); });
         const RunSettings wanted = settings(Type::DownloadDelivery, "f"_s);
         {
             const ordersatwork::Claim claim({identity}, "批量删除"_s);
