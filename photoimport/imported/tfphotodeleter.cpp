@@ -2,6 +2,7 @@
 
 #include "photoimport/orders/tforderlistmodel.h"
 #include "widgets/boxes/confirmdialog.h"
+#include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/windows/loadingoverlay.h"
@@ -18,6 +19,7 @@ tfphotodeleter::tfphotodeleter(QWidget *window, tforderlistmodel *orders, Loadin
 {
     connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this,
             &tfphotodeleter::onPhotosDeleted);
+    connect(&deletion_, &tfphotodeletion::unanswered, this, &tfphotodeleter::onUnanswered);
     connect(&deletion_, &tfphotodeletion::refused, this, &tfphotodeleter::onRefused);
     connect(&deletion_, &tfphotodeletion::removed, this, &tfphotodeleter::removed);
 }
@@ -76,6 +78,25 @@ void tfphotodeleter::onPhotosDeleted(const DeletionRequest &deleted)
     orders_->forgetDeleted(orders_->rowOf(deleted.orderId), deleted.ids, deleted.names);
     emit answered(deleted.orderId);
     Toast::show(window_, QStringLiteral("删除成功"));
+}
+
+QString tfphotodeleter::closingQuestion()
+{
+    return QStringLiteral("正在删除已导入的照片，关闭后会继续删除，"
+                          "服务端不再响应时放弃并列出照片，确认要关闭吗？");
+}
+
+/// What may be left on disk without the service knowing must not be lost with the window.
+void tfphotodeleter::onUnanswered(const DeletionRequest &request)
+{
+    overlay_->hideOverlay();
+    const QString heading =
+        QStringLiteral("订单 %1 的删除请求没有得到答复，服务端是否已经删除尚不确定。\n"
+                       "磁盘上的文件没有删除。请重新搜索订单，核对以下照片：")
+            .arg(request.orderName);
+    MessageBox::warning(window_->isVisible() ? window_ : nullptr,
+                        BoxText(heading, request.names).copyable());
+    emit unanswered(request.orderId);
 }
 
 void tfphotodeleter::onRefused(const DeletionRequest &request, const ServiceReply &reply)

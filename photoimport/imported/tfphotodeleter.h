@@ -30,6 +30,8 @@ public:
                       const orderqueries::Identity &identity);
     /// Gives up asking the service; what it has agreed to goes on. False when nothing was asked.
     bool cancel();
+    /// What to ask before the window closes while this isActive().
+    static QString closingQuestion();
     /// Whether the service is being asked or files are being removed.
     bool isActive() const { return deletion_.isActive(); }
 
@@ -38,12 +40,15 @@ signals:
     void asking();
     /// The service has answered; what it agreed to is off the list.
     void answered(const OrderIdentity &orderId);
+    /// It has not, and the user was told: its books are to be looked at again.
+    void unanswered(const OrderIdentity &orderId);
     /// The files are gone from the disk.
     void removed();
 
 private:
     void start(const DeletionRequest &request, const orderqueries::Identity &identity);
     void onPhotosDeleted(const DeletionRequest &deleted);
+    void onUnanswered(const DeletionRequest &request);
     void onRefused(const DeletionRequest &request, const ServiceReply &reply);
 
     QWidget *window_;

@@ -51,6 +51,7 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
         return false;
     }
     asking_ = true;
+    request_ = request;
     call_.start(photorequests::deletionAction(request.photoMode),
                 photorequests::deletionBody(request.orderId.orderPhotoId, request.ids, identity),
                 [this, request](const ServiceReply &reply) { onReply(request, reply); });
@@ -71,6 +72,7 @@ bool tfphotodeletion::cancel()
     if (!std::exchange(asking_, false))
         return false;
     claim_.release();
+    emit unanswered(request_);
     return true;
 }
 
@@ -79,7 +81,10 @@ void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply
     asking_ = false;
     if (!reply.isSuccess()) {
         claim_.release();
-        emit refused(request, reply);
+        if (reply.outcome == ServiceReply::Outcome::NoAnswer)
+            emit unanswered(request);
+        else
+            emit refused(request, reply);
         return;
     }
     thread_->setDelPhotos(request.paths, request.folder);

@@ -40,7 +40,8 @@ public:
     /// False, and nothing happens, while another deletion is under way; false and refused() for an
     /// order of another branch, or one that another tool has in hand.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
-    /// Gives up asking the service; what it has agreed to goes on. False when nothing was asked.
+    /// Gives up asking the service, which is then unanswered(); what it has agreed to goes on. False
+    /// when nothing was asked.
     bool cancel();
     bool isActive() const { return asking_ || isRemoving(); }
     bool isRemoving() const;
@@ -48,6 +49,9 @@ public:
 signals:
     /// The service agreed; the files are being removed.
     void selectedPhotosDeleted(const DeletionRequest &deleted);
+    /// The service was asked and has not answered: it may have deleted the photos or not. The files
+    /// are untouched.
+    void unanswered(const DeletionRequest &request);
     /// Nothing was deleted.
     void refused(const DeletionRequest &request, const ServiceReply &reply);
     /// The files are gone from the disk.
@@ -59,6 +63,7 @@ private:
 
     LatestCall call_;
     TFDelLocalPhotoImg *thread_;
+    DeletionRequest request_; ///< the last
     bool asking_ = false;
     ordersatwork::Claim claim_; ///< while isActive()
 };

@@ -81,8 +81,7 @@ tfhome::tfhome(QWidget *parent)
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
         chooser_->cancel();
         overlay_->hideOverlay();
-        if (deleter_->cancel())
-            orderPanel_->refreshImportCounts(); // whether the service has deleted them is not known
+        deleter_->cancel();
     });
     connectOrders();
     connectPhotos();
@@ -211,6 +210,12 @@ void tfhome::connectDeleter()
     connect(deleter_, &tfphotodeleter::answered, this, [this](const OrderIdentity &orderId) {
         if (orderId == shownOrderId_)
             showSelectedOrder(); // which asks for the thumbnails that are missing now
+        endClosing();
+    });
+    connect(deleter_, &tfphotodeleter::unanswered, this, [this](const OrderIdentity &orderId) {
+        if (orderId == shownOrderId_)
+            showSelectedOrder();
+        orderPanel_->refreshImportCounts();
         endClosing();
     });
     connect(deleter_, &tfphotodeleter::removed, this, &tfhome::endClosing);
@@ -447,10 +452,19 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
 
 FramelessWindow::CloseAnswer tfhome::closeRequested()
 {
-    if (run_.isBusy() &&
-        !agreedToClose(closeQuestion(run_.isImporting(), run_.pendingRegistrations()),
-                       run_.isImporting() ? QStringLiteral("import")
-                                          : QStringLiteral("registrations")))
+    QStringList questions;
+    QStringList subjects;
+    if (run_.isBusy()) {
+        questions << closeQuestion(run_.isImporting(), run_.pendingRegistrations());
+        subjects << (run_.isImporting() ? QStringLiteral("import")
+                                        : QStringLiteral("registrations"));
+    }
+    if (deleter_->isActive()) {
+        questions << tfphotodeleter::closingQuestion();
+        subjects << QStringLiteral("deletion");
+    }
+    if (!questions.isEmpty() &&
+        !agreedToClose(questions.join(QLatin1Char('\n')), subjects.join(QLatin1Char(' '))))
         return CloseAnswer::Refuse;
     chooser_->cancel();
     if (run_.isImporting())

@@ -314,6 +314,36 @@ private slots:
         }
     }
 
+    void deletionsWithoutAnAnswer()
+    {
+        openWith(2);
+        importShown();
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "2"_s);
+        const auto unknown = [](const QString &box) {
+            return box.contains("服务端是否已经删除尚不确定"_s) && box.endsWith("IMG_0.jpg"_s);
+        };
+        const auto deleteOne = [this] {
+            photos()->setCurrentIndex(photos()->model()->index(1, 0));
+            MessageBox::setNextAnswer(QMessageBox::Ok);
+            pressAmongPhotos(Qt::Key_Delete);
+            EXPECT_BOX_THAT(box.startsWith("确认要删除选中的 1 个文件吗？"_s));
+        };
+        demo_.misbehave("delimages"_s, "drop"_s);
+        deleteOne();
+        EXPECT_BOX_THAT(unknown(box));
+
+        demo_.hold("delimages"_s);
+        deleteOne();
+        waitUntilHeld();
+        window_->close(); // the safe answer keeps it open
+        EXPECT_BOX_THAT(box.startsWith("正在删除已导入的照片，"_s));
+        QVERIFY(window_->isVisible());
+        QTest::keyClick(window_->findChild<LoadingOverlay *>(), Qt::Key_Escape);
+        EXPECT_BOX_THAT(unknown(box));
+        QVERIFY(QFile::exists(imported(first_, "all/IMG_0.jpg"_s)));
+        demo_.release();
+    }
+
     void videosGoTheirOwnWay()
     {
         open();
