@@ -40,8 +40,8 @@ public:
     /// False, and nothing happens, while another deletion is under way; false and refused() for an
     /// order of another branch, or one that another tool has in hand.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
-    /// Gives up asking the service, which is then unanswered(); what it has agreed to goes on. False
-    /// when nothing was asked.
+    /// Gives up asking the service, which is then unanswered(); what it has agreed to goes on.
+    /// False when nothing was asked.
     bool cancel();
     bool isActive() const { return asking_ || isRemoving(); }
     bool isRemoving() const;
