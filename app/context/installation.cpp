@@ -29,7 +29,7 @@ QString serviceAddress(const QStringList &said)
             return address;
         qCWarning(lcTessavo) << "no address of a service:" << text;
     }
-    return QStringLiteral(TESSAVO_DEFAULT_SERVICE_URL);
+    return QString::fromUtf8(TESSAVO_DEFAULT_SERVICE_URL);
 }
 
 /// A path in the file is meant from where the file lies, wherever the program is started.

@@ -136,7 +136,7 @@ private slots:
         qputenv("TESSAVO_CA_FILE", set.at(1));
         qputenv("TESSAVO_TLS_VERIFY", set.at(2));
         const Installation read = Installation::read(ini.fileName());
-        const bool compiledIn = read.serviceUrl == QStringLiteral(TESSAVO_DEFAULT_SERVICE_URL);
+        const bool compiledIn = read.serviceUrl == QString::fromUtf8(TESSAVO_DEFAULT_SERVICE_URL);
         QString told = "%1|%2|%3"_s.arg(compiledIn ? "-"_s : read.serviceUrl,
                                         read.caFiles.join(QLatin1Char(' ')),
                                         QString::number(int(read.verifiesCertificates)));
