@@ -242,6 +242,7 @@ void BrowserTable::showHeadingMenu(const QPoint &position)
     connect(menu, &QObject::destroyed, hidden, &QObject::deleteLater);
     addHiddenColumns(hidden);
     menu->addMenu(hidden)->setEnabled(!hidden->isEmpty());
+    menu->addAction(QStringLiteral("列设置..."), this, &BrowserTable::columnsWanted);
     menu->addAction(QStringLiteral("恢复此视图"), this, &BrowserTable::restoreWanted);
     menu->popup(header_->viewport()->mapToGlobal(position));
 }

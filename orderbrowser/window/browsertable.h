@@ -42,6 +42,8 @@ signals:
     void sortingChanged(const QVector<OrderArrangement::Sorting> &sorting);
     void filterTyped(const QString &key, const QString &text);
     void selectionChangedTo(int rows);
+    /// The user wants to arrange the columns.
+    void columnsWanted();
     /// The view is to be as it came.
     void restoreWanted();
     /// The context menu of a row opens.

@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "orderbrowser/rules/fieldfilter.h"
 #include "orderbrowser/window/browsertable.h"
+#include "orderbrowser/window/columndialog.h"
 #include "orderbrowser/window/filterchips.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"
@@ -114,6 +115,11 @@ QWidget *OrderList::controls()
     label->setBuddy(viewBox_);
     layout->addWidget(label);
     layout->addWidget(viewBox_);
+    auto *columns = new QPushButton(QStringLiteral("列设置"));
+    columns->setObjectName(QStringLiteral("columnsButton"));
+    columns->setStyleSheet(theme::secondaryButtonStyle());
+    connect(columns, &QPushButton::clicked, this, &OrderList::arrangeColumns);
+    layout->addWidget(columns);
     layout->addWidget(phones);
     layout->addStretch();
     layout->addWidget(refreshed_);
@@ -181,6 +187,7 @@ void OrderList::connectTable()
                 arrange();
             });
     connect(table_, &BrowserTable::viewChanged, this, &OrderList::changeView);
+    connect(table_, &BrowserTable::columnsWanted, this, &OrderList::arrangeColumns);
     connect(table_, &BrowserTable::restoreWanted, this, [this] {
         views_.restoreCurrent();
         showView();
@@ -369,6 +376,18 @@ void OrderList::showView()
     viewBox_->addItems(views_.names());
     viewBox_->setCurrentText(views_.current().name);
     table_->showView(views_.current());
+}
+
+void OrderList::arrangeColumns()
+{
+    auto *dialog = new ColumnDialog(this, views_, table_->orders()->listing().fields);
+    connect(dialog, &ColumnDialog::chosen, this, [this](const OrderViews &views) {
+        views_ = views;
+        showView();
+        arrange();
+        keepViews();
+    });
+    dialog->open();
 }
 
 void OrderList::changeView(const OrderView &view)

@@ -53,6 +53,7 @@ private:
     void showFilters();
     void chooseView(const QString &name);
     void showView();
+    void arrangeColumns();
     void changeView(const OrderView &view);
     void keepViews();
 

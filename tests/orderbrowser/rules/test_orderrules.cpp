@@ -1,3 +1,4 @@
+#include "orderbrowser/rules/columnchoice.h"
 #include "orderbrowser/rules/fieldfilter.h"
 #include "orderbrowser/rules/fieldvalues.h"
 #include "orderbrowser/rules/orderarrangement.h"
@@ -270,6 +271,25 @@ private slots:
         QCOMPARE(sorting, (QVector<OrderArrangement::Sorting>{{"a"_s, Qt::DescendingOrder},
                                                               {"b"_s, Qt::AscendingOrder}}));
         QCOMPARE(clicked(sorting, "b"_s, false).size(), 1);
+    }
+
+    void choosesColumns()
+    {
+        using namespace columnchoice;
+        const auto keys = [](const Columns &columns) {
+            return OrderView{{}, columns, {}}.keys().join(QString());
+        };
+        const Columns columns{{"a"_s, 7}, {"b"_s, 8}, {"c"_s, 9}, {"d"_s, 0}};
+        QCOMPARE(keys(added(columns, {"x"_s, "b"_s, "y"_s}, 1)), "axybcd"_s);
+        QCOMPARE(keys(removed(columns, {"a"_s, "c"_s})), "bd"_s);
+        QCOMPARE(keys(removed(columns, {"a"_s, "b"_s, "c"_s, "d"_s})), "a"_s);
+        QCOMPARE(keys(moved(columns, {"b"_s, "c"_s}, false)), "bcad"_s);
+        QCOMPARE(keys(moved(columns, {"b"_s, "d"_s}, true)), "acbd"_s);
+        QCOMPARE(arranged(columns, {"c"_s, "x"_s, "c"_s, "a"_s}),
+                 (Columns{{"c"_s, 9}, {"x"_s, 0}, {"a"_s, 7}}));
+        const auto free = available(orderfields::known(), {{"mphone"_s, 0}}, " 电话"_s);
+        QCOMPARE(free.size(), 1);
+        QCOMPARE(free.first().key, "wphone"_s);
     }
 
     void keepsViewsAndSearches()

@@ -5,14 +5,15 @@
 #include "widgets/orders/ordersearchbar.h"
 
 #include <QAbstractItemModelTester>
+#include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
-#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
 #include <QStyleHints>
@@ -121,7 +122,7 @@ private slots:
 
         clickHeading(0);
         QTRY_COMPARE(orders()->model()->index(0, 0).data().toString(), first);
-        QTest::qWait(QGuiApplication::styleHints()->mouseDoubleClickInterval() + 50);
+        QTest::qWait(QApplication::styleHints()->mouseDoubleClickInterval() + 50);
         clickHeading(0);
         QTRY_COMPARE(orders()->model()->index(0, 0).data().toString(), second);
 
@@ -148,7 +149,7 @@ private slots:
         orders()->selectionModel()->setCurrentIndex(cell(first, column),
                                                     QItemSelectionModel::ClearAndSelect);
         QTest::keyClick(orders(), Qt::Key_C, Qt::ControlModifier);
-        QVERIFY(QGuiApplication::clipboard()->text().contains("****"_s));
+        QVERIFY(QApplication::clipboard()->text().contains("****"_s));
         QTest::mouseClick(child<QCheckBox>("phonesBox"), Qt::LeftButton);
         QVERIFY(!text(first, column).contains("****"_s));
     }
@@ -166,6 +167,45 @@ private slots:
         chooseInMenu("恢复此视图"_s);
         QCOMPARE(table()->orders()->columnCount(), columns);
         QCOMPARE(table()->orders()->columnOf("orderpayforkey"_s), 0);
+    }
+
+    void makesAViewOfTheUsersOwn()
+    {
+        open();
+        click("columnsButton");
+        child<QLineEdit>("viewNameEdit")->setText("前台"_s);
+        click("copyViewButton");
+        QTRY_COMPARE(Toast::currentText(child<QLineEdit>("viewNameEdit")), "已有同名视图"_s);
+        child<QLineEdit>("viewNameEdit")->setText("我的视图"_s);
+        click("copyViewButton");
+        QCOMPARE(child<QComboBox>("dialogViewBox")->currentText(), "我的视图"_s);
+
+        // What only this studio's service sends comes first, the paths go.
+        child<QLineEdit>("fieldSearchEdit")->setText("其他"_s);
+        auto *available = child<QListWidget>("availableList");
+        QVERIFY(available->count() >= 4);
+        available->setCurrentItem(available->findItems("deposit"_s, Qt::MatchStartsWith).first());
+        auto *shown = child<QListWidget>("shownList");
+        shown->setCurrentRow(0);
+        click("addColumnButton");
+        QApplication::setActiveWindow(shown->window());
+        shown->setFocus();
+        QTest::keyClick(shown, Qt::Key_Up, Qt::AltModifier);
+        shown->clearSelection();
+        shown->setCurrentItem(shown->findItems("导片路径"_s, Qt::MatchExactly).first());
+        QTest::keyClick(shown, Qt::Key_Delete);
+        click("acceptButton");
+        QTRY_COMPARE(table()->orders()->columnOf("deposit"_s), 0);
+        QCOMPARE(table()->orders()->columnOf("netpath"_s), -1);
+        QCOMPARE(child<QComboBox>("viewBox")->currentText(), "我的视图"_s);
+
+        // A drop changes places as well; without agreement nothing does.
+        click("columnsButton");
+        shown = child<QListWidget>("shownList");
+        shown->insertItem(3, shown->takeItem(0));
+        QTRY_COMPARE(shown->item(3)->text(), "deposit"_s);
+        click("cancelButton");
+        QCOMPARE(table()->orders()->columnOf("deposit"_s), 0);
     }
 
     void keepsColumnsAndWidthsOfAView()
