@@ -15,6 +15,16 @@ public:
     /// Position of the order; -1 when it is not listed.
     int rowOf(const OrderIdentity &order) const { return rows_.value(order, -1); }
 
+    /// The same by the order's photo set alone; an empty one is nobody's.
+    int rowOfPhotoSet(const QString &orderPhotoId) const
+    {
+        for (auto it = rows_.cbegin(); it != rows_.cend(); ++it) {
+            if (!orderPhotoId.isEmpty() && it.key().orderPhotoId == orderPhotoId)
+                return it.value();
+        }
+        return -1;
+    }
+
 protected:
     using RecordTable<Order, Shown>::RecordTable;
 

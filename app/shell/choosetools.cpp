@@ -17,8 +17,6 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace {
 
 QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
@@ -33,7 +31,9 @@ QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
 } // namespace
 
 ChooseTools::ChooseTools(QWidget *parent, const QVector<Tool> &tools)
-    : FramelessWindow(parent), tools_(tools)
+    : FramelessWindow(parent)
+    , tools_(tools)
+    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser()}))
 {
     setWindowTitle(QStringLiteral("Tessavo"));
     titleBar()->setPlain(true);
@@ -112,7 +112,7 @@ QWidget *ChooseTools::footer()
     orders->setStyleSheet(theme::secondaryButtonStyle());
     orders->setShortcut(QKeySequence(QStringLiteral("Ctrl+L")));
     orders->setToolTip(QStringLiteral("Ctrl+L"));
-    connect(orders, &QPushButton::clicked, this, [this] { open(orderBrowser()); });
+    connect(orders, &QPushButton::clicked, this, [this] { windows_->open(orderBrowser().label); });
     layout->addWidget(orders);
     layout->addStretch();
     layout->addWidget(label(QStringLiteral("版本信息：") + AccountContext::appVersion,
@@ -139,27 +139,7 @@ void ChooseTools::onToolClicked()
 
 void ChooseTools::onToolDoubleClicked(const QString &name)
 {
-    const auto tool = std::find_if(tools_.cbegin(), tools_.cend(),
-                                   [&name](const Tool &each) { return each.label == name; });
-    if (tool != tools_.cend() && tool->makeWindow)
-        open(*tool);
-}
-
-void ChooseTools::open(const Tool &tool)
-{
-    if (FramelessWindow *window = windows_.value(tool.label)) {
-        window->showMaximized();
-        window->raise();
-        window->activateWindow();
-        return;
-    }
-    FramelessWindow *window = tool.makeWindow();
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    // Forgotten as soon as it has gone for the user; what it still has to end it ends hidden.
-    connect(window, &FramelessWindow::closed, this,
-            [this, label = tool.label] { windows_.remove(label); });
-    windows_.insert(tool.label, window);
-    window->showMaximized();
+    windows_->open(name);
 }
 
 void ChooseTools::onCloseButtonClicked()

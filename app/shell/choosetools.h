@@ -1,11 +1,9 @@
 #pragma once
 
-#include "app/shell/tools.h"
+#include "app/shell/toolwindows.h"
 #include "widgets/windows/framelesswindow.h"
 
-#include <QHash>
 #include <QJsonObject>
-#include <QPointer>
 #include <QString>
 #include <QVector>
 
@@ -37,9 +35,8 @@ private:
     QWidget *cards();
     QWidget *footer();
     void placeOnScreen();
-    void open(const Tool &tool);
 
     QVector<Tool> tools_;
-    QHash<QString, QPointer<FramelessWindow>> windows_; ///< by label; empty while closed
+    std::shared_ptr<ToolWindows> windows_;
     QJsonObject loginReply_;
 };

@@ -11,6 +11,7 @@
 #include "widgets/boxes/servicenotice.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
+#include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/theme/theme.h"
 
@@ -181,6 +182,12 @@ void FJHome::search(const QString &searchType, const QString &searchText)
     abandonPhotos();
     right_->clearPhotos();
     left_->reqOrderList(searchType, searchText);
+}
+
+void FJHome::goTo(const OrderPlace &place)
+{
+    if (!refusesWhileRunning())
+        left_->finder()->goTo(place);
 }
 
 void FJHome::changeShop(const QString &shopId)

@@ -3,6 +3,7 @@
 #include "distribution/run/distributionrun.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
+#include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
 #include <QTimer>
@@ -13,7 +14,7 @@ class FJRightPanel;
 /// The tool window behind the cards 下载原始档, 下载选片结果, 设计分件 and 下载照片交付: search
 /// orders, tick some, and have their photos written below a directory. What each card writes stands
 /// in docs/distribution.md; what is decided lives in DistributionRun and planOrder().
-class FJHome : public FramelessWindow
+class FJHome : public FramelessWindow, public OrderDestination
 {
     Q_OBJECT
 
@@ -23,6 +24,7 @@ public:
 
     /// Sets the window up for a card; before it is shown. 设计分件 at first.
     void setCard(const QString &card);
+    void goTo(const OrderPlace &place) override;
     DesignFileSplitTypes splitType() const { return type_; }
 
     /// Asks the service which photos of the order were downloaded, and shows them.

@@ -195,6 +195,12 @@ void FJLeftPanel::connectFinder()
                        [this](const distributionrequests::OrderList &list, OrderFinder::Search) {
                            showOrders(list.orders);
                        });
+    finder_->setSelect([this](const QString &photoSet) {
+        const int row = model_.rowOfPhotoSet(photoSet);
+        if (row >= 0)
+            rows_->makeCurrent(row);
+        return row >= 0;
+    });
     connect(finder_, &OrderFinder::busyChanged, this,
             [this](bool busy) { emit emitReqOrderFinish(!busy); });
     connect(finder_, &OrderFinder::branchLeft, this, [this] { showOrders({}); });

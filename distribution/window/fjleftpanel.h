@@ -35,6 +35,7 @@ public:
     /// 1: searches by "order_list_type_1".
     void setListMode(int mode) { listMode_ = mode; }
     const orderqueries::Identity &identity() const { return branch_.identity(); }
+    OrderFinder *finder() const { return finder_; }
 
     /// Searches, or first switches to the branch when the service has not confirmed one yet.
     void reqOrderList(const QString &searchType, const QString &keyword);

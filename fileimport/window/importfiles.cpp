@@ -69,6 +69,8 @@ ImportFiles::ImportFiles(QWidget *parent)
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     finder_->setLeaving({[this] { return run_->isBusy() ? importingText() : QString(); },
                          [this] { return importrules::leavingQuestion(orders_.orders()); }});
+    finder_->setSelect(
+        [this](const QString &photoSet) { return panel_->selectPhotoSet(photoSet); });
     connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
     finder_->setReader(&importrequests::readOrders,
@@ -231,6 +233,11 @@ void ImportFiles::finishClosingWhenIdle()
 }
 
 // Branch and order search.
+
+void ImportFiles::goTo(const OrderPlace &place)
+{
+    finder_->goTo(place);
+}
 
 void ImportFiles::reqShopInfo()
 {

@@ -6,6 +6,7 @@
 #include "fileimport/window/importordertablemodel.h"
 #include "files/sharedfolderopener.h"
 #include "net/branchsession.h"
+#include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
 #include <QElapsedTimer>
@@ -24,7 +25,7 @@ class QSplitter;
 /// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
 /// search orders, choose files for them, copy the files into the orders' folders and register them
 /// with the service. What it decides lives in importrules, importrequests and ImportRun.
-class ImportFiles : public FramelessWindow
+class ImportFiles : public FramelessWindow, public OrderDestination
 {
     Q_OBJECT
 
@@ -34,6 +35,7 @@ public:
 
     /// 0 originals, 1 retouched photos; before the window is shown.
     void setMode(int mode);
+    void goTo(const OrderPlace &place) override;
 
 signals:
     void orderSelectionChanged(const ImportOrder &order);

@@ -112,6 +112,14 @@ int ImportOrderPanel::selectedRow() const
     return rows_->current();
 }
 
+bool ImportOrderPanel::selectPhotoSet(const QString &orderPhotoId)
+{
+    const int row = model_->rowOfPhotoSet(orderPhotoId);
+    if (row >= 0)
+        rows_->makeCurrent(row);
+    return row >= 0;
+}
+
 void ImportOrderPanel::keepPlaceWhile(const std::function<void()> &change)
 {
     rows_->keepPlaceWhile(

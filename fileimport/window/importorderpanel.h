@@ -33,6 +33,8 @@ public:
 
     /// Position of the selected order; -1 without one.
     int selectedRow() const;
+    /// False when the photo set is not listed.
+    bool selectPhotoSet(const QString &orderPhotoId);
     /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
     void keepPlaceWhile(const std::function<void()> &change);
 

@@ -24,6 +24,13 @@ int OrderListing::rowOf(const OrderIdentity &identity) const
     return found == orders.cend() ? -1 : int(found - orders.cbegin());
 }
 
+QString OrderListing::searchNumber(const BrowsedOrder &order)
+{
+    const QString number = order.values.value(orderfields::Number);
+    const QString service = QLatin1Char('-') + order.values.value(orderfields::Service);
+    return service.size() > 1 && number.endsWith(service) ? number.chopped(service.size()) : number;
+}
+
 namespace orderlistings {
 
 namespace {

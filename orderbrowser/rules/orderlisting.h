@@ -33,6 +33,8 @@ struct OrderListing
 
     QString value(int order, int field) const { return orders.at(order).values.value(field); }
     int rowOf(const OrderIdentity &identity) const;
+    /// What users search an order by: its number without that of the service.
+    static QString searchNumber(const BrowsedOrder &order);
 };
 Q_DECLARE_METATYPE(OrderListing)
 

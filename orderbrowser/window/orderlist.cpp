@@ -230,6 +230,16 @@ void OrderList::addKeys()
                    QKeySequence(QStringLiteral("Ctrl+Shift+C")), [this] { copyNumber(); });
     addTableAction(table_, QStringLiteral("复制所选单元格"), QKeySequence::Copy,
                    [this] { copySelected(); });
+    // Deleting files is begun where they are looked at.
+    static const QStringList cards{QStringLiteral("导入原片"),     QStringLiteral("导入精修片"),
+                                   QStringLiteral("导片工具"),     QStringLiteral("设计分件"),
+                                   QStringLiteral("下载选片结果"), QStringLiteral("下载原始档"),
+                                   QStringLiteral("下载照片交付")};
+    for (int i = 0; i < cards.size(); ++i) {
+        addTableAction(table_, QStringLiteral("在“%1”中打开").arg(cards.at(i)),
+                       QKeySequence(QStringLiteral("Ctrl+%1").arg(i + 1)),
+                       [this, card = cards.at(i)] { openTool(card); });
+    }
     auto *again = new QAction(QStringLiteral("刷新"), this);
     again->setShortcut(Qt::Key_F5);
     connect(again, &QAction::triggered, this, &OrderList::refresh);
@@ -427,6 +437,18 @@ void OrderList::openFolder()
         Toast::show(this, QStringLiteral("该订单没有导片路径"));
     else
         folderOpener_.open(folder);
+}
+
+void OrderList::openTool(const QString &card)
+{
+    const BrowsedOrder *order = table_->currentOrder();
+    if (!order)
+        return;
+    if (order->identity.orderPhotoId.isEmpty())
+        Toast::show(this, QStringLiteral("该订单没有照片集，无法打开"));
+    else
+        emit openToolRequested(card, order->identity.branch, order->identity.orderPhotoId,
+                               OrderListing::searchNumber(*order));
 }
 
 void OrderList::copyNumber()

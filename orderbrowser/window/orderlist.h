@@ -28,6 +28,11 @@ public:
     explicit OrderList(QWidget *parent = nullptr);
     ~OrderList() override;
 
+signals:
+    /// The user wants to go on with an order in the tool of that card.
+    void openToolRequested(const QString &card, const QString &branch, const QString &orderPhotoId,
+                           const QString &orderNumber);
+
 protected:
     CloseAnswer closeRequested() override;
     void showEvent(QShowEvent *event) override;
@@ -58,6 +63,7 @@ private:
     void keepViews();
 
     void openFolder();
+    void openTool(const QString &card);
     void copyNumber();
     void copySelected();
     void showCounts();

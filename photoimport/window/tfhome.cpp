@@ -221,6 +221,11 @@ void tfhome::connectDeleter()
     connect(deleter_, &tfphotodeleter::removed, this, &tfhome::endClosing);
 }
 
+void tfhome::goTo(const OrderPlace &place)
+{
+    orderPanel_->goTo(place);
+}
+
 void tfhome::showEvent(QShowEvent *event)
 {
     FramelessWindow::showEvent(event);

@@ -4,6 +4,7 @@
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "photoimport/run/photoimportrun.h"
+#include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
 #include <QElapsedTimer>
@@ -20,12 +21,14 @@ class tfphotodeleter;
 /// The window of the photo import: search orders, add photos or videos to them, import them in all
 /// their forms, tell the service, delete what was imported. What it decides lives in photorules,
 /// photoorder and the models; the pool does the work.
-class tfhome : public FramelessWindow
+class tfhome : public FramelessWindow, public OrderDestination
 {
     Q_OBJECT
 
 public:
     explicit tfhome(QWidget *parent = nullptr);
+
+    void goTo(const OrderPlace &place) override;
     ~tfhome() override;
 
 protected:

@@ -45,6 +45,8 @@ void tfhomeorders::connectParts()
     connect(searchBar_, &OrderSearchBar::branchChosen, this, &tfhomeorders::onBranchChosen);
     finder_->setLeaving({[this] { return importing_ ? importingText() : QString(); },
                          [this] { return leavingQuestion(); }});
+    finder_->setSelect(
+        [this](const QString &photoSet) { return table_->selectPhotoSet(photoSet); });
     connect(finder_, &OrderFinder::branchLeft, this, &tfhomeorders::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &tfhomeorders::onBranchSwitched);
     finder_->setReader(&photoorders::readOrders,

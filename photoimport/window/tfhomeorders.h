@@ -27,6 +27,7 @@ public:
 
     /// The first branch switch; orders and persons follow by themselves.
     void open();
+    void goTo(const OrderPlace &place) { finder_->goTo(place); }
     /// Abandons what is under way.
     void abandon();
     /// From now on searches and branch choices answer that an import is going on.

@@ -44,6 +44,14 @@ int tfhomeorders_OrderListWidget::selectedOrder() const
     return rows_->current();
 }
 
+bool tfhomeorders_OrderListWidget::selectPhotoSet(const QString &orderPhotoId)
+{
+    const int row = model_->rowOfPhotoSet(orderPhotoId);
+    if (row >= 0)
+        rows_->makeCurrent(row);
+    return row >= 0;
+}
+
 void tfhomeorders_OrderListWidget::keepPlaceWhile(const std::function<void()> &change)
 {
     rows_->keepPlaceWhile(change,

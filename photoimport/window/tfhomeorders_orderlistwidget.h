@@ -22,6 +22,8 @@ public:
 
     /// Position of the selected order; -1 without one.
     int selectedOrder() const;
+    /// False when the photo set is not listed.
+    bool selectPhotoSet(const QString &orderPhotoId);
     /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
     void keepPlaceWhile(const std::function<void()> &change);
     /// An action on the selected order, in the context menu and by its key.

@@ -36,6 +36,41 @@ void OrderFinder::open()
 
 void OrderFinder::chooseBranch(const QString &shopId)
 {
+    wanted_.reset();
+    ifMayLeave([this, shopId] { leaveFor(shopId); });
+}
+
+void OrderFinder::goTo(const OrderPlace &place)
+{
+    wanted_.reset();
+    if (place.branch != place_.branch->identity().shopId) {
+        ifMayLeave([this, place] {
+            leaveFor(place.branch);
+            wanted_ = place;
+        });
+        return;
+    }
+    const QString refused = refusal();
+    if (!refused.isEmpty()) {
+        MessageBox::warning(window_, refused);
+        return;
+    }
+    const bool isSwitching = place_.bar->isBusy() && !place_.branch->isConfirmed();
+    if (!place_.branch->isConfirmed() && !isSwitching)
+        confirmBranch();
+    if (place_.branch->isConfirmed()) {
+        cancel(); // a switch to another branch among it
+        showBranch();
+    }
+    wanted_ = place;
+    if (place_.branch->isConfirmed()) {
+        place_.bar->showKeyword(place.number);
+        emit place_.bar->searchRequested();
+    }
+}
+
+void OrderFinder::ifMayLeave(const std::function<void()> &leave)
+{
     const QString refused = refusal();
     if (!refused.isEmpty()) {
         showBranch();
@@ -44,13 +79,13 @@ void OrderFinder::chooseBranch(const QString &shopId)
     }
     const QString question = leaving_.question ? leaving_.question() : QString();
     if (question.isEmpty()) {
-        leaveFor(shopId);
+        leave();
         return;
     }
     ConfirmDialog::ask(window_, question, ConfirmDialog::Enter::Cancels,
-                       [this, shopId](bool agreed) {
+                       [this, leave](bool agreed) {
                            if (agreed && refusal().isEmpty())
-                               leaveFor(shopId);
+                               leave();
                            else
                                showBranch();
                        });
@@ -90,11 +125,17 @@ void OrderFinder::onSwitched()
         place_.table->setEmptyText(QStringLiteral("请重新搜索"));
         emit branchLeft();
     }
+    if (wanted_)
+        place_.bar->showKeyword(wanted_->number);
     emit branchSwitched();
+    // A tool that repeats a search of its own is asked for this one.
+    if (wanted_ && ways_.keepsKeyword)
+        emit place_.bar->searchRequested();
 }
 
 void OrderFinder::onSwitchFailed(const ServiceReply &reply, const QString &refusal)
 {
+    wanted_.reset();
     endSearch();
     keepBranch();
     place_.table->setEmptyText(QStringLiteral("分店未切换，请重新搜索或选择分店"));
@@ -123,6 +164,9 @@ void OrderFinder::search()
     place_.overlay->showText(QStringLiteral("正在查询订单..."));
     lastSearch_ = place_.bar->search();
     lastPerson_ = place_.bar->personId();
+    if (wanted_ && (lastSearch_.type != orderqueries::OrderSearch::BasicInformation ||
+                    lastSearch_.text != wanted_->number))
+        wanted_.reset(); // the user looks for something else by now
     if (ways_.search)
         ways_.search();
     else
@@ -152,6 +196,7 @@ void OrderFinder::onSearched(const ServiceReply &reply)
         take_(reply.made, Search::Asked);
         return;
     }
+    wanted_.reset();
     place_.table->setEmptyText(QStringLiteral("查询失败，请重新搜索"));
     showServiceFailure(window_, reply, reply.message);
 }
@@ -164,10 +209,15 @@ void OrderFinder::tellFound(int elements, int orders)
         MessageBox::warning(window_, nothingFound);
     else if (orders == 0)
         Toast::show(window_, QStringLiteral("未搜到订单!"));
+    const auto wanted = std::exchange(wanted_, std::nullopt);
+    const bool isThere = wanted && select_ && select_(wanted->orderPhotoId);
+    if (wanted && !isThere && elements > 0)
+        MessageBox::warning(window_, nothingFound);
 }
 
 void OrderFinder::cancel()
 {
+    wanted_.reset();
     place_.branch->cancel();
     endSearch();
 }

@@ -2,6 +2,7 @@
 
 #include "net/branchsession.h"
 #include "net/orderfolders.h"
+#include "widgets/orders/orderdestination.h"
 
 #include <QJsonObject>
 #include <QObject>
@@ -9,6 +10,7 @@
 
 #include <any>
 #include <functional>
+#include <optional>
 #include <type_traits>
 #include <utility>
 
@@ -61,6 +63,14 @@ public:
     /// Switches to the branch that the user chose, for the tools opened later, too: unless the tool
     /// refuses, or the user is asked and says no.
     void chooseBranch(const QString &shopId);
+    /// Leads to an order: to its branch as chooseBranch() does, then searches its number the way
+    /// that the search bar asks the tool for it, and selects it among what is found.
+    void goTo(const OrderPlace &place);
+    /// Makes the row of a photo set the current one; false when it is not listed.
+    void setSelect(std::function<bool(const QString &orderPhotoId)> select)
+    {
+        select_ = std::move(select);
+    }
     /// Switches to the branch again: the switch at opening failed, or was cancelled. To the one
     /// that the search bar shows when the window opened in none.
     void confirmBranch();
@@ -125,6 +135,8 @@ private:
     };
 
     QString refusal() const { return leaving_.refusal ? leaving_.refusal() : QString(); }
+    /// Goes on with \a leave unless the tool refuses, or the user is asked and says no.
+    void ifMayLeave(const std::function<void()> &leave);
     void leaveFor(const QString &shopId);
     void switchTo(const QString &shopId);
     /// Abandons the search, if there is one, and takes the overlay away.
@@ -142,6 +154,8 @@ private:
     Ways ways_;
     std::function<void(const std::any &made, Search search)> take_; ///< what the reader made
     QString listedBranch_; ///< id of the branch that orders and persons are of
+    std::function<bool(const QString &orderPhotoId)> select_;
+    std::optional<OrderPlace> wanted_; ///< what is led to, until its search has ended
     orderqueries::OrderSearch lastSearch_;
     QString lastPerson_;
     bool refreshing_ = false; ///< the search under way is the silent one

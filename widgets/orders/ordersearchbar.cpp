@@ -179,10 +179,15 @@ void OrderSearchBar::showSearch(const OrderSearch &search, const QDate &rangeEnd
     personToChoose_ = personId;
 }
 
+void OrderSearchBar::showKeyword(const QString &text)
+{
+    keywordEdit_->setText(text);
+    typeBox_->setCurrentIndex(0);
+}
+
 void OrderSearchBar::resetKeyword()
 {
-    keywordEdit_->clear();
-    typeBox_->setCurrentIndex(0);
+    showKeyword({});
 }
 
 void OrderSearchBar::setBranches(const QList<ShopRecord> &branches, const QString &selectedId)

@@ -38,6 +38,8 @@ public:
     /// listed.
     void showSearch(const orderqueries::OrderSearch &search, const QDate &rangeEnd,
                     const QString &personId);
+    /// The basic information with \a text typed.
+    void showKeyword(const QString &text);
     /// Back to the basic information with nothing typed. Dates already chosen stay.
     void resetKeyword();
 
