@@ -184,7 +184,7 @@ private slots:
         child<QLineEdit>("fieldSearchEdit")->setText("其他"_s);
         auto *available = child<QListWidget>("availableList");
         QVERIFY(available->count() >= 4);
-        available->setCurrentItem(available->findItems("deposit"_s, Qt::MatchStartsWith).first());
+        available->setCurrentItem(available->findItems("deposit"_s, Qt::MatchStartsWith).value(0));
         auto *shown = child<QListWidget>("shownList");
         shown->setCurrentRow(0);
         click("addColumnButton");
@@ -192,7 +192,7 @@ private slots:
         shown->setFocus();
         QTest::keyClick(shown, Qt::Key_Up, Qt::AltModifier);
         shown->clearSelection();
-        shown->setCurrentItem(shown->findItems("导片路径"_s, Qt::MatchExactly).first());
+        shown->setCurrentItem(shown->findItems("导片路径"_s, Qt::MatchExactly).value(0));
         QTest::keyClick(shown, Qt::Key_Delete);
         click("acceptButton");
         QTRY_COMPARE(table()->orders()->columnOf("deposit"_s), 0);
