@@ -126,15 +126,18 @@ QVector<int> BatchDelete_FileListWidget::selectedRows() const
 void BatchDelete_FileListWidget::showFiles(const BatchDeleteOrderInfo &order,
                                            const QVector<BatchDeleteFileInfo> &files)
 {
-    fill(order, files, countText(files), QStringLiteral("目录中没有文件"));
+    fill(order, files, QStringLiteral("目录中没有文件"));
+    countLabel_->setText(countText(model_.files()));
 }
 
 void BatchDelete_FileListWidget::showProblem(const BatchDeleteOrderInfo &order,
                                              const QVector<BatchDeleteFileInfo> &files,
                                              const QString &problem, const QString &reason)
 {
-    fill(order, files,
-         files.isEmpty() ? problem : countText(files) + QStringLiteral("，") + problem, reason);
+    fill(order, files, reason);
+    const QVector<BatchDeleteFileInfo> &shown = model_.files();
+    countLabel_->setText(shown.isEmpty() ? problem
+                                         : countText(shown) + QStringLiteral("，") + problem);
 }
 
 void BatchDelete_FileListWidget::showSearch(const BatchDeleteOrderInfo &order)
@@ -144,13 +147,12 @@ void BatchDelete_FileListWidget::showSearch(const BatchDeleteOrderInfo &order)
 
 void BatchDelete_FileListWidget::fill(const BatchDeleteOrderInfo &order,
                                       const QVector<BatchDeleteFileInfo> &files,
-                                      const QString &heading, const QString &emptyText)
+                                      const QString &emptyText)
 {
     endScan();
     order_ = order;
     order_.setFiles({});
     model_.setFiles(files);
-    countLabel_->setText(heading);
     table_->setEmptyText(emptyText);
     refreshButton_->setEnabled(!order_.identity().isEmpty());
 }
@@ -169,7 +171,8 @@ void BatchDelete_FileListWidget::scan(const BatchDeleteOrderInfo &order)
 
 void BatchDelete_FileListWidget::clear()
 {
-    fill({}, {}, chooseText(), chooseText());
+    fill({}, {}, chooseText());
+    countLabel_->setText(chooseText());
 }
 
 void BatchDelete_FileListWidget::setFile(int index, const BatchDeleteFileInfo &file)

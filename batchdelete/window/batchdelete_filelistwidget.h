@@ -62,7 +62,7 @@ private:
     void buildTable();
     void addActions();
     void fill(const BatchDeleteOrderInfo &order, const QVector<BatchDeleteFileInfo> &files,
-              const QString &heading, const QString &emptyText);
+              const QString &emptyText);
     void endScan();
     QVector<int> selectedRows() const;
     static QString scanText(const BatchDeleteOrderInfo &order);
