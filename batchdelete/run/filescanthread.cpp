@@ -28,7 +28,9 @@ FileScanThread::FileScanThread(QObject *parent)
     connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
     connect(this, &FileScanThread::scanRequested, worker_, &FileScanWorker::scan);
     connect(worker_, &FileScanWorker::progress, this, &FileScanThread::progress);
-    connect(worker_, &FileScanWorker::finished, this, &FileScanThread::finished);
+    // Whoever listens gets a result of this thread's own.
+    connect(worker_, &FileScanWorker::finished, this,
+            [this](const FileScanResult &result) { emit finished(FileScanResult(result)); });
     thread_->start();
 }
 
