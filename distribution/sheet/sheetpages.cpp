@@ -3,9 +3,12 @@
 #include "distribution/sheet/captionedpicture.h"
 #include "distribution/sheet/productpages.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextFrame>
+#include <QTextLayout>
 #include <QTextTable>
 
 #include <cmath>
@@ -117,6 +120,39 @@ private:
     double height_ = 0; ///< of the start
 };
 
+/// Where a line of \a paragraph stands across a page's end: where that page ends; otherwise 0.
+double cutAt(const QTextBlock &paragraph, double pageHeight)
+{
+    const double top = paragraph.document()->documentLayout()->blockBoundingRect(paragraph).top();
+    const QTextLayout *text = paragraph.layout();
+    for (int line = 0; line < text->lineCount(); ++line) {
+        const QRectF rect = text->lineAt(line).rect().translated(0, top);
+        const double end = (std::floor(rect.top() / pageHeight) + 1) * pageHeight;
+        if (rect.bottom() - 1 >= end)
+            return end;
+    }
+    return 0;
+}
+
+/// Below a table that it has divided the layout lets a paragraph stand across a page's end now and
+/// then; such a one goes to the next page as a whole.
+void moveCutParagraphs(QTextDocument *document, double pageHeight)
+{
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        QTextCursor cursor(block);
+        if (cursor.currentTable())
+            continue;
+        const double end = cutAt(block, pageHeight);
+        if (end <= 0)
+            continue;
+        QTextBlockFormat format = cursor.blockFormat();
+        format.setTopMargin(format.topMargin() + end + document->documentMargin() -
+                            tablerows::extent(block, 1).top);
+        cursor.setBlockFormat(format);
+        tablerows::layOut(document);
+    }
+}
+
 } // namespace
 
 void paginate(QTextDocument *document, const QSizeF &page)
@@ -142,4 +178,5 @@ void paginate(QTextDocument *document, const QSizeF &page)
     tablerows::layOut(document);
     for (HeadedTable &each : headed)
         each.divide(page.height());
+    moveCutParagraphs(document, page.height());
 }
