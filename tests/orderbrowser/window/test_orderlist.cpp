@@ -82,9 +82,9 @@ private slots:
         QCOMPARE(demo_.requests(action).size(), 3);
 
         // It is there again at the next opening, and waits.
+        window_->setAttribute(Qt::WA_DeleteOnClose);
         window_->close();
-        delete window_;
-        diskPool().waitForDone();
+        QTRY_VERIFY(!window_); // all is written
         demo_.clearRequests();
         open(false);
         QTRY_COMPARE(child<QComboBox>("searchTypeBox")->currentIndex(), 1);
@@ -220,9 +220,9 @@ private slots:
         header->resizeSection(1, 333);
         const QString moved = table()->orders()->field(0).key;
         const QString widened = table()->orders()->field(1).key;
+        window_->setAttribute(Qt::WA_DeleteOnClose);
         window_->close();
-        delete window_;
-        diskPool().waitForDone();
+        QTRY_VERIFY(!window_); // all is written
 
         open();
         QCOMPARE(child<QComboBox>("viewBox")->currentText(), "后期"_s);
