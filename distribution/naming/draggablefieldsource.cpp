@@ -34,10 +34,10 @@ QSize DraggableFieldSource::sizeHint() const
 QMimeData *DraggableFieldSource::dragData() const
 {
     const QString payload = label_ + QLatin1Char('|') + key_;
-    auto *data = new QMimeData;
-    data->setText(payload);
-    data->setData(fielddrag::itemType, payload.toUtf8());
-    return data;
+    auto *carried = new QMimeData;
+    carried->setText(payload);
+    carried->setData(fielddrag::itemType, payload.toUtf8());
+    return carried;
 }
 
 QPixmap DraggableFieldSource::dragImage() const

@@ -143,9 +143,9 @@ void DropZone::onFieldDragStarted(FieldButton *button, const QPoint &pos)
     setIndicator(index);
 
     auto *drag = new QDrag(this);
-    auto *data = new QMimeData;
-    data->setData(fielddrag::reorderType, button->label().toUtf8());
-    drag->setMimeData(data);
+    auto *carried = new QMimeData;
+    carried->setData(fielddrag::reorderType, button->label().toUtf8());
+    drag->setMimeData(carried);
     drag->setPixmap(image);
     drag->setHotSpot(pos);
     const QPointer<DropZone> guard(this);
@@ -201,11 +201,11 @@ void DropZone::dragLeaveEvent(QDragLeaveEvent *)
 
 void DropZone::dropEvent(QDropEvent *event)
 {
-    const QMimeData *data = event->mimeData();
-    if (!accepts(data))
+    const QMimeData *dropped = event->mimeData();
+    if (!accepts(dropped))
         return;
     const bool changed =
-        data->hasFormat(fielddrag::itemType) ? dropItem(data, event->pos()) : dropReordered();
+        dropped->hasFormat(fielddrag::itemType) ? dropItem(dropped, event->pos()) : dropReordered();
     event->acceptProposedAction();
     setHighlighted(false);
     setIndicator(-1);
@@ -214,10 +214,10 @@ void DropZone::dropEvent(QDropEvent *event)
         emit ruleChanged();
 }
 
-bool DropZone::dropItem(const QMimeData *data, const QPoint &pos)
+bool DropZone::dropItem(const QMimeData *dropped, const QPoint &pos)
 {
     const QStringList parts =
-        QString::fromUtf8(data->data(fielddrag::itemType)).split(QLatin1Char('|'));
+        QString::fromUtf8(dropped->data(fielddrag::itemType)).split(QLatin1Char('|'));
     if (parts.size() < 2)
         return false;
     insertButton({parts.at(0), parts.at(1)}, indicator_ >= 0 ? indicator_ : insertionIndex(pos));

@@ -50,7 +50,7 @@ private:
     void moveButton(int from, int to);
     void moveByKey(FieldButton *button, int step);
     void focusNeighbour(FieldButton *button, int step);
-    bool dropItem(const QMimeData *data, const QPoint &pos);
+    bool dropItem(const QMimeData *dropped, const QPoint &pos);
     bool dropReordered();
     int insertionIndex(const QPoint &pos) const;
     QRect indicatorRect() const;

@@ -96,8 +96,8 @@ QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &deta
     const QVector<DetailProduct> products = detail.products();
     std::vector<int> byId(std::size_t(products.size()));
     std::iota(byId.begin(), byId.end(), 0);
-    std::stable_sort(byId.begin(), byId.end(), [&products](int one, int other) {
-        return isSmallerId(products.at(one).id, products.at(other).id);
+    std::stable_sort(byId.begin(), byId.end(), [&products](int left, int right) {
+        return isSmallerId(products.at(left).id, products.at(right).id);
     });
     std::vector<QString> folders(byId.size());
     DistinctNames distinct;
