@@ -120,10 +120,6 @@ private slots:
         QTRY_VERIFY(window.isMaximized());
         QTest::mouseDClick(bar, Qt::LeftButton);
         QTRY_VERIFY(!window.isMaximized());
-        window.setResizable(false);
-        QVERIFY(!grip());
-        QTest::mouseDClick(bar, Qt::LeftButton);
-        QVERIFY(!window.isMaximized());
 
         QTest::mouseClick(window.titleBar()->minimizeButton(), Qt::LeftButton);
         QCOMPARE(minimise.count(), 1);

@@ -63,16 +63,6 @@ void prepareTable(QTableView *table)
     columns->setStretchLastSection(true);
 }
 
-void fitColumns(QTableView *table, int widest)
-{
-    table->resizeColumnsToContents();
-    QHeaderView *columns = table->horizontalHeader();
-    for (int column = 0; column < columns->count(); ++column) {
-        const int wanted = table->columnWidth(column) + theme::spacing();
-        table->setColumnWidth(column, qMin(wanted, widest));
-    }
-}
-
 void wrapHeaders(QTableView *table)
 {
     QHeaderView *columns = table->horizontalHeader();

@@ -13,10 +13,6 @@
 /// turns it on. Call it once, before delegates for single columns are set.
 void prepareTable(QTableView *table);
 
-/// Makes the columns as wide as their header and the rows in view ask for, none wider than
-/// \a widest pixels. For the moment when the first rows have come; later the widths are the user's.
-void fitColumns(QTableView *table, int widest);
-
 /// Lets the header's texts take two lines, so that columns of small numbers can be narrow.
 void wrapHeaders(QTableView *table);
 

@@ -64,13 +64,6 @@ QRect FramelessWindow::contentArea() const
         .adjusted(0, titleBar_->height(), 0, 0);
 }
 
-void FramelessWindow::setResizable(bool resizable)
-{
-    resizable_ = resizable;
-    titleBar_->setMaximizable(resizable);
-    placeGrips();
-}
-
 FramelessWindow::CloseAnswer FramelessWindow::closeRequested()
 {
     return CloseAnswer::Close;
@@ -165,7 +158,7 @@ void FramelessWindow::paintEvent(QPaintEvent *)
 
 void FramelessWindow::placeGrips()
 {
-    const bool wanted = resizable_ && !isMaximized() && !isFullScreen();
+    const bool wanted = !isMaximized() && !isFullScreen();
     for (EdgeGrip *grip : qAsConst(grips_)) {
         grip->setVisible(wanted);
         grip->place(size());

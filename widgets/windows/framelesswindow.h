@@ -31,10 +31,6 @@ public:
     /// Where the content lies, in the window's coordinates.
     QRect contentArea() const;
 
-    /// False: neither the edges nor the title bar change the size. True at first.
-    void setResizable(bool resizable);
-    bool isResizable() const { return resizable_; }
-
     TitleBar *titleBar() const { return titleBar_; }
 
 signals:
@@ -78,7 +74,6 @@ private:
     TitleBar *titleBar_;
     QWidget *content_ = nullptr;
     QList<EdgeGrip *> grips_;
-    bool resizable_ = true;
     bool closed_ = false;
     QString askedSubject_;        ///< of the question in a box at the moment
     QString agreedSubject_;       ///< while closing after it
