@@ -45,6 +45,15 @@ inline constexpr QRgb fileDeleted = 0xff34c759;
 inline constexpr QRgb deletionUnreported = 0xffff9500; ///< gone, but the service does not know
 inline constexpr QRgb deletionFailed = 0xffff3b30;
 
+// Lines of a window that tell of something that waits for the user.
+inline constexpr QRgb noticeInformation = 0xff1f6ae0;
+inline constexpr QRgb noticeInformationSurface = 0xffeef5ff;
+inline constexpr QRgb noticeWarning = 0xffb26a00;
+inline constexpr QRgb noticeWarningSurface = 0xfffff6e0;
+inline constexpr QRgb noticeFailure = 0xffc62828;
+inline constexpr QRgb noticeFailureSurface = 0xffffeeee;
+inline constexpr QRgb noticeAction = 0xff0052b8; ///< readable on each of the surfaces
+
 // Texts that are clicked.
 inline constexpr QRgb link = 0xff007aff;
 inline constexpr QRgb linkHover = 0xff0056cc;

@@ -4,6 +4,7 @@
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/ordernumberbuttondelegate.h"
 #include "fileimport/window/photostatedelegate.h"
+#include "widgets/boxes/noticebar.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/filedroptable.h"
 #include "widgets/tables/sortedrows.h"
@@ -33,6 +34,7 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
     , searchBar_(new OrderSearchBar(this))
     , table_(new FileDropTable(this))
     , overlay_(new LoadingOverlay(table_))
+    , notices_(new NoticeBar(this))
     , progress_(new TransferView(this))
     , startButton_(new QPushButton(this))
 {
@@ -86,6 +88,7 @@ void ImportOrderPanel::buildLayout()
     layout->setSpacing(theme::spacing());
     layout->addWidget(searchBar_);
     layout->addWidget(table_, 1);
+    layout->addWidget(notices_);
     layout->addWidget(progress_);
     layout->addWidget(startButton_);
 }

@@ -10,6 +10,7 @@
 
 class ImportOrderTableModel;
 class LoadingOverlay;
+class NoticeBar;
 class OrderSearchBar;
 class FileDropTable;
 class QPushButton;
@@ -30,6 +31,8 @@ public:
     FileDropTable *table() const { return table_; }
     /// Covers the table alone, so that the search bar stays usable.
     LoadingOverlay *overlay() const { return overlay_; }
+    /// What waits for the user, between the table and the start button.
+    NoticeBar *notices() const { return notices_; }
 
     /// Position of the selected order; -1 without one.
     int selectedRow() const;
@@ -67,6 +70,7 @@ private:
     FileDropTable *table_;
     SortedRows *rows_ = nullptr;
     LoadingOverlay *overlay_;
+    NoticeBar *notices_;
     TransferView *progress_;
     QPushButton *startButton_;
 };

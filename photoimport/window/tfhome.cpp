@@ -10,6 +10,7 @@
 #include "photoimport/window/tfimportbar.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/theme/theme.h"
@@ -52,6 +53,7 @@ tfhome::tfhome(QWidget *parent)
     , run_(&orders_)
     , orderPanel_(new tfhomeorders(&orders_))
     , photoPanel_(new tfhomephotos(&photos_))
+    , notices_(new NoticeBar)
     , bar_(new tfimportbar)
     , overlay_(new LoadingOverlay(this))
     , chooser_(
@@ -112,6 +114,7 @@ void tfhome::buildLayout()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(splitter, 1);
+    layout->addWidget(notices_);
     layout->addWidget(bar_);
     setContent(content);
 }

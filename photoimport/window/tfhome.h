@@ -15,6 +15,7 @@ class LoadingOverlay;
 class tffilechooser;
 class tfhomeorders;
 class tfhomephotos;
+class NoticeBar;
 class tfimportbar;
 class tfphotodeleter;
 
@@ -83,6 +84,7 @@ private:
 
     tfhomeorders *orderPanel_;
     tfhomephotos *photoPanel_;
+    NoticeBar *notices_; ///< what waits for the user, above the start button
     tfimportbar *bar_;
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;

@@ -32,6 +32,8 @@ QString stopButtonStyle();
 /// The two buttons of a dialog that paints its own background.
 QString translucentButtonStyle();
 QString gradientButtonStyle();
+/// A text that is pressed, within a line of text.
+QString textButtonStyle();
 /// The login button once the login has succeeded.
 QString loginSucceededStyle();
 

@@ -105,6 +105,18 @@ QString stopButtonStyle()
     return runButton(colours::stop, colours::stopBorder, colours::stopHover, colours::stopPressed);
 }
 
+QString textButtonStyle()
+{
+    return scaled(
+        QStringLiteral("QPushButton { background-color: transparent; color: %1;"
+                       " border: 2dp solid transparent; border-radius: 4dp;"
+                       " font-size: @text; font-weight: 600; min-width: 0; padding: 1dp 4dp; }"
+                       "QPushButton:hover { text-decoration: underline; }"
+                       "QPushButton:focus { border-color: %2; }"
+                       "QPushButton:disabled { color: %3; }")
+            .arg(css(colours::noticeAction), css(colours::focusRing), css(colours::disabledText)));
+}
+
 QString loginSucceededStyle()
 {
     return QStringLiteral("background: %1 !important; font-size: %2px;")
