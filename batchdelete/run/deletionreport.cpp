@@ -1,28 +1,12 @@
 #include "batchdelete/run/deletionreport.h"
 
+#include "files/csv.h"
+
 #include <QStringList>
 
 namespace deletionreport {
 
 namespace {
-
-/// A field of a table. What a spreadsheet program would take for a formula is marked as text.
-QString field(QString text)
-{
-    static const QString formula = QStringLiteral("=+-@\t\r");
-    if (!text.isEmpty() && formula.contains(text.at(0)))
-        text.prepend(QLatin1Char('\''));
-    text.replace(QLatin1Char('"'), QLatin1String("\"\""));
-    return QLatin1Char('"') + text + QLatin1Char('"');
-}
-
-QByteArray line(const QStringList &texts)
-{
-    QStringList fields;
-    for (const QString &text : texts)
-        fields.append(field(text));
-    return fields.join(QLatin1Char(',')).toUtf8() + "\r\n";
-}
 
 QString nameWithReason(const BatchDeleteFileInfo &file)
 {
@@ -90,19 +74,19 @@ bool hasOutcome(const BatchDeleteOrderInfo &order)
 QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
 {
     QByteArray table =
-        "\xEF\xBB\xBF" +
-        line({QStringLiteral("订单号"), QStringLiteral("客户姓名"), QStringLiteral("导片路径"),
-              QStringLiteral("文件路径"), QStringLiteral("文件大小"), QStringLiteral("状态"),
-              QStringLiteral("原因")});
+        ::csv::mark() +
+        ::csv::line({QStringLiteral("订单号"), QStringLiteral("客户姓名"),
+                     QStringLiteral("导片路径"), QStringLiteral("文件路径"),
+                     QStringLiteral("文件大小"), QStringLiteral("状态"), QStringLiteral("原因")});
     for (const BatchDeleteOrderInfo &order : orders) {
         if (!hasOutcome(order))
             continue;
         const QStringList head{order.displayNumber(), order.customers(), order.netPath};
         if (order.files().isEmpty() || !order.note.isEmpty())
-            table += line(head + QStringList{{}, {}, {}, order.note});
+            table += ::csv::line(head + QStringList{{}, {}, {}, order.note});
         for (const BatchDeleteFileInfo &file : order.files()) {
-            table += line(head + QStringList{file.fullPath(), QString::number(file.size),
-                                             deletionStateText(file.state), file.reason});
+            table += ::csv::line(head + QStringList{file.fullPath(), QString::number(file.size),
+                                                    deletionStateText(file.state), file.reason});
         }
     }
     return table;

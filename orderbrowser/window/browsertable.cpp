@@ -276,6 +276,14 @@ const BrowsedOrder *BrowserTable::currentOrder() const
     return current.isValid() ? &model_.order(current.row()) : nullptr;
 }
 
+QStringList BrowserTable::shownKeys() const
+{
+    QStringList keys;
+    for (int place = 0; place < model_.columnCount(); ++place)
+        keys.append(model_.field(header_->logicalIndex(place)).key);
+    return keys;
+}
+
 QString BrowserTable::selectedText() const
 {
     QStringList lines;

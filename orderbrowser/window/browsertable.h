@@ -31,6 +31,8 @@ public:
 
     /// Rows with a selected cell, from above.
     QVector<int> selectedRows() const;
+    /// The fields of the columns, from the left.
+    QStringList shownKeys() const;
     /// Null without a current row.
     const BrowsedOrder *currentOrder() const;
     /// What is selected as a table for other programs: tabulators between cells, a line for a row.

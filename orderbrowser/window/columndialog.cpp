@@ -98,11 +98,12 @@ QListWidget *ColumnDialog::list(const char *name)
     list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     list->setDragDropMode(QAbstractItemView::DragDrop);
     list->setDefaultDropAction(Qt::MoveAction);
-    for (const auto signal :
-         {&QAbstractItemModel::rowsInserted, &QAbstractItemModel::rowsRemoved}) {
-        // When the drop has ended: until then an item may be in both lists.
-        connect(list->model(), signal, this, &ColumnDialog::takeDropped, Qt::QueuedConnection);
-    }
+    // When the drop has ended: until then an item may be in both lists.
+    const QAbstractItemModel *items = list->model();
+    connect(items, &QAbstractItemModel::rowsInserted, this, &ColumnDialog::takeDropped,
+            Qt::QueuedConnection);
+    connect(items, &QAbstractItemModel::rowsRemoved, this, &ColumnDialog::takeDropped,
+            Qt::QueuedConnection);
     return list;
 }
 

@@ -34,6 +34,9 @@ public:
     int columnOf(const QString &key) const;
     /// The order in a row, which exists.
     const BrowsedOrder &order(int row) const { return listing_.orders.at(rows_.at(row)); }
+    /// Its position in the listing.
+    int position(int row) const { return rows_.at(row); }
+    const QVector<int> &positions() const { return rows_; }
     QString value(int row, int field) const { return listing_.value(rows_.at(row), field); }
 
     int rowCount(const QModelIndex &parent = {}) const override;

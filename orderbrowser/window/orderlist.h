@@ -4,6 +4,7 @@
 #include "net/branchsession.h"
 #include "orderbrowser/run/orderarranger.h"
 #include "orderbrowser/run/rangesearch.h"
+#include "orderbrowser/run/sheetwriter.h"
 #include "orderbrowser/run/viewstore.h"
 #include "widgets/windows/framelesswindow.h"
 
@@ -63,6 +64,9 @@ private:
     void keepViews();
 
     void openFolder();
+    void exportOrders();
+    void exportRows(bool selectedAlone, bool wholePhones);
+    void onExported(const QString &path, bool written);
     void openTool(const QString &card);
     void copyNumber();
     void copySelected();
@@ -73,6 +77,7 @@ private:
     RangeSearch rangeSearch_;
     OrderArranger arranger_;
     ViewStore store_;
+    SheetWriter sheetWriter_;
     OrderViews views_;
     QTimer keepTimer_; ///< collects what is changed by dragging before it is written
     OrderSearchBar *searchBar_;
@@ -82,6 +87,7 @@ private:
     FilterChips *chips_;
     ComboBox *viewBox_;
     QPushButton *refreshButton_;
+    QPushButton *exportButton_;
     QLabel *counts_;
     QLabel *selected_;
     QLabel *refreshed_;

@@ -5,24 +5,32 @@
 
 #include <QAccessible>
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTimer>
 #include <QVariantAnimation>
 #include <QWidget>
 
+#include <utility>
+
 namespace {
 
 constexpr int fadeMs = 300;
+constexpr int clickableMs = 8000;
 constexpr double heightFromBottom = 0.12; ///< of the window
 const auto toastName = QLatin1String("toast");
 
 class ToastLine : public QWidget
 {
 public:
-    ToastLine(QWidget *window, const QString &text, int ms) : QWidget(window), text_(text)
+    ToastLine(QWidget *window, const QString &text, int ms, const QString &action = {},
+              std::function<void()> act = {})
+        : QWidget(window), text_(text), action_(action), act_(std::move(act))
     {
         setObjectName(toastName);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAttribute(Qt::WA_TransparentForMouseEvents, !act_);
+        if (act_)
+            setCursor(Qt::PointingHandCursor);
         setFocusPolicy(Qt::NoFocus);
         setAccessibleName(text);
         QFont textFont = font();
@@ -62,16 +70,37 @@ protected:
         painter.drawRoundedRect(rect(), 2 * theme::radius(), 2 * theme::radius());
         painter.setPen(colours::toColor(colours::onFilled));
         const QRect line = rect().adjusted(theme::margin(), 0, -theme::margin(), 0);
-        painter.drawText(line, Qt::AlignCenter,
-                         fontMetrics().elidedText(text_, Qt::ElideRight, line.width()));
+        const int actionWidth = widthOfAction();
+        painter.drawText(
+            line.adjusted(0, 0, -actionWidth, 0), Qt::AlignCenter,
+            fontMetrics().elidedText(text_, Qt::ElideMiddle, line.width() - actionWidth));
+        QFont underlined = font();
+        underlined.setUnderline(true);
+        painter.setFont(underlined);
+        painter.drawText(line, Qt::AlignRight | Qt::AlignVCenter, action_);
+    }
+
+    void mouseReleaseEvent(QMouseEvent *event) override
+    {
+        if (event->button() != Qt::LeftButton || !rect().contains(event->pos()))
+            return;
+        deleteLater();
+        if (const auto act = std::exchange(act_, nullptr))
+            act();
     }
 
 private:
+    int widthOfAction() const
+    {
+        return action_.isEmpty() ? 0 : fontMetrics().horizontalAdvance(action_) + theme::margin();
+    }
+
     void place()
     {
         const QWidget *window = parentWidget();
         // One pixel more than the text: its advance is rounded.
-        const int wanted = fontMetrics().horizontalAdvance(text_) + 1 + 2 * theme::margin();
+        const int wanted =
+            fontMetrics().horizontalAdvance(text_) + 1 + widthOfAction() + 2 * theme::margin();
         const int width = qMin(wanted, window->width() - 2 * theme::margin());
         const int height = fontMetrics().height() + 2 * theme::spacing();
         const int below = int(window->height() * heightFromBottom);
@@ -80,6 +109,8 @@ private:
     }
 
     QString text_;
+    QString action_;
+    std::function<void()> act_;
     QTimer standing_;
     QVariantAnimation fading_;
 };
@@ -91,18 +122,30 @@ ToastLine *lineIn(const QWidget *parent)
         parent->window()->findChild<QWidget *>(toastName, Qt::FindDirectChildrenOnly));
 }
 
-} // namespace
-
-void Toast::show(QWidget *parent, const QString &text, int ms)
+void showLine(QWidget *parent, ToastLine *line)
 {
-    delete lineIn(parent);
-    auto *line = new ToastLine(parent->window(), text.simplified(), ms);
     if (parent != parent->window())
         QObject::connect(parent, &QObject::destroyed, line, &QObject::deleteLater);
     line->show();
     line->raise();
     QAccessibleEvent announcement(line, QAccessible::Alert);
     QAccessible::updateAccessibility(&announcement);
+}
+
+} // namespace
+
+void Toast::show(QWidget *parent, const QString &text, int ms)
+{
+    delete lineIn(parent);
+    showLine(parent, new ToastLine(parent->window(), text.simplified(), ms));
+}
+
+void Toast::show(QWidget *parent, const QString &text, const QString &action,
+                 std::function<void()> act)
+{
+    delete lineIn(parent);
+    showLine(parent, new ToastLine(parent->window(), text.simplified(), clickableMs, action,
+                                   std::move(act)));
 }
 
 QString Toast::currentText(const QWidget *parent)

@@ -1,6 +1,8 @@
 #include "orderbrowser/window/browsertable.h"
 #include "orderbrowser/window/orderlist.h"
+#include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
+#include "widgets/boxes/filedialog.h"
 #include "widgets/inputs/datepicker.h"
 #include "widgets/orders/ordersearchbar.h"
 
@@ -16,7 +18,9 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStyleHints>
+#include <QTemporaryDir>
 
 namespace {
 
@@ -206,6 +210,43 @@ private slots:
         QTRY_COMPARE(shown->item(3)->text(), "deposit"_s);
         click("cancelButton");
         QCOMPARE(table()->orders()->columnOf("deposit"_s), 0);
+    }
+
+    void exportsWhatItShows()
+    {
+        const QTemporaryDir folder;
+        const QString path = folder.filePath("orders.csv"_s);
+        open();
+        QTest::keyClicks(child<QLineEdit>("filter0"), "TS10001"_s);
+        QTRY_COMPARE(rows(), 2);
+        const auto exported = [&](const char *scope, bool wholePhones) {
+            click("exportButton");
+            child<QRadioButton>(scope)->setChecked(true);
+            child<QCheckBox>("wholePhonesBox")->setChecked(wholePhones);
+            FileDialog::setNextFiles({path});
+            click("exportAcceptButton");
+            const bool told = QTest::qWaitFor(
+                [&] { return Toast::currentText(window_).startsWith("已导出: "_s); }, patienceMs);
+            Toast::show(window_, {});
+            QFile file(path);
+            return told && file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+        };
+        QByteArray table = exported("allRowsButton", false);
+        QVERIFY(table.startsWith("\xEF\xBB\xBF\"订单号\",\"男士姓名\","));
+        QCOMPARE(table.count("\r\n"), 3);
+        QVERIFY(table.contains("\r\n\"TS10001-2\","));
+        QVERIFY(table.contains("****"));
+        select(second);
+        table = exported("selectedRowsButton", true);
+        QCOMPARE(table.count("\r\n"), 2);
+        QVERIFY(!table.contains("****"));
+
+        QVERIFY(QFile::remove(path));
+        QVERIFY(QDir().mkdir(path)); // in the way
+        click("exportButton");
+        FileDialog::setNextFiles({path});
+        click("exportAcceptButton");
+        EXPECT_BOXES("文件保存失败: "_s + path);
     }
 
     void keepsColumnsAndWidthsOfAView()
