@@ -67,10 +67,11 @@ public:
     void add(const QJsonObject &element, const QString &branch)
     {
         BrowsedOrder order;
-        order.identity = {branch, reply::text(element, QStringLiteral("id")),
-                          reply::text(element, QStringLiteral("order_photo_id"))};
+        order.identity = {branch, once(reply::text(element, QStringLiteral("id"))),
+                          once(reply::text(element, QStringLiteral("order_photo_id")))};
         if (!isNew(order.identity))
             return;
+        order.values.reserve(listing_->fields.size());
         for (auto member = element.begin(); member != element.end(); ++member)
             put(&order, member.key(), memberText(member.value()));
         derive(&order);
@@ -135,7 +136,7 @@ private:
             return;
         if (order->values.size() <= field)
             order->values.resize(field + 1);
-        order->values[field] = *texts_.insert(text);
+        order->values[field] = once(text);
     }
 
     void derive(BrowsedOrder *order)
@@ -149,6 +150,8 @@ private:
             orderstate::text({numberIn(value(Originals)), !value(SelectionTime).isEmpty(),
                               numberIn(value(Chosen)), numberIn(value(Retouched))}));
     }
+
+    QString once(const QString &text) { return text.isEmpty() ? QString() : *texts_.insert(text); }
 
     OrderListing *listing_;
     QHash<QString, int> others_; ///< places of members that the program does not know
