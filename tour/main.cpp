@@ -54,6 +54,7 @@ int main(int argc, char *argv[])
         tourPhotoImport(guide);
         tourDistribution(guide);
         tourBatchDelete(guide);
+        tourOrderList(guide);
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));

@@ -9,3 +9,4 @@ void tourImportRetouched(Guide &guide);
 void tourPhotoImport(Guide &guide);
 void tourDistribution(Guide &guide);
 void tourBatchDelete(Guide &guide);
+void tourOrderList(Guide &guide);
