@@ -1,17 +1,14 @@
 #include "orderbrowser/window/columndialog.h"
 
 #include "app/context/k.h"
-#include "look/colours.h"
 #include "orderbrowser/rules/columnchoice.h"
 #include "widgets/boxes/toast.h"
-#include "widgets/frame/titlebar.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
 #include <QBoxLayout>
 #include <QListWidget>
-#include <QPainter>
 #include <QPushButton>
 #include <QShortcut>
 
@@ -57,7 +54,7 @@ void addItem(QListWidget *list, const QString &text, const QString &key)
 
 ColumnDialog::ColumnDialog(QWidget *parent, const OrderViews &views,
                            const QVector<orderfields::OrderField> &fields)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint)
+    : FramelessDialog(parent, QStringLiteral("列设置"))
     , views_(views)
     , fields_(fields)
     , viewBox_(new ComboBox(this))
@@ -66,25 +63,10 @@ ColumnDialog::ColumnDialog(QWidget *parent, const OrderViews &views,
     , available_(list("availableList"))
     , shown_(list("shownList"))
 {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(QStringLiteral("列设置"));
-    setStyleSheet(theme::windowStyle());
-    auto *bar = new TitleBar(this);
-    bar->setTitle(windowTitle());
-    connect(bar, &TitleBar::closeRequested, this, &QDialog::reject);
-
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
-    content->setSpacing(theme::spacing());
-    content->addLayout(viewRow());
-    content->addLayout(nameRow());
-    content->addLayout(lists(), 1);
-    content->addLayout(endButtons());
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(1, 1, 1, 1);
-    layout->setSpacing(0);
-    layout->addWidget(bar);
-    layout->addLayout(content, 1);
+    content()->addLayout(viewRow());
+    content()->addLayout(nameRow());
+    content()->addLayout(lists(), 1);
+    content()->addLayout(endButtons());
     resize(K::scaledPx(widthPx), K::scaledPx(heightPx));
     showViews();
     searchEdit_->setFocus();
@@ -229,14 +211,6 @@ QHBoxLayout *ColumnDialog::endButtons()
     row->addWidget(button(QStringLiteral("取消"), "cancelButton", [this] { reject(); }));
     row->addWidget(accept);
     return row;
-}
-
-void ColumnDialog::paintEvent(QPaintEvent *)
-{
-    QPainter painter(this);
-    painter.setPen(colours::toColor(colours::outline));
-    painter.setBrush(colours::toColor(colours::surface));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 // What is shown.

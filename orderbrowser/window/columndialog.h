@@ -1,8 +1,8 @@
 #pragma once
 
 #include "orderbrowser/rules/orderviews.h"
+#include "widgets/windows/framelessdialog.h"
 
-#include <QDialog>
 #include <QVector>
 
 #include <functional>
@@ -16,7 +16,7 @@ class QVBoxLayout;
 
 /// The dialog 列设置: which columns a view shows, in what order, and what views there are. Works on
 /// a copy until the user agrees. Show it with open(); it deletes itself when closed.
-class ColumnDialog : public QDialog
+class ColumnDialog : public FramelessDialog
 {
     Q_OBJECT
 
@@ -27,9 +27,6 @@ public:
 
 signals:
     void chosen(const OrderViews &views);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     QHBoxLayout *viewRow();

@@ -1,13 +1,10 @@
 #include "orderbrowser/window/exportdialog.h"
 
 #include "app/context/k.h"
-#include "look/colours.h"
-#include "widgets/frame/titlebar.h"
 #include "widgets/inputs/customcheckboxnew.h"
 #include "widgets/theme/theme.h"
 
 #include <QBoxLayout>
-#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -18,14 +15,11 @@ constexpr int widthPx = 340;
 } // namespace
 
 ExportDialog::ExportDialog(QWidget *parent, int shown, int selected, bool masksPhones)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint)
+    : FramelessDialog(parent, QStringLiteral("导出"))
     , all_(new QRadioButton(QStringLiteral("全部显示的行（%1 行）").arg(shown), this))
     , selected_(new QRadioButton(QStringLiteral("所选的行（%1 行）").arg(selected), this))
     , phones_(new CustomCheckBoxNew(QStringLiteral("含完整电话"), this))
 {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(QStringLiteral("导出"));
-    setStyleSheet(theme::windowStyle());
     all_->setObjectName(QStringLiteral("allRowsButton"));
     selected_->setObjectName(QStringLiteral("selectedRowsButton"));
     phones_->setObjectName(QStringLiteral("wholePhonesBox"));
@@ -34,10 +28,6 @@ ExportDialog::ExportDialog(QWidget *parent, int shown, int selected, bool masksP
     selected_->setEnabled(selected > 0);
     phones_->setChecked(!masksPhones);
     phones_->setEnabled(masksPhones);
-    auto *bar = new TitleBar(this);
-    bar->setTitle(windowTitle());
-    connect(bar, &TitleBar::closeRequested, this, &QDialog::reject);
-
     auto *cancel = new QPushButton(QStringLiteral("取消"), this);
     cancel->setStyleSheet(theme::secondaryButtonStyle());
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
@@ -54,27 +44,11 @@ ExportDialog::ExportDialog(QWidget *parent, int shown, int selected, bool masksP
     buttons->addWidget(cancel);
     buttons->addWidget(accept);
 
-    auto *content = new QVBoxLayout;
-    content->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
-    content->setSpacing(theme::spacing());
-    content->addWidget(all_);
-    content->addWidget(selected_);
-    content->addSpacing(theme::spacing());
-    content->addWidget(phones_);
-    content->addSpacing(theme::spacing());
-    content->addLayout(buttons);
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(1, 1, 1, 1);
-    layout->setSpacing(0);
-    layout->addWidget(bar);
-    layout->addLayout(content);
+    content()->addWidget(all_);
+    content()->addWidget(selected_);
+    content()->addSpacing(theme::spacing());
+    content()->addWidget(phones_);
+    content()->addSpacing(theme::spacing());
+    content()->addLayout(buttons);
     setMinimumWidth(K::scaledPx(widthPx));
-}
-
-void ExportDialog::paintEvent(QPaintEvent *)
-{
-    QPainter painter(this);
-    painter.setPen(colours::toColor(colours::outline));
-    painter.setBrush(colours::toColor(colours::surface));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QDialog>
+#include "widgets/windows/framelessdialog.h"
 
 class CustomCheckBoxNew;
 class QRadioButton;
 
 /// Asks what of the orders is to be exported. Show it with open(); it deletes itself when closed.
-class ExportDialog : public QDialog
+class ExportDialog : public FramelessDialog
 {
     Q_OBJECT
 
@@ -16,9 +16,6 @@ public:
 
 signals:
     void chosen(bool selectedAlone, bool wholePhones);
-
-protected:
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     QRadioButton *all_;
