@@ -137,6 +137,7 @@ void BrowserTable::showOrders(const OrderListing &listing, const QVector<int> &r
     selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
     horizontalScrollBar()->setValue(scrolledRight);
     emit selectionChangedTo(selectedRows().size());
+    emit currentOrderChanged();
 }
 
 // What the user does to the headings.
@@ -254,6 +255,13 @@ void BrowserTable::selectionChanged(const QItemSelection &selected,
 {
     EmptyStateTable::selectionChanged(selected, deselected);
     emit selectionChangedTo(selectedRows().size());
+}
+
+void BrowserTable::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    EmptyStateTable::currentChanged(current, previous);
+    if (current.row() != previous.row())
+        emit currentOrderChanged();
 }
 
 QVector<int> BrowserTable::selectedRows() const

@@ -44,6 +44,8 @@ signals:
     void sortingChanged(const QVector<OrderArrangement::Sorting> &sorting);
     void filterTyped(const QString &key, const QString &text);
     void selectionChangedTo(int rows);
+    /// Another order, or none, is the current one, or there is another listing.
+    void currentOrderChanged();
     /// The user wants to arrange the columns.
     void columnsWanted();
     /// The view is to be as it came.
@@ -54,6 +56,7 @@ signals:
 protected:
     void selectionChanged(const QItemSelection &selected,
                           const QItemSelection &deselected) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:
     void applyColumns();

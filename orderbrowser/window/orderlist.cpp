@@ -4,6 +4,7 @@
 #include "orderbrowser/rules/fieldfilter.h"
 #include "orderbrowser/window/browsertable.h"
 #include "orderbrowser/window/columndialog.h"
+#include "orderbrowser/window/detailspane.h"
 #include "orderbrowser/window/exportdialog.h"
 #include "orderbrowser/window/filterchips.h"
 #include "widgets/boxes/filedialog.h"
@@ -26,6 +27,7 @@
 #include <QGuiApplication>
 #include <QLocale>
 #include <QPushButton>
+#include <QSplitter>
 
 namespace {
 
@@ -45,6 +47,7 @@ OrderList::OrderList(QWidget *parent)
     , table_(new BrowserTable(this))
     , overlay_(new LoadingOverlay(table_))
     , finder_(new OrderFinder(this, {&branch_, searchBar_, table_, overlay_}))
+    , details_(new DetailsPane)
     , chips_(new FilterChips(this))
     , viewBox_(new ComboBox(this))
     , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
@@ -90,7 +93,15 @@ void OrderList::buildLayout()
     layout->addWidget(searchBar_);
     layout->addWidget(controls());
     layout->addWidget(chips_);
-    layout->addWidget(table_, 1);
+    auto *splitter = new QSplitter(Qt::Horizontal);
+    splitter->setStyleSheet(theme::splitterStyle());
+    splitter->addWidget(table_);
+    splitter->addWidget(details_);
+    splitter->setStretchFactor(0, 3);
+    splitter->setStretchFactor(1, 1);
+    splitter->setChildrenCollapsible(false);
+    details_->hide();
+    layout->addWidget(splitter, 1);
     layout->addWidget(foot());
     setContent(content);
 }
@@ -110,6 +121,7 @@ QWidget *OrderList::controls()
         fieldvalues::Display display = table_->orders()->display();
         display.wholePhones = whole;
         table_->orders()->setDisplay(display);
+        showDetails();
     });
 
     auto *row = new QWidget;
@@ -127,6 +139,15 @@ QWidget *OrderList::controls()
     layout->addWidget(columns);
     layout->addWidget(phones);
     layout->addStretch();
+    auto *details = new CustomCheckBoxNew(QStringLiteral("详情"), this);
+    details->setObjectName(QStringLiteral("detailsBox"));
+    details->setShortcut(Qt::Key_F4);
+    details->setToolTip(QStringLiteral("F4"));
+    connect(details, &QCheckBox::toggled, this, [this](bool shown) {
+        details_->setVisible(shown);
+        showDetails();
+    });
+    layout->insertWidget(layout->count() - 1, details);
     layout->addWidget(refreshed_);
     layout->addWidget(refreshButton_);
     exportButton_->setObjectName(QStringLiteral("exportButton"));
@@ -209,6 +230,8 @@ void OrderList::connectTable()
     });
     connect(table_, &BrowserTable::filterTyped, this, &OrderList::setFilter);
     connect(table_, &BrowserTable::selectionChangedTo, this, &OrderList::showCounts);
+    connect(table_, &BrowserTable::currentOrderChanged, this, &OrderList::showDetails);
+    connect(details_, &DetailsPane::openFolderClicked, this, &OrderList::openFolder);
     connect(table_, &BrowserTable::menuWanted, this, [this](const QPoint &position) {
         if (table_->currentOrder())
             popUpActions(table_, position);
@@ -436,6 +459,13 @@ void OrderList::showCounts()
                          QStringLiteral("，%1 项无法读取").arg(grouped(listing_.unreadable)));
     }
     selected_->setText(QStringLiteral("已选 %1 行").arg(grouped(table_->selectedRows().size())));
+}
+
+void OrderList::showDetails()
+{
+    if (details_->isVisible())
+        details_->showOrder(table_->orders()->listing(), table_->currentOrder(),
+                            table_->orders()->display());
 }
 
 // What is done with orders.

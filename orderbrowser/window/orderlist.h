@@ -10,6 +10,7 @@
 
 #include <QTimer>
 
+class DetailsPane;
 class FilterChips;
 class LoadingOverlay;
 class OrderFinder;
@@ -71,6 +72,7 @@ private:
     void copyNumber();
     void copySelected();
     void showCounts();
+    void showDetails();
 
     BranchSession branch_;
     SharedFolderOpener folderOpener_;
@@ -84,6 +86,7 @@ private:
     BrowserTable *table_;
     LoadingOverlay *overlay_;
     OrderFinder *finder_;
+    DetailsPane *details_;
     FilterChips *chips_;
     ComboBox *viewBox_;
     QPushButton *refreshButton_;

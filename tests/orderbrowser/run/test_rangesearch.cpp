@@ -1,15 +1,19 @@
 #include "app/context/accountcontext.h"
+#include "orderbrowser/run/folderlook.h"
 #include "orderbrowser/run/rangesearch.h"
 #include "orderbrowser/run/viewstore.h"
 #include "tasks/background.h"
 #include "tests/support/democlient.h"
+#include "tests/support/files.h"
 #include "tests/support/loglines.h"
+#include "tests/support/patience.h"
 #include "tests/support/text.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSignalSpy>
+#include <QSemaphore>
+#include <QTemporaryDir>
 #include <QtTest>
 
 using orderqueries::OrderSearch;
@@ -164,7 +168,54 @@ private slots:
         QCOMPARE(aside.size(), 1);
     }
 
+    void looksAtFolders()
+    {
+        const QTemporaryDir folder;
+        writeFile(folder.filePath("a.jpg"_s), "12345");
+        writeFile(folder.filePath("原片/b.jpg"_s), "123");
+        writeFile(folder.filePath("原片/all/c.jpg"_s), "1");
+        QVERIFY(QDir(folder.path()).mkdir("精修片"_s));
+        FolderContent content = lookAt(wireForm(folder.path()));
+        QCOMPARE(content.state, FolderContent::State::There);
+        QStringList parts;
+        for (const FolderContent::Part &part : qAsConst(content.parts))
+            parts.append("%1:%2:%3"_s.arg(part.name).arg(part.files).arg(part.bytes));
+        QCOMPARE(parts, (QStringList{":1:5"_s, "原片:2:4"_s, "精修片:0:0"_s}));
+        content = lookAt(wireForm(folder.filePath("gone"_s)));
+        QCOMPARE(content.state, FolderContent::State::Missing);
+        content = lookAt("..\\photos"_s);
+        QCOMPARE(content.state, FolderContent::State::Refused);
+    }
+
+    void givesUpOnASilentDisk()
+    {
+        const QTemporaryDir folder;
+        QSemaphore answers;
+        QObject context;
+        for (int i = 0; i < 2; ++i) // as many looks as one disk has at a time
+            onDisk(
+                &context, folder.path(), [&answers] { answers.acquire(); }, [] {});
+        const FolderContent content = lookAt(wireForm(folder.path()), 50);
+        answers.release(2);
+        diskPool().waitForDone();
+        QCOMPARE(content.state, FolderContent::State::TimedOut);
+    }
+
 private:
+    static FolderContent lookAt(const QString &path, int limitMs = patienceMs)
+    {
+        FolderLook look(nullptr, limitMs);
+        FolderContent content;
+        bool hasFound = false;
+        connect(&look, &FolderLook::found, &look, [&](const FolderContent &found) {
+            content = found;
+            hasFound = true;
+        });
+        look.look(path);
+        if (!QTest::qWaitFor([&] { return hasFound; }, patienceMs))
+            qFatal("nothing found");
+        return content;
+    }
     void start(const BrowserSearch &search)
     {
         run_->start(search, {"101"_s, "7001"_s, "3101"_s}, {"101"_s, {}});

@@ -21,6 +21,7 @@
 #include <QRadioButton>
 #include <QStyleHints>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
 namespace {
 
@@ -210,6 +211,33 @@ private slots:
         QTRY_COMPARE(shown->item(3)->text(), "deposit"_s);
         click("cancelButton");
         QCOMPARE(table()->orders()->columnOf("deposit"_s), 0);
+    }
+
+    void showsAllOfOneOrder()
+    {
+        open();
+        select(first);
+        QTest::keyClick(window_, Qt::Key_F4);
+        auto *fields = child<QTreeWidget>("detailsTree");
+        QTRY_VERIFY(fields->isVisible());
+        QCOMPARE(child<QLabel>("detailsHeading")->text(), first);
+        const auto shown = [fields](const QString &heading) {
+            const auto found = fields->findItems(heading, Qt::MatchExactly | Qt::MatchRecursive);
+            return found.isEmpty() ? QString() : found.at(0)->text(1);
+        };
+        QCOMPARE(shown("选片完成时间"_s), "2025-10-08 14:30"_s);
+        QVERIFY(shown("男士电话"_s).contains("****"_s));
+        QVERIFY(shown("deposit"_s).startsWith("1,"_s));
+        // What it is of the folder is told when the disk has answered.
+        select("TS10006-1"_s);
+        QCOMPARE(child<QLabel>("detailsHeading")->text(), "TS10006-1"_s);
+        QTRY_VERIFY(child<QLabel>("folderLabel")->text().endsWith("目录不存在"_s));
+        fields->setCurrentItem(
+            fields->findItems("订单号"_s, Qt::MatchExactly | Qt::MatchRecursive).value(0));
+        QApplication::setActiveWindow(window_);
+        fields->setFocus();
+        QTest::keyClick(fields, Qt::Key_C, Qt::ControlModifier);
+        QCOMPARE(QApplication::clipboard()->text(), "TS10006-1"_s);
     }
 
     void exportsWhatItShows()
