@@ -282,8 +282,11 @@ void OrderViews::keepSearch(const QString &branch, const BrowserSearch &search)
 QByteArray OrderViews::toJson() const
 {
     QJsonArray views;
-    for (const OrderView &view : views_)
-        views.append(written(view));
+    // What is as it came comes with the next version of the program as that has it.
+    for (const OrderView &view : views_) {
+        if (!comingAlong().contains(view))
+            views.append(written(view));
+    }
     QJsonObject searches;
     for (auto it = searches_.cbegin(); it != searches_.cend(); ++it)
         searches.insert(it.key(), written(it.value()));

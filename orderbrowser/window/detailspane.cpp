@@ -56,7 +56,7 @@ DetailsPane::DetailsPane(QWidget *parent)
     fields_->setHeaderLabels({QStringLiteral("字段"), QStringLiteral("内容")});
     fields_->setRootIsDecorated(true);
     fields_->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    fields_->setStyleSheet(theme::listStyle());
+    fields_->setStyleSheet(theme::tableStyle() + theme::listStyle());
     addTableAction(fields_, QStringLiteral("复制"), QKeySequence::Copy, [this] { copySelected(); });
     folder_->setObjectName(QStringLiteral("folderLabel"));
     folder_->setWordWrap(true);
