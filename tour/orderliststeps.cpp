@@ -1,3 +1,4 @@
+#include "app/context/accountcontext.h"
 #include "app/shell/choosetools.h"
 #include "fileimport/window/importfiles.h"
 #include "orderbrowser/window/columndialog.h"
@@ -8,6 +9,7 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -35,6 +37,7 @@ void choose(QListWidget *list, const QString &text)
 void tourOrderList(Guide &guide)
 {
     guide.step("订单列表"_s);
+    QFile::remove(ViewStore(AccountContext::uid).path()); // an earlier tour's views
     auto *launcher = guide.waitForWindow<ChooseTools>("the launcher is there"_s);
     guide.click(launcher, "orderListButton");
     auto *window = guide.waitForWindow<OrderList>("its window opens"_s);

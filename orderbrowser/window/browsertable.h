@@ -22,6 +22,7 @@ public:
     ~BrowserTable() override;
 
     OrderBrowserModel *orders() { return &model_; }
+    const OrderBrowserModel *orders() const { return &model_; }
 
     /// Columns, widths and sorting as \a view says.
     void showView(const OrderView &view);

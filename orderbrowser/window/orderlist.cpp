@@ -5,9 +5,8 @@
 #include "orderbrowser/window/browsertable.h"
 #include "orderbrowser/window/columndialog.h"
 #include "orderbrowser/window/detailspane.h"
-#include "orderbrowser/window/exportdialog.h"
+#include "orderbrowser/window/exportbutton.h"
 #include "orderbrowser/window/filterchips.h"
-#include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
@@ -22,8 +21,6 @@
 #include <QAction>
 #include <QBoxLayout>
 #include <QClipboard>
-#include <QDateTime>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QLocale>
 #include <QPushButton>
@@ -51,7 +48,6 @@ OrderList::OrderList(QWidget *parent)
     , chips_(new FilterChips(this))
     , viewBox_(new ComboBox(this))
     , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
-    , exportButton_(new QPushButton(QStringLiteral("导出"), this))
     , counts_(new PlainLabel(this))
     , selected_(new PlainLabel(this))
     , refreshed_(new PlainLabel(this))
@@ -150,14 +146,7 @@ QWidget *OrderList::controls()
     layout->insertWidget(layout->count() - 1, details);
     layout->addWidget(refreshed_);
     layout->addWidget(refreshButton_);
-    exportButton_->setObjectName(QStringLiteral("exportButton"));
-    exportButton_->setStyleSheet(theme::secondaryButtonStyle());
-    connect(exportButton_, &QPushButton::clicked, this, &OrderList::exportOrders);
-    connect(&sheetWriter_, &SheetWriter::finished, this, &OrderList::onExported);
-    connect(&sheetWriter_, &SheetWriter::progressed, this, [this](int rows, int total) {
-        exportButton_->setText(QStringLiteral("导出中 %1%").arg(rows * 100LL / qMax(1, total)));
-    });
-    layout->addWidget(exportButton_);
+    layout->addWidget(new ExportButton(table_, this));
     return row;
 }
 
@@ -480,54 +469,6 @@ void OrderList::openFolder()
         Toast::show(this, QStringLiteral("该订单没有导片路径"));
     else
         folderOpener_.open(folder);
-}
-
-void OrderList::exportOrders()
-{
-    const int shown = table_->orders()->rowCount();
-    if (shown == 0) {
-        Toast::show(this, QStringLiteral("没有可以导出的订单"));
-        return;
-    }
-    auto *dialog = new ExportDialog(this, shown, table_->selectedRows().size(),
-                                    !table_->orders()->display().wholePhones);
-    connect(dialog, &ExportDialog::chosen, this, &OrderList::exportRows);
-    dialog->open();
-}
-
-void OrderList::exportRows(bool selectedAlone, bool wholePhones)
-{
-    // What is shown while the file is chosen may be another list.
-    const OrderBrowserModel *orders = table_->orders();
-    OrderSheet sheet{orders->listing(), orders->positions(), table_->shownKeys(),
-                     orders->display()};
-    sheet.display.wholePhones = wholePhones;
-    if (selectedAlone) {
-        sheet.rows.clear();
-        const auto selected = table_->selectedRows();
-        for (const int row : selected)
-            sheet.rows.append(orders->position(row));
-    }
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    const QString path = FileDialog::saveFile(
-        this, QStringLiteral("导出"), QStringLiteral("订单列表-%1.csv").arg(now),
-        QStringLiteral("CSV (*.csv)"), QStringLiteral("orders"));
-    if (path.isEmpty())
-        return;
-    exportButton_->setEnabled(false);
-    sheetWriter_.start(path, sheet);
-}
-
-void OrderList::onExported(const QString &path, bool written)
-{
-    exportButton_->setEnabled(true);
-    exportButton_->setText(QStringLiteral("导出"));
-    if (!written) {
-        MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
-        return;
-    }
-    Toast::show(this, QStringLiteral("已导出: %1").arg(path), QStringLiteral("打开"),
-                [this, folder = QFileInfo(path).absolutePath()] { folderOpener_.open(folder); });
 }
 
 void OrderList::openTool(const QString &card)

@@ -4,7 +4,6 @@
 #include "net/branchsession.h"
 #include "orderbrowser/run/orderarranger.h"
 #include "orderbrowser/run/rangesearch.h"
-#include "orderbrowser/run/sheetwriter.h"
 #include "orderbrowser/run/viewstore.h"
 #include "widgets/windows/framelesswindow.h"
 
@@ -65,9 +64,6 @@ private:
     void keepViews();
 
     void openFolder();
-    void exportOrders();
-    void exportRows(bool selectedAlone, bool wholePhones);
-    void onExported(const QString &path, bool written);
     void openTool(const QString &card);
     void copyNumber();
     void copySelected();
@@ -79,7 +75,6 @@ private:
     RangeSearch rangeSearch_;
     OrderArranger arranger_;
     ViewStore store_;
-    SheetWriter sheetWriter_;
     OrderViews views_;
     QTimer keepTimer_; ///< collects what is changed by dragging before it is written
     OrderSearchBar *searchBar_;
@@ -90,7 +85,6 @@ private:
     FilterChips *chips_;
     ComboBox *viewBox_;
     QPushButton *refreshButton_;
-    QPushButton *exportButton_;
     QLabel *counts_;
     QLabel *selected_;
     QLabel *refreshed_;
