@@ -321,9 +321,9 @@ private:
         const auto menus = orders()->findChildren<QMenu *>();
         for (const QMenu *menu : menus) {
             const auto actions = menu->actions();
-            for (QAction *action : actions) {
-                if (action->text() == text) {
-                    action->trigger();
+            for (QAction *each : actions) {
+                if (each->text() == text) {
+                    each->trigger();
                     delete child<QMenu>("headingMenu");
                     return;
                 }
