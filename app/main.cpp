@@ -1,4 +1,5 @@
 #include "app/context/k.h"
+#include "app/shell/startwindow.h"
 #include "platform/power.h"
 #include "tasks/background.h"
 #include "widgets/theme/theme.h"
@@ -17,7 +18,7 @@ int main(int argc, char *argv[])
     K::instance()->initApplication(&application);
     theme::applyApplicationFont();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
-    K::instance()->openStartWindow(0);
+    K::instance()->openStartWindow(int(StartMode::Login));
     const int exitCode = QApplication::exec();
     // A look at a dead share may still hang, and must not come back to a program half taken down.
     diskPool().waitForDone();

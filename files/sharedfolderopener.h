@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/folderopening.h"
+#include "platform/systemcommands.h"
 #include "tasks/stopflag.h"
 
 #include <QObject>

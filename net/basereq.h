@@ -13,7 +13,8 @@
 class QNetworkAccessManager;
 class ReplyBody;
 
-/// One call to the studio-management service, or one image fetch.
+/// One request to the studio-management service, or one image fetch: the transport. Tools call the
+/// service through net/servicecall.h, which tells apart how a request ended.
 ///
 /// Serves one request at a time; create one per call, with the calling window as parent: when the
 /// parent dies the call dies with it and its callback never runs. Calls return at once, callbacks

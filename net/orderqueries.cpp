@@ -24,9 +24,9 @@ int sizeOr(const QJsonObject &element, const QString &key, int otherwise)
     return size > 0 ? size : otherwise;
 }
 
-QVector<PhotoEntry> readPhotos(const QJsonObject &element, const QString &key)
+QVector<OrderPhoto> readPhotos(const QJsonObject &element, const QString &key)
 {
-    QVector<PhotoEntry> photos;
+    QVector<OrderPhoto> photos;
     const auto elements = reply::objects(element, key);
     for (const QJsonObject &photo : elements) {
         photos.append({reply::text(photo, QStringLiteral("img_name")),

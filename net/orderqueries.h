@@ -64,7 +64,7 @@ struct Person
 };
 
 /// One photo of an order as the service lists it.
-struct PhotoEntry
+struct OrderPhoto
 {
     QString imgName;
     QString url;
@@ -106,14 +106,14 @@ struct OrderInfo
     int middleSize = 190;
     int bigSize = 1920;
     QString picPathNew;
-    QVector<PhotoEntry> images;
-    QVector<PhotoEntry> imagesTaipian;
+    QVector<OrderPhoto> images;
+    QVector<OrderPhoto> imagesTaipian;
 
     OrderIdentity identity() const { return {branch, id, orderPhotoId}; }
 };
 
 /// What a search found, as a tool reads it.
-template <typename Order> struct OrderList
+template <typename Order> struct FoundOrders
 {
     bool isList = false; ///< false: the reply carries no list at all
     int elements = 0;    ///< how many the service listed, usable or not
@@ -130,7 +130,7 @@ struct OrderElements
     bool isList = false;
     int count = 0; ///< of the list
     QVector<QJsonObject> listed;
-    QVector<QJsonObject> unlisted; ///< see OrderList
+    QVector<QJsonObject> unlisted; ///< see FoundOrders
 };
 
 /// The folder into which \a order is imported, in Windows form: \a importPath when it has one,
@@ -158,10 +158,10 @@ OrderElements orderElements(const QJsonObject &reply);
 /// Reads a search reply with \a read, which makes a tool's record of one element. Orders with
 /// thousands of photos take their time.
 template <typename Order, typename Read>
-OrderList<Order> readOrderList(const QJsonObject &reply, Read read)
+FoundOrders<Order> readFoundOrders(const QJsonObject &reply, Read read)
 {
     const OrderElements elements = orderElements(reply);
-    OrderList<Order> list{elements.isList, elements.count, {}, {}};
+    FoundOrders<Order> list{elements.isList, elements.count, {}, {}};
     list.orders.reserve(elements.listed.size());
     for (const QJsonObject &element : elements.listed)
         list.orders.append(read(element));

@@ -1,4 +1,4 @@
-#include "distribution/naming/foldernamingrule.h"
+#include "distribution/ruleeditor/foldernamingrule.h"
 #include "distribution/window/distributionordermodel.h"
 #include "distribution/window/fjhome.h"
 #include "tour/toolhand.h"

@@ -1,7 +1,7 @@
 #include "tour/guide.h"
 
 #include "tests/support/text.h"
-#include "widgets/boxes/noticedialog.h"
+#include "widgets/boxes/boxdialog.h"
 
 #include <QApplication>
 #include <QDir>
@@ -99,7 +99,7 @@ void Guide::answerNextBox(const QString &buttonText, const QString &pictureName)
 
 void Guide::answerBox()
 {
-    auto *box = qobject_cast<NoticeDialog *>(QApplication::activeModalWidget());
+    auto *box = qobject_cast<BoxDialog *>(QApplication::activeModalWidget());
     if (!box || !box->isVisible())
         return;
     boxTimer_.stop();

@@ -2,6 +2,7 @@
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
 #include "app/shell/choosetools.h"
+#include "app/shell/startwindow.h"
 #include "tests/support/text.h"
 #include "tour/guide.h"
 #include "tour/steps.h"
@@ -9,7 +10,7 @@
 void tourLogin(Guide &guide)
 {
     guide.step("登录失败"_s);
-    K::instance()->openStartWindow(0);
+    K::instance()->openStartWindow(int(StartMode::Login));
     auto *login = guide.waitForWindow<LoginNew>("the login window opens"_s);
     guide.typeInto(login, "accountEdit", "demo01"_s);
     guide.typeInto(login, "passwordEdit", "wrong"_s);

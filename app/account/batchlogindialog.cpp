@@ -7,7 +7,7 @@
 #include "net/formbody.h"
 #include "net/servicecall.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/theme/plaintext.h"

@@ -10,7 +10,7 @@
 #include "net/formbody.h"
 #include "net/servicecall.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/frame/titlebar.h"
 #include "widgets/inputs/customcheckboxnew.h"

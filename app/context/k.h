@@ -21,8 +21,8 @@ public:
     /// Installs the application font and the Chinese translations and sets the interface scale.
     void initApplication(QGuiApplication *application);
 
-    /// Opens the first window: mode 0 the login, mode 1 (a tool in a process of its own, started
-    /// with saved login data) the design distribution. Defined with the windows it opens.
+    /// Opens the first window: \a mode is a StartMode (app/shell/startwindow.h). Defined with the
+    /// windows it opens.
     void openStartWindow(int mode);
 
     /// Factor between design pixels and pixels of the screen, at least 1.0. Set once at start-up.

@@ -12,9 +12,6 @@
 
 namespace {
 
-constexpr int loginMode = 0;
-constexpr int distributionMode = 1;
-
 void openLogin(QObject *context)
 {
     auto *login = new LoginNew;
@@ -26,6 +23,23 @@ void openLogin(QObject *context)
         launcher->show();
     });
     login->show();
+}
+
+void openDistribution()
+{
+    auto *window = new FJHome;
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->setCard(QStringLiteral("设计分件"));
+    window->showMaximized();
+}
+
+/// What a process that serves one tool starts with.
+void takeSavedAccount()
+{
+    const QString address = urlHostIn(QCoreApplication::arguments());
+    if (!address.isNull())
+        AccountContext::baseUrl = address;
+    enterSavedAccount(LoginReply::readSaved(K::instance()->loadLoginData()));
 }
 
 } // namespace
@@ -42,20 +56,15 @@ QString urlHostIn(const QStringList &arguments)
 
 void K::openStartWindow(int mode)
 {
-    if (mode == loginMode) {
+    switch (StartMode(mode)) {
+    case StartMode::Login:
         openLogin(this);
         return;
-    }
-    const QString address = urlHostIn(QCoreApplication::arguments());
-    if (!address.isNull())
-        AccountContext::baseUrl = address;
-    enterSavedAccount(LoginReply::readSaved(loadLoginData()));
-    if (mode != distributionMode) {
-        qCWarning(lcTessavo) << "no window for start mode" << mode;
+    case StartMode::Distribution:
+        takeSavedAccount();
+        openDistribution();
         return;
     }
-    auto *window = new FJHome;
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    window->setCard(QStringLiteral("设计分件"));
-    window->showMaximized();
+    takeSavedAccount();
+    qCWarning(lcTessavo) << "no window for start mode" << mode;
 }

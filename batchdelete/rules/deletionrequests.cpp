@@ -35,9 +35,9 @@ FormBody accountBody(const orderqueries::Identity &identity, const QString &orde
 
 } // namespace
 
-OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
+FoundOrders readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    return orderqueries::readOrderList<BatchDeleteOrderInfo>(
+    return orderqueries::readFoundOrders<BatchDeleteOrderInfo>(
         reply, [&branch](const QJsonObject &element) {
             BatchDeleteOrderInfo order = readOrder(element);
             order.branch = branch.id;

@@ -14,10 +14,10 @@ namespace deletionrequests {
 inline const QString announceAction = QStringLiteral("&m=order&a=delete_pic_before");
 inline const QString reportAction = QStringLiteral("&m=order&a=delete_pic_after");
 
-using OrderList = orderqueries::OrderList<BatchDeleteOrderInfo>;
+using FoundOrders = orderqueries::FoundOrders<BatchDeleteOrderInfo>;
 
 /// Reads a reply to a search in \a branch.
-OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+FoundOrders readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 /// Which files are about to be deleted. Takes a while for an order of many files.
 QByteArray announceBody(const orderqueries::Identity &identity, const QString &orderPhotoId,

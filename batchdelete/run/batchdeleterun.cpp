@@ -3,8 +3,8 @@
 #include "batchdelete/rules/deletionrequests.h"
 #include "batchdelete/rules/deletionrules.h"
 #include "batchdelete/run/batchdeletethread.h"
+#include "batchdelete/run/emptiedfolder.h"
 #include "batchdelete/run/filescanthread.h"
-#include "batchdelete/run/orderfolder.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -222,7 +222,8 @@ void BatchDeleteRun::lookAtFolder(const std::function<void(const QString &refusa
     onDisk(
         this, order().netPath,
         [path = order().netPath, publicRoots = publicRoots_] {
-            return Look{deletionrules::linkRefusal(path, publicRoots), orderfolder::holderOf(path)};
+            return Look{deletionrules::linkRefusal(path, publicRoots),
+                        emptiedfolder::holderOf(path)};
         },
         step_.only([this, next](const Look &look) {
             holder_ = look.holder;
@@ -343,15 +344,15 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
     // it, with every file still on it.
     onDisk(
         this, order().netPath,
-        [path = order().netPath, holder = holder_] { return orderfolder::lookFor(path, holder); },
-        step_.only([this, file, unreachable](const orderfolder::Look &look) {
-            if (look.state == orderfolder::State::There && unreachable) {
+        [path = order().netPath, holder = holder_] { return emptiedfolder::lookFor(path, holder); },
+        step_.only([this, file, unreachable](const emptiedfolder::Look &look) {
+            if (look.state == emptiedfolder::State::There && unreachable) {
                 setFile(file_, file);
                 processNextFile();
-            } else if (look.state != orderfolder::State::Unreachable && !unreachable) {
+            } else if (look.state != emptiedfolder::State::Unreachable && !unreachable) {
                 report(file);
             } else {
-                onFolderGone(file, unreachable ? orderfolder::unreachableText() : look.reason);
+                onFolderGone(file, unreachable ? emptiedfolder::unreachableText() : look.reason);
             }
         }));
 }

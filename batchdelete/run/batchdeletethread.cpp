@@ -1,6 +1,6 @@
 #include "batchdelete/run/batchdeletethread.h"
 
-#include "batchdelete/run/orderfolder.h"
+#include "batchdelete/run/emptiedfolder.h"
 #include "platform/drives.h"
 #include "platform/fileaccess.h"
 #include "platform/folderlisting.h"
@@ -116,7 +116,7 @@ void BatchdeleteThread::diagnose(const Result &otherwise)
         return;
     file_.missing = presence == platform::Presence::Gone && !unreachable;
     if (unreachable)
-        setResult(BatchDeleteFileInfo::Unreachable, orderfolder::unreachableText());
+        setResult(BatchDeleteFileInfo::Unreachable, emptiedfolder::unreachableText());
     else if (file_.missing)
         setResult(BatchDeleteFileInfo::Deleted, {});
     else if (presence == platform::Presence::Denied || (there && !writable))

@@ -1,7 +1,7 @@
 #include "batchdelete/window/batchdelete.h"
 
 #include "batchdelete/rules/deletionrules.h"
-#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/window/batchdelete_filelistwidget.h"
 #include "batchdelete/window/batchdelete_orderlistwidget.h"
 #include "batchdelete/window/batchdelete_runbar.h"
@@ -9,7 +9,7 @@
 #include "tasks/background.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"
@@ -110,7 +110,7 @@ void BatchDelete::connectLists()
     connect(finder_, &OrderFinder::branchLeft, this, &BatchDelete::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
     finder_->setReader(&deletionrequests::readOrders,
-                       [this](const deletionrequests::OrderList &list, OrderFinder::Search) {
+                       [this](const deletionrequests::FoundOrders &list, OrderFinder::Search) {
                            orderList_->keepPlaceWhile(
                                [&] { orders_.setOrders(list.orders, list.unlisted); });
                        });
@@ -345,9 +345,9 @@ void BatchDelete::onViewClicked(int row, BatchDeleteProgressDelegate::Button but
         return;
     const BatchDeleteOrderInfo &order = orders_.order(row);
     if (button == BatchDeleteProgressDelegate::ViewSucceeded)
-        MessageBox::information(this, deletionreport::succeededList(order));
+        MessageBox::information(this, deletiontexts::succeededList(order));
     else
-        MessageBox::warning(this, deletionreport::failedList(order));
+        MessageBox::warning(this, deletiontexts::failedList(order));
 }
 
 void BatchDelete::retryFiles(const QVector<int> &indexes)
@@ -471,14 +471,14 @@ void BatchDelete::askForResubmit(const QString &question, const QString &certifi
 {
     if (!certificateError.isEmpty())
         showCertificateRefused(this, certificateError);
-    MessageBox::question(this, BoxText(question).explained(deletionreport::resubmitChoices()),
+    MessageBox::question(this, BoxText(question).explained(deletiontexts::resubmitChoices()),
                          QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
                          [this](QMessageBox::StandardButton answer) { answerResubmit(answer); });
 }
 
 void BatchDelete::askToGoOn()
 {
-    ConfirmDialog::ask(this, deletionreport::pauseQuestion(), ConfirmDialog::Enter::Cancels,
+    ConfirmDialog::ask(this, deletiontexts::pauseQuestion(), ConfirmDialog::Enter::Cancels,
                        [this](bool goOn) { run_.answerPause(goOn); });
 }
 
@@ -496,7 +496,7 @@ void BatchDelete::onRunFinished(const DeletionSummary &summary)
     showRunState();
     if (isClosing())
         return;
-    const QString text = deletionreport::summaryText(summary);
+    const QString text = deletiontexts::summaryText(summary);
     switch (summary.end) {
     case DeletionSummary::End::Completed:
         MessageBox::information(this, text);

@@ -1,6 +1,6 @@
 #include "batchdelete/window/batchdelete_exportbutton.h"
 
-#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
 #include "files/filewriting.h"
 #include "tasks/background.h"
@@ -32,7 +32,7 @@ BatchDelete_ExportButton::BatchDelete_ExportButton(const BatchDeleteOrderModel *
 bool BatchDelete_ExportButton::hasOutcome()
 {
     const QVector<BatchDeleteOrderInfo> &orders = model_->orders();
-    const bool any = std::any_of(orders.cbegin(), orders.cend(), deletionreport::hasOutcome);
+    const bool any = std::any_of(orders.cbegin(), orders.cend(), deletiontexts::hasOutcome);
     if (!any)
         Toast::show(this, QStringLiteral("还没有删除结果"));
     return any;
@@ -50,7 +50,7 @@ void BatchDelete_ExportButton::saveOutcome()
         return;
     onDisk(
         this, path,
-        [path, orders = model_->orders()] { return writeBytes(path, deletionreport::csv(orders)); },
+        [path, orders = model_->orders()] { return writeBytes(path, deletiontexts::csv(orders)); },
         [this, path](bool written) {
             if (written)
                 Toast::show(this, QStringLiteral("结果已保存: %1").arg(path));
@@ -64,7 +64,7 @@ void BatchDelete_ExportButton::copyOutcome()
     if (!hasOutcome())
         return;
     onProcessor(
-        this, [orders = model_->orders()] { return deletionreport::csv(orders); },
+        this, [orders = model_->orders()] { return deletiontexts::csv(orders); },
         [this](const QByteArray &table) {
             QGuiApplication::clipboard()->setText(QString::fromUtf8(table));
             Toast::show(this, QStringLiteral("结果已复制"));

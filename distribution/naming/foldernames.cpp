@@ -39,6 +39,14 @@ QString numbered(const QString &safe, int number)
 
 } // namespace
 
+QString orderFolder(const OrderDetail &detail)
+{
+    return safeFileName(QStringLiteral("%1-服务%2 %3-%4 %5")
+                            .arg(detail.value("orderpayforkey"), detail.value("servicetimes"),
+                                 detail.value("mname"), detail.value("wname"),
+                                 detail.value("pickuptypename")));
+}
+
 QString factoryFolder(const OrderDetail &detail)
 {
     const QString urgent = detail.value("isurgent");

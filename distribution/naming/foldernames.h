@@ -21,6 +21,8 @@ inline const QString crops = QStringLiteral("裁剪");
 inline const QString barcodeFile = QStringLiteral("条形码.jpg"); ///< below "其他"
 inline const QString sheetFile = QStringLiteral("明细制作单.pdf");
 
+/// Holds everything of one order.
+QString orderFolder(const OrderDetail &detail);
 /// In the order's folder; holds the folders of its products.
 QString factoryFolder(const OrderDetail &detail);
 

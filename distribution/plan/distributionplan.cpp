@@ -1,6 +1,6 @@
 #include "distribution/plan/distributionplan.h"
 
-#include "distribution/files/photofiles.h"
+#include "distribution/files/photowriting.h"
 #include "distribution/naming/foldernames.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/rules/photoidentity.h"
@@ -20,14 +20,6 @@ DownloadOptions defaultOptions(DesignFileSplitTypes type)
     options.fullSize = !options.originals;
     options.retouched = !options.originals;
     return options;
-}
-
-QString orderFolderName(const OrderDetail &detail)
-{
-    return safeFileName(QStringLiteral("%1-服务%2 %3-%4 %5")
-                            .arg(detail.value("orderpayforkey"), detail.value("servicetimes"),
-                                 detail.value("mname"), detail.value("wname"),
-                                 detail.value("pickuptypename")));
 }
 
 QString roleFolder(const QString &role)
@@ -477,7 +469,7 @@ void Planner::fetch(const QString &url, const QString &imageType, const QString 
 
 QString thumbnailSource(const DetailPhoto &photo)
 {
-    return photo.localPath90.isEmpty() ? photofiles::thumbnailOf(photo.source())
+    return photo.localPath90.isEmpty() ? photowriting::thumbnailOf(photo.source())
                                        : photo.localPath90;
 }
 

@@ -63,9 +63,6 @@ using FindRaws = std::function<QStringList(const QString &photoPath)>;
 /// alone.
 OrderPlan planOrder(const PlanRequest &request, const FindRaws &findRaws);
 
-/// Name of the folder that everything of one order goes into.
-QString orderFolderName(const OrderDetail &detail);
-
 /// The sub-folder that a photorole fills.
 QString roleFolder(const QString &role);
 

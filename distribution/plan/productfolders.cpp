@@ -1,6 +1,6 @@
 #include "distribution/plan/productfolders.h"
 
-#include "distribution/files/photofiles.h"
+#include "distribution/files/photowriting.h"
 #include "distribution/files/rawfiles.h"
 #include "distribution/naming/foldernames.h"
 #include "files/pathgate.h"
@@ -96,12 +96,12 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
                                  StepProgress *progress, QStringList *written)
 {
     const QString factoryName = foldernames::factoryFolder(detail);
-    if (!photofiles::ensureFolder(joinLocalPath(orderFolder, factoryName)))
+    if (!photowriting::ensureFolder(joinLocalPath(orderFolder, factoryName)))
         return {folderFailure(factoryName)};
 
     QStringList errors;
     // Finished photos that no product uses are copied there.
-    if (!photofiles::ensureFolder(
+    if (!photowriting::ensureFolder(
             joinLocalPath(joinLocalPath(orderFolder, foldernames::other), foldernames::finished)))
         errors.append(folderFailure(foldernames::finished));
     QVector<PhotoCopy> copies;
@@ -109,7 +109,7 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
     const QVector<DetailProduct> products = detail.products();
     for (int index = 0; index < products.size(); ++index) {
         const QString &folder = folders.at(index);
-        if (pathgate::isBelow(folder, orderFolder) && photofiles::ensureFolder(folder))
+        if (pathgate::isBelow(folder, orderFolder) && photowriting::ensureFolder(folder))
             planCopies(products.at(index), folder, &copies);
         else
             errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
@@ -123,7 +123,7 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
             if (stopped && stopped())
                 return;
             const bool copied = flawOfSource(copy.source).isEmpty() &&
-                                photofiles::copyOnto(copy.source, copy.target);
+                                photowriting::copyOnto(copy.source, copy.target);
             copy.ending = copied ? PhotoCopy::Ending::Copied : PhotoCopy::Ending::Failed;
         });
         if (!copy.problem.isEmpty())

@@ -115,9 +115,9 @@ QString keywordOf(const OrderSearch &search)
     }
 }
 
-OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
+FoundOrders readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
 {
-    return orderqueries::readOrderList<OrderData>(reply, [&branch](const QJsonObject &element) {
+    return orderqueries::readFoundOrders<OrderData>(reply, [&branch](const QJsonObject &element) {
         OrderData order = readOrder(element);
         order.branch = branch.id;
         return order;

@@ -30,9 +30,9 @@ QString searchTypeText(int type);
 /// What is searched for: the text, or the date that the type looks at.
 QString keywordOf(const orderqueries::OrderSearch &search);
 
-using OrderList = orderqueries::OrderList<OrderData>;
+using FoundOrders = orderqueries::FoundOrders<OrderData>;
 
 /// Reads a reply to a search in \a branch.
-OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+FoundOrders readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 } // namespace distributionrequests

@@ -1,6 +1,7 @@
 #include "distribution/run/distributionrun.h"
 
 #include "distribution/files/rawfiles.h"
+#include "distribution/naming/foldernames.h"
 #include "distribution/plan/productfolders.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/run/fjdatathread.h"
@@ -186,7 +187,7 @@ void DistributionRun::onDetail(const ServiceReply &reply)
         this,
         [object = reply.object] {
             const OrderDetailPtr detail = detailOf(object);
-            return ReadDetail{detail, orderFolderName(*detail)};
+            return ReadDetail{detail, foldernames::orderFolder(*detail)};
         },
         reading_.only([this](const ReadDetail &read) { onDetailRead(read.detail, read.folder); }));
 }

@@ -1,6 +1,6 @@
 #include "distribution/run/fjdataoperate.h"
 
-#include "distribution/files/photofiles.h"
+#include "distribution/files/photowriting.h"
 #include "distribution/files/rawfiles.h"
 #include "distribution/naming/foldernames.h"
 #include "distribution/plan/distributionplan.h"
@@ -45,12 +45,12 @@ struct CopyTexts
     QString failed;
 };
 
-using CopyOperation = photofiles::CopyEnding (*)(const QString &source, const QString &target);
+using CopyOperation = photowriting::CopyEnding (*)(const QString &source, const QString &target);
 
-photofiles::CopyEnding copyAsItIs(const QString &source, const QString &target)
+photowriting::CopyEnding copyAsItIs(const QString &source, const QString &target)
 {
-    return photofiles::copyOnto(source, target) ? photofiles::CopyEnding::Copied
-                                                : photofiles::CopyEnding::Failed;
+    return photowriting::copyOnto(source, target) ? photowriting::CopyEnding::Copied
+                                                  : photowriting::CopyEnding::Failed;
 }
 
 /// Copies one file into \a folder, which is made when missing.
@@ -66,7 +66,7 @@ TaskResult copyInto(const DistributionTask &task, const QString &source, const Q
         result.missing = source;
         return result;
     }
-    if (!photofiles::ensureFolder(folder))
+    if (!photowriting::ensureFolder(folder))
         return noFolder(task, target);
     TaskResult result = succeeded(task, target);
     if (platform::isSameFile(source, target)) {
@@ -75,12 +75,12 @@ TaskResult copyInto(const DistributionTask &task, const QString &source, const Q
         return result;
     }
     switch (copy(source, target)) {
-    case photofiles::CopyEnding::Copied:
+    case photowriting::CopyEnding::Copied:
         return result;
-    case photofiles::CopyEnding::CopiedIncomplete:
+    case photowriting::CopyEnding::CopiedIncomplete:
         result.errmsg = task.imgName + QStringLiteral("图片不完整，已原样拷贝");
         return result;
-    case photofiles::CopyEnding::Failed:
+    case photowriting::CopyEnding::Failed:
         break;
     }
     return failed(task, target, task.imgName + texts.failed);
@@ -110,7 +110,7 @@ TaskResult copyPhotoAndThumbnail(const DistributionTask &task)
 {
     TaskResult photo = copyPhotoByRole(task);
     const TaskResult thumbnail =
-        copyThumbnail(task, photofiles::thumbnailOf(sourceOnDisk(task.sourcePath)));
+        copyThumbnail(task, photowriting::thumbnailOf(sourceOnDisk(task.sourcePath)));
     if (thumbnail.success)
         return photo;
     photo.errmsg =
@@ -160,7 +160,7 @@ QByteArray bytesOfDataUrl(const QString &dataUrl)
 TaskResult storePhoto(const DistributionTask &task)
 {
     const QString target = targetIn(task.targetFolder, task);
-    if (!photofiles::ensureFolder(task.targetFolder))
+    if (!photowriting::ensureFolder(task.targetFolder))
         return noFolder(task, target);
     if (task.subType == imagetype::delivery)
         return storeText(task, target);
@@ -172,12 +172,12 @@ TaskResult storePhoto(const DistributionTask &task)
             return failed(task, target, task.imgName + QStringLiteral("文件不存在"));
         bytes = file.readAll();
     }
-    switch (photofiles::storeImage(bytes, target)) {
-    case photofiles::StoreOutcome::Stored:
+    switch (photowriting::storeImage(bytes, target)) {
+    case photowriting::StoreOutcome::Stored:
         return succeeded(task, target);
-    case photofiles::StoreOutcome::NoImage:
+    case photowriting::StoreOutcome::NoImage:
         return failed(task, target, task.imgName + QStringLiteral("无法从数据创建图像"));
-    case photofiles::StoreOutcome::NotSaved:
+    case photowriting::StoreOutcome::NotSaved:
         break;
     }
     return failed(task, target, QStringLiteral("保存文件失败：") + target);
@@ -227,7 +227,7 @@ TaskResult FJDataOperate::perform(const DistributionTask &task)
     if (task.type == tasktype::deliverPhotos) {
         if (!QFileInfo(source).isFile())
             qDebug().noquote() << QStringLiteral("源文件不存在:") << source;
-        return copyInto(task, source, task.targetFolder, delivery, photofiles::copyUprightOnto);
+        return copyInto(task, source, task.targetFolder, delivery, photowriting::copyUprightOnto);
     }
     return {};
 }

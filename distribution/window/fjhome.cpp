@@ -1,6 +1,6 @@
 #include "distribution/window/fjhome.h"
 
-#include "distribution/naming/namingrulepanel.h"
+#include "distribution/ruleeditor/namingrulepanel.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/run/fjdataoperate.h"
 #include "distribution/window/fjleftpanel.h"
@@ -8,7 +8,7 @@
 #include "look/colours.h"
 #include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"

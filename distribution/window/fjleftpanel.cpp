@@ -192,7 +192,7 @@ void FJLeftPanel::connectFinder()
     ways.refusal = &ServiceReply::message;
     finder_->setWays(ways);
     finder_->setReader(&distributionrequests::readOrders,
-                       [this](const distributionrequests::OrderList &list, OrderFinder::Search) {
+                       [this](const distributionrequests::FoundOrders &list, OrderFinder::Search) {
                            showOrders(list.orders);
                        });
     finder_->setSelect([this](const QString &photoSet) {

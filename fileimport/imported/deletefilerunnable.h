@@ -1,7 +1,7 @@
 #pragma once
 
+#include "fileimport/imported/photoentry.h"
 #include "fileimport/imported/photoplace.h"
-#include "fileimport/imported/photorecords.h"
 #include "tasks/stopflag.h"
 #include "tasks/task.h"
 

@@ -2,7 +2,7 @@
 
 #include "fileimport/imported/deletefilerunnable.h"
 #include "fileimport/imported/originalrequests.h"
-#include "fileimport/imported/photorecords.h"
+#include "fileimport/imported/photoentry.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
 #include "tasks/workerpool.h"

@@ -7,7 +7,7 @@
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/folderaction.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"

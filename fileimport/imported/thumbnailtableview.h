@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fileimport/imported/photorecords.h"
+#include "fileimport/imported/photoentry.h"
 #include "fileimport/imported/retiredwidgets.h"
 #include "fileimport/imported/thumbnailloadworker.h"
 

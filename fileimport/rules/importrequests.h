@@ -2,7 +2,6 @@
 
 #include "fileimport/rules/importrecords.h"
 #include "net/servicecall.h"
-#include "widgets/boxes/boxtext.h"
 
 #include <QByteArray>
 #include <QJsonObject>
@@ -18,7 +17,7 @@ inline const QString orderPathAction = QStringLiteral("&m=order&a=saveorderphoto
 inline const QString photoAction = QStringLiteral("&m=order&a=savepicpath");
 
 /// A file as it lies in an import folder.
-struct FolderEntry
+struct AnnouncedFile
 {
     QString name;
     qint64 size = 0; ///< bytes
@@ -27,8 +26,8 @@ struct FolderEntry
 /// What is on disk for an order, as it is announced to the service.
 struct FolderContents
 {
-    QVector<FolderEntry> images;    ///< originals, or retouched photos
-    QVector<FolderEntry> rawImages; ///< empty for retouched photos
+    QVector<AnnouncedFile> images;    ///< originals, or retouched photos
+    QVector<AnnouncedFile> rawImages; ///< empty for retouched photos
 };
 
 /// What the service answers to an announcement.
@@ -40,10 +39,10 @@ struct BatchReply
     QStringList serverRawImages;
 };
 
-using OrderList = orderqueries::OrderList<ImportOrder>;
+using FoundOrders = orderqueries::FoundOrders<ImportOrder>;
 
 /// Reads a reply to a search in \a branch.
-OrderList readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
+FoundOrders readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
 
 QByteArray batchBody(ImportMode mode, const ImportOrder &order, const FolderContents &contents,
                      const orderqueries::Identity &identity);
@@ -55,10 +54,5 @@ BatchReply readBatchReply(const QJsonObject &reply);
 
 /// What to ask after a registration that did not succeed.
 QString resubmitQuestion(const ServiceReply &reply);
-
-/// The rich text that lists what differs between announced and found; empty when nothing does.
-BoxText mismatchNotice(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
-/// Positions of the order's imported files that the notice names.
-QVector<int> mismatchedFiles(ImportMode mode, const ImportOrder &order, const BatchReply &reply);
 
 } // namespace importrequests

@@ -1,5 +1,6 @@
 #include "fileimport/run/importrun.h"
 
+#include "fileimport/rules/importmismatch.h"
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/importfilecopyrunnable.h"
@@ -259,7 +260,7 @@ void ImportRun::onRegistered(const OrderIdentity &orderId, const RegistrationRes
     dropRegistration(orderId);
     orders_[orderId].unregistered = false;
     const bool inRun = isCurrent(orderId);
-    const BoxText notice = importrequests::mismatchNotice(mode_, order, result.reply);
+    const BoxText notice = importmismatch::notice(mode_, order, result.reply);
     emit orderRegistered(orderId, result);
     if (!notice.shown.isEmpty()) {
         failMismatched(orderId, result.reply);
@@ -278,7 +279,7 @@ void ImportRun::failMismatched(const OrderIdentity &orderId,
                                const importrequests::BatchReply &reply)
 {
     ImportOrder &order = orders_[orderId];
-    const QVector<int> positions = importrequests::mismatchedFiles(mode_, order, reply);
+    const QVector<int> positions = importmismatch::files(mode_, order, reply);
     for (const int position : positions) {
         order.files[position].state = ImportFile::Failed;
         order.files[position].message = QStringLiteral("服务端未收到");

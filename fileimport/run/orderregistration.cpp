@@ -9,15 +9,15 @@
 
 namespace {
 
-QVector<importrequests::FolderEntry> listFolder(const QString &importPath, const QString &subFolder,
-                                                QString *error)
+QVector<importrequests::AnnouncedFile> announcedFiles(const QString &importPath,
+                                                      const QString &subFolder, QString *error)
 {
     const QDir folder(platform::toLocalPath(joinWirePath(importPath, subFolder)));
     if (!folder.exists() || !folder.isReadable()) {
         *error = folder.path();
         return {};
     }
-    QVector<importrequests::FolderEntry> entries;
+    QVector<importrequests::AnnouncedFile> entries;
     const QFileInfoList files = folder.entryInfoList(importrules::announcedPatterns(subFolder),
                                                      QDir::Files, QDir::Unsorted);
     entries.reserve(files.size());
@@ -33,9 +33,9 @@ importrequests::FolderContents listImportFolder(ImportMode mode, const QString &
 {
     const QStringList folders = importrules::subFolders(mode);
     importrequests::FolderContents contents;
-    contents.images = listFolder(importPath, folders.first(), error);
+    contents.images = announcedFiles(importPath, folders.first(), error);
     if (folders.size() > 1)
-        contents.rawImages = listFolder(importPath, folders.at(1), error);
+        contents.rawImages = announcedFiles(importPath, folders.at(1), error);
     return contents;
 }
 

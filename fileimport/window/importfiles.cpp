@@ -8,7 +8,7 @@
 #include "fileimport/window/orderfilechooser.h"
 #include "files/pathgate.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"
@@ -74,7 +74,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
     finder_->setReader(&importrequests::readOrders,
-                       [this](const importrequests::OrderList &list, OrderFinder::Search) {
+                       [this](const importrequests::FoundOrders &list, OrderFinder::Search) {
                            QVector<ImportOrder> orders = list.orders;
                            run_->keepMarks(&orders);
                            panel_->keepPlaceWhile([&] { orders_.setOrders(orders); });

@@ -14,7 +14,7 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, PhotoMode photoMode)
 {
     QHash<QString, int> byName;
     QVector<PanelPhoto> photos;
-    const QVector<orderqueries::PhotoEntry> &known = order.imported(photoMode);
+    const QVector<orderqueries::OrderPhoto> &known = order.imported(photoMode);
     const QVector<SourceFile> &files = order.files(photoMode);
     for (int index = 0; index < files.size(); ++index) {
         const SourceFile &file = files.at(index);
@@ -22,7 +22,7 @@ QVector<PanelPhoto> photoRows(const PhotoOrder &order, PhotoMode photoMode)
             byName.insert(file.name.toCaseFolded(), index);
         photos.append({file.name, file.path, {}, index, file});
     }
-    for (const orderqueries::PhotoEntry &entry : known) {
+    for (const orderqueries::OrderPhoto &entry : known) {
         const QString key = entry.imgName.toCaseFolded();
         const int row = byName.value(key, -1);
         if (row >= 0) {

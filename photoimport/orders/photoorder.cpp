@@ -2,15 +2,12 @@
 
 #include "files/paths.h"
 #include "look/colours.h"
-#include "net/replyfields.h"
 #include "photoimport/rules/photorules.h"
 
 #include <QHash>
 
 #include <algorithm>
 #include <functional>
-
-using orderqueries::PhotoEntry;
 
 std::size_t PhotoOrder::modeIndex(PhotoMode photoMode)
 {
@@ -92,62 +89,6 @@ QString RunOutcome::text() const
 }
 
 namespace photoorders {
-
-/// Those of the service's entries that lie where the tool puts what it imports.
-static QVector<PhotoEntry> importedAmong(const PhotoOrder &order, PhotoMode photoMode)
-{
-    const QString home = order.folder();
-    if (home.isEmpty())
-        return {};
-    const bool trial = photoMode == PhotoMode::TrialVideos;
-    PhotoInfo photo;
-    photo.kind = photorules::mainKind(photoMode);
-    QVector<PhotoEntry> imported;
-    for (const PhotoEntry &entry : trial ? order.info.imagesTaipian : order.info.images) {
-        photo.fileName = entry.imgName;
-        if (wirePathKey(entry.localPath) == wirePathKey(photorules::outputPathOf(home, photo)))
-            imported.append(entry);
-    }
-    return imported;
-}
-
-Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch)
-{
-    const QString openypml = reply::text(reply, QStringLiteral("openypml"));
-    const QString delyp = reply::text(reply, QStringLiteral("delyp"));
-    return orderqueries::readOrderList<PhotoOrder>(reply, [&](const QJsonObject &element) {
-        PhotoOrder order;
-        OrderInfo &info = order.info;
-        static_cast<orderqueries::OrderInfo &>(info) = orderqueries::readOrderInfo(element, branch);
-        info.openypml = openypml;
-        info.delyp = delyp;
-        info.importPublicPath = branch.publicPath;
-        info.importPath = info.netPath;
-        for (const auto mode :
-             {PhotoMode::Photos, PhotoMode::TrialVideos, PhotoMode::RetouchedVideos})
-            order.importedByMode[std::size_t(mode)] = importedAmong(order, mode);
-        return order;
-    });
-}
-
-QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found)
-{
-    QHash<OrderIdentity, int> positions;
-    for (int index = 0; index < found.size(); ++index)
-        positions.insert(found.at(index).identity(), index);
-    QVector<PhotoOrder> kept;
-    QVector<PhotoOrder> listed = found;
-    for (const PhotoOrder &order : before) {
-        const int position = positions.value(order.identity(), -1);
-        if (position >= 0) {
-            listed[position].filesByMode = order.filesByMode;
-            listed[position].folderRefusal = order.folderRefusal;
-        } else if (order.hasUnfinishedFiles()) {
-            kept.append(order);
-        }
-    }
-    return kept + listed;
-}
 
 /// The order with those of the jobs of its files at \a indexes that \a wanted picks.
 static OrderInfo

@@ -3,7 +3,6 @@
 #include "files/transferprogress.h"
 #include "photoimport/orders/sourcefile.h"
 
-#include <QJsonObject>
 #include <QList>
 #include <QMap>
 #include <QMetaType>
@@ -21,7 +20,7 @@ struct PhotoOrder
     OrderInfo info; ///< without jobs; its import path is the one the service configured, or empty
     /// What the service has on its books of this tool's imports: those of the order's photos that
     /// lie where the tool puts them. By PhotoMode.
-    std::array<QVector<orderqueries::PhotoEntry>, modes> importedByMode;
+    std::array<QVector<orderqueries::OrderPhoto>, modes> importedByMode;
     std::array<QVector<SourceFile>, modes> filesByMode; ///< chosen here, by mode
     Run run = Run::Idle;
     QString folderRefusal;                     ///< why the service did not take the order's folder
@@ -37,7 +36,7 @@ struct PhotoOrder
     {
         return summaries[modeIndex(photoMode)];
     }
-    const QVector<orderqueries::PhotoEntry> &imported(PhotoMode photoMode) const
+    const QVector<orderqueries::OrderPhoto> &imported(PhotoMode photoMode) const
     {
         return importedByMode[modeIndex(photoMode)];
     }
@@ -73,15 +72,6 @@ struct RunOutcome
 Q_DECLARE_METATYPE(RunOutcome)
 
 namespace photoorders {
-
-using Found = orderqueries::OrderList<PhotoOrder>;
-
-/// Reads a reply to a search in \a branch; the orders are without files.
-Found readOrders(const QJsonObject &reply, const orderqueries::SearchedBranch &branch);
-
-/// The orders to list after a search: what was found, with the files chosen before; ahead of them
-/// orders that were not found but have files that are not finished.
-QVector<PhotoOrder> merged(const QVector<PhotoOrder> &before, const QVector<PhotoOrder> &found);
 
 /// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
 /// Without jobs when nothing is left to do.

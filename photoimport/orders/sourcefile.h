@@ -1,7 +1,7 @@
 #pragma once
 
 #include "files/chosenfiles.h"
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 
 #include <QSet>
 #include <QString>

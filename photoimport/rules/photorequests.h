@@ -1,6 +1,6 @@
 #pragma once
 
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 
 #include <QByteArray>
 #include <QString>

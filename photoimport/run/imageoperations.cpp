@@ -3,7 +3,7 @@
 #include "app/context/logging.h"
 #include "files/filecopy.h"
 #include "files/filewriting.h"
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 #include "photoimport/run/decodedsources.h"
 #include "pictures/picturereader.h"
 #include "pictures/picturewriter.h"

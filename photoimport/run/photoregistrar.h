@@ -1,7 +1,7 @@
 #pragma once
 
 #include "net/servicecall.h"
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 #include "tasks/requestqueue.h"
 
 #include <QObject>

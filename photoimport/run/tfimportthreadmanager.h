@@ -1,6 +1,6 @@
 #pragma once
 
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 #include "photoimport/rules/photorules.h"
 #include "photoimport/run/decodedsources.h"
 #include "photoimport/run/tfimportworker.h"

@@ -2,8 +2,8 @@
 
 #include "app/context/logging.h"
 #include "files/pathgate.h"
+#include "photoimport/imported/confirmedphotodeletion.h"
 #include "photoimport/imported/tfhomephotos.h"
-#include "photoimport/imported/tfphotodeleter.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
@@ -58,8 +58,8 @@ tfhome::tfhome(QWidget *parent)
     , overlay_(new LoadingOverlay(this))
     , chooser_(
           new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
-    , deleter_(
-          new tfphotodeleter(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
+    , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
+                                          [this](int row) { return mayChange(row); }))
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
@@ -83,7 +83,7 @@ tfhome::tfhome(QWidget *parent)
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
         chooser_->cancel();
         overlay_->hideOverlay();
-        deleter_->cancel();
+        deletion_->cancel();
     });
     connectOrders();
     connectPhotos();
@@ -208,20 +208,22 @@ void tfhome::connectRun()
 
 void tfhome::connectDeleter()
 {
-    connect(deleter_, &tfphotodeleter::asking, this,
+    connect(deletion_, &ConfirmedPhotoDeletion::asking, this,
             [this] { photoPanel_->thumbnails()->want({}, 0); });
-    connect(deleter_, &tfphotodeleter::answered, this, [this](const OrderIdentity &orderId) {
-        if (orderId == shownOrderId_)
-            showSelectedOrder(); // which asks for the thumbnails that are missing now
-        endClosing();
-    });
-    connect(deleter_, &tfphotodeleter::unanswered, this, [this](const OrderIdentity &orderId) {
-        if (orderId == shownOrderId_)
-            showSelectedOrder();
-        orderPanel_->refreshImportCounts();
-        endClosing();
-    });
-    connect(deleter_, &tfphotodeleter::removed, this, &tfhome::endClosing);
+    connect(deletion_, &ConfirmedPhotoDeletion::answered, this,
+            [this](const OrderIdentity &orderId) {
+                if (orderId == shownOrderId_)
+                    showSelectedOrder(); // which asks for the thumbnails that are missing now
+                endClosing();
+            });
+    connect(deletion_, &ConfirmedPhotoDeletion::unanswered, this,
+            [this](const OrderIdentity &orderId) {
+                if (orderId == shownOrderId_)
+                    showSelectedOrder();
+                orderPanel_->refreshImportCounts();
+                endClosing();
+            });
+    connect(deletion_, &ConfirmedPhotoDeletion::removed, this, &tfhome::endClosing);
 }
 
 void tfhome::goTo(const OrderPlace &place)
@@ -453,7 +455,7 @@ void tfhome::deletePhotos(const QVector<int> &photoRows)
     QVector<PanelPhoto> chosen;
     for (const int photoRow : photoRows)
         chosen.append(photos_.photo(photoRow));
-    deleter_->deletePhotos(orders_.rowOf(shownOrderId_), chosen, orderPanel_->identity());
+    deletion_->deletePhotos(orders_.rowOf(shownOrderId_), chosen, orderPanel_->identity());
 }
 
 // Closing.
@@ -467,8 +469,8 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
         subjects << (run_.isImporting() ? QStringLiteral("import")
                                         : QStringLiteral("registrations"));
     }
-    if (deleter_->isActive()) {
-        questions << tfphotodeleter::closingQuestion();
+    if (deletion_->isActive()) {
+        questions << ConfirmedPhotoDeletion::closingQuestion();
         subjects << QStringLiteral("deletion");
     }
     if (!questions.isEmpty() &&
@@ -480,7 +482,7 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
     orderPanel_->abandon();
     photoPanel_->thumbnails()->stop();
     // What the service was asked and not yet answered.
-    if (run_.isBusy() || deleter_->isActive())
+    if (run_.isBusy() || deletion_->isActive())
         lastAnswers_.start();
     return mayEnd() ? CloseAnswer::Close : CloseAnswer::CloseLater;
 }
@@ -489,14 +491,14 @@ void tfhome::giveUpAnswers()
 {
     qCWarning(lcTessavo) << "closed without an answer; not registered:"
                          << run_.pendingRegistrations();
-    deleter_->cancel();
+    deletion_->cancel();
     run_.cancelRegistrations();
     endClosing();
 }
 
 bool tfhome::mayEnd() const
 {
-    return !run_.isBusy() && !run_.hasLiveWorkers() && !deleter_->isActive() &&
+    return !run_.isBusy() && !run_.hasLiveWorkers() && !deletion_->isActive() &&
            !photoPanel_->thumbnails()->isRunning();
 }
 

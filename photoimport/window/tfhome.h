@@ -17,7 +17,7 @@ class tfhomeorders;
 class tfhomephotos;
 class NoticeBar;
 class tfimportbar;
-class tfphotodeleter;
+class ConfirmedPhotoDeletion;
 
 /// The window of the photo import: search orders, add photos or videos to them, import them in all
 /// their forms, tell the service, delete what was imported. What it decides lives in photorules,
@@ -88,5 +88,5 @@ private:
     tfimportbar *bar_;
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;
-    tfphotodeleter *deleter_;
+    ConfirmedPhotoDeletion *deletion_;
 };

@@ -50,7 +50,7 @@ void tfhomeorders::connectParts()
     connect(finder_, &OrderFinder::branchLeft, this, &tfhomeorders::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &tfhomeorders::onBranchSwitched);
     finder_->setReader(&photoorders::readOrders,
-                       [this](const photoorders::Found &found, OrderFinder::Search search) {
+                       [this](const photoorders::FoundOrders &found, OrderFinder::Search search) {
                            takeOrders(found, search);
                        });
 }
@@ -121,7 +121,7 @@ void tfhomeorders::refreshImportCounts()
         qCDebug(lcTessavo) << "刷新导入数量";
 }
 
-void tfhomeorders::takeOrders(const photoorders::Found &found, OrderFinder::Search search)
+void tfhomeorders::takeOrders(const photoorders::FoundOrders &found, OrderFinder::Search search)
 {
     if (search == OrderFinder::Search::Refresh)
         model_->refreshInfo(found.orders);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "net/branchsession.h"
-#include "photoimport/orders/photoorder.h"
+#include "photoimport/orders/foundorders.h"
 #include "widgets/orders/orderfinder.h"
 
 #include <QMap>
@@ -48,7 +48,7 @@ private:
     QString leavingQuestion() const;
     void onBranchLeft();
     void onBranchSwitched();
-    void takeOrders(const photoorders::Found &found, OrderFinder::Search search);
+    void takeOrders(const photoorders::FoundOrders &found, OrderFinder::Search search);
 
     tforderlistmodel *model_;
     BranchSession branch_;

@@ -68,7 +68,7 @@ private slots:
                                       {"shop_data"_s, QJsonArray{shop}}});
         AccountContext::shopId.clear();
         AccountContext::selectedShopId.clear();
-        K::instance()->openStartWindow(1);
+        K::instance()->openStartWindow(int(StartMode::Distribution));
         QPointer<FJHome> window = topLevel<FJHome>();
         QVERIFY(window && window->isVisible() && window->isMaximized());
         QCOMPARE(window->splitType(), DesignFileSplitTypes::Distribution);
@@ -83,7 +83,7 @@ private slots:
     {
         DemoClient().reset();
         CredentialsFile().write({"demo01"_s, "abc123"_s, true});
-        K::instance()->openStartWindow(0);
+        K::instance()->openStartWindow(int(StartMode::Login));
         QPointer<LoginNew> login = topLevel<LoginNew>();
         QVERIFY(login && login->isVisible());
         QTest::keyClick(login, Qt::Key_Return);

@@ -1,10 +1,10 @@
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
+#include "widgets/boxes/boxdialog.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/noticedialog.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/edgegrip.h"
 #include "widgets/frame/titlebar.h"
@@ -53,17 +53,17 @@ void drag(QWidget *window, const QPoint &from, const QPoint &by)
 #endif
 
 /// The box that stands before \a window; none when there is none.
-NoticeDialog *openBox(const QWidget *window)
+BoxDialog *openBox(const QWidget *window)
 {
-    const auto boxes = window->findChildren<NoticeDialog *>();
-    for (NoticeDialog *box : boxes) {
+    const auto boxes = window->findChildren<BoxDialog *>();
+    for (BoxDialog *box : boxes) {
         if (box->isVisible())
             return box;
     }
     return nullptr;
 }
 
-QString textOf(const NoticeDialog *box)
+QString textOf(const BoxDialog *box)
 {
     return box ? box->findChild<QPlainTextEdit *>()->toPlainText() : QString();
 }
@@ -191,7 +191,7 @@ private slots:
         }
         MessageBox::question(&parent, BoxText("<b>A&B</b>"_s).explained("是：一"_s),
                              Box::Yes | Box::Cancel, nullptr);
-        NoticeDialog *box = openBox(&parent);
+        BoxDialog *box = openBox(&parent);
         QCOMPARE(textOf(box), "<b>A&B</b>"_s);
         auto *below = box->findChild<QPlainTextEdit *>("noticeExplanation"_s);
         QCOMPARE(below->toPlainText(), "是：一"_s);
@@ -238,7 +238,7 @@ private slots:
         MessageBox::warning(&window, "三"_s);
         for (const QString &text : {"一"_s, "二"_s, "三"_s}) {
             QTRY_VERIFY(openBox(&window));
-            QCOMPARE(window.findChildren<NoticeDialog *>().size(), 1);
+            QCOMPARE(window.findChildren<BoxDialog *>().size(), 1);
             QCOMPARE(textOf(openBox(&window)), text);
             QTest::keyClick(openBox(&window), Qt::Key_Return);
             QTRY_VERIFY(!openBox(&window) || textOf(openBox(&window)) != text);
@@ -302,7 +302,7 @@ private slots:
             window.close();
             window.close(); // one question is enough
             QVERIFY(window.isVisible());
-            NoticeDialog *box = openBox(&window);
+            BoxDialog *box = openBox(&window);
             QTest::mouseClick(box->button(agreed ? QMessageBox::Ok : QMessageBox::Cancel),
                               Qt::LeftButton);
             QCoreApplication::processEvents();
@@ -322,7 +322,7 @@ private slots:
         QWidget window;
         showActive(&window);
         MessageBox::warning(&window, {"失败"_s, lines});
-        NoticeDialog *box = openBox(&window);
+        BoxDialog *box = openBox(&window);
         const QStringList shown = textOf(box).split(QLatin1Char('\n'));
         QCOMPARE(shown.size(), 202);
         QCOMPARE(shown.at(200), lines.at(199));

@@ -1,6 +1,6 @@
 #include "widgets/boxes/boxqueue.h"
 
-#include "widgets/boxes/noticedialog.h"
+#include "widgets/boxes/boxdialog.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -56,7 +56,7 @@ void BoxQueue::comeUp()
 void BoxQueue::open(const Waiting &box)
 {
     up_ = true;
-    auto *dialog = new NoticeDialog(box.request.box, box.request.text, box.asker);
+    auto *dialog = new BoxDialog(box.request.box, box.request.text, box.asker);
     dialog_ = dialog;
     dialog->setDefaultButton(box.request.defaultButton);
     // The next Enter belongs to the window in which the user is typing.

@@ -9,7 +9,7 @@
 
 #include <functional>
 
-class NoticeDialog;
+class BoxDialog;
 class QWidget;
 
 /// The boxes of one window: they come up one after the other, in the order in which they were asked
@@ -64,5 +64,5 @@ private:
     QList<Waiting> boxes_;
     bool up_ = false;       ///< the first is open, or its answer is on its way
     bool scripted_ = false; ///< that answer is a script's
-    QPointer<NoticeDialog> dialog_;
+    QPointer<BoxDialog> dialog_;
 };

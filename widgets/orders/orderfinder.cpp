@@ -3,7 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/tables.h"

@@ -95,7 +95,7 @@ public:
     void cancel();
 
     enum class Search { Asked, Refresh };
-    /// Has \a read make a list of orders (orderqueries::OrderList) of a good reply, on a thread,
+    /// Has \a read make a list of orders (orderqueries::FoundOrders) of a good reply, on a thread,
     /// and \a take put it into the tool with what kind of search it is of. A reply without a list
     /// changes nothing. Nor does one that is late: the search has ended, another has begun, or it
     /// is a refresh and the tool refuses by now to have its orders left.

@@ -1,6 +1,6 @@
 #include "batchdelete/rules/deletionrequests.h"
 #include "batchdelete/rules/deletionrules.h"
-#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
 #include "files/transferprogress.h"
 #include "tests/support/datarows.h"
@@ -272,14 +272,14 @@ private slots:
                         makeFile("c\".jpg"_s, BatchDeleteFileInfo::InUse, "文件被其他程序占用"_s),
                         makeFile("d.jpg"_s, BatchDeleteFileInfo::NotReported),
                         makeFile("e.jpg"_s)});
-        QCOMPARE(deletionreport::succeededList(order).shown,
+        QCOMPARE(deletiontexts::succeededList(order).shown,
                  " 删除成功的照片\na.jpg\nb.jpg (文件不存在)"_s);
-        QCOMPARE(deletionreport::failedList(order).shown,
+        QCOMPARE(deletiontexts::failedList(order).shown,
                  " 删除失败的照片\nc\".jpg (文件被占用): 文件被其他程序占用\n"
                  "d.jpg: 提交状态失败"_s);
-        QVERIFY(!deletionreport::csv({order}).contains("a.jpg"));
+        QVERIFY(!deletiontexts::csv({order}).contains("a.jpg"));
         order.processed = true;
-        const QList<QByteArray> lines = deletionreport::csv({order}).split('\n');
+        const QList<QByteArray> lines = deletiontexts::csv({order}).split('\n');
         QCOMPARE(lines.size(), 7);
         QVERIFY(lines.at(0).startsWith("\xEF\xBB\xBF\"订单号\",") && lines.at(0).endsWith('\r'));
         QCOMPARE(lines.at(3),

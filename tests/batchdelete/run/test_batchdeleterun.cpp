@@ -1,6 +1,6 @@
 #include "batchdelete/rules/deletionrules.h"
 #include "batchdelete/run/batchdeleterun.h"
-#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/run/filescanworker.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
@@ -81,7 +81,7 @@ private slots:
         QCOMPARE(booked(first, "deleted").size(), 3);
         QCOMPARE(booked(first, "announced"), booked(first, "deleted"));
         QCOMPARE(booked(second, "deleted").size(), 2);
-        QCOMPARE(deletionreport::summaryText(ends_.first()), "全部删除完成！"_s);
+        QCOMPARE(deletiontexts::summaryText(ends_.first()), "全部删除完成！"_s);
 
         QStringList order;
         const QJsonArray all = demo_.requests();
@@ -105,9 +105,9 @@ private slots:
         QCOMPARE(booked(order, "announced").size(), 3); // the link to a folder is none of them
         QCOMPARE(booked(order, "deleted").size(), 2);
         QCOMPARE(namesOnDisk(order).size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
+        QVERIFY(deletiontexts::failedList(shown_.value(order.identity()))
                     .shown.contains("2.jpg: 没有删除权限"_s));
-        QCOMPARE(deletionreport::summaryText(ends_.first()),
+        QCOMPARE(deletiontexts::summaryText(ends_.first()),
                  "全部删除完成！\n\n成功 2 个文件，失败 2 个文件"_s);
 
         // Retried: what can be now, and what was never to be.
@@ -142,7 +142,7 @@ private slots:
         demo_.release();
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "42"_s);
-        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
+        QVERIFY(deletiontexts::failedList(shown_.value(order.identity()))
                     .shown.endsWith("0.jpg: 文件已变化，未删除"_s));
         QTRY_VERIFY(!run_->isBusy());
         QVERIFY(!run_->retry(shown_.value(order.identity()), {0}, identity_, {}));
@@ -201,7 +201,7 @@ private slots:
         QVERIFY(!run_->retry(elsewhere, {0}, identity_, {}));
         QCOMPARE(states(fine), "2"_s);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::summaryText(ends_.first()).endsWith("跳过 5 个订单"_s));
+        QVERIFY(deletiontexts::summaryText(ends_.first()).endsWith("跳过 5 个订单"_s));
         QVERIFY(!run_->start({}, identity_, {}));
     }
 
@@ -265,7 +265,7 @@ private slots:
         QVERIFY(namesOnDisk(first).isEmpty());
         QCOMPARE(namesOnDisk(second).size(), 2);
         QCOMPARE(requests(before), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(first.identity()))
+        QVERIFY(deletiontexts::failedList(shown_.value(first.identity()))
                     .shown.endsWith("0.jpg: 不"_s));
 
         // Another run finds nothing there, and forgets nothing.
@@ -337,7 +337,7 @@ private slots:
         QCOMPARE(shown_.value(order.identity()).succeeded(), 1);
         QCOMPARE(shown_.value(order.identity()).failed(), 2);
         QCOMPARE(booked(order, "deleted").size(), 1);
-        QVERIFY(deletionreport::failedList(shown_.value(order.identity()))
+        QVERIFY(deletiontexts::failedList(shown_.value(order.identity()))
                     .shown.endsWith("订单目录无法访问"_s));
         QVERIFY(!shown_.value(order.identity()).note.isEmpty());
     }
@@ -353,7 +353,7 @@ private slots:
         QTRY_COMPARE(ends_.size(), 1);
         QCOMPARE(states(order), "222"_s);
         QCOMPARE(booked(order, "deleted").size(), 3);
-        QVERIFY(deletionreport::succeededList(shown_.value(order.identity()))
+        QVERIFY(deletiontexts::succeededList(shown_.value(order.identity()))
                     .shown.contains("2.jpg (文件不存在)"_s));
     }
 

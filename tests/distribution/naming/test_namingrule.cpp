@@ -120,7 +120,7 @@ private slots:
     void folderPatterns()
     {
         OrderDetail detail = sampleDetail();
-        QCOMPARE(orderFolderName(detail), "TS7-服务2 李明-王丽 自取"_s);
+        QCOMPARE(foldernames::orderFolder(detail), "TS7-服务2 李明-王丽 自取"_s);
         QCOMPARE(foldernames::factoryFolder(detail), "一厂 李明-王丽 7-9取 顺丰"_s);
         detail.order.remove("isurgent"_s);
         QCOMPARE(foldernames::factoryFolder(detail), "一厂 李明-王丽 7-9取 顺丰"_s);
@@ -143,7 +143,7 @@ private slots:
         detail.order.insert("mname"_s, "../%2\\x:"_s);
         const DetailProduct product = sampleProduct("..\\%1/a?"_s);
         for (const QString &name :
-             {orderFolderName(detail), foldernames::factoryFolder(detail),
+             {foldernames::orderFolder(detail), foldernames::factoryFolder(detail),
               foldernames::builtInProductFolder(detail, product, 1),
               foldernames::productFolder({{{}, "name"_s, "."_s}}, detail, product, 1)}) {
             QVERIFY2(!name.contains(QRegularExpression("[/\\\\:?]"_s)), qPrintable(name));

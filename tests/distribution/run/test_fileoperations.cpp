@@ -1,4 +1,4 @@
-#include "distribution/files/photofiles.h"
+#include "distribution/files/photowriting.h"
 #include "distribution/plan/productfolders.h"
 #include "distribution/run/fjdataoperate.h"
 #include "distribution/run/fjdatathread.h"
@@ -150,7 +150,7 @@ private slots:
               {"/all/o/all/a.jpg"_s, "/all/o/90/a.jpg"_s},
               {"/o/a.jpg"_s, "/o/a.jpg"_s},
               {"/overall/a.jpg"_s, "/overall/a.jpg"_s}})
-            QCOMPARE(photofiles::thumbnailOf(photo), thumbnail);
+            QCOMPARE(photowriting::thumbnailOf(photo), thumbnail);
     }
 
     void finishedOnlyCopiesWhatItCan()

@@ -1,3 +1,4 @@
+#include "fileimport/rules/importmismatch.h"
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/filechoice.h"
@@ -140,8 +141,10 @@ private slots:
     {
         QFETCH(QByteArray, reply);
         const BatchReply read = readBatchReply(QJsonDocument::fromJson(reply).object());
-        QTEST(mismatchNotice(ImportMode::Originals, sampleOrder(), read).shown, "originals");
-        QTEST(mismatchNotice(ImportMode::Retouched, sampleOrder(), read).shown, "retouched");
+        QTEST(importmismatch::notice(ImportMode::Originals, sampleOrder(), read).shown,
+              "originals");
+        QTEST(importmismatch::notice(ImportMode::Retouched, sampleOrder(), read).shown,
+              "retouched");
     }
 
     void resubmitQuestions_data()
@@ -189,7 +192,7 @@ private slots:
         BatchReply read;
         for (int number = 1; number <= 100000; ++number)
             read.localImages.append(QString::number(number));
-        const BoxText notice = mismatchNotice(ImportMode::Originals, sampleOrder(), read);
+        const BoxText notice = importmismatch::notice(ImportMode::Originals, sampleOrder(), read);
         QVERIFY(notice.shown.endsWith(", 200, … 共 100000 条</span>"_s));
         QVERIFY(notice.whole().endsWith("\n99999\n100000"_s));
     }
@@ -274,7 +277,7 @@ void TestImportRules::readsOrders()
         {"netpath": "no id"}, {"id": 1, "mname": "again"}, "no object",
         {"id": 2, "shotdate": ""}]})")
                                   .object();
-    const OrderList list = readOrders(reply, {"3"_s, "\\\\nas\\root"_s});
+    const FoundOrders list = readOrders(reply, {"3"_s, "\\\\nas\\root"_s});
     QVERIFY(list.isList);
     QCOMPARE(list.elements, 5);
     const QVector<ImportOrder> orders = list.orders;

@@ -7,8 +7,8 @@
 #include "tests/support/dropping.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
+#include "widgets/boxes/boxdialog.h"
 #include "widgets/boxes/filedialog.h"
-#include "widgets/boxes/noticedialog.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/windows/loadingoverlay.h"
 
@@ -239,16 +239,16 @@ private slots:
         MessageBox::setScripted(false); // the first question stands open
         FileDialog::setNextFiles({photo});
         clickAction(order, OrderActionsDelegate::SelectFiles);
-        QTRY_VERIFY(window_->findChild<NoticeDialog *>());
-        auto *first = window_->findChild<NoticeDialog *>();
+        QTRY_VERIFY(window_->findChild<BoxDialog *>());
+        auto *first = window_->findChild<BoxDialog *>();
         window_->onFilesDropped(cell(order, 0).row(), {twin});
         QTRY_VERIFY(!window_->findChild<OrderFileChooser *>()->isBusy());
         first->button(QMessageBox::Ok)->click();
         QTRY_COMPARE(text(order, Column::ChosenColumn), "1"_s);
-        QTRY_VERIFY(window_->findChild<NoticeDialog *>() &&
-                    window_->findChild<NoticeDialog *>() != first);
+        QTRY_VERIFY(window_->findChild<BoxDialog *>() &&
+                    window_->findChild<BoxDialog *>() != first);
         MessageBox::setScripted(true);
-        window_->findChild<NoticeDialog *>()->button(QMessageBox::Ok)->click();
+        window_->findChild<BoxDialog *>()->button(QMessageBox::Ok)->click();
         EXPECT_BOX_THAT(box.contains(photo) && box.contains(twin)); // the clash
         QCOMPARE(text(order, Column::ChosenColumn), "1"_s);
     }

@@ -1,7 +1,8 @@
 #include "look/colours.h"
-#include "photoimport/imported/tfphotodeletion.h"
+#include "photoimport/imported/photodeletion.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/imported/tfthumbnailthread.h"
+#include "photoimport/orders/foundorders.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
@@ -50,7 +51,7 @@ PhotoOrder order(const QString &id, const QVector<SourceFile> &files = {},
     return made;
 }
 
-orderqueries::PhotoEntry entry(const char *name, const char *path, const char *id)
+orderqueries::OrderPhoto entry(const char *name, const char *path, const char *id)
 {
     return {
         QString::fromUtf8(name), {}, share + QString::fromUtf8(path), QString::fromUtf8(id), {}};
@@ -336,10 +337,10 @@ private slots:
         QCOMPARE(request.paths.at(0), share + "\\试拍视频\\a.jpg"_s);
         QVERIFY(deletionOf(order("1"_s, {}, {}), {}, names, PhotoMode::Photos).paths.isEmpty());
 
-        tfphotodeletion deletion;
+        PhotoDeletion deletion;
         QString told;
         connect(
-            &deletion, &tfphotodeletion::refused, this,
+            &deletion, &PhotoDeletion::refused, this,
             [&told](const DeletionRequest &, const ServiceReply &reply) { told = reply.message; });
         QVERIFY(!deletion.start(request, {"elsewhere"_s, {}, {}}) && !deletion.isActive());
         QCOMPARE(told, orderqueries::otherBranchText(request.orderName));

@@ -1,6 +1,6 @@
 #include "files/filewriting.h"
 #include "photoimport/imported/tfthumbnailthread.h"
-#include "photoimport/rules/photorecords.h"
+#include "photoimport/rules/photoimportrecords.h"
 #include "photoimport/run/decodedsources.h"
 #include "photoimport/run/imageoperations.h"
 #include "pictures/cameradata.h"

@@ -419,9 +419,9 @@ private slots:
                 const int number = ++*reads;
                 if (number == 1)
                     slow->acquire();
-                return orderqueries::OrderList<int>{true, 1, {number}, {}};
+                return orderqueries::FoundOrders<int>{true, 1, {number}, {}};
             },
-            [&](const orderqueries::OrderList<int> &list, OrderFinder::Search) {
+            [&](const orderqueries::FoundOrders<int> &list, OrderFinder::Search) {
                 taken += list.orders;
             });
         QSignalSpy switched(&finder, &OrderFinder::branchSwitched);

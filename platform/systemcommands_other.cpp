@@ -1,4 +1,4 @@
-#include "platform/folderopening.h"
+#include "platform/systemcommands.h"
 
 #include <QFileInfo>
 #include <QtMath>

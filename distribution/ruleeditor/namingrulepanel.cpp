@@ -1,10 +1,10 @@
-#include "distribution/naming/namingrulepanel.h"
+#include "distribution/ruleeditor/namingrulepanel.h"
 
 #include "app/context/accountcontext.h"
-#include "distribution/naming/foldernamingrule.h"
+#include "distribution/ruleeditor/foldernamingrule.h"
 #include "net/servicecall.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"

@@ -9,7 +9,7 @@
 #include <QVector>
 
 /// What became of the files, in words. Pure functions.
-namespace deletionreport {
+namespace deletiontexts {
 
 /// The files of \a order that are gone, one a line under a heading.
 BoxText succeededList(const BatchDeleteOrderInfo &order);
@@ -30,4 +30,4 @@ bool hasOutcome(const BatchDeleteOrderInfo &order);
 /// that says so. Orders that were refused, skipped or not finished have a line with the reason.
 QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders);
 
-} // namespace deletionreport
+} // namespace deletiontexts

@@ -1,5 +1,5 @@
-#include "platform/folderopening.h"
 #include "platform/longpath_win.h"
+#include "platform/systemcommands.h"
 
 #include <QDir>
 

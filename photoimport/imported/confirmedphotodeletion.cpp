@@ -1,31 +1,32 @@
-#include "photoimport/imported/tfphotodeleter.h"
+#include "photoimport/imported/confirmedphotodeletion.h"
 
 #include "photoimport/orders/tforderlistmodel.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <utility>
 
-tfphotodeleter::tfphotodeleter(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
-                               std::function<bool(int row)> mayChange)
+ConfirmedPhotoDeletion::ConfirmedPhotoDeletion(QWidget *window, tforderlistmodel *orders,
+                                               LoadingOverlay *overlay,
+                                               std::function<bool(int row)> mayChange)
     : QObject(window)
     , window_(window)
     , orders_(orders)
     , overlay_(overlay)
     , mayChange_(std::move(mayChange))
 {
-    connect(&deletion_, &tfphotodeletion::selectedPhotosDeleted, this,
-            &tfphotodeleter::onPhotosDeleted);
-    connect(&deletion_, &tfphotodeletion::unanswered, this, &tfphotodeleter::onUnanswered);
-    connect(&deletion_, &tfphotodeletion::refused, this, &tfphotodeleter::onRefused);
-    connect(&deletion_, &tfphotodeletion::removed, this, &tfphotodeleter::removed);
+    connect(&deletion_, &PhotoDeletion::selectedPhotosDeleted, this,
+            &ConfirmedPhotoDeletion::onPhotosDeleted);
+    connect(&deletion_, &PhotoDeletion::unanswered, this, &ConfirmedPhotoDeletion::onUnanswered);
+    connect(&deletion_, &PhotoDeletion::refused, this, &ConfirmedPhotoDeletion::onRefused);
+    connect(&deletion_, &PhotoDeletion::removed, this, &ConfirmedPhotoDeletion::removed);
 }
 
-void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
-                                  const orderqueries::Identity &identity)
+void ConfirmedPhotoDeletion::deletePhotos(int row, const QVector<PanelPhoto> &photos,
+                                          const orderqueries::Identity &identity)
 {
     if (!mayChange_(row))
         return;
@@ -57,7 +58,8 @@ void tfphotodeleter::deletePhotos(int row, const QVector<PanelPhoto> &photos,
                        });
 }
 
-void tfphotodeleter::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+void ConfirmedPhotoDeletion::start(const DeletionRequest &request,
+                                   const orderqueries::Identity &identity)
 {
     // Meanwhile the list may have become another one.
     if (isActive() || !mayChange_(orders_->rowOf(request.orderId)))
@@ -67,12 +69,12 @@ void tfphotodeleter::start(const DeletionRequest &request, const orderqueries::I
     deletion_.start(request, identity);
 }
 
-bool tfphotodeleter::cancel()
+bool ConfirmedPhotoDeletion::cancel()
 {
     return deletion_.cancel();
 }
 
-void tfphotodeleter::onPhotosDeleted(const DeletionRequest &deleted)
+void ConfirmedPhotoDeletion::onPhotosDeleted(const DeletionRequest &deleted)
 {
     overlay_->hideOverlay();
     orders_->forgetDeleted(orders_->rowOf(deleted.orderId), deleted.ids, deleted.names);
@@ -80,14 +82,14 @@ void tfphotodeleter::onPhotosDeleted(const DeletionRequest &deleted)
     Toast::show(window_, QStringLiteral("删除成功"));
 }
 
-QString tfphotodeleter::closingQuestion()
+QString ConfirmedPhotoDeletion::closingQuestion()
 {
     return QStringLiteral("正在删除已导入的照片，关闭后会继续删除，"
                           "服务端不再响应时放弃并列出照片，确认要关闭吗？");
 }
 
 /// What may be left on disk without the service knowing must not be lost with the window.
-void tfphotodeleter::onUnanswered(const DeletionRequest &request)
+void ConfirmedPhotoDeletion::onUnanswered(const DeletionRequest &request)
 {
     overlay_->hideOverlay();
     const QString heading =
@@ -99,7 +101,7 @@ void tfphotodeleter::onUnanswered(const DeletionRequest &request)
     emit unanswered(request.orderId);
 }
 
-void tfphotodeleter::onRefused(const DeletionRequest &request, const ServiceReply &reply)
+void ConfirmedPhotoDeletion::onRefused(const DeletionRequest &request, const ServiceReply &reply)
 {
     overlay_->hideOverlay();
     const bool closed = !window_->isVisible();

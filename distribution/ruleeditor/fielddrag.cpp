@@ -1,4 +1,4 @@
-#include "distribution/naming/fielddrag.h"
+#include "distribution/ruleeditor/fielddrag.h"
 
 #include "app/context/k.h"
 

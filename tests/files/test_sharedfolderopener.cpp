@@ -56,7 +56,7 @@ struct Gate
 
 } // namespace
 
-class TestFolderOpening : public QObject
+class TestSharedFolderOpener : public QObject
 {
     Q_OBJECT
 
@@ -261,5 +261,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestFolderOpening)
-#include "test_folderopening.moc"
+QTEST_GUILESS_MAIN(TestSharedFolderOpener)
+#include "test_sharedfolderopener.moc"

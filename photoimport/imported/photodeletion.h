@@ -30,12 +30,12 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
 /// Deletes imported photos: first at the service; when that has agreed, from the disk, on a thread
 /// of its own. One deletion at a time. Lives on the interface thread; destroying it while
 /// isRemoving() waits for the disk.
-class tfphotodeletion : public QObject
+class PhotoDeletion : public QObject
 {
     Q_OBJECT
 
 public:
-    explicit tfphotodeletion(QObject *parent = nullptr);
+    explicit PhotoDeletion(QObject *parent = nullptr);
 
     /// False, and nothing happens, while another deletion is under way; false and refused() for an
     /// order of another branch, or one that another tool has in hand.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "photoimport/imported/tfphotodeletion.h"
+#include "photoimport/imported/photodeletion.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 
 #include <QObject>
@@ -15,15 +15,15 @@ class tforderlistmodel;
 
 /// Has imported photos deleted for the user: asks first, covers the window with its overlay while
 /// the service is asked, and takes what is deleted off the list. Rows are positions in the model.
-class tfphotodeleter : public QObject
+class ConfirmedPhotoDeletion : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Boxes belong to \a window, which owns the deleter, the model and the overlay. \a mayChange
+    /// Boxes belong to \a window, which owns this, the model and the overlay. \a mayChange
     /// tells whether an order may lose photos at the moment, and the user why not.
-    tfphotodeleter(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
-                   std::function<bool(int row)> mayChange);
+    ConfirmedPhotoDeletion(QWidget *window, tforderlistmodel *orders, LoadingOverlay *overlay,
+                           std::function<bool(int row)> mayChange);
 
     /// Those of \a photos, of the order at \a row, that the service knows.
     void deletePhotos(int row, const QVector<PanelPhoto> &photos,
@@ -55,5 +55,5 @@ private:
     tforderlistmodel *orders_;
     LoadingOverlay *overlay_;
     std::function<bool(int row)> mayChange_;
-    tfphotodeletion deletion_;
+    PhotoDeletion deletion_;
 };

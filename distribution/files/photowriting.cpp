@@ -1,4 +1,4 @@
-#include "distribution/files/photofiles.h"
+#include "distribution/files/photowriting.h"
 
 #include "files/filecopy.h"
 #include "files/filewriting.h"
@@ -12,7 +12,7 @@
 
 #include <algorithm>
 
-namespace photofiles {
+namespace photowriting {
 
 namespace {
 
@@ -123,4 +123,4 @@ StoreOutcome storeImage(const QByteArray &bytes, const QString &target)
     return StoreOutcome::NotSaved;
 }
 
-} // namespace photofiles
+} // namespace photowriting

@@ -1,4 +1,4 @@
-#include "photoimport/imported/tfphotodeletion.h"
+#include "photoimport/imported/photodeletion.h"
 
 #include "photoimport/imported/tfdellocalphotoimg.h"
 #include "photoimport/rules/photorequests.h"
@@ -22,7 +22,7 @@ DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
     return request;
 }
 
-tfphotodeletion::tfphotodeletion(QObject *parent)
+PhotoDeletion::PhotoDeletion(QObject *parent)
     : QObject(parent), call_(this), thread_(new TFDelLocalPhotoImg(this))
 {
     connect(thread_, &QThread::finished, this, [this] {
@@ -32,12 +32,12 @@ tfphotodeletion::tfphotodeletion(QObject *parent)
     });
 }
 
-bool tfphotodeletion::isRemoving() const
+bool PhotoDeletion::isRemoving() const
 {
     return thread_->isRunning();
 }
 
-bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::Identity &identity)
+bool PhotoDeletion::start(const DeletionRequest &request, const orderqueries::Identity &identity)
 {
     if (isActive())
         return false;
@@ -58,7 +58,7 @@ bool tfphotodeletion::start(const DeletionRequest &request, const orderqueries::
     return true;
 }
 
-ServiceReply tfphotodeletion::refusal(const QString &text)
+ServiceReply PhotoDeletion::refusal(const QString &text)
 {
     ServiceReply reply;
     reply.outcome = ServiceReply::Outcome::Refused;
@@ -66,7 +66,7 @@ ServiceReply tfphotodeletion::refusal(const QString &text)
     return reply;
 }
 
-bool tfphotodeletion::cancel()
+bool PhotoDeletion::cancel()
 {
     call_.cancel();
     if (!std::exchange(asking_, false))
@@ -76,7 +76,7 @@ bool tfphotodeletion::cancel()
     return true;
 }
 
-void tfphotodeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
+void PhotoDeletion::onReply(const DeletionRequest &request, const ServiceReply &reply)
 {
     asking_ = false;
     if (!reply.isSuccess()) {

@@ -1,7 +1,7 @@
-#include "distribution/naming/fieldbutton.h"
+#include "distribution/ruleeditor/fieldbutton.h"
 
 #include "app/context/k.h"
-#include "distribution/naming/separatorbutton.h"
+#include "distribution/ruleeditor/separatorbutton.h"
 #include "widgets/theme/theme.h"
 
 #include <QApplication>

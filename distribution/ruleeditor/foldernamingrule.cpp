@@ -1,9 +1,9 @@
-#include "distribution/naming/foldernamingrule.h"
+#include "distribution/ruleeditor/foldernamingrule.h"
 
 #include "app/context/k.h"
-#include "distribution/naming/draggablefieldsource.h"
-#include "distribution/naming/dropzone.h"
 #include "distribution/naming/foldernames.h"
+#include "distribution/ruleeditor/draggablefieldsource.h"
+#include "distribution/ruleeditor/dropzone.h"
 #include "files/safename.h"
 #include "tasks/background.h"
 #include "widgets/inputs/flowlayout.h"

@@ -5,7 +5,7 @@
 
 /// Copying and storing the files of photos. Paths are as this machine writes them. What touches the
 /// disk blocks: for worker threads.
-namespace photofiles {
+namespace photowriting {
 
 /// The thumbnail of the photo at \a path, which may be in wire form: "all" becomes "90". A path
 /// that does not lead through a folder "all" stays as it is.
@@ -31,4 +31,4 @@ enum class StoreOutcome { Stored, NoImage, NotSaved };
 /// \a target names.
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target);
 
-} // namespace photofiles
+} // namespace photowriting

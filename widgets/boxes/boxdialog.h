@@ -14,13 +14,13 @@ class QPushButton;
 /// The dialog behind message boxes and confirmations: a symbol, a text that scrolls when it is long
 /// and can be selected, and buttons with Chinese texts; "复制" when the text is not all. Escape and
 /// "×" give the safe answer. It is shown by BoxQueue.
-class NoticeDialog : public QDialog
+class BoxDialog : public QDialog
 {
     Q_OBJECT
 
 public:
     /// The text of \a box is \a text as shown.
-    NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *parent);
+    BoxDialog(const BoxRecord &box, const BoxText &text, QWidget *parent);
 
     /// The button that Enter presses at first; otherwise the one that agrees.
     void setDefaultButton(QMessageBox::StandardButton button);

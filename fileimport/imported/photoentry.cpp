@@ -1,4 +1,4 @@
-#include "fileimport/imported/photorecords.h"
+#include "fileimport/imported/photoentry.h"
 
 #include <QHash>
 

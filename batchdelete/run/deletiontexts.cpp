@@ -1,10 +1,10 @@
-#include "batchdelete/run/deletionreport.h"
+#include "batchdelete/run/deletiontexts.h"
 
 #include "files/csv.h"
 
 #include <QStringList>
 
-namespace deletionreport {
+namespace deletiontexts {
 
 namespace {
 
@@ -92,4 +92,4 @@ QByteArray csv(const QVector<BatchDeleteOrderInfo> &orders)
     return table;
 }
 
-} // namespace deletionreport
+} // namespace deletiontexts

@@ -1,4 +1,4 @@
-#include "distribution/naming/separatorbutton.h"
+#include "distribution/ruleeditor/separatorbutton.h"
 
 #include "distribution/naming/namingrule.h"
 #include "widgets/inputs/contextmenu.h"

@@ -1,4 +1,4 @@
-#include "widgets/boxes/noticedialog.h"
+#include "widgets/boxes/boxdialog.h"
 
 #include "look/colours.h"
 #include "tasks/background.h"
@@ -119,7 +119,7 @@ QSize naturalSize(QTextDocument *document, int widest)
 
 } // namespace
 
-NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *parent)
+BoxDialog::BoxDialog(const BoxRecord &box, const BoxText &text, QWidget *parent)
     : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint | Qt::WindowSystemMenuHint)
     , answer_(boxscript::safeAnswer(box.buttons))
 {
@@ -167,7 +167,7 @@ NoticeDialog::NoticeDialog(const BoxRecord &box, const BoxText &text, QWidget *p
     setTabOrder(choices_.last().button, titleBar->closeButton());
 }
 
-QAbstractScrollArea *NoticeDialog::textArea(const QString &text, Qt::TextFormat format)
+QAbstractScrollArea *BoxDialog::textArea(const QString &text, Qt::TextFormat format)
 {
     const bool rich = format == Qt::RichText;
     QAbstractScrollArea *area = nullptr;
@@ -200,7 +200,7 @@ QAbstractScrollArea *NoticeDialog::textArea(const QString &text, Qt::TextFormat 
     return area;
 }
 
-QHBoxLayout *NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
+QHBoxLayout *BoxDialog::addButtons(QMessageBox::StandardButtons buttons)
 {
     auto *row = new QHBoxLayout;
     row->setSpacing(theme::spacing());
@@ -226,7 +226,7 @@ QHBoxLayout *NoticeDialog::addButtons(QMessageBox::StandardButtons buttons)
     return row;
 }
 
-void NoticeDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole)
+void BoxDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole)
 {
     QPushButton *copy = addBesides(row, QStringLiteral("复制"));
     copy->setObjectName(QStringLiteral("copyButton"));
@@ -238,14 +238,14 @@ void NoticeDialog::addCopyButton(QHBoxLayout *row, const std::function<QString()
     });
 }
 
-void NoticeDialog::addAction(QHBoxLayout *row, const BoxAction &action)
+void BoxDialog::addAction(QHBoxLayout *row, const BoxAction &action)
 {
     QPushButton *button = addBesides(row, action.text);
     connect(button, &QPushButton::clicked, this, [this, act = action.act] { act(this); });
 }
 
 /// A button that answers nothing.
-QPushButton *NoticeDialog::addBesides(QHBoxLayout *row, const QString &text)
+QPushButton *BoxDialog::addBesides(QHBoxLayout *row, const QString &text)
 {
     auto *button = new QPushButton(text, this);
     button->setAutoDefault(false);
@@ -253,7 +253,7 @@ QPushButton *NoticeDialog::addBesides(QHBoxLayout *row, const QString &text)
     return button;
 }
 
-void NoticeDialog::setDefaultButton(QMessageBox::StandardButton which)
+void BoxDialog::setDefaultButton(QMessageBox::StandardButton which)
 {
     if (QPushButton *wanted = button(which)) {
         wanted->setDefault(true);
@@ -261,7 +261,7 @@ void NoticeDialog::setDefaultButton(QMessageBox::StandardButton which)
     }
 }
 
-QPushButton *NoticeDialog::button(QMessageBox::StandardButton which) const
+QPushButton *BoxDialog::button(QMessageBox::StandardButton which) const
 {
     for (const Choice &choice : choices_) {
         if (choice.which == which)
@@ -270,7 +270,7 @@ QPushButton *NoticeDialog::button(QMessageBox::StandardButton which) const
     return nullptr;
 }
 
-void NoticeDialog::paintEvent(QPaintEvent *)
+void BoxDialog::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.fillRect(rect(), colours::toColor(colours::outline));

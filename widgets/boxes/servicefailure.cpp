@@ -1,4 +1,4 @@
-#include "widgets/boxes/servicenotice.h"
+#include "widgets/boxes/servicefailure.h"
 
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"

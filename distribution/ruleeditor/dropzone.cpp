@@ -1,9 +1,9 @@
-#include "distribution/naming/dropzone.h"
+#include "distribution/ruleeditor/dropzone.h"
 
 #include "app/context/k.h"
-#include "distribution/naming/fieldbutton.h"
-#include "distribution/naming/fielddrag.h"
-#include "distribution/naming/separatorbutton.h"
+#include "distribution/ruleeditor/fieldbutton.h"
+#include "distribution/ruleeditor/fielddrag.h"
+#include "distribution/ruleeditor/separatorbutton.h"
 #include "look/colours.h"
 #include "widgets/inputs/flowlayout.h"
 #include "widgets/theme/theme.h"

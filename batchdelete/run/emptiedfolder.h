@@ -5,7 +5,7 @@
 
 /// Whether the folder of an order that is being emptied still is there. Paths are in Windows form.
 /// Touches the disk and can block; for worker threads.
-namespace orderfolder {
+namespace emptiedfolder {
 
 /// What tells the folder that holds that of an order from every other; empty for unknown.
 QByteArray holderOf(const QString &netPath);
@@ -28,4 +28,4 @@ Look lookFor(const QString &netPath, const QByteArray &holder);
 /// Of a share or another machine's disk that is gone.
 QString unreachableText();
 
-} // namespace orderfolder
+} // namespace emptiedfolder

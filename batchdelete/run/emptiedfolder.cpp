@@ -1,4 +1,4 @@
-#include "batchdelete/run/orderfolder.h"
+#include "batchdelete/run/emptiedfolder.h"
 
 #include "batchdelete/rules/deletionrules.h"
 #include "platform/drives.h"
@@ -6,7 +6,7 @@
 
 #include <QFileInfo>
 
-namespace orderfolder {
+namespace emptiedfolder {
 
 QByteArray holderOf(const QString &netPath)
 {
@@ -29,4 +29,4 @@ QString unreachableText()
     return QStringLiteral("网络路径无法访问");
 }
 
-} // namespace orderfolder
+} // namespace emptiedfolder

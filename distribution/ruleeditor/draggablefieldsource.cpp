@@ -1,7 +1,7 @@
-#include "distribution/naming/draggablefieldsource.h"
+#include "distribution/ruleeditor/draggablefieldsource.h"
 
 #include "app/context/k.h"
-#include "distribution/naming/fielddrag.h"
+#include "distribution/ruleeditor/fielddrag.h"
 #include "look/colours.h"
 #include "widgets/theme/theme.h"
 
