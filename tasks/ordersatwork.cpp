@@ -41,6 +41,13 @@ Claim::Claim(Claim &&other) noexcept : orders_(std::exchange(other.orders_, {}))
 {
 }
 
+Claim &Claim::operator=(Claim &&other) noexcept
+{
+    std::swap(orders_, other.orders_);
+    other.release();
+    return *this;
+}
+
 void Claim::release()
 {
     const auto orders = std::exchange(orders_, {});

@@ -20,7 +20,7 @@ public:
     Claim(const QVector<OrderIdentity> &orders, const QString &tool) { add(orders, tool); }
     ~Claim();
     Claim(Claim &&other) noexcept;
-    Claim &operator=(Claim &&) = delete;
+    Claim &operator=(Claim &&other) noexcept;
 
     /// Nothing is checked.
     void add(const QVector<OrderIdentity> &orders, const QString &tool);
