@@ -37,4 +37,13 @@ bool flushToMedium(const QString &path);
 /// or could not be confirmed to be on the medium.
 bool replaceFile(const QString &temporary, const QString &target);
 
+enum class MoveResult {
+    Moved,
+    Occupied, ///< something stands under the new name; both stay as they were
+    Failed,   ///< nothing has moved
+};
+/// Gives the file at \a from (a link as a link) the name \a to on the same volume. Never replaces,
+/// never copies. Blocks; for worker threads.
+MoveResult moveFile(const QString &from, const QString &to);
+
 } // namespace platform

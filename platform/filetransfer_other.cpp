@@ -232,4 +232,37 @@ bool replaceFile(const QString &temporary, const QString &target)
     return flushToMedium(QFileInfo(target).path());
 }
 
+MoveResult moveFile(const QString &from, const QString &to)
+{
+    const QByteArray oldName = QFile::encodeName(from);
+    const QByteArray newName = QFile::encodeName(to);
+#ifdef RENAME_NOREPLACE
+    if (renameat2(AT_FDCWD, oldName.constData(), AT_FDCWD, newName.constData(), RENAME_NOREPLACE) ==
+        0)
+        return MoveResult::Moved;
+    if (errno == EEXIST)
+        return MoveResult::Occupied;
+    if (errno != EINVAL && errno != ENOSYS)
+        return MoveResult::Failed;
+#endif
+    // Some shares cannot rename so; they can link, or else only a look tells what stands there.
+    if (link(oldName.constData(), newName.constData()) == 0) {
+        if (unlink(oldName.constData()) == 0)
+            return MoveResult::Moved;
+        unlink(newName.constData());
+        return MoveResult::Failed;
+    }
+    if (errno == EEXIST)
+        return MoveResult::Occupied;
+    struct stat there
+    {
+    };
+    if (lstat(newName.constData(), &there) == 0)
+        return MoveResult::Occupied;
+    if (errno != ENOENT)
+        return MoveResult::Failed;
+    return rename(oldName.constData(), newName.constData()) == 0 ? MoveResult::Moved
+                                                                 : MoveResult::Failed;
+}
+
 } // namespace platform

@@ -135,4 +135,14 @@ bool replaceFile(const QString &temporary, const QString &target)
                        MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
+MoveResult moveFile(const QString &from, const QString &to)
+{
+    // Without leave to copy, another volume is a failure.
+    if (MoveFileExW(longPath(from).c_str(), longPath(to).c_str(), MOVEFILE_WRITE_THROUGH))
+        return MoveResult::Moved;
+    const DWORD error = GetLastError();
+    return error == ERROR_ALREADY_EXISTS || error == ERROR_FILE_EXISTS ? MoveResult::Occupied
+                                                                       : MoveResult::Failed;
+}
+
 } // namespace platform

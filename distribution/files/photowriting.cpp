@@ -61,6 +61,15 @@ bool turnOnto(PictureReader *reader, const QString &source, const QString &targe
     return true;
 }
 
+void noteWritten(FileOutcome *file, FileOutcome::Kind kind)
+{
+    const QFileInfo target(file->target);
+    file->ending = FileOutcome::Ending::Written;
+    file->kind = kind;
+    file->size = target.size();
+    file->modified = target.lastModified().toMSecsSinceEpoch();
+}
+
 } // namespace
 
 QString thumbnailOf(const QString &path)
@@ -80,24 +89,30 @@ bool ensureFolder(const QString &folder)
     return QFileInfo(folder).isDir() || makeFolder(folder);
 }
 
-bool copyOnto(const QString &source, const QString &target)
+bool copyOnto(FileOutcome *file)
 {
-    return mayReplace(target) && copyFile(source, target) == CopyOutcome::Copied;
+    if (!mayReplace(file->target) || copyFile(file->source, file->target) != CopyOutcome::Copied)
+        return false;
+    noteWritten(file, FileOutcome::Kind::Copy);
+    return true;
 }
 
-CopyEnding copyUprightOnto(const QString &source, const QString &target)
+CopyEnding copyUprightOnto(FileOutcome *file)
 {
     bool isIncomplete = false;
     {
+        const QString &source = file->source;
         PictureReader reader(source, picturebounds::imported);
         if (!reader.canRead())
             qDebug().noquote() << QStringLiteral("无法读取图片EXIF信息，直接拷贝:") << source;
         else if (reader.transformation() == QImageIOHandler::TransformationNone)
             qDebug().noquote() << QStringLiteral("图片方向正常，直接拷贝:") << source;
-        else if (turnOnto(&reader, source, target, &isIncomplete))
+        else if (turnOnto(&reader, source, file->target, &isIncomplete)) {
+            noteWritten(file, FileOutcome::Kind::Upright);
             return CopyEnding::Copied;
+        }
     }
-    if (!copyOnto(source, target))
+    if (!copyOnto(file))
         return CopyEnding::Failed;
     return isIncomplete ? CopyEnding::CopiedIncomplete : CopyEnding::Copied;
 }
@@ -121,6 +136,14 @@ StoreOutcome storeImage(const QByteArray &bytes, const QString &target)
     }
     qDebug().noquote() << QStringLiteral("Failed to save image:") << target << error;
     return StoreOutcome::NotSaved;
+}
+
+FileOutcome madeFile(const QString &target)
+{
+    FileOutcome file;
+    file.target = target;
+    noteWritten(&file, FileOutcome::Kind::Made);
+    return file;
 }
 
 } // namespace photowriting

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "distribution/files/fileoutcome.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -14,8 +16,9 @@ QString thumbnailOf(const QString &path);
 /// Makes sure of \a folder with all its parents; others may be doing the same.
 bool ensureFolder(const QString &folder);
 
-/// Copies \a source onto \a target unless what stands there may not be replaced.
-bool copyOnto(const QString &source, const QString &target);
+/// Copies the source of \a file onto its target unless what stands there may not be replaced, and
+/// notes what became of it.
+bool copyOnto(FileOutcome *file);
 
 enum class CopyEnding {
     Copied,
@@ -24,11 +27,14 @@ enum class CopyEnding {
 };
 /// The same, upright: a picture whose orientation tag says that it is to be turned is turned,
 /// anything else is copied byte for byte, and so is what cannot be turned.
-CopyEnding copyUprightOnto(const QString &source, const QString &target);
+CopyEnding copyUprightOnto(FileOutcome *file);
 
 enum class StoreOutcome { Stored, NoImage, NotSaved };
 /// Stores the image that \a bytes hold, all of it and upright, in the format that the suffix of
 /// \a target names.
 StoreOutcome storeImage(const QByteArray &bytes, const QString &target);
+
+/// A file that was made under the name \a target a moment ago.
+FileOutcome madeFile(const QString &target);
 
 } // namespace photowriting

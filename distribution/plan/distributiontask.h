@@ -1,5 +1,6 @@
 #pragma once
 
+#include "distribution/files/fileoutcome.h"
 #include "distribution/plan/plannedpictures.h"
 #include "distribution/rules/orderdetail.h"
 #include "tasks/stopflag.h"
@@ -8,6 +9,7 @@
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 #include <atomic>
 #include <functional>
@@ -44,12 +46,12 @@ struct DistributionTask
 struct TaskResult
 {
     bool success = false;
-    QString type;        ///< the task's
-    QString copyFile;    ///< the file that was written, or was to be
-    QString imgData;     ///< the task's imageId
-    QString errmsg;      ///< lines; may hold some although the task succeeded in the rest
-    QStringList written; ///< "创建产品": the files that were
-    QString missing;     ///< the source, when it is not there
+    QString type;               ///< the task's
+    QString copyFile;           ///< the file that was written, or was to be
+    QString imgData;            ///< the task's imageId
+    QString errmsg;             ///< lines; may hold some although the task succeeded in the rest
+    QVector<FileOutcome> files; ///< that it was to write
+    QString missing;            ///< the source, when it is not there
 };
 Q_DECLARE_METATYPE(TaskResult)
 

@@ -20,14 +20,14 @@ namespace {
 struct PhotoCopy
 {
     QString name; ///< as the reply writes it
-    QString source;
-    QString target;
+    FileOutcome file;
     QString problem; ///< what was thrown meanwhile
-    enum class Ending { NotBegun, Copied, Failed } ending = Ending::NotBegun;
+    enum class Ending { NotBegun, NoFolder, Copied, Failed } ending = Ending::NotBegun;
 };
 
 /// One copy for each file, however often it is listed; two files of one name get two.
-void planCopies(const DetailProduct &product, const QString &folder, QVector<PhotoCopy> *copies)
+void planCopies(const DetailProduct &product, const QString &folder, PhotoCopy::Ending ending,
+                QVector<PhotoCopy> *copies)
 {
     QSet<QString> sources;
     foldernames::DistinctNames names;
@@ -37,22 +37,26 @@ void planCopies(const DetailProduct &product, const QString &folder, QVector<Pho
         if (sources.contains(source))
             continue;
         sources.insert(source);
-        copies->append(
-            {photo.imgName, source, joinLocalPath(folder, names.take(photo.imgName)), {}});
+        PhotoCopy copy;
+        copy.name = photo.imgName;
+        copy.file.source = source;
+        copy.file.target = joinLocalPath(folder, names.take(photo.imgName));
+        copy.ending = ending;
+        copies->append(copy);
     }
 }
 
 /// Which photo, of which product, and why as far as that can be told.
 QString failure(const PhotoCopy &copy)
 {
-    const QString product = copy.target.section(QLatin1Char('/'), -2, -2);
-    const QString flaw = flawOfSource(copy.source);
+    const QString product = copy.file.target.section(QLatin1Char('/'), -2, -2);
+    const QString flaw = flawOfSource(copy.file.source);
     if (!flaw.isEmpty())
         return copy.name + flaw + QStringLiteral("（") + product + QStringLiteral("）");
     QString reason;
     if (!copy.problem.isEmpty())
         reason = QStringLiteral("，") + copy.problem;
-    else if (!QFileInfo(copy.source).isFile())
+    else if (!QFileInfo(copy.file.source).isFile())
         reason = QStringLiteral("，照片不存在");
     return copy.name + QStringLiteral("拷贝失败（") + product + reason + QStringLiteral("）");
 }
@@ -93,25 +97,27 @@ QStringList productFolderPaths(const OrderDetail &detail, const QString &ruleTex
 
 QStringList createProductFolders(const OrderDetail &detail, const QString &ruleText,
                                  const QString &orderFolder, const std::function<bool()> &stopped,
-                                 StepProgress *progress, QStringList *written)
+                                 StepProgress *progress, QVector<FileOutcome> *files)
 {
-    const QString factoryName = foldernames::factoryFolder(detail);
-    if (!photowriting::ensureFolder(joinLocalPath(orderFolder, factoryName)))
-        return {folderFailure(factoryName)};
-
     QStringList errors;
+    const QString factoryName = foldernames::factoryFolder(detail);
+    const bool hasFactory = photowriting::ensureFolder(joinLocalPath(orderFolder, factoryName));
+    if (!hasFactory)
+        errors.append(folderFailure(factoryName));
     // Finished photos that no product uses are copied there.
-    if (!photowriting::ensureFolder(
-            joinLocalPath(joinLocalPath(orderFolder, foldernames::other), foldernames::finished)))
+    else if (!photowriting::ensureFolder(joinLocalPath(
+                 joinLocalPath(orderFolder, foldernames::other), foldernames::finished)))
         errors.append(folderFailure(foldernames::finished));
     QVector<PhotoCopy> copies;
     const QStringList folders = productFolderPaths(detail, ruleText, orderFolder);
     const QVector<DetailProduct> products = detail.products();
     for (int index = 0; index < products.size(); ++index) {
         const QString &folder = folders.at(index);
-        if (pathgate::isBelow(folder, orderFolder) && photowriting::ensureFolder(folder))
-            planCopies(products.at(index), folder, &copies);
-        else
+        const bool isThere = hasFactory && pathgate::isBelow(folder, orderFolder) &&
+                             photowriting::ensureFolder(folder);
+        planCopies(products.at(index), folder,
+                   isThere ? PhotoCopy::Ending::NotBegun : PhotoCopy::Ending::NoFolder, &copies);
+        if (hasFactory && !isThere)
             errors.append(folderFailure(folder.section(QLatin1Char('/'), -1)));
     }
 
@@ -119,11 +125,13 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
         progress->total = copies.size();
     inParallel(copies.size(), [&stopped, progress, all = copies.data()](int number) {
         PhotoCopy &copy = all[number];
+        if (copy.ending == PhotoCopy::Ending::NoFolder)
+            return;
         copy.problem = problemOf([&] {
             if (stopped && stopped())
                 return;
-            const bool copied = flawOfSource(copy.source).isEmpty() &&
-                                photowriting::copyOnto(copy.source, copy.target);
+            const bool copied =
+                flawOfSource(copy.file.source).isEmpty() && photowriting::copyOnto(&copy.file);
             copy.ending = copied ? PhotoCopy::Ending::Copied : PhotoCopy::Ending::Failed;
         });
         if (!copy.problem.isEmpty())
@@ -137,8 +145,8 @@ QStringList createProductFolders(const OrderDetail &detail, const QString &ruleT
             errors.append(failure(copy));
         else if (copy.ending == PhotoCopy::Ending::NotBegun)
             ++notBegun;
-        else if (written)
-            written->append(copy.target);
+        if (files)
+            files->append(copy.file);
     }
     if (notBegun > 0)
         errors.append(QStringLiteral("已停止，%1张产品照片未拷贝").arg(notBegun));

@@ -7,6 +7,8 @@
 #include "distribution/run/fjdatathread.h"
 #include "files/filewriting.h"
 #include "files/pathgate.h"
+#include "files/paths.h"
+#include "files/safename.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -52,21 +54,6 @@ Planned prepare(PlanRequest request, const QString &namingRule)
     return {{}, planOrder(request, [&raws](const QString &photo) { return raws.beside(photo); })};
 }
 
-QString comparablePath(const QString &path)
-{
-    return QDir::cleanPath(path).toCaseFolded();
-}
-
-/// How many files in \a folder the run has not written. Blocks; for worker threads.
-int otherFilesIn(const QString &folder, const QSet<QString> &written)
-{
-    int others = 0;
-    QDirIterator file(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (file.hasNext())
-        others += written.contains(comparablePath(file.next())) ? 0 : 1;
-    return others;
-}
-
 QString yesNo(bool value)
 {
     return value ? QStringLiteral("true") : QStringLiteral("false");
@@ -91,7 +78,9 @@ DistributionRun::DistributionRun(QObject *parent)
     connect(&fetches_, &ImageFetches::fetched, this, &DistributionRun::startTask);
     connect(&fetches_, &ImageFetches::failed, this,
             [this](const DistributionTask &store, const QString &error) {
-                count({false, store.type, store.targetFolder + store.imgName, {}, error, {}, {}});
+                FileOutcome file;
+                file.target = joinLocalPath(store.targetFolder, safeFileName(store.imgName));
+                count({false, store.type, file.target, {}, error, {file}, {}});
             });
     connect(&reports_, &DownloadReports::allAnswered, this, &DistributionRun::announceIdle);
 }
@@ -110,7 +99,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     settings_ = settings;
     errors_.clear();
     refused_.clear();
-    otherFiles_.clear();
+    proofs_.clear();
     running_ = true;
     stopFlag_ = StopFlag();
     completed_ = 0;
@@ -128,7 +117,7 @@ void DistributionRun::stop()
     stopFlag_.raise();
     detailCall_.cancel();
     reading_.abandon();
-    counting_.abandon();
+    proving_.abandon();
     fetches_.cancel();
     if (tasksInFlight_ == 0)
         finish();
@@ -151,7 +140,7 @@ void DistributionRun::startNextOrder()
     listSize_ = 0;
     listSettled_ = 0;
     orderTask_.clear();
-    written_.clear();
+    files_.clear();
     missing_.clear();
     outstanding_.clear();
     emit orderStarted(index_ + 1, orders_.size(), current());
@@ -296,10 +285,7 @@ void DistributionRun::takeResult(const std::optional<TaskResult> &result)
 void DistributionRun::count(const TaskResult &result)
 {
     ++copyPicFinishNum_;
-    if (result.success)
-        written_.insert(comparablePath(result.copyFile));
-    for (const QString &file : result.written)
-        written_.insert(comparablePath(file));
+    files_ += result.files;
     if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
         result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
         ++downPhotoFinishNums_;
@@ -445,18 +431,19 @@ void DistributionRun::completeOrder()
                        << "\n----------------------------------------";
     ++completed_;
     if (!stopFlag_.isRaised())
-        countOtherFiles();
+        proveOrder();
 }
 
-/// What an earlier run has left, or somebody has put there, is told at the end.
-void DistributionRun::countOtherFiles()
+/// What the run was to write, beside what stands there: told at the end.
+void DistributionRun::proveOrder()
 {
     onDisk(
         this, orderFolder_,
-        [folder = orderFolder_, written = written_] { return otherFilesIn(folder, written); },
-        counting_.only([this](int count) {
-            if (count > 0)
-                otherFiles_.append({current().displayNumber(), count});
+        [folder = orderFolder_, files = files_, tool = cardName(settings_.type)] {
+            return orderproof::prove(folder, files, {}, tool);
+        },
+        proving_.only([this](const OrderProof &proof) {
+            proofs_.append({current().identity(), current().displayNumber(), proof});
             startNextOrder();
         }));
 }
@@ -476,7 +463,7 @@ void DistributionRun::finish()
     summary.stopped = stopFlag_.isRaised();
     summary.refused = refused_;
     summary.errors = errors_;
-    summary.otherFiles = otherFiles_;
+    summary.proofs = proofs_;
     running_ = false;
     claim_.release();
     stepTimer_.stop();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "distribution/plan/distributionplan.h"
+#include "distribution/proof/orderproof.h"
 #include "distribution/rules/orderdata.h"
 #include "distribution/run/downloadreports.h"
 #include "distribution/run/imagefetches.h"
@@ -39,10 +40,9 @@ struct RunSummary
     int orders = 0;    ///< that were to be distributed
     int completed = 0; ///< that were gone through, with failures or without
     bool stopped = false;
-    QStringList refused; ///< names of orders of which nothing was done
-    QStringList errors;  ///< one failure a line
-    /// Orders whose folders hold files that this run did not write, and how many.
-    QVector<QPair<QString, int>> otherFiles;
+    QStringList refused;         ///< names of orders of which nothing was done
+    QStringList errors;          ///< one failure a line
+    QVector<ProvedOrder> proofs; ///< of the completed ones
 };
 Q_DECLARE_METATYPE(RunSummary)
 
@@ -108,7 +108,7 @@ private:
     void addErrorsOf(const TaskResult &result);
     void addErrors(const QString &lines, const QString &file = {});
     void completeOrder();
-    void countOtherFiles();
+    void proveOrder();
     void skipOrder(const QString &reason);
     void finish();
     void announceIdle();
@@ -131,8 +131,8 @@ private:
     StopFlag stopFlag_;
     ordersatwork::Claim claim_; ///< to the current order
     int completed_ = 0;
-    QVector<QPair<QString, int>> otherFiles_;
-    Latest counting_;       ///< of the current order's
+    QVector<ProvedOrder> proofs_;
+    Latest proving_;        ///< of the current order
     QSet<QString> folders_; ///< of the orders so far: no two orders may be mixed in one
 
     // The current order.
@@ -140,10 +140,10 @@ private:
     OrderDetailPtr detail_;
     QString orderFolder_;
     PlannedPictures pictures_;
-    QSet<QString> written_; ///< files, by comparablePath()
-    QSet<QString> missing_; ///< sources that the user has been told are not there
-    int expected_ = 0;      ///< results
-    int photoResults_ = 0;  ///< of them those before the products are made
+    QVector<FileOutcome> files_; ///< that were to be written so far
+    QSet<QString> missing_;      ///< sources that the user has been told are not there
+    int expected_ = 0;           ///< results
+    int photoResults_ = 0;       ///< of them those before the products are made
     int copyPicFinishNum_ = 0;
     int proFinishNum_ = 0;
     int downPhotoFinishNums_ = 0;

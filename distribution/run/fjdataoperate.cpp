@@ -17,14 +17,23 @@
 
 namespace {
 
-TaskResult succeeded(const DistributionTask &task, const QString &file)
+/// Of a task that has one file at most to write.
+TaskResult resultOf(const DistributionTask &task, const FileOutcome &file,
+                    const QString &error = {})
 {
-    return {true, task.type, file, task.imageId, {}, {}, {}};
+    return {error.isEmpty(), task.type, file.target, task.imageId, error, {file}, {}};
 }
 
-TaskResult failed(const DistributionTask &task, const QString &file, const QString &error)
+TaskResult made(const DistributionTask &task, const QString &target)
 {
-    return {false, task.type, file, task.imageId, error, {}, {}};
+    return resultOf(task, photowriting::madeFile(target));
+}
+
+TaskResult failed(const DistributionTask &task, const QString &target, const QString &error)
+{
+    FileOutcome file;
+    file.target = target;
+    return resultOf(task, file, error);
 }
 
 TaskResult noFolder(const DistributionTask &task, const QString &file)
@@ -45,45 +54,45 @@ struct CopyTexts
     QString failed;
 };
 
-using CopyOperation = photowriting::CopyEnding (*)(const QString &source, const QString &target);
+using CopyOperation = photowriting::CopyEnding (*)(FileOutcome *file);
 
-photowriting::CopyEnding copyAsItIs(const QString &source, const QString &target)
+photowriting::CopyEnding copyAsItIs(FileOutcome *file)
 {
-    return photowriting::copyOnto(source, target) ? photowriting::CopyEnding::Copied
-                                                  : photowriting::CopyEnding::Failed;
+    return photowriting::copyOnto(file) ? photowriting::CopyEnding::Copied
+                                        : photowriting::CopyEnding::Failed;
 }
 
 /// Copies one file into \a folder, which is made when missing.
 TaskResult copyInto(const DistributionTask &task, const QString &source, const QString &folder,
                     const CopyTexts &texts, CopyOperation copy = copyAsItIs)
 {
-    const QString target = targetIn(folder, task);
+    FileOutcome file;
+    file.target = targetIn(folder, task);
+    file.source = source;
     const QString flaw = flawOfSource(source);
     if (!flaw.isEmpty())
-        return failed(task, target, task.imgName + flaw);
+        return resultOf(task, file, task.imgName + flaw);
     if (!QFileInfo(source).isFile()) {
-        TaskResult result = failed(task, target, task.imgName + texts.missing);
+        TaskResult result = resultOf(task, file, task.imgName + texts.missing);
         result.missing = source;
         return result;
     }
     if (!photowriting::ensureFolder(folder))
-        return noFolder(task, target);
-    TaskResult result = succeeded(task, target);
-    if (platform::isSameFile(source, target)) {
+        return noFolder(task, file.target);
+    if (platform::isSameFile(source, file.target)) {
         // Turning it would overwrite the only original.
+        file.ending = FileOutcome::Ending::IsSource;
+        TaskResult result = resultOf(task, file);
         result.errmsg = task.imgName + QStringLiteral("目标就是源文件，已跳过");
         return result;
     }
-    switch (copy(source, target)) {
-    case photowriting::CopyEnding::Copied:
-        return result;
-    case photowriting::CopyEnding::CopiedIncomplete:
+    const photowriting::CopyEnding ending = copy(&file);
+    if (ending == photowriting::CopyEnding::Failed)
+        return resultOf(task, file, task.imgName + texts.failed);
+    TaskResult result = resultOf(task, file);
+    if (ending == photowriting::CopyEnding::CopiedIncomplete)
         result.errmsg = task.imgName + QStringLiteral("图片不完整，已原样拷贝");
-        return result;
-    case photowriting::CopyEnding::Failed:
-        break;
-    }
-    return failed(task, target, task.imgName + texts.failed);
+    return result;
 }
 
 TaskResult download(const DistributionTask &task)
@@ -111,6 +120,7 @@ TaskResult copyPhotoAndThumbnail(const DistributionTask &task)
     TaskResult photo = copyPhotoByRole(task);
     const TaskResult thumbnail =
         copyThumbnail(task, photowriting::thumbnailOf(sourceOnDisk(task.sourcePath)));
+    photo.files += thumbnail.files;
     if (thumbnail.success)
         return photo;
     photo.errmsg =
@@ -143,7 +153,7 @@ TaskResult storeText(const DistributionTask &task, const QString &target)
     const bool saved = writeBytes(target, text.toUtf8());
     qDebug().noquote() << (saved ? QStringLiteral("文件保存成功:") : QStringLiteral("保存失败:"))
                        << target;
-    return saved ? succeeded(task, target)
+    return saved ? made(task, target)
                  : failed(task, target, QStringLiteral("保存文件失败：") + target);
 }
 
@@ -174,7 +184,7 @@ TaskResult storePhoto(const DistributionTask &task)
     }
     switch (photowriting::storeImage(bytes, target)) {
     case photowriting::StoreOutcome::Stored:
-        return succeeded(task, target);
+        return made(task, target);
     case photowriting::StoreOutcome::NoImage:
         return failed(task, target, task.imgName + QStringLiteral("无法从数据创建图像"));
     case photowriting::StoreOutcome::NotSaved:
@@ -186,15 +196,18 @@ TaskResult storePhoto(const DistributionTask &task)
 TaskResult createProducts(const DistributionTask &task)
 {
     const OrderDetail nothing;
-    QStringList written;
+    QVector<FileOutcome> files;
     const QStringList errors = createProductFolders(
         task.detail ? *task.detail : nothing, task.namingRule, task.targetFolder,
-        [&task] { return task.stopped.isRaised(); }, task.progress.get(), &written);
+        [&task] { return task.stopped.isRaised(); }, task.progress.get(), &files);
     // The lines name what they are about.
-    TaskResult result = errors.isEmpty() ? succeeded(task, task.targetFolder)
-                                         : failed(task, QString(), errors.join(QLatin1Char('\n')));
-    result.written = written;
-    return result;
+    return {errors.isEmpty(),
+            task.type,
+            errors.isEmpty() ? task.targetFolder : QString(),
+            task.imageId,
+            errors.join(QLatin1Char('\n')),
+            files,
+            {}};
 }
 
 TaskResult makeSheet(const DistributionTask &task)
@@ -203,7 +216,7 @@ TaskResult makeSheet(const DistributionTask &task)
     const OrderDetail nothing;
     const QString error = printProductionSheet(task.detail ? *task.detail : nothing,
                                                task.targetFolder, task.pictures);
-    return error.isEmpty() ? succeeded(task, target) : failed(task, target, error);
+    return error.isEmpty() ? made(task, target) : failed(task, target, error);
 }
 
 } // namespace

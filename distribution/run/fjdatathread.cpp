@@ -1,5 +1,8 @@
 #include "distribution/run/fjdatathread.h"
 
+#include "files/paths.h"
+#include "files/safename.h"
+
 #include <utility>
 
 FJDataThread::FJDataThread(DistributionTask task, const StopFlag &stopped, PerformTask perform)
@@ -16,6 +19,8 @@ void FJDataThread::perform()
 
 void FJDataThread::failed(const QString &problem)
 {
-    result_ = TaskResult{false, task_.type, task_.imgName, task_.imageId, task_.imgName + problem,
-                         {},    {}};
+    FileOutcome file;
+    file.target = joinLocalPath(task_.targetFolder, safeFileName(task_.imgName));
+    result_ = TaskResult{false,  task_.type, task_.imgName, task_.imageId, task_.imgName + problem,
+                         {file}, {}};
 }

@@ -1,10 +1,12 @@
 #include "distribution/window/fjhome.h"
 
+#include "distribution/proof/prooftext.h"
 #include "distribution/ruleeditor/namingrulepanel.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/run/fjdataoperate.h"
 #include "distribution/window/fjleftpanel.h"
 #include "distribution/window/fjrightpanel.h"
+#include "distribution/window/proofpanel.h"
 #include "look/colours.h"
 #include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
@@ -29,20 +31,6 @@ QStringList firstOf(const QStringList &orders)
     return orders.size() > ordersNamed
                ? orders.mid(0, ordersNamed) + QStringList(QStringLiteral("…"))
                : orders;
-}
-
-QString textOfOtherFiles(const RunSummary &summary)
-{
-    int count = 0;
-    QStringList orders;
-    for (const auto &[order, files] : summary.otherFiles) {
-        count += files;
-        orders.append(QStringLiteral("%1: %2").arg(order).arg(files));
-    }
-    if (count == 0)
-        return {};
-    return QStringLiteral("\n订单文件夹中有 %1 个文件不是本次写入的（%2）")
-        .arg(QString::number(count), firstOf(orders).join(QStringLiteral("，")));
 }
 
 } // namespace
@@ -138,10 +126,15 @@ void FJHome::connectRun()
     connect(&run_, &DistributionRun::resultCounted, this, &FJHome::slt_copypicthread);
     // Boxes wait for their answer; the run must not wait inside its own signal.
     connect(&run_, &DistributionRun::finished, this, &FJHome::onRunFinished, Qt::QueuedConnection);
-    connect(&run_, &DistributionRun::idle, this, [this] {
-        if (isClosingLater())
-            finishClosing();
-    });
+    connect(&run_, &DistributionRun::idle, this, &FJHome::closeWhenIdle);
+    connect(left_->proofPanel(), &ProofPanel::putAwayRequested, this, &FJHome::putAway);
+    connect(&oldFiles_, &OldFileRun::finished, this, &FJHome::onPutAway);
+}
+
+void FJHome::closeWhenIdle()
+{
+    if (isClosingLater() && !run_.isBusy() && !oldFiles_.isBusy())
+        finishClosing();
 }
 
 void FJHome::showEvent(QShowEvent *event)
@@ -160,7 +153,7 @@ FramelessWindow::CloseAnswer FJHome::closeRequested()
     left_->cancelRequests();
     abandonPhotos();
     run_.stop();
-    if (!run_.isBusy())
+    if (!run_.isBusy() && !oldFiles_.isBusy())
         return CloseAnswer::Close;
     closeTimer_.start();
     return CloseAnswer::CloseLater;
@@ -232,7 +225,7 @@ void FJHome::abandonPhotos()
 
 void FJHome::onStartProcessRequested()
 {
-    if (run_.isRunning())
+    if (run_.isRunning() || oldFiles_.isBusy())
         return;
     const QVector<OrderData> orders = left_->tickedOrders();
     if (orders.isEmpty()) {
@@ -249,6 +242,7 @@ void FJHome::onStartProcessRequested()
     // A reply that comes now must not replace the orders under the run.
     left_->cancelRequests();
     left_->clearErrors();
+    left_->proofPanel()->clear();
     left_->setLocked(true);
     right_->setRunning(true);
     run_.start(orders, settings);
@@ -280,9 +274,40 @@ void FJHome::onRunFinished(const RunSummary &summary)
                 firstOf(summary.refused).join(QStringLiteral("，"));
     if (!summary.errors.isEmpty())
         text += QStringLiteral("\n有 %1 处失败，见失败记录").arg(summary.errors.size());
-    text += textOfOtherFiles(summary);
+    const QString others = prooftext::otherFiles(summary.proofs);
+    if (!others.isEmpty())
+        text += QLatin1Char('\n') + others;
+    left_->proofPanel()->showProofs(summary.proofs);
     if (summary.completed > 0)
         MessageBox::information(this, text);
     else
         MessageBox::warning(this, text);
+}
+
+void FJHome::putAway(const QVector<ProvedOrder> &orders)
+{
+    if (refusesWhileRunning())
+        return;
+    QString refusal;
+    if (oldFiles_.start(orders, cardName(type_), &refusal))
+        left_->proofPanel()->setBusy(true);
+    else if (!refusal.isEmpty())
+        MessageBox::warning(this, refusal);
+}
+
+void FJHome::onPutAway(const QVector<PutAway> &results)
+{
+    closeWhenIdle();
+    if (isClosingLater())
+        return;
+    left_->proofPanel()->showPutAway(results);
+    QStringList problems;
+    for (const PutAway &result : results)
+        problems += result.problems;
+    if (problems.isEmpty())
+        Toast::show(this, prooftext::putAway(results));
+    else
+        MessageBox::warning(
+            this, BoxText(prooftext::putAway(results) + QStringLiteral("，以下文件没有移动："),
+                          problems));
 }

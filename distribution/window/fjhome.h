@@ -1,6 +1,7 @@
 #pragma once
 
 #include "distribution/run/distributionrun.h"
+#include "distribution/run/oldfilerun.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
 #include "widgets/orders/orderdestination.h"
@@ -46,12 +47,16 @@ private:
     void search(const QString &searchType, const QString &searchText);
     void changeShop(const QString &shopId);
     void onRunFinished(const RunSummary &summary);
+    void putAway(const QVector<ProvedOrder> &orders);
+    void onPutAway(const QVector<PutAway> &results);
+    void closeWhenIdle();
     bool refusesWhileRunning();
     void abandonPhotos();
 
     DesignFileSplitTypes type_ = DesignFileSplitTypes::Distribution;
     bool opened_ = false;
     DistributionRun run_;
+    OldFileRun oldFiles_;
     OrderData current_; ///< the run's
     LatestCall photosCall_;
     Latest photosReading_; ///< of its reply

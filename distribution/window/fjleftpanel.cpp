@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "app/context/k.h"
 #include "distribution/rules/distributionrequests.h"
+#include "distribution/window/proofpanel.h"
 #include "distribution/window/tickdelegate.h"
 #include "look/colours.h"
 #include "widgets/boxes/toast.h"
@@ -49,6 +50,7 @@ FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     , progressLabel_(new PlainLabel(this))
     , stepLabel_(new PlainLabel(this))
     , progressBar_(new QProgressBar(this))
+    , proofPanel_(new ProofPanel(this))
 {
     buildTable();
     buildLayout();
@@ -146,6 +148,7 @@ void FJLeftPanel::buildLayout()
     layout->addLayout(progressTexts);
     layout->addWidget(progressBar_);
     layout->addWidget(buildErrorList());
+    layout->addWidget(proofPanel_);
 }
 
 QWidget *FJLeftPanel::buildErrorList()

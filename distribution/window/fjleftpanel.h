@@ -18,6 +18,7 @@ class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
 class SortedRows;
+class ProofPanel;
 class TickDelegate;
 
 /// The left half of the distribution window: the orders with their ticks, the progress of a run and
@@ -36,6 +37,7 @@ public:
     void setListMode(int mode) { listMode_ = mode; }
     const orderqueries::Identity &identity() const { return branch_.identity(); }
     OrderFinder *finder() const { return finder_; }
+    ProofPanel *proofPanel() const { return proofPanel_; }
 
     /// Searches, or first switches to the branch when the service has not confirmed one yet.
     void reqOrderList(const QString &searchType, const QString &keyword);
@@ -100,4 +102,5 @@ private:
     QWidget *errorList_ = nullptr;
     QLabel *errorHeading_ = nullptr;
     QPlainTextEdit *errors_ = nullptr;
+    ProofPanel *proofPanel_;
 };

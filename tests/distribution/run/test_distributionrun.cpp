@@ -146,7 +146,10 @@ private slots:
         QCOMPARE(filesBelow(target(orderFolder)), spreadOut(expected));
         QCOMPARE(QDir(folder_->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).size(),
                  1);
-        QVERIFY(summary.otherFiles.isEmpty());
+        QCOMPARE(summary.proofs.size(), 1);
+        QVERIFY(summary.proofs.first().proof.isComplete());
+        QCOMPARE(summary.proofs.first().proof.expected, filesBelow(target(orderFolder)).size());
+        QCOMPARE(summary.proofs.first().proof.others, 0);
         // IMG_0005 lies on its side; as an original it is delivered as it is.
         const auto width = [this](const QString &photo) {
             return QImageReader(target(orderFolder + photo)).size().width();
@@ -158,7 +161,8 @@ private slots:
         // A second run meets the same folders and adds none; what stands there besides is told.
         writeFile(target(orderFolder + "/旧/a.jpg"_s));
         const RunSummary second = run({order(1)}, settings(type, options));
-        QCOMPARE(second.otherFiles, (decltype(second.otherFiles){{"TS10001-服务1"_s, 1}}));
+        QCOMPARE(second.proofs.first().number, "TS10001-服务1"_s);
+        QCOMPARE(second.proofs.first().proof.others, 1);
         QVERIFY(QDir(target(orderFolder + "/旧"_s)).removeRecursively());
         QCOMPARE(filesBelow(target(orderFolder)), spreadOut(expected));
     }
