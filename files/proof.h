@@ -10,9 +10,9 @@ enum class Proof : quint8 {
     Cache = 2,  ///< it was read back and equals its source; perhaps out of this machine's memory
     Server = 3, ///< it was read back from the server of its share and equals its source
     Medium = 4, ///< it was read back from this machine's disk and equals its source
-    /// It is no copy of its source's bytes, but a picture made of them: it was written whole, and
-    /// read back as the bytes that were written.
-    Made = 5,
+    /// It is no copy of its source's bytes but a picture made of them, which decodes whole and in
+    /// the size that was to be.
+    Derived = 5,
 };
 
 /// Whether \a proof is that of equal bytes, read past this machine's memory.

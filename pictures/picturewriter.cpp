@@ -1,6 +1,10 @@
 #include "pictures/picturewriter.h"
 
+#include "files/contenthash.h"
+#include "files/filecopy.h"
 #include "files/filewriting.h"
+#include "pictures/picturereader.h"
+#include "platform/filetransfer.h"
 
 #include <QBuffer>
 #include <QColorSpace>
@@ -43,27 +47,60 @@ QString encode(QImage image, const PictureWriting &how, QByteArray *bytes)
     return {};
 }
 
+/// Returns what went wrong.
+QString writeBytes(const QByteArray &bytes, const QString &path, const QDateTime &made)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush())
+        return file.errorString();
+    if (made.isValid())
+        file.setFileTime(made, QFileDevice::FileModificationTime);
+    return {};
+}
+
+/// Whether the file holds the bytes with that hash, and they are a whole picture.
+bool holds(const QString &path, const QByteArray &hash, const QSize &size)
+{
+    return readContent(path).hash == hash &&
+           PictureReader(path, picturebounds::imported).read().size() == size;
+}
+
 } // namespace
 
-QString writePicture(const QImage &image, const QString &target, const PictureWriting &how)
+QString writePicture(const QImage &image, const QString &target, const PictureWriting &how,
+                     WrittenPicture *written)
 {
     // Encoded in memory, so that a full disk cannot pass unnoticed inside the encoder.
     QByteArray bytes;
     QString error = encode(image, how, &bytes);
     if (!error.isEmpty())
         return error;
+    WrittenPicture picture;
+    picture.bytes = bytes.size();
+    if (how.readBack) {
+        ContentHash hash;
+        hash.add(bytes.constData(), bytes.size());
+        picture.hash = hash.result();
+    }
     error = QStringLiteral("无法写入目标文件夹");
-    const bool written = writeWholeFile(target, [&](const QString &temporary) {
-        QFile file(temporary);
-        const bool whole =
-            file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-        if (!whole)
-            error = file.errorString();
-        else if (how.made.isValid())
-            file.setFileTime(how.made, QFileDevice::FileModificationTime);
-        return whole;
+    const bool isWritten = writeWholeFile(target, [&](const QString &temporary) {
+        const QString problem = writeBytes(bytes, temporary, how.made);
+        if (!problem.isEmpty()) {
+            error = problem;
+            return false;
+        }
+        if (!how.readBack)
+            return true;
+        if (!platform::flushToMedium(temporary))
+            return false;
+        const bool isGood = holds(temporary, picture.hash, image.size());
+        if (!isGood)
+            error = copyProblem(CopyOutcome::ContentDiffers, {}, target);
+        return isGood;
     });
+    if (!isWritten)
+        return hasRoomFor(QFileInfo(target).path(), bytes.size()) ? error : noRoomText();
     if (written)
-        return {};
-    return hasRoomFor(QFileInfo(target).path(), bytes.size()) ? error : noRoomText();
+        *written = picture;
+    return {};
 }

@@ -1,4 +1,5 @@
 #include "platform/filereading.h"
+#include "platform/filetime_win.h"
 #include "platform/longpath_win.h"
 
 #include <windows.h>
@@ -22,10 +23,7 @@ FileStamp stampFrom(HANDLE file)
         (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY))
         return stamp;
     stamp.size = qint64((quint64(info.nFileSizeHigh) << 32) | info.nFileSizeLow);
-    constexpr qint64 ticksUntil1970 = 116444736000000000; // of 100 ns, from 1601
-    const auto ticks = qint64((quint64(info.ftLastWriteTime.dwHighDateTime) << 32) |
-                              info.ftLastWriteTime.dwLowDateTime);
-    stamp.modified = (ticks - ticksUntil1970) * 100;
+    stamp.modified = nanosecondsOf(info.ftLastWriteTime);
     stamp.id = (quint64(info.nFileIndexHigh) << 32) | info.nFileIndexLow;
     return stamp;
 }

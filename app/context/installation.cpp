@@ -40,15 +40,15 @@ QString besideFile(const QString &path, const QString &iniFile)
     return QFileInfo(iniFile).path() + QLatin1Char('/') + path;
 }
 
-/// The first of what the environment and the file say that means anything.
-bool verifies(const QStringList &said)
+/// The first of what the environment and the file say that means anything: whether it is \a yes,
+/// which holds when nothing is said.
+bool isSaid(const char *what, const QStringList &said, QLatin1String yes, QLatin1String no)
 {
-    const QLatin1String none("none");
     for (const QString &text : said) {
-        if (text == none || text == QLatin1String("yes"))
-            return text != none;
+        if (text == yes || text == no)
+            return text == yes;
         if (!text.isEmpty())
-            qCWarning(lcTessavo) << "TLS verification is neither yes nor none:" << text;
+            qCWarning(lcTessavo) << what << "is neither" << yes << "nor" << no << ":" << text;
     }
     return true;
 }
@@ -71,8 +71,14 @@ Installation Installation::read(const QString &iniFile)
     settings.caFiles << qEnvironmentVariable("TESSAVO_CA_FILE").trimmed()
                      << besideFile(file.value(QStringLiteral("service/ca-file")), iniFile);
     settings.caFiles.removeAll(QString());
-    settings.verifiesCertificates = verifies({qEnvironmentVariable("TESSAVO_TLS_VERIFY").trimmed(),
-                                              file.value(QStringLiteral("service/tls-verify"))});
+    settings.verifiesCertificates = isSaid("TLS verification",
+                                           {qEnvironmentVariable("TESSAVO_TLS_VERIFY").trimmed(),
+                                            file.value(QStringLiteral("service/tls-verify"))},
+                                           QLatin1String("yes"), QLatin1String("none"));
+    settings.readsImportsBack = isSaid("the verification of imports",
+                                       {qEnvironmentVariable("TESSAVO_IMPORT_VERIFY").trimmed(),
+                                        file.value(QStringLiteral("import/verify"))},
+                                       QLatin1String("read-back"), QLatin1String("size"));
     if (!settings.verifiesCertificates)
         qCWarning(lcTessavo) << "TLS verification is off: any server certificate is accepted";
     return settings;

@@ -3,7 +3,8 @@
 #include <QString>
 #include <QStringList>
 
-/// What the installation, not the user, decides: where the service is and whom to trust. Read once,
+/// What the installation, not the user, decides: where the service is, whom to trust and how copies
+/// are looked at. Read once,
 /// before there is an application object; safe from any thread afterwards.
 ///
 /// Each setting comes from the environment; what is not set there from the file tessavo-tools.ini
@@ -13,6 +14,9 @@
 ///     url = https://studio.example
 ///     ca-file = studio.pem
 ///     tls-verify = none
+///
+///     [import]
+///     verify = size
 ///
 /// A value that makes no sense counts as not set; a log line says so.
 struct Installation
@@ -26,6 +30,10 @@ struct Installation
     /// False when TESSAVO_TLS_VERIFY or `tls-verify` is "none": any certificate will do, as studios
     /// with self-signed ones need. "yes" says expressly what holds anyway.
     bool verifiesCertificates = true;
+
+    /// False when TESSAVO_IMPORT_VERIFY or `verify` is "size": imported files are compared by their
+    /// size alone. "read-back" says expressly what holds anyway.
+    bool readsImportsBack = true;
 
     static const Installation &current();
 

@@ -1,5 +1,6 @@
 #include "fileimport/run/importfilecopyrunnable.h"
 
+#include "app/context/installation.h"
 #include "files/filewriting.h"
 #include "files/paths.h"
 #include "platform/pathform.h"
@@ -7,8 +8,20 @@
 #include <QDebug>
 #include <QFileInfo>
 
+namespace {
+
+VerifiedCopy copyAsInstalled(const QString &source, const QString &target,
+                             const platform::TransferControl &control)
+{
+    const bool readsBack = Installation::current().readsImportsBack;
+    return copyVerified(source, target, readsBack ? Verification::ReadBack : Verification::Size,
+                        control);
+}
+
+} // namespace
+
 ImportFileCopyRunnable::ImportFileCopyRunnable(ImportFile file, CopyFunction copy)
-    : file_(std::move(file)), copy_(std::move(copy))
+    : file_(std::move(file)), copy_(copy ? std::move(copy) : copyAsInstalled)
 {
 }
 
@@ -77,7 +90,8 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
     platform::TransferControl control;
     control.cancelled = [this] { return isCancelled(); };
     control.progress = [this](qint64 bytes) { bytesCopied_ = bytes; };
-    switch (copy_(file_.sourcePath, target, control)) {
+    const VerifiedCopy copy = copy_(file_.sourcePath, target, control);
+    switch (copy.outcome) {
     case CopyOutcome::Copied:
         break;
     case CopyOutcome::Cancelled:
@@ -91,6 +105,8 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
         return endFailed(QStringLiteral("文件大小不一致，拷贝可能不完整"));
     case CopyOutcome::SourceChanged:
         return endFailed(QStringLiteral("文件在拷贝过程中发生变化"));
+    case CopyOutcome::ContentDiffers:
+        return endFailed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
     }
 
     // From here on the target holds the whole photo, and nothing takes it away again: not a late

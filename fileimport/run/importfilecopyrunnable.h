@@ -11,19 +11,20 @@
 #include <atomic>
 #include <functional>
 
-/// Copies one file into its order's folder and verifies the copy. Runs on a pool thread and tells
-/// its result by one signal; connect to it queued. An earlier file under the target's name is
-/// replaced; unless the copy is whole it stays as it was.
+/// Copies one file into its order's folder and verifies the copy (files/filecopy.h). Runs on a pool
+/// thread and tells its result by one signal; connect to it queued. An earlier file under the
+/// target's name is replaced; unless the copy is whole it stays as it was.
 class ImportFileCopyRunnable : public QObject, public Task
 {
     Q_OBJECT
 
 public:
     /// Copies a source onto a target, both as this machine writes paths.
-    using CopyFunction = std::function<CopyOutcome(const QString &, const QString &,
-                                                   const platform::TransferControl &)>;
+    using CopyFunction = std::function<VerifiedCopy(const QString &, const QString &,
+                                                    const platform::TransferControl &)>;
 
-    explicit ImportFileCopyRunnable(ImportFile file, CopyFunction copy = copyFile);
+    /// Without \a copy as the installation wants files to be copied.
+    explicit ImportFileCopyRunnable(ImportFile file, CopyFunction copy = {});
 
     /// Asks the task to end at its next step; any thread.
     void cancel();

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "files/proof.h"
 #include "net/orderqueries.h"
 
+#include <QByteArray>
 #include <QImage>
 #include <QMetaType>
 #include <QString>
@@ -70,6 +72,17 @@ struct JobFailure
                            ///< nothing to try again
 };
 Q_DECLARE_METATYPE(JobFailure)
+
+/// What is known of an original or a video that was written.
+struct WrittenOriginal
+{
+    bool isUpright = false; ///< turned and encoded anew, instead of copied
+    Proof proof = Proof::None;
+    // See ContentHash; empty when nothing was read back.
+    QByteArray sourceHash;
+    QByteArray targetHash;
+    qint64 bytes = 0; ///< of what was written
+};
 
 /// What a worker is given to do.
 struct PhotoJob

@@ -1,6 +1,8 @@
 #include "photoimport/run/imageoperations.h"
 
+#include "app/context/installation.h"
 #include "app/context/logging.h"
+#include "files/contenthash.h"
 #include "files/filecopy.h"
 #include "files/filewriting.h"
 #include "photoimport/rules/photoimportrecords.h"
@@ -57,6 +59,11 @@ QString seconds(qint64 ms)
     return QString::number(double(ms) / 1000.0, 'f', 1);
 }
 
+bool readsBack()
+{
+    return Installation::current().readsImportsBack;
+}
+
 QString suffixOf(const QString &path)
 {
     return QFileInfo(path).suffix().toLower();
@@ -68,16 +75,6 @@ bool failed(JobFailure *failure, const QString &reason)
     if (failure)
         failure->reason = reason;
     return false;
-}
-
-bool copyBytes(const QString &source, const QString &target, JobFailure *failure)
-{
-    const CopyOutcome outcome = copyFile(source, target);
-    if (outcome == CopyOutcome::Copied)
-        return true;
-    const QString error = copyProblem(outcome, source, target);
-    log(QStringLiteral("文件拷贝失败:"), error);
-    return failed(failure, error);
 }
 
 /// What shows that a file was written to.
@@ -190,7 +187,8 @@ QImage readUpright(const QString &source, qint64 bytes)
 }
 
 /// \a before: of the source, before it was looked at.
-bool writeUpright(const QString &source, const QString &target, const Stamp &before)
+bool writeUpright(const QString &source, const QString &target, const Stamp &before,
+                  WrittenOriginal *written)
 {
     QElapsedTimer timer;
     timer.start();
@@ -204,9 +202,15 @@ bool writeUpright(const QString &source, const QString &target, const Stamp &bef
     writing.quality = isJpeg ? originalQuality : -1;
     writing.made = before.modified;
     writing.cameraData = PictureReader(source, picturebounds::imported).cameraData();
-    if (Stamp(source) != before)
+    writing.readBack = readsBack();
+    // Of the bytes that the picture was made of, which nobody has written to since.
+    const QByteArray sourceHash =
+        writing.readBack ? readContent(source, {}, platform::FileReader::Way::Cached).hash
+                         : QByteArray();
+    if (Stamp(source) != before || sourceHash.isEmpty() == writing.readBack)
         return false;
-    const QString error = writePicture(image, target, writing);
+    WrittenPicture picture;
+    const QString error = writePicture(image, target, writing, &picture);
     if (!error.isEmpty()) {
         log(QStringLiteral("图片旋转拷贝保存失败: %1, 错误: %2，回退到直接拷贝")
                 .arg(target, error));
@@ -214,6 +218,10 @@ bool writeUpright(const QString &source, const QString &target, const Stamp &bef
     }
     log(QStringLiteral("图片旋转拷贝成功: %1 -> %2 (耗时: %3秒)")
             .arg(source, target, seconds(timer.elapsed())));
+    if (written) {
+        *written = {true, writing.readBack ? Proof::Derived : Proof::None, sourceHash, picture.hash,
+                    picture.bytes};
+    }
     return true;
 }
 
@@ -442,7 +450,23 @@ QSize uprightSize(const QSize &original)
                                                 : original;
 }
 
-bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure)
+bool copyBytes(const QString &source, const QString &target, JobFailure *failure,
+               WrittenOriginal *written)
+{
+    const VerifiedCopy copy =
+        copyVerified(source, target, readsBack() ? Verification::ReadBack : Verification::Size);
+    if (copy.outcome == CopyOutcome::Copied) {
+        if (written)
+            *written = {false, copy.proof, copy.hash, copy.hash, copy.bytes};
+        return true;
+    }
+    const QString error = copyProblem(copy.outcome, source, target);
+    log(QStringLiteral("文件拷贝失败:"), error);
+    return failed(failure, error);
+}
+
+bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure,
+                     WrittenOriginal *written)
 {
     if (!mayReplace(target)) {
         log(QStringLiteral("文件拷贝失败:"), notReplacedText());
@@ -452,11 +476,11 @@ bool rotateCopyImage(const QString &source, const QString &target, JobFailure *f
     const QString megabytes = QString::number(before.bytes / bytesPerMB);
     if (before.bytes > plainCopyBytes) {
         log(QStringLiteral("文件过大 (%1MB)，使用直接拷贝: %2").arg(megabytes, source));
-        return copyBytes(source, target, failure);
+        return copyBytes(source, target, failure, written);
     }
     log(QStringLiteral("开始旋转拷贝，文件大小: %1MB, 源文件: %2").arg(megabytes, source));
     try {
-        if (writeUpright(source, target, before))
+        if (writeUpright(source, target, before, written))
             return true;
     } catch (const std::exception &exception) {
         log(QStringLiteral("图片旋转拷贝异常: %1, 错误: %2，回退到直接拷贝")
@@ -464,10 +488,11 @@ bool rotateCopyImage(const QString &source, const QString &target, JobFailure *f
     } catch (...) {
         log(QStringLiteral("图片旋转拷贝未知异常: %1，回退到直接拷贝").arg(source));
     }
-    return copyBytes(source, target, failure);
+    return copyBytes(source, target, failure, written);
 }
 
-bool copyOriginal(const QString &source, const QString &target, JobFailure *failure)
+bool copyOriginal(const QString &source, const QString &target, JobFailure *failure,
+                  WrittenOriginal *written)
 {
     const QFileInfo file(source);
     if (!file.exists()) {
@@ -489,10 +514,10 @@ bool copyOriginal(const QString &source, const QString &target, JobFailure *fail
     if (orientation != 1) {
         log(QStringLiteral("检测到图片需要旋转，EXIF方向: %1, 源文件: %2")
                 .arg(QString::number(orientation), source));
-        return rotateCopyImage(source, target, failure);
+        return rotateCopyImage(source, target, failure, written);
     }
     log(QStringLiteral("图片方向正常，直接拷贝:"), source);
-    const bool copied = copyBytes(source, target, failure);
+    const bool copied = copyBytes(source, target, failure, written);
     if (timer.elapsed() > slowMs) {
         log(QStringLiteral("文件拷贝耗时较长: %1秒, 文件: %2")
                 .arg(seconds(timer.elapsed()), source));

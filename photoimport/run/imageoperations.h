@@ -6,11 +6,14 @@
 
 class DecodedSources;
 struct JobFailure;
+struct WrittenOriginal;
 
 /// The image operations of the photo import. They block, for worker threads, and log every
 /// decision. Targets are written under a temporary name and renamed, so that a target name never
 /// holds a partial picture. A source that is written to meanwhile is no source: the operation
-/// fails. Those that take a \a failure tell there why they failed.
+/// fails. Those that take a \a failure tell there why they failed, those that take a \a written
+/// what is known of the file that is there. Files are read back before they get their names, unless
+/// the installation wants their sizes compared alone.
 namespace imageoperations {
 
 constexpr qint64 plainCopyBytes = 104857600;  ///< originals above are copied as they are
@@ -42,10 +45,16 @@ QSize uprightSize(const QSize &original);
 
 /// Copies an original so that it stands upright without an orientation tag. Whatever goes wrong
 /// with the picture, the file is copied byte for byte; false only when that fails, too.
-bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure = nullptr);
+bool rotateCopyImage(const QString &source, const QString &target, JobFailure *failure = nullptr,
+                     WrittenOriginal *written = nullptr);
 
 /// The original copy: byte for byte when it stands upright, otherwise rotateCopyImage().
-bool copyOriginal(const QString &source, const QString &target, JobFailure *failure = nullptr);
+bool copyOriginal(const QString &source, const QString &target, JobFailure *failure = nullptr,
+                  WrittenOriginal *written = nullptr);
+
+/// Copies byte for byte, with nothing of the source or an earlier target looked at before.
+bool copyBytes(const QString &source, const QString &target, JobFailure *failure,
+               WrittenOriginal *written);
 
 /// Makes the size variant with the long side \a longSide in pixels; smaller pictures are enlarged.
 /// With \a shared, variants of one source made at about the same time decode it once.

@@ -90,7 +90,8 @@ QString tfimportworker::process(const PhotoJob &job)
 {
     QString error;
     JobFailure failure;
-    const QString problem = problemOf([&] { error = write(job, &failure); });
+    WrittenOriginal written;
+    const QString problem = problemOf([&] { error = write(job, &failure, &written); });
     if (!problem.isEmpty())
         return problem;
     if (!error.isEmpty() && !failure.reason.isEmpty())
@@ -98,7 +99,8 @@ QString tfimportworker::process(const PhotoJob &job)
     return error;
 }
 
-QString tfimportworker::write(const PhotoJob &job, JobFailure *failure) const
+QString tfimportworker::write(const PhotoJob &job, JobFailure *failure,
+                              WrittenOriginal *written) const
 {
     const QString folder = platform::toLocalPath(job.targetFolder);
     if (!makeFolder(folder))
@@ -108,16 +110,19 @@ QString tfimportworker::write(const PhotoJob &job, JobFailure *failure) const
     const QString &kind = job.photo.kind;
 
     if (kind == photorules::originalKind) {
-        return operations_.copyOriginal(source, target, failure) ? QString()
-                                                                 : QStringLiteral("原图拷贝失败");
+        return operations_.copyOriginal(source, target, failure, written)
+                   ? QString()
+                   : QStringLiteral("原图拷贝失败");
     }
     if (kind == photorules::trialVideoKind) {
-        return operations_.copyVideo(source, target, failure) ? QString()
-                                                              : QStringLiteral("试拍视频拷贝失败");
+        return operations_.copyVideo(source, target, failure, written)
+                   ? QString()
+                   : QStringLiteral("试拍视频拷贝失败");
     }
     if (kind == photorules::retouchedVideoKind) {
-        return operations_.copyVideo(source, target, failure) ? QString()
-                                                              : QStringLiteral("精修视频拷贝失败");
+        return operations_.copyVideo(source, target, failure, written)
+                   ? QString()
+                   : QStringLiteral("精修视频拷贝失败");
     }
     const int longSide = job.photo.targetSize.toInt();
     return operations_.compress(source, target, longSide, failure)
@@ -125,7 +130,8 @@ QString tfimportworker::write(const PhotoJob &job, JobFailure *failure) const
                : photorules::compressionFailure(QString::number(longSide));
 }
 
-bool tfimportworker::copyFile(const QString &source, const QString &target, JobFailure *failure)
+bool tfimportworker::copyFile(const QString &source, const QString &target, JobFailure *failure,
+                              WrittenOriginal *written)
 {
     const auto fail = [failure](const QString &reason) {
         if (failure)
@@ -142,10 +148,9 @@ bool tfimportworker::copyFile(const QString &source, const QString &target, JobF
         qDebug().noquote() << QStringLiteral(" 无法删除旧文件：") << target;
         return fail(QStringLiteral("无法删除旧文件"));
     }
-    const CopyOutcome outcome = ::copyFile(source, target);
-    const bool copied = outcome == CopyOutcome::Copied;
+    const bool copied = imageoperations::copyBytes(source, target, failure, written);
     qDebug().noquote() << (copied ? QStringLiteral("copyFile 拷贝成功：")
                                   : QStringLiteral("copyFile 拷贝失败："))
                        << target;
-    return copied || fail(copyProblem(outcome, source, target));
+    return copied;
 }

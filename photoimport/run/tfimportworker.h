@@ -13,11 +13,12 @@
 class DecodedSources;
 
 /// What a worker does with a photo. Each takes a source and a target as this machine writes paths
-/// and returns whether the target is there, with the reason when it is not; they may throw.
+/// and returns whether the target is there, with the reason when it is not, and what is known of it
+/// when it is; they may throw.
 struct PhotoOperations
 {
-    using Copy =
-        std::function<bool(const QString &source, const QString &target, JobFailure *failure)>;
+    using Copy = std::function<bool(const QString &source, const QString &target,
+                                    JobFailure *failure, WrittenOriginal *written)>;
     using Compress = std::function<bool(const QString &source, const QString &target, int longSide,
                                         JobFailure *failure)>;
 
@@ -51,7 +52,7 @@ public:
 
     /// Copies a video as it is, replacing an earlier output.
     static bool copyFile(const QString &source, const QString &target,
-                         JobFailure *failure = nullptr);
+                         JobFailure *failure = nullptr, WrittenOriginal *written = nullptr);
 
 signals:
     /// Before the report of a job that failed, when more is known than its text says.
@@ -66,7 +67,7 @@ protected:
 private:
     bool takeJob(PhotoJob *job);
     QString process(const PhotoJob &job);
-    QString write(const PhotoJob &job, JobFailure *failure) const;
+    QString write(const PhotoJob &job, JobFailure *failure, WrittenOriginal *written) const;
 
     const int workerId_;
     const PhotoOperations operations_;

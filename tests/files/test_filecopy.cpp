@@ -1,5 +1,5 @@
+#include "files/contenthash.h"
 #include "files/filecopy.h"
-#include "files/filewriting.h"
 #include "platform/fileaccess.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
@@ -9,22 +9,30 @@
 #include <QDateTime>
 #include <QDir>
 #include <QTemporaryDir>
-#include <QThreadPool>
 #include <QtTest>
 
-#include <atomic>
-#include <stdexcept>
+#include <memory>
 
 #ifdef Q_OS_UNIX
 #include <sys/wait.h>
 #include <unistd.h>
 #endif
 
+Q_DECLARE_METATYPE(Verification)
+
 class TestFileCopy : public QObject
 {
     Q_OBJECT
 
 private slots:
+    /// What holds of a copy holds of both ways to make it.
+    void initTestCase_data()
+    {
+        addColumns<Verification>({"verification"});
+        newRow("read back", Verification::ReadBack);
+        newRow("size", Verification::Size);
+    }
+
     void init()
     {
         folder_ = std::make_unique<QTemporaryDir>();
@@ -36,9 +44,8 @@ private slots:
     void copies_data()
     {
         addColumns<int, QString>({"bytes", "name"});
-        newRow("one byte", 1, "a.jpg");
-        newRow("one step", 4 * 1024 * 1024, "a.jpg");
-        newRow("steps and a bit", 9 * 1024 * 1024 + 7, "a.jpg");
+        for (const int bytes : {1, 4095, 4096, 4097, 4 << 20, (8 << 20) + 1})
+            newRow(qPrintable(QString::number(bytes)), bytes, "a.jpg");
         newRow("odd name", 1000, "婚 #1 100%&+😀.jpg");
         newRow("deep folder", 1000,
                QString(100, QLatin1Char('d')).append(QLatin1Char('/')).repeated(3) + "婚.jpg"_s);
@@ -57,10 +64,19 @@ private slots:
             QVERIFY(copied > told);
             told = copied;
         };
-        QCOMPARE(copyFile(path("source"_s), path(name), control), CopyOutcome::Copied);
+        QCOMPARE(copy(path("source"_s), path(name), control), CopyOutcome::Copied);
         QCOMPARE(told, qint64(bytes));
         QCOMPARE(read(name), content);
         QCOMPARE(filesBelow(folder_->path()).size(), 2);
+        QCOMPARE(last_.bytes, qint64(bytes));
+        if (!isReadBack()) {
+            QCOMPARE(last_.proof, Proof::Size);
+            QVERIFY(last_.hash.isEmpty());
+            return;
+        }
+        const ContentReading reading = readContent(path(name));
+        QCOMPARE(last_.hash, reading.hash);
+        QCOMPARE(last_.proof, reading.proof);
     }
 
     void keepsTimeAndDropsReadOnlyMark()
@@ -72,7 +88,7 @@ private slots:
         QVERIFY(source.setFileTime(shot, QFileDevice::FileModificationTime));
         QVERIFY(source.setPermissions(QFile::ReadOwner | QFile::ReadUser));
         source.close();
-        QCOMPARE(copyFile(source.fileName(), path("t"_s)), CopyOutcome::Copied);
+        QCOMPARE(copy(source.fileName(), path("t"_s)), CopyOutcome::Copied);
         QCOMPARE(QFileInfo(path("t"_s)).lastModified(), shot);
         QVERIFY(platform::mayBeWritten(path("t"_s)));
         QVERIFY(!platform::mayBeWritten(source.fileName()));
@@ -82,7 +98,7 @@ private slots:
     {
         const QByteArray content = write("source"_s, 1000);
         write("t"_s, 5000);
-        QCOMPARE(copyFile(path("source"_s), path("t"_s)), CopyOutcome::Copied);
+        QCOMPARE(copy(path("source"_s), path("t"_s)), CopyOutcome::Copied);
         QCOMPARE(read("t"_s), content);
         QCOMPARE(entries().size(), 2);
     }
@@ -97,7 +113,7 @@ private slots:
             ++looks;
             return false;
         };
-        QCOMPARE(copyFile(path("source"_s), path("other"_s), counting), CopyOutcome::Copied);
+        QCOMPARE(copy(path("source"_s), path("other"_s), counting), CopyOutcome::Copied);
         QVERIFY(QFile::remove(path("other"_s)));
         // Before each of the three steps, and before the rename; Windows has steps of its own.
 #ifdef Q_OS_WIN
@@ -110,7 +126,7 @@ private slots:
             int look = 0;
             platform::TransferControl control;
             control.cancelled = [&look, cancelAt] { return ++look >= cancelAt; };
-            QCOMPARE(copyFile(path("source"_s), path("t"_s), control), CopyOutcome::Cancelled);
+            QCOMPARE(copy(path("source"_s), path("t"_s), control), CopyOutcome::Cancelled);
             QCOMPARE(read("t"_s), earlier);
             QCOMPARE(entries(), (QStringList{"source"_s, "t"_s}));
         }
@@ -134,7 +150,7 @@ private slots:
         write("empty"_s, 0);
         const QByteArray earlier = write("t"_s, 10);
         QVERIFY(QDir(folder_->path()).mkdir("folder"_s));
-        QTEST(int(copyFile(path(source), path(target))), "outcome");
+        QTEST(int(copy(path(source), path(target))), "outcome");
         QCOMPARE(read("t"_s), earlier);
         QCOMPARE(entries().size(), 3);
         QVERIFY(
@@ -148,12 +164,14 @@ private slots:
             QSKIP("mounting a small disk needs administrator rights");
         write("source"_s, 5 * 1024 * 1024);
         const QByteArray earlier = write("disk/t"_s, 10);
-        QCOMPARE(copyFile(path("source"_s), path("disk/t"_s)), CopyOutcome::Failed);
+        QCOMPARE(copy(path("source"_s), path("disk/t"_s)), CopyOutcome::Failed);
         QCOMPARE(read("disk/t"_s), earlier);
         QCOMPARE(QDir(path("disk"_s)).entryList(QDir::Files | QDir::Hidden), QStringList("t"_s));
         const QByteArray content = write("small"_s, 1024 * 1024);
-        QCOMPARE(copyFile(path("small"_s), path("disk/t"_s)), CopyOutcome::Copied);
+        QCOMPARE(copy(path("small"_s), path("disk/t"_s)), CopyOutcome::Copied);
         QCOMPARE(read("disk/t"_s), content);
+        // Such a disk is nothing but memory.
+        QCOMPARE(last_.proof, isReadBack() ? Proof::Cache : Proof::Size);
     }
 
     void noticesThatTheSourceGrew()
@@ -162,13 +180,13 @@ private slots:
         platform::TransferControl control;
         control.progress = [&](qint64 copied) {
             // All that there was is copied: the camera goes on writing.
-            if (copied == qint64(5) * 1024 * 1024) {
+            if (readOf(copied) == qint64(5) * 1024 * 1024) {
                 QFile source(path("source"_s));
                 if (source.open(QIODevice::Append))
                     source.write(QByteArray(100, 'x'));
             }
         };
-        const CopyOutcome outcome = copyFile(path("source"_s), path("t"_s), control);
+        const CopyOutcome outcome = copy(path("source"_s), path("t"_s), control);
         // Copied whole with what came late, or refused; never the shorter file under the target's
         // name.
         if (outcome == CopyOutcome::Copied)
@@ -198,128 +216,148 @@ private slots:
         bool overwritten = false;
         platform::TransferControl control;
         control.progress = [&](qint64 copied) {
-            if (copied < whenCopied || overwritten)
+            if (readOf(copied) < whenCopied || overwritten)
                 return;
             overwritten = source.write(QByteArray(100, 'x')) == 100 && source.flush();
         };
-        QCOMPARE(copyFile(path("source"_s), path("t"_s), control), CopyOutcome::SourceChanged);
+        QCOMPARE(copy(path("source"_s), path("t"_s), control), CopyOutcome::SourceChanged);
         QVERIFY(overwritten);
         QCOMPARE(read("t"_s), earlier);
         QCOMPARE(entries(), (QStringList{"source"_s, "t"_s}));
     }
 
-    void aKilledCopyLeavesNoTarget()
+    void noticesThatTheSourceWasReplaced()
+    {
+        if (!isReadBack())
+            QSKIP("the system's own copying holds on to the file that it began with");
+        write("source"_s, 9 << 20);
+        write("other"_s, 9 << 20);
+        const QDateTime shot(QDate(2024, 3, 7), QTime(1, 2));
+        for (const QString &name : {"source"_s, "other"_s}) {
+            QFile file(path(name));
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(shot, QFileDevice::FileModificationTime));
+        }
+        bool replaced = false;
+        platform::TransferControl control;
+        control.progress = [&](qint64) {
+            replaced = replaced || (QFile::rename(path("source"_s), path("moved"_s)) &&
+                                    QFile::rename(path("other"_s), path("source"_s)));
+        };
+        QCOMPARE(copy(path("source"_s), path("t"_s), control), CopyOutcome::SourceChanged);
+        QVERIFY(replaced);
+        QCOMPARE(entries(), (QStringList{"moved"_s, "source"_s}));
+    }
+
+    void noticesThatTheSourceWasCutShort()
+    {
+        write("source"_s, 9 << 20);
+        platform::TransferControl control;
+        control.progress = [&](qint64) { QFile::resize(path("source"_s), 3 << 20); };
+        const CopyOutcome outcome = copy(path("source"_s), path("t"_s), control);
+#ifdef Q_OS_WIN
+        QVERIFY(outcome != CopyOutcome::Copied || read("t"_s) == read("source"_s));
+#else
+        QVERIFY(outcome == CopyOutcome::SourceChanged || outcome == CopyOutcome::SizeDiffers);
+        QCOMPARE(entries(), QStringList("source"_s));
+#endif
+    }
+
+    /// The disk keeps another byte than it was given.
+    void noticesDamageOnTheMedium_data()
+    {
+        addColumns<int, int>({"bytes", "damaged"});
+        newRow("first byte", 9 << 20, 0);
+        newRow("half-way", 9 << 20, (4 << 20) + 77);
+        newRow("last byte", (9 << 20) + 1, 9 << 20);
+        newRow("small file", 100, 50);
+    }
+
+    void noticesDamageOnTheMedium()
+    {
+        if (!isReadBack())
+            QSKIP("looks at the size alone");
+        QFETCH(int, bytes);
+        QFETCH(int, damaged);
+        write("source"_s, bytes);
+        const QByteArray earlier = write("t"_s, 10);
+        bool isDamaged = false;
+        platform::TransferControl control;
+        control.cancelled = [&] {
+            QFile file(path(entries().filter(".part"_s).value(0)));
+            if (isDamaged || file.size() != bytes || !file.open(QIODevice::ReadWrite))
+                return false;
+            char byte = 0;
+            isDamaged = file.seek(damaged) && file.getChar(&byte) && file.seek(damaged) &&
+                        file.putChar(char(byte ^ 4)) && file.flush();
+            return false;
+        };
+        QCOMPARE(copy(path("source"_s), path("t"_s), control), CopyOutcome::ContentDiffers);
+        QVERIFY(isDamaged);
+        QCOMPARE(last_.proof, Proof::None);
+        QCOMPARE(read("t"_s), earlier);
+        QCOMPARE(entries(), (QStringList{"source"_s, "t"_s}));
+        QCOMPARE(copyProblem(CopyOutcome::ContentDiffers, path("source"_s), path("t"_s)),
+                 "文件拷贝后验证失败: "_s + path("t"_s));
+    }
+
+    void killedBetweenAnyTwoStepsLeavesTheEarlierFile()
     {
 #ifdef Q_OS_UNIX
-        write("source"_s, 9 * 1024 * 1024);
+        const QByteArray content = write("source"_s, 9 << 20);
         const QByteArray earlier = write("t"_s, 10);
-        const pid_t child = fork();
-        if (child == 0) {
-            platform::TransferControl control;
-            control.progress = [](qint64) { _exit(7); };
-            copyFile(path("source"_s), path("t"_s), control);
-            _exit(0);
+        int killAt = 0;
+        for (bool wasKilled = true; wasKilled; ++killAt) {
+            const pid_t child = fork();
+            if (child == 0) {
+                int step = 0;
+                platform::TransferControl control;
+                const auto next = [&] {
+                    if (step++ == killAt)
+                        _exit(7);
+                    return false;
+                };
+                control.cancelled = next;
+                control.progress = [&next](qint64) { next(); };
+                copy(path("source"_s), path("t"_s), control);
+                _exit(0);
+            }
+            int status = 0;
+            QCOMPARE(waitpid(child, &status, 0), child);
+            wasKilled = WEXITSTATUS(status) == 7;
+            QCOMPARE(read("t"_s), wasKilled ? earlier : content);
+            const QStringList left = entries().filter(".part"_s); // for removeStaleTemporaries()
+            for (const QString &name : left)
+                QFile::remove(path(name));
+            QCOMPARE(entries(), (QStringList{"source"_s, "t"_s}));
         }
-        int status = 0;
-        QCOMPARE(waitpid(child, &status, 0), child);
-        QCOMPARE(WEXITSTATUS(status), 7);
-        QCOMPARE(read("t"_s), earlier);
-        const QStringList photos = QDir(folder_->path()).entryList({"*.jpg"_s, "*raw"_s});
-        QVERIFY(photos.isEmpty());
-        QCOMPARE(entries().size(), 3); // the temporary file, for removeStaleTemporaries()
+        QVERIFY(killAt > 6);
 #else
         QSKIP("needs fork");
 #endif
     }
 
-    void removesOnlyItsOwnOldLeftovers()
-    {
-        const QString ours = QFileInfo(temporaryPathIn(folder_->path())).fileName();
-        const QStringList others = {"a.part"_s, "~$12.part"_s, "~$letter.docx"_s};
-        for (const QString &name : others)
-            write(name, 10);
-        write(ours, 10);
-        const QDateTime now = QDateTime::currentDateTimeUtc();
-        removeStaleTemporaries(folder_->path(), now.addSecs(23 * 60 * 60));
-        QCOMPARE(entries().size(), 4);
-        removeStaleTemporaries(folder_->path(), now.addSecs(25 * 60 * 60));
-        QCOMPARE(entries(), others);
-    }
-
-    void readOnlyFilesArePreserved()
-    {
-        write("t"_s, 10);
-        QVERIFY(platform::mayBeWritten(path("t"_s)));
-        QVERIFY(platform::mayBeRemoved(path("t"_s)));
-        QVERIFY(QFile::setPermissions(path("t"_s), QFile::ReadOwner | QFile::ReadOther));
-        QVERIFY(!platform::mayBeWritten(path("t"_s)));
-        QVERIFY(!platform::mayBeRemoved(path("t"_s)));
-        QVERIFY(!platform::mayBeRemoved(folder_->path()));
-        QVERIFY(!platform::mayBeRemoved(path("gone"_s)));
-    }
-
-    void makesTheSameFoldersInManyThreads()
-    {
-        QThreadPool threads;
-        threads.setMaxThreadCount(4);
-        for (int round = 0; round < 50; ++round) {
-            const QString deep = path("%1/a/婚/c/d/"_s.arg(round));
-            std::atomic<int> waiting{4};
-            std::atomic<int> made{0};
-            for (int thread = 0; thread < 4; ++thread) {
-                threads.start([&] {
-                    --waiting;
-                    while (waiting > 0)
-                        QThread::yieldCurrentThread();
-                    made += makeFolder(deep) && QFileInfo(deep).isDir();
-                });
-            }
-            threads.waitForDone();
-            QCOMPARE(made.load(), 4);
-        }
-        write("file"_s, 3);
-        QVERIFY(!makeFolder(path("file"_s)) && !makeFolder(path("file/a/b"_s)));
-        QCOMPARE(read("file"_s).size(), 3);
-    }
-
-    void writesWholeFilesOrNone_data()
-    {
-        addColumns<QString, bool>({"writing", "written"});
-        newRow("whole", "whole", true);
-        newRow("gives up half-way", "half", false);
-        newRow("writes nothing", "nothing", false);
-        newRow("throws", "throw", false);
-    }
-
-    void writesWholeFilesOrNone()
-    {
-        QFETCH(QString, writing);
-        QFETCH(bool, written);
-        const QByteArray earlier = write("sheet.txt"_s, 100);
-        const QByteArray later("later");
-        const auto make = [&](const QString &temporary) {
-            if (writing == QLatin1String("nothing"))
-                return true;
-            QFile file(temporary);
-            if (!file.open(QIODevice::WriteOnly) || file.write(later) != later.size())
-                return false;
-            file.close();
-            if (writing == QLatin1String("throw"))
-                throw std::runtime_error("no more");
-            return writing == QLatin1String("whole");
-        };
-        bool result = false;
-        try {
-            result = writeWholeFile(path("sheet.txt"_s), make);
-        } catch (const std::runtime_error &) {
-            QCOMPARE(writing, "throw"_s);
-        }
-        QCOMPARE(result, written);
-        QCOMPARE(read("sheet.txt"_s), written ? later : earlier);
-        QCOMPARE(entries(), QStringList{"sheet.txt"_s});
-    }
-
 private:
+    static bool isReadBack()
+    {
+        QFETCH_GLOBAL(Verification, verification);
+        return verification == Verification::ReadBack;
+    }
+
+    /// Bytes of the source that are read for certain when \a told are told.
+    static qint64 readOf(qint64 told)
+    {
+        return isReadBack() ? 2 * told : told;
+    }
+
+    CopyOutcome copy(const QString &source, const QString &target,
+                     const platform::TransferControl &control = {})
+    {
+        QFETCH_GLOBAL(Verification, verification);
+        last_ = copyVerified(source, target, verification, control);
+        return last_.outcome;
+    }
+
     QString path(const QString &name) const
     {
         return folder_->filePath(name);
@@ -345,6 +383,7 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> folder_;
+    VerifiedCopy last_; ///< by copy()
 };
 
 QTEST_GUILESS_MAIN(TestFileCopy)

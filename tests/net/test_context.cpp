@@ -91,8 +91,8 @@ private slots:
 
     void readsTheInstallation_data()
     {
-        // environment: url, ca-file, tls-verify; expected: the same; <> is the folder, - the
-        // address compiled in
+        // environment: url, ca-file, tls-verify, and for some rows verify of imports; expected: the
+        // same; <> is the folder, - the address compiled in
         addColumns<QByteArray, QByteArray, QString>({"environment", "file", "expected"});
         const auto row = [](const char *name, const char *environment, const QByteArray &file,
                             const char *expected) {
@@ -117,6 +117,9 @@ private slots:
         row("no address", "studio.example||", "[service]\nurl=ftp://x\n", "-||1");
         row("address in the file is none", "||", "[service]\nurl=https://\n", "-||1");
         row("bad in the environment", "nonsense||", whole, "https://a.example|<>/certs\\a,b.pem|0");
+        row("imports by size", "||", "[import]\nverify = size\n", "-||1|0");
+        row("imports read back", "|||read-back", "[import]\nverify=size\n", "-||1|1");
+        row("imports looked at somehow", "|||none", "[import]\nverify=size\n", "-||1|0");
         row("other section", "||", "url=https://x\n[other]\nurl=https://y\nnonsense\n", "-||1");
     }
 
@@ -135,13 +138,17 @@ private slots:
         qputenv("TESSAVO_SERVICE_URL", set.at(0));
         qputenv("TESSAVO_CA_FILE", set.at(1));
         qputenv("TESSAVO_TLS_VERIFY", set.at(2));
+        qputenv("TESSAVO_IMPORT_VERIFY", set.value(3));
         const Installation read = Installation::read(ini.fileName());
         const bool compiledIn = read.serviceUrl == QString::fromUtf8(TESSAVO_DEFAULT_SERVICE_URL);
         QString told = "%1|%2|%3"_s.arg(compiledIn ? "-"_s : read.serviceUrl,
                                         read.caFiles.join(QLatin1Char(' ')),
                                         QString::number(int(read.verifiesCertificates)));
         told.replace(folder.path(), "<>"_s);
-        QTEST(told, "expected");
+        QFETCH(QString, expected);
+        if (expected.count(QLatin1Char('|')) == 3)
+            told += QLatin1Char('|') + QString::number(int(read.readsImportsBack));
+        QCOMPARE(told, expected);
     }
 };
 

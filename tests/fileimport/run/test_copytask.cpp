@@ -99,6 +99,7 @@ private slots:
         newRow("empty", int(CopyOutcome::Empty), "文件拷贝后大小为0KB");
         newRow("differs", int(CopyOutcome::SizeDiffers), "文件大小不一致，拷贝可能不完整");
         newRow("changed", int(CopyOutcome::SourceChanged), "文件在拷贝过程中发生变化");
+        newRow("damaged", int(CopyOutcome::ContentDiffers), "文件拷贝后验证失败: %1");
         newRow("copied, but gone", int(CopyOutcome::Copied), "文件拷贝后验证失败: %1");
         newRow("throws", -1, "处理异常: broken");
     }
@@ -112,7 +113,7 @@ private slots:
             [outcome](const QString &, const QString &, const platform::TransferControl &) {
                 if (outcome < 0)
                     throw std::runtime_error("broken");
-                return CopyOutcome(outcome);
+                return VerifiedCopy{CopyOutcome(outcome), Proof::None, {}, 0};
             });
         const Ended ended = run(task);
         QVERIFY(!ended.cancelled);
@@ -153,10 +154,10 @@ private slots:
         ImportFileCopyRunnable *running = nullptr;
         ImportFileCopyRunnable task(file, [&running](const QString &source, const QString &to,
                                                      const platform::TransferControl &control) {
-            const CopyOutcome outcome = copyFile(source, to, control);
+            const VerifiedCopy copy = copyVerified(source, to, Verification::ReadBack, control);
             QFile::remove(source); // the card is pulled
             running->cancel();
-            return outcome;
+            return copy;
         });
         running = &task;
         const Ended ended = run(task);

@@ -1,3 +1,4 @@
+#include "files/contenthash.h"
 #include "files/filewriting.h"
 #include "photoimport/imported/tfthumbnailthread.h"
 #include "photoimport/rules/photoimportrecords.h"
@@ -88,7 +89,13 @@ private slots:
         QTEST(readExifOrientation(source), "reported");
 
         const QString original = write("original.JPG"_s, "an earlier file");
-        QVERIFY(copyOriginal(source, original));
+        WrittenOriginal written;
+        QVERIFY(copyOriginal(source, original, nullptr, &written));
+        QCOMPARE(written.isUpright, orientation != 1);
+        QCOMPARE(written.sourceHash, readContent(source).hash);
+        QCOMPARE(written.targetHash, readContent(original).hash);
+        QCOMPARE(written.bytes, QFileInfo(original).size());
+        QCOMPARE(written.proof, orientation == 1 ? readContent(original).proof : Proof::Derived);
         QImageReader reader(original);
         QCOMPARE(int(reader.transformation()), 0);
         const QImage upright = reader.read();

@@ -30,7 +30,8 @@ private slots:
         log_ = std::make_unique<LogLines>();
         begun_ = 0;
         gate_.tryAcquire(gate_.available());
-        const auto work = [this](const QString &, const QString &, JobFailure *) {
+        const auto work = [this](const QString &, const QString &, JobFailure *,
+                                 WrittenOriginal *) {
             ++begun_;
             gate_.acquire();
             return true;
@@ -198,7 +199,9 @@ private slots:
     {
         QFETCH(QString, kind);
         QFETCH(QString, error);
-        const auto copy = [](const QString &, const QString &, JobFailure *) { return false; };
+        const auto copy = [](const QString &, const QString &, JobFailure *, WrittenOriginal *) {
+            return false;
+        };
         makePool({copy, copy, [kind](const QString &, const QString &, int, JobFailure *) {
                       if (kind == "std"_s)
                           throw std::runtime_error("no memory");
