@@ -2,12 +2,12 @@
 #include "bench/options.h"
 #include "bench/windowbench.h"
 #include "fileimport/imported/originalrequests.h"
-#include "fileimport/imported/photocell.h"
-#include "fileimport/imported/thumbnailtableview.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "widgets/theme/theme.h"
 
 #include <QFile>

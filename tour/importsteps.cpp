@@ -1,9 +1,9 @@
-#include "fileimport/imported/photocell.h"
-#include "fileimport/imported/thumbnailtableview.h"
 #include "fileimport/window/importfiles.h"
 #include "fileimport/window/importfiletablemodel.h"
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/orderactionsdelegate.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fileimport/imported/photoentry.h"
+#include "fileimport/imported/deletefileresult.h"
 #include "fileimport/imported/photoplace.h"
 #include "tasks/stopflag.h"
 #include "tasks/task.h"

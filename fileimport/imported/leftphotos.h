@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/context/orderidentity.h"
-#include "fileimport/imported/photoentry.h"
+#include "fileimport/imported/deletefileresult.h"
 
 #include <QHash>
 #include <QString>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "fileimport/imported/deletefileresult.h"
 #include "fileimport/imported/deletefilerunnable.h"
 #include "fileimport/imported/originalrequests.h"
-#include "fileimport/imported/photoentry.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
 #include "tasks/workerpool.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/context/orderidentity.h"
-#include "fileimport/imported/photoentry.h"
+#include "thumbnails/photoentry.h"
 
 #include <QByteArray>
 #include <QJsonObject>

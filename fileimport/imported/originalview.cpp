@@ -1,9 +1,9 @@
 #include "fileimport/imported/originalview.h"
 
-#include "fileimport/imported/thumbnailtableview.h"
 #include "fileimport/rules/importrules.h"
 #include "look/colours.h"
 #include "tasks/background.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/folderaction.h"
 #include "widgets/boxes/messagebox.h"

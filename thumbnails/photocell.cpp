@@ -1,4 +1,4 @@
-#include "fileimport/imported/photocell.h"
+#include "thumbnails/photocell.h"
 
 #include "app/context/k.h"
 #include "look/colours.h"

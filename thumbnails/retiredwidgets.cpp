@@ -1,4 +1,4 @@
-#include "fileimport/imported/retiredwidgets.h"
+#include "thumbnails/retiredwidgets.h"
 
 #include <QByteArray>
 #include <QWidget>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "fileimport/imported/photoentry.h"
-#include "fileimport/imported/retiredwidgets.h"
-#include "fileimport/imported/thumbnailloadworker.h"
+#include "thumbnails/photoentry.h"
+#include "thumbnails/retiredwidgets.h"
+#include "thumbnails/thumbnailloadworker.h"
 
 #include <QAbstractScrollArea>
 #include <QSet>

@@ -1,6 +1,6 @@
-#include "fileimport/imported/photogrid.h"
+#include "thumbnails/photogrid.h"
 
-#include "fileimport/imported/photocell.h"
+#include "thumbnails/photocell.h"
 #include "widgets/theme/theme.h"
 
 namespace photogrid {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fileimport/imported/photoentry.h"
+#include "thumbnails/photoentry.h"
 #include "widgets/theme/plaintext.h"
 
 #include <QAbstractButton>

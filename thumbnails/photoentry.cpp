@@ -1,4 +1,4 @@
-#include "fileimport/imported/photoentry.h"
+#include "thumbnails/photoentry.h"
 
 #include <QHash>
 

@@ -1,13 +1,13 @@
 #include "app/context/accountcontext.h"
-#include "fileimport/imported/photocell.h"
-#include "fileimport/imported/photogrid.h"
-#include "fileimport/imported/thumbnaildecoding.h"
-#include "fileimport/imported/thumbnailtableview.h"
-#include "tests/fileimport/imported/showing.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
+#include "tests/support/showing.h"
 #include "tests/support/text.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/photogrid.h"
+#include "thumbnails/thumbnaildecoding.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "widgets/theme/theme.h"
 
 #include <QBuffer>

@@ -1,4 +1,4 @@
-#include "fileimport/imported/thumbnaildecoding.h"
+#include "thumbnails/thumbnaildecoding.h"
 
 #include "pictures/picturereader.h"
 

@@ -1,9 +1,9 @@
-#include "fileimport/imported/thumbnailloadworker.h"
+#include "thumbnails/thumbnailloadworker.h"
 
-#include "fileimport/imported/thumbnaildecoding.h"
 #include "net/imagerequest.h"
 #include "net/replybody.h"
 #include "pictures/picturereader.h"
+#include "thumbnails/thumbnaildecoding.h"
 
 #include <QNetworkAccessManager>
 #include <QNetworkReply>

@@ -1,8 +1,8 @@
-#include "fileimport/imported/thumbnailtableview.h"
+#include "thumbnails/thumbnailtableview.h"
 
-#include "fileimport/imported/photocell.h"
-#include "fileimport/imported/photogrid.h"
 #include "look/colours.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/photogrid.h"
 #include "widgets/theme/theme.h"
 
 #include <QDebug>

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QVector>
 
-/// A file that the service has on its books as imported for an order.
+/// A photo or raw file that the service has on its books for an order.
 struct PhotoEntry
 {
     enum class Kind { Photo, RawFile };
@@ -19,15 +18,6 @@ struct PhotoEntry
     QString isDownload;
     Kind kind = Kind::Photo;
 };
-
-/// How the removal of one entry from disk ended.
-struct DeleteFileResult
-{
-    bool success = false; ///< the entry's main file is gone; variants may have failed
-    QString message;      ///< for the user, line by line; empty when nothing failed
-    PhotoEntry photo;
-};
-Q_DECLARE_METATYPE(DeleteFileResult)
 
 /// Text of an entry's kind.
 QString kindText(PhotoEntry::Kind kind);

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "thumbnails/photoentry.h"
+
+#include <QMetaType>
+#include <QString>
+
+/// How the removal of one entry from disk ended.
+struct DeleteFileResult
+{
+    bool success = false; ///< the entry's main file is gone; variants may have failed
+    QString message;      ///< for the user, line by line; empty when nothing failed
+    PhotoEntry photo;
+};
+Q_DECLARE_METATYPE(DeleteFileResult)
