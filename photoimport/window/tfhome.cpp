@@ -59,7 +59,7 @@ tfhome::tfhome(QWidget *parent)
     , chooser_(
           new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
     , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
-                                          [this](int row) { return mayChange(row); }))
+                                           [this](int row) { return mayChange(row); }))
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
