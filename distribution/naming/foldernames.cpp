@@ -116,6 +116,23 @@ QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &deta
     return {folders.cbegin(), folders.cend()};
 }
 
+QString roleFolder(PhotoRole role)
+{
+    switch (role) {
+    case PhotoRole::Thumbnail:
+        return thumbnails + QLatin1Char('/');
+    case PhotoRole::Rejected:
+        return QStringLiteral("汰片/");
+    case PhotoRole::Archive:
+        return QStringLiteral("入底/");
+    case PhotoRole::Retouched:
+    case PhotoRole::FinishedOnly:
+    case PhotoRole::Finished:
+        return finished + QLatin1Char('/');
+    }
+    Q_UNREACHABLE();
+}
+
 QString DistinctNames::take(const QString &name)
 {
     const QString safe = safeFileName(name);

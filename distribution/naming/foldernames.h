@@ -2,6 +2,7 @@
 
 #include "distribution/naming/namingrule.h"
 #include "distribution/rules/orderdetail.h"
+#include "distribution/rules/photorole.h"
 
 #include <QHash>
 #include <QSet>
@@ -38,6 +39,9 @@ QString builtInProductFolder(const OrderDetail &detail, const DetailProduct &pro
 /// the one with the smallest id gets it and the others follow by their ids, so that the next run
 /// meets the same folders, whatever order the products come in.
 QStringList productFolders(const namingrule::Rule &rule, const OrderDetail &detail);
+
+/// The sub-folder that \a role fills, with a slash.
+QString roleFolder(PhotoRole role);
 
 /// Gives out names for one folder, safe and all different. Names that differ in case alone are one
 /// on the users' machines: the second that would have the same name gets " (2)" behind it, before

@@ -22,15 +22,6 @@ DownloadOptions defaultOptions(DesignFileSplitTypes type)
     return options;
 }
 
-QString roleFolder(const QString &role)
-{
-    if (role == photorole::thumbnail)
-        return QStringLiteral("缩略图/");
-    if (role == photorole::rejected || role == photorole::archive)
-        return role + QLatin1Char('/');
-    return QStringLiteral("成品/");
-}
-
 QString cropFileName(const DetailProduct &product, const DetailPhoto &photo)
 {
     return safeFileName(product.id + QLatin1Char('_') + photo.imgName);
@@ -48,7 +39,7 @@ namespace {
 /// The file or picture that a task reads, the same for every way of writing its path.
 QString comparable(const DistributionTask &task)
 {
-    return task.type == tasktype::storePhoto ? task.sourcePath : pathInOneForm(task.sourcePath);
+    return task.type == TaskType::StorePhoto ? task.sourcePath : pathInOneForm(task.sourcePath);
 }
 
 QString fileName(const QString &path)
@@ -95,14 +86,15 @@ public:
     OrderPlan plan()
     {
         switch (runMode(request_.type)) {
-        case 1:
-            planDownload(tasktype::downloadOriginals, tasktype::downloadRetouched);
+        case RunMode::Download:
+            planDownload(TaskType::DownloadOriginals, TaskType::DownloadRetouched);
             break;
-        case 3:
-            planDownload(tasktype::deliverOriginals, tasktype::deliverPhotos);
+        case RunMode::Delivery:
+            planDownload(TaskType::DeliverOriginals, TaskType::DeliverPhotos);
             break;
-        default:
+        case RunMode::Products:
             planDistribution();
+            break;
         }
         return std::move(plan_);
     }
@@ -126,7 +118,7 @@ private:
         bool isNew = false;
     };
 
-    void planDownload(const QString &originalsType, const QString &photosType);
+    void planDownload(TaskType originalsType, TaskType photosType);
     void planDistribution();
     void planSelection();
     void planProducts();
@@ -137,17 +129,17 @@ private:
         return request_.leftOut.contains(photo.key());
     }
     bool isWanted(const PhotoVersions &versions, const DetailPhoto &version, const QString &kind);
-    Place take(const DetailPhoto &photo, const QString &type, const QString &folder);
+    Place take(const DetailPhoto &photo, TaskType type, const QString &folder);
     void takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersions &versions,
-                      const QString &kind, const QString &type);
-    void takeOriginals(const QString &type, const QString &folder);
+                      const QString &kind, TaskType type);
+    void takeOriginals(TaskType type, const QString &folder);
     void takeThumbnail(const DetailPhoto &photo, const QString &folder);
     bool takeImproved(const DetailPhoto &photo, const QString &folder, bool together = false);
-    bool takeTogether(const QString &imgName, const PhotoVersions &versions, const QString &role,
+    bool takeTogether(const QString &imgName, const PhotoVersions &versions, PhotoRole role,
                       const QString &folder);
     void tellUnclear(const QString &imgName, const QString &kind);
-    Place takeRole(const DetailPhoto &photo, const QString &role, const QString &folder);
-    void fetch(const QString &url, const QString &imageType, const QString &folder,
+    Place takeRole(const DetailPhoto &photo, PhotoRole role, const QString &folder);
+    void fetch(const QString &url, StoredImage image, const QString &folder,
                const QString &imgName);
     Place add(DistributionTask task, const QString &subFolder = {});
     QString orderFolder(const char *sub) const
@@ -206,7 +198,7 @@ Planner::Place Planner::add(DistributionTask task, const QString &subFolder)
     return {path + name, true};
 }
 
-Planner::Place Planner::take(const DetailPhoto &photo, const QString &type, const QString &folder)
+Planner::Place Planner::take(const DetailPhoto &photo, TaskType type, const QString &folder)
 {
     DistributionTask task;
     task.type = type;
@@ -231,7 +223,7 @@ bool Planner::isWanted(const PhotoVersions &versions, const DetailPhoto &version
 }
 
 void Planner::takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersions &versions,
-                           const QString &kind, const QString &type)
+                           const QString &kind, TaskType type)
 {
     for (const DetailPhoto &photo : photos) {
         const QScopedValueRollback<bool> rollback(onlyNames_, !isWanted(versions, photo, kind));
@@ -239,7 +231,7 @@ void Planner::takeVersions(const QVector<DetailPhoto> &photos, const PhotoVersio
     }
 }
 
-void Planner::takeOriginals(const QString &type, const QString &folder)
+void Planner::takeOriginals(TaskType type, const QString &folder)
 {
     for (const DetailPhoto &photo : detail_.images) {
         const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
@@ -261,7 +253,7 @@ void Planner::takeOriginals(const QString &type, const QString &folder)
     }
 }
 
-void Planner::planDownload(const QString &originalsType, const QString &photosType)
+void Planner::planDownload(TaskType originalsType, TaskType photosType)
 {
     const DownloadOptions &options = request_.options;
     if (options.originals)
@@ -286,18 +278,18 @@ void Planner::planDistribution()
 {
     plan_.makesProducts = true;
     if (request_.options.originals)
-        takeOriginals(tasktype::downloadOriginals, orderFolder("其他/成品原始档/"));
+        takeOriginals(TaskType::DownloadOriginals, orderFolder("其他/成品原始档/"));
     if (request_.type == DesignFileSplitTypes::Distribution)
         planProducts();
     else
         planSelection();
     if (request_.options.fullSize) {
         for (const DetailPhoto &photo : detail_.imagesRudi)
-            takeRole(photo, photorole::archive, request_.orderFolder);
+            takeRole(photo, PhotoRole::Archive, request_.orderFolder);
     }
     if (request_.options.basicWithRejected) {
         for (const DetailPhoto &photo : detail_.images10)
-            takeRole(photo, photorole::rejected, request_.orderFolder);
+            takeRole(photo, PhotoRole::Rejected, request_.orderFolder);
     }
     planSheetPictures();
 }
@@ -308,7 +300,7 @@ void Planner::planSelection()
     for (const DetailPhoto &photo : detail_.images) {
         const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
         if (!takeImproved(photo, request_.orderFolder, true) && request_.options.fullSize)
-            takeRole(photo, photorole::finished, request_.orderFolder);
+            takeRole(photo, PhotoRole::Finished, request_.orderFolder);
     }
 }
 
@@ -334,7 +326,7 @@ void Planner::planProducts()
             continue;
         const QScopedValueRollback<bool> rollback(onlyNames_, isLeftOut(photo));
         if (!takeImproved(photo, folder))
-            takeRole(photo, photorole::finished, folder);
+            takeRole(photo, PhotoRole::Finished, folder);
     }
 }
 
@@ -352,7 +344,7 @@ void Planner::planSheetPictures()
         forEachPhoto(each, [this](const DetailProduct &product, const DetailPhoto &photo) {
             const QString url = cropUrl(product, photo);
             if (!url.isEmpty()) {
-                fetch(url, imagetype::crop, orderFolder("裁剪/"), cropFileName(product, photo));
+                fetch(url, StoredImage::Crop, orderFolder("裁剪/"), cropFileName(product, photo));
             }
         });
     }
@@ -360,15 +352,15 @@ void Planner::planSheetPictures()
     for (const DetailPhoto &photo : qAsConst(inProducts))
         takeThumbnail(photo, request_.orderFolder);
     for (const DetailPhoto &photo : detail_.imagesBiaoji) {
-        fetch(photo.url, imagetype::marked, orderFolder("其他/标记/"), photo.imgName);
+        fetch(photo.url, StoredImage::Marked, orderFolder("其他/标记/"), photo.imgName);
     }
     const QString number = detail_.value("orderpayforkey");
-    fetch(distributionrequests::barcodeUrl(number), imagetype::barcode, orderFolder("其他/"),
+    fetch(distributionrequests::barcodeUrl(number), StoredImage::Barcode, orderFolder("其他/"),
           QStringLiteral("条形码.jpg"));
     if (!detail_.downTxt.isEmpty()) {
         DistributionTask task;
-        task.type = tasktype::storePhoto;
-        task.subType = imagetype::delivery;
+        task.type = TaskType::StorePhoto;
+        task.stored = StoredImage::Delivery;
         task.targetFolder = orderFolder("其他/");
         task.imgName = QStringLiteral("快递信息.txt");
         task.data = detail_.downTxt;
@@ -376,16 +368,15 @@ void Planner::planSheetPictures()
     }
 }
 
-Planner::Place Planner::takeRole(const DetailPhoto &photo, const QString &role,
-                                 const QString &folder)
+Planner::Place Planner::takeRole(const DetailPhoto &photo, PhotoRole role, const QString &folder)
 {
     DistributionTask task;
-    task.type = tasktype::copyPhoto;
-    task.subType = role;
+    task.type = TaskType::CopyPhoto;
+    task.role = role;
     task.sourcePath = photo.source();
     task.targetFolder = folder;
     task.imgName = photo.imgName;
-    return add(task, roleFolder(role));
+    return add(task, foldernames::roleFolder(role));
 }
 
 void Planner::takeThumbnail(const DetailPhoto &photo, const QString &folder)
@@ -393,7 +384,7 @@ void Planner::takeThumbnail(const DetailPhoto &photo, const QString &folder)
     DetailPhoto small = photo;
     small.picPath.clear();
     small.localPath = thumbnailSource(photo);
-    const Place place = takeRole(small, photorole::thumbnail, folder);
+    const Place place = takeRole(small, PhotoRole::Thumbnail, folder);
     if (folder == request_.orderFolder)
         plan_.pictures.insert(small.localPath, photo.imgName, place.path);
 }
@@ -407,10 +398,10 @@ bool Planner::takeImproved(const DetailPhoto &photo, const QString &folder, bool
     {
         const PhotoVersions &versions;
         QString name;
-        QString role;
+        PhotoRole role;
     };
-    for (const Kind &kind : {Kind{retouched_, QStringLiteral("精修"), photorole::retouched},
-                             Kind{basic_, QStringLiteral("简修"), photorole::finished}}) {
+    for (const Kind &kind : {Kind{retouched_, QStringLiteral("精修"), PhotoRole::Retouched},
+                             Kind{basic_, QStringLiteral("简修"), PhotoRole::Finished}}) {
         const PhotoVersions::Found found = kind.versions.of(photo);
         if (found.version)
             takeRole(*found.version, kind.role, folder);
@@ -423,8 +414,8 @@ bool Planner::takeImproved(const DetailPhoto &photo, const QString &folder, bool
     return false;
 }
 
-bool Planner::takeTogether(const QString &imgName, const PhotoVersions &versions,
-                           const QString &role, const QString &folder)
+bool Planner::takeTogether(const QString &imgName, const PhotoVersions &versions, PhotoRole role,
+                           const QString &folder)
 {
     const QStringList names = photos_.namesakes(imgName);
     if (std::any_of(names.cbegin(), names.cend(),
@@ -446,12 +437,12 @@ void Planner::tellUnclear(const QString &imgName, const QString &kind)
     plan_.problems.append(problem);
 }
 
-void Planner::fetch(const QString &url, const QString &imageType, const QString &folder,
+void Planner::fetch(const QString &url, StoredImage image, const QString &folder,
                     const QString &imgName)
 {
     DistributionTask store;
-    store.type = tasktype::storePhoto;
-    store.subType = imageType;
+    store.type = TaskType::StorePhoto;
+    store.stored = image;
     store.sourcePath = url;
     store.targetFolder = folder;
     store.imgName = imgName;

@@ -63,9 +63,6 @@ using FindRaws = std::function<QStringList(const QString &photoPath)>;
 /// alone.
 OrderPlan planOrder(const PlanRequest &request, const FindRaws &findRaws);
 
-/// The sub-folder that a photorole fills.
-QString roleFolder(const QString &role);
-
 /// The path of the photo's thumbnail, as the reply writes it.
 QString thumbnailSource(const DetailPhoto &photo);
 /// Name of a crop's file in 裁剪/: each product of an order may have a crop of its own of one

@@ -10,9 +10,9 @@ QString cardName(DesignFileSplitTypes type)
     case DesignFileSplitTypes::DownloadDelivery:
         return QStringLiteral("下载照片交付");
     case DesignFileSplitTypes::Distribution:
-        break;
+        return QStringLiteral("设计分件");
     }
-    return QStringLiteral("设计分件");
+    Q_UNREACHABLE();
 }
 
 DesignFileSplitTypes splitTypeOf(const QString &card)

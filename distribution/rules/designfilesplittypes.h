@@ -10,26 +10,44 @@ enum class DesignFileSplitTypes {
     DownloadDelivery,  ///< "下载照片交付"
 };
 
-/// The kind of run behind a card, which says how results are counted: 1 every photo is reported to
-/// the service, 2 products and a production sheet follow the photos, 3 results are only counted.
-constexpr int runMode(DesignFileSplitTypes type)
+/// The kind of run behind a card, which says how results are counted.
+enum class RunMode {
+    Download = 1, ///< every photo is reported to the service
+    Products = 2, ///< products and a production sheet follow the photos
+    Delivery = 3, ///< results are only counted
+};
+
+/// By which of its two actions the service is asked for orders.
+enum class ListMode {
+    Plain = 0,
+    Typed = 1, ///< "order_list_type_1"
+};
+
+constexpr RunMode runMode(DesignFileSplitTypes type)
 {
     switch (type) {
     case DesignFileSplitTypes::DownloadOriginals:
-        return 1;
-    case DesignFileSplitTypes::DownloadDelivery:
-        return 3;
+        return RunMode::Download;
     case DesignFileSplitTypes::DownloadSelection:
     case DesignFileSplitTypes::Distribution:
-        break;
+        return RunMode::Products;
+    case DesignFileSplitTypes::DownloadDelivery:
+        return RunMode::Delivery;
     }
-    return 2;
+    Q_UNREACHABLE();
 }
 
-/// 1: orders are searched by "order_list_type_1".
-constexpr int listMode(DesignFileSplitTypes type)
+constexpr ListMode listMode(DesignFileSplitTypes type)
 {
-    return type == DesignFileSplitTypes::Distribution ? 1 : 0;
+    switch (type) {
+    case DesignFileSplitTypes::Distribution:
+        return ListMode::Typed;
+    case DesignFileSplitTypes::DownloadOriginals:
+    case DesignFileSplitTypes::DownloadSelection:
+    case DesignFileSplitTypes::DownloadDelivery:
+        return ListMode::Plain;
+    }
+    Q_UNREACHABLE();
 }
 
 /// The card's name; an unknown name is 设计分件.

@@ -58,6 +58,17 @@ OrderData readOrder(const QJsonObject &element)
 
 } // namespace
 
+QString orderListAction(ListMode mode)
+{
+    switch (mode) {
+    case ListMode::Plain:
+        return orderqueries::orderListAction;
+    case ListMode::Typed:
+        return QStringLiteral("&m=order&a=order_list_type_1");
+    }
+    Q_UNREACHABLE();
+}
+
 QByteArray orderListBody(const QString &searchType, const QString &keyword,
                          const orderqueries::Identity &identity)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "distribution/rules/designfilesplittypes.h"
 #include "distribution/rules/orderdata.h"
 #include "net/orderqueries.h"
 
@@ -12,10 +13,11 @@ class QJsonObject;
 /// functions.
 namespace distributionrequests {
 
-inline const QString typedOrderListAction = QStringLiteral("&m=order&a=order_list_type_1");
 inline const QString detailAction = QStringLiteral("&m=order&a=orderphotodetail");
 inline const QString downloadedAction = QStringLiteral("&m=order&a=download_success");
 
+/// The action of a search.
+QString orderListAction(ListMode mode);
 /// \a searchType is the chooser's text; one that is not listed leaves the search type out.
 QByteArray orderListBody(const QString &searchType, const QString &keyword,
                          const orderqueries::Identity &identity);

@@ -59,6 +59,23 @@ QString yesNo(bool value)
     return value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
+bool isDownload(TaskType type)
+{
+    switch (type) {
+    case TaskType::DownloadRetouched:
+    case TaskType::DownloadOriginals:
+    case TaskType::DeliverOriginals:
+    case TaskType::DeliverPhotos:
+        return true;
+    case TaskType::CopyPhoto:
+    case TaskType::StorePhoto:
+    case TaskType::CreateProducts:
+    case TaskType::MakeSheet:
+        return false;
+    }
+    Q_UNREACHABLE();
+}
+
 } // namespace
 
 DistributionRun::DistributionRun(QObject *parent)
@@ -139,7 +156,7 @@ void DistributionRun::startNextOrder()
     isSaveHtml_ = false;
     listSize_ = 0;
     listSettled_ = 0;
-    orderTask_.clear();
+    orderTask_.reset();
     files_.clear();
     missing_.clear();
     outstanding_.clear();
@@ -255,7 +272,7 @@ void DistributionRun::onPlanned(const QString &folderError, const OrderPlan &pla
         startTask(task);
     fetches_.add(plan.fetches);
     if (photoResults_ == 0)
-        startOrderTask(tasktype::createProducts);
+        startOrderTask(TaskType::CreateProducts);
 }
 
 void DistributionRun::startTask(const DistributionTask &task)
@@ -286,21 +303,22 @@ void DistributionRun::count(const TaskResult &result)
 {
     ++copyPicFinishNum_;
     files_ += result.files;
-    if (result.type == tasktype::downloadOriginals || result.type == tasktype::downloadRetouched ||
-        result.type == tasktype::deliverOriginals || result.type == tasktype::deliverPhotos)
+    if (isDownload(result.type))
         ++downPhotoFinishNums_;
     addErrorsOf(result);
     switch (runMode(settings_.type)) {
-    case 1:
+    case RunMode::Download:
         countDownload(result);
         break;
-    case 2:
+    case RunMode::Products:
         countDistribution(result);
         break;
-    default:
+    case RunMode::Delivery:
         countDelivery();
+        break;
     }
-    emit resultCounted(result.success, result.type, result.copyFile, result.imgData, result.errmsg);
+    emit resultCounted(result.success, taskTypeText(result.type), result.copyFile, result.imgData,
+                       result.errmsg);
 }
 
 void DistributionRun::countDelivery()
@@ -325,13 +343,13 @@ void DistributionRun::countDistribution(const TaskResult &result)
     qDebug() << "下载选片结果 copypic" << progress << yesNo(isSaveHtml_);
     if (!result.errmsg.isEmpty())
         qDebug().noquote() << "有失败得照片: " << result.errmsg;
-    if (result.type == tasktype::createProducts) {
+    if (result.type == TaskType::CreateProducts) {
         ++proFinishNum_;
-        qDebug().noquote() << result.type
+        qDebug().noquote() << taskTypeText(result.type)
                            << (result.success ? QStringLiteral(" 成功  ")
                                               : QStringLiteral("失败  "));
     }
-    if (result.type == tasktype::makeSheet) {
+    if (result.type == TaskType::MakeSheet) {
         isSaveHtml_ = true;
         emit progressChanged(expected_, expected_);
         completeOrder();
@@ -340,13 +358,13 @@ void DistributionRun::countDistribution(const TaskResult &result)
     emit progressChanged(qMax(0, progress), expected_);
     if (stopFlag_.isRaised())
         return;
-    if (result.type == tasktype::createProducts)
-        startOrderTask(tasktype::makeSheet);
+    if (result.type == TaskType::CreateProducts)
+        startOrderTask(TaskType::MakeSheet);
     else if (copyPicFinishNum_ == photoResults_)
-        startOrderTask(tasktype::createProducts);
+        startOrderTask(TaskType::CreateProducts);
 }
 
-void DistributionRun::startOrderTask(const QString &type)
+void DistributionRun::startOrderTask(TaskType type)
 {
     DistributionTask task;
     task.type = type;
@@ -368,9 +386,9 @@ void DistributionRun::announceStep()
     };
     if (!running_)
         emit stepChanged({});
-    else if (orderTask_ == tasktype::makeSheet)
+    else if (orderTask_ == TaskType::MakeSheet)
         emit stepChanged(QStringLiteral("正在生成明细制作单"));
-    else if (orderTask_ == tasktype::createProducts)
+    else if (orderTask_ == TaskType::CreateProducts)
         emit stepChanged(counted(QStringLiteral("正在创建产品文件夹"), productProgress_->done,
                                  productProgress_->total));
     else if (expected_ == 0)
@@ -405,7 +423,7 @@ void DistributionRun::addErrorsOf(const TaskResult &result)
         return;
     missing_.insert(missing);
     // The products' failures name their folders themselves.
-    addErrors(result.errmsg, result.type == tasktype::createProducts ? QString() : result.copyFile);
+    addErrors(result.errmsg, result.type == TaskType::CreateProducts ? QString() : result.copyFile);
 }
 
 void DistributionRun::addErrors(const QString &lines, const QString &file)

@@ -98,7 +98,7 @@ private:
     void planCurrent(const OrderDetailPtr &detail, const QString &folderName);
     void onPlanned(const QString &folderError, const OrderPlan &plan);
     void startTask(const DistributionTask &task);
-    void startOrderTask(const QString &type);
+    void startOrderTask(TaskType type);
     void takeResult(const std::optional<TaskResult> &result);
     void count(const TaskResult &result);
     void countDownload(const TaskResult &result);
@@ -155,7 +155,7 @@ private:
     int listSettled_ = 0; ///< of them those that need nothing any more
 
     int tasksInFlight_ = 0;
-    QString orderTask_; ///< type of the task after the photos that is going on
+    std::optional<TaskType> orderTask_; ///< type of the task after the photos that is going on
     std::shared_ptr<StepProgress> productProgress_;
     QTimer stepTimer_;
 };

@@ -110,7 +110,7 @@ TaskResult copyThumbnail(const DistributionTask &task, const QString &thumbnail)
 TaskResult copyPhotoByRole(const DistributionTask &task)
 {
     return copyInto(task, sourceOnDisk(task.sourcePath),
-                    joinLocalPath(task.targetFolder, roleFolder(task.subType)),
+                    joinLocalPath(task.targetFolder, foldernames::roleFolder(task.role)),
                     {QStringLiteral("照片不存在"), QStringLiteral("照片复制失败")});
 }
 
@@ -131,16 +131,18 @@ TaskResult copyPhotoAndThumbnail(const DistributionTask &task)
 
 TaskResult copyPhoto(const DistributionTask &task)
 {
-    const QString &role = task.subType;
-    if (role == photorole::thumbnail)
+    switch (task.role) {
+    case PhotoRole::Thumbnail:
         return copyThumbnail(task, sourceOnDisk(task.sourcePath));
-    if (role == photorole::finishedOnly)
+    case PhotoRole::FinishedOnly:
         return copyPhotoAndThumbnail(task);
-    static const QStringList others = {photorole::retouched, photorole::finished,
-                                       photorole::rejected, photorole::archive};
-    return others.contains(role) ? copyPhotoByRole(task)
-                                 : failed(task, targetIn(task.targetFolder, task),
-                                          task.imgName + QStringLiteral("照片复制失败"));
+    case PhotoRole::Retouched:
+    case PhotoRole::Finished:
+    case PhotoRole::Rejected:
+    case PhotoRole::Archive:
+        return copyPhotoByRole(task);
+    }
+    Q_UNREACHABLE();
 }
 
 TaskResult storeText(const DistributionTask &task, const QString &target)
@@ -172,7 +174,7 @@ TaskResult storePhoto(const DistributionTask &task)
     const QString target = targetIn(task.targetFolder, task);
     if (!photowriting::ensureFolder(task.targetFolder))
         return noFolder(task, target);
-    if (task.subType == imagetype::delivery)
+    if (task.stored == StoredImage::Delivery)
         return storeText(task, target);
     QByteArray bytes = task.image.isEmpty() ? bytesOfDataUrl(task.data) : task.image;
     if (task.image.isEmpty() && task.data.isEmpty()) {
@@ -219,28 +221,40 @@ TaskResult makeSheet(const DistributionTask &task)
     return error.isEmpty() ? made(task, target) : failed(task, target, error);
 }
 
+TaskResult deliver(const DistributionTask &task, CopyOperation copy)
+{
+    return copyInto(task, sourceOnDisk(task.sourcePath), task.targetFolder,
+                    {QStringLiteral(" 源文件不存在"), QStringLiteral(" 拷贝失败")}, copy);
+}
+
+TaskResult deliverUpright(const DistributionTask &task)
+{
+    const QString source = sourceOnDisk(task.sourcePath);
+    if (!QFileInfo(source).isFile())
+        qDebug().noquote() << QStringLiteral("源文件不存在:") << source;
+    return deliver(task, photowriting::copyUprightOnto);
+}
+
 } // namespace
 
 TaskResult FJDataOperate::perform(const DistributionTask &task)
 {
-    if (task.type == tasktype::downloadRetouched || task.type == tasktype::downloadOriginals)
+    switch (task.type) {
+    case TaskType::DownloadRetouched:
+    case TaskType::DownloadOriginals:
         return download(task);
-    if (task.type == tasktype::copyPhoto)
+    case TaskType::CopyPhoto:
         return copyPhoto(task);
-    if (task.type == tasktype::storePhoto)
+    case TaskType::StorePhoto:
         return storePhoto(task);
-    if (task.type == tasktype::createProducts)
+    case TaskType::CreateProducts:
         return createProducts(task);
-    if (task.type == tasktype::makeSheet)
+    case TaskType::MakeSheet:
         return makeSheet(task);
-    const CopyTexts delivery = {QStringLiteral(" 源文件不存在"), QStringLiteral(" 拷贝失败")};
-    const QString source = sourceOnDisk(task.sourcePath);
-    if (task.type == tasktype::deliverOriginals)
-        return copyInto(task, source, task.targetFolder, delivery);
-    if (task.type == tasktype::deliverPhotos) {
-        if (!QFileInfo(source).isFile())
-            qDebug().noquote() << QStringLiteral("源文件不存在:") << source;
-        return copyInto(task, source, task.targetFolder, delivery, photowriting::copyUprightOnto);
+    case TaskType::DeliverOriginals:
+        return deliver(task, copyAsItIs);
+    case TaskType::DeliverPhotos:
+        return deliverUpright(task);
     }
-    return {};
+    Q_UNREACHABLE();
 }

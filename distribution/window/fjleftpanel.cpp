@@ -187,8 +187,7 @@ void FJLeftPanel::connectFinder()
     OrderFinder::Ways ways;
     ways.search = [this] {
         branch_.search(
-            listMode_ == 1 ? distributionrequests::typedOrderListAction
-                           : orderqueries::orderListAction,
+            distributionrequests::orderListAction(listMode_),
             distributionrequests::orderListBody(searchType_, keyword_, branch_.identity()));
     };
     ways.keepsKeyword = true;

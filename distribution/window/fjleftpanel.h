@@ -1,5 +1,6 @@
 #pragma once
 
+#include "distribution/rules/designfilesplittypes.h"
 #include "distribution/window/distributionordermodel.h"
 #include "net/branchsession.h"
 
@@ -34,7 +35,7 @@ public:
     ~FJLeftPanel() override;
 
     /// 1: searches by "order_list_type_1".
-    void setListMode(int mode) { listMode_ = mode; }
+    void setListMode(ListMode mode) { listMode_ = mode; }
     const orderqueries::Identity &identity() const { return branch_.identity(); }
     OrderFinder *finder() const { return finder_; }
     ProofPanel *proofPanel() const { return proofPanel_; }
@@ -84,7 +85,7 @@ private:
     void showOrders(const QVector<OrderData> &orders);
 
     BranchSession branch_;
-    int listMode_ = 0;
+    ListMode listMode_ = ListMode::Plain;
     bool locked_ = false;
     QString searchType_;
     QString keyword_;

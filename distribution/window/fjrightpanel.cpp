@@ -227,8 +227,8 @@ void FJRightPanel::setSplitType(DesignFileSplitTypes type)
     basicWithRejected_->setChecked(usual.basicWithRejected);
     retouched_->setChecked(usual.retouched);
     // What is delivered is told to nobody, and only modes with products name folders for them.
-    photoLists_->setVisible(runMode(type) != 3);
-    namingPanel_->setVisible(runMode(type) == 2);
+    photoLists_->setVisible(runMode(type) != RunMode::Delivery);
+    namingPanel_->setVisible(runMode(type) == RunMode::Products);
 }
 
 void FJRightPanel::showBranch(const QString &shopId)
@@ -338,7 +338,7 @@ void FJRightPanel::onStartProcessClicked()
         MessageBox::warning(this, QStringLiteral("请选择分件目录后再点击开始分件按钮"));
         return;
     }
-    if (runMode(type_) != 2 && !options().any()) {
+    if (runMode(type_) != RunMode::Products && !options().any()) {
         MessageBox::warning(this, QStringLiteral("请至少勾选一项下载目录选项"));
         return;
     }

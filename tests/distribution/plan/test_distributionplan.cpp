@@ -32,13 +32,13 @@ QString below(const QString &path, const QString &folder)
     return path.mid(drive().size() + folder.size());
 }
 
-/// "type role target <- source" of each task, below the order's folder.
+/// "type target <- source" of each task, below the order's folder.
 QStringList described(const OrderPlan &plan)
 {
     QStringList lines;
     for (const DistributionTask &task : plan.tasks) {
-        lines.append("%1 %2 %3%4 <- %5 %6"_s
-                         .arg(task.type, task.subType, below(task.targetFolder, "/o/"_s),
+        lines.append("%1 %2%3 <- %4 %5"_s
+                         .arg(taskTypeText(task.type), below(task.targetFolder, "/o/"_s),
                               task.imgName, below(task.sourcePath, {}), task.imageId)
                          .simplified());
     }
@@ -234,7 +234,7 @@ void TestDistributionPlan::namesakes()
     for (const DistributionTask &task : plan.tasks) {
         if (task.sourcePath.startsWith(drive() + "/r/"_s))
             found.append(below(task.targetFolder, "/o/"_s) +
-                         (task.subType.isEmpty() ? QString() : "成品/"_s) + task.imgName +
+                         (task.type == TaskType::CopyPhoto ? "成品/"_s : QString()) + task.imgName +
                          QLatin1Char('<') + below(task.sourcePath, {}));
     }
     QCOMPARE(found.join(QLatin1Char(' ')), copied);

@@ -18,6 +18,9 @@
 
 #include <stdexcept>
 
+Q_DECLARE_METATYPE(TaskType)
+Q_DECLARE_METATYPE(PhotoRole)
+
 namespace {
 
 QString s(const char *text)
@@ -48,36 +51,35 @@ private slots:
 
     void copies_data()
     {
-        addColumns<QString, QString, QString, QByteArray>({"type", "role", "expected", "content"});
-        const auto row = [](const char *type, const char *role, const char *expected,
+        addColumns<TaskType, PhotoRole, QString, QByteArray>(
+            {"type", "role", "expected", "content"});
+        const auto row = [](TaskType type, PhotoRole role, const char *expected,
                             const QByteArray &content = "full") {
-            QTest::addRow("%s %s", type, role) << s(type) << s(role) << s(expected) << content;
+            QTest::addRow("%s %d", qPrintable(taskTypeText(type)), int(role))
+                << type << role << s(expected) << content;
         };
-        row("下载精修片", "", "a.jpg");
-        row("下载原始档", "", "a.jpg");
-        row("下载照片交付-拷贝原始档", "", "a.jpg");
-        row("下载照片交付-拷贝原片", "", "a.jpg");
-        row("拷贝照片", "精修成品", "成品/a.jpg");
-        row("拷贝照片", "成品", "成品/a.jpg");
-        row("拷贝照片", "汰片", "汰片/a.jpg");
-        row("拷贝照片", "入底", "入底/a.jpg");
-        row("拷贝照片", "成品缩略图", "缩略图/a.jpg", "small");
+        for (const TaskType type : {TaskType::DownloadRetouched, TaskType::DownloadOriginals,
+                                    TaskType::DeliverOriginals, TaskType::DeliverPhotos})
+            row(type, PhotoRole::Finished, "a.jpg");
+        row(TaskType::CopyPhoto, PhotoRole::Retouched, "成品/a.jpg");
+        row(TaskType::CopyPhoto, PhotoRole::Finished, "成品/a.jpg");
+        row(TaskType::CopyPhoto, PhotoRole::Rejected, "汰片/a.jpg");
+        row(TaskType::CopyPhoto, PhotoRole::Archive, "入底/a.jpg");
+        row(TaskType::CopyPhoto, PhotoRole::Thumbnail, "缩略图/a.jpg", "small");
     }
 
     /// Whatever form the reply writes the path in.
     void copies()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, role);
+        QFETCH(TaskType, type);
+        QFETCH(PhotoRole, role);
         QFETCH(QString, expected);
         QFETCH(QByteArray, content);
         const bool small = content == "small";
         const QString source = at(small ? "in/90/a.jpg" : "in/all/a.jpg");
         for (const auto &[from, to] : {std::pair{"/", "/"}, {"/", "\\/"}, {"/", "\\"}}) {
             QDir(at("out")).removeRecursively();
-            DistributionTask each = task("");
-            each.type = type;
-            each.subType = role;
+            DistributionTask each = task(type, role);
             each.sourcePath = QString(source).replace(s(from), s(to));
             const TaskResult result = FJDataOperate::perform(each);
             QVERIFY2(result.success, qPrintable(result.errmsg));
@@ -87,9 +89,7 @@ private slots:
             QCOMPARE(filesBelow(at("out")), QStringList{expected});
             QCOMPARE(readFile(result.copyFile), content);
         }
-        DistributionTask hostile = task("");
-        hostile.type = type;
-        hostile.subType = role;
+        DistributionTask hostile = task(type, role);
         hostile.imgName = "../..\\b:.jpg"_s;
         QVERIFY(FJDataOperate::perform(hostile).success);
         QCOMPARE(filesBelow(at("out")).size(), 2);
@@ -97,27 +97,30 @@ private slots:
 
     void failures_data()
     {
-        addColumns<QString, QString, QString, QString>({"type", "role", "missing", "failed"});
-        for (const char *type : {"下载精修片", "下载原始档"})
-            newRow(type, s(type), QString(), "照片不存在"_s, "复制失败"_s);
-        for (const char *type : {"下载照片交付-拷贝原始档", "下载照片交付-拷贝原片"})
-            newRow(type, s(type), QString(), " 源文件不存在"_s, " 拷贝失败"_s);
-        for (const char *role : {"精修成品", "成品"})
-            newRow(role, "拷贝照片"_s, s(role), "照片不存在"_s, "照片复制失败"_s);
-        for (const char *role : {"汰片", "入底"})
-            newRow(role, "拷贝照片"_s, s(role), "照片不存在"_s, QString());
-        newRow("thumbnail", "拷贝照片"_s, "成品缩略图"_s, "缩略图不存在"_s, QString());
+        addColumns<TaskType, PhotoRole, QString, QString>({"type", "role", "missing", "failed"});
+        const auto row = [](TaskType type, PhotoRole role, const QString &missing,
+                            const QString &failed) {
+            QTest::addRow("%s %d", qPrintable(taskTypeText(type)), int(role))
+                << type << role << missing << failed;
+        };
+        for (const TaskType type : {TaskType::DownloadRetouched, TaskType::DownloadOriginals})
+            row(type, PhotoRole::Finished, "照片不存在"_s, "复制失败"_s);
+        for (const TaskType type : {TaskType::DeliverOriginals, TaskType::DeliverPhotos})
+            row(type, PhotoRole::Finished, " 源文件不存在"_s, " 拷贝失败"_s);
+        for (const PhotoRole role : {PhotoRole::Retouched, PhotoRole::Finished})
+            row(TaskType::CopyPhoto, role, "照片不存在"_s, "照片复制失败"_s);
+        for (const PhotoRole role : {PhotoRole::Rejected, PhotoRole::Archive})
+            row(TaskType::CopyPhoto, role, "照片不存在"_s, QString());
+        row(TaskType::CopyPhoto, PhotoRole::Thumbnail, "缩略图不存在"_s, QString());
     }
 
     void failures()
     {
-        QFETCH(QString, type);
-        QFETCH(QString, role);
+        QFETCH(TaskType, type);
+        QFETCH(PhotoRole, role);
         QFETCH(QString, missing);
         QFETCH(QString, failed);
-        DistributionTask each = task("");
-        each.type = type;
-        each.subType = role;
+        DistributionTask each = task(type, role);
         each.sourcePath = at("in/all/none.jpg");
         QCOMPARE(FJDataOperate::perform(each).errmsg, "a.jpg"_s + missing);
         each.sourcePath = QDir::current().relativeFilePath(at("in/all/a.jpg"));
@@ -134,7 +137,7 @@ private slots:
 
         if (failed.isEmpty())
             return;
-        const QString target = at(role.isEmpty() ? "out/a.jpg" : "out/成品/a.jpg");
+        const QString target = at(type == TaskType::CopyPhoto ? "out/成品/a.jpg" : "out/a.jpg");
         writeFile(target, "protected");
         QVERIFY(QFile::setPermissions(target, QFile::ReadOwner));
         QCOMPARE(FJDataOperate::perform(each).errmsg, "a.jpg"_s + failed);
@@ -155,7 +158,7 @@ private slots:
 
     void finishedOnlyCopiesWhatItCan()
     {
-        const DistributionTask both = task("拷贝照片", "只要成品");
+        const DistributionTask both = task(TaskType::CopyPhoto, PhotoRole::FinishedOnly);
         QVERIFY(FJDataOperate::perform(both).success);
         QCOMPARE(filesBelow(at("out")), (QStringList{"成品/a.jpg"_s, "缩略图/a.jpg"_s}));
         QCOMPARE(readFile(at("out/缩略图/a.jpg")), QByteArray("small"));
@@ -198,7 +201,7 @@ private slots:
         if (orientation == -8)
             bytes.chop(200);
         writeFile(at("in/all/a.jpg"), bytes);
-        const TaskResult result = FJDataOperate::perform(task("下载照片交付-拷贝原片"));
+        const TaskResult result = FJDataOperate::perform(task(TaskType::DeliverPhotos));
         QVERIFY2(result.success, qPrintable(result.errmsg));
         QCOMPARE(filesBelow(at("out")), QStringList{"a.jpg"_s});
         QCOMPARE(readFile(at("out/a.jpg")) == bytes, !turned);
@@ -225,8 +228,8 @@ private slots:
         const QByteArray bytes = jpegOf(cornerPicture(QSize(80, 40)), 6);
         writeFile(at("in/all/a.jpg"), bytes);
         QVERIFY(linkFolder(at("in"), at("linked")));
-        for (const char *type :
-             {"下载照片交付-拷贝原始档", "下载照片交付-拷贝原片", "下载原始档"}) {
+        for (const TaskType type :
+             {TaskType::DeliverOriginals, TaskType::DeliverPhotos, TaskType::DownloadOriginals}) {
             DistributionTask each = task(type);
             each.targetFolder = at("linked/all");
             const TaskResult result = FJDataOperate::perform(each);
@@ -265,7 +268,7 @@ private slots:
         QFETCH(QString, data);
         QFETCH(QString, error);
         QFETCH(QByteArray, format);
-        DistributionTask store = task("存储照片");
+        DistributionTask store = task(TaskType::StorePhoto);
         store.sourcePath.clear();
         store.imgName = name;
         store.data = data;
@@ -283,7 +286,8 @@ private slots:
 
     void storedText()
     {
-        DistributionTask store = task("存储照片", "快递信息");
+        DistributionTask store = task(TaskType::StorePhoto);
+        store.stored = StoredImage::Delivery;
         store.imgName = "快递信息.txt"_s;
         store.data = "王丽\n8 号"_s;
         // As a pattern: a plain text would go through the system's code page.
@@ -324,7 +328,7 @@ private slots:
         StopFlag stop;
         QVector<std::optional<TaskResult>> reports;
         const auto run = [&](const PerformTask &perform) {
-            FJDataThread thread(task("拷贝照片", "成品"), stop, perform);
+            FJDataThread thread(task(TaskType::CopyPhoto), stop, perform);
             thread.run();
             reports.append(thread.result());
         };
@@ -339,18 +343,16 @@ private slots:
         QCOMPARE(reports.at(1)->imgData, "17"_s);
         QCOMPARE(reports.at(2)->errmsg, "a.jpg未知异常"_s);
         QVERIFY(!reports.at(3));
-        QVERIFY(FJDataOperate::perform(task("别的")).type.isEmpty());
-        QVERIFY(!FJDataOperate::perform(task("拷贝照片", "别的")).success);
     }
 
 private:
     QString at(const char *path) const { return root_->filePath(s(path)); }
 
-    DistributionTask task(const char *type, const char *role = "") const
+    DistributionTask task(TaskType type, PhotoRole role = PhotoRole::Finished) const
     {
         DistributionTask made;
-        made.type = s(type);
-        made.subType = s(role);
+        made.type = type;
+        made.role = role;
         made.sourcePath = at("in/all/a.jpg");
         made.targetFolder = at("out");
         made.imgName = "a.jpg"_s;
@@ -389,7 +391,7 @@ void TestFileOperations::productFolders()
     detail->goods = {product, product};
     product.imgs.last().picPath = astray;
     detail->goods.last().imgs.append(product.imgs.last());
-    DistributionTask create = task("创建产品");
+    DistributionTask create = task(TaskType::CreateProducts);
     create.detail = detail;
     create.namingRule = s(R"([{"name":"","key":"name","separator":""}])");
     for (int run = 0; run < 2; ++run) { // the second meets the same folders
