@@ -4,11 +4,11 @@
 #include "files/pathgate.h"
 #include "photoimport/imported/confirmedphotodeletion.h"
 #include "photoimport/imported/tfhomephotos.h"
+#include "photoimport/window/photoimportstarter.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "photoimport/window/tfimportbar.h"
-#include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
@@ -58,6 +58,9 @@ tfhome::tfhome(QWidget *parent)
     , overlay_(new LoadingOverlay(this))
     , chooser_(
           new tffilechooser(this, &orders_, overlay_, [this](int row) { return mayChange(row); }))
+    , starter_(new PhotoImportStarter(
+          this, &orders_, &run_,
+          {[this](int row) { return mayChange(row); }, [this] { return orderPanel_->identity(); }}))
     , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
                                            [this](int row) { return mayChange(row); }))
 {
@@ -135,7 +138,7 @@ void tfhome::connectOrders()
     table->addOrderAction(QStringLiteral("添加目录"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
                           [this](int row) { chooser_->addFolder(row); });
     table->addOrderAction(QStringLiteral("导入本单"), Qt::Key_Return,
-                          [this](int row) { startOrder(row); });
+                          [this](int row) { starter_->startOrder(row); });
     table->addOrderAction(QStringLiteral("打开目录"), Qt::CTRL + Qt::Key_E,
                           [this](int row) { openFolder(row); });
     table->addOrderAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
@@ -151,7 +154,8 @@ void tfhome::connectPhotos()
             [this, shown] { chooser_->addFolder(shown()); });
     connect(photoPanel_, &tfhomephotos::openFolderClicked, this,
             [this, shown] { openFolder(shown()); });
-    connect(photoPanel_, &tfhomephotos::startClicked, this, [this, shown] { startOrder(shown()); });
+    connect(photoPanel_, &tfhomephotos::startClicked, this,
+            [this, shown] { starter_->startOrder(shown()); });
     connect(photoPanel_, &tfhomephotos::retryClicked, this, &tfhome::retry);
     connect(photoPanel_, &tfhomephotos::removeClicked, this, &tfhome::removeFiles);
     connect(photoPanel_, &tfhomephotos::deleteClicked, this, &tfhome::deletePhotos);
@@ -177,7 +181,7 @@ void tfhome::connectBar()
         if (run_.isImporting())
             run_.stop();
         else
-            startAll();
+            starter_->startAll();
     });
     connect(bar_, &tfimportbar::pauseClicked, this, [this] {
         if (run_.pool()->isPaused())
@@ -191,6 +195,11 @@ void tfhome::connectBar()
 
 void tfhome::connectRun()
 {
+    connect(starter_, &PhotoImportStarter::beginning, this, [this] {
+        rate_.clear();
+        clock_.start();
+    });
+    connect(starter_, &PhotoImportStarter::started, this, &tfhome::showSelectedOrder);
     connect(&run_, &PhotoImportRun::fileChanged, this, &tfhome::showFile);
     connect(&run_, &PhotoImportRun::fileChanged, &lastAnswers_, [this] {
         if (lastAnswers_.isActive())
@@ -323,69 +332,6 @@ void tfhome::copyNumber(int row)
 
 // Importing.
 
-void tfhome::startOrder(int row)
-{
-    if (!mayChange(row))
-        return;
-    const QString nothing = photoorders::nothingToImport({orders_.order(row)}, orders_.photoMode());
-    if (nothing.isEmpty())
-        start({row});
-    else
-        Toast::show(this, nothing);
-}
-
-void tfhome::startAll()
-{
-    QVector<int> rows;
-    for (int row = 0; row < orders_.orders().size(); ++row) {
-        const FilesSummary &summary = orders_.order(row).summary(orders_.photoMode());
-        if (summary.complete < summary.files)
-            rows.append(row);
-    }
-    if (rows.isEmpty())
-        tell(photoorders::nothingToImport(orders_.orders(), orders_.photoMode()));
-    else
-        start(rows);
-}
-
-void tfhome::start(const QVector<int> &rows, const QVector<int> &indexes)
-{
-    const QString question = photoorders::sharedFoldersQuestion(orders_.orders(), rows);
-    QVector<OrderIdentity> ids;
-    for (const int row : rows)
-        ids.append(orders_.order(row).identity());
-    if (question.isEmpty()) {
-        startOrders(ids, indexes);
-        return;
-    }
-    ConfirmDialog::ask(this, question, ConfirmDialog::Enter::Cancels,
-                       [this, ids, indexes](bool agreed) {
-                           if (agreed)
-                               startOrders(ids, indexes);
-                       });
-}
-
-/// Those that are still listed.
-void tfhome::startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes)
-{
-    QVector<int> present;
-    for (const OrderIdentity &id : ids) {
-        const int row = orders_.rowOf(id);
-        if (row >= 0 && !run_.isQueuedOrActive(row))
-            present.append(row);
-    }
-    if (present.isEmpty())
-        return;
-    if (!run_.isImporting()) {
-        rate_.clear();
-        clock_.start();
-    }
-    if (!run_.start(present, indexes, orderPanel_->identity()))
-        Toast::show(this, QStringLiteral("正在准备导片，请稍候"));
-    else
-        showSelectedOrder();
-}
-
 /// Also four times a second while something goes on.
 void tfhome::refreshState()
 {
@@ -431,21 +377,10 @@ void tfhome::tell(const QString &problem)
 
 void tfhome::retry(const QVector<int> &photoRows)
 {
-    const int row = orders_.rowOf(shownOrderId_);
-    if (!mayChange(row))
-        return;
-    QSet<int> among;
+    QSet<int> indexes;
     for (const int photoRow : photoRows)
-        among.insert(photos_.photo(photoRow).fileIndex);
-    const FilesToRetry files = filesToRetry(orders_.files(row), among);
-    if (files.failed.isEmpty() && files.unregistered.isEmpty() &&
-        orders_.order(row).folderRefusal.isEmpty()) {
-        Toast::show(this, QStringLiteral("没有失败的文件"));
-        return;
-    }
-    if (run_.registerAgain(row, files.unregistered, orderPanel_->identity()) &&
-        !files.failed.isEmpty())
-        start({row}, files.failed);
+        indexes.insert(photos_.photo(photoRow).fileIndex);
+    starter_->retry(orders_.rowOf(shownOrderId_), indexes);
 }
 
 // Deleting.

@@ -12,12 +12,13 @@
 #include <QVector>
 
 class LoadingOverlay;
+class ConfirmedPhotoDeletion;
+class NoticeBar;
+class PhotoImportStarter;
 class tffilechooser;
 class tfhomeorders;
 class tfhomephotos;
-class NoticeBar;
 class tfimportbar;
-class ConfirmedPhotoDeletion;
 
 /// The window of the photo import: search orders, add photos or videos to them, import them in all
 /// their forms, tell the service, delete what was imported. What it decides lives in photorules,
@@ -53,11 +54,6 @@ private:
     void copyNumber(int row);
 
     // Importing.
-    void startOrder(int row);
-    void startAll();
-    /// \a indexes: files of the one row; all of every row when empty.
-    void start(const QVector<int> &rows, const QVector<int> &indexes = {});
-    void startOrders(const QVector<OrderIdentity> &ids, const QVector<int> &indexes);
     void retry(const QVector<int> &photoRows);
     void refreshState();
     void showFile(const OrderIdentity &orderId, int index);
@@ -88,5 +84,6 @@ private:
     tfimportbar *bar_;
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;
+    PhotoImportStarter *starter_;
     ConfirmedPhotoDeletion *deletion_;
 };
