@@ -6,10 +6,9 @@
 #include "batchdelete/window/batchdelete_orderlistwidget.h"
 #include "batchdelete/window/batchdelete_runbar.h"
 #include "batchdelete/window/deletionapproval.h"
+#include "batchdelete/window/deletionquestions.h"
 #include "tasks/background.h"
-#include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"
@@ -150,10 +149,8 @@ void BatchDelete::connectRun()
                 showRunState();
             });
     connect(&run_, &BatchDeleteRun::fileChanged, this, &BatchDelete::onFileChanged);
-    connect(&run_, &BatchDeleteRun::pausedForDeclines, this, &BatchDelete::askToGoOn);
-    connect(&run_, &BatchDeleteRun::announcementFailed, this, &BatchDelete::onAnnouncementFailed);
-    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::onRunFinished);
-    connect(run_.reporter(), &DeletionReporter::resubmitNeeded, this, &BatchDelete::askForResubmit);
+    connect(&run_, &BatchDeleteRun::finished, this, &BatchDelete::showRunState);
+    questions_ = new DeletionQuestions(this, &run_);
     connect(&run_, &BatchDeleteRun::ended, this, [this] {
         showRunState();
         if (isClosingLater())
@@ -175,7 +172,7 @@ FramelessWindow::CloseAnswer BatchDelete::closeRequested()
     if (orders_.unreported() > 0 && !agreedToClose(unreportedQuestion(
                                         QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
         return CloseAnswer::Refuse;
-    closing_ = true;
+    questions_->fallSilent();
     finder_->cancel();
     approval_->cancel();
     run_.close();
@@ -455,61 +452,6 @@ void BatchDelete::onFileChanged(const OrderIdentity &orderId, int index,
     orders_.setFile(orders_.rowOf(orderId), index, file);
     if (orderId == fileList_->orderId())
         fileList_->setFile(index, file);
-}
-
-void BatchDelete::onAnnouncementFailed(const ServiceReply &reply)
-{
-    if (isClosing())
-        return;
-    if (reply.outcome == ServiceReply::Outcome::NoAnswer)
-        MessageBox::warning(this, QStringLiteral("提交数据失败!"));
-    else
-        showServiceFailure(this, reply, reply.message);
-}
-
-void BatchDelete::askForResubmit(const QString &question, const QString &certificateError)
-{
-    if (!certificateError.isEmpty())
-        showCertificateRefused(this, certificateError);
-    MessageBox::question(this, BoxText(question).explained(deletiontexts::resubmitChoices()),
-                         QMessageBox::Ok | QMessageBox::Cancel | QMessageBox::Abort,
-                         [this](QMessageBox::StandardButton answer) { answerResubmit(answer); });
-}
-
-void BatchDelete::askToGoOn()
-{
-    ConfirmDialog::ask(this, deletiontexts::pauseQuestion(), ConfirmDialog::Enter::Cancels,
-                       [this](bool goOn) { run_.answerPause(goOn); });
-}
-
-void BatchDelete::answerResubmit(QMessageBox::StandardButton answer)
-{
-    if (!run_.reporter()->isAsking())
-        return;                       // the run has ended meanwhile
-    if (answer == QMessageBox::Abort) // one by one the files of a large order would ask again
-        run_.stop();
-    run_.reporter()->answerResubmit(answer == QMessageBox::Ok);
-}
-
-void BatchDelete::onRunFinished(const DeletionSummary &summary)
-{
-    showRunState();
-    if (isClosing())
-        return;
-    const QString text = deletiontexts::summaryText(summary);
-    switch (summary.end) {
-    case DeletionSummary::End::Completed:
-        MessageBox::information(this, text);
-        break;
-    case DeletionSummary::End::Declined:
-        MessageBox::warning(this, text);
-        break;
-    case DeletionSummary::End::Stopped:
-        Toast::show(this, QStringLiteral("批量删除已停止"));
-        break;
-    case DeletionSummary::End::NotAnnounced:
-        break; // told already
-    }
 }
 
 void BatchDelete::showRunState()

@@ -10,13 +10,13 @@
 
 #include <QList>
 #include <QMap>
-#include <QMessageBox>
 #include <QStringList>
 
 class BatchDelete_FileListWidget;
 class BatchDelete_OrderListWidget;
 class BatchDelete_RunBar;
 class DeletionApproval;
+class DeletionQuestions;
 class OrderFinder;
 class OrderSearchBar;
 
@@ -52,7 +52,6 @@ private:
     void buildLayout();
     void connectLists();
     void connectRun();
-    bool isClosing() const { return closing_; }
 
     void onBranchLeft();
     void onBranchSwitched();
@@ -77,11 +76,6 @@ private:
     void onOrderNoted(const OrderIdentity &orderId, const QString &note);
     void onOrderDone(const OrderIdentity &orderId);
     void onFileChanged(const OrderIdentity &orderId, int index, const BatchDeleteFileInfo &file);
-    void onAnnouncementFailed(const ServiceReply &reply);
-    void askForResubmit(const QString &question, const QString &certificateError);
-    void askToGoOn();
-    void answerResubmit(QMessageBox::StandardButton answer);
-    void onRunFinished(const DeletionSummary &summary);
     void showRunState();
 
     BatchDeleteOrderModel orders_;
@@ -91,7 +85,6 @@ private:
     OrderIdentity atWork_; ///< order of a run whose files were shown last
     SharedFolderOpener folderOpener_;
     bool opened_ = false;
-    bool closing_ = false;
 
     OrderSearchBar *searchBar_;
     BatchDelete_RunBar *runBar_;
@@ -99,4 +92,5 @@ private:
     BatchDelete_FileListWidget *fileList_;
     OrderFinder *finder_;
     DeletionApproval *approval_ = nullptr;
+    DeletionQuestions *questions_ = nullptr;
 };
