@@ -1,5 +1,7 @@
+#include "app/context/installation.h"
 #include "app/context/k.h"
 #include "app/shell/startwindow.h"
+#include "ledger/ledger.h"
 #include "platform/power.h"
 #include "tasks/background.h"
 #include "widgets/theme/theme.h"
@@ -18,6 +20,9 @@ int main(int argc, char *argv[])
     K::instance()->initApplication(&application);
     theme::applyApplicationFont();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
+    const bool keepsLedger = Installation::current().keepsLedger;
+    Ledger ledger(keepsLedger ? Ledger::standardFolder() : QString());
+    ledger.makeCurrent();
     K::instance()->openStartWindow(int(StartMode::Login));
     const int exitCode = QApplication::exec();
     // A look at a dead share may still hang, and must not come back to a program half taken down.

@@ -12,6 +12,8 @@
 #include <optional>
 #include <type_traits>
 
+class LedgerKeeper;
+
 /// The record of what was copied where, with its proof, and of what is still to be done: a database
 /// of this user on this machine, which belongs to one thread of its own.
 ///
@@ -95,7 +97,7 @@ public:
     // Waiting.
 
     /// Calls \a done on the thread of \a context (call it there) when all that was asked for before
-    /// is on the disk: with false when it could not be written, and then never will be.
+    /// is on the disk: with false when it could not be written for now, or is not kept.
     void whenWritten(QObject *context, std::function<void(bool isWritten)> done);
     /// The same, waiting; not for the interface thread, except at its end. False after \a
     /// timeoutMs.
@@ -141,10 +143,10 @@ protected:
     bool event(QEvent *event) override;
 
 private:
-    class Keeper;
-
+    template <typename Write> void write(Write write);
     void put(std::function<void(const LedgerReader &)> question);
-    void putAndWait(std::function<void(const LedgerReader &)> question);
+    void putAndWait(const std::function<void(const LedgerReader &)> &question);
+    void waitFor(std::function<void(bool isWritten)> waiter);
 
-    std::unique_ptr<Keeper> keeper_;
+    LedgerKeeper *keeper_ = nullptr; ///< owned; null when nothing is kept
 };

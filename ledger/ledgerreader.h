@@ -58,5 +58,7 @@ public:
     ledger::Extent extent() const;
 
 private:
+    QVector<ledger::Entry> withVolumes(QVector<ledger::Entry> entries) const;
+
     const QSqlDatabase *database_;
 };

@@ -79,6 +79,10 @@ Installation Installation::read(const QString &iniFile)
                                        {qEnvironmentVariable("TESSAVO_IMPORT_VERIFY").trimmed(),
                                         file.value(QStringLiteral("import/verify"))},
                                        QLatin1String("read-back"), QLatin1String("size"));
+    settings.keepsLedger = isSaid("the ledger",
+                                  {qEnvironmentVariable("TESSAVO_LEDGER").trimmed(),
+                                   file.value(QStringLiteral("ledger/enabled"))},
+                                  QLatin1String("yes"), QLatin1String("no"));
     if (!settings.verifiesCertificates)
         qCWarning(lcTessavo) << "TLS verification is off: any server certificate is accepted";
     return settings;

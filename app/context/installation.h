@@ -14,6 +14,8 @@
 ///     url = https://studio.example
 ///     ca-file = studio.pem
 ///     tls-verify = none
+///     [ledger]
+///     enabled = no
 ///
 ///     [import]
 ///     verify = size
@@ -30,6 +32,9 @@ struct Installation
     /// False when TESSAVO_TLS_VERIFY or `tls-verify` is "none": any certificate will do, as studios
     /// with self-signed ones need. "yes" says expressly what holds anyway.
     bool verifiesCertificates = true;
+    /// False when TESSAVO_LEDGER or `enabled` is "no": what is imported is not recorded on this
+    /// machine.
+    bool keepsLedger = true;
 
     /// False when TESSAVO_IMPORT_VERIFY or `verify` is "size": imported files are compared by their
     /// size alone. "read-back" says expressly what holds anyway.
