@@ -78,7 +78,8 @@ public:
                                                const QVector<ledger::NewDeletion> &deletions);
     /// The service knows of them, or has deleted the photos.
     void announceDeletions(const QVector<ledger::DeletionId> &deletions);
-    /// The file is gone from the disk.
+    /// The file is gone from the disk. A photo that the service deleted itself (PhotoDeletion) is
+    /// not to be reported, and done with.
     void finishDeletion(ledger::DeletionId deletion);
     void failDeletion(ledger::DeletionId deletion, const QString &reason);
     /// The service was told that the files are gone.

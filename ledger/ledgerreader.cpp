@@ -11,6 +11,8 @@
 #include <QSqlQuery>
 #include <QVariant>
 
+#include <algorithm>
+
 namespace {
 
 /// Ends a text that begins with whatever: no character comes after it.
@@ -29,7 +31,7 @@ QSqlQuery prepared(const QSqlDatabase &database, const QString &statement)
     return query;
 }
 
-bool executed(QSqlQuery &query, std::initializer_list<QVariant> values)
+bool executed(QSqlQuery &query, const QVariantList &values)
 {
     int place = 0;
     for (const QVariant &value : values)
@@ -41,8 +43,7 @@ bool executed(QSqlQuery &query, std::initializer_list<QVariant> values)
 }
 
 template <typename Row>
-QVector<Row> rows(QSqlQuery &query, std::initializer_list<QVariant> values,
-                  Row (*rowIn)(const QSqlQuery &))
+QVector<Row> rows(QSqlQuery &query, const QVariantList &values, Row (*rowIn)(const QSqlQuery &))
 {
     QVector<Row> found;
     if (executed(query, values)) {
@@ -88,6 +89,27 @@ const QString &mayHaveWritten()
 QString text(const QString &said)
 {
     return said.isNull() ? QLatin1String("") : said;
+}
+
+/// What tells the desk in the table \a table, and its values.
+QString atDesk(const ledger::Desk &desk, QLatin1Char table)
+{
+    QString condition = QStringLiteral("%1.account = ?").arg(table);
+    if (!desk.branch.isEmpty())
+        condition += QStringLiteral(" AND %1.branch = ?").arg(table);
+    if (desk.work != ledger::Work::Unknown)
+        condition += QStringLiteral(" AND %1.work = ?").arg(table);
+    return condition;
+}
+
+QVariantList valuesOf(const ledger::Desk &desk)
+{
+    QVariantList values{text(desk.account)};
+    if (!desk.branch.isEmpty())
+        values.append(desk.branch);
+    if (desk.work != ledger::Work::Unknown)
+        values.append(int(desk.work));
+    return values;
 }
 
 } // namespace
@@ -214,53 +236,39 @@ QVector<ledger::Entry> LedgerReader::unregistered(const ledger::Desk &desk) cons
 {
     if (!isOpen())
         return {};
-    QSqlQuery query = prepared(
-        *database_, ledgerrows::entrySelection() +
-                        QStringLiteral("WHERE e.awaited > 0 AND r.session IS NULL AND r.account = ?"
-                                       " AND r.branch = ? AND r.work = ? ORDER BY e.id DESC"));
-    return withVolumes(
-        rows(query, {text(desk.account), text(desk.branch), int(desk.work)}, ledgerrows::entryIn));
+    QSqlQuery query =
+        prepared(*database_, ledgerrows::entrySelection() +
+                                 QStringLiteral("WHERE e.awaited > 0 AND r.session IS NULL AND %1"
+                                                " ORDER BY e.id DESC")
+                                     .arg(atDesk(desk, QLatin1Char('r'))));
+    return withVolumes(rows(query, valuesOf(desk), ledgerrows::entryIn));
 }
 
 QVector<ledger::Deletion> LedgerReader::openDeletions(const ledger::Desk &desk) const
 {
     if (!isOpen())
         return {};
-    QSqlQuery query = prepared(
-        *database_,
-        ledgerrows::deletionSelection() +
-            QStringLiteral("WHERE d.dismissed = 0 AND d.announced IS NOT NULL"
-                           " AND (d.deleted IS NULL OR d.reported IS NULL) AND r.session IS NULL"
-                           " AND r.account = ? AND r.branch = ? AND r.work = ? ORDER BY d.id"));
-    return rows(query, {text(desk.account), text(desk.branch), int(desk.work)},
-                ledgerrows::deletionIn);
+    QSqlQuery query =
+        prepared(*database_, ledgerrows::deletionSelection() +
+                                 QStringLiteral("WHERE d.dismissed = 0 AND d.announced IS NOT NULL"
+                                                " AND (d.deleted IS NULL OR d.reported IS NULL)"
+                                                " AND r.session IS NULL AND %1 ORDER BY d.id")
+                                     .arg(atDesk(desk, QLatin1Char('r'))));
+    return rows(query, valuesOf(desk), ledgerrows::deletionIn);
 }
 
 QVector<ledger::Pending> LedgerReader::pending(const ledger::Desk &desk) const
 {
-    QVector<ledger::Pending> items;
     if (!isOpen())
-        return items;
+        return {};
     QSqlQuery query = prepared(
         *database_,
-        QStringLiteral("SELECT p.kind, o.branch, o.order_id, o.photo_id, o.number, o.name, p.note,"
-                       " p.saved, p.files FROM pending p JOIN orders o ON o.id = p.orders"
-                       " WHERE p.account = ? AND p.branch = ? AND p.work = ? ORDER BY p.id DESC"));
-    executed(query, {text(desk.account), text(desk.branch), int(desk.work)});
-    while (query.next()) {
-        ledger::Pending item;
-        item.kind = ledger::PendingKind(query.value(0).toInt());
-        item.desk = desk;
-        item.order.identity = {query.value(1).toString(), query.value(2).toString(),
-                               query.value(3).toString()};
-        item.order.number = query.value(4).toString();
-        item.order.name = query.value(5).toString();
-        item.note = query.value(6).toString();
-        item.savedMs = query.value(7).toLongLong();
-        item.files = ledgerrows::unpackedFiles(query.value(8).toByteArray());
-        if (!item.files.isEmpty())
-            items.append(item);
-    }
+        ledgerrows::pendingSelection() +
+            QStringLiteral("WHERE %1 ORDER BY p.id DESC").arg(atDesk(desk, QLatin1Char('p'))));
+    QVector<ledger::Pending> items = rows(query, valuesOf(desk), ledgerrows::pendingIn);
+    items.erase(std::remove_if(items.begin(), items.end(),
+                               [](const ledger::Pending &item) { return item.files.isEmpty(); }),
+                items.end());
     return items;
 }
 

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "app/context/orderidentity.h"
+#include "files/proof.h"
 
 #include <QByteArray>
 #include <QDate>
 #include <QMetaType>
 #include <QString>
 #include <QVector>
+
+#include <optional>
 
 /// What the ledger keeps, as plain values. Times are ms since 1970 in UTC, 0 for "not (yet)"; sizes
 /// are bytes, -1 for unknown. The numbers of the enumerations are those in the database: they are
@@ -34,15 +37,7 @@ enum class CopyKind {
     Stored = 4,  ///< made by the program or fetched from the service; has no source file
 };
 
-/// What is known of the target's bytes, beyond that they were written.
-enum class Proof {
-    None = 0,
-    Size = 1,    ///< as many as the source has
-    Cache = 2,   ///< read back, perhaps from memory
-    Server = 3,  ///< read back from the share's server, past this machine's memory
-    Medium = 4,  ///< read back from the medium of a local volume
-    Derived = 5, ///< not the source's bytes: made from it, decodes whole in the expected size
-};
+using Proof = ::Proof;
 
 /// XXH3-128, 16 bytes; empty where none was computed.
 using Hash = QByteArray;
@@ -71,7 +66,8 @@ struct OrderKey
     QString name;   ///< the customers'
 };
 
-/// In whose name a tool works.
+/// In whose name a tool works. In questions an empty branch stands for all of the account's, and
+/// Work::Unknown for every work.
 struct Desk
 {
     QString account;
@@ -123,6 +119,8 @@ struct CopyResult
     Hash sourceHash; ///< of the source as it was read
     Hash targetHash; ///< of the target as it was written
     qint64 targetBytes = -1;
+    qint64 targetModifiedMs = 0;       ///< as the target's folder tells it; 0 for the source's
+    std::optional<CopyKind> kind = {}; ///< where it was not known before
 };
 
 enum class Registration {
@@ -148,6 +146,7 @@ struct Copy
     qint64 sourceModifiedMs = 0;
     QString target;
     qint64 targetBytes = -1;
+    qint64 targetModifiedMs = 0;
     CopyKind kind = CopyKind::Bytes;
     Proof proof = Proof::None;
     Hash sourceHash;

@@ -119,7 +119,7 @@ QString copySelection()
     return QStringLiteral("SELECT ") + entryPart() +
            QStringLiteral(
                ", r.who, c.id, sf.path, c.name, v.label, v.serial, c.bytes, c.modified, tf.path,"
-               " c.target_name, c.target_bytes, c.kind, c.proof, c.source_hash, c.target_hash,"
+               " c.target_name, c.target_bytes, c.target_modified, c.kind, c.proof, c.source_hash, c.target_hash,"
                " c.begun, c.finished, c.registration, c.registered, c.failure"
                " FROM copy c JOIN entry e ON e.id = c.entry JOIN run r ON r.id = e.run"
                " JOIN orders o ON o.id = e.orders JOIN folder tf ON tf.id = c.target_folder"
@@ -145,6 +145,7 @@ ledger::Copy copyIn(const QSqlQuery &row)
     const QVariant targetName = values.next();
     copy.target = targetFolder + (targetName.isNull() ? name : targetName.toString());
     const QVariant targetBytes = values.next();
+    const QVariant targetModified = values.next();
     copy.kind = ledger::CopyKind(values.small());
     copy.proof = ledger::Proof(values.small());
     copy.sourceHash = values.next().toByteArray();
@@ -156,8 +157,11 @@ ledger::Copy copyIn(const QSqlQuery &row)
     copy.registration = ledger::Registration(values.small());
     copy.registeredMs = values.timeAfter(copy.begunMs);
     copy.failure = values.text();
-    if (copy.isFinished())
+    if (copy.isFinished()) {
         copy.targetBytes = targetBytes.isNull() ? copy.sourceBytes : targetBytes.toLongLong();
+        copy.targetModifiedMs =
+            targetModified.isNull() ? copy.sourceModifiedMs : targetModified.toLongLong();
+    }
     return copy;
 }
 
@@ -236,6 +240,32 @@ ledger::Entry entryIn(const QSqlQuery &row)
     entry.deletions = values.small();
     entry.deleted = values.small();
     return entry;
+}
+
+QString pendingSelection()
+{
+    return QStringLiteral(
+        "SELECT p.kind, p.account, p.branch, p.work, o.branch, o.order_id, o.photo_id, o.number,"
+        " o.name, p.note, p.saved, p.files FROM pending p JOIN orders o ON o.id = p.orders ");
+}
+
+ledger::Pending pendingIn(const QSqlQuery &row)
+{
+    Values values(row);
+    ledger::Pending item;
+    item.kind = ledger::PendingKind(values.small());
+    item.desk.account = values.text();
+    item.desk.branch = values.text();
+    item.desk.work = ledger::Work(values.small());
+    item.order.identity.branch = values.text();
+    item.order.identity.id = values.text();
+    item.order.identity.orderPhotoId = values.text();
+    item.order.number = values.text();
+    item.order.name = values.text();
+    item.note = values.text();
+    item.savedMs = values.number();
+    item.files = unpackedFiles(values.next().toByteArray());
+    return item;
 }
 
 } // namespace ledgerrows

@@ -25,10 +25,13 @@ QVector<ledger::PendingFile> unpackedFiles(const QByteArray &bytes);
 QString copySelection();
 QString deletionSelection();
 QString entrySelection();
+QString pendingSelection(); ///< the table p (pending)
 
 ledger::Copy copyIn(const QSqlQuery &row);
 ledger::Deletion deletionIn(const QSqlQuery &row);
 /// Without its volumes.
 ledger::Entry entryIn(const QSqlQuery &row);
+/// Without files where they cannot be read.
+ledger::Pending pendingIn(const QSqlQuery &row);
 
 } // namespace ledgerrows

@@ -44,6 +44,7 @@ QStringList firstTables()
                        " entry INTEGER NOT NULL, name TEXT NOT NULL, folder INTEGER,"
                        " volume INTEGER, bytes INTEGER NOT NULL, modified INTEGER NOT NULL,"
                        " target_folder INTEGER NOT NULL, target_name TEXT, target_bytes INTEGER,"
+                       " target_modified INTEGER,"
                        " kind INTEGER NOT NULL, proof INTEGER NOT NULL DEFAULT 0,"
                        " source_hash BLOB, target_hash BLOB, begun INTEGER NOT NULL,"
                        " finished INTEGER, registration INTEGER NOT NULL, registered INTEGER,"

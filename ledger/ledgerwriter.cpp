@@ -187,10 +187,13 @@ bool LedgerWriter::finishCopy(ledger::CopyId copy, const ledger::CopyResult &res
 {
     return database_->run(
         QStringLiteral("UPDATE copy SET finished = ? - begun, proof = ?, source_hash = ?,"
-                       " target_hash = ?, target_bytes = nullif(?, bytes), failure = NULL"
-                       " WHERE id = ?"),
+                       " target_hash = ?, target_bytes = nullif(?, bytes),"
+                       " target_modified = nullif(?, modified), kind = coalesce(?, kind),"
+                       " failure = NULL WHERE id = ?"),
         {nowMs, int(result.proof), hashValue(result.sourceHash), targetHashValue(result),
-         result.targetBytes < 0 ? QVariant() : QVariant(result.targetBytes), rowOf(copies_, copy)});
+         result.targetBytes < 0 ? QVariant() : QVariant(result.targetBytes),
+         result.targetModifiedMs == 0 ? QVariant() : QVariant(result.targetModifiedMs),
+         result.kind ? QVariant(int(*result.kind)) : QVariant(), rowOf(copies_, copy)});
 }
 
 bool LedgerWriter::failCopy(ledger::CopyId copy, const QString &reason)
@@ -279,9 +282,13 @@ bool LedgerWriter::announceDeletions(const QVector<ledger::DeletionId> &deletion
 
 bool LedgerWriter::finishDeletion(ledger::DeletionId deletion, qint64 nowMs)
 {
-    return database_->run(QStringLiteral("UPDATE deletion SET deleted = ? - begun, failure = NULL"
-                                         " WHERE id = ?"),
-                          {nowMs, rowOf(deletions_, deletion)});
+    // A photo that the service has deleted itself is not reported to it.
+    return database_->run(
+        QStringLiteral("UPDATE deletion SET deleted = ? - begun, failure = NULL, reported ="
+                       " CASE (SELECT r.work FROM entry e JOIN run r ON r.id = e.run"
+                       " WHERE e.id = deletion.entry) WHEN ? THEN ? - begun ELSE reported END"
+                       " WHERE id = ?"),
+        {nowMs, int(ledger::Work::PhotoDeletion), nowMs, rowOf(deletions_, deletion)});
 }
 
 bool LedgerWriter::failDeletion(ledger::DeletionId deletion, const QString &reason)

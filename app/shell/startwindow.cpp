@@ -6,6 +6,7 @@
 #include "app/context/k.h"
 #include "app/context/logging.h"
 #include "app/shell/choosetools.h"
+#include "app/shell/ledgernotices.h"
 #include "distribution/window/fjhome.h"
 
 #include <QCoreApplication>
@@ -21,6 +22,7 @@ void openLogin(QObject *context)
         launcher->setAttribute(Qt::WA_DeleteOnClose);
         launcher->setLoginReply(reply);
         launcher->show();
+        tellLedgerNotices(launcher);
     });
     login->show();
 }
