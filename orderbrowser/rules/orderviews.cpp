@@ -19,7 +19,8 @@ constexpr int widestColumn = 2000;
 
 OrderView viewOf(const QString &name, const QStringList &keys)
 {
-    OrderView view{name, {}, {}};
+    OrderView view;
+    view.name = name;
     for (const QString &key : keys)
         view.columns.append({key, 0});
     return view;
@@ -77,12 +78,15 @@ QJsonObject written(const OrderView &view)
     }
     return {{QStringLiteral("name"), view.name},
             {QStringLiteral("columns"), columns},
-            {QStringLiteral("sorting"), sorting}};
+            {QStringLiteral("sorting"), sorting},
+            {QStringLiteral("frozen"), view.frozen}};
 }
 
 OrderView readView(const QJsonObject &object)
 {
-    OrderView view{reply::text(object, QStringLiteral("name")).trimmed().left(longestName), {}, {}};
+    OrderView view;
+    view.name = reply::text(object, QStringLiteral("name")).trimmed().left(longestName);
+    view.frozen = object.value(QLatin1String("frozen")).toBool(true);
     const auto columns = reply::objects(object, QStringLiteral("columns"));
     for (const QJsonObject &column : columns) {
         const QString key = reply::text(column, QStringLiteral("key"));

@@ -29,6 +29,7 @@ struct OrderView
     QString name;
     QVector<Column> columns;
     QVector<OrderArrangement::Sorting> sorting;
+    bool frozen = true; ///< the first column and the order number stay while others are scrolled
 
     bool shows(const QString &key) const;
     QStringList keys() const;
@@ -36,7 +37,7 @@ struct OrderView
     friend bool operator==(const OrderView &one, const OrderView &other)
     {
         return one.name == other.name && one.columns == other.columns &&
-               one.sorting == other.sorting;
+               one.sorting == other.sorting && one.frozen == other.frozen;
     }
 };
 

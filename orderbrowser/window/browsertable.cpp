@@ -26,8 +26,9 @@ int designPixels(int pixels)
 } // namespace
 
 BrowserTable::BrowserTable(QWidget *parent)
-    : EmptyStateTable(parent)
+    : FrozenTable(parent)
     , header_(new FilterHeader(this))
+    , frozenHeader_(new FilterHeader(this))
     , paths_(new ElidedTextDelegate(Qt::ElideMiddle, this))
 {
     setObjectName(QStringLiteral("orderTable"));
@@ -36,26 +37,45 @@ BrowserTable::BrowserTable(QWidget *parent)
     header_->setFixedHeight(theme::rowHeight() * 2);
     header_->setStretchLastSection(false);
     header_->setMinimumSectionSize(K::scaledPx(narrowestColumnPx));
-    header_->setContextMenuPolicy(Qt::CustomContextMenu);
+    setFrozenHeader(frozenHeader_);
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setModel(&model_);
     setContextMenuPolicy(Qt::CustomContextMenu);
 
     connect(this, &QWidget::customContextMenuRequested, this, &BrowserTable::menuWanted);
-    connect(header_, &QWidget::customContextMenuRequested, this, &BrowserTable::showHeadingMenu);
-    connect(header_, &QHeaderView::sectionClicked, this, [this](int column) {
+    connect(header_, &QHeaderView::sectionMoved, this, &BrowserTable::tellColumns);
+    // Not in the midst of the move.
+    connect(header_, &QHeaderView::sectionMoved, this, &BrowserTable::freezeColumns,
+            Qt::QueuedConnection);
+    connect(header_, &QHeaderView::sectionResized, this, &BrowserTable::tellColumns);
+    for (FilterHeader *header : {header_, frozenHeader_})
+        connectHeader(header);
+    connect(this, &FrozenTable::frozenChanged, this, [this](int columns) {
+        header_->setFieldPlaces(columns, INT_MAX);
+        frozenHeader_->setFieldPlaces(0, columns);
+    });
+    frozenHeader_->setFieldPlaces(0, 0);
+}
+
+void BrowserTable::connectHeader(FilterHeader *header)
+{
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, this,
+            [this, header](const QPoint &position) {
+                showHeadingMenu(header->logicalIndexAt(position),
+                                header->viewport()->mapToGlobal(position));
+            });
+    connect(header, &QHeaderView::sectionClicked, this, [this](int column) {
         const bool added = QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier);
         emit sortingChanged(
             orderarrangement::clicked(view_.sorting, model_.field(column).key, added));
     });
-    connect(header_, &QHeaderView::sectionMoved, this, &BrowserTable::tellColumns);
-    connect(header_, &QHeaderView::sectionResized, this, &BrowserTable::tellColumns);
-    connect(header_, &QHeaderView::sectionHandleDoubleClicked, this, &BrowserTable::fit);
-    connect(header_, &FilterHeader::filterTyped, this, [this](int column, const QString &text) {
+    connect(header, &QHeaderView::sectionHandleDoubleClicked, this, &BrowserTable::fit);
+    connect(header, &FilterHeader::filterTyped, this, [this](int column, const QString &text) {
         emit filterTyped(model_.field(column).key, text);
     });
-    connect(header_, &FilterHeader::leftDownwards, this, [this] {
+    connect(header, &FilterHeader::leftDownwards, this, [this] {
         setFocus();
         if (!currentIndex().isValid() && model_.rowCount() > 0)
             setCurrentIndex(model_.index(0, 0));
@@ -66,6 +86,8 @@ BrowserTable::~BrowserTable()
 {
     // What shows the model outlives it by a moment.
     disconnect(header_, nullptr, this, nullptr);
+    disconnect(frozenHeader_, nullptr, this, nullptr);
+    disconnect(this, &FrozenTable::frozenChanged, this, nullptr);
     setModel(nullptr);
 }
 
@@ -92,9 +114,22 @@ void BrowserTable::applyColumns()
         const bool isPath = model_.field(column).kind == orderfields::Kind::Path;
         setItemDelegateForColumn(column, isPath ? paths_ : nullptr);
     }
-    horizontalScrollBar()->setValue(scrolledRight);
     applying_ = false;
+    freezeColumns();
+    horizontalScrollBar()->setValue(scrolledRight);
     showFilters(filters_);
+}
+
+/// The order number is second at most: what is frozen stands together.
+void BrowserTable::freezeColumns()
+{
+    applying_ = true;
+    const int number = model_.columnOf(orderfields::known().at(orderfields::Number).key);
+    const int place = number < 0 ? -1 : header_->visualIndex(number);
+    if (view_.frozen && place > 1)
+        header_->moveSection(place, 1);
+    applying_ = false;
+    freeze(view_.frozen ? (place > 0 ? 2 : 1) : 0);
 }
 
 void BrowserTable::showFilters(const QHash<QString, QString> &filters)
@@ -102,8 +137,15 @@ void BrowserTable::showFilters(const QHash<QString, QString> &filters)
     filters_ = filters;
     for (int column = 0; column < model_.columnCount(); ++column) {
         const orderfields::OrderField &field = model_.field(column);
-        header_->setFilter(column, filters.value(field.key), FieldFilter::help(field.kind));
+        for (FilterHeader *header : {header_, frozenHeader_})
+            header->setFilter(column, filters.value(field.key), FieldFilter::help(field.kind));
     }
+}
+
+void BrowserTable::focusFilter(int column)
+{
+    if (!frozenHeader_->focusFilter(column))
+        header_->focusFilter(column);
 }
 
 void BrowserTable::showOrders(const OrderListing &listing, const QVector<int> &rows)
@@ -207,9 +249,21 @@ void BrowserTable::fit(int column)
     setColumnWidth(column, qMin(columnWidth(column) + theme::spacing(), K::scaledPx(widestFitPx)));
 }
 
-void BrowserTable::showHeadingMenu(const QPoint &position)
+void BrowserTable::addFreezing(QMenu *menu)
 {
-    const int column = header_->logicalIndexAt(position);
+    QAction *frozen = menu->addAction(QStringLiteral("冻结首列和订单号"));
+    frozen->setCheckable(true);
+    frozen->setChecked(view_.frozen);
+    connect(frozen, &QAction::toggled, this, [this](bool on) {
+        view_.frozen = on;
+        applyColumns();
+        emit viewChanged(view_);
+    });
+}
+
+/// \a position on the screen.
+void BrowserTable::showHeadingMenu(int column, const QPoint &position)
+{
     if (column < 0)
         return;
     const QString key = model_.field(column).key;
@@ -224,8 +278,7 @@ void BrowserTable::showHeadingMenu(const QPoint &position)
     menu->addAction(QStringLiteral("取消排序"), this, [this] { emit sortingChanged({}); })
         ->setEnabled(!view_.sorting.isEmpty());
     menu->addSeparator();
-    menu->addAction(QStringLiteral("筛选..."), this,
-                    [this, column] { header_->focusFilter(column); });
+    menu->addAction(QStringLiteral("筛选..."), this, [this, column] { focusFilter(column); });
     menu->addAction(QStringLiteral("只看空的"), this,
                     [this, key] { emit filterTyped(key, QStringLiteral("空")); });
     menu->addAction(QStringLiteral("只看非空的"), this,
@@ -238,6 +291,7 @@ void BrowserTable::showHeadingMenu(const QPoint &position)
     });
     menu->addAction(QStringLiteral("隐藏此列"), this, [this, column] { hideColumn(column); })
         ->setEnabled(model_.columnCount() > 1);
+    addFreezing(menu);
     auto *hidden = new ContextMenu(this);
     hidden->setTitle(QStringLiteral("显示列"));
     connect(menu, &QObject::destroyed, hidden, &QObject::deleteLater);
@@ -245,7 +299,7 @@ void BrowserTable::showHeadingMenu(const QPoint &position)
     menu->addMenu(hidden)->setEnabled(!hidden->isEmpty());
     menu->addAction(QStringLiteral("列设置..."), this, &BrowserTable::columnsWanted);
     menu->addAction(QStringLiteral("恢复此视图"), this, &BrowserTable::restoreWanted);
-    menu->popup(header_->viewport()->mapToGlobal(position));
+    menu->popup(position);
 }
 
 // What is selected.
@@ -253,13 +307,13 @@ void BrowserTable::showHeadingMenu(const QPoint &position)
 void BrowserTable::selectionChanged(const QItemSelection &selected,
                                     const QItemSelection &deselected)
 {
-    EmptyStateTable::selectionChanged(selected, deselected);
+    FrozenTable::selectionChanged(selected, deselected);
     emit selectionChangedTo(selectedRows().size());
 }
 
 void BrowserTable::currentChanged(const QModelIndex &current, const QModelIndex &previous)
 {
-    EmptyStateTable::currentChanged(current, previous);
+    FrozenTable::currentChanged(current, previous);
     if (current.row() != previous.row())
         emit currentOrderChanged();
 }

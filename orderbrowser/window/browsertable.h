@@ -2,7 +2,7 @@
 
 #include "orderbrowser/rules/orderviews.h"
 #include "orderbrowser/window/orderbrowsermodel.h"
-#include "widgets/tables/tables.h"
+#include "widgets/tables/frozentable.h"
 
 #include <QHash>
 #include <QString>
@@ -13,7 +13,7 @@ class QMenu;
 
 /// The table of the order browser: the orders of its model under headings that can be dragged,
 /// widened, sorted by and filtered under. Says what the user wants of them; who owns it decides.
-class BrowserTable : public EmptyStateTable
+class BrowserTable : public FrozenTable
 {
     Q_OBJECT
 
@@ -60,9 +60,13 @@ protected:
     void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private:
+    void connectHeader(FilterHeader *header);
     void applyColumns();
+    void freezeColumns();
     void tellColumns();
-    void showHeadingMenu(const QPoint &position);
+    void focusFilter(int column);
+    void showHeadingMenu(int column, const QPoint &position);
+    void addFreezing(QMenu *menu);
     void hideColumn(int column);
     void showColumn(const QString &key);
     void addHiddenColumns(QMenu *menu);
@@ -70,6 +74,7 @@ private:
 
     OrderBrowserModel model_;
     FilterHeader *header_;
+    FilterHeader *frozenHeader_;
     ElidedTextDelegate *paths_; ///< for columns of paths
     OrderView view_;
     QHash<QString, QString> filters_;

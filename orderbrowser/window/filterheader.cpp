@@ -16,7 +16,7 @@ FilterHeader::FilterHeader(QWidget *parent) : QHeaderView(Qt::Horizontal, parent
     setSectionsMovable(true);
     setSectionsClickable(true);
     connect(this, &QHeaderView::sectionResized, this, &FilterHeader::placeFields);
-    connect(this, &QHeaderView::sectionMoved, this, &FilterHeader::placeFields);
+    connect(this, &QHeaderView::sectionMoved, this, &FilterHeader::makeFields);
     connect(this, &QHeaderView::sectionCountChanged, this, &FilterHeader::makeFields);
     if (auto *table = qobject_cast<QAbstractItemView *>(parent)) {
         connect(table->horizontalScrollBar(), &QScrollBar::valueChanged, this,
@@ -30,43 +30,79 @@ void FilterHeader::setModel(QAbstractItemModel *model)
     makeFields();
 }
 
+void FilterHeader::setFieldPlaces(int first, int end)
+{
+    firstPlace_ = first;
+    endPlace_ = end;
+    makeFields();
+}
+
+bool FilterHeader::hasField(int section) const
+{
+    const int place = section < count() ? visualIndex(section) : -1;
+    return place >= firstPlace_ && place < endPlace_;
+}
+
 void FilterHeader::makeFields()
 {
-    while (fields_.size() > count()) {
-        // One of them may be where the change comes from.
-        fields_.last()->hide();
-        fields_.takeLast()->deleteLater();
+    for (int section = 0; section < filters_.size(); ++section) {
+        LineEdit *&field = filters_[section].field;
+        if (!field || hasField(section))
+            continue;
+        // It may be where the change comes from.
+        field->hide();
+        field->deleteLater();
+        field = nullptr;
     }
-    while (fields_.size() < count()) {
-        const int section = fields_.size();
-        auto *field = new LineEdit(this);
-        field->setObjectName(QStringLiteral("filter%1").arg(section));
-        field->setPlaceholderText(QStringLiteral("筛选"));
-        field->setClearable(true);
-        field->installEventFilter(this);
-        connect(field, &QLineEdit::textChanged, this,
-                [this, section](const QString &text) { emit filterTyped(section, text); });
-        connect(field, &LineEdit::focused, this, [this, section] { bringIntoView(section); });
-        field->show();
-        fields_.append(field);
+    filters_.resize(count());
+    for (int section = 0; section < count(); ++section) {
+        Filter &filter = filters_[section];
+        if (!filter.field && hasField(section))
+            filter.field = makeField(section);
     }
     placeFields();
 }
 
-void FilterHeader::setFilter(int section, const QString &text, const QString &help)
+LineEdit *FilterHeader::makeField(int section)
 {
-    LineEdit *field = fields_.at(section);
-    setPlainTip(field, help);
-    if (field->text() == text)
-        return;
-    const QSignalBlocker blocker(field);
-    field->setText(text);
+    auto *field = new LineEdit(this);
+    field->setObjectName(QStringLiteral("filter%1").arg(section));
+    field->setPlaceholderText(QStringLiteral("筛选"));
+    field->setClearable(true);
+    field->setText(filters_.at(section).text);
+    setPlainTip(field, filters_.at(section).help);
+    field->installEventFilter(this);
+    connect(field, &QLineEdit::textChanged, this, [this, section](const QString &text) {
+        filters_[section].text = text;
+        emit filterTyped(section, text);
+    });
+    connect(field, &LineEdit::focused, this, [this, section] { bringIntoView(section); });
+    field->show();
+    return field;
 }
 
-void FilterHeader::focusFilter(int section)
+void FilterHeader::setFilter(int section, const QString &text, const QString &help)
 {
-    fields_.at(section)->setFocus();
-    fields_.at(section)->selectAll();
+    Filter &filter = filters_[section];
+    filter.text = text;
+    filter.help = help;
+    if (!filter.field)
+        return;
+    setPlainTip(filter.field, help);
+    if (filter.field->text() == text)
+        return;
+    const QSignalBlocker blocker(filter.field);
+    filter.field->setText(text);
+}
+
+bool FilterHeader::focusFilter(int section)
+{
+    LineEdit *field = filters_.at(section).field;
+    if (!field)
+        return false;
+    field->setFocus();
+    field->selectAll();
+    return true;
 }
 
 /// Two lines, whatever the height of one is.
@@ -90,23 +126,25 @@ void FilterHeader::resizeEvent(QResizeEvent *event)
 void FilterHeader::placeFields()
 {
     const int gap = theme::hairline() * 2;
-    for (int section = 0; section < fields_.size() && section < count(); ++section) {
-        const int top = theme::rowHeight();
-        fields_.at(section)->setGeometry(sectionViewportPosition(section) + gap, top + gap,
-                                         qMax(0, sectionSize(section) - 2 * gap),
-                                         height() - top - 2 * gap);
-        fields_.at(section)->setVisible(!isSectionHidden(section));
+    const int top = theme::rowHeight();
+    for (int section = 0; section < filters_.size() && section < count(); ++section) {
+        if (LineEdit *field = filters_.at(section).field) {
+            field->setGeometry(sectionViewportPosition(section) + gap, top + gap,
+                               qMax(0, sectionSize(section) - 2 * gap), height() - top - 2 * gap);
+        }
     }
 }
 
+/// Right of those sections that lie under what has their fields.
 void FilterHeader::bringIntoView(int section)
 {
     auto *table = qobject_cast<QAbstractItemView *>(parentWidget());
-    if (!table)
+    if (!table || endPlace_ < count())
         return;
     QScrollBar *bar = table->horizontalScrollBar();
-    const int left = sectionPosition(section);
-    const int right = left + sectionSize(section) - viewport()->width();
+    const int covered = firstPlace_ < count() ? sectionPosition(logicalIndex(firstPlace_)) : 0;
+    const int left = sectionPosition(section) - covered;
+    const int right = sectionPosition(section) + sectionSize(section) - viewport()->width();
     if (left < bar->value() || right > bar->value())
         bar->setValue(left < bar->value() ? left : right);
 }

@@ -4,10 +4,13 @@
 #include <QHeaderView>
 #include <QVector>
 
+#include <climits>
+
 class LineEdit;
 
 /// A header with a line for filters under its headings, a field for each section. The fields move
-/// with their sections. Horizontal.
+/// with their sections. Horizontal. Of two headers that share a table's columns each has the fields
+/// of its own.
 class FilterHeader : public QHeaderView
 {
     Q_OBJECT
@@ -15,9 +18,12 @@ class FilterHeader : public QHeaderView
 public:
     explicit FilterHeader(QWidget *parent = nullptr);
 
+    /// Only sections in the places from \a first up to \a end have a field.
+    void setFieldPlaces(int first, int end);
     /// The filter under a section, and what can be typed there. Announces nothing.
     void setFilter(int section, const QString &text, const QString &help);
-    void focusFilter(int section);
+    /// False for a section without a field.
+    bool focusFilter(int section);
 
     QSize sizeHint() const override;
     void setModel(QAbstractItemModel *model) override;
@@ -34,9 +40,20 @@ protected:
     void updateGeometries() override;
 
 private:
+    struct Filter
+    {
+        QString text;
+        QString help;
+        LineEdit *field = nullptr; ///< null where it has none
+    };
+
+    bool hasField(int section) const;
     void makeFields();
+    LineEdit *makeField(int section);
     void placeFields();
     void bringIntoView(int section);
 
-    QVector<LineEdit *> fields_; ///< by section
+    QVector<Filter> filters_; ///< by section
+    int firstPlace_ = 0;
+    int endPlace_ = INT_MAX;
 };

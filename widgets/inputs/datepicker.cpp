@@ -1,5 +1,6 @@
 #include "widgets/inputs/datepicker.h"
 
+#include "widgets/inputs/glyphbutton.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
@@ -71,8 +72,28 @@ void DatePicker::reset()
     setDate(noDate);
 }
 
+void DatePicker::setClearable()
+{
+    clearButton_ = new GlyphButton(GlyphButton::Glyph::Clear, this);
+    clearButton_->setToolTip(QStringLiteral("清空"));
+    clearButton_->setAccessibleName(clearButton_->toolTip());
+    clearButton_->setVisible(isChosen());
+    connect(clearButton_, &QAbstractButton::clicked, this, &DatePicker::reset);
+}
+
+void DatePicker::resizeEvent(QResizeEvent *event)
+{
+    QDateEdit::resizeEvent(event);
+    if (clearButton_) {
+        clearButton_->move(lineEdit()->geometry().right() + 1 - clearButton_->width(),
+                           (height() - clearButton_->height()) / 2);
+    }
+}
+
 void DatePicker::showWhetherChosen()
 {
+    if (clearButton_)
+        clearButton_->setVisible(isChosen());
     setProperty(promptingProperty, !isChosen());
     style()->unpolish(this);
     style()->polish(this);
@@ -206,6 +227,10 @@ void DatePicker::keyPressEvent(QKeyEvent *event)
         QDateEdit::keyPressEvent(event);
         emit entered();
         event->accept();
+        return;
+    }
+    if (clearButton_ && key == Qt::Key_Delete) {
+        reset();
         return;
     }
     if (!isChosen()) {

@@ -4,6 +4,7 @@
 #include <QDateEdit>
 #include <QPointer>
 
+class GlyphButton;
 class QCalendarWidget;
 
 /// A date that is chosen from a calendar or typed, shown as "yyyy-MM-dd". Until one was chosen it
@@ -22,6 +23,8 @@ public:
     void choose(const QDate &date);
     /// Back to the prompt.
     void reset();
+    /// A small "×" that goes back to the prompt, there while a date is chosen; so does Delete.
+    void setClearable();
 
     /// Opens the calendar: the date edit's own, or else a separate one.
     void openCalendar();
@@ -38,6 +41,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void clicked();
@@ -48,6 +52,7 @@ private:
     void place(QWidget *popup) const;
 
     QString prompt_;
+    GlyphButton *clearButton_ = nullptr; ///< only when it is clearable
     QPointer<QWidget> ownPopup_;
     QPointer<QWidget> separatePopup_;
     QDate dateBefore_; ///< what the calendar was opened with

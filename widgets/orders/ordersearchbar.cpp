@@ -149,6 +149,7 @@ void OrderSearchBar::addRangeEnd()
     rangeEnd_ = new DatePicker(QStringLiteral("至（可不选）"), this);
     rangeEnd_->setObjectName(QStringLiteral("rangeEnd"));
     rangeEnd_->setMinimumWidth(theme::narrowestInput());
+    rangeEnd_->setClearable();
     auto *row = static_cast<QBoxLayout *>(searchRow_->layout());
     row->insertWidget(row->indexOf(searchButton_), rangeEnd_, 1);
     setTabOrder(completionDate_, rangeEnd_);

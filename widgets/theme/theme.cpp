@@ -72,6 +72,11 @@ QString splitterStyle()
         .arg(css(colours::divider));
 }
 
+QString dividerStyle()
+{
+    return QStringLiteral("background-color: %1; border: none;").arg(css(colours::divider));
+}
+
 QString progressBarStyle()
 {
     return scaled(QStringLiteral("QProgressBar { background-color: %1; border: none;"

@@ -54,6 +54,8 @@ QString plainTableStyle();
 /// A white half of a split window, by its object name.
 QString sidePanelStyle(const QString &objectName);
 QString splitterStyle();
+/// A thin line between two areas.
+QString dividerStyle();
 QString scrollBarStyle();
 QString menuStyle();
 QString progressBarStyle();

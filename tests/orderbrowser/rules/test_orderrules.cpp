@@ -306,6 +306,7 @@ private slots:
         OrderView mine = views.current();
         mine.columns = {{"vip"_s, 70}, {"orderpayforkey"_s, 0}};
         mine.sorting = {{"vip"_s, Qt::DescendingOrder}};
+        mine.frozen = false;
         views.changeCurrent(mine);
         BrowserSearch search;
         search.search.type = orderqueries::OrderSearch::SelectionDate;

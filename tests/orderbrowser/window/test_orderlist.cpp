@@ -4,6 +4,7 @@
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/inputs/datepicker.h"
+#include "widgets/inputs/glyphbutton.h"
 #include "widgets/orders/ordersearchbar.h"
 
 #include <QAbstractItemModelTester>
@@ -19,6 +20,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QStyleHints>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -97,6 +99,14 @@ private slots:
         QCOMPARE(demo_.requests(action).size(), 0);
         click("searchButton");
         QTRY_COMPARE(rows(), 2);
+
+        QTest::mouseClick(child<DatePicker>("rangeEnd")->findChild<GlyphButton *>(),
+                          Qt::LeftButton);
+        QVERIFY(!child<DatePicker>("rangeEnd")->chosenDate().isValid());
+        demo_.clearRequests();
+        click("searchButton");
+        EXPECT_BOXES("未检索到订单"_s); // on the first day
+        QCOMPARE(demo_.requests(action).size(), 1);
     }
 
     void keepsWhatItShowsWhenASearchFails()
@@ -172,6 +182,34 @@ private slots:
         chooseInMenu("恢复此视图"_s);
         QCOMPARE(table()->orders()->columnCount(), columns);
         QCOMPARE(table()->orders()->columnOf("orderpayforkey"_s), 0);
+    }
+
+    void freezesTheFirstColumnAndTheNumber()
+    {
+        open();
+        QCOMPARE(table()->frozenColumns(), 1); // which is the number
+        QHeaderView *header = orders()->horizontalHeader();
+        const int name = table()->orders()->columnOf("mname"_s);
+        header->moveSection(header->visualIndex(name), 0);
+        QTRY_COMPARE(table()->frozenColumns(), 2);
+        QScrollBar *sideways = orders()->horizontalScrollBar();
+        sideways->setValue(sideways->maximum());
+        QVERIFY(sideways->value() > table()->frozenWidth());
+
+        // The number is clicked where it is seen, and the rest stays.
+        const QModelIndex number = cell(second, table()->orders()->columnOf("orderpayforkey"_s));
+        const QRect seen = orders()->visualRect(number);
+        QCOMPARE(seen.left(), orders()->columnWidth(name));
+        QTest::mouseClick(orders()->viewport(), Qt::LeftButton, {}, seen.center());
+        QCOMPARE(orders()->currentIndex(), number);
+        QCOMPARE(sideways->value(), sideways->maximum());
+        // On to a cell that lies below the frozen ones: it comes out.
+        QTest::keyClick(orders(), Qt::Key_Right);
+        QVERIFY(orders()->visualRect(orders()->currentIndex()).left() >= table()->frozenWidth());
+        QVERIFY(sideways->value() < sideways->maximum());
+
+        chooseInMenu("冻结首列和订单号"_s);
+        QCOMPARE(table()->frozenColumns(), 0);
     }
 
     void makesAViewOfTheUsersOwn()
