@@ -4,7 +4,7 @@
 #include "bench/options.h"
 #include "photoimport/rules/photorules.h"
 #include "photoimport/run/decodedsources.h"
-#include "photoimport/run/imageoperations.h"
+#include "photoimport/run/sizevariants.h"
 #include "photoimport/run/tfimportthreadmanager.h"
 #include "tasks/background.h"
 #include "tests/support/pictures.h"

@@ -4,31 +4,26 @@
 #include <QSize>
 #include <QString>
 
-class DecodedSources;
 struct JobFailure;
 struct WrittenOriginal;
 
-/// The image operations of the photo import. They block, for worker threads, and log every
-/// decision. Targets are written under a temporary name and renamed, so that a target name never
-/// holds a partial picture. A source that is written to meanwhile is no source: the operation
-/// fails. Those that take a \a failure tell there why they failed, those that take a \a written
-/// what is known of the file that is there. Files are read back before they get their names, unless
-/// the installation wants their sizes compared alone.
+/// Copying originals in the photo import, and turning pictures upright; making size variants of
+/// them is sizevariants.h. The operations block, for worker threads, and log every decision.
+/// Targets are written under a temporary name and renamed, so that a target name never holds a
+/// partial picture. A source that is written to meanwhile is no source: the operation fails. Those
+/// that take a \a failure tell there why they failed, those that take a \a written what is known of
+/// the file that is there. Files are read back before they get their names, unless the installation
+/// wants their sizes compared alone.
 namespace imageoperations {
 
 constexpr qint64 plainCopyBytes = 104857600;  ///< originals above are copied as they are
 constexpr qint64 largeImageBytes = 31457280;  ///< originals above are read reduced
 constexpr qint64 largeImagePixels = 50000000; ///< pictures above are read reduced
-constexpr int variantFullReadSide = 10000;    ///< size variants: sides above are read reduced
 constexpr int reducedReadSide = 4096;         ///< long side of an original read reduced
 constexpr qint64 veryLargePixels = 100000000; ///< upright originals above are capped
 constexpr int veryLargeOutputSide = 8192;     ///< long side of those
 constexpr qint64 slowMs = 10000;              ///< what takes longer is logged
-constexpr int nearTargetPx = 9;               ///< a variant this near its size is not scaled
-constexpr int conservativeReadSide = 2048;    ///< cap of a side at the second attempt
 constexpr int originalQuality = 95;           ///< JPEG quality of upright originals
-constexpr int variantQuality = 90;            ///< quality of size variants
-constexpr int variantSideLimit = 10000;       ///< no variant is made larger, to spare memory
 
 /// 1, 3 or 6. The reader's eight values are folded on purpose: every quarter turn is reported as 6,
 /// every mirroring as 3. 1 for what cannot be read.
@@ -36,9 +31,6 @@ int readExifOrientation(const QString &path);
 
 /// \a image turned as the table of its orientation (1 to 8) says; null when it is null.
 QImage rotateImageByExif(const QImage &image, int orientation);
-
-/// The size at which a very large picture is read for a variant with the long side \a target.
-QSize calculateIntermediateSize(const QSize &original, int target);
 
 /// The size that an upright original gets that had to be read reduced; \a original is its own.
 QSize uprightSize(const QSize &original);
@@ -55,10 +47,5 @@ bool copyOriginal(const QString &source, const QString &target, JobFailure *fail
 /// Copies byte for byte, with nothing of the source or an earlier target looked at before.
 bool copyBytes(const QString &source, const QString &target, JobFailure *failure,
                WrittenOriginal *written);
-
-/// Makes the size variant with the long side \a longSide in pixels; smaller pictures are enlarged.
-/// With \a shared, variants of one source made at about the same time decode it once.
-bool compressImage(const QString &source, const QString &target, int longSide,
-                   DecodedSources *shared = nullptr, JobFailure *failure = nullptr);
 
 } // namespace imageoperations

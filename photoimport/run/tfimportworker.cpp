@@ -6,6 +6,7 @@
 #include "files/safename.h"
 #include "photoimport/rules/photorules.h"
 #include "photoimport/run/imageoperations.h"
+#include "photoimport/run/sizevariants.h"
 #include "platform/pathform.h"
 #include "tasks/task.h"
 

@@ -4,6 +4,7 @@
 #include "photoimport/rules/photoimportrecords.h"
 #include "photoimport/run/decodedsources.h"
 #include "photoimport/run/imageoperations.h"
+#include "photoimport/run/sizevariants.h"
 #include "pictures/cameradata.h"
 #include "pictures/picturereader.h"
 #include "tests/support/datarows.h"
