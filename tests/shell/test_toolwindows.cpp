@@ -1,9 +1,8 @@
-#include "app/context/accountcontext.h"
 #include "app/shell/toolwindows.h"
 #include "orderbrowser/window/orderlist.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
+#include "tests/support/login.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
 #include "widgets/boxes/messagebox.h"
@@ -23,13 +22,7 @@ private slots:
     void init()
     {
         MessageBox::setScripted(true);
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
-        AccountContext::eid = "3101"_s;
-        AccountContext::superId = "7001"_s;
-        AccountContext::shopId = "101"_s;
-        AccountContext::selectedShopId.clear();
-        AccountContext::shopList = {{"101"_s, "一店"_s, {}, {}}, {"102"_s, "二店"_s, {}, {}}};
+        logIn(&demo_);
         MessageBox::takeShown();
         ToolWindows::create(QVector<Tool>(allTools()) << orderBrowser())->open("订单列表"_s);
         browser_ = opened();

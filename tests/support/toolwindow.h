@@ -1,8 +1,7 @@
 #pragma once
 
-#include "app/context/accountcontext.h"
 #include "tasks/background.h"
-#include "tests/support/democlient.h"
+#include "tests/support/login.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
 #include "widgets/boxes/messagebox.h"
@@ -35,18 +34,10 @@
 template <typename Window, int numberColumn> class ToolWindowTest : public QObject
 {
 protected:
-    /// A studio as at the start, and its account logged in.
     void logIn()
     {
         MessageBox::setScripted(true);
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
-        AccountContext::eid = "3101"_s;
-        AccountContext::superId = "7001"_s;
-        AccountContext::shopId = "101"_s;
-        AccountContext::selectedShopId.clear();
-        AccountContext::shopList = {
-            {"101"_s, "一店"_s, {}, {}}, {"102"_s, "二店"_s, {}, {}}, {"103"_s, "三店"_s, {}, {}}};
+        ::logIn(&demo_);
         MessageBox::takeShown();
         boxes_.clear();
     }

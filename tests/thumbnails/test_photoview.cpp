@@ -1,6 +1,6 @@
 #include "app/context/accountcontext.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
+#include "tests/support/login.h"
 #include "tests/support/pictures.h"
 #include "tests/support/showing.h"
 #include "tests/support/text.h"
@@ -23,8 +23,7 @@ class TestPhotoView : public QObject
 private slots:
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         url_ = AccountContext::baseUrl + "/photos/8000011001.jpg"_s;
     }
 

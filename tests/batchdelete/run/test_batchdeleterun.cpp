@@ -4,8 +4,8 @@
 #include "batchdelete/run/filescanworker.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
 #include "tests/support/files.h"
+#include "tests/support/login.h"
 #include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
 
@@ -30,8 +30,7 @@ class TestBatchDeleteRun : public QObject
 private slots:
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         shown_.clear();
         ends_.clear();
         questions_.clear();

@@ -9,7 +9,7 @@
 #include "distribution/ruleeditor/separatorbutton.h"
 #include "distribution/rules/orderdetail.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
+#include "tests/support/login.h"
 #include "tests/support/text.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"
@@ -49,13 +49,7 @@ private slots:
 
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
-        AccountContext::eid = "3101"_s;
-        AccountContext::superId = "7001"_s;
-        AccountContext::shopId = "101"_s;
-        AccountContext::selectedShopId.clear();
-        AccountContext::shopList = {{"101"_s, "一店"_s, {}, {}}, {"102"_s, "二店"_s, {}, {}}};
+        logIn(&demo_);
         MessageBox::takeShown();
         panel_ = std::make_unique<NamingRulePanel>();
         editor_ = panel_->editor();

@@ -1,11 +1,10 @@
-#include "app/context/accountcontext.h"
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/run/distributionrun.h"
 #include "distribution/run/fjdataoperate.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
 #include "tests/support/files.h"
+#include "tests/support/login.h"
 #include "tests/support/patience.h"
 #include "tests/support/smalldisk.h"
 #include "tests/support/text.h"
@@ -66,8 +65,7 @@ class TestDistributionRun : public QObject
 private slots:
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         folder_ = std::make_unique<QTemporaryDir>();
         run_ = std::make_unique<DistributionRun>();
         run_->setPerform(&FJDataOperate::perform);

@@ -16,7 +16,6 @@
 #include <QDir>
 #include <QGuiApplication>
 #include <QHeaderView>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
 #include <QLineEdit>
@@ -116,36 +115,6 @@ private slots:
         QVERIFY(orders()->model()->rowCount() >= 1);
     }
 
-    void badSearchReplies_data()
-    {
-        // box: none: a toast tells
-        addColumns<QString, QJsonObject, QString>({"kind", "more", "box"});
-        newRow("refused", "refuse"_s, QJsonObject{{"message"_s, "账号已停用"_s}}, "账号已停用"_s);
-        newRow("no list", "missing-fields"_s, QJsonObject{{"fields"_s, QJsonArray{"data"_s}}},
-               "未检索到订单"_s);
-        newRow("dropped", "drop"_s, QJsonObject(), QString());
-        newRow("orders that nothing tells apart", "missing-fields"_s,
-               QJsonObject{{"fields"_s, QJsonArray{"data.id"_s, "data.order_photo_id"_s}}},
-               QString());
-    }
-
-    void badSearchReplies()
-    {
-        QFETCH(QString, kind);
-        QFETCH(QJsonObject, more);
-        QFETCH(QString, box);
-        open();
-        demo_.misbehave("order_list_type_1"_s, kind, more);
-        search(QString(), 0);
-        if (box.isEmpty())
-            QTRY_VERIFY(!Toast::currentText(window_).isEmpty());
-        else
-            EXPECT_BOXES(box);
-        search("TS10001"_s, 2);
-        search("nobody"_s, 0);
-        EXPECT_BOXES("未检索到订单"_s);
-    }
-
     void switchesTheBranch()
     {
         open();
@@ -177,20 +146,6 @@ private slots:
         chooseBranch("101"_s);
         EXPECT_BOXES("产品文件夹命名规则的修改还没有保存，切换分店后将丢失。\n确定要切换吗？"_s);
         QCOMPARE(searchBar()->selectedBranchId(), "102"_s);
-    }
-
-    void aRefusedSwitchKeepsTheBranch()
-    {
-        open();
-        const int before = orders()->model()->rowCount();
-        auto *branches = child<QComboBox>("branchBox");
-        demo_.refuse("switch_shop"_s, "没有权限"_s);
-        chooseBranch("102"_s);
-        EXPECT_BOXES("没有权限"_s);
-        QCOMPARE(branches->currentIndex(), 0);
-        QCOMPARE(orders()->model()->rowCount(), before);
-        QVERIFY(!searchBar()->isBusy());
-        QCOMPARE(AccountContext::eid, "3101"_s);
     }
 
     void aSwitchThatFailedAtOpeningCanBeTriedAgain()

@@ -1,12 +1,11 @@
-#include "app/context/accountcontext.h"
 #include "fileimport/imported/leftphotos.h"
 #include "fileimport/imported/originaldeletion.h"
 #include "fileimport/imported/originalrequests.h"
 #include "tasks/background.h"
 #include "tests/fileimport/run/registering.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
 #include "tests/support/files.h"
+#include "tests/support/login.h"
 #include "tests/support/loglines.h"
 #include "tests/support/text.h"
 
@@ -37,8 +36,7 @@ private slots:
 
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         folder_ = std::make_unique<QTemporaryDir>();
         order_ = firstOrder(folder_->path());
     }

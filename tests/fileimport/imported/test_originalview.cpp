@@ -1,9 +1,8 @@
-#include "app/context/accountcontext.h"
 #include "fileimport/imported/originalview.h"
 #include "tasks/background.h"
 #include "tests/fileimport/run/registering.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
+#include "tests/support/login.h"
 #include "tests/support/pictures.h"
 #include "tests/support/showing.h"
 #include "thumbnails/photocell.h"
@@ -26,8 +25,7 @@ private slots:
 
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         folder_ = std::make_unique<QTemporaryDir>();
         MessageBox::takeShown();
     }

@@ -3,8 +3,8 @@
 #include "platform/pathform.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
-#include "tests/support/democlient.h"
 #include "tests/support/files.h"
+#include "tests/support/login.h"
 #include "tests/support/text.h"
 
 #include <QDeadlineTimer>
@@ -29,8 +29,7 @@ class TestImportRun : public QObject
 private slots:
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         card_ = std::make_unique<QTemporaryDir>();
         run_ = std::make_unique<ImportRun>(ImportMode::Originals);
         shown_.clear();

@@ -1,10 +1,9 @@
-#include "app/context/accountcontext.h"
 #include "orderbrowser/run/folderlook.h"
 #include "orderbrowser/run/rangesearch.h"
 #include "orderbrowser/run/viewstore.h"
 #include "tasks/background.h"
-#include "tests/support/democlient.h"
 #include "tests/support/files.h"
+#include "tests/support/login.h"
 #include "tests/support/loglines.h"
 #include "tests/support/patience.h"
 #include "tests/support/text.h"
@@ -41,8 +40,7 @@ class TestRangeSearch : public QObject
 private slots:
     void init()
     {
-        demo_.reset();
-        AccountContext::uid = "9001"_s;
+        logIn(&demo_);
         run_ = std::make_unique<RangeSearch>();
         connect(run_.get(), &RangeSearch::finished, this,
                 [this](const ServiceReply &reply, const OrderListing &listing) {

@@ -1,12 +1,9 @@
 #include "look/colours.h"
-#include "photoimport/imported/photodeletion.h"
 #include "photoimport/imported/tfphotolistmodel.h"
-#include "photoimport/imported/tfthumbnailthread.h"
 #include "photoimport/orders/foundorders.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
-#include "tests/support/patience.h"
 #include "tests/support/pictures.h"
 #include "tests/support/text.h"
 
@@ -16,9 +13,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <future>
-#include <utility>
 
 namespace {
 
@@ -324,54 +318,6 @@ private slots:
         QCOMPARE(model.photo(0).file.jobs.size(), 1);
         model.show(nullptr, PhotoMode::Photos);
         QCOMPARE(model.rowCount(), 0);
-    }
-
-    void deletionsStayInTheFolder()
-    {
-        const QStringList names{"a.jpg"_s, "..\\..\\b.jpg"_s};
-        DeletionRequest request = deletionOf(order("1"_s), {}, names, PhotoMode::Photos);
-        QCOMPARE(request.paths.at(0), share + "\\all\\a.jpg"_s);
-        QCOMPARE(request.paths.at(1).count(QLatin1Char('\\')),
-                 request.paths.at(0).count(QLatin1Char('\\')));
-        request = deletionOf(order("1"_s), {}, names, PhotoMode::TrialVideos);
-        QCOMPARE(request.paths.at(0), share + "\\试拍视频\\a.jpg"_s);
-        QVERIFY(deletionOf(order("1"_s, {}, {}), {}, names, PhotoMode::Photos).paths.isEmpty());
-
-        PhotoDeletion deletion;
-        QString told;
-        connect(
-            &deletion, &PhotoDeletion::refused, this,
-            [&told](const DeletionRequest &, const ServiceReply &reply) { told = reply.message; });
-        QVERIFY(!deletion.start(request, {"elsewhere"_s, {}, {}}) && !deletion.isActive());
-        QCOMPARE(told, orderqueries::otherBranchText(request.orderName));
-    }
-
-    void theThumbnailThreadReadsWhatIsWantedLast()
-    {
-        tfthumbnailthread thread;
-        std::promise<void> readOne;
-        std::promise<void> mayGoOn;
-        connect(
-            &thread, &tfthumbnailthread::thumbnailReady, &thread,
-            [&, isFirst = true]() mutable {
-                if (!std::exchange(isFirst, false))
-                    return;
-                readOne.set_value();
-                mayGoOn.get_future().wait();
-            },
-            Qt::DirectConnection);
-        QStringList read;
-        connect(&thread, &tfthumbnailthread::thumbnailReady, this,
-                [&read](const QString &path) { read.append(path); });
-        thread.want({"a"_s, "b"_s, "c"_s}, 120);
-        readOne.get_future().wait();
-        thread.want({"c"_s}, 120); // scrolled past b meanwhile
-        mayGoOn.set_value();
-        QTRY_COMPARE(read, (QStringList{"a"_s, "c"_s}));
-        thread.stop();
-        QVERIFY(thread.wait());
-        thread.want({"d"_s}, 120);
-        QVERIFY(!thread.isRunning());
     }
 };
 

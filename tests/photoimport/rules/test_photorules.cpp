@@ -1,4 +1,3 @@
-#include "photoimport/imported/tfdellocalphotoimg.h"
 #include "photoimport/rules/photorequests.h"
 #include "photoimport/rules/photorules.h"
 #include "tests/support/datarows.h"
@@ -197,41 +196,6 @@ private slots:
             actions
                 << photorequests::deletionAction(photoModeOf(mode)).mid(int(strlen("&m=order&a=")));
         QCOMPARE(actions.join(QLatin1Char(' ')), "delimages delmv delmv delimages"_s);
-    }
-
-    void deletesAnOriginalAndItsVariants()
-    {
-        TFDelLocalPhotoImg deletion;
-        // Neither the share's name nor the order's turns the path of one order into another's.
-        for (const char *above : {"\\\\nas\\all\\90", "\\\\nas\\all\\190\\", "//nas/shots/all"}) {
-            const QString home = QString::fromLatin1(above);
-            const QString inOrder = home + (home.endsWith(QLatin1Char('\\')) ? QString() : "/"_s);
-            deletion.setDelPhotos({inOrder + "all/a.jpg"_s, inOrder + "b.mp4"_s, home,
-                                   "//nas/all/91/all/a.jpg"_s, inOrder + "../91/all/c.jpg"_s},
-                                  home);
-            QStringList expected;
-            for (const char *name : {"all\\a.jpg", "90\\a.jpg", "190\\a.jpg", "1920\\a.jpg",
-                                     "b.mp4", "b.mp4", "b.mp4", "b.mp4"})
-                expected << wireForm(inOrder) + QLatin1String(name);
-            QCOMPARE(deletion.paths(), expected);
-        }
-
-        const QTemporaryDir root;
-        const QDir order(root.path());
-        for (const char *folder : {"all", "90", "1920"})
-            writeFile(order.filePath(QLatin1String(folder) + "/a.jpg"_s));
-        for (const char *other :
-             {"all/b.jpg", "190/b.jpg", "all/protected.jpg", "90/protected.jpg"})
-            writeFile(order.filePath(QLatin1String(other)));
-        const QString readOnly = order.filePath("all/protected.jpg"_s);
-        QVERIFY(QFile::setPermissions(readOnly, QFileDevice::ReadOwner));
-
-        deletion.setDelPhotos({order.filePath("all/a.jpg"_s), readOnly}, root.path());
-        deletion.start();
-        QVERIFY(deletion.wait());
-        QVERIFY(deletion.paths().isEmpty());
-        QCOMPARE(filesBelow(root.path()).join(QLatin1Char(' ')),
-                 "190/b.jpg all/b.jpg all/protected.jpg"_s);
     }
 };
 

@@ -9,9 +9,6 @@
 #include "tests/support/pictures.h"
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
-#include "widgets/orders/orderfinder.h"
-#include "widgets/orders/ordersearchbar.h"
-#include "widgets/tables/tables.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QDir>
@@ -19,13 +16,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QScopeGuard>
-#include <QSemaphore>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QThread>
 
-#include <atomic>
 #include <memory>
 
 using Column = tforderlistmodel::Column;
@@ -399,42 +391,6 @@ private slots:
         QTRY_VERIFY(orders()->model()->rowCount() > 2);
         QVERIFY(orders()->model()->index(0, Column::NumberColumn).data() != first_);
         forgetBoxes();
-    }
-
-    void aLaterRefreshIsNotUndoneByAnEarlier()
-    {
-        if (QThread::idealThreadCount() < 2)
-            QSKIP("Lists are read one after the other here.");
-        QWidget window;
-        BranchSession branch;
-        auto *table = new EmptyStateTable(&window);
-        OrderFinder finder(
-            &window, {&branch, new OrderSearchBar(&window), table, new LoadingOverlay(table)});
-        const auto slow = std::make_shared<QSemaphore>();
-        const auto goOn = qScopeGuard([slow] { slow->release(); });
-        const auto reads = std::make_shared<std::atomic<int>>(0);
-        QVector<int> taken;
-        finder.setReader(
-            [slow, reads](const QJsonObject &, const orderqueries::SearchedBranch &) {
-                const int number = ++*reads;
-                if (number == 1)
-                    slow->acquire();
-                return orderqueries::FoundOrders<int>{true, 1, {number}, {}};
-            },
-            [&](const orderqueries::FoundOrders<int> &list, OrderFinder::Search) {
-                taken += list.orders;
-            });
-        QSignalSpy switched(&finder, &OrderFinder::branchSwitched);
-        finder.open();
-        QTRY_COMPARE(switched.size(), 1);
-        QVERIFY(finder.refresh());
-        QTRY_COMPARE(reads->load(), 1);
-        QVERIFY(finder.refresh());
-        QTRY_COMPARE(taken, QVector<int>{2});
-        slow->release();
-        QVERIFY(processorPool().waitForDone());
-        QCoreApplication::processEvents();
-        QCOMPARE(taken, QVector<int>{2});
     }
 
     void closesInMidRun()
