@@ -2,7 +2,7 @@
 #include "app/account/credentials.h"
 #include "app/context/accountcontext.h"
 #include "tests/support/datarows.h"
-#include "tests/support/login.h"
+#include "tests/support/democlient.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/boxes/messagebox.h"
@@ -25,10 +25,11 @@ class TestBatchLoginDialog : public QObject
 private slots:
     void init()
     {
-        logIn(&demo_);
+        demo_.reset();
         MessageBox::setScripted(true);
         MessageBox::takeShown();
         QFile::remove(CredentialsFile().path());
+        AccountContext::uid = "9001"_s;
         confirmed_.clear();
         showActive(&owner_);
     }

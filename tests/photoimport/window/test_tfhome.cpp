@@ -175,7 +175,8 @@ private slots:
         // Searches and branches wait as well.
         click("searchButton");
         EXPECT_BOXES("导片中..."_s);
-        // Another order joins.
+        // Another order joins, once the jobs of the first are made.
+        QTRY_VERIFY(state(first_) != "等待导片"_s);
         dropPhotos(second_, 2);
         click("startOrderButton");
         QTRY_COMPARE(state(second_), "导片完成"_s);
