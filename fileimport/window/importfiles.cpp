@@ -5,6 +5,7 @@
 #include "fileimport/rules/importrules.h"
 #include "fileimport/window/importfilepanel.h"
 #include "fileimport/window/importorderpanel.h"
+#include "fileimport/window/importrestorer.h"
 #include "fileimport/window/orderfilechooser.h"
 #include "files/pathgate.h"
 #include "widgets/boxes/messagebox.h"
@@ -41,6 +42,8 @@ ImportFiles::ImportFiles(QWidget *parent)
                               {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
     , chooser_(
           new OrderFileChooser(this, &orders_, [this](int row) { return mayChangeFiles(row); }))
+    , restorer_(std::make_unique<ImportRestorer>(
+          ImportRestorer::Place{this, &orders_, panel_, &branch_, finder_}))
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
@@ -94,7 +97,9 @@ void ImportFiles::setMode(int mode)
     mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
     chooser_->setMode(mode_);
     showPhotoView(mode_ == ImportMode::Originals);
-    run_ = std::make_unique<ImportRun>(mode_);
+    auto run = std::make_unique<ImportRun>(mode_);
+    restorer_->setRun(mode_, run.get());
+    run_ = std::move(run);
     connectRun();
 }
 
@@ -200,6 +205,7 @@ void ImportFiles::showEvent(QShowEvent *event)
         // The orders show their buttons, as far as what is on the right can spare the room.
         const int orders = qMin(panel_->widthWithActions(), width());
         qobject_cast<QSplitter *>(content())->setSizes({orders, width() - orders});
+        restorer_->open();
         reqShopInfo();
     }
 }

@@ -17,6 +17,7 @@
 
 class ImportFilePanel;
 class ImportOrderPanel;
+class ImportRestorer;
 class OrderFileChooser;
 class OrderFinder;
 class OriginalView;
@@ -110,4 +111,5 @@ private:
     OrderFinder *finder_;
     OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;
+    std::unique_ptr<ImportRestorer> restorer_; ///< last: it looks at the others to its end
 };

@@ -1,0 +1,444 @@
+#include "fileimport/window/importrestorer.h"
+
+#include "fileimport/rules/importrules.h"
+#include "fileimport/run/importrun.h"
+#include "fileimport/window/importorderpanel.h"
+#include "fileimport/window/importordertablemodel.h"
+#include "ledger/ledger.h"
+#include "net/branchsession.h"
+#include "pending/pendingdesk.h"
+#include "tasks/background.h"
+#include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/servicefailure.h"
+#include "widgets/boxes/toast.h"
+#include "widgets/orders/orderfinder.h"
+#include "widgets/windows/loadingoverlay.h"
+
+#include <algorithm>
+#include <iterator>
+
+using pendinglines::Kind;
+using pendinglines::Offer;
+using Lookup = OrderLookup<ImportOrder>;
+
+namespace {
+
+template <typename Row> QVector<Lookup::Wanted> wantedOf(const QVector<Row> &rows)
+{
+    QVector<Lookup::Wanted> wanted;
+    for (const Row &row : rows) {
+        const bool isKnown =
+            std::any_of(wanted.cbegin(), wanted.cend(), [&row](const Lookup::Wanted &each) {
+                return each.order == row.order.identity;
+            });
+        if (!isKnown)
+            wanted.append({row.order.identity, searchedNumber(row.order.number)});
+    }
+    return wanted;
+}
+
+struct Rest
+{
+    QVector<ledger::Entry> unregistered;
+    QVector<ledger::Deletion> left;
+};
+
+Rest restAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks,
+            const QVector<ledger::Desk> &deletionDesks)
+{
+    Rest rest;
+    for (const ledger::Desk &desk : desks)
+        rest.unregistered += reader.unregistered(desk);
+    for (const ledger::Desk &desk : deletionDesks) {
+        const auto open = reader.openDeletions(desk);
+        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(rest.left),
+                     [](const ledger::Deletion &file) {
+                         return file.deletedMs == 0 && LeftPhotoCleanup::isOfOriginals(file);
+                     });
+    }
+    return rest;
+}
+
+} // namespace
+
+ImportRestorer::ImportRestorer(const Place &place)
+    : QObject(place.window)
+    , place_(place)
+    , bar_(new PendingBar(place.window, place.panel->notices()))
+    , lookup_(this, &importrequests::readOrders)
+{
+    connect(bar_, &PendingBar::taken, this, &ImportRestorer::take);
+    connect(place.finder, &OrderFinder::branchSwitched, this, [this] {
+        bar_->setBranch(place_.branch->identity().shopId);
+        refresh();
+    });
+    connect(place.finder, &OrderFinder::busyChanged, this, [this](bool isBusy) {
+        if (isBusy) // what is being looked up would replace what is being searched
+            lookup_.cancel();
+    });
+    connect(&cleanup_, &LeftPhotoCleanup::finished, this, [this](const QString &text) {
+        MessageBox::information(place_.window, text);
+        refresh();
+    });
+    connectTable();
+}
+
+void ImportRestorer::connectTable()
+{
+    const ImportOrderTableModel *orders = place_.orders;
+    connect(orders, &QAbstractItemModel::modelAboutToBeReset, this, [this] {
+        if (choices_)
+            choices_->leaveTable();
+    });
+    connect(orders, &QAbstractItemModel::modelReset, this, [this] {
+        for (const ImportOrder &order : place_.orders->orders()) {
+            if (choices_ && !order.files.isEmpty())
+                choices_->noteChoice(order.identity());
+        }
+        if (choices_)
+            choices_->flush();
+        countRest();
+    });
+    connect(orders, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex &first, const QModelIndex &last) {
+                for (int row = first.row(); choices_ && row <= last.row(); ++row) {
+                    const OrderIdentity order = place_.orders->order(row).identity();
+                    if (first.column() == ImportOrderTableModel::StateColumn)
+                        choices_->noteProgress(order);
+                    else
+                        choices_->noteChoice(order);
+                }
+            });
+}
+
+void ImportRestorer::setRun(ImportMode mode, ImportRun *run)
+{
+    mode_ = mode;
+    run_ = run;
+    choices_ = std::make_unique<PendingChoices>(
+        choicerestoring::workOf(mode),
+        [this](const OrderIdentity &id) -> std::optional<PendingChoices::Choice> {
+            const auto &orders = place_.orders->orders(); // also while they are being replaced
+            const auto order =
+                std::find_if(orders.cbegin(), orders.cend(),
+                             [&id](const ImportOrder &each) { return each.identity() == id; });
+            if (order == orders.cend())
+                return std::nullopt;
+            return choicerestoring::rememberedFiles(*order);
+        });
+    connect(choices_.get(), &PendingChoices::changed, this, &ImportRestorer::countChoices);
+    connect(run, &ImportRun::orderRegistered, this, &ImportRestorer::onRegistered);
+    connect(run, &ImportRun::orderLeftUnregistered, this, &ImportRestorer::countRest);
+    connect(run, &ImportRun::tasksEnded, this, [this] { choices_->flush(); });
+}
+
+void ImportRestorer::open()
+{
+    choices_->load();
+}
+
+void ImportRestorer::flush()
+{
+    choices_->flush();
+}
+
+// What waits.
+
+void ImportRestorer::refresh()
+{
+    const QVector<ledger::Desk> deletionDesks = mode_ == ImportMode::Originals
+                                                    ? pendingDesks(ledger::Work::PhotoDeletion)
+                                                    : QVector<ledger::Desk>();
+    Ledger::current().ask(
+        this,
+        [desks = pendingDesks(choicerestoring::workOf(mode_)), deletionDesks](
+            const LedgerReader &reader) { return restAt(reader, desks, deletionDesks); },
+        asking_.only([this](const Rest &rest) {
+            unregistered_ = rest.unregistered;
+            left_ = rest.left;
+            countRest();
+        }));
+}
+
+void ImportRestorer::countChoices()
+{
+    QVector<pendinglines::Count> counts;
+    const QStringList branches = choices_->branches();
+    for (const QString &branch : branches) {
+        pendinglines::Count count{Kind::Choices, branch, 0, 0};
+        const auto waiting = choices_->waiting(branch);
+        for (const PendingChoices::Choice &choice : waiting) {
+            ++count.orders;
+            count.files += choice.files.size();
+        }
+        counts.append(count);
+    }
+    bar_->setCounts(Kind::Choices, counts);
+}
+
+void ImportRestorer::countRest()
+{
+    for (const Kind kind : {Kind::Unregistered, Kind::PartlyCopied, Kind::LeftPhotos})
+        bar_->setCounts(kind, countsOf(kind));
+}
+
+/// The order's row says it itself while it has one.
+bool ImportRestorer::isOffered(const ledger::Entry &entry) const
+{
+    const OrderIdentity &order = entry.order.identity;
+    const int row = place_.orders->rowOf(order);
+    return !run_->isAtWork(order) && (row < 0 || !place_.orders->order(row).unregistered);
+}
+
+QVector<pendinglines::Count> ImportRestorer::countsOf(Kind kind) const
+{
+    QVector<pendinglines::Count> counts;
+    for (const ShopRecord &shop : qAsConst(AccountContext::shopList)) {
+        pendinglines::Count count{kind, shop.id, 0, 0};
+        if (kind == Kind::LeftPhotos) {
+            count.files = leftIn(shop.id).size();
+        } else {
+            QHash<OrderIdentity, bool> isPartly;
+            const auto entries = unregisteredIn(shop.id);
+            for (const ledger::Entry &entry : entries)
+                isPartly[entry.order.identity] |= entry.finished + entry.failed < entry.chosen;
+            count.orders =
+                int(std::count(isPartly.cbegin(), isPartly.cend(), kind == Kind::PartlyCopied));
+        }
+        counts.append(count);
+    }
+    return counts;
+}
+
+QVector<ledger::Entry> ImportRestorer::unregisteredIn(const QString &branch) const
+{
+    QVector<ledger::Entry> entries;
+    std::copy_if(unregistered_.cbegin(), unregistered_.cend(), std::back_inserter(entries),
+                 [this, &branch](const ledger::Entry &entry) {
+                     return entry.order.identity.branch == branch && isOffered(entry);
+                 });
+    return entries;
+}
+
+QVector<ledger::Deletion> ImportRestorer::leftIn(const QString &branch) const
+{
+    QVector<ledger::Deletion> files;
+    std::copy_if(
+        left_.cbegin(), left_.cend(), std::back_inserter(files),
+        [&branch](const ledger::Deletion &file) { return file.order.identity.branch == branch; });
+    return files;
+}
+
+// The ways out.
+
+void ImportRestorer::take(Kind kind, Offer offer, const QString &branch)
+{
+    switch (offer) {
+    case Offer::Show:
+        showChoices();
+        break;
+    case Offer::Forget:
+        choices_->forget(branch);
+        break;
+    case Offer::RegisterAgain:
+        registerAgain();
+        break;
+    case Offer::Ignore:
+        ignoreUnregistered(branch);
+        break;
+    case Offer::DeleteFiles:
+        deleteLeft();
+        break;
+    case Offer::KeepFiles:
+        keepLeft(branch);
+        break;
+    case Offer::SwitchBranch:
+        place_.finder->chooseBranch(branch);
+        break;
+    case Offer::Report:
+        Q_UNREACHABLE(); // of another tool
+    }
+    Q_UNUSED(kind)
+}
+
+bool ImportRestorer::mayReplaceTable()
+{
+    if (run_->isBusy())
+        MessageBox::warning(place_.window, QStringLiteral("导片中..."));
+    return !run_->isBusy() && !lookup_.isActive();
+}
+
+void ImportRestorer::showChoices()
+{
+    if (!mayReplaceTable())
+        return;
+    choices_->flush();
+    place_.finder->cancel();
+    place_.panel->overlay()->showText(QStringLiteral("正在查询订单..."));
+    lookup_.start(wantedOf(choices_->all(place_.branch->identity().shopId)),
+                  place_.branch->identity(), place_.branch->publicPath(),
+                  [this](const Lookup::Answer &answer) { putBack(answer); });
+}
+
+void ImportRestorer::putBack(const Lookup::Answer &answer)
+{
+    tellMissing(answer);
+    const auto choices = choices_->all(place_.branch->identity().shopId);
+    QStringList folders;
+    for (const ImportOrder &order : answer.orders)
+        folders.append(importrules::importPathOf(order));
+    if (answer.orders.isEmpty()) {
+        place_.panel->overlay()->hideOverlay();
+        return;
+    }
+    onDisk(
+        this, folders,
+        [mode = mode_, orders = answer.orders, choices] {
+            return choicerestoring::restore(mode, orders, choices);
+        },
+        restoring_.only(
+            [this](const choicerestoring::Restored &restored) { listRestored(restored); }));
+}
+
+void ImportRestorer::listRestored(const choicerestoring::Restored &restored)
+{
+    place_.panel->overlay()->hideOverlay();
+    if (!restored.problems.isEmpty())
+        MessageBox::warning(
+            place_.window,
+            BoxText(QStringLiteral("以下订单的文件没有恢复，仍会保留："), restored.problems));
+    if (!mayReplaceTable())
+        return;
+    QVector<ImportOrder> orders = restored.orders;
+    run_->keepMarks(&orders);
+    place_.panel->keepPlaceWhile([&] { place_.orders->setOrders(orders); });
+}
+
+void ImportRestorer::tellMissing(const Lookup::Answer &answer)
+{
+    if (answer.reply.outcome == ServiceReply::Outcome::NoAnswer) {
+        MessageBox::warning(place_.window, QStringLiteral("订单查询失败，请检查网络后重试。"));
+    } else if (!answer.reply.isSuccess()) {
+        showServiceFailure(place_.window, answer.reply, answer.reply.message);
+    } else if (!answer.missing.isEmpty()) {
+        QStringList numbers;
+        for (const Lookup::Wanted &each : answer.missing)
+            numbers.append(each.number);
+        MessageBox::warning(place_.window,
+                            BoxText(QStringLiteral("服务端没有找到以下订单，仍会保留："), numbers));
+    }
+}
+
+void ImportRestorer::registerAgain()
+{
+    if (lookup_.isActive())
+        return;
+    lookup_.start(wantedOf(unregisteredIn(place_.branch->identity().shopId)),
+                  place_.branch->identity(), place_.branch->publicPath(),
+                  [this](const Lookup::Answer &answer) { onFoundAgain(answer); });
+}
+
+void ImportRestorer::onFoundAgain(const Lookup::Answer &answer)
+{
+    tellMissing(answer);
+    QVector<ledger::EntryId> entries;
+    for (const ImportOrder &order : answer.orders) {
+        const auto entry = std::find_if(unregistered_.cbegin(), unregistered_.cend(),
+                                        [&order](const ledger::Entry &each) {
+                                            return each.order.identity == order.identity();
+                                        });
+        entries.append(entry == unregistered_.cend() ? 0 : entry->id);
+    }
+    Ledger::current().ask(
+        this,
+        [entries](const LedgerReader &reader) {
+            QStringList targets;
+            for (const ledger::EntryId entry : entries) {
+                const auto copies = reader.copiesOfEntry(entry, 0, 1);
+                targets.append(copies.isEmpty() ? QString() : copies.constFirst().target);
+            }
+            return targets;
+        },
+        [this, orders = answer.orders](const QStringList &targets) {
+            registerIn(orders, targets);
+        });
+}
+
+void ImportRestorer::registerIn(const QVector<ImportOrder> &orders, const QStringList &targets)
+{
+    for (int index = 0; index < orders.size(); ++index) {
+        ImportOrder order = orders.at(index);
+        const QString refusal = run_->refusalOf({order});
+        if (!refusal.isEmpty()) {
+            MessageBox::warning(place_.window, refusal);
+            continue;
+        }
+        if (!choicerestoring::isInFolder(order, targets.at(index))) {
+            MessageBox::warning(
+                place_.window,
+                QStringLiteral("订单 %1 的导片路径已变化，没有登记。\n照片复制到了：%2")
+                    .arg(order.displayName(), targets.at(index)));
+            continue;
+        }
+        order.importPath = importrules::importPathOf(order);
+        const int row = place_.orders->rowOf(order.identity());
+        if (row >= 0) {
+            order.files = place_.orders->order(row).files;
+            order.everChosen = place_.orders->order(row).everChosen;
+        }
+        run_->registerAgain(order, place_.branch->identity());
+    }
+    countRest();
+}
+
+/// Whichever run copied them: what the service lists now is registered.
+void ImportRestorer::onRegistered(const OrderIdentity &order, const RegistrationResult &result)
+{
+    const QStringList listed = result.reply.serverImages + result.reply.serverRawImages;
+    const bool wasOffered =
+        std::any_of(unregistered_.cbegin(), unregistered_.cend(),
+                    [&order](const ledger::Entry &entry) { return entry.order.identity == order; });
+    if (!wasOffered)
+        return;
+    Ledger::current().ask(
+        this,
+        [order, listed, work = choicerestoring::workOf(mode_)](const LedgerReader &reader) {
+            QVector<ledger::CopyId> awaited;
+            const auto copies = reader.copiesOfOrder(order, {work});
+            for (const ledger::Copy &copy : copies) {
+                const QString name = copy.target.section(QLatin1Char('\\'), -1);
+                if (copy.registration == ledger::Registration::Awaited && listed.contains(name))
+                    awaited.append(copy.id);
+            }
+            return awaited;
+        },
+        [this](const QVector<ledger::CopyId> &awaited) {
+            Ledger::current().registerCopies(awaited);
+            Toast::show(place_.window, QStringLiteral("已重新登记"));
+            refresh();
+        });
+}
+
+void ImportRestorer::ignoreUnregistered(const QString &branch)
+{
+    const auto entries = unregisteredIn(branch);
+    for (const ledger::Entry &entry : entries)
+        Ledger::current().dismissUnregistered(entry.run.desk, entry.order.identity);
+    refresh();
+}
+
+void ImportRestorer::deleteLeft()
+{
+    cleanup_.start(leftIn(place_.branch->identity().shopId), place_.branch->identity(),
+                   place_.branch->publicPath());
+}
+
+void ImportRestorer::keepLeft(const QString &branch)
+{
+    QVector<ledger::DeletionId> kept;
+    const auto files = leftIn(branch);
+    for (const ledger::Deletion &file : files)
+        kept.append(file.id);
+    Ledger::current().dismissDeletions(kept);
+    refresh();
+}

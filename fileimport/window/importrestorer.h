@@ -1,0 +1,86 @@
+#pragma once
+
+#include "fileimport/imported/leftphotocleanup.h"
+#include "fileimport/rules/importrequests.h"
+#include "fileimport/run/choicerestoring.h"
+#include "fileimport/run/orderregistration.h"
+#include "net/orderlookup.h"
+#include "pending/pendingbar.h"
+#include "pending/pendingchoices.h"
+#include "tasks/latest.h"
+
+#include <QObject>
+#include <QVector>
+
+#include <memory>
+
+class BranchSession;
+class ImportOrderPanel;
+class ImportOrderTableModel;
+class ImportRun;
+class OrderFinder;
+
+/// Nothing that was chosen in the import window is forgotten: remembers it beyond searches and
+/// windows, and offers in the bar below the table what was not done to its end. Nothing starts by
+/// itself. Wires; what it does is PendingChoices', LeftPhotoCleanup's and the run's. Interface
+/// thread.
+class ImportRestorer : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All of it the window's, which owns this.
+    struct Place
+    {
+        QWidget *window;
+        ImportOrderTableModel *orders;
+        ImportOrderPanel *panel;
+        const BranchSession *branch;
+        OrderFinder *finder;
+    };
+
+    explicit ImportRestorer(const Place &place);
+
+    /// Before open(). \a run outlives this or is replaced by a later call.
+    void setRun(ImportMode mode, ImportRun *run);
+    /// Asks what earlier windows left.
+    void open();
+    /// Writes what is not in the ledger yet.
+    void flush();
+
+private:
+    void connectTable();
+    void take(pendinglines::Kind kind, pendinglines::Offer offer, const QString &branch);
+    void refresh();
+    void countChoices();
+    void countRest();
+    QVector<pendinglines::Count> countsOf(pendinglines::Kind kind) const;
+    bool isOffered(const ledger::Entry &entry) const;
+
+    bool mayReplaceTable();
+    void showChoices();
+    void putBack(const OrderLookup<ImportOrder>::Answer &answer);
+    void listRestored(const choicerestoring::Restored &restored);
+    void registerAgain();
+    void onFoundAgain(const OrderLookup<ImportOrder>::Answer &answer);
+    void registerIn(const QVector<ImportOrder> &orders, const QStringList &targets);
+    void onRegistered(const OrderIdentity &order, const RegistrationResult &result);
+    void ignoreUnregistered(const QString &branch);
+    void deleteLeft();
+    void keepLeft(const QString &branch);
+    void tellMissing(const OrderLookup<ImportOrder>::Answer &answer);
+    QVector<ledger::Entry> unregisteredIn(const QString &branch) const;
+    QVector<ledger::Deletion> leftIn(const QString &branch) const;
+
+    Place place_;
+    ImportMode mode_ = ImportMode::Originals;
+    ImportRun *run_ = nullptr;
+    std::unique_ptr<PendingChoices> choices_;
+    PendingBar *bar_;
+    OrderLookup<ImportOrder> lookup_;
+    LeftPhotoCleanup cleanup_;
+    Latest asking_;
+    Latest restoring_;
+    QVector<ledger::Entry> unregistered_;
+    QVector<ledger::Deletion> left_;
+};
