@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QThread>
 #include <QUuid>
 
 namespace {
@@ -60,7 +61,7 @@ LedgerDatabase::State LedgerDatabase::open()
         return refused();
     }
     QDir().mkpath(folder_);
-    if (connect(false) && prepareFile())
+    if (openForWriting())
         return state_;
     if (problem_ == Problem::Damaged)
         return beginAnew();
@@ -73,6 +74,28 @@ LedgerDatabase::State LedgerDatabase::open()
     return refused();
 }
 
+/// Another program may be beginning the file at this moment.
+bool LedgerDatabase::openForWriting()
+{
+    constexpr int attempts = 10;
+    constexpr unsigned long pauseMs = 200;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        if (connect(false) && prepareFile())
+            return true;
+        if (problem_ != Problem::Busy)
+            return false;
+        close();
+        QThread::msleep(pauseMs);
+    }
+    return false;
+}
+
+bool LedgerDatabase::isWhole()
+{
+    const QVariant verdict = value(QStringLiteral("PRAGMA quick_check(1)"));
+    return verdict.toString() == QLatin1String("ok") || problem_ == Problem::Busy;
+}
+
 LedgerDatabase::State LedgerDatabase::refused()
 {
     close();
@@ -83,7 +106,9 @@ LedgerDatabase::State LedgerDatabase::refused()
 LedgerDatabase::State LedgerDatabase::beginAnew()
 {
     close();
-    if (!moveAside() || !connect(false) || !prepareFile())
+    // An id of a row that was is not to name another one.
+    firstId_ = QDateTime::currentSecsSinceEpoch();
+    if (!moveAside() || !openForWriting())
         return refused();
     return state_;
 }
@@ -107,14 +132,18 @@ bool LedgerDatabase::connect(bool readOnly)
 /// Looks at what the file is, and makes of it what this program writes.
 bool LedgerDatabase::prepareFile()
 {
+    // Both as they are at one moment: another program may be beginning the file.
+    if (!run(QStringLiteral("BEGIN")))
+        return false;
     const QVariant mark = value(QStringLiteral("PRAGMA application_id"));
     const QVariant number = value(QStringLiteral("PRAGMA user_version"));
-    if (!mark.isValid() || !number.isValid())
+    if (!commit() || !mark.isValid() || !number.isValid())
         return false;
     const int id = mark.toInt();
     const int found = number.toInt();
     if ((id != 0 && id != ledgerschema::applicationId) || (id == 0 && found != 0)) {
         problem_ = Problem::Damaged;
+        problemText_ = QStringLiteral("no ledger");
         return false;
     }
     statements_.clear();
@@ -154,7 +183,7 @@ bool LedgerDatabase::migrate(int from)
         for (const QString &statement : ledgerschema::steps().at(at))
             isDone = isDone && run(statement);
     }
-    isDone = isDone &&
+    isDone = isDone && beginIds() &&
              run(QStringLiteral("PRAGMA application_id = %1").arg(ledgerschema::applicationId)) &&
              run(QStringLiteral("PRAGMA user_version = %1").arg(ledgerschema::version())) &&
              commit();
@@ -164,12 +193,24 @@ bool LedgerDatabase::migrate(int from)
     return isDone;
 }
 
+bool LedgerDatabase::beginIds()
+{
+    if (firstId_ == 0)
+        return true;
+    bool isDone = true;
+    for (const char *table : {"run", "entry", "copy", "deletion"}) {
+        isDone =
+            isDone && run(QStringLiteral("INSERT INTO sqlite_sequence(name, seq) VALUES(?, ?)"),
+                          {QLatin1String(table), firstId_});
+    }
+    return isDone;
+}
+
 /// The lock comes before the row, so that a session that has a row and no lock is over.
 bool LedgerDatabase::joinSession()
 {
-    const QString lock = QStringLiteral("session-%1-%2.lock")
-                             .arg(QCoreApplication::applicationPid())
-                             .arg(QDateTime::currentMSecsSinceEpoch());
+    const QString lock =
+        QStringLiteral("session-%1.lock").arg(QUuid::createUuid().toString(QUuid::WithoutBraces));
     lock_ = std::make_unique<QLockFile>(folder_ + QLatin1Char('/') + lock);
     lock_->setStaleLockTime(0);
     if (!lock_->tryLock(0)) {
@@ -204,6 +245,7 @@ void LedgerDatabase::endLostSessions()
         lock.setStaleLockTime(0);
         if (!lock.tryLock(0))
             continue;
+        wasBrokenOff_ = true;
         run(QStringLiteral("UPDATE run SET session = NULL WHERE session = ?"), {id});
         run(QStringLiteral("DELETE FROM session WHERE id = ?"), {id});
     }

@@ -43,6 +43,11 @@ public:
     /// Moves the damaged file aside and begins a new one.
     State beginAnew();
 
+    /// Reads all of it, which may take seconds.
+    bool isWhole();
+    /// Whether a program that had it open never said that it ended.
+    bool wasBrokenOff() const { return wasBrokenOff_; }
+
     State state() const { return state_; }
     const QSqlDatabase &connection() const { return connection_; }
     /// Row of this program's session; 0 when nothing can be written.
@@ -69,8 +74,10 @@ public:
 private:
     QString path() const;
     bool connect(bool readOnly);
+    bool openForWriting();
     bool prepareFile();
     bool migrate(int from);
+    bool beginIds();
     bool joinSession();
     void leaveSession();
     void endLostSessions();
@@ -89,6 +96,8 @@ private:
     std::unique_ptr<QLockFile> lock_;
     qint64 session_ = 0;
     qint64 lastId_ = 0;
+    qint64 firstId_ = 0; ///< where the ids of a new file begin
+    bool wasBrokenOff_ = false;
     QStringList notices_;
     QStringList told_;
 };

@@ -9,11 +9,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace {
 
 /// What is kept for a disk that does not take it; after that it is not worth the memory.
 constexpr std::size_t mostUnwritten = 200000;
+constexpr int retryMs = 2000;
 
 } // namespace
 
@@ -68,26 +70,37 @@ QStringList LedgerKeeper::takeNotices()
 void LedgerKeeper::run()
 {
     database_.open();
-    tidiedBeforeMs_ = QDateTime::currentMSecsSinceEpoch() - qint64(Ledger::daysKept) * 86400000;
+    if (database_.state() == LedgerDatabase::State::Open) {
+        isToBeLookedAt_ = database_.wasBrokenOff();
+        // Neither a clock that is ahead now nor one that was ahead makes rows old.
+        const QVariant newest = database_.value(QStringLiteral("SELECT max(begun) FROM entry"));
+        tidiedBeforeMs_ = std::min(QDateTime::currentMSecsSinceEpoch(), newest.toLongLong()) -
+                          qint64(Ledger::daysKept) * 86400000;
+    }
     tellOwner();
     std::deque<Item> items;
     while (take(items)) {
-        if (items.empty())
-            tidy();
         carryOut(std::exchange(items, {}));
+        if (mayTidy() && nextTidying_.hasExpired()) {
+            tidy();
+            nextTidying_.setRemainingTime(gatherMs);
+        }
         tellOwner();
     }
     database_.close();
 }
 
-/// Waits until there is something to do. Nothing in \a items means that there is time to tidy.
-/// False at the end.
+bool LedgerKeeper::mayTidy() const
+{
+    return tidiedBeforeMs_ > 0 && database_.state() == LedgerDatabase::State::Open;
+}
+
+/// Waits until there is something to do, or time to tidy. False at the end.
 bool LedgerKeeper::take(std::deque<Item> &items)
 {
     std::unique_lock<std::mutex> lock(mutex_);
-    const bool mayTidy = tidiedBeforeMs_ != 0 && database_.state() == LedgerDatabase::State::Open;
     const auto isThere = [this] { return !waiting_.empty() || isEnding_; };
-    if (!mayTidy)
+    if (!mayTidy())
         came_.wait(lock, isThere);
     else if (!came_.wait_for(lock, std::chrono::milliseconds(gatherMs), isThere))
         return true;
@@ -108,6 +121,7 @@ void LedgerKeeper::carryOut(std::deque<Item> items)
             continue;
         }
         const bool isWritten = write();
+        tellOwner();
         if (item.waiter)
             item.waiter(isWritten);
         if (item.question) {
@@ -121,28 +135,31 @@ void LedgerKeeper::carryOut(std::deque<Item> items)
 /// All that was to be written, in one transaction. What is tried again goes before what comes.
 bool LedgerKeeper::write()
 {
-    if (database_.state() != LedgerDatabase::State::Open)
+    const bool isOpen = database_.state() == LedgerDatabase::State::Open;
+    if (!isOpen)
         unwritten_.clear();
     if (unwritten_.empty())
-        return database_.state() == LedgerDatabase::State::Open;
-    if (writeOnce())
-        return true;
-    if (database_.problem() == LedgerDatabase::Problem::Damaged &&
-        database_.beginAnew() == LedgerDatabase::State::Open) {
-        writer_.forgetRows();
-        if (writeOnce())
-            return true;
+        return isOpen;
+    if (!notBefore_.hasExpired())
+        return false;
+    while (!unwritten_.empty() && !writeOnce()) {
+        if (!mend()) {
+            notBefore_.setRemainingTime(retryMs);
+            return false;
+        }
     }
-    giveUp();
-    return false;
+    return true;
 }
 
 bool LedgerKeeper::writeOnce()
 {
-    if (!database_.begin())
-        return false;
-    const bool isDone = std::all_of(unwritten_.cbegin(), unwritten_.cend(),
-                                    [this](const Write &write) { return write(writer_); });
+    refused_ = unwritten_.size();
+    bool isDone = database_.begin();
+    for (std::size_t number = 0; isDone && number < unwritten_.size(); ++number) {
+        isDone = unwritten_[number](writer_);
+        if (!isDone)
+            refused_ = number;
+    }
     if (isDone && database_.commit()) {
         unwritten_.clear();
         return true;
@@ -152,23 +169,48 @@ bool LedgerKeeper::writeOnce()
     return false;
 }
 
-/// For now, or for ever where trying again would not mend it.
-void LedgerKeeper::giveUp()
+/// Does something about what stood in the way of writing; false when only time can.
+bool LedgerKeeper::mend()
 {
     using Problem = LedgerDatabase::Problem;
-    if (database_.problem() == Problem::Full) {
-        database_.addNotice(QStringLiteral("导入记录暂时无法写入（%1），导入不受影响")
-                                .arg(database_.problemText()));
-    } else if (database_.problem() != Problem::Busy) {
-        qCWarning(lcTessavo) << "ledger: dropped" << unwritten_.size() << "changes";
-        unwritten_.clear();
-    }
     if (unwritten_.size() > mostUnwritten)
         unwritten_.clear();
+    switch (database_.problem()) {
+    case Problem::Damaged:
+        beginAnew();
+        return database_.state() == LedgerDatabase::State::Open;
+    case Problem::Full:
+        database_.addNotice(QStringLiteral("导入记录暂时无法写入（%1），导入不受影响")
+                                .arg(database_.problemText()));
+        return false;
+    case Problem::Busy:
+        return false;
+    case Problem::None:
+    case Problem::Other:
+        break;
+    }
+    // One change is not to hold up all others.
+    if (refused_ < unwritten_.size())
+        unwritten_.erase(unwritten_.begin() + std::ptrdiff_t(refused_));
+    else
+        unwritten_.clear();
+    return true;
 }
 
+void LedgerKeeper::beginAnew()
+{
+    database_.beginAnew();
+    writer_ = LedgerWriter(&database_);
+}
+
+/// One short step at a time, between what is asked for.
 void LedgerKeeper::tidy()
 {
+    if (std::exchange(isToBeLookedAt_, false)) {
+        if (!database_.isWhole())
+            beginAnew();
+        return;
+    }
     bool isMore = false;
     const bool isDone =
         database_.begin() && writer_.removeOldest(tidiedBeforeMs_, &isMore) && database_.commit();

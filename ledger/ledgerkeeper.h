@@ -4,6 +4,7 @@
 #include "ledger/ledgerreader.h"
 #include "ledger/ledgerwriter.h"
 
+#include <QDeadlineTimer>
 #include <QStringList>
 #include <QThread>
 
@@ -57,8 +58,10 @@ private:
     void carryOut(std::deque<Item> items);
     bool write();
     bool writeOnce();
-    void giveUp();
+    bool mend();
+    bool mayTidy() const;
     void tidy();
+    void beginAnew();
     void tellOwner();
 
     const QString folder_;
@@ -73,7 +76,11 @@ private:
 
     // The thread's own.
     std::deque<Write> unwritten_;
-    qint64 tidiedBeforeMs_ = 0; ///< what is older goes; 0 when there is no more of it
+    std::size_t refused_ = 0;     ///< of those, the one that the database refused
+    QDeadlineTimer notBefore_;    ///< what could not be written is not tried again
+    bool isToBeLookedAt_ = false; ///< a program that had it open was broken off
+    qint64 tidiedBeforeMs_ = 0;   ///< what is older goes; 0 when there is no more of it
+    QDeadlineTimer nextTidying_;
     LedgerDatabase database_;
     LedgerWriter writer_;
 };
