@@ -19,23 +19,28 @@ int rowHeight()
     return PhotoCell::cellSize().height() + theme::spacing();
 }
 
-QPoint cellPosition(int index)
+QPoint cellPosition(int index, int inRow)
 {
-    return {index % columns * columnWidth(), index / columns * rowHeight()};
+    return {index % inRow * columnWidth(), index / inRow * rowHeight()};
 }
 
-QSize contentSize(int cells)
+int fittingColumns(int width)
 {
-    const int rows = (cells + columns - 1) / columns;
-    return {columns * columnWidth() - theme::spacing(),
+    return qMax(1, (width + theme::spacing()) / columnWidth());
+}
+
+QSize contentSize(int cells, int inRow)
+{
+    const int rows = (cells + inRow - 1) / inRow;
+    return {inRow * columnWidth() - theme::spacing(),
             qMax(0, rows * rowHeight() - theme::spacing())};
 }
 
-int keyTarget(int key, int current, int count, int rowsPerPage)
+int keyTarget(int key, int current, int count, int rowsPerPage, int inRow)
 {
     if (count == 0)
         return -1;
-    const int page = rowsPerPage * columns;
+    const int page = rowsPerPage * inRow;
     const auto bounded = [count](int index) { return qBound(0, index, count - 1); };
     switch (key) {
     case Qt::Key_Left:
@@ -43,9 +48,9 @@ int keyTarget(int key, int current, int count, int rowsPerPage)
     case Qt::Key_Right:
         return bounded(current + 1);
     case Qt::Key_Up:
-        return current < columns ? current : current - columns;
+        return current < inRow ? current : current - inRow;
     case Qt::Key_Down:
-        return current + columns < count ? current + columns : current;
+        return current + inRow < count ? current + inRow : current;
     case Qt::Key_PageUp:
         return bounded(current - page);
     case Qt::Key_PageDown:

@@ -2,7 +2,6 @@
 
 #include "look/colours.h"
 #include "thumbnails/photocell.h"
-#include "thumbnails/photogrid.h"
 #include "widgets/theme/theme.h"
 
 #include <QDebug>
@@ -15,7 +14,6 @@
 
 namespace {
 
-using photogrid::columns;
 using photogrid::rowHeight;
 
 constexpr int batchSize = 8;
@@ -58,6 +56,13 @@ ThumbnailTableView::~ThumbnailTableView()
 {
     stop();
     thread_.wait();
+}
+
+void ThumbnailTableView::setReadOnly()
+{
+    readOnly_ = true;
+    setMinimumWidth(photogrid::contentSize(0, 1).width() + theme::scrollBarWidth());
+    fitColumns();
 }
 
 void ThumbnailTableView::startWorker()
@@ -110,7 +115,7 @@ void ThumbnailTableView::setEntries(const QVector<PhotoEntry> &entries)
     if (shown < 0)
         verticalScrollBar()->setValue(0);
     else if (top > 0)
-        verticalScrollBar()->setValue(top + (positions.at(shown) / columns - shown / columns) *
+        verticalScrollBar()->setValue(top + (positions.at(shown) / columns_ - shown / columns_) *
                                                 rowHeight());
     placeContent();
     viewport()->update();
@@ -176,8 +181,9 @@ int ThumbnailTableView::nextToMake()
 void ThumbnailTableView::makeCell(int index)
 {
     auto *cell = new PhotoCell(entries_.at(index), index, content_);
-    cell->move(photogrid::cellPosition(index));
+    cell->move(photogrid::cellPosition(index, columns_));
     cell->selectButton()->setChecked(selected_.contains(index));
+    cell->selectButton()->setHidden(readOnly_);
     cell->setCurrent(index == current_ && hasFocus());
     connect(cell->selectButton(), &QAbstractButton::toggled, this,
             &ThumbnailTableView::onPhotoSelectionChanged);
@@ -238,9 +244,9 @@ void ThumbnailTableView::releaseFarPictures()
     if (pictured_.size() <= limits_.picturesHeld)
         return;
     const int middle = (verticalScrollBar()->value() + viewport()->height() / 2) / rowHeight();
-    const int reach = qMax(limits_.picturesHeld / columns / 3, 2 * rowsPerPage());
+    const int reach = qMax(limits_.picturesHeld / columns_ / 3, 2 * rowsPerPage());
     for (auto index = pictured_.begin(); index != pictured_.end();) {
-        if (qAbs(*index / columns - middle) <= reach) {
+        if (qAbs(*index / columns_ - middle) <= reach) {
             ++index;
             continue;
         }
@@ -264,9 +270,9 @@ ThumbnailTableView::Range ThumbnailTableView::onScreen() const
     const int top = verticalScrollBar()->value();
     const int bottom = top + viewport()->height();
     // Between two rows there is nothing of the upper one to see.
-    const int first = (top + theme::spacing()) / rowHeight() * columns;
+    const int first = (top + theme::spacing()) / rowHeight() * columns_;
     return {qMin(first, entries_.size()),
-            qMin((bottom / rowHeight() + 1) * columns, entries_.size())};
+            qMin((bottom / rowHeight() + 1) * columns_, entries_.size())};
 }
 
 bool ThumbnailTableView::isOnScreen(int index) const
@@ -275,9 +281,21 @@ bool ThumbnailTableView::isOnScreen(int index) const
     return index >= seen.first && index < seen.end;
 }
 
+void ThumbnailTableView::fitColumns()
+{
+    const int fitting = photogrid::fittingColumns(viewport()->width());
+    if (!readOnly_ || fitting == columns_)
+        return;
+    columns_ = fitting;
+    for (PhotoCell *cell : qAsConst(cells_)) {
+        if (cell)
+            cell->move(photogrid::cellPosition(cell->index(), columns_));
+    }
+}
+
 void ThumbnailTableView::updateScrollBars()
 {
-    const QSize content = photogrid::contentSize(entries_.size());
+    const QSize content = photogrid::contentSize(entries_.size(), columns_);
     const QSize view = viewport()->size();
     verticalScrollBar()->setRange(0, qMax(0, content.height() - view.height()));
     verticalScrollBar()->setPageStep(view.height());
@@ -288,7 +306,7 @@ void ThumbnailTableView::updateScrollBars()
 
 void ThumbnailTableView::placeContent()
 {
-    const QSize content = photogrid::contentSize(entries_.size());
+    const QSize content = photogrid::contentSize(entries_.size(), columns_);
     const int margin = qMax(0, (viewport()->width() - content.width()) / 2);
     content_->setGeometry(QRect(
         QPoint(margin - horizontalScrollBar()->value(), -verticalScrollBar()->value()), content));
@@ -314,6 +332,7 @@ void ThumbnailTableView::onScrollValueChanged(int)
 void ThumbnailTableView::resizeEvent(QResizeEvent *event)
 {
     QAbstractScrollArea::resizeEvent(event);
+    fitColumns();
     updateScrollBars();
     placeContent();
     visibilityTimer_.start();
@@ -438,6 +457,8 @@ bool ThumbnailTableView::eventFilter(QObject *watched, QEvent *event)
     if (!cell->rect().contains(point) || cell->parentWidget() != content_)
         return true;
     setCurrent(cell->index());
+    if (readOnly_)
+        return true;
     if (mouse->modifiers() & Qt::ShiftModifier) {
         selectRange(anchor_, cell->index());
     } else {
@@ -476,7 +497,7 @@ void ThumbnailTableView::moveTo(int index, bool selecting)
         selectRange(anchor_, current_);
     else
         anchor_ = current_;
-    const int top = photogrid::cellPosition(current_).y();
+    const int top = photogrid::cellPosition(current_, columns_).y();
     const int lowest = top + PhotoCell::cellSize().height() - viewport()->height();
     QScrollBar *bar = verticalScrollBar();
     bar->setValue(qMin(top, qMax(lowest, bar->value())));
@@ -484,13 +505,14 @@ void ThumbnailTableView::moveTo(int index, bool selecting)
 
 void ThumbnailTableView::keyPressEvent(QKeyEvent *event)
 {
-    const int target = photogrid::keyTarget(event->key(), current_, count(), rowsPerPage());
-    if (event->matches(QKeySequence::SelectAll))
+    const int target =
+        photogrid::keyTarget(event->key(), current_, count(), rowsPerPage(), columns_);
+    if (event->matches(QKeySequence::SelectAll) && !readOnly_)
         selectAll();
-    else if (event->key() == Qt::Key_Space)
+    else if (event->key() == Qt::Key_Space && !readOnly_)
         checkButton(current_, !selected_.contains(current_));
     else if (target >= 0)
-        moveTo(target, event->modifiers() & Qt::ShiftModifier);
+        moveTo(target, !readOnly_ && event->modifiers() & Qt::ShiftModifier);
     else
         QAbstractScrollArea::keyPressEvent(event);
 }

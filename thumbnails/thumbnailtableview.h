@@ -1,6 +1,7 @@
 #pragma once
 
 #include "thumbnails/photoentry.h"
+#include "thumbnails/photogrid.h"
 #include "thumbnails/retiredwidgets.h"
 #include "thumbnails/thumbnailloadworker.h"
 
@@ -12,10 +13,10 @@
 
 class PhotoCell;
 
-/// The scrolling grid of an order's photos, five in a row. Cells are made a few at a time, those on
-/// the screen first, and images are fetched, on a thread of the view's own, for those cells alone
-/// that are on the screen; each at most once. Cells far from the screen give their image up; the
-/// thread keeps it in fewer bytes.
+/// The scrolling grid of an order's photos, five in a row as a rule. Cells are made a few at a
+/// time, those on the screen first, and images are fetched, on a thread of the view's own, for
+/// those cells alone that are on the screen; each at most once. Cells far from the screen give
+/// their image up; the thread keeps it in fewer bytes.
 ///
 /// Cells are selected with the mouse (Shift for a range) and with the keyboard: arrows, Home, End
 /// and the page keys move, with Shift they select; blank toggles; Ctrl+A selects all. An entry can
@@ -31,6 +32,9 @@ public:
     explicit ThumbnailTableView(QWidget *parent = nullptr, const ThumbnailLimits &limits = {});
     ~ThumbnailTableView() override;
 
+    /// From now on photos are looked at alone: nothing can be selected, and as many are in a row as
+    /// there is room for.
+    void setReadOnly();
     /// Replaces the list. The user stays at the photos that were on the screen, and those selected
     /// stay selected, as far as they are in the new list, too.
     void setEntries(const QVector<PhotoEntry> &entries);
@@ -98,6 +102,7 @@ private:
     /// Of entries of which some pixel is on the screen.
     Range onScreen() const;
     bool isOnScreen(int index) const;
+    void fitColumns();
     void updateScrollBars();
     void placeContent();
     int rowsPerPage() const;
@@ -110,6 +115,8 @@ private:
     void checkButton(int index, bool checked);
 
     const ThumbnailLimits limits_;
+    bool readOnly_ = false;
+    int columns_ = photogrid::columns;
     QVector<PhotoEntry> entries_;
     QVector<PhotoCell *> cells_; ///< one for each entry; null until it is made
     int createdCells_ = 0;

@@ -14,6 +14,7 @@ void SheetWriter::start(const QString &path, const OrderSheet &sheet)
     path_ = path;
     sheet_ = sheet;
     table_ = sheet.head();
+    saving_ = false;
     makeLines(0);
 }
 
@@ -32,8 +33,16 @@ void SheetWriter::makeLines(int first)
         }));
 }
 
+void SheetWriter::cancel()
+{
+    step_.abandon();
+    sheet_ = {};
+    table_.clear();
+}
+
 void SheetWriter::write()
 {
+    saving_ = true;
     onDisk(
         this, path_,
         [path = path_, table = std::exchange(table_, {})] { return writeBytes(path, table); },

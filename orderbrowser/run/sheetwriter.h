@@ -19,8 +19,10 @@ public:
     /// One file at a time; \a path in the form of this machine.
     void start(const QString &path, const OrderSheet &sheet);
     /// Nothing more is heard of it. What is being written to the disk by now will be there.
-    void cancel() { step_.abandon(); }
+    void cancel();
     bool isUnderWay() const { return step_.isUnderWay(); }
+    /// All rows are made, the disk is at work.
+    bool isSaving() const { return isUnderWay() && saving_; }
 
 signals:
     void progressed(int rows, int total);
@@ -33,5 +35,6 @@ private:
     QString path_;
     OrderSheet sheet_;
     QByteArray table_;
+    bool saving_ = false;
     Latest step_;
 };

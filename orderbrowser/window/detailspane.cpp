@@ -1,5 +1,6 @@
 #include "orderbrowser/window/detailspane.h"
 
+#include "orderbrowser/window/chosenphotosview.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/tables/tables.h"
 #include "widgets/theme/plaintext.h"
@@ -14,6 +15,10 @@
 #include <QTreeWidget>
 
 namespace {
+
+// Of the pane's height.
+constexpr int fieldsShare = 3;
+constexpr int photosShare = 2;
 
 QString problemText(FolderContent::State state)
 {
@@ -45,6 +50,7 @@ DetailsPane::DetailsPane(QWidget *parent)
     : QWidget(parent)
     , heading_(new PlainLabel(this))
     , fields_(new PlainTips<QTreeWidget>(this))
+    , photos_(new ChosenPhotosView(this))
     , folder_(new PlainLabel(this))
     , open_(new QPushButton(QStringLiteral("打开目录"), this))
     , stop_(new QPushButton(QStringLiteral("取消"), this))
@@ -82,14 +88,15 @@ DetailsPane::DetailsPane(QWidget *parent)
     layout->setContentsMargins(theme::spacing(), 0, 0, 0);
     layout->setSpacing(theme::spacing());
     layout->addWidget(heading_);
-    layout->addWidget(fields_, 1);
+    layout->addWidget(fields_, fieldsShare);
+    layout->addWidget(photos_, photosShare);
     layout->addWidget(folder_);
     layout->addLayout(buttons);
-    showOrder({}, nullptr, {});
+    showOrder({}, nullptr, {}, {});
 }
 
 void DetailsPane::showOrder(const OrderListing &listing, const BrowsedOrder *order,
-                            const fieldvalues::Display &display)
+                            const fieldvalues::Display &display, const orderqueries::Identity &who)
 {
     fields_->clear();
     heading_->setText(order ? order->values.value(orderfields::Number)
@@ -113,6 +120,7 @@ void DetailsPane::showOrder(const OrderListing &listing, const BrowsedOrder *ord
     if (order && order->identity == shown_ && !shown_.isEmpty())
         return;
     shown_ = order ? order->identity : OrderIdentity();
+    photos_->showOrder(order, who);
     lookAtFolder(order ? order->values.value(orderfields::ImportPath) : QString());
 }
 

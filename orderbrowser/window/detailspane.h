@@ -6,11 +6,13 @@
 
 #include <QWidget>
 
+class ChosenPhotosView;
 class QLabel;
 class QPushButton;
 class QTreeWidget;
 
-/// All that is known of one order, by group, each value to be copied; and what lies in its folder.
+/// All that is known of one order, by group, each value to be copied; the photos chosen of it, and
+/// what lies in its folder.
 class DetailsPane : public QWidget
 {
     Q_OBJECT
@@ -18,9 +20,13 @@ class DetailsPane : public QWidget
 public:
     explicit DetailsPane(QWidget *parent = nullptr);
 
-    /// Null: of none. The folder is looked at once, not at every change of the display.
+    /// Null: of none. Photos and folder are asked for once, not at every change of the display;
+    /// \a who asks.
     void showOrder(const OrderListing &listing, const BrowsedOrder *order,
-                   const fieldvalues::Display &display);
+                   const fieldvalues::Display &display, const orderqueries::Identity &who);
+
+    /// See ChosenPhotosView.
+    ChosenPhotosView *photos() { return photos_; }
 
 signals:
     void openFolderClicked();
@@ -32,6 +38,7 @@ private:
 
     QLabel *heading_;
     QTreeWidget *fields_;
+    ChosenPhotosView *photos_;
     QLabel *folder_;
     QPushButton *open_;
     QPushButton *stop_;

@@ -15,10 +15,10 @@ ExportButton::ExportButton(const BrowserTable *table, QWidget *parent)
 {
     setObjectName(QStringLiteral("exportButton"));
     setStyleSheet(theme::secondaryButtonStyle());
-    connect(this, &QPushButton::clicked, this, &ExportButton::ask);
+    connect(this, &QPushButton::clicked, this, [this] { isUnderWay() ? cancel() : ask(); });
     connect(&writer_, &SheetWriter::finished, this, &ExportButton::onWritten);
     connect(&writer_, &SheetWriter::progressed, this, [this](int rows, int total) {
-        setText(QStringLiteral("导出中 %1%").arg(rows * 100LL / qMax(1, total)));
+        setText(QStringLiteral("取消导出 %1%").arg(rows * 100LL / qMax(1, total)));
     });
     connect(&folderOpener_, &SharedFolderOpener::finished, this,
             [this](bool, const QString &error) {
@@ -59,14 +59,28 @@ void ExportButton::exportRows(bool selectedAlone, bool wholePhones)
         QStringLiteral("CSV (*.csv)"), QStringLiteral("orders"));
     if (path.isEmpty())
         return;
-    setEnabled(false);
+    setText(QStringLiteral("取消导出"));
     writer_.start(path, sheet);
+}
+
+/// Of what the disk has in hand by now nobody knows whether it will be there.
+void ExportButton::cancel()
+{
+    Toast::show(this, writer_.isSaving() ? QStringLiteral("已取消导出，文件可能已经写出")
+                                         : QStringLiteral("已取消导出"));
+    writer_.cancel();
+    end();
+}
+
+void ExportButton::end()
+{
+    setText(QStringLiteral("导出"));
+    emit ended();
 }
 
 void ExportButton::onWritten(const QString &path, bool written)
 {
-    setEnabled(true);
-    setText(QStringLiteral("导出"));
+    end();
     if (!written) {
         MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
         return;

@@ -3,12 +3,13 @@
 #include "app/context/accountcontext.h"
 #include "orderbrowser/rules/fieldfilter.h"
 #include "orderbrowser/window/browsertable.h"
+#include "orderbrowser/window/chosenphotosview.h"
 #include "orderbrowser/window/columndialog.h"
 #include "orderbrowser/window/detailspane.h"
 #include "orderbrowser/window/exportbutton.h"
 #include "orderbrowser/window/filterchips.h"
+#include "orderbrowser/window/orderactions.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/inputs/customcheckboxnew.h"
 #include "widgets/inputs/inputs.h"
@@ -20,8 +21,6 @@
 
 #include <QAction>
 #include <QBoxLayout>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QLocale>
 #include <QPushButton>
 #include <QSplitter>
@@ -48,6 +47,7 @@ OrderList::OrderList(QWidget *parent)
     , chips_(new FilterChips(this))
     , viewBox_(new ComboBox(this))
     , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
+    , export_(new ExportButton(table_, this))
     , counts_(new PlainLabel(this))
     , selected_(new PlainLabel(this))
     , refreshed_(new PlainLabel(this))
@@ -60,11 +60,6 @@ OrderList::OrderList(QWidget *parent)
     connectSearch();
     connectTable();
     addKeys();
-    connect(&folderOpener_, &SharedFolderOpener::finished, this,
-            [this](bool, const QString &error) {
-                if (!error.isEmpty())
-                    Toast::show(this, error);
-            });
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     showView();
@@ -74,6 +69,7 @@ OrderList::OrderList(QWidget *parent)
 OrderList::~OrderList()
 {
     disconnect(table_, nullptr, this, nullptr);
+    disconnect(details_->photos(), nullptr, this, nullptr);
     rangeSearch_.disconnect();
 }
 
@@ -146,7 +142,7 @@ QWidget *OrderList::controls()
     layout->insertWidget(layout->count() - 1, details);
     layout->addWidget(refreshed_);
     layout->addWidget(refreshButton_);
-    layout->addWidget(new ExportButton(table_, this));
+    layout->addWidget(export_);
     return row;
 }
 
@@ -220,11 +216,11 @@ void OrderList::connectTable()
     connect(table_, &BrowserTable::filterTyped, this, &OrderList::setFilter);
     connect(table_, &BrowserTable::selectionChangedTo, this, &OrderList::showCounts);
     connect(table_, &BrowserTable::currentOrderChanged, this, &OrderList::showDetails);
-    connect(details_, &DetailsPane::openFolderClicked, this, &OrderList::openFolder);
-    connect(table_, &BrowserTable::menuWanted, this, [this](const QPoint &position) {
-        if (table_->currentOrder())
-            popUpActions(table_, position);
-    });
+    auto *actions = new OrderActions(table_, this);
+    connect(actions, &OrderActions::openToolRequested, this, &OrderList::openToolRequested);
+    connect(details_, &DetailsPane::openFolderClicked, actions, &OrderActions::openFolder);
+    connect(details_->photos(), &ChosenPhotosView::stopped, this, &OrderList::endClosing);
+    connect(export_, &ExportButton::ended, this, &OrderList::endClosing);
     connect(chips_, &FilterChips::removed, this,
             [this](const QString &key) { setFilter(key, {}); });
     connect(chips_, &FilterChips::allRemoved, this, [this] {
@@ -241,30 +237,11 @@ void OrderList::connectTable()
         arrange();
         restoreSearch();
     });
-    connect(&store_, &ViewStore::hasWritten, this, [this] {
-        if (isClosingLater())
-            finishClosing();
-    });
+    connect(&store_, &ViewStore::hasWritten, this, &OrderList::endClosing);
 }
 
 void OrderList::addKeys()
 {
-    addTableAction(table_, QStringLiteral("打开目录"), QKeySequence(QStringLiteral("Ctrl+E")),
-                   [this] { openFolder(); });
-    addTableAction(table_, QStringLiteral("复制订单号"),
-                   QKeySequence(QStringLiteral("Ctrl+Shift+C")), [this] { copyNumber(); });
-    addTableAction(table_, QStringLiteral("复制所选单元格"), QKeySequence::Copy,
-                   [this] { copySelected(); });
-    // Deleting files is begun where they are looked at.
-    static const QStringList cards{QStringLiteral("导入原片"),     QStringLiteral("导入精修片"),
-                                   QStringLiteral("导片工具"),     QStringLiteral("设计分件"),
-                                   QStringLiteral("下载选片结果"), QStringLiteral("下载原始档"),
-                                   QStringLiteral("下载照片交付")};
-    for (int i = 0; i < cards.size(); ++i) {
-        addTableAction(table_, QStringLiteral("在“%1”中打开").arg(cards.at(i)),
-                       QKeySequence(QStringLiteral("Ctrl+%1").arg(i + 1)),
-                       [this, card = cards.at(i)] { openTool(card); });
-    }
     auto *again = new QAction(QStringLiteral("刷新"), this);
     again->setShortcut(Qt::Key_F5);
     connect(again, &QAction::triggered, this, &OrderList::refresh);
@@ -288,7 +265,19 @@ FramelessWindow::CloseAnswer OrderList::closeRequested()
         keepTimer_.stop();
         store_.write(views_);
     }
-    return store_.isWriting() ? CloseAnswer::CloseLater : CloseAnswer::Close;
+    details_->photos()->stop();
+    return hasEnded() ? CloseAnswer::Close : CloseAnswer::CloseLater;
+}
+
+bool OrderList::hasEnded() const
+{
+    return !store_.isWriting() && !export_->isUnderWay() && details_->photos()->isStopped();
+}
+
+void OrderList::endClosing()
+{
+    if (isClosingLater() && hasEnded())
+        finishClosing();
 }
 
 // Branch and search.
@@ -454,48 +443,5 @@ void OrderList::showDetails()
 {
     if (details_->isVisible())
         details_->showOrder(table_->orders()->listing(), table_->currentOrder(),
-                            table_->orders()->display());
-}
-
-// What is done with orders.
-
-void OrderList::openFolder()
-{
-    const BrowsedOrder *order = table_->currentOrder();
-    if (!order)
-        return;
-    const QString folder = order->values.value(orderfields::ImportPath);
-    if (folder.isEmpty())
-        Toast::show(this, QStringLiteral("该订单没有导片路径"));
-    else
-        folderOpener_.open(folder);
-}
-
-void OrderList::openTool(const QString &card)
-{
-    const BrowsedOrder *order = table_->currentOrder();
-    if (!order)
-        return;
-    if (order->identity.orderPhotoId.isEmpty())
-        Toast::show(this, QStringLiteral("该订单没有照片集，无法打开"));
-    else
-        emit openToolRequested(card, order->identity.branch, order->identity.orderPhotoId,
-                               OrderListing::searchNumber(*order));
-}
-
-void OrderList::copyNumber()
-{
-    if (const BrowsedOrder *order = table_->currentOrder()) {
-        QGuiApplication::clipboard()->setText(order->values.value(orderfields::Number));
-        Toast::show(this, QStringLiteral("订单号已复制"));
-    }
-}
-
-void OrderList::copySelected()
-{
-    const QString text = table_->selectedText();
-    if (text.isEmpty())
-        return;
-    QGuiApplication::clipboard()->setText(text);
-    Toast::show(this, QStringLiteral("已复制 %1 行").arg(grouped(table_->selectedRows().size())));
+                            table_->orders()->display(), branch_.identity());
 }

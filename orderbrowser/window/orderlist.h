@@ -1,6 +1,5 @@
 #pragma once
 
-#include "files/sharedfolderopener.h"
 #include "net/branchsession.h"
 #include "orderbrowser/run/orderarranger.h"
 #include "orderbrowser/run/rangesearch.h"
@@ -10,6 +9,7 @@
 #include <QTimer>
 
 class DetailsPane;
+class ExportButton;
 class FilterChips;
 class LoadingOverlay;
 class OrderFinder;
@@ -45,6 +45,8 @@ private:
     void connectSearch();
     void connectTable();
     void addKeys();
+    bool hasEnded() const;
+    void endClosing();
 
     void onBranchSwitched();
     void restoreSearch();
@@ -63,15 +65,10 @@ private:
     void changeView(const OrderView &view);
     void keepViews();
 
-    void openFolder();
-    void openTool(const QString &card);
-    void copyNumber();
-    void copySelected();
     void showCounts();
     void showDetails();
 
     BranchSession branch_;
-    SharedFolderOpener folderOpener_;
     RangeSearch rangeSearch_;
     OrderArranger arranger_;
     ViewStore store_;
@@ -85,6 +82,7 @@ private:
     FilterChips *chips_;
     ComboBox *viewBox_;
     QPushButton *refreshButton_;
+    ExportButton *export_;
     QLabel *counts_;
     QLabel *selected_;
     QLabel *refreshed_;

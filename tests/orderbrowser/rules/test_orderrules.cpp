@@ -1,3 +1,4 @@
+#include "orderbrowser/rules/chosenphotos.h"
 #include "orderbrowser/rules/columnchoice.h"
 #include "orderbrowser/rules/fieldfilter.h"
 #include "orderbrowser/rules/fieldvalues.h"
@@ -51,6 +52,18 @@ class TestOrderRules : public QObject
     Q_OBJECT
 
 private slots:
+    void asksForTheChosenPhotos()
+    {
+        QCOMPARE(
+            chosenphotos::body("800001"_s, {"101"_s, "7001"_s, "3101"_s}),
+            QByteArray("order_photo_id=800001&shopid=101&eid=3101&superid=7001&personid=3101"));
+        const auto photos = chosenphotos::read(
+            parsed(R"({"images": [{"img_name": "A.jpg", "url": "u", "id": 7}, 5, null, {}]})"));
+        QCOMPARE(photos.size(), 2);
+        QCOMPARE(photos.at(0).imgName + photos.at(0).url + photos.at(0).id, "A.jpgu7"_s);
+        QVERIFY(chosenphotos::read(parsed(R"({"images": "A.jpg"})")).isEmpty());
+    }
+
     void readsWhatComes()
     {
         const OrderListing listing = listingOf(R"({"openypml": 1, "data": [

@@ -2,6 +2,8 @@
 #include "orderbrowser/window/orderlist.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/inputs/datepicker.h"
 #include "widgets/inputs/glyphbutton.h"
@@ -266,10 +268,21 @@ private slots:
         QCOMPARE(shown("选片完成时间"_s), "2025-10-08 14:30"_s);
         QVERIFY(shown("男士电话"_s).contains("****"_s));
         QVERIFY(shown("deposit"_s).startsWith("1,"_s));
+        QTRY_COMPARE(child<QLabel>("chosenHeading")->text(), "已选照片 4 张"_s);
+        auto *photos = child<ThumbnailTableView>("chosenGrid");
+        QTRY_VERIFY(photos->cell(3));
+        QVERIFY(!photos->cell(3)->selectButton()->isVisible());
+        photos->setFocus();
+        QTest::keyClick(photos, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(photos, Qt::Key_Space);
+        QTest::mouseClick(photos->cell(0), Qt::LeftButton);
+        QVERIFY(photos->selectedIndexes().isEmpty()); // they are looked at alone
         // What it is of the folder is told when the disk has answered.
         select("TS10006-1"_s);
         QCOMPARE(child<QLabel>("detailsHeading")->text(), "TS10006-1"_s);
         QTRY_VERIFY(child<QLabel>("folderLabel")->text().endsWith("目录不存在"_s));
+        QCOMPARE(photos->count(), 0);
+        QCOMPARE(photos->emptyText(), "该订单没有已选照片"_s);
         fields->setCurrentItem(
             fields->findItems("订单号"_s, Qt::MatchExactly | Qt::MatchRecursive).value(0));
         QApplication::setActiveWindow(window_);
@@ -308,6 +321,17 @@ private slots:
         QVERIFY(!table.contains("****"));
 
         QVERIFY(QFile::remove(path));
+        click("exportButton");
+        FileDialog::setNextFiles({path});
+        click("exportAcceptButton");
+        QCOMPARE(child<QPushButton>("exportButton")->text(), "取消导出"_s);
+        click("exportButton");
+        EXPECT_TOAST("已取消导出");
+        processorPool().waitForDone();
+        QCoreApplication::processEvents();
+        diskPool().waitForDone();
+        QVERIFY(!QFile::exists(path));
+
         QVERIFY(QDir().mkdir(path)); // in the way
         click("exportButton");
         FileDialog::setNextFiles({path});
