@@ -3,6 +3,8 @@
 #include "app/context/installation.h"
 #include "files/filewriting.h"
 #include "files/paths.h"
+#include "ledger/copydescription.h"
+#include "ledger/ledger.h"
 #include "platform/pathform.h"
 
 #include <QDebug>
@@ -23,6 +25,11 @@ VerifiedCopy copyAsInstalled(const QString &source, const QString &target,
 ImportFileCopyRunnable::ImportFileCopyRunnable(ImportFile file, CopyFunction copy)
     : file_(std::move(file)), copy_(copy ? std::move(copy) : copyAsInstalled)
 {
+}
+
+QString ImportFileCopyRunnable::cancelledText()
+{
+    return QStringLiteral("任务已取消");
 }
 
 void ImportFileCopyRunnable::cancel()
@@ -113,6 +120,8 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
     // cancellation, and not a card that is pulled now.
     if (!QFileInfo::exists(target))
         return endFailed(QStringLiteral("文件拷贝后验证失败: %1").arg(target));
+    Ledger::current().finishCopy(recorded_, resultAt(target, ledger::CopyKind::Bytes, copy.proof,
+                                                     copy.hash, copy.hash, copy.bytes));
     file_.state = ImportFile::Imported;
     file_.message = QStringLiteral("拷贝成功");
     qDebug().noquote() << QStringLiteral("文件拷贝成功: %1 -> %2").arg(file_.sourcePath, target);
@@ -121,13 +130,13 @@ ImportFileCopyRunnable::Ending ImportFileCopyRunnable::copyTo(const QString &tar
 
 ImportFileCopyRunnable::Ending ImportFileCopyRunnable::cancelled()
 {
-    file_.state = ImportFile::Failed;
-    file_.message = QStringLiteral("任务已取消");
+    endFailed(cancelledText());
     return Ending::Cancelled;
 }
 
 ImportFileCopyRunnable::Ending ImportFileCopyRunnable::endFailed(const QString &message)
 {
+    Ledger::current().failCopy(recorded_, message);
     file_.state = ImportFile::Failed;
     file_.message = message;
     return Ending::Finished;

@@ -2,6 +2,7 @@
 
 #include "fileimport/rules/importrecords.h"
 #include "files/filecopy.h"
+#include "ledger/ledgerrecords.h"
 #include "tasks/stopflag.h"
 #include "tasks/task.h"
 
@@ -25,6 +26,11 @@ public:
 
     /// Without \a copy as the installation wants files to be copied.
     explicit ImportFileCopyRunnable(ImportFile file, CopyFunction copy = {});
+
+    /// Has the ledger told what became of the copy that it knows by \a copy. Before the task runs.
+    void record(ledger::CopyId copy) { recorded_ = copy; }
+    ledger::CopyId recorded() const { return recorded_; }
+    static QString cancelledText();
 
     /// Asks the task to end at its next step; any thread.
     void cancel();
@@ -56,6 +62,7 @@ private:
     Ending copyTo(const QString &target);
 
     ImportFile file_;
+    ledger::CopyId recorded_ = 0;
     CopyFunction copy_;
     StopFlag cancelled_;
     std::atomic<qint64> bytesCopied_{0};

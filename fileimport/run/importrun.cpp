@@ -4,6 +4,7 @@
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/importfilecopyrunnable.h"
+#include "files/paths.h"
 #include "net/servicecall.h"
 
 #include <QDebug>
@@ -15,15 +16,24 @@
 namespace {
 
 constexpr int filesAtOnce = 4;
-/// Tasks given to the pool ahead of time: its threads never idle while the interface is busy, and
-/// an order of thousands of files does not become thousands of objects.
-constexpr int tasksAhead = 16 * filesAtOnce;
+/// Tasks made ahead of time: the pool's threads never idle while the interface is busy or the
+/// ledger notes the next ones, and an order of thousands of files does not become thousands of
+/// objects.
+constexpr int tasksAhead = 64 * filesAtOnce;
 constexpr int stopPatienceMs = 5000;
+
+QString notReceivedText()
+{
+    return QStringLiteral("服务端未收到");
+}
 
 } // namespace
 
 ImportRun::ImportRun(ImportMode mode, QObject *parent)
-    : QObject(parent), mode_(mode), pool_(QStringLiteral("import-copy"), filesAtOnce)
+    : QObject(parent)
+    , mode_(mode)
+    , pool_(QStringLiteral("import-copy"), filesAtOnce)
+    , recording_(mode)
 {
     stopTimer_.setSingleShot(true);
     stopTimer_.setInterval(stopPatienceMs);
@@ -128,14 +138,35 @@ void ImportRun::startOrder(const OrderIdentity &orderId)
 
 void ImportRun::feedPool()
 {
-    while (!pending_.isEmpty() && tasks_.size() < tasksAhead)
-        startTask(current_, pending_.takeLast());
+    // Many at a time, since each time the ledger is waited for.
+    if (tasks_.size() > tasksAhead / 2)
+        return;
+    QVector<int> indexes;
+    while (!pending_.isEmpty() && tasks_.size() + indexes.size() < tasksAhead)
+        indexes.append(pending_.takeLast());
+    startTasks(current_, indexes);
 }
 
-void ImportRun::startTask(const OrderIdentity &orderId, int fileIndex)
+void ImportRun::startTasks(const OrderIdentity &orderId, const QVector<int> &fileIndexes)
 {
-    ImportFile file = orderOf(orderId).files.at(fileIndex);
-    file.fileIndex = fileIndex;
+    if (fileIndexes.isEmpty())
+        return;
+    const ImportOrder &order = orderOf(orderId);
+    QVector<ImportFile> files;
+    QVector<std::shared_ptr<ImportFileCopyRunnable>> started;
+    for (const int fileIndex : fileIndexes) {
+        ImportFile file = order.files.at(fileIndex);
+        file.fileIndex = fileIndex;
+        files.append(file);
+        started.append(makeTask(orderId, file));
+    }
+    recording_.begin(order, files, identity_,
+                     [this, started](const QVector<ledger::CopyId> &ids) { begin(started, ids); });
+}
+
+std::shared_ptr<ImportFileCopyRunnable> ImportRun::makeTask(const OrderIdentity &orderId,
+                                                            const ImportFile &file)
+{
     const auto task = std::make_shared<ImportFileCopyRunnable>(file);
     auto *runnable = task.get();
     connect(
@@ -146,8 +177,28 @@ void ImportRun::startTask(const OrderIdentity &orderId, int fileIndex)
         runnable, &ImportFileCopyRunnable::copyCancelled, this,
         [this, runnable](const ImportFile &left) { onFileCopyCancelled(runnable, left); },
         Qt::QueuedConnection);
-    tasks_.append({task, orderId, fileIndex, false});
-    pool_.start(task);
+    tasks_.append({task, orderId, file.fileIndex, false, false});
+    return task;
+}
+
+void ImportRun::begin(const QVector<std::shared_ptr<ImportFileCopyRunnable>> &started,
+                      const QVector<ledger::CopyId> &ids)
+{
+    QVector<ledger::CopyId> withdrawn;
+    for (int position = 0; position < started.size(); ++position) {
+        const auto task =
+            std::find_if(tasks_.begin(), tasks_.end(), [&started, position](const Task &each) {
+                return each.runnable == started.at(position);
+            });
+        if (task == tasks_.end()) {
+            withdrawn.append(ids.value(position)); // by a stop, meanwhile
+            continue;
+        }
+        task->runnable->record(ids.value(position));
+        task->inPool = true;
+        pool_.start(task->runnable);
+    }
+    ImportRecording::withdraw(withdrawn, ImportFileCopyRunnable::cancelledText());
 }
 
 ImportRun::Task ImportRun::takeTask(ImportFileCopyRunnable *runnable)
@@ -195,6 +246,7 @@ void ImportRun::afterLastTask()
 {
     if (!tasks_.isEmpty())
         return;
+    endRecording();
     if (stopTimer_.isActive()) {
         stopTimer_.stop();
         qDebug() << "所有导入任务已停止";
@@ -245,6 +297,7 @@ void ImportRun::importNextOrder(const OrderIdentity &orderId)
     auto *registration = new OrderRegistration(mode_, order, identity_, this);
     registrations_.insert(orderId, registration);
     settleClaim(orderId);
+    recording_.announce(orderId);
     connect(registration, &OrderRegistration::registered, this,
             [this, orderId](const RegistrationResult &result) { onRegistered(orderId, result); });
     connect(registration, &OrderRegistration::failed, this,
@@ -259,6 +312,7 @@ void ImportRun::onRegistered(const OrderIdentity &orderId, const RegistrationRes
     const ImportOrder order = orders_.value(orderId);
     dropRegistration(orderId);
     orders_[orderId].unregistered = false;
+    recordRegistration(order, result.reply);
     const bool inRun = isCurrent(orderId);
     const BoxText notice = importmismatch::notice(mode_, order, result.reply);
     emit orderRegistered(orderId, result);
@@ -282,10 +336,22 @@ void ImportRun::failMismatched(const OrderIdentity &orderId,
     const QVector<int> positions = importmismatch::files(mode_, order, reply);
     for (const int position : positions) {
         order.files[position].state = ImportFile::Failed;
-        order.files[position].message = QStringLiteral("服务端未收到");
+        order.files[position].message = notReceivedText();
     }
     if (!positions.isEmpty())
         emit filesChanged(orderId, order.files);
+}
+
+void ImportRun::recordRegistration(const ImportOrder &order,
+                                   const importrequests::BatchReply &reply)
+{
+    QStringList missing;
+    const QVector<int> positions = importmismatch::files(mode_, order, reply);
+    for (const int position : positions) {
+        const ImportFile &file = order.files.at(position);
+        missing.append(joinWirePath(file.targetFolder, file.targetName()));
+    }
+    recording_.registered(order.identity(), missing, notReceivedText());
 }
 
 void ImportRun::dropRegistration(const OrderIdentity &orderId)
@@ -309,10 +375,12 @@ void ImportRun::answerResubmit(const OrderIdentity &orderId, bool again)
     OrderRegistration *registration = registrations_.value(orderId);
     if (!registration || !registration->hasFailed())
         return; // stopped, or begun anew, while the question stood
-    if (again)
+    if (again) {
+        recording_.announce(orderId);
         registration->start();
-    else
+    } else {
         stopAllImports();
+    }
 }
 
 void ImportRun::stopAllImports()
@@ -325,8 +393,14 @@ void ImportRun::stopAllImports()
     QVector<Task> running;
     for (const Task &task : qAsConst(tasks_)) {
         stopped.insert(task.orderId);
-        if (pool_.takeBack(task.runnable.get()))
-            continue; // never started: its file keeps waiting
+        if (!task.inPool)
+            continue;
+        if (pool_.takeBack(task.runnable.get())) {
+            // Never started: its file keeps waiting.
+            ImportRecording::withdraw({task.runnable->recorded()},
+                                      ImportFileCopyRunnable::cancelledText());
+            continue;
+        }
         task.runnable->cancel();
         running.append(task);
         running.last().abandoned = true;
@@ -359,7 +433,14 @@ void ImportRun::switchOff()
     pending_.clear();
     for (const OrderIdentity &orderId : ended)
         settleClaim(orderId);
+    endRecording();
     emit switchedOff();
+}
+
+void ImportRun::endRecording()
+{
+    if (!isRunning() && tasks_.isEmpty())
+        recording_.end();
 }
 
 void ImportRun::retry(const ImportOrder &order, int fileIndex,
@@ -379,7 +460,7 @@ void ImportRun::retry(const ImportOrder &order, int fileIndex,
     file.state = ImportFile::Waiting;
     file.message.clear();
     emit fileChanged(order.identity(), file);
-    startTask(order.identity(), fileIndex);
+    startTasks(order.identity(), {fileIndex});
     tellActivity(order.identity());
 }
 

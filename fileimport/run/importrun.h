@@ -1,6 +1,7 @@
 #pragma once
 
 #include "fileimport/rules/importrecords.h"
+#include "fileimport/run/importrecording.h"
 #include "fileimport/run/orderregistration.h"
 #include "files/transferprogress.h"
 #include "tasks/ordersatwork.h"
@@ -107,13 +108,18 @@ private:
         OrderIdentity orderId;
         int fileIndex = 0;
         bool abandoned = false; ///< stopped: its result changes its own file and nothing else
+        bool inPool = false;    ///< otherwise the ledger is still noting it
     };
 
     bool refuses(const ImportOrder &order, const orderqueries::Identity &identity);
     void startNextOrder();
     void startOrder(const OrderIdentity &orderId);
     void feedPool();
-    void startTask(const OrderIdentity &orderId, int fileIndex);
+    void startTasks(const OrderIdentity &orderId, const QVector<int> &fileIndexes);
+    std::shared_ptr<ImportFileCopyRunnable> makeTask(const OrderIdentity &orderId,
+                                                     const ImportFile &file);
+    void begin(const QVector<std::shared_ptr<ImportFileCopyRunnable>> &started,
+               const QVector<ledger::CopyId> &ids);
     void onFileCopyFinished(ImportFileCopyRunnable *runnable, const ImportFile &file);
     void onFileCopyCancelled(ImportFileCopyRunnable *runnable, const ImportFile &file);
     Task takeTask(ImportFileCopyRunnable *runnable);
@@ -124,9 +130,11 @@ private:
     void importNextOrder(const OrderIdentity &orderId);
     void onRegistered(const OrderIdentity &orderId, const RegistrationResult &result);
     void failMismatched(const OrderIdentity &orderId, const importrequests::BatchReply &reply);
+    void recordRegistration(const ImportOrder &order, const importrequests::BatchReply &reply);
     void dropRegistration(const OrderIdentity &orderId);
     void leaveUnregistered(const OrderIdentity &orderId);
     void switchOff();
+    void endRecording();
     void settleClaim(const OrderIdentity &orderId);
     void tellActivity(const OrderIdentity &orderId);
     const ImportOrder &orderOf(const OrderIdentity &orderId) const
@@ -150,6 +158,7 @@ private:
     QVector<Task> tasks_;
     QHash<OrderIdentity, OrderRegistration *> registrations_;
     WorkerPool pool_;
+    ImportRecording recording_;
     QHash<OrderIdentity, std::shared_ptr<ordersatwork::Claim>> claims_; ///< on the orders at work
     QTimer stopTimer_; ///< reports tasks that outlast a stop
 };

@@ -91,4 +91,5 @@ struct PhotoJob
     int taskId = 0;
     int photoIndex = 0;
     QString targetFolder; ///< where the output goes, in Windows form
+    qint64 copy = 0;      ///< how the ledger knows it; 0 when it does not
 };

@@ -26,11 +26,12 @@ PhotoImportRun::PhotoImportRun(tforderlistmodel *orders, QObject *parent)
             &PhotoImportRun::onStartRefused, Qt::QueuedConnection);
     connect(&pool_, &tfimportthreadmanager::workersEnded, this, [this] {
         if (!isBusy())
-            claim_.release();
+            releaseWork();
         emit workersEnded();
     });
     connect(&registrar_, &PhotoRegistrar::photoRegistered, this,
             [this](const OrderIdentity &orderId, const PhotoInfo &photo) {
+                recording_.registered(photorules::outputPathOf(photo.importFolder, photo));
                 onRegistered(orderId, photo, RegistrationState::Registered, {});
             });
     connect(&registrar_, &PhotoRegistrar::photoRefused, this,
@@ -64,6 +65,11 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
         batch_.clear();
     identity_ = identity;
     open_ = true;
+    recording_.start(identity, orders_->photoMode());
+    pool_.setRecording([run = recording_.run(), mode = recording_.mode()](const OrderInfo &order,
+                                                                          int from, int count) {
+        return PhotoRecording::begin(run, mode, order, from, count);
+    });
     QVector<PhotoOrder> started;
     for (const int row : rows) {
         const OrderIdentity id = orders_->order(row).identity();
@@ -227,6 +233,13 @@ void PhotoImportRun::onRegistered(const OrderIdentity &orderId, const PhotoInfo 
         emit fileChanged(orderId, index);
 }
 
+/// Nothing goes on any more.
+void PhotoImportRun::releaseWork()
+{
+    claim_.release();
+    recording_.end();
+}
+
 void PhotoImportRun::cancelRegistrations()
 {
     registrar_.cancel();
@@ -242,7 +255,7 @@ void PhotoImportRun::afterStep()
     if (isBusy())
         return;
     if (!hasLiveWorkers())
-        claim_.release();
+        releaseWork();
     if (open_) {
         open_ = false;
         RunOutcome outcome;

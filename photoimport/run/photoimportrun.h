@@ -2,6 +2,7 @@
 
 #include "files/transferprogress.h"
 #include "photoimport/orders/tforderlistmodel.h"
+#include "photoimport/run/photorecording.h"
 #include "photoimport/run/photoregistrar.h"
 #include "photoimport/run/tfimportthreadmanager.h"
 #include "tasks/latest.h"
@@ -83,11 +84,13 @@ private:
     void onStartRefused(const QString &message, const QString &path);
     void onRegistered(const OrderIdentity &orderId, const PhotoInfo &photo, RegistrationState state,
                       const QString &reason);
+    void releaseWork();
     void afterStep();
 
     tforderlistmodel *orders_;
     tfimportthreadmanager pool_;
     PhotoRegistrar registrar_;
+    PhotoRecording recording_;
     orderqueries::Identity identity_;
     Latest start_;                  ///< that is being prepared
     QSet<OrderIdentity> preparing_; ///< orders of that start: their jobs are being made

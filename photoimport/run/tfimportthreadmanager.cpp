@@ -5,6 +5,7 @@
 #include <QDebug>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -14,6 +15,9 @@ constexpr int afterStartMs = 10; // or a resume, a change of the worker count, a
 constexpr int afterPassMs = 50;  // or the report of a photo
 constexpr int afterStallMs = 100;
 constexpr int whenBusyMs = 500;
+/// Photos that are recorded before they are dealt out: many, since each time the ledger is waited
+/// for.
+constexpr int recordedAtOnce = 1024;
 
 void log(const QString &line)
 {
@@ -184,7 +188,10 @@ void tfimportthreadmanager::queueStart(const Start &start)
         task.taskId = task.firstTaskId = nextTaskId_++;
         task.total = order.photos.size();
         queue_.append(task);
-        runs_.insert(task.taskId, OrderRun{order.identity()});
+        OrderRun run;
+        run.orderId = order.identity();
+        run.recording = recording_;
+        runs_.insert(task.taskId, run);
         if (!start.batch) {
             log(QStringLiteral("添加导片任务: %1 (包含 %2 张照片)")
                     .arg(order.orderPayForKey, QString::number(task.total)));
@@ -207,6 +214,7 @@ void tfimportthreadmanager::stopAllImport()
     queue_.clear();
     active_.clear();
     progress_.clear();
+    withdrawCopies();
     runs_.clear();
     for (tfimportworker *worker : qAsConst(workers_))
         worker->stop();
@@ -264,8 +272,8 @@ void tfimportthreadmanager::assignNextTask()
     logStep(5);
     if (queue_.isEmpty() || preparing_)
         return;
-    if (!runs_.value(queue_.first().firstTaskId).foldersReady) {
-        prepareFoldersOf(queue_.first());
+    if (!isPrepared(queue_.first())) {
+        prepare(queue_.first());
         return;
     }
     logStep(6);
@@ -310,22 +318,45 @@ tfimportworker *tfimportthreadmanager::anyIdleWorker() const
     return found == workers_.cend() ? nullptr : *found;
 }
 
-/// Makes the folders of the order that is next and deals then.
-void tfimportthreadmanager::prepareFoldersOf(const ImportTask &task)
+/// Whether a dealing pass finds folders for the photos of \a task, and rows of theirs in the
+/// ledger.
+bool tfimportthreadmanager::isPrepared(const ImportTask &task) const
+{
+    const OrderRun run = runs_.value(task.firstTaskId);
+    const int dealtAtOnce = std::min(task.startIndex + mostWorkers, task.total);
+    return run.foldersReady && (!run.recording || run.copies.size() >= dealtAtOnce);
+}
+
+/// Makes the folders of the order that is next, has its next photos recorded, and deals then.
+void tfimportthreadmanager::prepare(const ImportTask &task)
 {
     preparing_ = true;
+    const OrderRun run = runs_.value(task.firstTaskId);
     onDisk(
         this, task.order->importPath,
-        [order = task.order] {
-            photorules::prepareFolders(photorules::foldersOf(order->importPath, order->photos));
+        [order = task.order, needsFolders = !run.foldersReady, recording = run.recording,
+         from = run.copies.size()] {
+            if (needsFolders)
+                photorules::prepareFolders(photorules::foldersOf(order->importPath, order->photos));
+            return recording ? recording(*order, from, recordedAtOnce) : QVector<ledger::CopyId>();
         },
-        [this, round = round_, first = task.firstTaskId] {
-            if (!round.isCurrent())
+        [this, round = round_, first = task.firstTaskId](const QVector<ledger::CopyId> &recorded) {
+            if (!round.isCurrent()) {
+                PhotoRecording::withdraw(recorded);
                 return;
+            }
             preparing_ = false;
             runs_[first].foldersReady = true;
+            runs_[first].copies += recorded;
             scheduleDealing(0);
         });
+}
+
+/// Nothing comes of what was recorded and not dealt out.
+void tfimportthreadmanager::withdrawCopies()
+{
+    for (const OrderRun &run : qAsConst(runs_))
+        PhotoRecording::withdraw(run.copies);
 }
 
 /// Hands the photos of \a task out, beginning with \a worker, as far as idle workers go; the rest
@@ -333,6 +364,7 @@ void tfimportthreadmanager::prepareFoldersOf(const ImportTask &task)
 void tfimportthreadmanager::deal(const ImportTask &task, tfimportworker *worker)
 {
     const OrderInfo &order = *task.order;
+    QVector<ledger::CopyId> &copies = runs_[task.firstTaskId].copies;
     for (int index = task.startIndex; index < task.total; ++index) {
         if (!worker->isIdle())
             worker = anyIdleWorker();
@@ -347,6 +379,8 @@ void tfimportthreadmanager::deal(const ImportTask &task, tfimportworker *worker)
         job.photo = order.photos.at(index);
         job.taskId = task.taskId;
         job.photoIndex = index;
+        if (index < copies.size())
+            job.copy = std::exchange(copies[index], 0);
         job.targetFolder = photorules::targetFolderOf(order.importPath, job.photo.kind);
         worker->give(job);
     }

@@ -3,6 +3,7 @@
 #include "photoimport/rules/photoimportrecords.h"
 #include "photoimport/rules/photorules.h"
 #include "photoimport/run/decodedsources.h"
+#include "photoimport/run/photorecording.h"
 #include "photoimport/run/tfimportworker.h"
 #include "tasks/latest.h"
 
@@ -11,6 +12,9 @@
 #include <QObject>
 #include <QString>
 #include <QTimer>
+#include <QVector>
+
+#include <functional>
 
 /// The pool of the photo import: queues orders and deals their photos out to worker threads, one at
 /// a time, until all are reported.
@@ -28,10 +32,18 @@ public:
     static constexpr int defaultWorkers = 4;
     static constexpr int mostWorkers = 16;
 
+    /// Notes for the ledger that jobs of an order, from a position on and so many at most, are
+    /// going to be done; an id for each. Called on disk threads.
+    using Recording =
+        std::function<QVector<ledger::CopyId>(const OrderInfo &order, int from, int count)>;
+
     explicit tfimportthreadmanager(QObject *parent = nullptr);
     /// With other work for the workers, as tests have.
     explicit tfimportthreadmanager(PhotoOperations operations, QObject *parent = nullptr);
     ~tfimportthreadmanager() override;
+
+    /// For orders that are started from now on.
+    void setRecording(Recording recording) { recording_ = std::move(recording); }
 
     int maxWorkers() const { return workerCount_; }
     /// Clamped to 1..16. Drops all work when running, so it is best changed when idle.
@@ -96,6 +108,9 @@ private:
         int done = 0; ///< photos reported; the flags in progress_, kept as a number because adding
                       ///< up thousands of pieces at each report would not do
         bool foldersReady = false;
+        Recording recording;
+        QVector<ledger::CopyId> copies; ///< of the first photos, as far as they are recorded; 0
+                                        ///< once a photo is dealt out
     };
 
     void enqueueStart(const Start &start);
@@ -106,7 +121,9 @@ private:
     void scheduleDealing(int ms);
     tfimportworker *findIdleWorker() const;
     tfimportworker *anyIdleWorker() const;
-    void prepareFoldersOf(const ImportTask &task);
+    bool isPrepared(const ImportTask &task) const;
+    void prepare(const ImportTask &task);
+    void withdrawCopies();
     void deal(const ImportTask &task, tfimportworker *worker);
     void reportProgress(const ImportTask &task, int completed);
 
@@ -116,6 +133,7 @@ private:
 
     DecodedSources decoded_; ///< the workers' operations may refer to it
     PhotoOperations operations_;
+    Recording recording_;
     int workerCount_ = defaultWorkers;
     QList<tfimportworker *> workers_;
     QList<tfimportworker *> retired_; ///< replaced, but still finishing a photo
@@ -127,7 +145,7 @@ private:
     QMap<int, OrderRun> runs_;            ///< by the id of an order's first task
     bool running_ = false;
     bool paused_ = false;
-    bool preparing_ = false; ///< folders of the head task are being made
+    bool preparing_ = false; ///< folders and copies of the head task are being seen to
     bool stopping_ = false;  ///< workersEnded() is due
     Latest rounds_;          ///< each ends with a stop: what it began is not wanted any more
     Latest::Token round_ = rounds_.next();

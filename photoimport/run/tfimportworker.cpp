@@ -4,6 +4,8 @@
 #include "files/filewriting.h"
 #include "files/paths.h"
 #include "files/safename.h"
+#include "ledger/copydescription.h"
+#include "ledger/ledger.h"
 #include "photoimport/rules/photorules.h"
 #include "photoimport/run/imageoperations.h"
 #include "photoimport/run/sizevariants.h"
@@ -94,10 +96,32 @@ QString tfimportworker::process(const PhotoJob &job)
     WrittenOriginal written;
     const QString problem = problemOf([&] { error = write(job, &failure, &written); });
     if (!problem.isEmpty())
-        return problem;
-    if (!error.isEmpty() && !failure.reason.isEmpty())
+        error = problem;
+    else if (!error.isEmpty() && !failure.reason.isEmpty())
         emit failureExplained(job.taskId, job.photoIndex, failure);
+    if (job.copy != 0)
+        record(job, written, failure.reason.isEmpty() ? error : failure.reason);
     return error;
+}
+
+/// Tells the ledger what became of the copy; \a problem is empty when it is there.
+void tfimportworker::record(const PhotoJob &job, const WrittenOriginal &written,
+                            const QString &problem)
+{
+    if (problem.isEmpty()) {
+        const ledger::CopyKind kind =
+            written.isUpright ? ledger::CopyKind::Upright : ledger::CopyKind::Bytes;
+        Ledger::current().finishCopy(job.copy, resultAt(targetOf(job), kind, written.proof,
+                                                        written.sourceHash, written.targetHash,
+                                                        written.bytes));
+    } else {
+        Ledger::current().failCopy(job.copy, problem);
+    }
+}
+
+QString tfimportworker::targetOf(const PhotoJob &job)
+{
+    return joinLocalPath(platform::toLocalPath(job.targetFolder), safeFileName(job.photo.fileName));
 }
 
 QString tfimportworker::write(const PhotoJob &job, JobFailure *failure,
@@ -107,7 +131,7 @@ QString tfimportworker::write(const PhotoJob &job, JobFailure *failure,
     if (!makeFolder(folder))
         return QStringLiteral("无法创建目标目录: %1").arg(QFileInfo(folder).absoluteFilePath());
     const QString source = job.photo.sourcePath;
-    const QString target = joinLocalPath(folder, safeFileName(job.photo.fileName));
+    const QString target = targetOf(job);
     const QString &kind = job.photo.kind;
 
     if (kind == photorules::originalKind) {

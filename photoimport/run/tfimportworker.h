@@ -69,6 +69,9 @@ private:
     QString process(const PhotoJob &job);
     QString write(const PhotoJob &job, JobFailure *failure, WrittenOriginal *written) const;
 
+    static void record(const PhotoJob &job, const WrittenOriginal &written, const QString &problem);
+    static QString targetOf(const PhotoJob &job);
+
     const int workerId_;
     const PhotoOperations operations_;
     QMutex mutex_; ///< guards job_ and the hand-over

@@ -1,4 +1,6 @@
 #include "app/context/k.h"
+#include "files/contenthash.h"
+#include "ledger/ledger.h"
 #include "photoimport/imported/tfphotoview.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhome.h"
@@ -18,6 +20,7 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <memory>
 
 using Column = tforderlistmodel::Column;
@@ -34,9 +37,15 @@ private slots:
         logIn();
         AccountContext::photoMode = 0;
         card_ = std::make_unique<QTemporaryDir>();
+        ledger_ = std::make_unique<Ledger>(card_->filePath("ledger"_s));
+        ledger_->makeCurrent();
     }
 
-    void cleanup() { endTest(); }
+    void cleanup()
+    {
+        endTest();
+        ledger_.reset();
+    }
 
     void fitsNarrowScreens()
     {
@@ -215,6 +224,14 @@ private slots:
         EXPECT_BOXES(done_);
         QCOMPARE(state(first_), "导片完成"_s);
         QCOMPARE(QDir(imported(first_, "1920"_s)).entryList(QDir::Files).size(), 6);
+        // What the stop left was taken back, and is a row of its own the second time.
+        int finished = 0;
+        const QVector<ledger::Copy> copies = recorded();
+        for (const ledger::Copy &copy : copies) {
+            finished += copy.isFinished() ? 1 : 0;
+            QCOMPARE(copy.failure, copy.isFinished() ? QString() : "任务已取消"_s);
+        }
+        QVERIFY(finished >= 6);
         click("startButton");
         EXPECT_BOXES("文件已全部导入"_s);
         click("startOrderButton");
@@ -255,6 +272,17 @@ private slots:
         click("startOrderButton");
         EXPECT_BOX_THAT(box.startsWith("导片结束，0 个文件失败，4 项未登记。"_s));
         QCOMPARE(state(first_), "未登记:3"_s);
+        const QVector<ledger::Copy> made = recorded();
+        for (const ledger::Copy &copy : made) {
+            QVERIFY(copy.registration == ledger::Registration::Awaited);
+            const ContentReading target = readContent(platform::toLocalPath(copy.target));
+            QCOMPARE(copy.targetHash, target.hash);
+            QCOMPARE(copy.sourceHash, readContent(copy.source).hash);
+            const bool isTurned = !copy.target.endsWith("IMG_0.jpg"_s);
+            QVERIFY(copy.kind == (isTurned ? ledger::CopyKind::Upright : ledger::CopyKind::Bytes));
+            QCOMPARE(copy.proof, isTurned ? Proof::Derived : target.proof);
+        }
+        QCOMPARE(made.size(), 3);
         QString tips;
         for (int row = 0; row < 3; ++row)
             tips += photos()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
@@ -264,6 +292,14 @@ private slots:
         QTRY_COMPARE(state(first_), "导片完成"_s);
         QTRY_COMPARE(text(first_, Column::ImportedColumn), "3"_s);
         QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 2);
+        const auto isRegistered = [](const ledger::Copy &copy) {
+            return copy.registration == ledger::Registration::Done;
+        };
+        const auto areRegistered = [&] {
+            const QVector<ledger::Copy> copies = recorded();
+            return std::all_of(copies.cbegin(), copies.cend(), isRegistered);
+        };
+        QTRY_VERIFY(areRegistered());
     }
 
     void deletesAtTheServiceFirst()
@@ -415,6 +451,19 @@ private slots:
     }
 
 private:
+    /// What the ledger knows of the first order's copies.
+    QVector<ledger::Copy> recorded() const
+    {
+        return ledger_->answer([number = first_](const LedgerReader &reader) {
+            ledger::HistorySearch search;
+            search.order = number;
+            QVector<ledger::Copy> copies;
+            for (const ledger::Entry &entry : reader.history(search).entries)
+                copies += reader.copiesOfEntry(entry.id);
+            return copies;
+        });
+    }
+
     void open() { show(new tfhome); }
     void importShown()
     {
@@ -462,6 +511,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> card_;
     const QString done_ = "导片完成！"_s;
+    std::unique_ptr<Ledger> ledger_;
     const QString first_ = "TS10001-1"_s;
     const QString second_ = "TS10003-1"_s;
 };
