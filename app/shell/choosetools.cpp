@@ -33,7 +33,7 @@ QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
 ChooseTools::ChooseTools(QWidget *parent, const QVector<Tool> &tools)
     : FramelessWindow(parent)
     , tools_(tools)
-    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser()}))
+    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser(), history()}))
 {
     setWindowTitle(QStringLiteral("Tessavo"));
     titleBar()->setPlain(true);
@@ -99,6 +99,19 @@ QWidget *ChooseTools::cards()
     return scroll;
 }
 
+/// Opens a tool that has no card.
+QPushButton *ChooseTools::footButton(const Tool &tool, const QString &name, const QString &keys)
+{
+    auto *button = new QPushButton(tool.label);
+    button->setObjectName(name);
+    button->setStyleSheet(theme::secondaryButtonStyle());
+    button->setShortcut(QKeySequence(keys));
+    setPlainTip(button, keys);
+    connect(button, &QPushButton::clicked, this,
+            [this, label = tool.label] { windows_->open(label); });
+    return button;
+}
+
 QWidget *ChooseTools::footer()
 {
     auto *footer = new QWidget;
@@ -107,13 +120,10 @@ QWidget *ChooseTools::footer()
     layout->addWidget(label(QStringLiteral("双击图标打开工具"), QStringLiteral("hintLabel"),
                             K::scaledPx(12), colours::muted));
     layout->addStretch();
-    auto *orders = new QPushButton(orderBrowser().label);
-    orders->setObjectName(QStringLiteral("orderListButton"));
-    orders->setStyleSheet(theme::secondaryButtonStyle());
-    orders->setShortcut(QKeySequence(QStringLiteral("Ctrl+L")));
-    orders->setToolTip(QStringLiteral("Ctrl+L"));
-    connect(orders, &QPushButton::clicked, this, [this] { windows_->open(orderBrowser().label); });
-    layout->addWidget(orders);
+    layout->addWidget(
+        footButton(orderBrowser(), QStringLiteral("orderListButton"), QStringLiteral("Ctrl+L")));
+    layout->addWidget(
+        footButton(history(), QStringLiteral("historyButton"), QStringLiteral("Ctrl+H")));
     layout->addStretch();
     layout->addWidget(label(QStringLiteral("版本信息：") + AccountContext::appVersion,
                             QStringLiteral("versionLabel"), K::scaledPx(12), colours::muted));

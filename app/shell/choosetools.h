@@ -7,10 +7,12 @@
 #include <QString>
 #include <QVector>
 
+class QPushButton;
 class QVBoxLayout;
 
 /// The launcher: one card per tool. A double click opens the tool's window, or brings it to the
-/// front; there is at most one window per card. The order browser has a button below the cards.
+/// front; there is at most one window per card. The order browser and the history have
+/// buttons below the cards.
 /// Tool windows belong to themselves: they outlive the launcher and are deleted when they close.
 class ChooseTools : public FramelessWindow
 {
@@ -33,6 +35,7 @@ private slots:
 private:
     QWidget *header() const;
     QWidget *cards();
+    QPushButton *footButton(const Tool &tool, const QString &name, const QString &keys);
     QWidget *footer();
     void placeOnScreen();
 

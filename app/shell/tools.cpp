@@ -3,6 +3,7 @@
 #include "batchdelete/window/batchdelete.h"
 #include "distribution/window/fjhome.h"
 #include "fileimport/window/importfiles.h"
+#include "history/window/historywindow.h"
 #include "orderbrowser/window/orderlist.h"
 #include "photoimport/window/tfhome.h"
 
@@ -62,5 +63,12 @@ const Tool &orderBrowser()
 {
     static const Tool tool{
         QStringLiteral("订单列表"), {}, []() -> FramelessWindow * { return new OrderList; }};
+    return tool;
+}
+
+const Tool &history()
+{
+    static const Tool tool{
+        QStringLiteral("导入记录"), {}, []() -> FramelessWindow * { return new HistoryWindow; }};
     return tool;
 }

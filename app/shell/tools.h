@@ -23,3 +23,5 @@ const QVector<Tool> &allTools();
 
 /// The order browser, which has no card but a button below them.
 const Tool &orderBrowser();
+/// What was done before, which has such a button too.
+const Tool &history();
