@@ -9,6 +9,7 @@
 #include "files/pathgate.h"
 #include "files/paths.h"
 #include "files/safename.h"
+#include "ledger/ledger.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -122,6 +123,7 @@ bool DistributionRun::start(const QVector<OrderData> &orders, const RunSettings 
     completed_ = 0;
     folders_.clear();
     index_ = -1;
+    recording_.begin(settings.type, settings.identity);
     stepTimer_.start();
     startNextOrder();
     return true;
@@ -303,6 +305,7 @@ void DistributionRun::count(const TaskResult &result)
 {
     ++copyPicFinishNum_;
     files_ += result.files;
+    recording_.add(current(), result.files, result.files.size() == 1 ? result.errmsg : QString());
     if (isDownload(result.type))
         ++downPhotoFinishNums_;
     addErrorsOf(result);
@@ -455,10 +458,21 @@ void DistributionRun::completeOrder()
 /// What the run was to write, beside what stands there: told at the end.
 void DistributionRun::proveOrder()
 {
+    Ledger::current().ask(
+        this,
+        [folder = orderFolder_](const LedgerReader &reader) {
+            return distributionrecords::earlierFiles(
+                reader.copiesBelow(folder, distributionrecords::works()));
+        },
+        proving_.only([this](const QVector<EarlierFile> &earlier) { proveOrder(earlier); }));
+}
+
+void DistributionRun::proveOrder(const QVector<EarlierFile> &earlier)
+{
     onDisk(
         this, orderFolder_,
-        [folder = orderFolder_, files = files_, tool = cardName(settings_.type)] {
-            return orderproof::prove(folder, files, {}, tool);
+        [folder = orderFolder_, files = files_, earlier, tool = cardName(settings_.type)] {
+            return orderproof::prove(folder, files, earlier, tool);
         },
         proving_.only([this](const OrderProof &proof) {
             proofs_.append({current().identity(), current().displayNumber(), proof});
@@ -483,6 +497,7 @@ void DistributionRun::finish()
     summary.errors = errors_;
     summary.proofs = proofs_;
     running_ = false;
+    recording_.end();
     claim_.release();
     stepTimer_.stop();
     announceStep();

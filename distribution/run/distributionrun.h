@@ -3,6 +3,7 @@
 #include "distribution/plan/distributionplan.h"
 #include "distribution/proof/orderproof.h"
 #include "distribution/rules/orderdata.h"
+#include "distribution/run/distributionrecording.h"
 #include "distribution/run/downloadreports.h"
 #include "distribution/run/imagefetches.h"
 #include "net/orderqueries.h"
@@ -109,6 +110,7 @@ private:
     void addErrors(const QString &lines, const QString &file = {});
     void completeOrder();
     void proveOrder();
+    void proveOrder(const QVector<EarlierFile> &earlier);
     void skipOrder(const QString &reason);
     void finish();
     void announceIdle();
@@ -119,6 +121,7 @@ private:
     WorkerPool pool_;
     ImageFetches fetches_;
     DownloadReports reports_;
+    DistributionRecording recording_;
     LatestCall detailCall_;
     Latest reading_; ///< of its reply
 

@@ -21,11 +21,22 @@
 #include <QPushButton>
 #include <QSplitter>
 
+#include <array>
 #include <utility>
 
 namespace {
 
-constexpr int widestColumnPx = 320;
+// Widths of the columns, in their order.
+constexpr std::array<int, EntryTable::ColumnCount> entryColumnsPx{150, 100, 110, 140, 220,
+                                                                  90,  150, 90,  130};
+constexpr std::array<int, FileTable::ColumnCount> fileColumnsPx{150, 170, 150, 90, 90,
+                                                                150, 260, 300, 250};
+
+template <std::size_t count> void widen(QTableView *table, const std::array<int, count> &columnsPx)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        table->setColumnWidth(int(i), K::scaledPx(columnsPx[i]));
+}
 
 QString folderOf(QString path)
 {
@@ -106,6 +117,7 @@ QWidget *HistoryWindow::entryHalf()
     entryTable_->setObjectName(QStringLiteral("entryTable"));
     prepareTable(entryTable_);
     entryRows_ = new SortedRows(entryTable_, &entries_, EntryTable::SortRole);
+    widen(entryTable_, entryColumnsPx);
     entryTable_->setSelectionMode(QAbstractItemView::SingleSelection);
     entryRows_->addAction(QStringLiteral("复制"), QKeySequence::Copy,
                           [this](int) { QGuiApplication::clipboard()->setText(copiedRow()); });
@@ -131,6 +143,7 @@ QWidget *HistoryWindow::fileHalf()
     fileTable_->setObjectName(QStringLiteral("historyFiles"));
     prepareTable(fileTable_);
     fileRows_ = new SortedRows(fileTable_, &files_, FileTable::SortRole);
+    widen(fileTable_, fileColumnsPx);
     fileTable_->setEmptyText(QStringLiteral("选择一条记录查看其文件"));
     fileTable_->setItemDelegateForColumn(FileTable::SourceColumn,
                                          new ElidedTextDelegate(Qt::ElideMiddle, fileTable_));
@@ -199,14 +212,11 @@ void HistoryWindow::showStretch(const HistoryStretch &stretch, bool isFirst)
 {
     entryTable_->setEmptyText(stretch.isOpen ? QStringLiteral("没有找到记录")
                                              : QStringLiteral("没有启用导入记录，或记录无法打开"));
-    const bool isNew = isFirst && entries_.entries().isEmpty();
     if (isFirst)
         entries_.setEntries(stretch.entries);
     else
         entries_.append(stretch.entries);
     entryRows_->sortAgain();
-    if (isNew && !stretch.entries.isEmpty())
-        fitColumns(entryTable_, K::scaledPx(widestColumnPx));
     more_->setEnabled(stretch.hasMore);
     exportEntries_->setEnabled(!entries_.entries().isEmpty());
     count_->setText(QStringLiteral("共 %1 条记录").arg(entries_.entries().size()) +
@@ -243,7 +253,6 @@ void HistoryWindow::showFiles(ledger::EntryId entry, const QVector<FileRecord> &
     files_.setFiles(files);
     fileRows_->sortAgain();
     fileTable_->setEmptyText(QStringLiteral("没有文件"));
-    fitColumns(fileTable_, K::scaledPx(widestColumnPx));
     exportFiles_->setEnabled(!files.isEmpty());
     if (!isWhole)
         heading_->setText(heading_->text() +
