@@ -1,6 +1,7 @@
 #include "distribution/rules/distributionrequests.h"
 #include "distribution/run/distributionrun.h"
 #include "distribution/run/fjdataoperate.h"
+#include "ledger/ledger.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
@@ -187,6 +188,53 @@ private slots:
         }
         QVERIFY(readFile(made.filePath("其他/快递信息.txt"_s)).startsWith("收件人：林婉清"));
         QVERIFY(QImage(made.filePath("其他/条形码.jpg"_s)).width() > 100);
+    }
+
+    void knowsWhatEarlierRunsWrote()
+    {
+        const QTemporaryDir kept;
+        Ledger ledger(kept.path());
+        ledger.makeCurrent();
+        RunSettings wanted = settings(Type::DownloadDelivery, "f"_s);
+        run({order(1)}, wanted);
+        const auto rows = [&ledger, this] {
+            return ledger.answer([this](const LedgerReader &reader) {
+                return reader.copiesBelow(target(orderFolder));
+            });
+        };
+        QCOMPARE(rows().size(), 4);
+        for (const ledger::Copy &copy : rows()) {
+            QVERIFY(copy.isFinished());
+            QCOMPARE(copy.work, ledger::Work::DownloadDelivery);
+            QCOMPARE(copy.order.number, "TS10001-1"_s);
+            const bool upright = copy.target.endsWith("IMG_0005.jpg"_s);
+            QCOMPARE(copy.kind, upright ? ledger::CopyKind::Upright : ledger::CopyKind::Bytes);
+            QCOMPARE(copy.proof, upright ? ledger::Proof::None : ledger::Proof::Size);
+        }
+
+        // Two photos are not wanted any more; one of them was worked on, and is somebody's now.
+        writeFile(target(orderFolder + "/原图/IMG_0009.jpg"_s), "cropped");
+        wanted.leftOut.insert(order(1).identity(), {"8000011001"_s, "8000011004"_s});
+        const OrderProof proof = run({order(1)}, wanted).proofs.first().proof;
+        QCOMPARE(proof.expected, 2);
+        QVERIFY(proof.isComplete());
+        QCOMPARE(proof.others, 2);
+        QCOMPARE(proof.earlier.size(), 1);
+        QVERIFY(proof.earlier.first().path.endsWith("原图/IMG_0003.jpg"_s));
+        // Another card's files are no leftovers of this one's.
+        const OrderProof other =
+            run({order(1)}, settings(Type::DownloadOriginals, "o"_s)).proofs.first().proof;
+        QVERIFY(other.earlier.isEmpty());
+        QCOMPARE(other.ofOtherCards.size(), 3);
+
+        // What fails is missing, and what stands there stays.
+        const QDir share(demo_.share() + "/海棠路旗舰店/选片/TS10001-1/选片"_s);
+        QVERIFY(QFile::rename(share.filePath("all/IMG_0007.jpg"_s), share.filePath("away"_s)));
+        const OrderProof incomplete = run({order(1)}, wanted).proofs.first().proof;
+        QVERIFY(QFile::rename(share.filePath("away"_s), share.filePath("all/IMG_0007.jpg"_s)));
+        QCOMPARE(incomplete.missing.size(), 1);
+        QCOMPARE(incomplete.missing.first().why, MissingFile::Why::NotReplaced);
+        QCOMPARE(incomplete.inPlace, 1);
     }
 
     void leavesOutWhatIsNotWanted()
