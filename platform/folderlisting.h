@@ -35,6 +35,9 @@ enum class FolderListing {
     Failed,  ///< reading it broke off
 };
 
+/// Ticks as milliseconds since 1970, UTC.
+qint64 msOf(qint64 ticks);
+
 /// Hands every entry of \a folder, hidden ones included, "." and ".." not, to \a visit in no
 /// particular order, until that returns false. What vanishes meanwhile is left out. Never follows a
 /// link below \a folder. Blocks; for worker threads.

@@ -149,6 +149,12 @@ FolderListing listFolder(const QString &folder,
     }
 }
 
+qint64 msOf(qint64 ticks)
+{
+    constexpr qint64 nsPerMs = 1000000;
+    return ticks / nsPerMs;
+}
+
 bool isMountPoint(const QString &path)
 {
     struct stat info

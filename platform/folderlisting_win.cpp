@@ -153,6 +153,13 @@ FolderListing listFolder(const QString &folder,
     return GetLastError() == ERROR_NO_MORE_FILES ? FolderListing::Done : FolderListing::Failed;
 }
 
+qint64 msOf(qint64 ticks)
+{
+    constexpr qint64 ticksPerMs = 10000;
+    constexpr qint64 msFrom1601To1970 = 11644473600000;
+    return ticks / ticksPerMs - msFrom1601To1970;
+}
+
 bool isMountPoint(const QString &path)
 {
     constexpr DWORD longestName = 64; // with its identifier a volume's takes 50

@@ -32,6 +32,13 @@ QVector<BatchDeleteFileInfo> withKeptAsFailed(QVector<BatchDeleteFileInfo> files
     return files;
 }
 
+/// What an order is told apart by; its files may be a million.
+BatchDeleteOrderInfo withoutFiles(BatchDeleteOrderInfo order)
+{
+    order.setFiles({});
+    return order;
+}
+
 } // namespace
 
 BatchDeleteRun::BatchDeleteRun(QObject *parent)
@@ -262,13 +269,25 @@ void BatchDeleteRun::onScanned(const FileScanResult &result)
 void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
 {
     phase_ = Phase::Announcing; // of a retry, too
+    struct Announcement
+    {
+        QByteArray body;
+        DeletionRecording::Rows rows;
+    };
     onProcessor(
         this,
-        [identity = identity_, id = order().orderPhotoId, files] {
-            return deletionrequests::announceBody(identity, id, files);
+        [identity = identity_, run = recording_.run(identity_), order = withoutFiles(order()),
+         files] {
+            return Announcement{deletionrequests::announceBody(identity, order.orderPhotoId, files),
+                                DeletionRecording::enter(run, order, files)};
         },
-        step_.only([this](const QByteArray &body) {
-            announcement_.start(deletionrequests::announceAction, body,
+        step_.only([this, files](const Announcement &made) {
+            announcing_ = made.rows;
+            if (retrying_)
+                recording_.addRows(order().identity(), files, made.rows);
+            else
+                recording_.setRows(order().identity(), made.rows);
+            announcement_.start(deletionrequests::announceAction, made.body,
                                 [this](const ServiceReply &reply) { onAnnounced(reply); });
         }));
 }
@@ -276,6 +295,7 @@ void BatchDeleteRun::announce(const QVector<BatchDeleteFileInfo> &files)
 void BatchDeleteRun::onAnnounced(const ServiceReply &reply)
 {
     if (reply.isSuccess()) {
+        DeletionRecording::announced(announcing_);
         processNextFile();
         return;
     }
@@ -336,7 +356,7 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
     if (file.state > BatchDeleteFileInfo::InUse)
         file.state = BatchDeleteFileInfo::Failed;
     if (!unreachable && !file.missing) {
-        setFile(file_, file);
+        setFailed(file);
         processNextFile();
         return;
     }
@@ -347,7 +367,7 @@ void BatchDeleteRun::onFileProcessed(BatchDeleteFileInfo file)
         [path = order().netPath, holder = holder_] { return emptiedfolder::lookFor(path, holder); },
         step_.only([this, file, unreachable](const emptiedfolder::Look &look) {
             if (look.state == emptiedfolder::State::There && unreachable) {
-                setFile(file_, file);
+                setFailed(file);
                 processNextFile();
             } else if (look.state != emptiedfolder::State::Unreachable && !unreachable) {
                 report(file);
@@ -363,6 +383,7 @@ void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file, const QString &reaso
     file.missing = false;
     file.state = BatchDeleteFileInfo::Failed;
     file.reason = reason;
+    recording_.failed(order().identity(), file_, file);
     QVector<BatchDeleteFileInfo> files = order().files();
     files[file_] = file;
     for (const int index : qAsConst(pending_)) {
@@ -382,6 +403,8 @@ void BatchDeleteRun::onFolderGone(BatchDeleteFileInfo file, const QString &reaso
 void BatchDeleteRun::report(const BatchDeleteFileInfo &file)
 {
     phase_ = Phase::Reporting;
+    if (file.state == BatchDeleteFileInfo::Deleted)
+        recording_.deleted(order().identity(), file_, file);
     if (closing_)
         closingTimer_.start();
     reporter_.deletePost_one(identity_, order().orderPhotoId, file,
@@ -395,6 +418,7 @@ void BatchDeleteRun::onReported(BatchDeleteFileInfo file, bool reported)
     declined_ = declined_ || !reported;
     declinedInARow_ = reported ? 0 : declinedInARow_ + 1;
     setFile(file_, file);
+    recording_.reported(order().identity(), file_, file);
     // One by one the files of a large order would ask again and again.
     if (declinedInARow_ == declinesBeforePause && !pending_.isEmpty() && !stopping_ && !closing_) {
         phase_ = Phase::Paused;
@@ -416,6 +440,13 @@ void BatchDeleteRun::setFile(int index, const BatchDeleteFileInfo &file)
     emit fileChanged(order().identity(), index, file);
 }
 
+/// The file at hand, which is there still.
+void BatchDeleteRun::setFailed(const BatchDeleteFileInfo &file)
+{
+    setFile(file_, file);
+    recording_.failed(order().identity(), file_, file);
+}
+
 void BatchDeleteRun::note(const QString &text)
 {
     order().note = text;
@@ -435,6 +466,7 @@ void BatchDeleteRun::finish(DeletionSummary::End end)
     step_.abandon(); // what still goes on behind the scenes is not wanted any more
     scan_.reset();
     announcement_.cancel();
+    recording_.end();
     phase_ = Phase::Idle;
     file_ = -1;
     pending_.clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "batchdelete/rules/batchdeleterecords.h"
+#include "batchdelete/run/deletionrecording.h"
 #include "batchdelete/run/deletionreporter.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
@@ -129,6 +130,7 @@ private:
     void onReported(BatchDeleteFileInfo file, bool reported);
     void listFiles(const QVector<BatchDeleteFileInfo> &files);
     void setFile(int index, const BatchDeleteFileInfo &file);
+    void setFailed(const BatchDeleteFileInfo &file);
     void note(const QString &text);
     void skipOrder(const QString &reason);
     void finish(DeletionSummary::End end);
@@ -156,6 +158,8 @@ private:
     std::unique_ptr<FileScanThread> scan_;
     LatestCall announcement_;
     DeletionReporter reporter_;
+    DeletionRecording recording_;
+    DeletionRecording::Rows announcing_;
     QVector<BatchdeleteThread *> threads_; ///< not ended yet; one, but for moments
     QTimer closingTimer_;
 };

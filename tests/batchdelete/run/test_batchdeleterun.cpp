@@ -2,6 +2,7 @@
 #include "batchdelete/run/batchdeleterun.h"
 #include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/run/filescanworker.h"
+#include "ledger/ledger.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
@@ -90,6 +91,42 @@ private slots:
         QVERIFY(all.first()["body"_s].toString().startsWith(
             "shopid=101&eid=3101&superid=7001&personid=3101&order_photo_id=800001&pics=[{"_s));
         QTRY_VERIFY(!run_->isBusy());
+    }
+
+    void entersWhatItDoesInTheLedger()
+    {
+        const QTemporaryDir kept;
+        Ledger ledger(kept.path());
+        ledger.makeCurrent();
+        const auto order = makeOrder(0, 3);
+        QVERIFY(QFile::setPermissions(pathOf(order, "2.jpg"_s), QFile::ReadOwner));
+        demo_.misbehave(after, "drop"_s, {{"times"_s, 1}});
+        connect(run_->reporter(), &DeletionReporter::resubmitNeeded, this,
+                [this] { run_->reporter()->answerResubmit(false); });
+        runOut({order});
+        const auto rows = [&ledger, order] {
+            QStringList told;
+            const auto deletions = ledger.answer([order](const LedgerReader &reader) {
+                return reader.deletionsOfOrder(order.identity());
+            });
+            for (const ledger::Deletion &each : deletions) {
+                const QString name = each.file.path.section(QLatin1Char('\\'), -1);
+                told.append(name + QLatin1Char(':') + (each.announcedMs ? "a"_s : QString()) +
+                            (each.deletedMs ? "d"_s : QString()) +
+                            (each.reportedMs ? "r"_s : QString()) +
+                            (each.failure.isEmpty() ? QString() : "!"_s));
+            }
+            told.sort();
+            return told;
+        };
+        QCOMPARE(rows(), QStringList({"0.jpg:ad!"_s, "1 a&b.jpg:adr"_s, "2.jpg:a!"_s}));
+        QVERIFY(
+            QFile::setPermissions(pathOf(order, "2.jpg"_s), QFile::ReadOwner | QFile::WriteOwner));
+        retry(order, {0, 1, 2});
+        const QStringList retried = rows();
+        for (const QString &row : retried)
+            QVERIFY2(row.contains(":adr"_s), qUtf8Printable(row)); // no rows were added
+        QCOMPARE(retried.size(), 3);
     }
 
     void filesThatCannotBeDeletedAreTold()

@@ -202,8 +202,9 @@ private slots:
                 return reader.copiesBelow(target(orderFolder));
             });
         };
-        QCOMPARE(rows().size(), 4);
-        for (const ledger::Copy &copy : rows()) {
+        const QVector<ledger::Copy> first = rows();
+        QCOMPARE(first.size(), 4);
+        for (const ledger::Copy &copy : first) {
             QVERIFY(copy.isFinished());
             QCOMPARE(copy.work, ledger::Work::DownloadDelivery);
             QCOMPARE(copy.order.number, "TS10001-1"_s);
