@@ -2,7 +2,6 @@
 #include "batchdelete/rules/deletionrules.h"
 #include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
-#include "files/transferprogress.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"
@@ -12,8 +11,6 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <cmath>
 
 using namespace deletionrules;
 
@@ -251,17 +248,6 @@ private slots:
     }
 
     void readsOrders();
-
-    void sizes()
-    {
-        for (const auto &[bytes, text] : {std::pair(0.0, "0 B"),
-                                          {1023, "1023 B"},
-                                          {1024, "1.0 KB"},
-                                          {1048575, "1.0 MB"},
-                                          {5 * std::pow(2, 29), "2.5 GB"},
-                                          {std::pow(2, 41), "2048.0 GB"}})
-            QCOMPARE(dataSizeText(bytes), QLatin1String(text));
-    }
 
     void listsAndTables()
     {

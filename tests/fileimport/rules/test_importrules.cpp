@@ -3,7 +3,6 @@
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/filechoice.h"
 #include "files/chosenfiles.h"
-#include "files/transferprogress.h"
 #include "tests/support/datarows.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"
@@ -230,24 +229,6 @@ private slots:
         QCOMPARE(importrules::unimportedWithout(request.known, request.paths.mid(1)), 1);
         request.known.first().state = ImportFile::Imported;
         QCOMPARE(importrules::unimportedWithout(request.known, request.paths.mid(1)), 0);
-    }
-
-    void progressIsToldInWords()
-    {
-        constexpr qint64 megabyte = 1024 * 1024;
-        TransferProgress progress{12, 400, 96 * megabyte, 3 * 1024 * megabyte};
-        TransferRate rate;
-        QCOMPARE(progressText(progress, rate), "文件 12/400 · 96.0 MB / 3.0 GB · 0 B/s"_s);
-        for (int second = 0; second <= 10; ++second)
-            rate.add(second * 1000, second * 8 * megabyte);
-        QCOMPARE(rate.bytesPerSecond(), 8.0 * megabyte);
-        QCOMPARE(progressText(progress, rate),
-                 "文件 12/400 · 96.0 MB / 3.0 GB · 8.0 MB/s · 剩余 06:12"_s);
-        // Older speed does not count: ten seconds of standstill are a standstill.
-        rate.add(30000, 80 * megabyte);
-        rate.add(40000, 80 * megabyte);
-        QCOMPARE(rate.bytesPerSecond(), 0.0);
-        QCOMPARE(rate.secondsLeft(megabyte), qint64(-1));
     }
 };
 
