@@ -9,6 +9,8 @@
 #include "orderbrowser/window/exportbutton.h"
 #include "orderbrowser/window/filterchips.h"
 #include "orderbrowser/window/orderactions.h"
+#include "platform/freedmemory.h"
+#include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/inputs/customcheckboxnew.h"
@@ -28,6 +30,8 @@
 namespace {
 
 constexpr int keepAfterMs = 500;
+constexpr int manyOrders = 5000;
+constexpr int giveBackAfterMs = 1000;
 
 QString grouped(int count)
 {
@@ -343,6 +347,20 @@ void OrderList::takeListing(const OrderListing &listing)
                                   .arg(QTime::currentTime().toString(QStringLiteral("HH:mm")))
                             : QString());
     arrange();
+    // The reply that they were read from is several times as large, and gone by then.
+    if (listing.orders.size() >= manyOrders)
+        QTimer::singleShot(giveBackAfterMs, this, &OrderList::giveBackMemory);
+}
+
+void OrderList::giveBackMemory()
+{
+    onProcessor(
+        this,
+        [] {
+            platform::giveBackFreedMemory();
+            return true;
+        },
+        [](bool) {});
 }
 
 // What is shown, and how.

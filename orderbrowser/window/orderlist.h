@@ -54,6 +54,7 @@ private:
     void search(const BrowserSearch &search);
     void refresh();
     void takeListing(const OrderListing &listing);
+    void giveBackMemory();
 
     void arrange();
     void showRows(const OrderListing &listing, const QVector<int> &rows);

@@ -1,0 +1,8 @@
+#include "platform/freedmemory.h"
+
+#include <malloc.h>
+
+void platform::giveBackFreedMemory()
+{
+    _heapmin();
+}
