@@ -92,7 +92,7 @@ tfhome::tfhome(QWidget *parent)
     connectPhotos();
     connectBar();
     connectRun();
-    connectDeleter();
+    connectDeletion();
 }
 
 tfhome::~tfhome()
@@ -215,7 +215,7 @@ void tfhome::connectRun()
     connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
 }
 
-void tfhome::connectDeleter()
+void tfhome::connectDeletion()
 {
     connect(deletion_, &ConfirmedPhotoDeletion::asking, this,
             [this] { photoPanel_->thumbnails()->want({}, 0); });

@@ -43,7 +43,7 @@ private:
     void connectPhotos();
     void connectBar();
     void connectRun();
-    void connectDeleter();
+    void connectDeletion();
 
     // Choosing.
     void showSelectedOrder();
