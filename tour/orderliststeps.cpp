@@ -4,12 +4,15 @@
 #include "orderbrowser/window/columndialog.h"
 #include "orderbrowser/window/orderlist.h"
 #include "tests/support/text.h"
+#include "thumbnails/photocell.h"
+#include "thumbnails/thumbnailtableview.h"
 #include "tour/guide.h"
 #include "tour/steps.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
@@ -48,6 +51,28 @@ void tourOrderList(Guide &guide)
     guide.click(window, "searchButton");
     guide.waitFor([&] { return rows() > 3; }, "the branch's orders are listed"_s);
     guide.picture(window, "orderlist"_s);
+
+    guide.step("详情"_s);
+    orders(window)->selectRow(0);
+    guide.click(window, "detailsBox");
+    const auto *heading = window->findChild<QLabel *>("chosenHeading"_s);
+    guide.waitFor([heading] { return heading->text() == "已选照片 4 张"_s; },
+                  "the photos that were chosen are listed"_s);
+    const auto *folder = window->findChild<QLabel *>("folderLabel"_s);
+    guide.waitFor([folder] { return !folder->text().startsWith("正在"_s); },
+                  "the folder is looked at"_s);
+    const auto *photos = window->findChild<ThumbnailTableView *>("chosenGrid"_s);
+    guide.waitFor(
+        [photos] {
+            for (int i = 0; i < photos->count(); ++i) {
+                if (!photos->cell(i) || !photos->cell(i)->isLoaded)
+                    return false;
+            }
+            return photos->count() > 0;
+        },
+        "their pictures are shown"_s);
+    guide.picture(window, "orderlist-details"_s);
+    guide.click(window, "detailsBox");
 
     guide.step("列设置"_s);
     guide.click(window, "columnsButton");
