@@ -2,13 +2,16 @@
 
 #include "batchdelete/rules/deletionrules.h"
 #include "batchdelete/run/deletiontexts.h"
+#include "batchdelete/run/unreporteddeletions.h"
 #include "batchdelete/window/batchdelete_filelistwidget.h"
 #include "batchdelete/window/batchdelete_orderlistwidget.h"
 #include "batchdelete/window/batchdelete_runbar.h"
 #include "batchdelete/window/deletionapproval.h"
 #include "batchdelete/window/deletionquestions.h"
+#include "pending/pendingbar.h"
 #include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
+#include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"
@@ -38,6 +41,9 @@ QString noPermissionText()
 BatchDelete::BatchDelete(QWidget *parent)
     : FramelessWindow(parent)
     , searchBar_(new OrderSearchBar(this))
+    , notices_(new NoticeBar(this))
+    , pending_(new PendingBar(this, notices_))
+    , unreported_(new UnreportedDeletions(this))
     , runBar_(new BatchDelete_RunBar(&orders_, &run_, this))
     , orderList_(new BatchDelete_OrderListWidget(&orders_))
     , fileList_(new BatchDelete_FileListWidget)
@@ -58,6 +64,7 @@ BatchDelete::BatchDelete(QWidget *parent)
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     connectLists();
     connectRun();
+    connectUnreported();
     showRunState();
 }
 
@@ -88,6 +95,7 @@ void BatchDelete::buildLayout()
     layout->setSpacing(theme::spacing());
     layout->addWidget(searchBar_);
     layout->addWidget(runBar_);
+    layout->addWidget(notices_);
     layout->addWidget(splitter, 1);
     setContent(content);
 }
@@ -201,6 +209,8 @@ void BatchDelete::onBranchLeft()
 void BatchDelete::onBranchSwitched()
 {
     switchedRoots_.append(branch_.publicPath());
+    pending_->setBranch(branch_.identity().shopId);
+    unreported_->refresh();
     emit changeShop(orderqueries::switchedShopMap(branch_.identity()));
     const bool permitted = branch_.mayDeleteAllPhotos();
     orderList_->setEnabled(permitted);
@@ -230,6 +240,32 @@ void BatchDelete::onSearchClick()
     } else {
         reqOrderList();
     }
+}
+
+void BatchDelete::connectUnreported()
+{
+    connect(unreported_, &UnreportedDeletions::changed, this, &BatchDelete::countUnreported);
+    connect(unreported_, &UnreportedDeletions::finished, this,
+            [this](const QString &text) { MessageBox::information(this, text); });
+    connect(pending_, &PendingBar::taken, this,
+            [this](pendinglines::Kind, pendinglines::Offer offer, const QString &branch) {
+                if (offer == pendinglines::Offer::SwitchBranch)
+                    finder_->chooseBranch(branch);
+                else if (offer == pendinglines::Offer::Ignore)
+                    unreported_->dismiss(branch);
+                else if (mayDelete())
+                    unreported_->report(branch_.identity());
+            });
+}
+
+void BatchDelete::countUnreported()
+{
+    QVector<pendinglines::Count> counts;
+    for (const ShopRecord &shop : qAsConst(AccountContext::shopList)) {
+        const int files = unreported_->of(shop.id).size();
+        counts.append({pendinglines::Kind::UnreportedFiles, shop.id, 0, files});
+    }
+    pending_->setCounts(pendinglines::Kind::UnreportedFiles, counts);
 }
 
 void BatchDelete::reqOrderList()

@@ -17,8 +17,11 @@ class BatchDelete_OrderListWidget;
 class BatchDelete_RunBar;
 class DeletionApproval;
 class DeletionQuestions;
+class NoticeBar;
 class OrderFinder;
 class OrderSearchBar;
+class PendingBar;
+class UnreportedDeletions;
 
 /// The tool window for deleting all files of many orders: search orders, tick them, confirm what is
 /// going to be emptied, confirm the account, and see what becomes of every file. What it decides
@@ -52,6 +55,8 @@ private:
     void buildLayout();
     void connectLists();
     void connectRun();
+    void connectUnreported();
+    void countUnreported();
 
     void onBranchLeft();
     void onBranchSwitched();
@@ -87,6 +92,9 @@ private:
     bool opened_ = false;
 
     OrderSearchBar *searchBar_;
+    NoticeBar *notices_;
+    PendingBar *pending_;
+    UnreportedDeletions *unreported_;
     BatchDelete_RunBar *runBar_;
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;

@@ -152,7 +152,8 @@ QString leavingQuestion(const QVector<ImportOrder> &orders)
         });
     if (lost == 0)
         return {};
-    return QStringLiteral("有 %1 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？")
+    return QStringLiteral(
+               "有 %1 个已选的文件还没有导入，切换分店后它们只保留在提示栏中，确认要切换吗？")
         .arg(lost);
 }
 

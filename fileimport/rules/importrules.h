@@ -42,8 +42,8 @@ QString unchosenQuestion(const QStringList &names);
 /// How many of \a files are not imported and not among \a paths.
 int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths);
 
-/// What to ask before \a orders are left for another branch's: how many files would not be imported
-/// any more. Empty when none.
+/// What to ask before \a orders are left for another branch's: how many files would wait
+/// out of sight. Empty when none.
 QString leavingQuestion(const QVector<ImportOrder> &orders);
 
 /// What to tell before the window closes: that an import \a isRunning, otherwise how many orders

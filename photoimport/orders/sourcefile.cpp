@@ -104,6 +104,16 @@ QString sourceFilter(PhotoMode photoMode)
                           "*.webm *.3gp);;所有文件 (*.*)");
 }
 
+QVector<SourceJob> waitingJobs(PhotoMode photoMode)
+{
+    // Which jobs there are depends on the mode alone; their sizes are the order's.
+    QVector<SourceJob> jobs;
+    const auto forms = photorules::jobsFor({}, {QStringLiteral("x")}, photoMode);
+    for (const PhotoInfo &form : forms)
+        jobs.append({form.kind});
+    return jobs;
+}
+
 FileChoiceResult describeChoice(const FileChoice &choice)
 {
     FileChoiceResult result;
@@ -119,11 +129,7 @@ FileChoiceResult describeChoice(const FileChoice &choice)
         known.insert(file.path);
         placements.append({file.path, safeFileName(file.name)});
     }
-    // Which jobs there are depends on the mode alone; their sizes are the order's.
-    QVector<SourceJob> jobs;
-    const auto forms = photorules::jobsFor({}, {QStringLiteral("x")}, choice.photoMode);
-    for (const PhotoInfo &form : forms)
-        jobs.append({form.kind});
+    const QVector<SourceJob> jobs = waitingJobs(choice.photoMode);
     for (const QString &path : paths) {
         const QFileInfo info(path);
         const QString absolute = info.absoluteFilePath();

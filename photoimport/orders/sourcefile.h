@@ -101,5 +101,8 @@ struct FileChoiceResult
 /// all the same: its jobs will tell why.
 FileChoiceResult describeChoice(const FileChoice &choice);
 
+/// The jobs that a file has to go through in \a photoMode, none of them begun.
+QVector<SourceJob> waitingJobs(PhotoMode photoMode);
+
 /// Filter of the file dialog in \a photoMode.
 QString sourceFilter(PhotoMode photoMode);

@@ -4,6 +4,7 @@
 #include "files/pathgate.h"
 #include "photoimport/imported/confirmedphotodeletion.h"
 #include "photoimport/imported/tfhomephotos.h"
+#include "photoimport/window/photochoicerestorer.h"
 #include "photoimport/window/photoimportstarter.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhomeorders.h"
@@ -63,6 +64,8 @@ tfhome::tfhome(QWidget *parent)
           {[this](int row) { return mayChange(row); }, [this] { return orderPanel_->identity(); }}))
     , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
                                            [this](int row) { return mayChange(row); }))
+    , restorer_(std::make_unique<PhotoChoiceRestorer>(
+          PhotoChoiceRestorer::Place{this, &orders_, orderPanel_, &run_, overlay_, notices_}))
 {
     qRegisterMetaType<OrderInfo>();
     qRegisterMetaType<PhotoInfo>();
@@ -245,6 +248,7 @@ void tfhome::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
+        restorer_->open();
         orderPanel_->open();
     }
 }

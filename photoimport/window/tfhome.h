@@ -11,12 +11,15 @@
 #include <QTimer>
 #include <QVector>
 
+#include <memory>
+
 class LoadingOverlay;
 class ConfirmedPhotoDeletion;
 class NoticeBar;
 class PhotoImportStarter;
 class tffilechooser;
 class tfhomeorders;
+class PhotoChoiceRestorer;
 class tfhomephotos;
 class tfimportbar;
 
@@ -86,4 +89,5 @@ private:
     tffilechooser *chooser_;
     PhotoImportStarter *starter_;
     ConfirmedPhotoDeletion *deletion_;
+    std::unique_ptr<PhotoChoiceRestorer> restorer_; ///< last: it looks at the others to its end
 };

@@ -87,7 +87,8 @@ QString tfhomeorders::leavingQuestion() const
     if (std::none_of(orders.cbegin(), orders.cend(),
                      [](const PhotoOrder &order) { return order.hasUnfinishedFiles(); }))
         return {};
-    return QStringLiteral("切换分店会清空已添加但还没有导入的照片列表，确认要切换吗？");
+    return QStringLiteral(
+        "切换分店会清空已添加但还没有导入的照片列表，它们只保留在提示栏中，确认要切换吗？");
 }
 
 void tfhomeorders::onBranchLeft()

@@ -24,6 +24,8 @@ public:
 
     tfhomeorders_OrderListWidget *table() const { return table_; }
     const orderqueries::Identity &identity() const { return branch_.identity(); }
+    const QString &publicPath() const { return branch_.publicPath(); }
+    OrderFinder *finder() const { return finder_; }
 
     /// The first branch switch; orders and persons follow by themselves.
     void open();

@@ -322,7 +322,7 @@ private slots:
         choose("TS10001-1"_s, makePhotos(2));
         demo_.clearRequests();
         const QString question =
-            "有 2 个已选的文件还没有导入，切换分店会清空它们，确认要切换吗？"_s;
+            "有 2 个已选的文件还没有导入，切换分店后它们只保留在提示栏中，确认要切换吗？"_s;
         chooseBranch("102"_s);
         EXPECT_BOXES(question);
         QCOMPARE(branchBox()->currentText(), "一店"_s);

@@ -11,6 +11,7 @@
 #include "tests/support/pictures.h"
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/noticebar.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QDir>
@@ -448,6 +449,32 @@ private slots:
         QVERIFY(window_); // the photos that are imported are still to be registered
         demo_.release();
         QTRY_VERIFY(!window_);
+    }
+
+    void whatWasAddedComesBackInTheNextWindow()
+    {
+        openWith(3);
+        window_->setAttribute(Qt::WA_DeleteOnClose);
+        window_->close();
+        QTRY_VERIFY(!window_);
+        open();
+        auto *bar = window_->findChild<NoticeBar *>();
+        QTRY_COMPARE(bar->notices().size(), 1);
+        QCOMPARE(bar->notices().constFirst().text, "另有 1 个订单、3 个文件待导入"_s);
+        QCOMPARE(text(first_, Column::ChosenColumn), QString()); // nothing by itself
+        demo_.clearRequests();
+        bar->notices().constFirst().actions.constFirst().act();
+        QTRY_COMPARE(text(first_, Column::ChosenColumn), "3"_s);
+        QCOMPARE(demo_.requests("order_list"_s).size(), 1); // the order is asked for anew
+        QVERIFY(bar->notices().isEmpty());
+        select(first_);
+        importShown();
+        QCOMPARE(state(first_), "导片完成"_s);
+        delete window_;
+        const auto left = ledger_->answer([](const LedgerReader &reader) {
+            return reader.pending({"9001"_s, "101"_s, ledger::Work::PhotoImport}).size();
+        });
+        QCOMPARE(left, 0);
     }
 
 private:
