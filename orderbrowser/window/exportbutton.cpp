@@ -82,7 +82,9 @@ void ExportButton::onWritten(const QString &path, bool written)
 {
     end();
     if (!written) {
-        MessageBox::warning(this, QStringLiteral("文件保存失败: %1").arg(path));
+        // Also when the window has been closed meanwhile.
+        MessageBox::warning(window()->isVisible() ? this : nullptr,
+                            QStringLiteral("文件保存失败: %1").arg(path));
         return;
     }
     Toast::show(this, QStringLiteral("已导出: %1").arg(path), QStringLiteral("打开"),
