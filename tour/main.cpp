@@ -1,4 +1,5 @@
 #include "app/context/k.h"
+#include "ledger/ledger.h"
 #include "tests/support/text.h"
 #include "tour/guide.h"
 #include "tour/steps.h"
@@ -6,6 +7,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -45,6 +47,9 @@ int main(int argc, char *argv[])
     // A virtual screen reports a density of its own; the tour says what it shows.
     K::uiScale = parser.value(scale).toFloat();
 
+    const QTemporaryDir kept;
+    Ledger ledger(kept.path());
+    ledger.makeCurrent();
     Guide guide(parser.positionalArguments().constFirst(), K::uiScale);
     try {
         guide.studio().reset();
@@ -55,6 +60,7 @@ int main(int argc, char *argv[])
         tourDistribution(guide);
         tourBatchDelete(guide);
         tourOrderList(guide);
+        tourHistory(guide);
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));

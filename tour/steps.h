@@ -10,3 +10,4 @@ void tourPhotoImport(Guide &guide);
 void tourDistribution(Guide &guide);
 void tourBatchDelete(Guide &guide);
 void tourOrderList(Guide &guide);
+void tourHistory(Guide &guide);
