@@ -135,20 +135,36 @@ double residentMb()
     return double(pages * sysconf(_SC_PAGESIZE)) / (1024 * 1024);
 }
 
+/// Runs xargs with four processes at once over \a files.
+static void runForEach(const QStringList &files, const QStringList &command)
+{
+    QByteArray names;
+    for (const QString &file : files)
+        names += QFile::encodeName(file) + '\0';
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    process.start("xargs"_s, QStringList{"-0"_s, "-P4"_s} + command);
+    process.write(names);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(-1) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0)
+        throw Failure("xargs failed: "_s + command.join(QLatin1Char(' ')));
+}
+
 void copyPlainly(const QStringList &sources, const QString &target)
 {
     QDir().mkpath(target);
-    QByteArray names;
-    for (const QString &source : sources)
-        names += QFile::encodeName(source) + '\0';
-    QProcess copying;
-    copying.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    copying.start("xargs"_s, {"-0"_s, "-P4"_s, "-n10"_s, "cp"_s, "-t"_s, target});
-    copying.write(names);
-    copying.closeWriteChannel();
-    if (!copying.waitForFinished(-1) || copying.exitStatus() != QProcess::NormalExit ||
-        copying.exitCode() != 0)
-        throw Failure("the plain copy failed"_s);
+    runForEach(sources, {"-n10"_s, "cp"_s, "-t"_s, target});
+}
+
+void readDirectly(const QString &folder)
+{
+    QStringList paths;
+    const QFileInfoList files = QDir(folder).entryInfoList(QDir::Files);
+    for (const QFileInfo &file : files)
+        paths += file.filePath();
+    runForEach(paths, {"-I{}"_s, "dd"_s, "if={}"_s, "of=/dev/null"_s, "bs=2M"_s, "iflag=direct"_s,
+                       "status=none"_s});
 }
 
 void warm(const QString &folder)

@@ -39,6 +39,9 @@ double residentMb();
 /// Copies by four plain copying processes and waits until all is on the disk.
 void copyPlainly(const QStringList &sources, const QString &target);
 
+/// Four plain processes read every file in \a folder past the system's memory.
+void readDirectly(const QString &folder);
+
 /// Reads every file below \a folder, so that it lies in memory, and syncs its disk.
 void warm(const QString &folder);
 

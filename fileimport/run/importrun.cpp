@@ -19,7 +19,7 @@ constexpr int filesAtOnce = 4;
 /// Tasks made ahead of time: the pool's threads never idle while the interface is busy or the
 /// ledger notes the next ones, and an order of thousands of files does not become thousands of
 /// objects.
-constexpr int tasksAhead = 64 * filesAtOnce;
+constexpr int tasksAhead = 256 * filesAtOnce;
 constexpr int stopPatienceMs = 5000;
 
 QString notReceivedText()
