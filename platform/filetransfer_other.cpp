@@ -22,7 +22,7 @@ namespace {
 
 constexpr size_t stepBytes = size_t(4) * 1024 * 1024; // between two looks at the cancel flag
 constexpr size_t blockBytes = 4096;                   // what any disk takes past the cache
-constexpr size_t directStepBytes = size_t(2) * 1024 * 1024;
+constexpr size_t directStepBytes = size_t(8) * 1024 * 1024;
 constexpr off_t worthDirectBytes = off_t(1024) * 1024; // smaller files gain nothing
 constexpr size_t bufferBytes = size_t(256) * 1024;
 
