@@ -61,6 +61,7 @@ int main(int argc, char *argv[])
         tourBatchDelete(guide);
         tourOrderList(guide);
         tourHistory(guide);
+        tourRestoring(guide);
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));

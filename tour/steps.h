@@ -11,3 +11,4 @@ void tourDistribution(Guide &guide);
 void tourBatchDelete(Guide &guide);
 void tourOrderList(Guide &guide);
 void tourHistory(Guide &guide);
+void tourRestoring(Guide &guide);
