@@ -3,11 +3,13 @@
 #include "fileimport/imported/originalview.h"
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/rules/importrules.h"
+#include "fileimport/run/importrecording.h"
 #include "fileimport/window/importfilepanel.h"
 #include "fileimport/window/importorderpanel.h"
 #include "fileimport/window/importrestorer.h"
 #include "fileimport/window/orderfilechooser.h"
 #include "files/pathgate.h"
+#include "runreport/reportline.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
@@ -42,6 +44,7 @@ ImportFiles::ImportFiles(QWidget *parent)
                               {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
     , chooser_(
           new OrderFileChooser(this, &orders_, [this](int row) { return mayChangeFiles(row); }))
+    , report_(new ReportLine(this, panel_->notices()))
     , restorer_(std::make_unique<ImportRestorer>(
           ImportRestorer::Place{this, &orders_, panel_, &branch_, finder_}))
 {
@@ -183,7 +186,10 @@ void ImportFiles::connectRun()
         orders_.change(orders_.rowOf(orderId),
                        [](ImportOrder &order) { order.unregistered = true; });
     });
-    connect(run, &ImportRun::switchedOff, this, [this] { setImporting(false); });
+    connect(run, &ImportRun::switchedOff, this, [this] {
+        setImporting(false);
+        report_->tellOf(choicerestoring::workOf(mode_), [this] { retryAll(); });
+    });
     connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit);
     connect(run, &ImportRun::mismatchFound, this,
             [this](const OrderIdentity &, const BoxText &notice) {
@@ -405,6 +411,13 @@ void ImportFiles::onStartAllClicked()
     setImporting(true);
 }
 
+/// Files that failed are among those that a start imports.
+void ImportFiles::retryAll()
+{
+    if (!importing_)
+        onStartAllClicked();
+}
+
 /// A reply that comes now must not replace the orders that are being worked on.
 void ImportFiles::abandonSearch()
 {
@@ -422,6 +435,7 @@ void ImportFiles::setImporting(bool importing)
     importing_ = importing;
     panel_->setRunning(importing);
     if (importing) {
+        report_->takeAway();
         rate_.clear();
         clock_.start();
         progressTimer_.start();

@@ -22,6 +22,7 @@ class OrderFileChooser;
 class OrderFinder;
 class OriginalView;
 class QSplitter;
+class ReportLine;
 
 /// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
 /// search orders, choose files for them, copy the files into the orders' folders and register them
@@ -79,6 +80,7 @@ private:
     /// Tells the user when the answer is no.
     bool mayChangeFiles(int row);
     bool refusesForOtherTool(const QVector<ImportOrder> &orders);
+    void retryAll();
     void abandonSearch();
     void onFilesChosen(int row);
 
@@ -111,5 +113,6 @@ private:
     OrderFinder *finder_;
     OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;
+    ReportLine *report_;
     std::unique_ptr<ImportRestorer> restorer_; ///< last: it looks at the others to its end
 };

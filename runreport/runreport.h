@@ -1,0 +1,56 @@
+#pragma once
+
+#include "ledger/ledgerrecords.h"
+
+#include <QByteArray>
+#include <QMetaType>
+#include <QString>
+#include <QStringList>
+#include <QVector>
+
+class LedgerReader;
+
+/// What one run did for one order.
+struct OrderReport
+{
+    struct Failure
+    {
+        QString file;
+        QString reason;
+    };
+
+    QString number;
+    QString name;
+    int chosen = 0;
+    int copied = 0;
+    int verified = 0; ///< copied, and proved by more than their size
+    int registered = 0;
+    int unregistered = 0; ///< copied, and the service was not told
+    int unannounced = 0;  ///< copied, of a kind that the service is not told of
+    QVector<Failure> failures;
+
+    static OrderReport of(const ledger::Entry &entry, const QVector<ledger::Copy> &copies);
+};
+
+/// What one run did, order by order, as the ledger tells it.
+struct RunReport
+{
+    ledger::RunId run = 0;
+    QVector<OrderReport> orders;
+
+    /// Of the latest run of this process that was for \a work; empty when there was none, or when
+    /// it is the run \a told. The ledger's thread.
+    static RunReport ofLatest(const LedgerReader &reader, ledger::Work work,
+                              ledger::RunId told = 0);
+
+    bool isEmpty() const { return orders.isEmpty(); }
+    /// Whether every chosen file was copied and registered where it was to be.
+    bool isGood() const;
+    int failed() const;
+    /// All orders in one line.
+    QString headline() const;
+    /// One line an order, and below it its failures.
+    QStringList lines() const;
+    QByteArray csv() const;
+};
+Q_DECLARE_METATYPE(RunReport)
