@@ -468,6 +468,7 @@ void ImportFiles::onRetryImportClicked(int row)
         refusesForOtherTool({*order}))
         return;
     abandonSearch();
+    report_->takeAway();
     run_->retry(*order, row, branch_.identity());
 }
 

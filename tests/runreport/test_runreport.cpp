@@ -16,7 +16,7 @@ private slots:
         Ledger ledger(folder.path());
         const ledger::NewRun run{{"9001"_s, "101"_s, ledger::Work::ImportOriginals}, "9001"_s};
         const ledger::RunId earlier = ledger.beginRun(run);
-        ledger.failCopy(begin(&ledger, earlier, "TS1-1"_s, 1).first(), "earlier"_s);
+        ledger.failCopy(begin(&ledger, earlier, "TS1-1"_s, 1).value(0), "earlier"_s);
         const ledger::RunId id = ledger.beginRun(run);
         const QVector<ledger::CopyId> first = begin(&ledger, id, "TS1-1"_s, 4);
         ledger::CopyResult proved;
