@@ -61,6 +61,7 @@ enum Tag : quint32 {
     ImageLength = 0x0101,
     Orientation = 0x0112,
     ExifDirectory = 0x8769,
+    TakenAt = 0x9003,
     PixelXDimension = 0xa002,
     PixelYDimension = 0xa003,
 };
@@ -115,6 +116,22 @@ bool patchDirectory(ExifBlock *block, quint32 at, const QSize &size, quint32 *be
     return true;
 }
 
+/// What the entry of \a tag holds in its last four bytes, in the directory at \a at: a number, or
+/// where the value starts. 0 when there is none, or it does not lie in the block.
+quint32 valueOf(const ExifBlock &block, quint32 at, quint32 tag)
+{
+    if (at == 0 || !block.holds(at, 2))
+        return 0;
+    const quint64 end = quint64(at) + 2 + quint64(block.number16(at)) * entryBytes;
+    for (quint64 entry = at + 2; entry + entryBytes <= end; entry += entryBytes) {
+        if (!block.holds(entry, entryBytes))
+            return 0;
+        if (block.number16(quint32(entry)) == tag)
+            return block.number32(quint32(entry) + 8);
+    }
+    return 0;
+}
+
 bool isProfileFor(const QByteArray &profile, const char *colours)
 {
     constexpr int headBytes = 128;
@@ -147,6 +164,19 @@ QByteArray exifOfUpright(QByteArray exif, const QSize &size)
     if (below != 0)
         patchDirectory(&block, below, size, &none, &next);
     return exif;
+}
+
+QDateTime takenAt(QByteArray exif)
+{
+    const ExifBlock block(&exif);
+    quint32 first = 0;
+    if (!block.readHead(&first))
+        return {};
+    const QString format = QStringLiteral("yyyy:MM:dd HH:mm:ss");
+    const quint32 at = valueOf(block, valueOf(block, first, ExifDirectory), TakenAt);
+    if (at == 0 || !block.holds(at, quint64(format.size())))
+        return {};
+    return QDateTime::fromString(QString::fromLatin1(exif.mid(int(at), format.size())), format);
 }
 
 bool isGrayProfile(const QByteArray &profile)

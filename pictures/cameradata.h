@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QSize>
 
 /// What a camera's file says of a picture besides its pixels, and what a file made of it is to say.
@@ -15,6 +16,10 @@ struct CameraData
 /// is no longer linked. Nothing is moved, so that what refers to places within the block stays
 /// right. Empty when the block cannot be understood so far.
 QByteArray exifOfUpright(QByteArray exif, const QSize &size);
+
+/// When the shutter was released, in the camera's own local time, as the camera's block \a exif
+/// says; invalid when it does not. Also reads the head of a raw file that is laid out as TIFF.
+QDateTime takenAt(QByteArray exif);
 
 /// Whether \a profile is one for grey pictures, or for those in red, green and blue.
 bool isGrayProfile(const QByteArray &profile);

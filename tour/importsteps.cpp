@@ -2,13 +2,16 @@
 #include "fileimport/window/importfiletablemodel.h"
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/orderactionsdelegate.h"
+#include "marks/window/markdetails.h"
 #include "thumbnails/photocell.h"
 #include "thumbnails/thumbnailtableview.h"
 #include "tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
+#include "widgets/boxes/noticebar.h"
 
 #include <QFile>
 #include <QLabel>
+#include <QPushButton>
 
 namespace {
 
@@ -26,11 +29,14 @@ public:
     void pressChoose(const QString &number, const QStringList &paths)
     {
         FileDialog::setNextFiles(paths);
+        pressAction(number, OrderActionsDelegate::SelectFiles);
+    }
+    void pressAction(const QString &number, OrderActionsDelegate::Action action)
+    {
         const QModelIndex index = cell(number, Column::ActionsColumn);
         orders()->scrollTo(index);
-        press(index, OrderActionsDelegate::buttonRect(orders()->visualRect(index),
-                                                      OrderActionsDelegate::SelectFiles)
-                         .center());
+        press(index,
+              OrderActionsDelegate::buttonRect(orders()->visualRect(index), action).center());
     }
 
     void expectChosen(const QString &number, int count)
@@ -100,6 +106,63 @@ void lookAndDelete(Guide &guide, const ImportHand &hand, const QString &order, i
     guide.picture(hand.window(), "photos-deleted"_s);
 }
 
+QPushButton *wayOut(const ImportHand &hand, const QString &line, const QString &way)
+{
+    QPushButton *found = nullptr;
+    const auto *bar = hand.window()->findChild<NoticeBar *>();
+    const auto lines = bar->findChildren<NoticeLine *>();
+    for (const NoticeLine *each : lines) {
+        const auto buttons = each->findChildren<QPushButton *>();
+        for (QPushButton *button : buttons) {
+            if (each->isVisible() && each->notice().text.contains(line) && button->text() == way)
+                found = button;
+        }
+    }
+    return found;
+}
+
+/// Chooses again what is imported already, one photo of which was replaced meanwhile: sees the
+/// marks, renames, leaves out.
+void lookBeforeStarting(Guide &guide, ImportHand &hand, const QString &order,
+                        const QStringList &photos)
+{
+    guide.step("导入原片: 导入前的标记"_s);
+    const QDir folder = hand.folder(order, Column::PathColumn);
+    const QString replaced = folder.filePath("原片/"_s + QFileInfo(photos.first()).fileName());
+    const QByteArray before = readFile(replaced);
+    writeFile(replaced, before + "edited");
+    hand.pressChoose(order, photos);
+    const auto chip = [&hand](marks::Mark mark) {
+        return hand.window()->findChild<QAbstractButton *>("markChip%1"_s.arg(int(mark)));
+    };
+    const int imported = photos.size() - 3; // two were deleted, one was replaced
+    guide.waitFor(
+        [&] { return chip(marks::Mark::Imported)->text() == "已导入 %1"_s.arg(imported); },
+        "%1 files are imported already"_s.arg(imported));
+    guide.waitFor([&] { return wayOut(hand, "1 个同名文件内容不同，导入将替换"_s, "改名导入"_s); },
+                  "one would replace another photo"_s);
+    guide.picture(hand.window(), "marks"_s);
+    QTest::mouseClick(wayOut(hand, "内容不同"_s, "查看"_s), Qt::LeftButton);
+    auto *details = guide.waitForWindow<MarkDetails>("it is listed with both files"_s);
+    guide.picture(details, "marks-details"_s);
+    details->close();
+    QTest::mouseClick(chip(marks::Mark::Differs), Qt::LeftButton);
+    guide.check(hand.files()->model()->rowCount() == 1, "the filter leaves it alone in sight"_s);
+    guide.picture(hand.window(), "marks-filtered"_s);
+    QTest::mouseClick(wayOut(hand, "内容不同"_s, "改名导入"_s), Qt::LeftButton);
+    const QString renamed = QFileInfo(photos.first()).completeBaseName() + "_2.jpg"_s;
+    guide.waitFor([&] { return hand.files()->model()->index(0, 0).data() == renamed; },
+                  "it is going to be "_s + renamed);
+    guide.waitFor([&] { return !wayOut(hand, "内容不同"_s, "改名导入"_s); },
+                  "nothing is replaced any more"_s);
+    QTest::mouseClick(wayOut(hand, "个已导入"_s, "跳过"_s), Qt::LeftButton);
+    hand.expectChosen(order, 3);
+    guide.waitFor([&] { return chip(marks::Mark::New)->text() == "新 3"_s; }, "all are new"_s);
+    guide.picture(hand.window(), "marks-resolved"_s);
+    hand.pressAction(order, OrderActionsDelegate::ClearFiles);
+    writeFile(replaced, before);
+}
+
 } // namespace
 
 void tourImportOriginals(Guide &guide)
@@ -161,6 +224,7 @@ void tourImportOriginals(Guide &guide)
     guide.check(guide.studio().requests("savepicpath_batch"_s).size() == 3,
                 "the service was told three times"_s);
     lookAndDelete(guide, hand, first, photos.size());
+    lookBeforeStarting(guide, hand, first, photos);
     hand.window()->close();
 }
 

@@ -5,6 +5,7 @@
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/importrecording.h"
 #include "fileimport/window/importfilepanel.h"
+#include "fileimport/window/importmarks.h"
 #include "fileimport/window/importorderpanel.h"
 #include "fileimport/window/importrestorer.h"
 #include "fileimport/window/orderfilechooser.h"
@@ -45,6 +46,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     , chooser_(
           new OrderFileChooser(this, &orders_, [this](int row) { return mayChangeFiles(row); }))
     , report_(new ReportLine(this, panel_->notices()))
+    , marks_(new ImportMarks(this, {&orders_, &files_, filePanel_, panel_->notices(), chooser_}))
     , restorer_(std::make_unique<ImportRestorer>(
           ImportRestorer::Place{this, &orders_, panel_, &branch_, finder_}))
 {
@@ -99,6 +101,7 @@ void ImportFiles::setMode(int mode)
 {
     mode_ = mode == int(ImportMode::Retouched) ? ImportMode::Retouched : ImportMode::Originals;
     chooser_->setMode(mode_);
+    marks_->setMode(mode_);
     showPhotoView(mode_ == ImportMode::Originals);
     auto run = std::make_unique<ImportRun>(mode_);
     restorer_->setRun(mode_, run.get());
@@ -306,12 +309,14 @@ void ImportFiles::onOrderTableSelectionChanged()
     if (!orders_.hasRow(row)) {
         shownOrderId_ = {};
         files_.clear();
+        marks_->setShown({});
         if (photos_)
             photos_->setOrder({});
         return;
     }
     shownOrderId_ = orders_.order(row).identity();
     files_.setFiles(orders_.order(row).files);
+    marks_->setShown(shownOrderId_);
     if (photos_) {
         photos_->setOrder(originalrequests::orderMap(orders_.order(row)));
     }
@@ -434,6 +439,7 @@ void ImportFiles::setImporting(bool importing)
 {
     importing_ = importing;
     panel_->setRunning(importing);
+    marks_->setImporting(importing);
     if (importing) {
         report_->takeAway();
         rate_.clear();
@@ -506,6 +512,7 @@ void ImportFiles::onOrderRegistered(const OrderIdentity &orderId, const Registra
             break;
         }
     });
+    marks_->refresh();
     if (photos_ && orderId == shownOrderId_)
         photos_->requestListing();
 }

@@ -16,6 +16,7 @@
 #include <memory>
 
 class ImportFilePanel;
+class ImportMarks;
 class ImportOrderPanel;
 class ImportRestorer;
 class OrderFileChooser;
@@ -114,5 +115,6 @@ private:
     OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;
     ReportLine *report_;
+    ImportMarks *marks_;
     std::unique_ptr<ImportRestorer> restorer_; ///< last: it looks at the others to its end
 };

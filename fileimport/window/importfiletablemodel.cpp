@@ -82,8 +82,24 @@ void ImportFileTableModel::updateRow(int row, qint32 state, const QString &messa
     });
 }
 
+void ImportFileTableModel::setMarks(const QHash<QString, marks::Mark> &fileMarks)
+{
+    if (fileMarks == marks_)
+        return;
+    marks_ = fileMarks;
+    if (!records_.isEmpty())
+        emit dataChanged(index(0, FileNameColumn), index(records_.size() - 1, FileNameColumn));
+}
+
 QVariant ImportFileTableModel::other(const ImportFile &file, int column, int role) const
 {
     Q_UNUSED(column)
-    return role == StateRole ? int(file.state) : QVariant();
+    switch (role) {
+    case StateRole:
+        return int(file.state);
+    case MarkRole:
+        return int(marks_.value(file.sourcePath));
+    default:
+        return {};
+    }
 }

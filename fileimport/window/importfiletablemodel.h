@@ -1,8 +1,10 @@
 #pragma once
 
 #include "fileimport/rules/importrecords.h"
+#include "marks/rules/filemark.h"
 #include "records/recordtable.h"
 
+#include <QHash>
 #include <QString>
 #include <QVector>
 
@@ -15,6 +17,8 @@ public:
     enum Column { FileNameColumn, StateColumn, ActionColumn, TargetColumn, ColumnCount };
     /// The file's state as an integer, for any column.
     static constexpr int StateRole = Qt::UserRole;
+    /// A marks::Mark as an integer, for any column.
+    static constexpr int MarkRole = Qt::UserRole + 1;
 
     explicit ImportFileTableModel(QObject *parent = nullptr);
 
@@ -22,9 +26,13 @@ public:
     void clear() { reset({}); }
     void append(const ImportFile &file);
     const QVector<ImportFile> &files() const { return records_; }
+    /// By source; files without one have none.
+    void setMarks(const QHash<QString, marks::Mark> &fileMarks);
     /// Rows out of range are ignored.
     void updateRow(int row, qint32 state, const QString &message);
 
 private:
     QVariant other(const ImportFile &file, int column, int role) const override;
+
+    QHash<QString, marks::Mark> marks_;
 };

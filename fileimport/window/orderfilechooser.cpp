@@ -1,8 +1,10 @@
 #include "fileimport/window/orderfilechooser.h"
 
+#include "fileimport/rules/importchoices.h"
 #include "fileimport/rules/importrules.h"
 #include "fileimport/window/importordertablemodel.h"
 #include "files/pathgate.h"
+#include "marks/window/clashquestion.h"
 #include "tasks/background.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/messagebox.h"
@@ -187,30 +189,130 @@ void OrderFileChooser::onPrepared(const Choice &choice, const QVector<ImportFile
         return;
     }
     if (!result.clashes.isEmpty()) {
-        MessageBox::warning(window_, chosenfiles::sameTargetNotice(result.clashes));
+        askAboutClashes(choice, known, result);
         return;
     }
     if (result.files.isEmpty()) {
         Toast::show(window_, QStringLiteral("这些文件已经在列表中"));
         return;
     }
+    judgeNames(choice, known, known + result.files);
+}
+
+/// \a all: the files that the order is to have, those that are \a known to it first.
+void OrderFileChooser::judgeNames(const Choice &choice, const QVector<ImportFile> &known,
+                                  const QVector<ImportFile> &all)
+{
     const int row = rowOf(choice);
     if (row < 0)
         return;
     QStringList unchosen;
     if (mode_ == ImportMode::Retouched && !choice.namesAgreed)
-        unchosen = importrules::unchosenNames(result.files, orders_->order(row).selectedNames);
+        unchosen =
+            importrules::unchosenNames(all.mid(known.size()), orders_->order(row).selectedNames);
     if (unchosen.isEmpty()) {
-        add(choice, known, result.files);
+        add(choice, known, all);
         return;
     }
     ask(importrules::unchosenQuestion(unchosen), ConfirmDialog::Enter::Confirms,
-        [this, choice, known, files = result.files] { add(choice, known, files); });
+        [this, choice, known, all] { add(choice, known, all); });
 }
 
-/// \a files were judged against \a known.
+void OrderFileChooser::askAboutClashes(const Choice &choice, const QVector<ImportFile> &known,
+                                       const ChoiceResult &result)
+{
+    const BoxText notice = chosenfiles::sameTargetNotice(result.clashes);
+    if (mode_ == ImportMode::Retouched) {
+        MessageBox::warning(window_, notice); // their names are the customer's choice
+        return;
+    }
+    ::askAboutClashes(
+        window_, notice, [this, choice, known, result](QMessageBox::StandardButton answer) {
+            if (answer == QMessageBox::Yes)
+                addRenamed(choice, known, result);
+            else if (answer == QMessageBox::No)
+                judgeNames(choice, known,
+                           importchoices::without(known + result.files,
+                                                  renaming::laterOnes(result.clashes)));
+        });
+}
+
+/// All but the first of the files that share a target get other names.
+void OrderFileChooser::addRenamed(const Choice &choice, const QVector<ImportFile> &known,
+                                  const ChoiceResult &result)
+{
+    const int row = rowOf(choice);
+    if (row < 0)
+        return;
+    const QVector<ImportFile> all = known + result.files;
+    const marks::RenameRequest request{choice.orderId, importchoices::renamable(all),
+                                       renaming::laterOnes(result.clashes),
+                                       importchoices::foldersOf(orders_->order(row), mode_)};
+    overlay_->showText(checkingText());
+    onDisk(
+        this, request.folders, [request] { return marks::findNewNames({request}); },
+        look_.only([this, choice, known, all](const marks::NewNames &found) {
+            overlay_->hideOverlay();
+            if (found.unreadable.isEmpty())
+                judgeNames(choice, known,
+                           importchoices::renamed(all, found.names.value(choice.orderId)));
+            else
+                MessageBox::warning(window_, marks::unreadableText(found.unreadable));
+        }));
+}
+
+void OrderFileChooser::leaveOut(const QHash<OrderIdentity, QSet<QString>> &sources)
+{
+    for (auto order = sources.cbegin(); order != sources.cend(); ++order) {
+        const int row = orders_->rowOf(order.key());
+        if (isBusy() || row < 0 || !mayChange_(row))
+            return;
+        setFiles(row, importchoices::without(orders_->order(row).files, order.value()));
+    }
+}
+
+void OrderFileChooser::rename(const QHash<OrderIdentity, QSet<QString>> &sources)
+{
+    QVector<marks::RenameRequest> requests;
+    QStringList folders;
+    for (auto order = sources.cbegin(); order != sources.cend(); ++order) {
+        const int row = orders_->rowOf(order.key());
+        if (isBusy() || row < 0 || !mayChange_(row))
+            return;
+        requests.append({order.key(), importchoices::renamable(orders_->order(row).files),
+                         order.value(), importchoices::foldersOf(orders_->order(row), mode_)});
+        folders += requests.last().folders;
+    }
+    overlay_->showText(checkingText());
+    onDisk(
+        this, folders, [requests] { return marks::findNewNames(requests); },
+        look_.only([this, requests](const marks::NewNames &found) {
+            overlay_->hideOverlay();
+            applyNames(requests, found);
+        }));
+}
+
+void OrderFileChooser::applyNames(const QVector<marks::RenameRequest> &requests,
+                                  const marks::NewNames &found)
+{
+    if (!found.unreadable.isEmpty()) {
+        MessageBox::warning(window_, marks::unreadableText(found.unreadable));
+        return;
+    }
+    for (const marks::RenameRequest &request : requests) {
+        const int row = orders_->rowOf(request.order);
+        // What was chosen meanwhile may have the new names.
+        if (row < 0 || !mayChange_(row) ||
+            !(importchoices::renamable(orders_->order(row).files) == request.files))
+            continue;
+        setFiles(row, importchoices::renamed(orders_->order(row).files,
+                                             found.names.value(request.order)));
+    }
+}
+
+/// \a all were judged when the order had the \a known ones.
 void OrderFileChooser::add(Choice choice, const QVector<ImportFile> &known,
-                           const QVector<ImportFile> &files)
+                           const QVector<ImportFile> &all)
 {
     const int row = rowOf(choice);
     if (row < 0)
@@ -221,7 +323,7 @@ void OrderFileChooser::add(Choice choice, const QVector<ImportFile> &known,
                                        return one.sourcePath == other.sourcePath;
                                    });
     if (isSame) {
-        setFiles(row, listed + files);
+        setFiles(row, all);
         return;
     }
     // Others came while the question stood: they stay, and the new ones are judged again.

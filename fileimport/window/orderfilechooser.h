@@ -3,10 +3,13 @@
 #include "fileimport/rules/importrecords.h"
 #include "fileimport/run/filechoice.h"
 #include "files/chosenfiles.h"
+#include "marks/run/filelook.h"
 #include "tasks/latest.h"
 #include "widgets/boxes/confirmdialog.h"
 
+#include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -37,6 +40,11 @@ public:
     /// Files and folders dropped on the order.
     void take(int row, const QStringList &paths);
     void clear(int row) { setFiles(row, {}); }
+    /// Of each order (by identity) the files with these sources are not wanted any more.
+    void leaveOut(const QHash<OrderIdentity, QSet<QString>> &sources);
+    /// Of each order the files with these sources, and those that belong to them, get names that
+    /// are free.
+    void rename(const QHash<OrderIdentity, QSet<QString>> &sources);
     /// Abandons what is being looked at.
     void cancel();
     /// Whether files are being looked at.
@@ -65,7 +73,14 @@ private:
     void prepare(const Choice &choice);
     void onPrepared(const Choice &choice, const QVector<ImportFile> &known,
                     const ChoiceResult &result);
-    void add(Choice choice, const QVector<ImportFile> &known, const QVector<ImportFile> &files);
+    void askAboutClashes(const Choice &choice, const QVector<ImportFile> &known,
+                         const ChoiceResult &result);
+    void addRenamed(const Choice &choice, const QVector<ImportFile> &known,
+                    const ChoiceResult &result);
+    void applyNames(const QVector<marks::RenameRequest> &requests, const marks::NewNames &found);
+    void judgeNames(const Choice &choice, const QVector<ImportFile> &known,
+                    const QVector<ImportFile> &all);
+    void add(Choice choice, const QVector<ImportFile> &known, const QVector<ImportFile> &all);
     void setFiles(int row, const QVector<ImportFile> &files);
     void ask(const BoxText &text, ConfirmDialog::Enter enter,
              const std::function<void()> &onYes) const;

@@ -1,5 +1,6 @@
 #include "photoimport/imported/tfhomephotos.h"
 
+#include "marks/window/markfilter.h"
 #include "photoimport/imported/tfphotodelegate.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/imported/tfphotoview.h"
@@ -22,7 +23,11 @@ constexpr int sightDelayMs = 30; // scrolling asks once it pauses
 } // namespace
 
 tfhomephotos::tfhomephotos(tfphotolistmodel *model, QWidget *parent)
-    : QWidget(parent), model_(model), view_(new tfphotoview(this)), heading_(new PlainLabel(this))
+    : QWidget(parent)
+    , model_(model)
+    , view_(new tfphotoview(this))
+    , filter_(new MarkFilter(this))
+    , heading_(new PlainLabel(this))
 {
     buildView();
     buildLayout();
@@ -33,6 +38,7 @@ tfhomephotos::tfhomephotos(tfphotolistmodel *model, QWidget *parent)
     const auto lookAgain = [this] { sightTimer_.start(); };
     connect(view_, &tfphotoview::sightChanged, this, lookAgain);
     connect(model_, &QAbstractItemModel::modelReset, this, lookAgain);
+    connect(filter_, &MarkFilter::chosen, model_, &tfphotolistmodel::setFilter);
     connect(&thumbnails_, &tfthumbnailthread::thumbnailReady, model_,
             &tfphotolistmodel::setThumbnail);
 }
@@ -104,6 +110,7 @@ void tfhomephotos::buildLayout()
     layout->setSpacing(theme::spacing());
     layout->addWidget(heading_);
     layout->addLayout(buttons);
+    layout->addWidget(filter_);
     layout->addWidget(view_, 1);
     QWidget *before = nullptr;
     for (QWidget *next : all) {
@@ -123,6 +130,11 @@ void tfhomephotos::showOrder(const QString &heading)
         part->setEnabled(shown);
     view_->setEmptyText(shown ? QStringLiteral("添加照片，或把照片和目录拖到这里")
                               : QStringLiteral("请在左侧选择订单"));
+}
+
+void tfhomephotos::setMarkCounts(const QHash<marks::Mark, int> &counts)
+{
+    filter_->setCounts(counts);
 }
 
 void tfhomephotos::keepPlaceWhile(const std::function<void()> &change)

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "marks/rules/filemark.h"
 #include "photoimport/imported/tfthumbnailthread.h"
 
+#include <QHash>
 #include <QStringList>
 #include <QTimer>
 #include <QVector>
@@ -9,6 +11,7 @@
 
 #include <functional>
 
+class MarkFilter;
 class QAction;
 class QLabel;
 class QPushButton;
@@ -30,6 +33,9 @@ public:
     /// Runs \a change, which replaces the photos, and brings selection and scroll position back.
     void keepPlaceWhile(const std::function<void()> &change);
     QVector<int> selectedRows() const;
+
+    /// How many files have which mark; the user sees all of them, or those of one.
+    void setMarkCounts(const QHash<marks::Mark, int> &counts);
 
     /// Reads no more thumbnails. finished() of the thread tells when the last one has ended.
     tfthumbnailthread *thumbnails() { return &thumbnails_; }
@@ -53,6 +59,7 @@ private:
 
     tfphotolistmodel *model_;
     tfphotoview *view_;
+    MarkFilter *filter_;
     QLabel *heading_;
     QVector<QWidget *> needOrder_; ///< what works only with an order shown
     QTimer sightTimer_;

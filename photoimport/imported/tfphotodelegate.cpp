@@ -3,6 +3,7 @@
 #include "app/context/k.h"
 #include "files/transferprogress.h"
 #include "look/colours.h"
+#include "marks/window/marktag.h"
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/rules/photorules.h"
 #include "widgets/theme/theme.h"
@@ -21,7 +22,7 @@ constexpr int linePx = 20;
 constexpr int markHeightPx = 18;
 constexpr int paddingPx = 6;
 
-struct Mark
+struct Badge
 {
     QString text;
     QRgb colour;
@@ -43,32 +44,32 @@ QRgb colourOf(JobState state)
     return state == JobState::Failed ? colours::failure : colours::muted;
 }
 
-QVector<Mark> marksOf(const PanelPhoto &photo)
+QVector<Badge> badgesOf(const PanelPhoto &photo)
 {
-    QVector<Mark> marks;
+    QVector<Badge> badges;
     for (const SourceJob &job : photo.file.jobs) {
         if (job.state != JobState::Impossible)
-            marks.append({kindText(job.kind), colourOf(job.state)});
+            badges.append({kindText(job.kind), colourOf(job.state)});
     }
     if (photo.file.hasImpossible())
-        marks.append({QStringLiteral("没有小图"), colours::muted});
+        badges.append({QStringLiteral("没有小图"), colours::muted});
     const QString registration = QStringLiteral("登记");
     switch (photo.file.registration) {
     case RegistrationState::Pending:
-        marks.append({registration, colours::inProgress});
+        badges.append({registration, colours::inProgress});
         break;
     case RegistrationState::Refused:
-        marks.append({registration, colours::failure});
+        badges.append({registration, colours::failure});
         break;
     case RegistrationState::Registered:
-        marks.append({registration, colours::success});
+        badges.append({registration, colours::success});
         break;
     case RegistrationState::None:
         if (photo.fileIndex < 0) // the service told us of it
-            marks.append({registration, colours::success});
+            badges.append({registration, colours::success});
         break;
     }
-    return marks;
+    return badges;
 }
 
 /// One cell being painted.
@@ -79,6 +80,7 @@ public:
         : painter_(painter)
         , index_(index)
         , photo_(index.data(tfphotolistmodel::PhotoRole).value<PanelPhoto>())
+        , mark_(marks::Mark(index.data(tfphotolistmodel::MarkRole).toInt()))
         , area_(option.rect.adjusted(K::scaledPx(2), K::scaledPx(2), -K::scaledPx(2),
                                      -K::scaledPx(2)))
         , padding_(K::scaledPx(paddingPx))
@@ -102,6 +104,9 @@ public:
         int top = area_.top() + padding_;
         const int left = area_.left() + padding_;
         picture({left, top, width, K::scaledPx(cardPictureHeightPx)});
+        marktag::paint(painter_,
+                       {left + padding_ / 2, top + padding_ / 2, width, K::scaledPx(linePx)}, mark_,
+                       marktag::Ground::Picture);
         top += K::scaledPx(cardPictureHeightPx) + padding_ / 2;
         const QString size = sizeText();
         const int sizeWidth = painter_->fontMetrics().horizontalAdvance(size) + padding_ / 2;
@@ -109,7 +114,7 @@ public:
              Qt::ElideMiddle);
         text({left + width - sizeWidth, top, sizeWidth, line}, size, colours::placeholder);
         top += line;
-        marks({left, top, width, line});
+        badges({left, top, width, line});
         text({left, top + line, width, line}, photo_.file.failureText(), colours::failure);
     }
 
@@ -122,7 +127,7 @@ public:
                  area_.height() - padding_});
         left += K::scaledPx(rowPictureWidthPx) + 2 * padding_;
         // In a narrow window the name is elided rather than a mark left out.
-        const int room = area_.right() - 2 * padding_ - left - marksWidth();
+        const int room = area_.right() - 2 * padding_ - left - badgesWidth();
         const int textWidth = qBound(0, room, K::scaledPx(rowTextWidthPx));
         text({left, middle - line, textWidth, line}, photo_.name, colours::heading,
              Qt::ElideMiddle);
@@ -135,7 +140,13 @@ public:
         const int failureLeft = left + (size.isEmpty() ? 0 : sizeWidth + 2 * padding_);
         text({failureLeft, middle, right - failureLeft, line}, failure, colours::failure);
         left += textWidth + padding_;
-        marks({left, failure.isEmpty() ? middle - line / 2 : middle - line, right - left, line});
+        const int markTop = failure.isEmpty() ? middle - line / 2 : middle - line;
+        const int markWidth = marktag::widthOf(mark_, painter_->font());
+        if (markWidth > 0) {
+            marktag::paint(painter_, {left, markTop, markWidth, line}, mark_);
+            left += markWidth + padding_ / 2;
+        }
+        badges({left, markTop, right - left, line});
     }
 
 private:
@@ -169,37 +180,37 @@ private:
                            painter_->fontMetrics().elidedText(text, mode, place.width()));
     }
 
-    int markWidth(const Mark &mark) const
+    int badgeWidth(const Badge &badge) const
     {
-        return painter_->fontMetrics().horizontalAdvance(mark.text) + 2 * (padding_ / 2);
+        return painter_->fontMetrics().horizontalAdvance(badge.text) + 2 * (padding_ / 2);
     }
 
-    int marksWidth() const
+    int badgesWidth() const
     {
-        int width = 0;
-        const auto all = marksOf(photo_);
-        for (const Mark &mark : all)
-            width += markWidth(mark) + padding_ / 2;
+        int width = marktag::widthOf(mark_, painter_->font()) + padding_ / 2;
+        const auto all = badgesOf(photo_);
+        for (const Badge &badge : all)
+            width += badgeWidth(badge) + padding_ / 2;
         return width;
     }
 
-    void marks(const QRect &place) const
+    void badges(const QRect &place) const
     {
         const int height = K::scaledPx(markHeightPx);
         const int inside = padding_ / 2;
         int left = place.left();
-        const auto all = marksOf(photo_);
-        for (const Mark &mark : all) {
-            const int width = markWidth(mark);
+        const auto all = badgesOf(photo_);
+        for (const Badge &badge : all) {
+            const int width = badgeWidth(badge);
             const QRect box(left, place.center().y() - height / 2, width, height);
             if (box.right() > place.right())
                 return;
-            QColor tint = colours::toColor(mark.colour);
+            QColor tint = colours::toColor(badge.colour);
             painter_->setPen(tint);
             tint.setAlphaF(0.12);
             painter_->setBrush(tint);
             painter_->drawRoundedRect(box, theme::radius() / 2.0, theme::radius() / 2.0);
-            painter_->drawText(box, Qt::AlignCenter, mark.text);
+            painter_->drawText(box, Qt::AlignCenter, badge.text);
             left += width + inside;
         }
     }
@@ -207,6 +218,7 @@ private:
     QPainter *painter_;
     QModelIndex index_;
     PanelPhoto photo_;
+    marks::Mark mark_;
     QRect area_;
     int padding_;
     bool selected_;

@@ -45,9 +45,47 @@ void tfphotolistmodel::show(const PhotoOrder *order, PhotoMode photoMode)
     beginResetModel();
     photos_ = order ? photoRows(*order, photoMode) : QVector<PanelPhoto>();
     files_ = order ? order->files(photoMode).size() : 0;
+    fillRows();
+    endResetModel();
+}
+
+void tfphotolistmodel::fillRows()
+{
+    rows_.clear();
     paths_.clear();
-    for (int row = 0; row < photos_.size(); ++row)
-        paths_.insert(photos_.at(row).path, row);
+    for (int position = 0; position < photos_.size(); ++position) {
+        const QString &path = photos_.at(position).path;
+        const bool isMarked = position < files_ && marks_.value(path) == filter_;
+        if (filter_ != marks::Mark::None && !isMarked)
+            continue;
+        paths_.insert(path, rows_.size());
+        rows_.append(position);
+    }
+}
+
+void tfphotolistmodel::setMarks(const QHash<QString, marks::Mark> &fileMarks)
+{
+    if (fileMarks == marks_)
+        return;
+    if (filter_ != marks::Mark::None) {
+        beginResetModel();
+        marks_ = fileMarks;
+        fillRows();
+        endResetModel();
+        return;
+    }
+    marks_ = fileMarks;
+    if (!rows_.isEmpty())
+        emit dataChanged(index(0), index(rows_.size() - 1), {MarkRole});
+}
+
+void tfphotolistmodel::setFilter(marks::Mark mark)
+{
+    if (mark == filter_)
+        return;
+    beginResetModel();
+    filter_ = mark;
+    fillRows();
     endResetModel();
 }
 
@@ -56,14 +94,16 @@ void tfphotolistmodel::updateFile(int fileIndex, const SourceFile &file)
     if (fileIndex < 0 || fileIndex >= files_ || photos_.at(fileIndex).path != file.path)
         return;
     photos_[fileIndex].file = file;
-    emit dataChanged(index(fileIndex), index(fileIndex));
+    const int row = paths_.value(file.path, -1);
+    if (row >= 0)
+        emit dataChanged(index(row), index(row));
 }
 
 QStringList tfphotolistmodel::wantedThumbnails(int firstRow, int lastRow) const
 {
     QStringList paths;
     for (int row = firstRow; row <= lastRow && hasRow(row); ++row) {
-        const QString &path = photos_.at(row).path;
+        const QString &path = photo(row).path;
         if (!path.isEmpty() && !thumbnails_.contains(path))
             paths.append(path);
     }
@@ -81,14 +121,14 @@ void tfphotolistmodel::setThumbnail(const QString &path, const QImage &thumbnail
 
 int tfphotolistmodel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : photos_.size();
+    return parent.isValid() ? 0 : rows_.size();
 }
 
 QVariant tfphotolistmodel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || !hasRow(index.row()))
         return {};
-    const PanelPhoto &photo = photos_.at(index.row());
+    const PanelPhoto &photo = this->photo(index.row());
     const QImage *thumbnail = thumbnails_.object(photo.path);
     switch (role) {
     case NameRole:
@@ -99,6 +139,8 @@ QVariant tfphotolistmodel::data(const QModelIndex &index, int role) const
         return photo.path.isEmpty() || (thumbnail && thumbnail->isNull());
     case PhotoRole:
         return QVariant::fromValue(photo);
+    case MarkRole:
+        return int(photo.fileIndex < 0 ? marks::Mark::None : marks_.value(photo.path));
     case Qt::ToolTipRole: {
         QString tip = photo.path.isEmpty() ? photo.name : photo.path;
         if (!photo.file.failureText().isEmpty())

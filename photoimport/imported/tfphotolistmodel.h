@@ -1,5 +1,6 @@
 #pragma once
 
+#include "marks/rules/filemark.h"
 #include "photoimport/orders/photoorder.h"
 
 #include <QAbstractListModel>
@@ -36,6 +37,7 @@ public:
         ThumbnailRole = Qt::DecorationRole, ///< QImage; null until there is one
         PhotoRole = Qt::UserRole,           ///< PanelPhoto
         NoThumbnailRole,                    ///< true when the file cannot be shown
+        MarkRole,                           ///< marks::Mark as an integer
     };
 
     explicit tfphotolistmodel(QObject *parent = nullptr);
@@ -44,8 +46,13 @@ public:
     void show(const PhotoOrder *order, PhotoMode photoMode);
     /// A file of the order shown has changed.
     void updateFile(int fileIndex, const SourceFile &file);
-    bool hasRow(int row) const { return row >= 0 && row < photos_.size(); }
-    const PanelPhoto &photo(int row) const { return photos_.at(row); }
+    bool hasRow(int row) const { return row >= 0 && row < rows_.size(); }
+    const PanelPhoto &photo(int row) const { return photos_.at(rows_.at(row)); }
+
+    /// Of the files of the order shown, by source.
+    void setMarks(const QHash<QString, marks::Mark> &fileMarks);
+    /// From now on only files with that mark are rows; with None all photos are.
+    void setFilter(marks::Mark mark);
 
     /// Paths among the rows that have no thumbnail yet.
     QStringList wantedThumbnails(int firstRow, int lastRow) const;
@@ -56,8 +63,13 @@ public:
     QVariant data(const QModelIndex &index, int role = Qt::DisplayRole) const override;
 
 private:
+    void fillRows();
+
     QVector<PanelPhoto> photos_;
-    int files_ = 0;             ///< how many rows, from the first one on, are files chosen here
+    QVector<int> rows_;         ///< positions of those that are in sight
+    int files_ = 0;             ///< how many, from the first one on, are files chosen here
     QHash<QString, int> paths_; ///< row by path
+    QHash<QString, marks::Mark> marks_;
+    marks::Mark filter_ = marks::Mark::None;
     mutable QCache<QString, QImage> thumbnails_; ///< by path; cost in kilobytes
 };

@@ -104,6 +104,7 @@ withJobsThat(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &i
     const auto jobs = photorules::jobsFor(order.info, sources, photoMode);
     for (PhotoInfo job : jobs) {
         job.sourceIndex = indexes.value(job.sourceIndex);
+        job.fileName = files.at(job.sourceIndex).name;
         if (wanted(files.at(job.sourceIndex), job))
             picked.photos.append(job);
     }

@@ -34,8 +34,8 @@ enum class RegistrationState { None, Pending, Registered, Refused };
 /// One file chosen for an order, with the states of its jobs.
 struct SourceFile
 {
-    QString path; ///< absolute, as this machine writes it
-    QString name;
+    QString path;    ///< absolute, as this machine writes it
+    QString name;    ///< that it gets in its target folders; its own unless the user chose another
     qint64 size = 0; ///< bytes, when chosen
     QVector<SourceJob> jobs;
     RegistrationState registration = RegistrationState::None;

@@ -122,11 +122,6 @@ void tforderlistmodel::change(int row, const std::function<void(PhotoOrder &orde
     });
 }
 
-void tforderlistmodel::addFiles(int row, const QVector<SourceFile> &files)
-{
-    change(row, [&](PhotoOrder &order) { order.files(photoMode_) += files; });
-}
-
 void tforderlistmodel::removeFiles(int row, const QVector<int> &indexes)
 {
     change(row, [&](PhotoOrder &order) {
@@ -139,6 +134,11 @@ void tforderlistmodel::removeFiles(int row, const QVector<int> &indexes)
         }
         files = kept;
     });
+}
+
+void tforderlistmodel::setFiles(int row, const QVector<SourceFile> &files)
+{
+    change(row, [&](PhotoOrder &order) { order.files(photoMode_) = files; });
 }
 
 void tforderlistmodel::setRun(int row, PhotoOrder::Run run)

@@ -45,9 +45,10 @@ public:
     /// The files of the present mode.
     const QVector<SourceFile> &files(int row) const { return order(row).files(photoMode_); }
 
-    void addFiles(int row, const QVector<SourceFile> &files);
     /// \a indexes: positions among the files of the present mode.
     void removeFiles(int row, const QVector<int> &indexes);
+    /// The files of the present mode are these now.
+    void setFiles(int row, const QVector<SourceFile> &files);
     void setRun(int row, PhotoOrder::Run run);
     void setFolderRefusal(int row, const QString &reason);
     /// The service has no photos with these \a ids and \a names any more: neither these nor the

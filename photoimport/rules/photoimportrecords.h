@@ -23,7 +23,7 @@ enum class PhotoMode {
 /// through the pool unchanged. Any thread.
 struct PhotoInfo
 {
-    QString fileName;     ///< name of the source file, and of the output
+    QString fileName;     ///< name of the output; the source file's own unless it was renamed
     int enabled = 1;      ///< 0: reported as done at once, nothing is written
     QImage thumbnail;     ///< preview for the window; an image, since records cross threads
     QString targetSize;   ///< long side of a size variant in pixels, as text; otherwise empty

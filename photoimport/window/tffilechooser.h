@@ -1,9 +1,12 @@
 #pragma once
 
+#include "marks/run/filelook.h"
 #include "photoimport/orders/sourcefile.h"
 #include "tasks/latest.h"
 
+#include <QHash>
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -29,11 +32,17 @@ public:
     void addFolder(int row);
     /// \a expand: folders stand for the files below them.
     void take(int row, const QStringList &paths, bool expand);
+    /// Of each order (by identity) the files with these sources are not wanted any more.
+    void leaveOut(const QHash<OrderIdentity, QSet<QString>> &sources);
+    /// Of each order the files with these sources, and those that belong to them, get names that
+    /// are free.
+    void rename(const QHash<OrderIdentity, QSet<QString>> &sources);
     /// Abandons what is being looked at.
     void cancel();
 
 signals:
-    void filesAdded(const OrderIdentity &orderId);
+    /// The order's files are others now.
+    void filesChanged(const OrderIdentity &orderId);
 
 private:
     /// What to do about folders that cannot be read.
@@ -42,6 +51,13 @@ private:
     void describe(const OrderIdentity &orderId, const FileChoice &choice, Unreadable unreadable);
     void add(const OrderIdentity &orderId, const FileChoice &choice,
              const FileChoiceResult &result);
+    void askAboutClashes(const OrderIdentity &orderId, const FileChoice &choice,
+                         const FileChoiceResult &result);
+    void addRenamed(const OrderIdentity &orderId, const FileChoice &choice,
+                    const FileChoiceResult &result);
+    void findNames(const QVector<marks::RenameRequest> &requests,
+                   std::function<void(const marks::NewNames &)> then);
+    void setFiles(int row, const QVector<SourceFile> &files);
 
     QWidget *window_;
     tforderlistmodel *orders_;

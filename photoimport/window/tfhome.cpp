@@ -6,6 +6,7 @@
 #include "photoimport/imported/tfhomephotos.h"
 #include "photoimport/window/photochoicerestorer.h"
 #include "photoimport/window/photoimportstarter.h"
+#include "photoimport/window/tfchoicemarks.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
@@ -62,6 +63,7 @@ tfhome::tfhome(QWidget *parent)
     , starter_(new PhotoImportStarter(
           this, &orders_, &run_,
           {[this](int row) { return mayChange(row); }, [this] { return orderPanel_->identity(); }}))
+    , marks_(new tfchoicemarks(this, {&orders_, &photos_, photoPanel_, notices_, chooser_}))
     , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
                                            [this](int row) { return mayChange(row); }))
     , restorer_(std::make_unique<PhotoChoiceRestorer>(
@@ -166,7 +168,7 @@ void tfhome::connectPhotos()
         photoPanel_, &tfhomephotos::filesDropped, this,
         [this, shown](const QStringList &paths) { chooser_->take(shown(), paths, true); },
         Qt::QueuedConnection);
-    connect(chooser_, &tffilechooser::filesAdded, this, [this](const OrderIdentity &orderId) {
+    connect(chooser_, &tffilechooser::filesChanged, this, [this](const OrderIdentity &orderId) {
         if (orderId == shownOrderId_)
             showSelectedOrder();
     });
@@ -262,6 +264,7 @@ void tfhome::showSelectedOrder()
         shownOrderId_ = {};
         photos_.show(nullptr, orders_.photoMode());
         photoPanel_->showOrder({});
+        marks_->setShown({});
         return;
     }
     const PhotoOrder &order = orders_.order(row);
@@ -272,6 +275,7 @@ void tfhome::showSelectedOrder()
         show();
     shownOrderId_ = order.identity();
     photoPanel_->showOrder(order.displayName());
+    marks_->setShown(shownOrderId_);
 }
 
 bool tfhome::mayChange(int row)
@@ -342,6 +346,7 @@ void tfhome::refreshState()
     bar_->setRunning(run_.isImporting(), run_.pendingRegistrations() > 0);
     bar_->setPaused(run_.pool()->isPaused());
     orderPanel_->setImporting(run_.isBusy());
+    marks_->setImporting(run_.isBusy());
     const TransferProgress progress = run_.progress();
     if (run_.isImporting() && run_.pool()->isPaused()) {
         bar_->showPaused(progress);

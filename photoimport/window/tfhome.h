@@ -17,6 +17,7 @@ class LoadingOverlay;
 class ConfirmedPhotoDeletion;
 class NoticeBar;
 class PhotoImportStarter;
+class tfchoicemarks;
 class tffilechooser;
 class tfhomeorders;
 class PhotoChoiceRestorer;
@@ -88,6 +89,7 @@ private:
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;
     PhotoImportStarter *starter_;
+    tfchoicemarks *marks_;
     ConfirmedPhotoDeletion *deletion_;
     std::unique_ptr<PhotoChoiceRestorer> restorer_; ///< last: it looks at the others to its end
 };

@@ -158,7 +158,7 @@ BoxDialog::BoxDialog(const BoxRecord &box, const BoxText &text, QWidget *parent)
     all->setSpacing(0);
     all->addWidget(titleBar);
     all->addLayout(content, 1);
-    QHBoxLayout *row = addButtons(box.buttons);
+    QHBoxLayout *row = addButtons(box.buttons, text.answers);
     content->addLayout(row);
     if (text.whole)
         addCopyButton(row, text.whole);
@@ -200,7 +200,8 @@ QAbstractScrollArea *BoxDialog::textArea(const QString &text, Qt::TextFormat for
     return area;
 }
 
-QHBoxLayout *BoxDialog::addButtons(QMessageBox::StandardButtons buttons)
+QHBoxLayout *BoxDialog::addButtons(QMessageBox::StandardButtons buttons,
+                                   const QHash<int, QString> &names)
 {
     auto *row = new QHBoxLayout;
     row->setSpacing(theme::spacing());
@@ -210,7 +211,7 @@ QHBoxLayout *BoxDialog::addButtons(QMessageBox::StandardButtons buttons)
     for (const ButtonText &each : texts) {
         if (!buttons.testFlag(each.button))
             continue;
-        auto *button = new QPushButton(each.text, this);
+        auto *button = new QPushButton(names.value(each.button, each.text), this);
         connect(button, &QPushButton::clicked, this, [this, which = each.button] {
             answer_ = which;
             accept();

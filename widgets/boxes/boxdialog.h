@@ -40,7 +40,7 @@ private:
     };
 
     QAbstractScrollArea *textArea(const QString &text, Qt::TextFormat format);
-    QHBoxLayout *addButtons(QMessageBox::StandardButtons buttons);
+    QHBoxLayout *addButtons(QMessageBox::StandardButtons buttons, const QHash<int, QString> &names);
     void addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole);
     void addAction(QHBoxLayout *row, const BoxAction &action);
     QPushButton *addBesides(QHBoxLayout *row, const QString &text);

@@ -75,6 +75,13 @@ BoxText BoxText::explained(const QString &below) const
     return text;
 }
 
+BoxText BoxText::answering(int button, const QString &words) const
+{
+    BoxText text = *this;
+    text.answers.insert(button, words);
+    return text;
+}
+
 QString BoxText::countLine(int count)
 {
     return QStringLiteral("… 共 %1 条").arg(count);

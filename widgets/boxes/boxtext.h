@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -64,6 +65,9 @@ struct BoxText
     /// The same text with a button for \a action.
     BoxText withAction(const BoxAction &action) const;
 
+    /// The same text whose \a button, a QMessageBox::StandardButton, is called \a words.
+    BoxText answering(int button, const QString &words) const;
+
     /// The last line of a list of \a count of which not all are shown.
     static QString countLine(int count);
 
@@ -72,6 +76,7 @@ struct BoxText
     Qt::TextFormat format = Qt::PlainText;
     std::function<QString()> whole; ///< empty when \a shown is all; runs on any thread
     QVector<BoxAction> actions;
+    QHash<int, QString> answers; ///< names of buttons where the usual ones say too little
 
 private:
     BoxText(QString shownText, std::nullptr_t);

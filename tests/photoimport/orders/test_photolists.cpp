@@ -231,7 +231,7 @@ private slots:
         tforderlistmodel model;
         const QAbstractItemModelTester tester(&model);
         model.setOrders({order("1"_s), order("2"_s)});
-        model.addFiles(1, {file("/c/0.jpg"_s, {job("all"), job("90")}),
+        model.setFiles(1, {file("/c/0.jpg"_s, {job("all"), job("90")}),
                            file("/c/1.jpg"_s, {job("all"), job("90")})});
         const QModelIndex state = model.index(1, tforderlistmodel::StateColumn);
         const QModelIndex bar = model.index(1, tforderlistmodel::ProgressColumn);

@@ -127,7 +127,7 @@ private slots:
         int asked = 0;
         tffilechooser chooser(&window, &orders, &overlay, [&](int) {
             if (++asked == 2) // another choice was quicker
-                orders.addFiles(0, describeChoice({{first}, false, PhotoMode::Photos, {}}).files);
+                orders.setFiles(0, describeChoice({{first}, false, PhotoMode::Photos, {}}).files);
             return true;
         });
         chooser.take(0, {second}, false);
