@@ -115,6 +115,25 @@ private slots:
         QCOMPARE(text(first_, Column::ChosenColumn), QString());
     }
 
+    void clashesAreRenamed()
+    {
+        openWith(1);
+        select(first_);
+        const QString twin = card_->filePath("img_0.JPG"_s);
+        QVERIFY(QFile::copy(card_->filePath(first_ + "/IMG_0.jpg"_s), twin));
+        MessageBox::setNextAnswer(QMessageBox::Yes);
+        FileDialog::setNextFiles({twin});
+        click("addFilesButton");
+        EXPECT_BOX_THAT(box.contains(twin));
+        QTRY_COMPARE(text(first_, Column::ChosenColumn), "2"_s);
+        click("startOrderButton");
+        EXPECT_BOXES(done_);
+        for (const char *kind : {"all", "90", "190", "1920"})
+            QVERIFY2(QFile::exists(imported(first_, QLatin1String(kind) + "/img_0_2.JPG"_s)), kind);
+        QVERIFY((demo_.body("savepicpath"_s, 0) + demo_.body("savepicpath"_s, 1))
+                    .contains("\\all\\img_0_2.JPG&"_s));
+    }
+
     void filesAreJudgedAgainstTheListOfNow()
     {
         const QDir card(card_->path());
