@@ -172,8 +172,7 @@ void tffilechooser::leaveOut(const QHash<OrderIdentity, QSet<QString>> &sources)
         const int row = orders_->rowOf(order.key());
         if (!mayChange_(row))
             return;
-        orders_->removeFiles(row,
-                             photomarks::unfinishedAmong(orders_->files(row), order.value()));
+        orders_->removeFiles(row, photomarks::unfinishedAmong(orders_->files(row), order.value()));
         emit filesChanged(order.key());
     }
 }
@@ -196,7 +195,7 @@ void tffilechooser::rename(const QHash<OrderIdentity, QSet<QString>> &sources)
             if (mode == orders_->photoMode() && mayChange_(row) &&
                 photomarks::renamable(orders_->files(row)) == request.files)
                 setFiles(row, photomarks::renamed(orders_->files(row),
-                                                    found.names.value(request.order)));
+                                                  found.names.value(request.order)));
         }
     });
 }
