@@ -1,4 +1,5 @@
 #include "files/contenthash.h"
+#include "ledger/ledger.h"
 #include "marks/run/choicemarks.h"
 #include "marks/run/filelook.h"
 #include "pictures/cameradata.h"
@@ -9,6 +10,7 @@
 #include "tests/support/text.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -66,6 +68,7 @@ private slots:
     void keepsWhatItKnows();
     void waitsForNoDisk();
     void findsNamesFreeInEveryFolder();
+    void remembersEarlierImports();
 
 private:
     QString path(const QString &name) const { return disk_->filePath(name); }
@@ -224,6 +227,40 @@ void TestChoiceMarks::findsNamesFreeInEveryFolder()
         {wireForm(path("photos"_s)), wireForm(path("raw"_s)), wireForm(path("not there yet"_s))}};
     const auto names = findNewNames({request}).names.value(order);
     QCOMPARE(names, (QHash<QString, QString>{{photo, "IMG_1_4.JPG"_s}, {raw, "IMG_1_4.CR2"_s}}));
+}
+
+void TestChoiceMarks::remembersEarlierImports()
+{
+    Ledger ledger(path("ledger"_s));
+    ledger.makeCurrent();
+    const auto imported = [&](const OrderIdentity &of, const QString &name, const QString &target) {
+        const QString source = path("card/"_s + name);
+        const QFileInfo info(source);
+        ledger::NewCopy copy;
+        copy.source = source;
+        copy.sourceBytes = info.size();
+        copy.sourceModifiedMs = info.lastModified().toMSecsSinceEpoch();
+        copy.target = wireForm(path(target));
+        const auto run = ledger.beginRun({{"9001"_s, "101"_s, ledger::Work::ImportOriginals}, {}});
+        const auto ids = ledger.beginCopies(run, {of, "TS10004-1"_s, {}}, {copy});
+        const QByteArray hash = readContent(source).hash;
+        ledger.finishCopy(ids.first(), {Proof::Cache, hash, hash, info.size()});
+        QVERIFY(ledger.waitUntilWritten());
+    };
+    for (const char *name : {"other.jpg", "renamed.jpg", "deleted.jpg"})
+        writeFile(path("card/"_s + QString::fromLatin1(name)), name);
+    imported({"101"_s, "2"_s, "p2"_s}, "other.jpg"_s, "elsewhere/other.jpg"_s);
+    imported(order, "renamed.jpg"_s, "target/renamed_2.jpg"_s);
+    imported(order, "deleted.jpg"_s, "target/deleted.jpg"_s);
+    writeFile(path("target/renamed_2.jpg"_s), "renamed.jpg");
+    choices_->sync({choiceOf({"other.jpg"_s, "renamed.jpg"_s, "deleted.jpg"_s})});
+    QTRY_VERIFY(!choices_->isLooking());
+    QCOMPARE(markOf("other.jpg"_s), Mark::OtherOrder);
+    QCOMPARE(markOf("renamed.jpg"_s), Mark::Imported);
+    QCOMPARE(markOf("deleted.jpg"_s), Mark::New);
+    const auto lines = linesOf(choices_->looks(), true);
+    QCOMPARE(lines.last().text,
+             "1 个文件 %1 已导入 TS10004-1"_s.arg(QDate::currentDate().toString("MM-dd"_s)));
 }
 
 QTEST_GUILESS_MAIN(TestChoiceMarks)
