@@ -42,7 +42,7 @@ marks::Choice chosenIn(const QString &folder, int count)
 void measure(BenchApplication *application, const marks::Choice &choice, const QString &what)
 {
     ChoiceMarks choices;
-    const auto isMarked = [&choices, &choice] {
+    const auto isMarked = [&choices] {
         const auto looks = choices.looks();
         return !looks.isEmpty() && looks.first().marks.files.last().mark != marks::Mark::None;
     };

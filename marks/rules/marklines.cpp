@@ -56,12 +56,14 @@ QVector<Line> otherOrderLines(const QVector<OrderLook> &looks)
             collect(&lines[key], look, file);
         }
     }
+    QVector<Line> all;
     for (auto line = lines.begin(); line != lines.end(); ++line) {
         line->text = QStringLiteral("%1 个文件 %2 已导入 %3")
                          .arg(QString::number(countOf(*line)),
                               importDayText(std::get<0>(line.key())), std::get<1>(line.key()));
+        all.append(*line);
     }
-    return lines.values().toVector();
+    return all;
 }
 
 QVector<Line> captureLines(const QVector<OrderLook> &looks)

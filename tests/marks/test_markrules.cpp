@@ -202,17 +202,17 @@ void TestMarkRules::saysWhatMatters()
         texts({look}, true),
         (QStringList{"1 个同名文件内容不同，导入将替换 [查看] [跳过] [改名导入]"_s,
                      "1 个已导入 [跳过]"_s, "2 个文件 11-22 已导入 TS10004-1 [查看]"_s, captured}));
-    QCOMPARE(texts({look}, false).first(), "1 个同名文件内容不同，导入将替换 [查看] [跳过]"_s);
+    QCOMPARE(texts({look}, false).constFirst(), "1 个同名文件内容不同，导入将替换 [查看] [跳过]"_s);
 
     OrderLook second = look;
     second.marks.order = otherOrder;
     second.marks.orderNumber = "TS10002-1"_s;
     second.marks.files = {marked(Mark::Differs)};
     second.captures = {};
-    QCOMPARE(texts({look, second}, true).first(),
+    QCOMPARE(texts({look, second}, true).constFirst(),
              "2 个同名文件内容不同，导入将替换 [查看] [跳过] [改名导入]"_s);
-    QCOMPARE(texts({look, second}, true).last(), "TS10001-1 "_s + captured);
-    QCOMPARE(linesOf({look, second}, true).first().sources.value(otherOrder),
+    QCOMPARE(texts({look, second}, true).constLast(), "TS10001-1 "_s + captured);
+    QCOMPARE(linesOf({look, second}, true).constFirst().sources.value(otherOrder),
              QSet<QString>{source});
 
     OrderLook good = look;
@@ -227,7 +227,7 @@ void TestMarkRules::listsWhatALineIsAbout()
     look.marks.order = thisOrder;
     look.marks.files = {marked(Mark::New, "/c/1"_s), marked(Mark::Differs)};
     look.marks.files[1].standing = standing(4, 6);
-    const Line line = linesOf({look}, true).first();
+    const Line line = linesOf({look}, true).constFirst();
     const QVector<Detail> details = detailsOf(line, {look});
     QCOMPARE(details.size(), 1);
     QCOMPARE(details.first().file.source, source);
