@@ -90,8 +90,8 @@ LangString purgeTitle ${LANG_SIMPCHINESE} "卸载 ${NAME}"
 LangString purgeTitle ${LANG_ENGLISH} "Remove ${NAME}"
 LangString purgeIntro ${LANG_SIMPCHINESE} "将从以下文件夹卸载 ${NAME}：$\r$\n$INSTDIR$\r$\n$\r$\n照片和订单不受影响。"
 LangString purgeIntro ${LANG_ENGLISH} "${NAME} is going to be removed from$\r$\n$INSTDIR$\r$\n$\r$\nPhotos and orders are not touched."
-LangString purgeText ${LANG_SIMPCHINESE} "同时删除我保存的登录信息和服务地址"
-LangString purgeText ${LANG_ENGLISH} "Also remove my saved login and the address of the service"
+LangString purgeText ${LANG_SIMPCHINESE} "同时删除我保存的登录信息、导入记录和服务地址"
+LangString purgeText ${LANG_ENGLISH} "Also remove my saved login, the record of imports and the address of the service"
 
 ; Whoever may write for the machine; NO is the label to go to otherwise.
 !macro needAdministrator NO
@@ -409,6 +409,9 @@ Section "Uninstall"
         SetShellVarContext current
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\login_config.txt"
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\choices.ini"
+        Delete "$LOCALAPPDATA\${USER_SETTINGS}\ledger.db*"
+        Delete "$LOCALAPPDATA\${USER_SETTINGS}\ledger-damaged-*.db*"
+        Delete "$LOCALAPPDATA\${USER_SETTINGS}\session-*.lock"
         RMDir "$LOCALAPPDATA\${USER_SETTINGS}"
         Delete "$PROFILE\${USER_SETTINGS}\loginData"
         RMDir "$PROFILE\${USER_SETTINGS}"

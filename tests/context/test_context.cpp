@@ -121,6 +121,8 @@ private slots:
         row("imports read back", "|||read-back", "[import]\nverify=size\n", "-||1|1");
         row("imports looked at somehow", "|||none", "[import]\nverify=size\n", "-||1|0");
         row("other section", "||", "url=https://x\n[other]\nurl=https://y\nnonsense\n", "-||1");
+        row("no ledger", "||", "[ledger]\nenabled = no\n", "-||1|1|0");
+        row("a ledger after all", "||||yes", "[ledger]\nenabled = no\n", "-||1|1|1");
     }
 
     void readsTheInstallation()
@@ -139,6 +141,7 @@ private slots:
         qputenv("TESSAVO_CA_FILE", set.at(1));
         qputenv("TESSAVO_TLS_VERIFY", set.at(2));
         qputenv("TESSAVO_IMPORT_VERIFY", set.value(3));
+        qputenv("TESSAVO_LEDGER", set.value(4));
         const Installation read = Installation::read(ini.fileName());
         const bool compiledIn = read.serviceUrl == QString::fromUtf8(TESSAVO_DEFAULT_SERVICE_URL);
         QString told = "%1|%2|%3"_s.arg(compiledIn ? "-"_s : read.serviceUrl,
@@ -146,8 +149,11 @@ private slots:
                                         QString::number(int(read.verifiesCertificates)));
         told.replace(folder.path(), "<>"_s);
         QFETCH(QString, expected);
-        if (expected.count(QLatin1Char('|')) == 3)
+        const int further = expected.count(QLatin1Char('|'));
+        if (further >= 3)
             told += QLatin1Char('|') + QString::number(int(read.readsImportsBack));
+        if (further >= 4)
+            told += QLatin1Char('|') + QString::number(int(read.keepsLedger));
         QCOMPARE(told, expected);
     }
 };
