@@ -2,6 +2,7 @@
 #include "bench/options.h"
 #include "bench/windowbench.h"
 #include "fileimport/imported/originalrequests.h"
+#include "net/orderfiles.h"
 #include "net/servicecall.h"
 #include "tests/support/democlient.h"
 #include "tests/support/pictures.h"
@@ -39,7 +40,7 @@ QString registerPicture(BenchApplication *application, const QString &folder)
     callService(
         &owner, "&m=order&a=savepicpath"_s,
         body + "&path=" + QUrl::toPercentEncoding(file.fileName()), [&](const ServiceReply &) {
-            callService(&owner, originalrequests::listAction, body,
+            callService(&owner, orderfiles::listAction, body,
                         [&url](const ServiceReply &reply) {
                             const auto entries = originalrequests::readListing(reply.object);
                             url = entries.value(0).url;

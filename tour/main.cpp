@@ -62,6 +62,7 @@ int main(int argc, char *argv[])
         tourOrderList(guide);
         tourHistory(guide);
         tourRestoring(guide);
+        tourCardCheck(guide);
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));

@@ -12,3 +12,4 @@ void tourBatchDelete(Guide &guide);
 void tourOrderList(Guide &guide);
 void tourHistory(Guide &guide);
 void tourRestoring(Guide &guide);
+void tourCardCheck(Guide &guide);

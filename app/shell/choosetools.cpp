@@ -33,7 +33,7 @@ QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
 ChooseTools::ChooseTools(QWidget *parent, const QVector<Tool> &tools)
     : FramelessWindow(parent)
     , tools_(tools)
-    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser(), history()}))
+    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser(), cardCheck(), history()}))
 {
     setWindowTitle(QStringLiteral("Tessavo"));
     titleBar()->setPlain(true);
@@ -122,6 +122,8 @@ QWidget *ChooseTools::footer()
     layout->addStretch();
     layout->addWidget(
         footButton(orderBrowser(), QStringLiteral("orderListButton"), QStringLiteral("Ctrl+L")));
+    layout->addWidget(
+        footButton(cardCheck(), QStringLiteral("cardCheckButton"), QStringLiteral("Ctrl+K")));
     layout->addWidget(
         footButton(history(), QStringLiteral("historyButton"), QStringLiteral("Ctrl+H")));
     layout->addStretch();

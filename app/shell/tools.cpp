@@ -1,6 +1,7 @@
 #include "app/shell/tools.h"
 
 #include "batchdelete/window/batchdelete.h"
+#include "cardcheck/window/cardcheck.h"
 #include "distribution/window/fjhome.h"
 #include "fileimport/window/importfiles.h"
 #include "history/window/historywindow.h"
@@ -70,5 +71,12 @@ const Tool &history()
 {
     static const Tool tool{
         QStringLiteral("导入记录"), {}, []() -> FramelessWindow * { return new HistoryWindow; }};
+    return tool;
+}
+
+const Tool &cardCheck()
+{
+    static const Tool tool{
+        QStringLiteral("核对存储卡"), {}, []() -> FramelessWindow * { return new CardCheck; }};
     return tool;
 }

@@ -25,3 +25,5 @@ const QVector<Tool> &allTools();
 const Tool &orderBrowser();
 /// What was done before, which has such a button too.
 const Tool &history();
+/// The check of camera cards, which has such a button too.
+const Tool &cardCheck();

@@ -1,6 +1,10 @@
 #include "app/shell/toolwindows.h"
 
+#include "cardcheck/window/cardcheck.h"
+#include "cardcheck/window/ordercheck.h"
+#include "fileimport/window/importfiles.h"
 #include "orderbrowser/window/orderlist.h"
+#include "photoimport/window/tfhome.h"
 
 #include <algorithm>
 
@@ -41,15 +45,45 @@ FramelessWindow *ToolWindows::shown(const Tool &tool)
                          if (const auto all = windows.lock())
                              all->windows_.remove(label);
                      });
-    if (const auto *browser = qobject_cast<OrderList *>(window)) {
-        QObject::connect(browser, &OrderList::openToolRequested, browser,
-                         [all = shared_from_this()](const QString &card, const QString &branch,
-                                                    const QString &orderPhotoId,
-                                                    const QString &orderNumber) {
-                             all->open(card, {branch, orderPhotoId, orderNumber});
-                         });
-    }
+    leadOn(window);
     windows_.insert(tool.label, window);
     window->showMaximized();
     return window;
+}
+
+/// Lets \a window lead to other tools, none of which it knows, for as long as it is open.
+void ToolWindows::leadOn(FramelessWindow *window)
+{
+    const auto all = shared_from_this();
+    const auto checkOrder = [all](const OrderToCheck &order) { all->checkOrder(order); };
+    const auto checkCard = [all] { all->open(cardCheck().label); };
+    const auto openAt = [all](const QString &card, const OrderPlace &place) {
+        all->open(card, place);
+    };
+    if (const auto *browser = qobject_cast<OrderList *>(window)) {
+        QObject::connect(browser, &OrderList::openToolRequested, browser,
+                         [openAt](const QString &card, const QString &branch,
+                                  const QString &orderPhotoId, const QString &orderNumber) {
+                             openAt(card, {branch, orderPhotoId, orderNumber});
+                         });
+        QObject::connect(browser, &OrderList::orderCheckRequested, browser, checkOrder);
+    } else if (const auto *import = qobject_cast<ImportFiles *>(window)) {
+        QObject::connect(import, &ImportFiles::cardCheckRequested, import, checkCard);
+        QObject::connect(import, &ImportFiles::orderCheckRequested, import, checkOrder);
+    } else if (const auto *photos = qobject_cast<tfhome *>(window)) {
+        QObject::connect(photos, &tfhome::cardCheckRequested, photos, checkCard);
+        QObject::connect(photos, &tfhome::orderCheckRequested, photos, checkOrder);
+    } else if (const auto *cards = qobject_cast<CardCheck *>(window)) {
+        QObject::connect(cards, &CardCheck::importRequested, cards, openAt);
+    } else if (const auto *order = qobject_cast<OrderCheck *>(window)) {
+        QObject::connect(order, &OrderCheck::openToolRequested, order, openAt);
+    }
+}
+
+void ToolWindows::checkOrder(const OrderToCheck &order)
+{
+    static const Tool tool{
+        QStringLiteral("核对订单"), {}, []() -> FramelessWindow * { return new OrderCheck; }};
+    if (auto *check = qobject_cast<OrderCheck *>(shown(tool)))
+        check->check(order);
 }

@@ -27,6 +27,8 @@ private:
 
     FramelessWindow *shown(const Tool &tool);
     void open(const QString &label, const OrderPlace &place);
+    void leadOn(FramelessWindow *window);
+    void checkOrder(const OrderToCheck &order);
 
     QVector<Tool> tools_;
     QHash<QString, QPointer<FramelessWindow>> windows_; ///< by label; empty while closed

@@ -3,6 +3,7 @@
 #include "fileimport/imported/originalrequests.h"
 #include "fileimport/rules/importrules.h"
 #include "ledger/ledger.h"
+#include "net/orderfiles.h"
 #include "pending/pendingdesk.h"
 #include "tasks/background.h"
 
@@ -77,14 +78,14 @@ void LeftPhotoCleanup::list(const ImportOrder &order)
         return;
     }
     timestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
-    listing_.start(originalrequests::listAction,
+    listing_.start(orderfiles::listAction,
                    originalrequests::listBody(originalrequests::orderMap(order), timestamp_),
                    [this, order](const ServiceReply &reply) { onListing(order, reply); });
 }
 
 void LeftPhotoCleanup::onListing(const ImportOrder &order, const ServiceReply &reply)
 {
-    if (!reply.isSuccess() || originalrequests::isStale(reply.object, timestamp_)) {
+    if (!reply.isSuccess() || orderfiles::isStale(reply.object, timestamp_)) {
         problems_.append(order.displayName() + QStringLiteral(" 的照片列表读取失败，文件保留"));
         nextOrder();
         return;

@@ -2,6 +2,7 @@
 
 #include "fileimport/rules/importrules.h"
 #include "net/formbody.h"
+#include "net/orderfiles.h"
 #include "net/replyfields.h"
 
 #include <algorithm>
@@ -88,7 +89,8 @@ bool mayDelete(const OrderMap &order)
 
 QByteArray listBody(const OrderMap &order, const QString &timestamp)
 {
-    return orderFields(order).add(QStringLiteral("timestamp"), timestamp).bytes();
+    return orderfiles::listBody(order.value(QStringLiteral("shopid")),
+                                order.value(QStringLiteral("order_photo_id")), timestamp);
 }
 
 QByteArray deleteBody(const OrderMap &order, const QStringList &ids, const QString &timestamp)
@@ -107,12 +109,6 @@ QVector<PhotoEntry> withId(const QVector<PhotoEntry> &entries)
                      return !entry.id.isEmpty() && !entry.id.contains(QLatin1Char(','));
                  });
     return usable;
-}
-
-bool isStale(const QJsonObject &reply, const QString &timestamp)
-{
-    const QString answered = reply::text(reply, QStringLiteral("timestamp"));
-    return !answered.isEmpty() && answered != timestamp;
 }
 
 QVector<PhotoEntry> readListing(const QJsonObject &reply)

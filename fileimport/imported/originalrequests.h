@@ -16,7 +16,6 @@ struct ImportOrder;
 /// functions.
 namespace originalrequests {
 
-inline const QString listAction = QStringLiteral("&m=order&a=getorder_pics");
 inline const QString deleteAction = QStringLiteral("&m=order&a=delete_pics");
 
 /// The fields of an order as the view takes them: "id", "orderid", "order_photo_id",
@@ -42,9 +41,6 @@ QByteArray deleteBody(const OrderMap &order, const QStringList &ids, const QStri
 /// a list of them.
 QVector<PhotoEntry> withId(const QVector<PhotoEntry> &entries);
 
-/// Whether \a reply answers an earlier request than that of \a timestamp. One that names none is
-/// taken for an answer to this one.
-bool isStale(const QJsonObject &reply, const QString &timestamp);
 /// Raw files first, as they are listed. Fields that are missing or of another type are empty.
 QVector<PhotoEntry> readListing(const QJsonObject &reply);
 

@@ -2,6 +2,7 @@
 
 #include "fileimport/rules/importrules.h"
 #include "look/colours.h"
+#include "net/orderfiles.h"
 #include "tasks/background.h"
 #include "thumbnails/thumbnailtableview.h"
 #include "widgets/boxes/confirmdialog.h"
@@ -178,13 +179,13 @@ void OriginalView::requestListing()
         return;
     reading_.abandon();
     lastTimestamp_ = QString::number(QDateTime::currentMSecsSinceEpoch());
-    listing_.start(originalrequests::listAction, originalrequests::listBody(order_, lastTimestamp_),
+    listing_.start(orderfiles::listAction, originalrequests::listBody(order_, lastTimestamp_),
                    [this](const ServiceReply &reply) { onListing(reply); });
 }
 
 void OriginalView::onListing(const ServiceReply &reply)
 {
-    if (originalrequests::isStale(reply.object, lastTimestamp_)) {
+    if (orderfiles::isStale(reply.object, lastTimestamp_)) {
         endRefreshing();
         if (grid_->count() == 0)
             grid_->setEmptyText(QStringLiteral("没有收到最新的照片列表，请刷新"));

@@ -2,7 +2,7 @@
 
 #include "files/chosenfiles.h"
 #include "files/paths.h"
-#include "files/rawsuffixes.h"
+#include "net/orderfiles.h"
 #include "platform/pathform.h"
 
 #include <QSet>
@@ -12,13 +12,9 @@
 
 namespace importrules {
 
-namespace {
-
-const QString originalsFolder = QStringLiteral("原片");
-const QString rawFolder = QStringLiteral("原始档");
-const QString retouchedFolder = QStringLiteral("精修片");
-
-} // namespace
+using orderfiles::originalsFolder;
+using orderfiles::rawFolder;
+using orderfiles::retouchedFolder;
 
 QString toolName(ImportMode mode)
 {
@@ -67,25 +63,10 @@ QString subFolderFor(ImportMode mode, const QString &suffix)
     Q_UNREACHABLE();
 }
 
-QStringList announcedPatterns(const QString &subFolder)
-{
-    if (subFolder == rawFolder) {
-        QStringList patterns = rawSuffixes();
-        for (QString &pattern : patterns)
-            pattern.prepend(QLatin1String("*."));
-        return patterns;
-    }
-    return {QStringLiteral("*.jpg"), QStringLiteral("*.JPG"), QStringLiteral("*.jpeg"),
-            QStringLiteral("*.JPEG")};
-}
-
 bool isAnnounced(const ImportFile &file)
 {
-    if (platform::isHiddenName(file.fileName()))
-        return false;
-    const QString pattern = QStringLiteral("*.") + file.suffix;
-    return announcedPatterns(file.targetFolder.section(QLatin1Char('\\'), -1))
-        .contains(pattern, Qt::CaseInsensitive);
+    return orderfiles::isAnnounced(file.targetFolder.section(QLatin1Char('\\'), -1),
+                                   file.fileName());
 }
 
 QString unannouncedText(const QVector<ImportFile> &files)

@@ -20,8 +20,6 @@ QStringList subFolders(ImportMode mode);
 /// The one of them for a file with \a suffix. An upper-case "JPEG" counts as a raw file: studios
 /// have relied on that, and on "JPGE" not doing so.
 QString subFolderFor(ImportMode mode, const QString &suffix);
-/// What of a sub-folder is announced to the service.
-QStringList announcedPatterns(const QString &subFolder);
 
 /// Whether the announcement of its folder names \a file: others are copied all the same.
 bool isAnnounced(const ImportFile &file);

@@ -2,6 +2,7 @@
 
 #include "fileimport/rules/importrules.h"
 #include "files/paths.h"
+#include "net/orderfiles.h"
 #include "platform/pathform.h"
 #include "tasks/background.h"
 
@@ -18,8 +19,8 @@ QVector<importrequests::AnnouncedFile> announcedFiles(const QString &importPath,
         return {};
     }
     QVector<importrequests::AnnouncedFile> entries;
-    const QFileInfoList files = folder.entryInfoList(importrules::announcedPatterns(subFolder),
-                                                     QDir::Files, QDir::Unsorted);
+    const QFileInfoList files =
+        folder.entryInfoList(orderfiles::announcedPatterns(subFolder), QDir::Files, QDir::Unsorted);
     entries.reserve(files.size());
     for (const QFileInfo &file : files)
         entries.append({file.fileName(), file.size()});

@@ -77,8 +77,12 @@ ImportFiles::ImportFiles(QWidget *parent)
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
     finder_->setLeaving({[this] { return run_->isBusy() ? importingText() : QString(); },
                          [this] { return importrules::leavingQuestion(orders_.orders()); }});
-    finder_->setSelect(
-        [this](const QString &photoSet) { return panel_->selectPhotoSet(photoSet); });
+    finder_->setSelect([this](const QString &photoSet) {
+        const bool isThere = panel_->selectPhotoSet(photoSet);
+        if (isThere && photoSet == place_.orderPhotoId)
+            fulfil(panel_->selectedRow());
+        return isThere;
+    });
     connect(finder_, &OrderFinder::branchLeft, this, &ImportFiles::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &ImportFiles::reqOrderList);
     finder_->setReader(&importrequests::readOrders,
@@ -103,6 +107,7 @@ void ImportFiles::setMode(int mode)
     chooser_->setMode(mode_);
     marks_->setMode(mode_);
     showPhotoView(mode_ == ImportMode::Originals);
+    panel_->offerCardCheck(mode_ == ImportMode::Originals);
     auto run = std::make_unique<ImportRun>(mode_);
     restorer_->setRun(mode_, run.get());
     run_ = std::move(run);
@@ -159,6 +164,13 @@ void ImportFiles::connectPanel()
             Qt::QueuedConnection);
     connect(filePanel_, &ImportFilePanel::retryClicked, this, &ImportFiles::onRetryImportClicked);
     connect(panel_, &ImportOrderPanel::startClicked, this, &ImportFiles::onStartAllClicked);
+    connect(panel_, &ImportOrderPanel::cardCheckClicked, this, &ImportFiles::cardCheckRequested);
+    connect(panel_, &ImportOrderPanel::orderCheckClicked, this, [this](int row) {
+        const ImportOrder &order = orders_.order(row);
+        emit orderCheckRequested(
+            {order.identity(), order.orderPayForKey, order.displayNumber(), order.displayName(),
+             importrules::hasFolder(order) ? importrules::importPathOf(order) : QString()});
+    });
 }
 
 void ImportFiles::connectRun()
@@ -251,7 +263,22 @@ void ImportFiles::finishClosingWhenIdle()
 
 void ImportFiles::goTo(const OrderPlace &place)
 {
+    place_ = place;
     finder_->goTo(place);
+}
+
+void ImportFiles::fulfil(int row)
+{
+    const OrderPlace place = std::exchange(place_, {});
+    if (!place.files.isEmpty())
+        onFilesDropped(row, place.files);
+    if (!place.registers)
+        return;
+    orders_.change(row, [](ImportOrder &order) {
+        order.importPath = importrules::importPathOf(order);
+        order.unregistered = true;
+    });
+    onRegisterAgainClicked(row);
 }
 
 void ImportFiles::reqShopInfo()

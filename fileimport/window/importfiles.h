@@ -44,6 +44,10 @@ signals:
     void orderSelectionChanged(const ImportOrder &order);
     void startImportFiles(const ImportOrder &order);
     void startImportAllFiles(const QList<ImportOrder> &orders);
+    /// The user wants to know whether a card may be formatted.
+    void cardCheckRequested();
+    /// The user wants to know whether an order is whole.
+    void orderCheckRequested(const OrderToCheck &order);
 
 public slots:
     void reqShopInfo();
@@ -77,6 +81,8 @@ private:
     void finishClosingWhenIdle();
 
     void onBranchLeft();
+    /// What the window was led to the order at \a row for.
+    void fulfil(int row);
 
     /// Tells the user when the answer is no.
     bool mayChangeFiles(int row);
@@ -98,6 +104,7 @@ private:
     bool importing_ = false;
     bool opened_ = false;
     OrderIdentity shownOrderId_;
+    OrderPlace place_; ///< that the window was led to last
 
     ImportOrderTableModel orders_;
     ImportFileTableModel files_;

@@ -37,6 +37,7 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
     , notices_(new NoticeBar(this))
     , progress_(new TransferView(this))
     , startButton_(new QPushButton(this))
+    , cardCheckButton_(new QPushButton(QStringLiteral("核对存储卡"), this))
 {
     buildTable();
     buildLayout();
@@ -90,7 +91,19 @@ void ImportOrderPanel::buildLayout()
     layout->addWidget(table_, 1);
     layout->addWidget(notices_);
     layout->addWidget(progress_);
-    layout->addWidget(startButton_);
+    cardCheckButton_->setObjectName(QStringLiteral("cardCheckButton"));
+    cardCheckButton_->setStyleSheet(theme::secondaryButtonStyle());
+    cardCheckButton_->setToolTip(QStringLiteral("存储卡可以格式化吗？逐字节核对卡和存储"));
+    connect(cardCheckButton_, &QPushButton::clicked, this, &ImportOrderPanel::cardCheckClicked);
+    auto *buttons = new QHBoxLayout;
+    buttons->addWidget(startButton_, 1);
+    buttons->addWidget(cardCheckButton_);
+    layout->addLayout(buttons);
+}
+
+void ImportOrderPanel::offerCardCheck(bool offered)
+{
+    cardCheckButton_->setVisible(offered);
 }
 
 void ImportOrderPanel::addActions()
@@ -104,6 +117,8 @@ void ImportOrderPanel::addActions()
     }
     rows_->addAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
                      [this](int row) { emit orderNumberClicked(row); });
+    rows_->addAction(QStringLiteral("核对订单"), Qt::CTRL + Qt::Key_K,
+                     [this](int row) { emit orderCheckClicked(row); });
     QAction *again = rows_->addAction(PhotoStateDelegate::linkText(), Qt::CTRL + Qt::Key_R,
                                       [this](int row) { emit registerAgainClicked(row); });
     connect(rows_, &SortedRows::menuOpens, this,

@@ -44,6 +44,8 @@ public:
     /// Pixels in which the buttons of the orders are in sight, without what comes after them.
     int widthWithActions() const;
 
+    /// Whether the user is offered to have a card checked.
+    void offerCardCheck(bool offered);
     /// Whether the start button stops instead.
     void setRunning(bool running);
     void showProgress(const TransferProgress &progress, const TransferRate &rate);
@@ -56,6 +58,8 @@ signals:
     void registerAgainClicked(int row);
     void filesDropped(int row, const QStringList &paths);
     void startClicked();
+    void cardCheckClicked();
+    void orderCheckClicked(int row);
 
 private:
     void buildTable();
@@ -73,4 +77,5 @@ private:
     NoticeBar *notices_;
     TransferView *progress_;
     QPushButton *startButton_;
+    QPushButton *cardCheckButton_;
 };

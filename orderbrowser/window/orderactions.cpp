@@ -11,6 +11,8 @@ OrderActions::OrderActions(BrowserTable *table, QObject *parent) : QObject(paren
 {
     addTableAction(table_, QStringLiteral("打开目录"), QKeySequence(QStringLiteral("Ctrl+E")),
                    [this] { openFolder(); });
+    addTableAction(table_, QStringLiteral("核对订单"), QKeySequence(QStringLiteral("Ctrl+K")),
+                   [this] { checkOrder(); });
     addTableAction(table_, QStringLiteral("复制订单号"),
                    QKeySequence(QStringLiteral("Ctrl+Shift+C")), [this] { copyNumber(); });
     addTableAction(table_, QStringLiteral("复制所选单元格"), QKeySequence::Copy,
@@ -58,6 +60,16 @@ void OrderActions::openTool(const QString &card)
     else
         emit openToolRequested(card, order->identity.branch, order->identity.orderPhotoId,
                                OrderListing::searchNumber(*order));
+}
+
+void OrderActions::checkOrder()
+{
+    const BrowsedOrder *order = table_->currentOrder();
+    if (!order)
+        return;
+    const QString number = order->values.value(orderfields::Number);
+    emit orderCheckRequested({order->identity, OrderListing::searchNumber(*order), number, number,
+                              order->values.value(orderfields::ImportPath)});
 }
 
 void OrderActions::copyNumber()

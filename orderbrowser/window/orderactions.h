@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/sharedfolderopener.h"
+#include "widgets/orders/orderdestination.h"
 
 #include <QObject>
 
@@ -21,9 +22,12 @@ signals:
     /// The user wants to go on with an order in the tool of that card.
     void openToolRequested(const QString &card, const QString &branch, const QString &orderPhotoId,
                            const QString &orderNumber);
+    /// The user wants to know whether an order is whole.
+    void orderCheckRequested(const OrderToCheck &order);
 
 private:
     void openTool(const QString &card);
+    void checkOrder();
     void copyNumber();
     void copySelected();
 

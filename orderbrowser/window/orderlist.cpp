@@ -222,6 +222,7 @@ void OrderList::connectTable()
     connect(table_, &BrowserTable::currentOrderChanged, this, &OrderList::showDetails);
     auto *actions = new OrderActions(table_, this);
     connect(actions, &OrderActions::openToolRequested, this, &OrderList::openToolRequested);
+    connect(actions, &OrderActions::orderCheckRequested, this, &OrderList::orderCheckRequested);
     connect(details_, &DetailsPane::openFolderClicked, actions, &OrderActions::openFolder);
     connect(details_->photos(), &ChosenPhotosView::stopped, this, &OrderList::endClosing);
     connect(export_, &ExportButton::ended, this, &OrderList::endClosing);

@@ -4,6 +4,7 @@
 #include "orderbrowser/run/orderarranger.h"
 #include "orderbrowser/run/rangesearch.h"
 #include "orderbrowser/run/viewstore.h"
+#include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
 #include <QTimer>
@@ -33,6 +34,8 @@ signals:
     /// The user wants to go on with an order in the tool of that card.
     void openToolRequested(const QString &card, const QString &branch, const QString &orderPhotoId,
                            const QString &orderNumber);
+    /// The user wants to know whether an order is whole.
+    void orderCheckRequested(const OrderToCheck &order);
 
 protected:
     CloseAnswer closeRequested() override;

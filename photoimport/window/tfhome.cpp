@@ -148,6 +148,11 @@ void tfhome::connectOrders()
                           [this](int row) { openFolder(row); });
     table->addOrderAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
                           [this](int row) { copyNumber(row); });
+    table->addOrderAction(QStringLiteral("核对订单"), Qt::CTRL + Qt::Key_K, [this](int row) {
+        const PhotoOrder &order = orders_.order(row);
+        emit orderCheckRequested({order.identity(), order.info.orderPayForKey,
+                                  order.displayNumber(), order.displayName(), order.folder()});
+    });
 }
 
 void tfhome::connectPhotos()
@@ -188,6 +193,7 @@ void tfhome::connectBar()
         else
             starter_->startAll();
     });
+    connect(bar_, &tfimportbar::cardCheckClicked, this, &tfhome::cardCheckRequested);
     connect(bar_, &tfimportbar::pauseClicked, this, [this] {
         if (run_.pool()->isPaused())
             run_.pool()->resumeAllImport();

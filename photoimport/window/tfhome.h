@@ -37,6 +37,12 @@ public:
     void goTo(const OrderPlace &place) override;
     ~tfhome() override;
 
+signals:
+    /// The user wants to know whether a card may be formatted.
+    void cardCheckRequested();
+    /// The user wants to know whether an order is whole.
+    void orderCheckRequested(const OrderToCheck &order);
+
 protected:
     CloseAnswer closeRequested() override;
     void showEvent(QShowEvent *event) override;

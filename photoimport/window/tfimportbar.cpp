@@ -39,9 +39,15 @@ tfimportbar::tfimportbar(QWidget *parent)
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(theme::margin(), 0, theme::margin(), theme::margin());
     layout->setSpacing(theme::spacing());
+    auto *cardCheck = new QPushButton(QStringLiteral("核对存储卡"), this);
+    cardCheck->setObjectName(QStringLiteral("cardCheckButton"));
+    cardCheck->setStyleSheet(theme::secondaryButtonStyle());
+    cardCheck->setToolTip(QStringLiteral("存储卡可以格式化吗？逐字节核对卡和存储"));
+    connect(cardCheck, &QPushButton::clicked, this, &tfimportbar::cardCheckClicked);
     layout->addWidget(modeBox_);
     layout->addWidget(workerBox_);
     layout->addLayout(progress, 1);
+    layout->addWidget(cardCheck);
     layout->addWidget(pauseButton_);
     layout->addWidget(startButton_);
 

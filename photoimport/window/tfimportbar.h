@@ -37,6 +37,7 @@ signals:
     /// Start all, or stop.
     void startClicked();
     void pauseClicked();
+    void cardCheckClicked();
 
 private:
     ComboBox *modeBox_;

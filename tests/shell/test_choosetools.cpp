@@ -1,6 +1,7 @@
 #include "app/shell/cardgrid.h"
 #include "app/shell/choosetools.h"
 #include "app/shell/toolcardwidget.h"
+#include "tests/support/datarows.h"
 #include "tests/support/text.h"
 
 #include <QAbstractButton>
@@ -68,13 +69,22 @@ private slots:
         }
     }
 
-    void offersTheOrderBrowser()
+    void offersToolsWithoutCards_data()
     {
-        const auto *button = launcher_->findChild<QAbstractButton *>("orderListButton"_s);
-        QCOMPARE(button->text(), "订单列表"_s);
-        QCOMPARE(button->shortcut(), QKeySequence("Ctrl+L"_s));
-        const std::unique_ptr<QWidget> window(orderBrowser().makeWindow());
-        QCOMPARE(window->windowTitle(), button->text());
+        addColumns<QString, QString>({"button", "keys"});
+        newRow("订单列表", "orderListButton", "Ctrl+L");
+        newRow("核对存储卡", "cardCheckButton", "Ctrl+K");
+    }
+
+    void offersToolsWithoutCards()
+    {
+        QFETCH(QString, button);
+        const auto *found = launcher_->findChild<QAbstractButton *>(button);
+        QCOMPARE(found->text(), QString::fromUtf8(QTest::currentDataTag()));
+        QTEST(found->shortcut().toString(), "keys");
+        const Tool &tool = found->text() == orderBrowser().label ? orderBrowser() : cardCheck();
+        const std::unique_ptr<QWidget> window(tool.makeWindow());
+        QCOMPARE(window->windowTitle(), found->text());
     }
 
     void opensOnDoubleClick()

@@ -24,6 +24,8 @@ QString messageBoxStyle();
 QString primaryButtonStyle();
 /// A button beside the primary one: outlined instead of filled.
 QString secondaryButtonStyle();
+/// A button that stays pressed: one of several ways to look at a list.
+QString filterButtonStyle();
 /// A filled button with white text.
 QString buttonStyle(QRgb background, QRgb hover);
 /// The button that starts a run, and its look while pressing it stops the run.

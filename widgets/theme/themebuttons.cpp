@@ -64,6 +64,13 @@ QString secondaryButtonStyle()
                            padding(6, 12, hairline()), padding(6, 12, focusWidth())));
 }
 
+QString filterButtonStyle()
+{
+    return secondaryButtonStyle() +
+           scaled(QStringLiteral("QPushButton:checked { background-color: %1; border-color: %2; }")
+                      .arg(css(colours::accentTint), css(colours::accent)));
+}
+
 QString buttonStyle(QRgb background, QRgb hover)
 {
     return filledButton(background, hover, hover);

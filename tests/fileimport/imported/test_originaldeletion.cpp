@@ -1,6 +1,7 @@
 #include "fileimport/imported/leftphotos.h"
 #include "fileimport/imported/originaldeletion.h"
 #include "fileimport/imported/originalrequests.h"
+#include "net/orderfiles.h"
 #include "tasks/background.h"
 #include "tests/fileimport/run/registering.h"
 #include "tests/support/datarows.h"
@@ -102,7 +103,7 @@ private slots:
                     .join(QLatin1Char('/')));
         }
         QTEST(entries.join(QLatin1Char(' ')), "entries");
-        QTEST(isStale(object, "17"_s), "stale");
+        QTEST(orderfiles::isStale(object, "17"_s), "stale");
     }
 
     void places_data()

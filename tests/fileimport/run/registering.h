@@ -2,6 +2,7 @@
 
 #include "fileimport/imported/originalrequests.h"
 #include "fileimport/rules/importrecords.h"
+#include "net/orderfiles.h"
 #include "net/servicecall.h"
 #include "tests/support/files.h"
 #include "tests/support/text.h"
@@ -48,5 +49,5 @@ inline void registerFile(const QString &path, const QByteArray &content)
 inline QVector<PhotoEntry> listedEntries()
 {
     return originalrequests::readListing(
-        ask(originalrequests::listAction, originalrequests::listBody(firstOrder(), {})).object);
+        ask(orderfiles::listAction, originalrequests::listBody(firstOrder(), {})).object);
 }

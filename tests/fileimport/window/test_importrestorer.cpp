@@ -3,6 +3,7 @@
 #include "fileimport/window/orderactionsdelegate.h"
 #include "files/contenthash.h"
 #include "ledger/ledger.h"
+#include "net/orderfiles.h"
 #include "pending/pendingdesk.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
@@ -301,7 +302,7 @@ private:
         const originalrequests::OrderMap order{{"shopid"_s, "101"_s},
                                                {"order_photo_id"_s, "800001"_s}};
         bool isDone = false;
-        callService(this, originalrequests::listAction, originalrequests::listBody(order, "1"_s),
+        callService(this, orderfiles::listAction, originalrequests::listBody(order, "1"_s),
                     [&](const ServiceReply &listed) {
                         QStringList ids;
                         const auto entries = originalrequests::readListing(listed.object);
