@@ -40,11 +40,10 @@ QString registerPicture(BenchApplication *application, const QString &folder)
     callService(
         &owner, "&m=order&a=savepicpath"_s,
         body + "&path=" + QUrl::toPercentEncoding(file.fileName()), [&](const ServiceReply &) {
-            callService(&owner, orderfiles::listAction, body,
-                        [&url](const ServiceReply &reply) {
-                            const auto entries = originalrequests::readListing(reply.object);
-                            url = entries.value(0).url;
-                        });
+            callService(&owner, orderfiles::listAction, body, [&url](const ServiceReply &reply) {
+                const auto entries = originalrequests::readListing(reply.object);
+                url = entries.value(0).url;
+            });
         });
     if (!application->runUntil([&url] { return !url.isEmpty(); }, patienceMs))
         throw bench::Failure("the picture was not registered"_s);
