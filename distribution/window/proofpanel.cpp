@@ -33,7 +33,8 @@ ProofPanel::ProofPanel(QWidget *parent)
     headline_->setWordWrap(true);
     putAway_->setObjectName(QStringLiteral("putAwayButton"));
     putAway_->setStyleSheet(theme::secondaryButtonStyle());
-    putAway_->setToolTip(
+    setPlainTip(
+        putAway_,
         QStringLiteral("移到订单文件夹中的“旧文件”；之后变化过的、不是本程序写入的文件不动"));
     auto *copy = new QPushButton(QStringLiteral("复制"), this);
     copy->setObjectName(QStringLiteral("copyProofButton"));
