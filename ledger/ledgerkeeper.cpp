@@ -52,13 +52,14 @@ void LedgerKeeper::put(Item item, bool isUrgent)
 
 bool LedgerKeeper::end(int timeoutMs)
 {
-    {
-        const std::lock_guard<std::mutex> lock(mutex_);
-        isEnding_ = true;
-        owner_ = nullptr;
-    }
+    std::unique_lock<std::mutex> lock(mutex_);
+    isEnding_ = true;
+    owner_ = nullptr;
     came_.notify_all();
-    return wait(QDeadlineTimer(timeoutMs));
+    if (!ended_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return hasEnded_; }))
+        return false;
+    lock.unlock();
+    return wait();
 }
 
 QStringList LedgerKeeper::takeNotices()
@@ -88,6 +89,10 @@ void LedgerKeeper::run()
         tellOwner();
     }
     database_.close();
+    unwritten_.clear();
+    const std::lock_guard<std::mutex> lock(mutex_);
+    hasEnded_ = true;
+    ended_.notify_all();
 }
 
 bool LedgerKeeper::mayTidy() const

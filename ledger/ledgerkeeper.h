@@ -71,6 +71,8 @@ private:
     std::deque<Item> waiting_;
     bool isUrgent_ = false;
     bool isEnding_ = false;
+    std::condition_variable ended_;
+    bool hasEnded_ = false; ///< the thread touches nothing of this any more
     QStringList notices_;
     QObject *owner_;
 
