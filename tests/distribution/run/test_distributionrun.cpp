@@ -221,7 +221,8 @@ private slots:
         QVERIFY(proof.isComplete());
         QCOMPARE(proof.others, 2);
         QCOMPARE(proof.earlier.size(), 1);
-        QVERIFY(proof.earlier.first().path.endsWith("原图/IMG_0003.jpg"_s));
+        QCOMPARE(QDir::cleanPath(proof.earlier.first().path),
+                 target(orderFolder + "/原图/IMG_0003.jpg"_s));
         // Another card's files are no leftovers of this one's.
         const OrderProof other =
             run({order(1)}, settings(Type::DownloadOriginals, "o"_s)).proofs.first().proof;

@@ -504,7 +504,8 @@ private:
             ledger::HistorySearch search;
             search.order = number;
             QVector<ledger::Copy> copies;
-            for (const ledger::Entry &entry : reader.history(search).entries)
+            const ledger::HistoryPage page = reader.history(search);
+            for (const ledger::Entry &entry : page.entries)
                 copies += reader.copiesOfEntry(entry.id);
             return copies;
         });
