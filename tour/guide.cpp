@@ -2,6 +2,7 @@
 
 #include "tests/support/text.h"
 #include "widgets/boxes/boxdialog.h"
+#include "widgets/windows/framelesswindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -14,6 +15,7 @@
 #include <QTextEdit>
 #include <QtTest>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -152,6 +154,21 @@ void Guide::spread(QWidget *window) const
     window->showNormal();
     window->resize(int(wide * scale_), int(high * scale_));
     QCoreApplication::processEvents();
+}
+
+void Guide::closeWindows()
+{
+    const auto open = topLevelWidgets();
+    for (QWidget *window : open)
+        window->close();
+    waitFor(
+        [] {
+            const auto left = topLevelWidgets();
+            return std::none_of(left.cbegin(), left.cend(), [](QWidget *widget) {
+                return qobject_cast<FramelessWindow *>(widget) != nullptr;
+            });
+        },
+        "no window is left"_s);
 }
 
 QList<QWidget *> Guide::topLevelWidgets()

@@ -59,6 +59,10 @@ public:
         return found;
     }
 
+    /// Closes whatever is open, as the program's end does. Nothing of a window may outlive the
+    /// application: a connection that ends beside the end of the process finds its libraries gone.
+    void closeWindows();
+
     DemoClient &studio() { return studio_; }
     /// The demo service's folder with the material to import.
     QString material(const QString &relativePath);

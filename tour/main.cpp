@@ -63,6 +63,8 @@ int main(int argc, char *argv[])
         tourHistory(guide);
         tourRestoring(guide);
         tourCardCheck(guide);
+        guide.step("关闭"_s);
+        guide.closeWindows();
         guide.finish();
     } catch (const TourFailure &failure) {
         fprintf(stderr, "tour: not so: %s\n", qUtf8Printable(failure.what));
