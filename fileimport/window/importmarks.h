@@ -1,21 +1,17 @@
 #pragma once
 
 #include "fileimport/rules/importrecords.h"
-#include "marks/run/choicemarks.h"
-
-#include <QObject>
+#include "marks/window/choicemarking.h"
 
 class ImportFilePanel;
 class ImportFileTableModel;
 class ImportOrderTableModel;
-class MarkNotices;
 class NoticeBar;
 class OrderFileChooser;
 
-/// The marks of the files chosen in the import window: has them looked at whenever a choice
-/// changes, shows them in the file table and in the line above the start button, and has the
-/// chooser do what the user picks there. While an import runs it shows and does nothing.
-class ImportMarks : public QObject
+/// The marks of the files chosen in the import window, shown in its file table; its chooser does
+/// what the user picks in the line above the start button.
+class ImportMarks : public ChoiceMarking
 {
     Q_OBJECT
 
@@ -29,24 +25,11 @@ public:
         OrderFileChooser *chooser;
     };
 
-    /// Dialogs belong to \a window, which owns the \a parts and this.
+    /// \a window owns the \a parts.
     ImportMarks(QWidget *window, const Parts &parts);
 
-    void setMode(ImportMode mode) { mode_ = mode; }
-    /// The order that the file table shows now; empty for none.
-    void setShown(const OrderIdentity &order);
-    void setImporting(bool importing);
-    /// Orders or their files may be others than before.
-    void refresh();
+    void setMode(ImportMode mode);
 
 private:
-    void showMarks();
-    void showNotices();
-
-    Parts parts_;
     ImportMode mode_ = ImportMode::Originals;
-    bool importing_ = false;
-    OrderIdentity shown_;
-    ChoiceMarks marks_;
-    MarkNotices *notices_;
 };

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "marks/run/choicemarks.h"
-#include "marks/window/marknotices.h"
-
-#include <QObject>
+#include "marks/window/choicemarking.h"
 
 class NoticeBar;
 class tffilechooser;
@@ -11,10 +8,9 @@ class tfhomephotos;
 class tforderlistmodel;
 class tfphotolistmodel;
 
-/// The marks of the files chosen in the photo import: has them looked at whenever a choice changes,
-/// shows them on the photos and in the line above the start button, and has the chooser do what the
-/// user picks there. While an import runs it shows and does nothing.
-class tfchoicemarks : public QObject
+/// The marks of the files chosen in the photo import, shown on the photos; its chooser does what
+/// the user picks in the line above the start button.
+class tfchoicemarks : public ChoiceMarking
 {
     Q_OBJECT
 
@@ -28,22 +24,6 @@ public:
         tffilechooser *chooser;
     };
 
-    /// Dialogs belong to \a window, which owns the \a parts and this.
+    /// \a window owns the \a parts.
     tfchoicemarks(QWidget *window, const Parts &parts);
-
-    /// The order whose photos are shown now; empty for none. Its files may be others than before.
-    void setShown(const OrderIdentity &order);
-    void setImporting(bool importing);
-    /// Orders or their files may be others than before.
-    void refresh();
-
-private:
-    void showMarks();
-    void showNotices();
-
-    Parts parts_;
-    bool importing_ = false;
-    OrderIdentity shown_;
-    ChoiceMarks marks_;
-    MarkNotices notices_;
 };

@@ -265,6 +265,7 @@ void tfhome::showEvent(QShowEvent *event)
 
 void tfhome::showSelectedOrder()
 {
+    marks_->refresh();
     const int row = orderPanel_->table()->selectedOrder();
     if (!orders_.hasRow(row)) {
         shownOrderId_ = {};
