@@ -53,7 +53,7 @@ void closeUnregistered(Guide &guide, const QString &order)
     guide.studio().hold("savepicpath_batch"_s);
     guide.click(hand.window(), "startButton");
     guide.waitFor([&] { return guide.studio().held() == 1; }, "it is copied"_s);
-    guide.answerNextBox("确定"_s, "restore-closing-question"_s);
+    guide.answerNextBox("停止并关闭"_s, "restore-closing-question"_s);
     hand.window()->close();
     guide.boxText();
     guide.studio().release();

@@ -10,6 +10,7 @@
 #include "fileimport/window/importrestorer.h"
 #include "fileimport/window/orderfilechooser.h"
 #include "files/pathgate.h"
+#include "runreport/closingquestion.h"
 #include "runreport/reportline.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicefailure.h"
@@ -237,7 +238,9 @@ FramelessWindow::CloseAnswer ImportFiles::closeRequested()
                         photos_ ? photos_->closingNotice() : QString()};
     notices.removeAll(QString());
     if (!notices.isEmpty() &&
-        !agreedToClose((notices << QStringLiteral("确认要关闭吗？")).join(QLatin1Char('\n'))))
+        !agreedToClose(
+            closingQuestion((notices << QStringLiteral("确认要关闭吗？")).join(QLatin1Char('\n')),
+                            run_->isBusy())))
         return CloseAnswer::Refuse;
     finder_->cancel();
     chooser_->cancel();

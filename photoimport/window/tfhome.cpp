@@ -11,6 +11,7 @@
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "photoimport/window/tfimportbar.h"
+#include "runreport/closingquestion.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
@@ -425,7 +426,8 @@ FramelessWindow::CloseAnswer tfhome::closeRequested()
         subjects << QStringLiteral("deletion");
     }
     if (!questions.isEmpty() &&
-        !agreedToClose(questions.join(QLatin1Char('\n')), subjects.join(QLatin1Char(' '))))
+        !agreedToClose(closingQuestion(questions.join(QLatin1Char('\n')), run_.isImporting()),
+                       subjects.join(QLatin1Char(' '))))
         return CloseAnswer::Refuse;
     chooser_->cancel();
     if (run_.isImporting())

@@ -69,9 +69,9 @@ FramelessWindow::CloseAnswer FramelessWindow::closeRequested()
     return CloseAnswer::Close;
 }
 
-bool FramelessWindow::agreedToClose(const QString &question, const QString &subject)
+bool FramelessWindow::agreedToClose(const BoxText &question, const QString &subject)
 {
-    const QString asked = subject.isEmpty() ? question : subject;
+    const QString asked = subject.isEmpty() ? question.shown : subject;
     if (asked == agreedSubject_)
         return true;
     if (asked == askedSubject_)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/boxes/boxtext.h"
+
 #include <QList>
 #include <QString>
 #include <QWidget>
@@ -53,7 +55,7 @@ protected:
     /// box, until the user has agreed to it; the window then closes by itself. Refuse meanwhile.
     /// \a subject is what the user agrees to, whatever the question's numbers have become by then;
     /// left out, it is the question to the letter.
-    bool agreedToClose(const QString &question, const QString &subject = {});
+    bool agreedToClose(const BoxText &question, const QString &subject = {});
 
     /// Ends what CloseLater began: deletes the window when it has Qt::WA_DeleteOnClose, and lets
     /// the process end. Nothing happens unless a CloseLater is pending.
