@@ -204,6 +204,31 @@ QVector<ledger::Copy> LedgerReader::copiesOnto(const QStringList &targets) const
     return found;
 }
 
+QVector<ledger::Copy> LedgerReader::awaitedOnto(const QStringList &targets) const
+{
+    if (!isOpen())
+        return {};
+    QHash<QString, QSet<QString>> folders;
+    for (const QString &target : targets)
+        folders[ledgerrows::foldedFolder(ledgerrows::split(target).first)].insert(
+            ledgerrows::folded(target));
+    QSqlQuery query =
+        prepared(*database_, ledgerrows::copySelection() +
+                                 QStringLiteral("WHERE c.target_folder IN"
+                                                " (SELECT id FROM folder WHERE folded = ?)"
+                                                " AND c.registration = 1"
+                                                " AND c.finished IS NOT NULL"));
+    QVector<ledger::Copy> found;
+    for (auto folder = folders.cbegin(); folder != folders.cend(); ++folder) {
+        const QVector<ledger::Copy> awaited = rows(query, {folder.key()}, ledgerrows::copyIn);
+        std::copy_if(awaited.cbegin(), awaited.cend(), std::back_inserter(found),
+                     [&folder](const ledger::Copy &copy) {
+                         return folder->contains(ledgerrows::folded(copy.target));
+                     });
+    }
+    return found;
+}
+
 QVector<ledger::Copy> LedgerReader::copiesOfOrder(const OrderIdentity &order,
                                                   const QVector<ledger::Work> &works) const
 {

@@ -33,6 +33,9 @@ public:
                                       const QVector<ledger::Work> &works = {}) const;
     /// The newest copy onto each of these files, in their order; one with id 0 where there is none.
     QVector<ledger::Copy> copiesOnto(const QStringList &targets) const;
+    /// Every finished copy onto one of these files that is still to be registered, of whichever
+    /// run.
+    QVector<ledger::Copy> awaitedOnto(const QStringList &targets) const;
 
     /// All copies made for an order, newest first; only those of \a works, unless that is empty.
     QVector<ledger::Copy> copiesOfOrder(const OrderIdentity &order,

@@ -177,6 +177,22 @@ QStringList PendingChoices::branches() const
     return sorted;
 }
 
+QVector<pendinglines::Count> PendingChoices::counts() const
+{
+    QVector<pendinglines::Count> counts;
+    const QStringList all = branches();
+    for (const QString &branch : all) {
+        pendinglines::Count count{pendinglines::Kind::Choices, branch, 0, 0};
+        const auto choices = waiting(branch);
+        for (const Choice &choice : choices) {
+            ++count.orders;
+            count.files += choice.files.size();
+        }
+        counts.append(count);
+    }
+    return counts;
+}
+
 void PendingChoices::forget(const QString &branch)
 {
     const auto waiting = this->waiting(branch);

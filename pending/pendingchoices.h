@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ledger/ledgerrecords.h"
+#include "pending/pendinglines.h"
 
 #include <QHash>
 #include <QObject>
@@ -53,6 +54,8 @@ public:
     QVector<Choice> all(const QString &branch) const;
     /// The branches of which anything waits.
     QStringList branches() const;
+    /// What waits, for each branch.
+    QVector<pendinglines::Count> counts() const;
     /// What waits of \a branch is not wanted any more.
     void forget(const QString &branch);
 

@@ -7,9 +7,9 @@
 #include "ledger/ledger.h"
 #include "net/branchsession.h"
 #include "pending/pendingdesk.h"
+#include "pending/pendinglookup.h"
 #include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/orders/orderfinder.h"
 #include "widgets/windows/loadingoverlay.h"
@@ -23,40 +23,17 @@ using Lookup = OrderLookup<ImportOrder>;
 
 namespace {
 
-template <typename Row> QVector<Lookup::Wanted> wantedOf(const QVector<Row> &rows)
+QVector<ledger::Deletion> leftAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks)
 {
-    QVector<Lookup::Wanted> wanted;
-    for (const Row &row : rows) {
-        const bool isKnown =
-            std::any_of(wanted.cbegin(), wanted.cend(), [&row](const Lookup::Wanted &each) {
-                return each.order == row.order.identity;
-            });
-        if (!isKnown)
-            wanted.append({row.order.identity, searchedNumber(row.order.number)});
-    }
-    return wanted;
-}
-
-struct Rest
-{
-    QVector<ledger::Entry> unregistered;
     QVector<ledger::Deletion> left;
-};
-
-Rest restAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks,
-            const QVector<ledger::Desk> &deletionDesks)
-{
-    Rest rest;
-    for (const ledger::Desk &desk : desks)
-        rest.unregistered += reader.unregistered(desk);
-    for (const ledger::Desk &desk : deletionDesks) {
+    for (const ledger::Desk &desk : desks) {
         const auto open = reader.openDeletions(desk);
-        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(rest.left),
+        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(left),
                      [](const ledger::Deletion &file) {
                          return file.deletedMs == 0 && LeftPhotoCleanup::isOfOriginals(file);
                      });
     }
-    return rest;
+    return left;
 }
 
 } // namespace
@@ -66,6 +43,7 @@ ImportRestorer::ImportRestorer(const Place &place)
     , place_(place)
     , bar_(new PendingBar(place.window, place.panel->notices()))
     , lookup_(this, &importrequests::readOrders)
+    , unregistered_([this](const OrderIdentity &order) { return isOffered(order); })
 {
     connect(bar_, &PendingBar::taken, this, &ImportRestorer::take);
     connect(place.finder, &OrderFinder::branchSwitched, this, [this] {
@@ -76,6 +54,7 @@ ImportRestorer::ImportRestorer(const Place &place)
         if (isBusy) // what is being looked up would replace what is being searched
             lookup_.cancel();
     });
+    connect(&unregistered_, &UnregisteredOrders::changed, this, &ImportRestorer::countRest);
     connect(&cleanup_, &LeftPhotoCleanup::finished, this, [this](const QString &text) {
         MessageBox::information(place_.window, text);
         refresh();
@@ -115,6 +94,7 @@ void ImportRestorer::setRun(ImportMode mode, ImportRun *run)
 {
     mode_ = mode;
     run_ = run;
+    unregistered_.setWork(choicerestoring::workOf(mode));
     choices_ = std::make_unique<PendingChoices>(
         choicerestoring::workOf(mode),
         [this](const OrderIdentity &id) -> std::optional<PendingChoices::Choice> {
@@ -126,7 +106,8 @@ void ImportRestorer::setRun(ImportMode mode, ImportRun *run)
                 return std::nullopt;
             return choicerestoring::rememberedFiles(*order);
         });
-    connect(choices_.get(), &PendingChoices::changed, this, &ImportRestorer::countChoices);
+    connect(choices_.get(), &PendingChoices::changed, this,
+            [this] { bar_->setCounts(Kind::Choices, choices_->counts()); });
     connect(run, &ImportRun::orderRegistered, this, &ImportRestorer::onRegistered);
     connect(run, &ImportRun::orderLeftUnregistered, this, &ImportRestorer::countRest);
     connect(run, &ImportRun::tasksEnded, this, [this] { choices_->flush(); });
@@ -146,78 +127,35 @@ void ImportRestorer::flush()
 
 void ImportRestorer::refresh()
 {
-    const QVector<ledger::Desk> deletionDesks = mode_ == ImportMode::Originals
-                                                    ? pendingDesks(ledger::Work::PhotoDeletion)
-                                                    : QVector<ledger::Desk>();
+    unregistered_.refresh();
+    if (mode_ != ImportMode::Originals)
+        return;
     Ledger::current().ask(
         this,
-        [desks = pendingDesks(choicerestoring::workOf(mode_)), deletionDesks](
-            const LedgerReader &reader) { return restAt(reader, desks, deletionDesks); },
-        asking_.only([this](const Rest &rest) {
-            unregistered_ = rest.unregistered;
-            left_ = rest.left;
+        [desks = pendingDesks(ledger::Work::PhotoDeletion)](const LedgerReader &reader) {
+            return leftAt(reader, desks);
+        },
+        asking_.only([this](const QVector<ledger::Deletion> &left) {
+            left_ = left;
             countRest();
         }));
 }
 
-void ImportRestorer::countChoices()
-{
-    QVector<pendinglines::Count> counts;
-    const QStringList branches = choices_->branches();
-    for (const QString &branch : branches) {
-        pendinglines::Count count{Kind::Choices, branch, 0, 0};
-        const auto waiting = choices_->waiting(branch);
-        for (const PendingChoices::Choice &choice : waiting) {
-            ++count.orders;
-            count.files += choice.files.size();
-        }
-        counts.append(count);
-    }
-    bar_->setCounts(Kind::Choices, counts);
-}
-
 void ImportRestorer::countRest()
 {
-    for (const Kind kind : {Kind::Unregistered, Kind::PartlyCopied, Kind::LeftPhotos})
-        bar_->setCounts(kind, countsOf(kind));
+    for (const Kind kind : {Kind::Unregistered, Kind::PartlyCopied})
+        bar_->setCounts(kind, unregistered_.counts(kind));
+    QVector<pendinglines::Count> left;
+    for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
+        left.append({Kind::LeftPhotos, shop.id, 0, leftIn(shop.id).size()});
+    bar_->setCounts(Kind::LeftPhotos, left);
 }
 
 /// The order's row says it itself while it has one.
-bool ImportRestorer::isOffered(const ledger::Entry &entry) const
+bool ImportRestorer::isOffered(const OrderIdentity &order) const
 {
-    const OrderIdentity &order = entry.order.identity;
     const int row = place_.orders->rowOf(order);
     return !run_->isAtWork(order) && (row < 0 || !place_.orders->order(row).unregistered);
-}
-
-QVector<pendinglines::Count> ImportRestorer::countsOf(Kind kind) const
-{
-    QVector<pendinglines::Count> counts;
-    for (const ShopRecord &shop : qAsConst(AccountContext::shopList)) {
-        pendinglines::Count count{kind, shop.id, 0, 0};
-        if (kind == Kind::LeftPhotos) {
-            count.files = leftIn(shop.id).size();
-        } else {
-            QHash<OrderIdentity, bool> isPartly;
-            const auto entries = unregisteredIn(shop.id);
-            for (const ledger::Entry &entry : entries)
-                isPartly[entry.order.identity] |= entry.finished + entry.failed < entry.chosen;
-            count.orders =
-                int(std::count(isPartly.cbegin(), isPartly.cend(), kind == Kind::PartlyCopied));
-        }
-        counts.append(count);
-    }
-    return counts;
-}
-
-QVector<ledger::Entry> ImportRestorer::unregisteredIn(const QString &branch) const
-{
-    QVector<ledger::Entry> entries;
-    std::copy_if(unregistered_.cbegin(), unregistered_.cend(), std::back_inserter(entries),
-                 [this, &branch](const ledger::Entry &entry) {
-                     return entry.order.identity.branch == branch && isOffered(entry);
-                 });
-    return entries;
 }
 
 QVector<ledger::Deletion> ImportRestorer::leftIn(const QString &branch) const
@@ -244,7 +182,7 @@ void ImportRestorer::take(Kind kind, Offer offer, const QString &branch)
         registerAgain();
         break;
     case Offer::Ignore:
-        ignoreUnregistered(branch);
+        unregistered_.ignore(branch);
         break;
     case Offer::DeleteFiles:
         deleteLeft();
@@ -275,14 +213,15 @@ void ImportRestorer::showChoices()
     choices_->flush();
     place_.finder->cancel();
     place_.panel->overlay()->showText(QStringLiteral("正在查询订单..."));
-    lookup_.start(wantedOf(choices_->all(place_.branch->identity().shopId)),
-                  place_.branch->identity(), place_.branch->publicPath(),
-                  [this](const Lookup::Answer &answer) { putBack(answer); });
+    lookup_.start(
+        pendinglookup::wantedOf<ImportOrder>(choices_->all(place_.branch->identity().shopId)),
+        place_.branch->identity(), place_.branch->publicPath(),
+        [this](const Lookup::Answer &answer) { putBack(answer); });
 }
 
 void ImportRestorer::putBack(const Lookup::Answer &answer)
 {
-    tellMissing(answer);
+    pendinglookup::tellMissing(place_.window, answer);
     const auto choices = choices_->all(place_.branch->identity().shopId);
     QStringList folders;
     for (const ImportOrder &order : answer.orders)
@@ -314,40 +253,31 @@ void ImportRestorer::listRestored(const choicerestoring::Restored &restored)
     place_.panel->keepPlaceWhile([&] { place_.orders->setOrders(orders); });
 }
 
-void ImportRestorer::tellMissing(const Lookup::Answer &answer)
-{
-    if (answer.reply.outcome == ServiceReply::Outcome::NoAnswer) {
-        MessageBox::warning(place_.window, QStringLiteral("订单查询失败，请检查网络后重试。"));
-    } else if (!answer.reply.isSuccess()) {
-        showServiceFailure(place_.window, answer.reply, answer.reply.message);
-    } else if (!answer.missing.isEmpty()) {
-        QStringList numbers;
-        for (const Lookup::Wanted &each : answer.missing)
-            numbers.append(each.number);
-        MessageBox::warning(place_.window,
-                            BoxText(QStringLiteral("服务端没有找到以下订单，仍会保留："), numbers));
-    }
-}
-
 void ImportRestorer::registerAgain()
 {
     if (lookup_.isActive())
         return;
-    lookup_.start(wantedOf(unregisteredIn(place_.branch->identity().shopId)),
-                  place_.branch->identity(), place_.branch->publicPath(),
-                  [this](const Lookup::Answer &answer) { onFoundAgain(answer); });
+    lookup_.start(
+        pendinglookup::wantedOf<ImportOrder>(unregistered_.in(place_.branch->identity().shopId)),
+        place_.branch->identity(), place_.branch->publicPath(),
+        [this](const Lookup::Answer &answer) { onFoundAgain(answer); });
 }
 
 void ImportRestorer::onFoundAgain(const Lookup::Answer &answer)
 {
-    tellMissing(answer);
+    pendinglookup::tellMissing(place_.window, answer);
+    const auto offered = unregistered_.in(place_.branch->identity().shopId);
     QVector<ledger::EntryId> entries;
+    QVector<ImportOrder> orders;
     for (const ImportOrder &order : answer.orders) {
-        const auto entry = std::find_if(unregistered_.cbegin(), unregistered_.cend(),
-                                        [&order](const ledger::Entry &each) {
-                                            return each.order.identity == order.identity();
-                                        });
-        entries.append(entry == unregistered_.cend() ? 0 : entry->id);
+        const auto entry =
+            std::find_if(offered.cbegin(), offered.cend(), [&order](const ledger::Entry &each) {
+                return each.order.identity == order.identity();
+            });
+        if (entry == offered.cend())
+            continue; // is worked on by now
+        orders.append(order);
+        entries.append(entry->id);
     }
     Ledger::current().ask(
         this,
@@ -359,9 +289,7 @@ void ImportRestorer::onFoundAgain(const Lookup::Answer &answer)
             }
             return targets;
         },
-        [this, orders = answer.orders](const QStringList &targets) {
-            registerIn(orders, targets);
-        });
+        [this, orders](const QStringList &targets) { registerIn(orders, targets); });
 }
 
 void ImportRestorer::registerIn(const QVector<ImportOrder> &orders, const QStringList &targets)
@@ -374,10 +302,8 @@ void ImportRestorer::registerIn(const QVector<ImportOrder> &orders, const QStrin
             continue;
         }
         if (!choicerestoring::isInFolder(order, targets.at(index))) {
-            MessageBox::warning(
-                place_.window,
-                QStringLiteral("订单 %1 的导片路径已变化，没有登记。\n照片复制到了：%2")
-                    .arg(order.displayName(), targets.at(index)));
+            MessageBox::warning(place_.window,
+                                pendinglookup::movedText(order.displayName(), targets.at(index)));
             continue;
         }
         order.importPath = importrules::importPathOf(order);
@@ -395,10 +321,7 @@ void ImportRestorer::registerIn(const QVector<ImportOrder> &orders, const QStrin
 void ImportRestorer::onRegistered(const OrderIdentity &order, const RegistrationResult &result)
 {
     const QStringList listed = result.reply.serverImages + result.reply.serverRawImages;
-    const bool wasOffered =
-        std::any_of(unregistered_.cbegin(), unregistered_.cend(),
-                    [&order](const ledger::Entry &entry) { return entry.order.identity == order; });
-    if (!wasOffered)
+    if (!unregistered_.knows(order))
         return;
     Ledger::current().ask(
         this,
@@ -417,14 +340,6 @@ void ImportRestorer::onRegistered(const OrderIdentity &order, const Registration
             Toast::show(place_.window, QStringLiteral("已重新登记"));
             refresh();
         });
-}
-
-void ImportRestorer::ignoreUnregistered(const QString &branch)
-{
-    const auto entries = unregisteredIn(branch);
-    for (const ledger::Entry &entry : entries)
-        Ledger::current().dismissUnregistered(entry.run.desk, entry.order.identity);
-    refresh();
 }
 
 void ImportRestorer::deleteLeft()

@@ -7,6 +7,7 @@
 #include "net/orderlookup.h"
 #include "pending/pendingbar.h"
 #include "pending/pendingchoices.h"
+#include "pending/unregisteredorders.h"
 #include "tasks/latest.h"
 
 #include <QObject>
@@ -52,10 +53,8 @@ private:
     void connectTable();
     void take(pendinglines::Kind kind, pendinglines::Offer offer, const QString &branch);
     void refresh();
-    void countChoices();
     void countRest();
-    QVector<pendinglines::Count> countsOf(pendinglines::Kind kind) const;
-    bool isOffered(const ledger::Entry &entry) const;
+    bool isOffered(const OrderIdentity &order) const;
 
     bool mayReplaceTable();
     void showChoices();
@@ -65,11 +64,8 @@ private:
     void onFoundAgain(const OrderLookup<ImportOrder>::Answer &answer);
     void registerIn(const QVector<ImportOrder> &orders, const QStringList &targets);
     void onRegistered(const OrderIdentity &order, const RegistrationResult &result);
-    void ignoreUnregistered(const QString &branch);
     void deleteLeft();
     void keepLeft(const QString &branch);
-    void tellMissing(const OrderLookup<ImportOrder>::Answer &answer);
-    QVector<ledger::Entry> unregisteredIn(const QString &branch) const;
     QVector<ledger::Deletion> leftIn(const QString &branch) const;
 
     Place place_;
@@ -78,9 +74,9 @@ private:
     std::unique_ptr<PendingChoices> choices_;
     PendingBar *bar_;
     OrderLookup<ImportOrder> lookup_;
+    UnregisteredOrders unregistered_;
     LeftPhotoCleanup cleanup_;
     Latest asking_;
     Latest restoring_;
-    QVector<ledger::Entry> unregistered_;
     QVector<ledger::Deletion> left_;
 };

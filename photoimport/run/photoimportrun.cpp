@@ -59,7 +59,10 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
 {
     if (!preparing_.isEmpty())
         return false;
-    if (!takeInHand(rows, identity))
+    QVector<const PhotoOrder *> wanted;
+    for (const int row : rows)
+        wanted.append(&orders_->order(row));
+    if (!takeInHand(wanted, identity))
         return true;
     if (!open_)
         batch_.clear();
@@ -94,23 +97,22 @@ bool PhotoImportRun::start(const QVector<int> &rows, const QVector<int> &indexes
     return true;
 }
 
-bool PhotoImportRun::takeInHand(const QVector<int> &rows, const orderqueries::Identity &identity)
+bool PhotoImportRun::takeInHand(const QVector<const PhotoOrder *> &orders,
+                                const orderqueries::Identity &identity)
 {
     QVector<OrderIdentity> wanted;
-    for (const int row : rows) {
-        const PhotoOrder &order = orders_->order(row);
-        wanted.append(order.identity());
-        if (orderqueries::mayWorkOn(order.identity(), identity))
+    for (const PhotoOrder *order : orders) {
+        wanted.append(order->identity());
+        if (orderqueries::mayWorkOn(order->identity(), identity))
             continue;
-        emit refused(orderqueries::otherBranchText(order.displayName()), {});
+        emit refused(orderqueries::otherBranchText(order->displayName()), {});
         return false;
     }
     const auto conflict = ordersatwork::claim(wanted, photorules::toolName(), &claim_);
     if (!conflict)
         return true;
-    const int row = rows.at(wanted.indexOf(conflict->order));
-    emit refused(ordersatwork::refusal(orders_->order(row).info.orderPayForKey, conflict->tool),
-                 {});
+    const PhotoOrder *order = orders.at(wanted.indexOf(conflict->order));
+    emit refused(ordersatwork::refusal(order->info.orderPayForKey, conflict->tool), {});
     return false;
 }
 
@@ -210,7 +212,7 @@ bool PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
 {
     if (indexes.isEmpty() && orders_->order(row).folderRefusal.isEmpty())
         return true;
-    if (!takeInHand({row}, identity))
+    if (!takeInHand({&orders_->order(row)}, identity))
         return false;
     const PhotoMode mode = orders_->photoMode();
     const OrderInfo order = photoorders::withMainJobs(orders_->order(row), mode, indexes);
@@ -220,6 +222,16 @@ bool PhotoImportRun::registerAgain(int row, const QVector<int> &indexes,
         onRegistered(order.identity(), order.photos.at(position), RegistrationState::Pending, {});
         registrar_.upImportPhotoInfo(order, position, mode, identity);
     }
+    emit stateChanged();
+    return true;
+}
+
+bool PhotoImportRun::registerAgain(const PhotoOrder &order, const UnregisteredPhotos &photos,
+                                   const orderqueries::Identity &identity)
+{
+    if (!takeInHand({&order}, identity))
+        return false;
+    left_.start(photos, identity);
     emit stateChanged();
     return true;
 }
@@ -237,12 +249,16 @@ void PhotoImportRun::onRegistered(const OrderIdentity &orderId, const PhotoInfo 
 void PhotoImportRun::releaseWork()
 {
     claim_.release();
+    const bool wasRecording = recording_.run() != 0;
     recording_.end();
+    if (wasRecording)
+        emit recorded();
 }
 
 void PhotoImportRun::cancelRegistrations()
 {
     registrar_.cancel();
+    left_.abandon();
     afterStep();
 }
 
@@ -256,6 +272,8 @@ void PhotoImportRun::afterStep()
         return;
     if (!hasLiveWorkers())
         releaseWork();
+    if (const auto outcome = left_.take())
+        emit toldAgain(*outcome);
     if (open_) {
         open_ = false;
         RunOutcome outcome;

@@ -5,6 +5,7 @@
 #include "photoimport/run/photorecording.h"
 #include "photoimport/run/photoregistrar.h"
 #include "photoimport/run/tfimportthreadmanager.h"
+#include "photoimport/run/unregisteredphotos.h"
 #include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
 
@@ -41,6 +42,12 @@ public:
     /// False and refused() when the order may not be worked on.
     bool registerAgain(int row, const QVector<int> &indexes,
                        const orderqueries::Identity &identity);
+    /// Tells the service of what earlier runs left of \a order, which need not be listed:
+    /// toldAgain() follows. False and refused() when the order may not be worked on.
+    bool registerAgain(const PhotoOrder &order, const UnregisteredPhotos &photos,
+                       const orderqueries::Identity &identity);
+    /// Whether it is being told of them.
+    bool isRegisteringAgain(const OrderIdentity &order) const { return left_.isFor(order); }
     /// Tells the service of nothing more.
     void cancelRegistrations();
 
@@ -70,6 +77,11 @@ signals:
     void refused(const QString &message, const QString &path);
     /// All of the run is imported and registered, or failed to be.
     void ended(const RunOutcome &outcome);
+    /// Nothing goes on any more; what became of earlier runs' photos.
+    void toldAgain(const UnregisteredPhotosRegistration::Outcome &outcome);
+    /// Of a run that has ended or was stopped nothing goes on any more, and the ledger was told of
+    /// it.
+    void recorded();
     /// Nothing goes on any more, and the service knows of more than the list says.
     void countsStale();
     /// After a stop: the last worker has finished its photo.
@@ -78,7 +90,8 @@ signals:
 private:
     /// Takes the orders in hand. Those of another branch, or in another tool's hands, are not
     /// worked on: nothing is taken then, and the first of them is told by refused().
-    bool takeInHand(const QVector<int> &rows, const orderqueries::Identity &identity);
+    bool takeInHand(const QVector<const PhotoOrder *> &orders,
+                    const orderqueries::Identity &identity);
     void begin(const QList<OrderInfo> &orders);
     void releaseOrders();
     void onStartRefused(const QString &message, const QString &path);
@@ -90,6 +103,7 @@ private:
     tforderlistmodel *orders_;
     tfimportthreadmanager pool_;
     PhotoRegistrar registrar_;
+    UnregisteredPhotosRegistration left_{&registrar_};
     PhotoRecording recording_;
     orderqueries::Identity identity_;
     Latest start_;                  ///< that is being prepared

@@ -100,16 +100,14 @@ void PhotoRecording::tellRegistered()
     registered_.clear();
     if (targets.isEmpty())
         return;
-    // Asked, since what is registered may be of an earlier run.
+    // Asked, since what is registered may be of an earlier run, or of several.
     Ledger::current().ask(
         &Ledger::current(),
-        [targets](const LedgerReader &reader) { return reader.copiesOnto(targets); },
+        [targets](const LedgerReader &reader) { return reader.awaitedOnto(targets); },
         [](const QVector<ledger::Copy> &copies) {
             QVector<ledger::CopyId> taken;
-            for (const ledger::Copy &copy : copies) {
-                if (copy.isFinished() && copy.registration == ledger::Registration::Awaited)
-                    taken.append(copy.id);
-            }
+            for (const ledger::Copy &copy : copies)
+                taken.append(copy.id);
             Ledger::current().registerCopies(taken);
         });
 }

@@ -1,13 +1,14 @@
 #include "photoimport/window/photochoicerestorer.h"
 
-#include "pending/pendingdesk.h"
+#include "ledger/ledger.h"
+#include "pending/pendinglookup.h"
 #include "photoimport/orders/photochoices.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "photoimport/run/photoimportrun.h"
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "widgets/boxes/messagebox.h"
-#include "widgets/boxes/servicefailure.h"
+#include "widgets/boxes/toast.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <algorithm>
@@ -33,24 +34,26 @@ PhotoChoiceRestorer::PhotoChoiceRestorer(const Place &place)
                })
     , bar_(new PendingBar(place.window, place.notices))
     , lookup_(this, &photoorders::readOrders)
+    , unregistered_([this](const OrderIdentity &order) { return isOffered(order); })
 {
-    connect(&choices_, &PendingChoices::changed, this, &PhotoChoiceRestorer::count);
-    connect(place.panel, &tfhomeorders::changeShop, this,
-            [this] { bar_->setBranch(place_.panel->identity().shopId); });
+    unregistered_.setWork(ledger::Work::PhotoImport);
+    connect(&choices_, &PendingChoices::changed, this,
+            [this] { bar_->setCounts(Kind::Choices, choices_.counts()); });
+    connect(&unregistered_, &UnregisteredOrders::changed, this,
+            &PhotoChoiceRestorer::countUnregistered);
+    connect(place.panel, &tfhomeorders::changeShop, this, [this] {
+        bar_->setBranch(place_.panel->identity().shopId);
+        unregistered_.refresh();
+    });
     connect(place.panel->finder(), &OrderFinder::busyChanged, this, [this](bool isBusy) {
         if (isBusy)
             lookup_.cancel();
     });
     connect(place.overlay, &LoadingOverlay::cancelled, this, [this] { lookup_.cancel(); });
-    connect(bar_, &PendingBar::taken, this, [this](Kind, Offer offer, const QString &branch) {
-        if (offer == Offer::SwitchBranch)
-            place_.panel->finder()->chooseBranch(branch);
-        else if (offer == Offer::Forget)
-            choices_.forget(branch);
-        else
-            show();
-    });
+    connect(bar_, &PendingBar::taken, this,
+            [this](Kind, Offer offer, const QString &branch) { take(offer, branch); });
     connectTable();
+    connectRun();
 }
 
 void PhotoChoiceRestorer::connectTable()
@@ -64,6 +67,7 @@ void PhotoChoiceRestorer::connectTable()
                 choices_.noteChoice(order.identity());
         }
         choices_.flush();
+        countUnregistered();
     });
     connect(orders, &QAbstractItemModel::dataChanged, this,
             [this](const QModelIndex &first, const QModelIndex &last) {
@@ -82,50 +86,99 @@ void PhotoChoiceRestorer::open()
     choices_.load();
 }
 
-void PhotoChoiceRestorer::count()
+void PhotoChoiceRestorer::connectRun()
 {
-    QVector<pendinglines::Count> counts;
-    const QStringList branches = choices_.branches();
-    for (const QString &branch : branches) {
-        pendinglines::Count count{Kind::Choices, branch, 0, 0};
-        const auto waiting = choices_.waiting(branch);
-        for (const PendingChoices::Choice &choice : waiting) {
-            ++count.orders;
-            count.files += choice.files.size();
-        }
-        counts.append(count);
+    connect(place_.run, &PhotoImportRun::stateChanged, this, [this] {
+        if (std::exchange(wasBusy_, place_.run->isBusy()) != place_.run->isBusy())
+            countUnregistered();
+    });
+    connect(place_.run, &PhotoImportRun::toldAgain, this,
+            [this](const UnregisteredPhotosRegistration::Outcome &outcome) {
+                if (outcome.refusals.isEmpty())
+                    Toast::show(place_.window, QStringLiteral("已重新登记"));
+                else
+                    MessageBox::warning(
+                        place_.window,
+                        BoxText(QStringLiteral("以下照片没有登记，仍会保留："), outcome.refusals));
+                // What the service took is on its way into the ledger.
+                Ledger::current().whenWritten(this, [this](bool) { unregistered_.refresh(); });
+            });
+}
+
+void PhotoChoiceRestorer::take(Offer offer, const QString &branch)
+{
+    switch (offer) {
+    case Offer::Show:
+        show();
+        break;
+    case Offer::Forget:
+        choices_.forget(branch);
+        break;
+    case Offer::RegisterAgain:
+        registerAgain();
+        break;
+    case Offer::Ignore:
+        unregistered_.ignore(branch);
+        break;
+    case Offer::SwitchBranch:
+        place_.panel->finder()->chooseBranch(branch);
+        break;
+    case Offer::DeleteFiles:
+    case Offer::KeepFiles:
+    case Offer::Report:
+        Q_UNREACHABLE(); // of other tools
     }
-    bar_->setCounts(Kind::Choices, counts);
+}
+
+void PhotoChoiceRestorer::countUnregistered()
+{
+    for (const Kind kind : {Kind::Unregistered, Kind::PartlyCopied})
+        bar_->setCounts(kind, unregistered_.counts(kind));
+}
+
+/// The order's row says it itself while the service has refused files of it.
+bool PhotoChoiceRestorer::isOffered(const OrderIdentity &order) const
+{
+    if (place_.run->isRegisteringAgain(order))
+        return false;
+    const int row = place_.orders->rowOf(order);
+    if (row < 0)
+        return true;
+    const auto &summaries = place_.orders->order(row).summaries;
+    return !place_.run->isQueuedOrActive(row) &&
+           std::none_of(summaries.cbegin(), summaries.cend(),
+                        [](const FilesSummary &summary) { return summary.unregistered > 0; });
+}
+
+bool PhotoChoiceRestorer::mayLookUp()
+{
+    if (place_.run->isBusy())
+        MessageBox::warning(place_.window, QStringLiteral("导片中..."));
+    return !place_.run->isBusy();
+}
+
+void PhotoChoiceRestorer::lookUp(const QVector<Lookup::Wanted> &wanted, const Lookup::Done &done)
+{
+    place_.panel->abandon();
+    place_.overlay->showText(QStringLiteral("正在查询订单..."));
+    lookup_.start(wanted, place_.panel->identity(), place_.panel->publicPath(),
+                  [this, done](const Lookup::Answer &answer) {
+                      place_.overlay->hideOverlay();
+                      pendinglookup::tellMissing(place_.window, answer);
+                      done(answer);
+                  });
 }
 
 void PhotoChoiceRestorer::show()
 {
-    if (place_.run->isBusy()) {
-        MessageBox::warning(place_.window, QStringLiteral("导片中..."));
-        return;
-    }
-    QVector<Lookup::Wanted> wanted;
-    const auto waiting = choices_.waiting(place_.panel->identity().shopId);
-    for (const PendingChoices::Choice &choice : waiting)
-        wanted.append({choice.order.identity, searchedNumber(choice.order.number)});
-    place_.panel->abandon();
-    place_.overlay->showText(QStringLiteral("正在查询订单..."));
-    lookup_.start(wanted, place_.panel->identity(), place_.panel->publicPath(),
-                  [this](const Lookup::Answer &answer) { putBack(answer); });
+    if (mayLookUp())
+        lookUp(
+            pendinglookup::wantedOf<PhotoOrder>(choices_.waiting(place_.panel->identity().shopId)),
+            [this](const Lookup::Answer &answer) { putBack(answer); });
 }
 
 void PhotoChoiceRestorer::putBack(const Lookup::Answer &answer)
 {
-    place_.overlay->hideOverlay();
-    if (!answer.reply.isSuccess()) {
-        showServiceFailure(place_.window, answer.reply, answer.reply.message);
-    } else if (!answer.missing.isEmpty()) {
-        QStringList numbers;
-        for (const Lookup::Wanted &each : answer.missing)
-            numbers.append(each.number);
-        MessageBox::warning(place_.window,
-                            BoxText(QStringLiteral("服务端没有找到以下订单，仍会保留："), numbers));
-    }
     if (answer.orders.isEmpty() || place_.run->isBusy())
         return;
     const auto choices = choices_.waiting(place_.panel->identity().shopId);
@@ -134,4 +187,39 @@ void PhotoChoiceRestorer::putBack(const Lookup::Answer &answer)
             photochoices::restored(place_.orders->orders(), answer.orders, choices));
     });
     emit place_.panel->ordersChanged();
+}
+
+void PhotoChoiceRestorer::registerAgain()
+{
+    if (mayLookUp())
+        lookUp(
+            pendinglookup::wantedOf<PhotoOrder>(unregistered_.in(place_.panel->identity().shopId)),
+            [this](const Lookup::Answer &answer) { onFoundAgain(answer.orders); });
+}
+
+void PhotoChoiceRestorer::onFoundAgain(const QVector<PhotoOrder> &orders)
+{
+    for (const PhotoOrder &order : orders) {
+        Ledger::current().ask(
+            this,
+            [id = order.identity()](const LedgerReader &reader) {
+                return reader.copiesOfOrder(id, {ledger::Work::PhotoImport});
+            },
+            [this, order](const QVector<ledger::Copy> &copies) { registerOrder(order, copies); });
+    }
+}
+
+void PhotoChoiceRestorer::registerOrder(const PhotoOrder &order,
+                                        const QVector<ledger::Copy> &copies)
+{
+    if (!isOffered(order.identity()))
+        return; // is worked on by now
+    const UnregisteredPhotos photos = UnregisteredPhotos::of(order, copies);
+    if (!photos.elsewhere.isEmpty())
+        MessageBox::warning(place_.window,
+                            pendinglookup::movedText(order.displayName(), photos.elsewhere));
+    else if (photos.order.photos.isEmpty())
+        unregistered_.refresh(); // done by another program meanwhile
+    else
+        place_.run->registerAgain(order, photos, place_.panel->identity());
 }

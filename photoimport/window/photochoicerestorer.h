@@ -3,6 +3,7 @@
 #include "net/orderlookup.h"
 #include "pending/pendingbar.h"
 #include "pending/pendingchoices.h"
+#include "pending/unregisteredorders.h"
 #include "photoimport/orders/photoorder.h"
 
 #include <QObject>
@@ -14,7 +15,8 @@ class tfhomeorders;
 class tforderlistmodel;
 
 /// Remembers beyond another branch and beyond the window which photos were added and not imported,
-/// and offers them again. Nothing starts by itself. Wires; interface thread.
+/// and offers them again, as well as orders whose photos are copied and not registered. Nothing
+/// starts by itself. Wires; interface thread.
 class PhotoChoiceRestorer : public QObject
 {
     Q_OBJECT
@@ -26,7 +28,7 @@ public:
         QWidget *window;
         tforderlistmodel *orders;
         tfhomeorders *panel;
-        const PhotoImportRun *run;
+        PhotoImportRun *run;
         LoadingOverlay *overlay;
         NoticeBar *notices;
     };
@@ -38,12 +40,23 @@ public:
 
 private:
     void connectTable();
-    void count();
+    void connectRun();
+    void take(pendinglines::Offer offer, const QString &branch);
+    void countUnregistered();
+    bool isOffered(const OrderIdentity &order) const;
+    bool mayLookUp();
+    void lookUp(const QVector<OrderLookup<PhotoOrder>::Wanted> &wanted,
+                const OrderLookup<PhotoOrder>::Done &done);
     void show();
     void putBack(const OrderLookup<PhotoOrder>::Answer &answer);
+    void registerAgain();
+    void onFoundAgain(const QVector<PhotoOrder> &orders);
+    void registerOrder(const PhotoOrder &order, const QVector<ledger::Copy> &copies);
 
     Place place_;
     PendingChoices choices_;
     PendingBar *bar_;
     OrderLookup<PhotoOrder> lookup_;
+    UnregisteredOrders unregistered_;
+    bool wasBusy_ = false;
 };
