@@ -23,20 +23,22 @@ ReportLine::ReportLine(QWidget *window, NoticeBar *bar)
 {
 }
 
-void ReportLine::tellOf(ledger::Work work, const std::function<void()> &retryAll)
+void ReportLine::tellOf(const Run &run)
 {
     // What the service said of the last order may still be on its way into the ledger.
-    Ledger::current().whenWritten(this, reading_.only([this, work, retryAll](bool) {
+    Ledger::current().whenWritten(this, reading_.only([this, run](bool) {
         Ledger::current().ask(
             this,
-            [work, told = told_](const LedgerReader &reader) {
-                return RunReport::ofLatest(reader, work, told);
+            [work = run.work, failures = run.failures, told = told_](const LedgerReader &reader) {
+                RunReport report = RunReport::ofLatest(reader, work, told);
+                report.add(failures);
+                return report;
             },
-            reading_.only([this, retryAll](const RunReport &report) {
+            reading_.only([this, run](const RunReport &report) {
                 if (report.isEmpty())
                     return;
                 told_ = report.run;
-                show(report, retryAll);
+                show(report, run);
             }));
     }));
 }
@@ -47,7 +49,7 @@ void ReportLine::takeAway()
     bar_->remove(lineId);
 }
 
-void ReportLine::show(const RunReport &report, const std::function<void()> &retryAll)
+void ReportLine::show(const RunReport &report, const Run &run)
 {
     Notice notice;
     notice.id = lineId;
@@ -62,8 +64,8 @@ void ReportLine::show(const RunReport &report, const std::function<void()> &retr
                            Toast::show(window_, QStringLiteral("导入结果已复制"));
                        }},
                       {QStringLiteral("导出"), [this, report] { save(report); }}};
-    if (report.failed() > 0)
-        notice.actions.append({QStringLiteral("全部重试"), retryAll});
+    if (report.failed() > 0 || (run.registersAgain && report.unregistered() > 0))
+        notice.actions.append({QStringLiteral("全部重试"), run.retryAll});
     notice.dismissed = [this] { takeAway(); };
     bar_->setNotice(notice);
 }

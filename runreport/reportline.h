@@ -19,17 +19,26 @@ class ReportLine : public QObject
     Q_OBJECT
 
 public:
+    /// The run that has ended.
+    struct Run
+    {
+        ledger::Work work = ledger::Work::Unknown;
+        /// What the ledger is not told of.
+        QHash<OrderIdentity, QVector<OrderReport::Failure>> failures;
+        std::function<void()> retryAll; ///< tries again what failed
+        bool registersAgain = false;    ///< retryAll() also does what was not registered
+    };
+
     /// \a bar is the window's.
     ReportLine(QWidget *window, NoticeBar *bar);
 
-    /// Of the run that has ended, which was for \a work; of none twice. \a retryAll: what tries
-    /// again what failed.
-    void tellOf(ledger::Work work, const std::function<void()> &retryAll);
+    /// Of none twice.
+    void tellOf(const Run &run);
     /// Another run begins.
     void takeAway();
 
 private:
-    void show(const RunReport &report, const std::function<void()> &retryAll);
+    void show(const RunReport &report, const Run &run);
     void showAll(const RunReport &report);
     void save(const RunReport &report);
 

@@ -38,6 +38,7 @@ QString countsOf(const OrderReport &order)
 OrderReport OrderReport::of(const ledger::Entry &entry, const QVector<ledger::Copy> &copies)
 {
     OrderReport report;
+    report.order = entry.order.identity;
     report.number = entry.order.number;
     report.name = entry.order.name;
     report.chosen = copies.size();
@@ -86,6 +87,12 @@ RunReport RunReport::ofLatest(const LedgerReader &reader, ledger::Work work, led
     return report;
 }
 
+void RunReport::add(const QHash<OrderIdentity, QVector<OrderReport::Failure>> &failures)
+{
+    for (OrderReport &order : orders)
+        order.failures += failures.value(order.order);
+}
+
 bool RunReport::isGood() const
 {
     return std::all_of(orders.cbegin(), orders.cend(), [](const OrderReport &order) {
@@ -99,6 +106,14 @@ int RunReport::failed() const
     for (const OrderReport &order : orders)
         failed += order.failures.size();
     return failed;
+}
+
+int RunReport::unregistered() const
+{
+    int unregistered = 0;
+    for (const OrderReport &order : orders)
+        unregistered += order.unregistered;
+    return unregistered;
 }
 
 QString RunReport::headline() const

@@ -3,6 +3,7 @@
 #include "ledger/ledgerrecords.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
@@ -19,6 +20,7 @@ struct OrderReport
         QString reason;
     };
 
+    OrderIdentity order;
     QString number;
     QString name;
     int chosen = 0;
@@ -43,10 +45,15 @@ struct RunReport
     static RunReport ofLatest(const LedgerReader &reader, ledger::Work work,
                               ledger::RunId told = 0);
 
+    /// Failures of what the ledger is not told of, such as forms made of a photo; of orders that
+    /// the run was not for they are left out.
+    void add(const QHash<OrderIdentity, QVector<OrderReport::Failure>> &failures);
+
     bool isEmpty() const { return orders.isEmpty(); }
     /// Whether every chosen file was copied and registered where it was to be.
     bool isGood() const;
     int failed() const;
+    int unregistered() const;
     /// All orders in one line.
     QString headline() const;
     /// One line an order, and below it its failures.

@@ -204,7 +204,7 @@ void ImportFiles::connectRun()
     });
     connect(run, &ImportRun::switchedOff, this, [this] {
         setImporting(false);
-        report_->tellOf(choicerestoring::workOf(mode_), [this] { retryAll(); });
+        report_->tellOf({choicerestoring::workOf(mode_), {}, [this] { retryAll(); }, false});
     });
     connect(run, &ImportRun::resubmitNeeded, this, &ImportFiles::askForResubmit);
     connect(run, &ImportRun::mismatchFound, this,

@@ -130,6 +130,21 @@ OrderInfo withMainJobs(const PhotoOrder &order, PhotoMode photoMode, const QVect
                             const SourceFile &, const PhotoInfo &job) { return job.kind == kind; });
 }
 
+QVector<FailedForms> failedForms(const PhotoOrder &order, PhotoMode photoMode)
+{
+    QVector<FailedForms> failed;
+    for (const SourceFile &file : order.files(photoMode)) {
+        const bool isImported =
+            std::any_of(file.jobs.cbegin(), file.jobs.cend(),
+                        [kind = photorules::mainKind(photoMode)](const SourceJob &job) {
+                            return job.kind == kind && job.isSettled();
+                        });
+        if (isImported && file.hasFailed())
+            failed.append({file.name, file.failureText()});
+    }
+    return failed;
+}
+
 QString sharedFoldersQuestion(const QVector<PhotoOrder> &orders, const QVector<int> &starting)
 {
     QHash<QString, QStringList> byFolder;

@@ -73,6 +73,14 @@ Q_DECLARE_METATYPE(RunOutcome)
 
 namespace photoorders {
 
+/// Files whose main form is imported and of which another failed.
+struct FailedForms
+{
+    QString file;
+    QString reason; ///< one line
+};
+QVector<FailedForms> failedForms(const PhotoOrder &order, PhotoMode photoMode);
+
 /// The order with the jobs that its files at \a indexes still ask for; all of them when empty.
 /// Without jobs when nothing is left to do.
 OrderInfo withJobs(const PhotoOrder &order, PhotoMode photoMode, const QVector<int> &indexes = {});

@@ -55,6 +55,21 @@ void PhotoImportStarter::retry(int row, const QSet<int> &indexes)
         start({row}, files.failed);
 }
 
+void PhotoImportStarter::retryAll()
+{
+    QVector<int> failed;
+    for (int row = 0; row < orders_->orders().size(); ++row) {
+        const FilesToRetry files = filesToRetry(orders_->files(row), {});
+        if (run_->isQueuedOrActive(row) ||
+            !run_->registerAgain(row, files.unregistered, ways_.identity()))
+            continue;
+        if (!files.failed.isEmpty())
+            failed.append(row);
+    }
+    if (!failed.isEmpty())
+        start(failed);
+}
+
 /// \a indexes: files of the one row; all of every row when empty.
 void PhotoImportStarter::start(const QVector<int> &rows, const QVector<int> &indexes)
 {

@@ -35,6 +35,8 @@ public:
     /// What failed, or the service did not take, among the order's files at \a indexes; among all
     /// when empty.
     void retry(int row, const QSet<int> &indexes);
+    /// The same for all orders.
+    void retryAll();
 
 signals:
     /// Orders are about to start, and none was being imported.

@@ -12,6 +12,7 @@
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
 #include "photoimport/window/tfimportbar.h"
 #include "runreport/closingquestion.h"
+#include "runreport/reportline.h"
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
@@ -64,6 +65,7 @@ tfhome::tfhome(QWidget *parent)
     , starter_(new PhotoImportStarter(
           this, &orders_, &run_,
           {[this](int row) { return mayChange(row); }, [this] { return orderPanel_->identity(); }}))
+    , report_(new ReportLine(this, notices_))
     , marks_(new tfchoicemarks(this, {&orders_, &photos_, photoPanel_, notices_, chooser_}))
     , deletion_(new ConfirmedPhotoDeletion(this, &orders_, overlay_,
                                            [this](int row) { return mayChange(row); }))
@@ -223,6 +225,7 @@ void tfhome::connectRun()
                 tell(message.contains(path) ? message : message + QStringLiteral("\n\n") + path);
             });
     connect(&run_, &PhotoImportRun::ended, this, &tfhome::announceEnd);
+    connect(&run_, &PhotoImportRun::recorded, this, &tfhome::report);
     connect(&run_, &PhotoImportRun::countsStale, orderPanel_, &tfhomeorders::refreshImportCounts);
     connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
 }
@@ -351,6 +354,8 @@ void tfhome::copyNumber(int row)
 /// Also four times a second while something goes on.
 void tfhome::refreshState()
 {
+    if (run_.isBusy())
+        report_->takeAway();
     bar_->setRunning(run_.isImporting(), run_.pendingRegistrations() > 0);
     bar_->setPaused(run_.pool()->isPaused());
     orderPanel_->setImporting(run_.isBusy());
@@ -385,6 +390,17 @@ void tfhome::announceEnd(const RunOutcome &outcome)
         MessageBox::information(this, outcome.text());
     else
         tell(outcome.text());
+}
+
+void tfhome::report()
+{
+    QHash<OrderIdentity, QVector<OrderReport::Failure>> failures;
+    for (const PhotoOrder &order : orders_.orders()) {
+        const auto failed = photoorders::failedForms(order, orders_.photoMode());
+        for (const photoorders::FailedForms &file : failed)
+            failures[order.identity()].append({file.file, file.reason});
+    }
+    report_->tellOf({ledger::Work::PhotoImport, failures, [this] { starter_->retryAll(); }, true});
 }
 
 void tfhome::tell(const QString &problem)

@@ -17,6 +17,7 @@ class LoadingOverlay;
 class ConfirmedPhotoDeletion;
 class NoticeBar;
 class PhotoImportStarter;
+class ReportLine;
 class tfchoicemarks;
 class tffilechooser;
 class tfhomeorders;
@@ -68,6 +69,7 @@ private:
     void refreshState();
     void showFile(const OrderIdentity &orderId, int index);
     void announceEnd(const RunOutcome &outcome);
+    void report();
     void tell(const QString &problem);
 
     // Deleting, closing.
@@ -95,6 +97,7 @@ private:
     LoadingOverlay *overlay_;
     tffilechooser *chooser_;
     PhotoImportStarter *starter_;
+    ReportLine *report_;
     tfchoicemarks *marks_;
     ConfirmedPhotoDeletion *deletion_;
     std::unique_ptr<PhotoChoiceRestorer> restorer_; ///< last: it looks at the others to its end

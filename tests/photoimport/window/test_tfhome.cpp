@@ -271,12 +271,14 @@ private slots:
         const auto panel = photos()->model()->index(2, 0).data(tfphotolistmodel::PhotoRole);
         QCOMPARE(panel.value<PanelPhoto>().file.failureText(),
                  "原图拷贝失败；图片压缩失败 (目标尺寸: 90、190、1920)"_s);
+        QTRY_COMPARE(report(), "本次导入 1 个订单：选择 3，已拷贝 2，已核对 2，已登记 2，失败 1"_s);
         demo_.clearRequests();
         QVERIFY(QFile::rename(away, photo));
-        click("retryButton");
+        reportAction("全部重试"_s);
         EXPECT_BOXES(done_);
         QCOMPARE(state(first_), "导片完成"_s);
         QCOMPARE(demo_.requests("savepicpath"_s).size(), 1); // the others are registered
+        QTRY_COMPARE(report(), "本次导入 1 个订单：选择 1，已拷贝 1，已核对 1，已登记 1"_s);
         click("retryButton");
         QCOMPARE(Toast::currentText(window_), "没有失败的文件"_s);
     }
@@ -308,7 +310,9 @@ private slots:
             tips += photos()->model()->index(row, 0).data(Qt::ToolTipRole).toString();
         for (const QString &reason : reasons)
             QVERIFY(tips.contains("登记失败: "_s + reason));
-        click("retryButton");
+        QTRY_COMPARE(report(),
+                     "本次导入 1 个订单：选择 3，已拷贝 3，已核对 3，已登记 0，未登记 3"_s);
+        reportAction("全部重试"_s);
         QTRY_COMPARE(state(first_), "导片完成"_s);
         QTRY_COMPARE(text(first_, Column::ImportedColumn), "3"_s);
         QCOMPARE(demo_.requests("saveorderphotopath"_s).size(), 2);
@@ -320,6 +324,7 @@ private slots:
             return std::all_of(copies.cbegin(), copies.cend(), isRegistered);
         };
         QTRY_VERIFY(areRegistered());
+        QCOMPARE(report(), QString());
     }
 
     void deletesAtTheServiceFirst()
@@ -509,6 +514,27 @@ private:
                 copies += reader.copiesOfEntry(entry.id);
             return copies;
         });
+    }
+
+    /// The notice that tells of the last run.
+    Notice reported() const
+    {
+        const auto notices = window_->findChild<NoticeBar *>()->notices();
+        for (const Notice &notice : notices) {
+            if (notice.id == "runReport"_s)
+                return notice;
+        }
+        return {};
+    }
+    QString report() const { return reported().text; }
+    void reportAction(const QString &text) const
+    {
+        const Notice notice = reported();
+        for (const auto &action : notice.actions) {
+            if (action.text == text)
+                return action.act();
+        }
+        QFAIL("no such action");
     }
 
     void open() { show(new tfhome); }
