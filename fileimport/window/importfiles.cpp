@@ -238,9 +238,8 @@ FramelessWindow::CloseAnswer ImportFiles::closeRequested()
                         photos_ ? photos_->closingNotice() : QString()};
     notices.removeAll(QString());
     if (!notices.isEmpty() &&
-        !agreedToClose(
-            closingQuestion((notices << QStringLiteral("确认要关闭吗？")).join(QLatin1Char('\n')),
-                            run_->isBusy())))
+        !agreedToClose(closingQuestion(
+            (notices << QStringLiteral("确认要关闭吗？")).join(QLatin1Char('\n')), run_->isBusy())))
         return CloseAnswer::Refuse;
     finder_->cancel();
     chooser_->cancel();
