@@ -20,6 +20,7 @@
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/filedroptable.h"
 #include "widgets/theme/theme.h"
+#include "widgets/windows/sharedwidth.h"
 
 #include <QClipboard>
 #include <QDebug>
@@ -29,6 +30,7 @@
 namespace {
 
 constexpr int progressIntervalMs = 250;
+constexpr int mostForOrders = 62; // percent of the width, of which the photos want theirs
 
 QString importingText()
 {
@@ -42,6 +44,12 @@ ImportFiles::ImportFiles(QWidget *parent)
     , panel_(new ImportOrderPanel(&orders_))
     , filePanel_(new ImportFilePanel(&files_))
     , rightHalf_(new QSplitter(Qt::Vertical))
+    // The orders show their buttons, as far as what is on the right can spare the room.
+    , halves_(new SharedWidth(panel_, rightHalf_,
+                              [this](int width) {
+                                  return qMin(panel_->widthWithActions(),
+                                              width * mostForOrders / 100);
+                              }))
     , finder_(new OrderFinder(this,
                               {&branch_, panel_->searchBar(), panel_->table(), panel_->overlay()}))
     , chooser_(
@@ -53,17 +61,10 @@ ImportFiles::ImportFiles(QWidget *parent)
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
-    auto *splitter = new QSplitter(Qt::Horizontal);
-    splitter->setStyleSheet(theme::splitterStyle());
-    splitter->addWidget(panel_);
     rightHalf_->setStyleSheet(theme::splitterStyle());
     rightHalf_->setChildrenCollapsible(false);
     rightHalf_->addWidget(filePanel_);
-    splitter->addWidget(rightHalf_);
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, 1);
-    splitter->setChildrenCollapsible(false);
-    setContent(splitter);
+    setContent(halves_);
 
     progressTimer_.setInterval(progressIntervalMs);
     connect(&progressTimer_, &QTimer::timeout, this, &ImportFiles::refreshProgress);
@@ -224,9 +225,10 @@ void ImportFiles::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
-        // The orders show their buttons, as far as what is on the right can spare the room.
-        const int orders = qMin(panel_->widthWithActions(), width());
-        qobject_cast<QSplitter *>(content())->setSizes({orders, width() - orders});
+        const QString tool = mode_ == ImportMode::Originals ? QStringLiteral("originals")
+                                                            : QStringLiteral("retouched");
+        panel_->openColumns(tool);
+        halves_->open(tool);
         restorer_->open();
         reqShopInfo();
     }

@@ -24,6 +24,7 @@ class OrderFinder;
 class OriginalView;
 class QSplitter;
 class ReportLine;
+class SharedWidth;
 
 /// The tool window behind the cards for importing originals (mode 0) and retouched photos (mode 1):
 /// search orders, choose files for them, copy the files into the orders' folders and register them
@@ -118,6 +119,7 @@ private:
     ImportOrderPanel *panel_;
     ImportFilePanel *filePanel_;
     QSplitter *rightHalf_;
+    SharedWidth *halves_;
     OrderFinder *finder_;
     OriginalView *photos_ = nullptr; ///< with originals only
     OrderFileChooser *chooser_;

@@ -4,8 +4,10 @@
 #include "fileimport/window/importordertablemodel.h"
 #include "fileimport/window/ordernumberbuttondelegate.h"
 #include "fileimport/window/photostatedelegate.h"
+#include "fileimport/window/rowactions.h"
 #include "widgets/boxes/noticebar.h"
 #include "widgets/orders/ordersearchbar.h"
+#include "widgets/tables/arrangedcolumns.h"
 #include "widgets/tables/filedroptable.h"
 #include "widgets/tables/sortedrows.h"
 #include "widgets/tables/transferview.h"
@@ -62,6 +64,9 @@ void ImportOrderPanel::buildTable()
     table_->setItemDelegateForColumn(ImportOrderTableModel::PathColumn,
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
     setColumnWidths();
+    columns_ = new ArrangedColumns(table_, {ImportOrderTableModel::NumberColumn});
+    connect(columns_, &ArrangedColumns::widthsRestored, this, &ImportOrderPanel::makeRoomForLinks);
+    addRowActions();
 
     connect(number, &OrderNumberButtonDelegate::orderNumberClicked, this,
             [this](int row) { emit orderNumberClicked(rows_->position(row)); });
@@ -77,6 +82,17 @@ void ImportOrderPanel::buildTable()
         emit filesDropped(rows_->position(row), paths);
     });
     connect(rows_, &SortedRows::currentChanged, this, &ImportOrderPanel::selectionChanged);
+}
+
+void ImportOrderPanel::addRowActions()
+{
+    for (const auto row : {RowActions::Row::Current, RowActions::Row::Hovered}) {
+        const auto *actions = new RowActions(table_, ImportOrderTableModel::ActionsColumn, row);
+        connect(actions, &RowActions::actionClicked, this,
+                [this](int viewRow, OrderActionsDelegate::Action action) {
+                    emit actionClicked(rows_->position(viewRow), action);
+                });
+    }
 }
 
 void ImportOrderPanel::buildLayout()
@@ -177,6 +193,11 @@ void ImportOrderPanel::makeRoomForLinks()
     const int wanted = PhotoStateDelegate::cellWidth(QStringLiteral("成功:000, 失败:00"), font);
     if (table_->columnWidth(ImportOrderTableModel::StateColumn) < wanted)
         table_->setColumnWidth(ImportOrderTableModel::StateColumn, wanted);
+}
+
+void ImportOrderPanel::openColumns(const QString &tool)
+{
+    columns_->open(tool);
 }
 
 int ImportOrderPanel::widthWithActions() const

@@ -8,6 +8,7 @@
 
 #include <functional>
 
+class ArrangedColumns;
 class ImportOrderTableModel;
 class LoadingOverlay;
 class NoticeBar;
@@ -41,6 +42,9 @@ public:
     /// Runs \a change, which replaces the orders, and brings selection and scroll position back.
     void keepPlaceWhile(const std::function<void()> &change);
 
+    /// Arranges the columns as the user left them in \a tool.
+    void openColumns(const QString &tool);
+
     /// Pixels in which the buttons of the orders are in sight, without what comes after them.
     int widthWithActions() const;
 
@@ -65,6 +69,7 @@ private:
     void buildTable();
     void buildLayout();
     void addActions();
+    void addRowActions();
     void setColumnWidths();
     /// Makes room for the link of the orders that have one; columns never shrink under the mouse.
     void makeRoomForLinks();
@@ -73,6 +78,7 @@ private:
     OrderSearchBar *searchBar_;
     FileDropTable *table_;
     SortedRows *rows_ = nullptr;
+    ArrangedColumns *columns_ = nullptr;
     LoadingOverlay *overlay_;
     NoticeBar *notices_;
     TransferView *progress_;

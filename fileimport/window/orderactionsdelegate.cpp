@@ -72,14 +72,18 @@ void OrderActionsDelegate::paint(QPainter *painter, const QStyleOptionViewItem &
     cellpainting::paintCell(painter, cell);
 
     const bool mouseOver = option.state.testFlag(QStyle::State_MouseOver);
-    const QPoint mouse = mouseIn(option);
     painter->save();
-    for (int action = 0; action < ActionCount; ++action) {
-        const QRect button = buttonRect(option.rect, Action(action));
-        cellpainting::paintButton(painter, button, text(Action(action)),
-                                  colourOf(Action(action), mouseOver && button.contains(mouse)));
-    }
+    paintButtons(painter, option.rect, mouseOver ? mouseIn(option) : QPoint(-1, -1));
     painter->restore();
+}
+
+void OrderActionsDelegate::paintButtons(QPainter *painter, const QRect &cell, const QPoint &mouse)
+{
+    for (int action = 0; action < ActionCount; ++action) {
+        const QRect button = buttonRect(cell, Action(action));
+        cellpainting::paintButton(painter, button, text(Action(action)),
+                                  colourOf(Action(action), button.contains(mouse)));
+    }
 }
 
 bool OrderActionsDelegate::editorEvent(QEvent *event, QAbstractItemModel *model,

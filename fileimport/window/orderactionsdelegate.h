@@ -17,6 +17,8 @@ public:
     static QString text(Action action);
     /// Where the button lies in a cell.
     static QRect buttonRect(const QRect &cell, Action action);
+    /// The one under \a mouse looks so; with the painter's font.
+    static void paintButtons(QPainter *painter, const QRect &cell, const QPoint &mouse);
     /// Width of a cell whose buttons hold their texts in \a font.
     static int cellWidth(const QFont &font);
 

@@ -5,7 +5,7 @@
 
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPainter>
+#include <QScrollBar>
 #include <QUrl>
 
 QStringList droppedPaths(const QMimeData *data)
@@ -19,9 +19,16 @@ QStringList droppedPaths(const QMimeData *data)
     return paths;
 }
 
-FileDropTable::FileDropTable(QWidget *parent) : EmptyStateTable(parent)
+FileDropTable::FileDropTable(QWidget *parent) : FrozenTable(parent), mark_(new QWidget(this))
 {
     setAcceptDrops(true);
+    mark_->setAttribute(Qt::WA_TransparentForMouseEvents);
+    mark_->setAttribute(Qt::WA_StyledBackground);
+    mark_->setStyleSheet(QStringLiteral("border: %1px solid %2; background: transparent;")
+                             .arg(K::scaledPx(2))
+                             .arg(colours::css(colours::accent)));
+    mark_->hide();
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &FileDropTable::placeMark);
 }
 
 void FileDropTable::dragEnterEvent(QDragEnterEvent *event)
@@ -58,22 +65,20 @@ void FileDropTable::dropEvent(QDropEvent *event)
     emit filesDropped(index.row(), paths);
 }
 
-void FileDropTable::paintEvent(QPaintEvent *event)
-{
-    EmptyStateTable::paintEvent(event);
-    if (!dropRow_.isValid())
-        return;
-    const int line = K::scaledPx(2);
-    QRect row = visualRect(dropRow_);
-    row.setLeft(0);
-    row.setRight(viewport()->width() - 1);
-    QPainter painter(viewport());
-    painter.setPen(QPen(colours::toColor(colours::accent), line));
-    painter.drawRect(row.adjusted(line / 2, line / 2, -line / 2, -line / 2));
-}
-
 void FileDropTable::markRow(const QModelIndex &index)
 {
     dropRow_ = index;
-    viewport()->update();
+    mark_->setVisible(index.isValid());
+    placeMark();
+}
+
+void FileDropTable::placeMark()
+{
+    if (!dropRow_.isValid())
+        return;
+    const QRect area = viewport()->geometry();
+    const QRect row(area.left(), area.top() + rowViewportPosition(dropRow_.row()), area.width(),
+                    rowHeight(dropRow_.row()));
+    mark_->setGeometry(row.intersected(area));
+    mark_->raise();
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "widgets/tables/tables.h"
+#include "widgets/tables/frozentable.h"
 
 #include <QPersistentModelIndex>
 #include <QStringList>
@@ -12,7 +12,7 @@ QStringList droppedPaths(const QMimeData *data);
 
 /// A table whose rows take files and folders from outside: they are dropped on a row, which is
 /// marked while they hover over it.
-class FileDropTable : public EmptyStateTable
+class FileDropTable : public FrozenTable
 {
     Q_OBJECT
 
@@ -28,10 +28,11 @@ protected:
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dragLeaveEvent(QDragLeaveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
 
 private:
     void markRow(const QModelIndex &index);
+    void placeMark();
 
     QPersistentModelIndex dropRow_;
+    QWidget *mark_; ///< around that row, over the frozen columns as well
 };

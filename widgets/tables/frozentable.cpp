@@ -2,6 +2,8 @@
 
 #include "widgets/theme/theme.h"
 
+#include <QCoreApplication>
+#include <QEvent>
 #include <QFrame>
 #include <QHeaderView>
 #include <QScopedValueRollback>
@@ -18,13 +20,13 @@ constexpr int widestFrozen = 60;
 } // namespace
 
 FrozenTable::FrozenTable(QWidget *parent)
-    : EmptyStateTable(parent), over_(new PlainTips<QTableView>(this)), edge_(new QFrame(this))
+    : EmptyStateTable(parent), over_(new EmptyStateTable(this)), edge_(new QFrame(this))
 {
     prepareTable(over_);
     over_->setObjectName(QStringLiteral("frozenView"));
     over_->setAttribute(Qt::WA_TransparentForMouseEvents);
     over_->setFocusPolicy(Qt::NoFocus);
-    over_->setStyleSheet(theme::tableStyle() + QStringLiteral("QTableView { border: none; }"));
+    over_->setPointerArea(viewport());
     over_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     over_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     over_->horizontalHeader()->setStretchLastSection(false);
@@ -87,6 +89,10 @@ void FrozenTable::setSelectionModel(QItemSelectionModel *selectionModel)
 void FrozenTable::freeze(int count)
 {
     wanted_ = count;
+    const QString style = styleSheet() + QStringLiteral("QTableView { border: none; }");
+    if (over_->styleSheet() != style)
+        over_->setStyleSheet(style);
+    over_->setAlternatingRowColors(alternatingRowColors());
     for (int column = 0; column < horizontalHeader()->count(); ++column)
         over_->setItemDelegateForColumn(column, itemDelegateForColumn(column));
     mirror();
@@ -109,6 +115,31 @@ int FrozenTable::fitting() const
 bool FrozenTable::isFrozen(int column) const
 {
     return column >= 0 && horizontalHeader()->visualIndex(column) < frozen_;
+}
+
+void FrozenTable::shadeHoveredRow(QRgb colour)
+{
+    EmptyStateTable::shadeHoveredRow(colour);
+    over_->shadeHoveredRow(colour);
+}
+
+/// What is under the pointer looks so in the frozen columns, too, though the mouse is this table's.
+bool FrozenTable::viewportEvent(QEvent *event)
+{
+    const bool isHandled = EmptyStateTable::viewportEvent(event);
+    switch (event->type()) {
+    case QEvent::HoverEnter:
+    case QEvent::HoverMove:
+    case QEvent::HoverLeave:
+        if (frozen_ > 0) {
+            QCoreApplication::sendEvent(over_->viewport(), event);
+            over_->viewport()->update();
+        }
+        break;
+    default:
+        break;
+    }
+    return isHandled;
 }
 
 void FrozenTable::updateGeometries()

@@ -19,7 +19,7 @@ public:
     /// which is set before; what the user does to its widths and places is done to that one, too.
     void setFrozenHeader(QHeaderView *header);
     /// The first \a count columns, as the user has arranged them. To be told again after the
-    /// delegates have changed.
+    /// delegates or the look have changed.
     void freeze(int count);
     /// How many columns are frozen now, and how wide they are in pixels.
     int frozenColumns() const { return frozen_; }
@@ -30,6 +30,7 @@ public:
     QModelIndex indexAt(const QPoint &position) const override;
     QRect visualRect(const QModelIndex &index) const override;
     void scrollTo(const QModelIndex &index, ScrollHint hint = EnsureVisible) override;
+    void shadeHoveredRow(QRgb colour) override;
 
 signals:
     /// Another number of columns is frozen.
@@ -37,6 +38,7 @@ signals:
 
 protected:
     void updateGeometries() override;
+    bool viewportEvent(QEvent *event) override;
 
 private:
     bool isFrozen(int column) const;
@@ -45,8 +47,8 @@ private:
     void mirror();
     void mirrorHeader(QHeaderView *copy) const;
 
-    PlainTips<QTableView> *over_; ///< paints the frozen columns
-    QWidget *edge_;               ///< between them and the others
+    EmptyStateTable *over_; ///< paints the frozen columns
+    QWidget *edge_;         ///< between them and the others
     QPointer<QHeaderView> header_;
     int wanted_ = 0;
     int frozen_ = 0;

@@ -127,7 +127,7 @@ bool ElidedTextDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
     return true;
 }
 
-EmptyStateTable::EmptyStateTable(QWidget *parent) : PlainTips(parent)
+EmptyStateTable::EmptyStateTable(QWidget *parent) : PlainTips(parent), pointerArea_(viewport())
 {
 }
 
@@ -171,7 +171,7 @@ void EmptyStateTable::shadeHoveredRow(QRgb colour)
 void EmptyStateTable::paintEvent(QPaintEvent *event)
 {
     const int hovered = rowAt(viewport()->mapFromGlobal(QCursor::pos()).y());
-    if (viewport()->underMouse() && hovered >= 0) {
+    if (pointerArea_->underMouse() && hovered >= 0) {
         QPainter(viewport())
             .fillRect(0, rowViewportPosition(hovered), viewport()->width(), rowHeight(hovered),
                       colours::toColor(hoverColour_));

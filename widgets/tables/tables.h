@@ -53,7 +53,9 @@ public:
     void setEmptyText(const QString &text);
     const QString &emptyText() const { return emptyText_; }
     /// Shades the whole row under the pointer; the framework would do so with its cell alone.
-    void shadeHoveredRow(QRgb colour);
+    virtual void shadeHoveredRow(QRgb colour);
+    /// Where the pointer is to be for a row to be shaded; the table's own viewport unless told.
+    void setPointerArea(const QWidget *area) { pointerArea_ = area; }
 
 protected:
     void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
@@ -64,4 +66,5 @@ protected:
 private:
     QString emptyText_;
     QRgb hoverColour_ = 0; ///< transparent: nothing is shaded
+    const QWidget *pointerArea_;
 };

@@ -104,6 +104,33 @@ private slots:
         QCOMPARE(text(second, Column::ChosenColumn), "4"_s);
     }
 
+    void buttonsOfTheCurrentRowWhereTheirColumnIsOutOfSight()
+    {
+        open(0);
+        const QString order = "TS10003-1"_s;
+        auto *buttons = child<QWidget>("currentRowActions");
+        select(order);
+        window_->resize(1000, 700);
+        orders()->horizontalScrollBar()->setValue(0);
+        QTRY_VERIFY(buttons->isVisible());
+        const QModelIndex row = cell(order, Column::NumberColumn);
+        QCOMPARE(buttons->y(), orders()->visualRect(row).y()); // both in one row, both in sight
+        QVERIFY(buttons->x() > orders()->visualRect(row).right());
+        QVERIFY(buttons->geometry().right() < orders()->viewport()->width());
+        const QStringList photos = makePhotos(2);
+        FileDialog::setNextFiles(photos);
+        const auto press = [&](OrderActionsDelegate::Action action) {
+            const QRect button = OrderActionsDelegate::buttonRect(buttons->rect(), action);
+            QTest::mouseClick(buttons, Qt::LeftButton, {}, button.center());
+        };
+        press(OrderActionsDelegate::SelectFiles);
+        QTRY_COMPARE(text(order, Column::ChosenColumn), "2"_s);
+        press(OrderActionsDelegate::ClearFiles);
+        QCOMPARE(text(order, Column::ChosenColumn), "0"_s);
+        orders()->scrollTo(cell(order, Column::ActionsColumn));
+        QVERIFY(!buttons->isVisible());
+    }
+
     void retouchedPhotosTheCustomerDidNotChoose()
     {
         open(1);
