@@ -53,8 +53,8 @@ bool writeBytes(const QString &target, const QByteArray &bytes)
 {
     return mayReplace(target) && writeWholeFile(target, [&bytes](const QString &temporary) {
                QFile file(temporary);
-               return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-                      file.flush();
+               return file.open(QIODevice::WriteOnly | QIODevice::NewOnly) &&
+                      file.write(bytes) == bytes.size() && file.flush();
            });
 }
 

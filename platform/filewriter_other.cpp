@@ -54,7 +54,7 @@ struct FileWriter::State
         mayBeDirect =
             mayBeDirect && size >= worthDirectBytes && isAligned(data) && offset % blockBytes == 0;
         if (mayBeDirect && direct < 0)
-            direct = open(name.constData(), O_WRONLY | O_DIRECT | O_CLOEXEC);
+            direct = open(name.constData(), O_WRONLY | O_DIRECT | O_NOFOLLOW | O_CLOEXEC);
         const qint64 whole = size - size % blockBytes;
         mayBeDirect =
             mayBeDirect && direct >= 0 && pwrite(direct, data, size_t(whole), offset) == whole;

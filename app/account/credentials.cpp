@@ -1,6 +1,7 @@
 #include "app/account/credentials.h"
 
 #include "app/context/logging.h"
+#include "app/context/ownerfile.h"
 
 #include <QDebug>
 #include <QDir>
@@ -59,6 +60,7 @@ Credentials CredentialsFile::read() const
     QFile file(path());
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text) || file.size() > largestFile)
         return {};
+    keepToOwner(file.fileName());
     Credentials credentials;
     QString password;
     QTextStream stream(&file);

@@ -19,7 +19,8 @@ public:
     /// \a folder: for tests; otherwise the program's settings folder.
     explicit CredentialsFile(const QString &folder = standardFolder());
 
-    /// Empty for a missing file. Of a damaged one whatever is whole: never a part of a password.
+    /// Empty for a missing file; one that others can read is closed to them. Of a damaged one
+    /// whatever is whole: never a part of a password.
     Credentials read() const;
 
     /// Replaces the file as a whole, or leaves the earlier one alone and returns false.

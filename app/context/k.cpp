@@ -2,6 +2,7 @@
 
 #include "app/context/accountcontext.h"
 #include "app/context/logging.h"
+#include "app/context/ownerfile.h"
 
 #include <QDataStream>
 #include <QDebug>
@@ -139,13 +140,16 @@ void K::saveLoginData(const QJsonObject &data, const std::function<void(const QV
     QSaveFile file(path);
     bool saved = file.open(QIODevice::WriteOnly | QIODevice::Truncate);
     if (saved) {
+        // Closed to others before the token is in it.
         file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
         QDataStream stream(&file);
         stream.setVersion(loginDataStreamVersion);
         stream << QString::fromUtf8(QJsonDocument(data).toJson(QJsonDocument::Indented));
         saved = file.commit();
     }
-    if (!saved)
+    if (saved)
+        keepToOwner(path);
+    else
         qCWarning(lcTessavo) << "login data not saved:" << file.errorString();
     if (done)
         done({});
@@ -161,6 +165,7 @@ QJsonObject K::loadLoginData()
         qDebug() << "无法打开文件读取:" << file.fileName();
         return {};
     }
+    keepToOwner(file.fileName());
     QDataStream stream(&file);
     stream.setVersion(loginDataStreamVersion);
     QString text;

@@ -56,8 +56,13 @@ private slots:
                  QByteArray::number(file.size() - 4, 16).rightJustified(8, '0'));
         QCOMPARE(file.read(2), QByteArray("\0{", 2));
 #ifdef Q_OS_UNIX
-        QCOMPARE(int(QFileInfo(file).permissions() & ~(QFile::ReadUser | QFile::WriteUser)),
-                 int(QFile::ReadOwner | QFile::WriteOwner));
+        const auto rights = [&file] {
+            return int(QFile::permissions(file.fileName()) & ~(QFile::ReadUser | QFile::WriteUser));
+        };
+        QCOMPARE(rights(), int(QFile::ReadOwner | QFile::WriteOwner));
+        QVERIFY(file.setPermissions(QFile::Permissions(0x6644))); // as a copy may have
+        QCOMPARE(K::instance()->loadLoginData(), data);
+        QCOMPARE(rights(), int(QFile::ReadOwner | QFile::WriteOwner));
 #endif
     }
 
