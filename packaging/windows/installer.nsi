@@ -409,6 +409,7 @@ Section "Uninstall"
         SetShellVarContext current
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\login_config.txt"
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\choices.ini"
+        Delete "$LOCALAPPDATA\${USER_SETTINGS}\order_list_*"
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\ledger.db*"
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\ledger-damaged-*.db*"
         Delete "$LOCALAPPDATA\${USER_SETTINGS}\session-*.lock"
