@@ -16,15 +16,19 @@
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
-#include "widgets/tables/tables.h"
+#include "widgets/tables/frozentable.h"
 #include "widgets/theme/theme.h"
+#include "widgets/windows/sharedwidth.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QSplitter>
 #include <QVBoxLayout>
 
 namespace {
+
+// How the window's width is divided.
+constexpr int ordersShare = 8;
+constexpr int filesShare = 5;
 
 QString deletingText()
 {
@@ -80,13 +84,9 @@ void BatchDelete::buildLayout()
     searchBar_->searchByCompletion(QStringLiteral("搜索订单号、姓名、电话、微信..."));
     searchBar_->captionBranches(QStringLiteral("分店选择:"));
     searchBar_->addPersonFilter();
-    auto *splitter = new QSplitter(Qt::Horizontal);
-    splitter->setStyleSheet(theme::splitterStyle());
-    splitter->addWidget(orderList_);
-    splitter->addWidget(fileList_);
-    splitter->setStretchFactor(0, 8);
-    splitter->setStretchFactor(1, 5);
-    splitter->setChildrenCollapsible(false);
+    halves_ = new SharedWidth(orderList_, fileList_, [](int width) {
+        return width * ordersShare / (ordersShare + filesShare);
+    });
 
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
@@ -96,7 +96,7 @@ void BatchDelete::buildLayout()
     layout->addWidget(searchBar_);
     layout->addWidget(runBar_);
     layout->addWidget(notices_);
-    layout->addWidget(splitter, 1);
+    layout->addWidget(halves_, 1);
     setContent(content);
 }
 
@@ -171,6 +171,8 @@ void BatchDelete::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
+        orderList_->openColumns();
+        halves_->open(QStringLiteral("batchdelete"));
         reqShopInfo();
     }
 }

@@ -22,6 +22,7 @@ class OrderFinder;
 class OrderSearchBar;
 class PendingBar;
 class UnreportedDeletions;
+class SharedWidth;
 
 /// The tool window for deleting all files of many orders: search orders, tick them, confirm what is
 /// going to be emptied, confirm the account, and see what becomes of every file. What it decides
@@ -98,6 +99,7 @@ private:
     BatchDelete_RunBar *runBar_;
     BatchDelete_OrderListWidget *orderList_;
     BatchDelete_FileListWidget *fileList_;
+    SharedWidth *halves_ = nullptr;
     OrderFinder *finder_;
     DeletionApproval *approval_ = nullptr;
     DeletionQuestions *questions_ = nullptr;

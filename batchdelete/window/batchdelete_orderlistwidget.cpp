@@ -3,14 +3,14 @@
 #include "app/context/k.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
 #include "widgets/inputs/customcheckboxnew.h"
+#include "widgets/tables/arrangedcolumns.h"
+#include "widgets/tables/frozentable.h"
 #include "widgets/tables/sortedrows.h"
-#include "widgets/tables/tables.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QEvent>
 #include <QHeaderView>
-#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
@@ -34,7 +34,7 @@ BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *
                                                          QWidget *parent)
     : QWidget(parent)
     , model_(model)
-    , table_(new EmptyStateTable(this))
+    , table_(new FrozenTable(this))
     , selectAll_(new CustomCheckBoxNew(QStringLiteral("全选"), table_->horizontalHeader()))
     , overlay_(new LoadingOverlay(table_))
 {
@@ -54,10 +54,10 @@ BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *
             [this] { onCheckBoxStateChanged(Qt::Unchecked); });
     QHeaderView *header = table_->horizontalHeader();
     header->installEventFilter(this);
-    connect(header, &QHeaderView::sectionResized, this, [this](int column) {
-        placeSelectAll();
-        widthsAreTheUsers_ = widthsAreTheUsers_ || (!fitting_ && column <= Model::ProgressColumn);
-    });
+    connect(header, &QHeaderView::sectionResized, this, [this] { placeSelectAll(); });
+    connect(table_, &FrozenTable::frozenChanged, this, [this] { placeSelectAll(); });
+    connect(columns_, &ArrangedColumns::widthsRestored, this,
+            &BatchDelete_OrderListWidget::fitColumns);
     connect(header, &QHeaderView::geometriesChanged, this, [this] { placeSelectAll(); });
     connect(table_->horizontalScrollBar(), &QAbstractSlider::valueChanged, this,
             [this] { placeSelectAll(); });
@@ -68,7 +68,6 @@ void BatchDelete_OrderListWidget::buildTable()
     table_->setObjectName(QStringLiteral("orderTable"));
     prepareTable(table_);
     rows_ = new SortedRows(table_, model_, Model::SortRole);
-    table_->horizontalHeader()->setSectionsMovable(false);
 
     auto *progress = new BatchDeleteProgressDelegate(table_);
     table_->setItemDelegateForColumn(Model::CheckColumn, new BatchDeleteCheckDelegate(table_));
@@ -77,6 +76,7 @@ void BatchDelete_OrderListWidget::buildTable()
                                      new ElidedTextDelegate(Qt::ElideMiddle, table_));
     for (int column = 0; column < Model::ColumnCount; ++column)
         table_->setColumnWidth(column, K::scaledPx(columnWidths[column].wanted));
+    columns_ = new ArrangedColumns(table_, {Model::CheckColumn, Model::NumberColumn});
     connect(progress, &BatchDeleteProgressDelegate::buttonClicked, this,
             [this](int row, BatchDeleteProgressDelegate::Button button) {
                 emit viewClicked(rows_->position(row), button);
@@ -101,6 +101,11 @@ void BatchDelete_OrderListWidget::addActions()
                      [this](int row) { emit openFolderClicked(row); });
     rows_->addAction(QStringLiteral("复制订单号"), QKeySequence::Copy,
                      [this](int row) { emit copyNumberClicked(row); });
+}
+
+void BatchDelete_OrderListWidget::openColumns()
+{
+    columns_->open(QStringLiteral("batchdelete"));
 }
 
 int BatchDelete_OrderListWidget::selectedRow() const
@@ -160,7 +165,7 @@ bool BatchDelete_OrderListWidget::eventFilter(QObject *watched, QEvent *event)
 
 void BatchDelete_OrderListWidget::fitColumns()
 {
-    if (widthsAreTheUsers_)
+    if (columns_->isSized())
         return;
     int wanted = 0;
     int least = 0;
@@ -170,7 +175,6 @@ void BatchDelete_OrderListWidget::fitColumns()
     }
     const double givenWay =
         qBound(0.0, double(wanted - table_->horizontalHeader()->width()) / (wanted - least), 1.0);
-    const QScopedValueRollback<bool> guard(fitting_, true);
     for (int column = 0; column <= Model::ProgressColumn; ++column) {
         const auto &width = columnWidths[column];
         const double pixels = K::scaledPx(width.wanted) -
@@ -179,10 +183,15 @@ void BatchDelete_OrderListWidget::fitColumns()
     }
 }
 
-/// At the right of its section, beside the section's own text, and scrolling with it.
+/// At the right of its section, beside the section's own text, in the header that shows it.
 void BatchDelete_OrderListWidget::placeSelectAll()
 {
-    const QHeaderView *header = table_->horizontalHeader();
+    QHeaderView *header =
+        table_->frozenColumns() > 0 ? columns_->frozenHeader() : table_->horizontalHeader();
+    if (selectAll_->parentWidget() != header) {
+        selectAll_->setParent(header);
+        selectAll_->show();
+    }
     const QSize size = selectAll_->sizeHint();
     const int right = header->sectionViewportPosition(Model::CheckColumn) +
                       header->sectionSize(Model::CheckColumn) - theme::spacing() / 2;

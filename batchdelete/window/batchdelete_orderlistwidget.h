@@ -8,9 +8,10 @@
 
 #include <functional>
 
+class ArrangedColumns;
 class BatchDeleteOrderModel;
 class CustomCheckBoxNew;
-class EmptyStateTable;
+class FrozenTable;
 class LoadingOverlay;
 class SortedRows;
 
@@ -24,7 +25,9 @@ class BatchDelete_OrderListWidget : public QWidget
 public:
     explicit BatchDelete_OrderListWidget(BatchDeleteOrderModel *model, QWidget *parent = nullptr);
 
-    EmptyStateTable *table() const { return table_; }
+    FrozenTable *table() const { return table_; }
+    /// Arranges the columns as the user left them.
+    void openColumns();
     /// Covers the table alone.
     LoadingOverlay *overlay() const { return overlay_; }
     /// Position of the selected order; -1 without one.
@@ -60,10 +63,9 @@ private:
     void placeSelectAll();
 
     BatchDeleteOrderModel *model_;
-    EmptyStateTable *table_;
+    FrozenTable *table_;
     SortedRows *rows_ = nullptr;
+    ArrangedColumns *columns_ = nullptr;
     CustomCheckBoxNew *selectAll_;
     LoadingOverlay *overlay_;
-    bool fitting_ = false;
-    bool widthsAreTheUsers_ = false;
 };

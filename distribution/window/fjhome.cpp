@@ -16,10 +16,10 @@
 #include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/theme/theme.h"
+#include "widgets/windows/sharedwidth.h"
 
 #include <QDebug>
 #include <QJsonObject>
-#include <QSplitter>
 
 namespace {
 
@@ -40,18 +40,14 @@ FJHome::FJHome(QWidget *parent)
     , photosCall_(this)
     , right_(new FJRightPanel)
     , left_(new FJLeftPanel(right_->searchBar()))
+    , halves_(new SharedWidth(left_, right_,
+                              [this](int width) { return width - right_->sizeHint().width(); }))
 {
     setWindowTitle(QStringLiteral("分件工具"));
-    auto *splitter = new QSplitter(Qt::Horizontal);
-    splitter->setStyleSheet(theme::splitterStyle() +
-                            QStringLiteral("QSplitter { background-color: %1; }")
-                                .arg(colours::css(colours::toolBackground)));
-    splitter->addWidget(left_);
-    splitter->addWidget(right_);
-    splitter->setStretchFactor(0, 1);
-    splitter->setStretchFactor(1, 0);
-    splitter->setChildrenCollapsible(false);
-    setContent(splitter);
+    halves_->setStyleSheet(theme::splitterStyle() +
+                           QStringLiteral("QSplitter { background-color: %1; }")
+                               .arg(colours::css(colours::toolBackground)));
+    setContent(halves_);
     run_.setPerform(&FJDataOperate::perform);
     closeTimer_.setSingleShot(true);
     closeTimer_.setInterval(closePatienceMs);
@@ -143,6 +139,9 @@ void FJHome::showEvent(QShowEvent *event)
     if (opened_)
         return;
     opened_ = true;
+    const QString tool = QStringLiteral("distribution%1").arg(int(type_));
+    left_->openColumns(tool);
+    halves_->open(tool);
     // Saved login data names no branch; the box shows the first one then.
     const QString chosen = left_->identity().shopId;
     changeShop(chosen.isEmpty() ? right_->searchBar()->selectedBranchId() : chosen);

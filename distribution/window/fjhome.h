@@ -11,6 +11,7 @@
 
 class FJLeftPanel;
 class FJRightPanel;
+class SharedWidth;
 
 /// The tool window behind the cards 下载原始档, 下载选片结果, 设计分件 and 下载照片交付: search
 /// orders, tick some, and have their photos written below a directory. What each card writes stands
@@ -63,4 +64,5 @@ private:
     QTimer closeTimer_;
     FJRightPanel *right_; ///< its search bar says what the other half searches
     FJLeftPanel *left_;
+    SharedWidth *halves_;
 };

@@ -8,8 +8,9 @@
 #include "look/colours.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/orders/orderfinder.h"
+#include "widgets/tables/arrangedcolumns.h"
+#include "widgets/tables/frozentable.h"
 #include "widgets/tables/sortedrows.h"
-#include "widgets/tables/tables.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
@@ -41,7 +42,7 @@ constexpr int errorListPx = 96;
 FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     : QWidget(parent)
     , searchType_(distributionrequests::searchTypeText(orderqueries::OrderSearch::BasicInformation))
-    , table_(new EmptyStateTable(this))
+    , table_(new FrozenTable(this))
     , ticks_(new TickDelegate(table_))
     , finder_(new OrderFinder(this, {&branch_, bar, table_, new LoadingOverlay(table_)}))
     , selectAll_(new QPushButton(QStringLiteral("全选"), this))
@@ -97,6 +98,7 @@ void FJLeftPanel::buildTable()
            Column::WomanPhoneColumn},
           wideColumnPx);
     table_->horizontalHeader()->setSectionResizeMode(Column::TickColumn, QHeaderView::Fixed);
+    columns_ = new ArrangedColumns(table_, {Column::TickColumn, Column::NumberColumn});
 
     connect(table_, &QTableView::clicked, this,
             [this](const QModelIndex &index) { onCellClicked(index.row(), index.column()); });
@@ -108,6 +110,11 @@ void FJLeftPanel::buildTable()
     rows_->addAction(QStringLiteral("勾选"), Qt::Key_Space, [this](int) {
         onCellClicked(table_->currentIndex().row(), Column::TickColumn);
     });
+}
+
+void FJLeftPanel::openColumns(const QString &tool)
+{
+    columns_->open(tool);
 }
 
 void FJLeftPanel::buildLayout()

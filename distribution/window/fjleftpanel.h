@@ -11,7 +11,8 @@
 
 #include <functional>
 
-class EmptyStateTable;
+class ArrangedColumns;
+class FrozenTable;
 class OrderFinder;
 class OrderSearchBar;
 class QLabel;
@@ -39,6 +40,9 @@ public:
     const orderqueries::Identity &identity() const { return branch_.identity(); }
     OrderFinder *finder() const { return finder_; }
     ProofPanel *proofPanel() const { return proofPanel_; }
+
+    /// Arranges the columns as the user left them in \a tool.
+    void openColumns(const QString &tool);
 
     /// Searches, or first switches to the branch when the service has not confirmed one yet.
     void reqOrderList(const QString &searchType, const QString &keyword);
@@ -90,8 +94,9 @@ private:
     QString searchType_;
     QString keyword_;
     DistributionOrderModel model_;
-    EmptyStateTable *table_;
+    FrozenTable *table_;
     SortedRows *rows_ = nullptr;
+    ArrangedColumns *columns_ = nullptr;
     TickDelegate *ticks_;
     OrderFinder *finder_;
     QPushButton *selectAll_;

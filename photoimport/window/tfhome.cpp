@@ -19,12 +19,12 @@
 #include "widgets/frame/macwindowmanager.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
+#include "widgets/windows/sharedwidth.h"
 
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
 #include <QSet>
-#include <QSplitter>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -112,19 +112,14 @@ tfhome::~tfhome()
 
 void tfhome::buildLayout()
 {
-    auto *splitter = new QSplitter(Qt::Horizontal);
-    splitter->setStyleSheet(theme::splitterStyle());
-    splitter->addWidget(orderPanel_);
-    splitter->addWidget(photoPanel_);
-    splitter->setStretchFactor(0, ordersShare);
-    splitter->setStretchFactor(1, photosShare);
-    splitter->setSizes({ordersShare * QWIDGETSIZE_MAX / 8, photosShare * QWIDGETSIZE_MAX / 8});
-    splitter->setChildrenCollapsible(false);
+    halves_ = new SharedWidth(orderPanel_, photoPanel_, [](int width) {
+        return width * ordersShare / (ordersShare + photosShare);
+    });
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(splitter, 1);
+    layout->addWidget(halves_, 1);
     layout->addWidget(notices_);
     layout->addWidget(bar_);
     setContent(content);
@@ -260,6 +255,8 @@ void tfhome::showEvent(QShowEvent *event)
     FramelessWindow::showEvent(event);
     if (!opened_) {
         opened_ = true;
+        orderPanel_->table()->openColumns();
+        halves_->open(QStringLiteral("photoimport"));
         restorer_->open();
         orderPanel_->open();
     }

@@ -18,6 +18,7 @@ class ConfirmedPhotoDeletion;
 class NoticeBar;
 class PhotoImportStarter;
 class ReportLine;
+class SharedWidth;
 class tfchoicemarks;
 class tffilechooser;
 class tfhomeorders;
@@ -92,6 +93,7 @@ private:
 
     tfhomeorders *orderPanel_;
     tfhomephotos *photoPanel_;
+    SharedWidth *halves_ = nullptr;
     NoticeBar *notices_; ///< what waits for the user, above the start button
     tfimportbar *bar_;
     LoadingOverlay *overlay_;

@@ -3,6 +3,7 @@
 #include "app/context/k.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "photoimport/window/tfprogressdelegate.h"
+#include "widgets/tables/arrangedcolumns.h"
 #include "widgets/tables/sortedrows.h"
 
 tfhomeorders_OrderListWidget::tfhomeorders_OrderListWidget(tforderlistmodel *model, QWidget *parent)
@@ -16,6 +17,7 @@ tfhomeorders_OrderListWidget::tfhomeorders_OrderListWidget(tforderlistmodel *mod
     setItemDelegateForColumn(tforderlistmodel::PathColumn,
                              new ElidedTextDelegate(Qt::ElideMiddle, this));
     setColumnWidths();
+    columns_ = new ArrangedColumns(this, {tforderlistmodel::NumberColumn});
     connect(this, &FileDropTable::filesDropped, this, [this](int row, const QStringList &paths) {
         emit filesDroppedOnOrder(rows_->position(row), paths);
     });
@@ -37,6 +39,11 @@ void tfhomeorders_OrderListWidget::setColumnWidths()
     };
     for (const auto &entry : widths)
         setColumnWidth(entry.column, K::scaledPx(entry.width));
+}
+
+void tfhomeorders_OrderListWidget::openColumns()
+{
+    columns_->open(QStringLiteral("photoimport"));
 }
 
 int tfhomeorders_OrderListWidget::selectedOrder() const

@@ -8,6 +8,7 @@
 
 #include <functional>
 
+class ArrangedColumns;
 class SortedRows;
 class tforderlistmodel;
 
@@ -20,6 +21,8 @@ class tfhomeorders_OrderListWidget : public FileDropTable
 public:
     explicit tfhomeorders_OrderListWidget(tforderlistmodel *model, QWidget *parent = nullptr);
 
+    /// Arranges the columns as the user left them.
+    void openColumns();
     /// Position of the selected order; -1 without one.
     int selectedOrder() const;
     /// False when the photo set is not listed.
@@ -39,4 +42,5 @@ private:
 
     tforderlistmodel *model_;
     SortedRows *rows_ = nullptr;
+    ArrangedColumns *columns_ = nullptr;
 };
