@@ -52,6 +52,13 @@ QString shortened(const QString &name)
     return withoutTrailingDotsAndBlanks(base) + suffix;
 }
 
+QString withoutDevice(QString name)
+{
+    if (isDeviceName(name))
+        name.insert(stemOf(name).size(), QLatin1Char('_'));
+    return name;
+}
+
 } // namespace
 
 bool isDeviceName(const QString &component)
@@ -75,10 +82,13 @@ QString safeFileName(const QString &name)
     QString safe = name;
     std::replace_if(safe.begin(), safe.end(), isIllegal, QLatin1Char('_'));
     replaceHalfCharacters(&safe);
+    // At its start it is taken for a mark of the encoding when the name is read again, and dropped.
+    if (safe.startsWith(QChar(QChar::ByteOrderMark)))
+        safe[0] = QLatin1Char('_');
     safe = withoutTrailingDotsAndBlanks(safe);
+    // Before it is cut, and after: cutting may leave a device's name of a longer one.
+    safe = withoutDevice(safe);
     if (!platform::nameFits(safe))
-        safe = shortened(safe);
-    if (isDeviceName(safe))
-        safe.insert(stemOf(safe).size(), QLatin1Char('_'));
+        safe = withoutDevice(shortened(safe));
     return safe.isEmpty() ? QStringLiteral("_") : safe;
 }

@@ -138,7 +138,10 @@ bool isWholeBmp(QIODevice *device)
         return device->size() >= number(2); // as it says of itself
     const qint64 bits = qFromLittleEndian<quint16>(head.data() + 28);
     const qint64 line = (qint64(qint32(number(18))) * bits + 31) / 32 * 4;
-    return device->size() >= number(10) + line * std::abs(qint64(qint32(number(22))));
+    const qint64 lines = std::abs(qint64(qint32(number(22))));
+    const qint64 pixels = device->size() - number(10);
+    // The head claims what it likes: their product may be no number.
+    return pixels >= 0 && (line <= 0 || lines <= pixels / line);
 }
 
 } // namespace

@@ -35,6 +35,7 @@ private slots:
         newRow("device with superscript", "LPT²"_s, "LPT²_"_s);
         newRow("half a character", "a"_s + QChar(0xD83D) + "b"_s + QChar(0xDE00) + ".jpg"_s,
                "a_b_.jpg"_s);
+        newRow("byte order mark", QChar(QChar::ByteOrderMark) + "a.jpg"_s, "_a.jpg"_s);
         newRow("no device", "COM10.jpg"_s, "COM10.jpg"_s);
         newRow("console", "CONSOLE"_s, "CONSOLE"_s);
     }
@@ -51,6 +52,8 @@ private slots:
     {
         const QString fits = QString(200, QLatin1Char('x')) + ".jpg"_s;
         QCOMPARE(safeFileName(fits), fits);
+        const QString device = safeFileName("con."_s + QString(300, QLatin1Char('x')));
+        QCOMPARE(device, "con_."_s + QString(250, QLatin1Char('x')));
         for (const QString &letter : {"x"_s, "婚"_s, "😀"_s}) {
             const QString cut = safeFileName(letter.repeated(400) + ".jpeg"_s);
             QVERIFY(cut.endsWith(".jpeg"_s));
