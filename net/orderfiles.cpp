@@ -15,7 +15,8 @@ static QVector<ListedFile> listedAt(const QJsonObject &object,
         const auto elements = reply::objects(object, QString::fromLatin1(key));
         for (const QJsonObject &element : elements) {
             files.append({reply::text(element, QStringLiteral("img_name")),
-                          reply::text(element, QStringLiteral("localpath"))});
+                          reply::text(element, QStringLiteral("localpath")),
+                          reply::text(element, QStringLiteral("id"))});
         }
     }
     return files;

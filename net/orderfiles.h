@@ -39,6 +39,7 @@ struct ListedFile
 {
     QString name;
     QString localPath; ///< in Windows form; empty when the service does not know
+    QString id = {};   ///< the service's
 };
 
 /// Raw files first, then photos.

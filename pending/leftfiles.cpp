@@ -41,11 +41,12 @@ bool isUnchanged(const ledger::NewDeletion &file, const QFileInfo &info)
     return content.isRead() && content.hash == file.hash;
 }
 
-Ending removeOne(const ledger::NewDeletion &file)
+Ending removeOne(const ledger::NewDeletion &file, const QString &orderFolder)
 {
     const QFileInfo info(platform::toLocalPath(file.path));
     if (!info.exists() && !info.isSymLink())
-        return QFileInfo(info.path()).isDir() ? Ending::Gone : Ending::Failed;
+        return QFileInfo(platform::toLocalPath(orderFolder)).isDir() ? Ending::Gone
+                                                                     : Ending::Failed;
     if (!isUnchanged(file, info))
         return Ending::Changed;
     const bool isRemoved =
@@ -82,7 +83,7 @@ QVector<Result> remove(const QVector<ledger::Deletion> &files, const Listing &li
     for (const ledger::Deletion &each : files) {
         Ending ending = judged(each.file, listing, named);
         if (ending == Ending::Removed)
-            ending = removeOne(each.file);
+            ending = removeOne(each.file, listing.orderFolder);
         results.append({each.id, each.file.path, ending});
     }
     return results;

@@ -12,7 +12,7 @@ namespace leftfiles {
 
 enum class Ending {
     Removed,
-    Gone,    ///< its folder is there, and it is not in it any more
+    Gone,    ///< the order's folder is there, and it is not below it any more
     Changed, ///< it is another file by now, or nobody knows what it was: it stays
     Named,   ///< the service still lists the photo: it stays
     Outside, ///< it is no file of the order's folder, as the service gives that now: it stays

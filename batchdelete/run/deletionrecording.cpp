@@ -3,16 +3,15 @@
 #include "app/context/accountcontext.h"
 #include "files/paths.h"
 #include "ledger/ledger.h"
+#include "ledger/orderkey.h"
 #include "platform/folderlisting.h"
 
 namespace {
 
 ledger::OrderKey keyOf(const BatchDeleteOrderInfo &order)
 {
-    QStringList names{order.mname, order.wname};
-    names.removeAll(QString());
-    return {order.identity(), order.orderPayForKey + QLatin1Char('-') + order.serviceTimes,
-            names.join(QLatin1Char(' '))};
+    return ledger::orderKey(order.identity(), order.orderPayForKey, order.serviceTimes,
+                            {order.mname, order.wname});
 }
 
 } // namespace

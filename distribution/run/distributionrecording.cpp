@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "files/paths.h"
 #include "ledger/ledger.h"
+#include "ledger/orderkey.h"
 #include "platform/pathform.h"
 
 #include <algorithm>
@@ -32,10 +33,8 @@ QString cardNameOf(ledger::Work work)
 
 ledger::OrderKey keyOf(const OrderData &order)
 {
-    QStringList names{order.mname, order.wname};
-    names.removeAll(QString());
-    return {order.identity(), order.orderPayForKey + QLatin1Char('-') + order.serviceTimes,
-            names.join(QLatin1Char(' '))};
+    return ledger::orderKey(order.identity(), order.orderPayForKey, order.serviceTimes,
+                            {order.mname, order.wname});
 }
 
 ledger::CopyKind kindOf(FileOutcome::Kind kind)

@@ -55,7 +55,15 @@ DeleteFileResult DeleteFileRunnable::process() const
             problems.append(path + QStringLiteral(" 的路径错误"));
     }
     problems.removeAll(QString());
-    return {success, problems.join(QLatin1Char('\n')), photo_};
+    return {success, problems.join(QLatin1Char('\n')), photo_, success || isGone()};
+}
+
+/// A share that went away shows no file either.
+bool DeleteFileRunnable::isGone() const
+{
+    const QFileInfo file(platform::toLocalPath(photo_.localPath));
+    return leadsToPhoto(photo_.localPath) && !file.exists() && !file.isSymLink() &&
+           QFileInfo(file.path()).isDir();
 }
 
 bool DeleteFileRunnable::leadsToPhoto(const QString &path) const

@@ -35,6 +35,7 @@ private:
     void perform() override;
     void failed(const QString &problem) override;
     DeleteFileResult process() const;
+    bool isGone() const;
     /// Whether the path, in Windows form or with slashes, leads to a file of the order's place.
     bool leadsToPhoto(const QString &path) const;
     /// The text of what went wrong; empty when the file is gone.

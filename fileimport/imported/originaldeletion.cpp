@@ -1,5 +1,6 @@
 #include "fileimport/imported/originaldeletion.h"
 
+#include "ledger/orderkey.h"
 #include "tasks/background.h"
 
 #include <QDateTime>
@@ -12,6 +13,13 @@ namespace {
 constexpr int filesAtOnce = 4;
 constexpr int stopPatienceMs = 5000;
 constexpr int answerPatienceMs = 10000;
+
+ledger::OrderKey keyOf(const originalrequests::OrderMap &order)
+{
+    const auto value = [&order](const char *key) { return order.value(QString::fromLatin1(key)); };
+    return ledger::orderKey(originalrequests::identityOf(order), value("orderpayforkey"),
+                            value("servicetimes"), {value("mname"), value("wname")});
+}
 
 void tellPoolIsSlow()
 {
@@ -57,8 +65,20 @@ bool OriginalDeletion::start(const originalrequests::OrderMap &order,
     onProcessor(
         this, [order, listed] { return photoPlaceOf(order, listed); },
         planning_.only(
-            [this, order, entries](const PhotoPlace &place) { submit(order, entries, place); }));
+            [this, order, entries](const PhotoPlace &place) { record(order, entries, place); }));
     return true;
+}
+
+void OriginalDeletion::record(const originalrequests::OrderMap &order,
+                              const QVector<PhotoEntry> &entries, const PhotoPlace &place)
+{
+    QVector<PhotoDeletionRecording::Photo> photos;
+    for (const PhotoEntry &entry : entries) {
+        if (place.holds(entry.localPath)) // others are never touched
+            photos.append({entry.id, entry.localPath});
+    }
+    recording_.begin(keyOf(order), photos,
+                     [this, order, entries, place] { submit(order, entries, place); });
 }
 
 void OriginalDeletion::submit(const originalrequests::OrderMap &order,
@@ -82,6 +102,7 @@ void OriginalDeletion::onReply(const ServiceReply &reply, const QVector<PhotoEnt
         onAgreed(entries, place);
         return;
     }
+    recording_.refused(reply.message.isEmpty() ? QStringLiteral("提交数据失败") : reply.message);
     const QPointer<OriginalDeletion> alive(this);
     emit submitFailed(reply);
     // An answer that cannot be read is none.
@@ -96,6 +117,7 @@ void OriginalDeletion::onReply(const ServiceReply &reply, const QVector<PhotoEnt
 void OriginalDeletion::onAgreed(const QVector<PhotoEntry> &entries, const PhotoPlace &place)
 {
     phase_ = Phase::Removing;
+    recording_.announced();
     total_ = entries.size();
     emit progressed(0, total_);
     qDebug() << "开始删除" << total_ << "个文件";
@@ -118,6 +140,10 @@ void OriginalDeletion::onDeleteFinished(int position, const DeleteFileResult &re
     resultText_ += QLatin1Char('\n') + result.message;
     if (!result.message.isEmpty())
         left_.insert(position, result);
+    if (result.isGone)
+        recording_.gone(result.photo.localPath);
+    else
+        recording_.failed(result.photo.localPath, result.message);
     const int done = summary_.succeeded + summary_.failed;
     emit progressed(done, total_);
     if (done == total_)
@@ -140,6 +166,7 @@ void OriginalDeletion::finish()
 void OriginalDeletion::end()
 {
     phase_ = Phase::Idle;
+    recording_.end();
     emit ended();
 }
 
@@ -157,6 +184,7 @@ void OriginalDeletion::giveUpAnswer()
 {
     answerTimer_.stop();
     call_.cancel();
+    recording_.refused(QStringLiteral("服务端没有答复"));
     const QPointer<OriginalDeletion> alive(this);
     emit unanswered();
     if (alive)

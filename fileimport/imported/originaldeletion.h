@@ -4,6 +4,7 @@
 #include "fileimport/imported/deletefilerunnable.h"
 #include "fileimport/imported/originalrequests.h"
 #include "net/servicecall.h"
+#include "pending/photodeletionrecording.h"
 #include "tasks/latest.h"
 #include "tasks/workerpool.h"
 
@@ -24,8 +25,8 @@ struct OriginalDeletionSummary
 };
 Q_DECLARE_METATYPE(OriginalDeletionSummary)
 
-/// The order of steps of deleting photos: the service first, and the disk only when it agreed, up
-/// to four photos at once. One deletion at a time.
+/// The order of steps of deleting photos: the ledger first, then the service, and the disk only
+/// when it agreed, up to four photos at once. One deletion at a time.
 ///
 /// Lives on the interface thread and never blocks. Destroying it waits up to 5 seconds, and then
 /// for the file being removed: stop() it and release it on ended() instead.
@@ -67,6 +68,8 @@ signals:
 private:
     enum class Phase { Idle, Planning, Submitted, Removing };
 
+    void record(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
+                const PhotoPlace &place);
     void submit(const originalrequests::OrderMap &order, const QVector<PhotoEntry> &entries,
                 const PhotoPlace &place);
     void onReply(const ServiceReply &reply, const QVector<PhotoEntry> &entries,
@@ -83,6 +86,7 @@ private:
     WorkerPool pool_;
     Phase phase_ = Phase::Idle;
     Latest planning_;
+    PhotoDeletionRecording recording_;
     QTimer answerTimer_;
     int total_ = 0;
     OriginalDeletionSummary summary_;

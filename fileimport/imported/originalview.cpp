@@ -362,6 +362,7 @@ void OriginalView::onDeletionEnded()
     claim_.release();
     if (listingDue_)
         requestListing();
+    emit deletionEnded();
     tellWhenStopped();
 }
 
@@ -369,11 +370,15 @@ void OriginalView::onDeletionEnded()
 void OriginalView::tellForgotten(const QVector<PhotoEntry> &listing)
 {
     QVector<DeleteFileResult> forgotten;
+    QStringList ids;
     const auto entries = doubts_.takeForgotten(originalrequests::identityOf(order_), listing);
-    for (const PhotoEntry &entry : entries)
+    for (const PhotoEntry &entry : entries) {
         forgotten.append({false, {}, entry});
+        ids.append(entry.id);
+    }
     if (forgotten.isEmpty())
         return;
+    PhotoDeletionRecording::announceForgotten(originalrequests::identityOf(order_), ids);
     tellLeft(QStringLiteral("服务端已经没有以下照片，磁盘上的文件没有删除，请检查手动删除："),
              forgotten, order_.value(QStringLiteral("importpath")));
 }

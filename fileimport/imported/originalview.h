@@ -58,6 +58,8 @@ public:
 signals:
     /// The service has listed the shown order's photos; how many of which kind.
     void listed(int photos, int rawFiles);
+    /// A deletion is over, however it went.
+    void deletionEnded();
     /// Nothing goes on any more.
     void stopped();
 

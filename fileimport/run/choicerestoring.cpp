@@ -5,6 +5,7 @@
 #include "files/chosenfiles.h"
 #include "files/pathgate.h"
 #include "files/paths.h"
+#include "ledger/orderkey.h"
 
 #include <algorithm>
 
@@ -76,9 +77,8 @@ ledger::Work workOf(ImportMode mode)
 
 ledger::OrderKey keyOf(const ImportOrder &order)
 {
-    QStringList names{order.mname, order.wname};
-    names.removeAll(QString());
-    return {order.identity(), order.displayNumber(), names.join(QLatin1Char(' '))};
+    return ledger::orderKey(order.identity(), order.orderPayForKey, order.serviceTimes,
+                            {order.mname, order.wname});
 }
 
 PendingChoices::Choice rememberedFiles(const ImportOrder &order)

@@ -137,6 +137,8 @@ void ImportFiles::showPhotoView(bool shown)
             order.numberYuanshidang = rawFiles;
         });
     });
+    connect(photos_, &OriginalView::deletionEnded, restorer_.get(),
+            &ImportRestorer::lookForLeftPhotos);
     connect(photos_, &OriginalView::stopped, this, &ImportFiles::finishClosingWhenIdle);
 }
 

@@ -15,28 +15,10 @@
 #include "widgets/windows/loadingoverlay.h"
 
 #include <algorithm>
-#include <iterator>
 
 using pendinglines::Kind;
 using pendinglines::Offer;
 using Lookup = OrderLookup<ImportOrder>;
-
-namespace {
-
-QVector<ledger::Deletion> leftAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks)
-{
-    QVector<ledger::Deletion> left;
-    for (const ledger::Desk &desk : desks) {
-        const auto open = reader.openDeletions(desk);
-        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(left),
-                     [](const ledger::Deletion &file) {
-                         return file.deletedMs == 0 && LeftPhotoCleanup::isOfOriginals(file);
-                     });
-    }
-    return left;
-}
-
-} // namespace
 
 ImportRestorer::ImportRestorer(const Place &place)
     : QObject(place.window)
@@ -44,6 +26,7 @@ ImportRestorer::ImportRestorer(const Place &place)
     , bar_(new PendingBar(place.window, place.panel->notices()))
     , lookup_(this, &importrequests::readOrders)
     , unregistered_([this](const OrderIdentity &order) { return isOffered(order); })
+    , deletions_(importrules::toolName(ImportMode::Originals))
 {
     connect(bar_, &PendingBar::taken, this, &ImportRestorer::take);
     connect(place.finder, &OrderFinder::branchSwitched, this, [this] {
@@ -55,10 +38,10 @@ ImportRestorer::ImportRestorer(const Place &place)
             lookup_.cancel();
     });
     connect(&unregistered_, &UnregisteredOrders::changed, this, &ImportRestorer::countRest);
-    connect(&cleanup_, &LeftPhotoCleanup::finished, this, [this](const QString &text) {
-        MessageBox::information(place_.window, text);
-        refresh();
-    });
+    connect(&deletions_, &UnfinishedDeletions::changed, this,
+            [this] { bar_->setCounts(Kind::LeftPhotos, deletions_.counts()); });
+    connect(&deletions_, &UnfinishedDeletions::finished, this,
+            [this](const QString &text) { MessageBox::information(place_.window, text); });
     connectTable();
 }
 
@@ -128,27 +111,14 @@ void ImportRestorer::flush()
 void ImportRestorer::refresh()
 {
     unregistered_.refresh();
-    if (mode_ != ImportMode::Originals)
-        return;
-    Ledger::current().ask(
-        this,
-        [desks = pendingDesks(ledger::Work::PhotoDeletion)](const LedgerReader &reader) {
-            return leftAt(reader, desks);
-        },
-        asking_.only([this](const QVector<ledger::Deletion> &left) {
-            left_ = left;
-            countRest();
-        }));
+    if (mode_ == ImportMode::Originals)
+        deletions_.refresh();
 }
 
 void ImportRestorer::countRest()
 {
     for (const Kind kind : {Kind::Unregistered, Kind::PartlyCopied})
         bar_->setCounts(kind, unregistered_.counts(kind));
-    QVector<pendinglines::Count> left;
-    for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
-        left.append({Kind::LeftPhotos, shop.id, 0, leftIn(shop.id).size()});
-    bar_->setCounts(Kind::LeftPhotos, left);
 }
 
 /// The order's row says it itself while it has one.
@@ -156,15 +126,6 @@ bool ImportRestorer::isOffered(const OrderIdentity &order) const
 {
     const int row = place_.orders->rowOf(order);
     return !run_->isAtWork(order) && (row < 0 || !place_.orders->order(row).unregistered);
-}
-
-QVector<ledger::Deletion> ImportRestorer::leftIn(const QString &branch) const
-{
-    QVector<ledger::Deletion> files;
-    std::copy_if(
-        left_.cbegin(), left_.cend(), std::back_inserter(files),
-        [&branch](const ledger::Deletion &file) { return file.order.identity.branch == branch; });
-    return files;
 }
 
 // The ways out.
@@ -185,10 +146,10 @@ void ImportRestorer::take(Kind kind, Offer offer, const QString &branch)
         unregistered_.ignore(branch);
         break;
     case Offer::DeleteFiles:
-        deleteLeft();
+        deletions_.remove(place_.branch->identity(), place_.branch->publicPath());
         break;
     case Offer::KeepFiles:
-        keepLeft(branch);
+        deletions_.keep(branch);
         break;
     case Offer::SwitchBranch:
         place_.finder->chooseBranch(branch);
@@ -340,20 +301,4 @@ void ImportRestorer::onRegistered(const OrderIdentity &order, const Registration
             Toast::show(place_.window, QStringLiteral("已重新登记"));
             refresh();
         });
-}
-
-void ImportRestorer::deleteLeft()
-{
-    cleanup_.start(leftIn(place_.branch->identity().shopId), place_.branch->identity(),
-                   place_.branch->publicPath());
-}
-
-void ImportRestorer::keepLeft(const QString &branch)
-{
-    QVector<ledger::DeletionId> kept;
-    const auto files = leftIn(branch);
-    for (const ledger::Deletion &file : files)
-        kept.append(file.id);
-    Ledger::current().dismissDeletions(kept);
-    refresh();
 }

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "fileimport/imported/leftphotocleanup.h"
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/run/choicerestoring.h"
 #include "fileimport/run/orderregistration.h"
 #include "net/orderlookup.h"
 #include "pending/pendingbar.h"
 #include "pending/pendingchoices.h"
+#include "pending/unfinisheddeletions.h"
 #include "pending/unregisteredorders.h"
 #include "tasks/latest.h"
 
@@ -23,7 +23,7 @@ class OrderFinder;
 
 /// Nothing that was chosen in the import window is forgotten: remembers it beyond searches and
 /// windows, and offers in the bar below the table what was not done to its end. Nothing starts by
-/// itself. Wires; what it does is PendingChoices', LeftPhotoCleanup's and the run's. Interface
+/// itself. Wires; what it does is PendingChoices', UnfinishedDeletions' and the run's. Interface
 /// thread.
 class ImportRestorer : public QObject
 {
@@ -46,6 +46,8 @@ public:
     void setRun(ImportMode mode, ImportRun *run);
     /// Asks what earlier windows left.
     void open();
+    /// Photos were deleted: offers those of which files are left.
+    void lookForLeftPhotos() { deletions_.refresh(); }
     /// Writes what is not in the ledger yet.
     void flush();
 
@@ -64,9 +66,6 @@ private:
     void onFoundAgain(const OrderLookup<ImportOrder>::Answer &answer);
     void registerIn(const QVector<ImportOrder> &orders, const QStringList &targets);
     void onRegistered(const OrderIdentity &order, const RegistrationResult &result);
-    void deleteLeft();
-    void keepLeft(const QString &branch);
-    QVector<ledger::Deletion> leftIn(const QString &branch) const;
 
     Place place_;
     ImportMode mode_ = ImportMode::Originals;
@@ -75,8 +74,6 @@ private:
     PendingBar *bar_;
     OrderLookup<ImportOrder> lookup_;
     UnregisteredOrders unregistered_;
-    LeftPhotoCleanup cleanup_;
-    Latest asking_;
+    UnfinishedDeletions deletions_;
     Latest restoring_;
-    QVector<ledger::Deletion> left_;
 };

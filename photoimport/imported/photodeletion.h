@@ -1,6 +1,7 @@
 #pragma once
 
 #include "net/servicecall.h"
+#include "pending/photodeletionrecording.h"
 #include "photoimport/orders/photoorder.h"
 #include "tasks/ordersatwork.h"
 
@@ -20,6 +21,7 @@ struct DeletionRequest
     QStringList paths; ///< where the files themselves lie, in Windows form
     PhotoMode photoMode = PhotoMode::Photos;
     QString folder; ///< the order's import folder, in Windows form
+    ledger::OrderKey key = {};
 };
 
 /// What deleting the photos with these service ids and names asks for. Never a path outside of the
@@ -27,8 +29,8 @@ struct DeletionRequest
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
                            const QStringList &names, PhotoMode photoMode);
 
-/// Deletes imported photos: first at the service; when that has agreed, from the disk, on a thread
-/// of its own. One deletion at a time. Lives on the interface thread; destroying it while
+/// Deletes imported photos: the ledger first, then the service; when that has agreed, the disk, on
+/// a thread of its own. One deletion at a time. Lives on the interface thread; destroying it while
 /// isRemoving() waits for the disk.
 class PhotoDeletion : public QObject
 {
@@ -40,8 +42,8 @@ public:
     /// False, and nothing happens, while another deletion is under way; false and refused() for an
     /// order of another branch, or one that another tool has in hand.
     bool start(const DeletionRequest &request, const orderqueries::Identity &identity);
-    /// Gives up asking the service, which is then unanswered(); what it has agreed to goes on.
-    /// False when nothing was asked.
+    /// Gives up asking the service, which is then unanswered(), or refused() when it was not asked
+    /// yet; what it has agreed to goes on. False when nothing was to be asked.
     bool cancel();
     bool isActive() const { return asking_ || isRemoving(); }
     bool isRemoving() const;
@@ -59,10 +61,12 @@ signals:
 
 private:
     static ServiceReply refusal(const QString &text);
+    void ask(const orderqueries::Identity &identity);
     void onReply(const DeletionRequest &request, const ServiceReply &reply);
 
     LatestCall call_;
     TFDelLocalPhotoImg *thread_;
+    PhotoDeletionRecording recording_;
     DeletionRequest request_; ///< the last
     bool asking_ = false;
     ordersatwork::Claim claim_; ///< while isActive()

@@ -5,12 +5,21 @@
 #include "platform/pathform.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace {
 
 QString inWindowsForm(QString path)
 {
     return path.replace(QLatin1Char('/'), QLatin1Char('\\'));
+}
+
+/// A share that went away shows no file either.
+bool isGone(const QString &path, const QString &orderFolder)
+{
+    const QFileInfo file(path);
+    return !file.exists() && !file.isSymLink() &&
+           QFileInfo(platform::toLocalPath(orderFolder)).isDir();
 }
 
 } // namespace
@@ -23,6 +32,7 @@ TFDelLocalPhotoImg::~TFDelLocalPhotoImg()
 void TFDelLocalPhotoImg::setDelPhotos(const QStringList &paths, const QString &orderFolder)
 {
     paths_.clear();
+    orderFolder_ = orderFolder;
     QString folder = inWindowsForm(orderFolder);
     while (folder.endsWith(QLatin1Char('\\')))
         folder.chop(1);
@@ -50,6 +60,8 @@ void TFDelLocalPhotoImg::run()
         const QString path = platform::toLocalPath(paths_.first());
         if (platform::mayBeRemoved(path))
             QFile::remove(path);
-        paths_.removeFirst();
+        const QString wirePath = paths_.takeFirst();
+        if (isGone(path, orderFolder_))
+            emit gone(wirePath);
     }
 }

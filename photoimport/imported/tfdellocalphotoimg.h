@@ -22,9 +22,14 @@ public:
     /// 1920.
     const QStringList &paths() const { return paths_; }
 
+signals:
+    /// \a path, in Windows form, is not on the disk any more.
+    void gone(const QString &path);
+
 protected:
     void run() override;
 
 private:
     QStringList paths_;
+    QString orderFolder_;
 };

@@ -1,5 +1,7 @@
 #include "photoimport/orders/photochoices.h"
 
+#include "ledger/orderkey.h"
+
 #include <algorithm>
 
 namespace photochoices {
@@ -37,7 +39,10 @@ void putBack(const QVector<ledger::PendingFile> &files, PhotoOrder *order)
 
 PendingChoices::Choice rememberedFiles(const PhotoOrder &order)
 {
-    PendingChoices::Choice choice{{order.identity(), order.displayNumber(), order.customers()}, {}};
+    PendingChoices::Choice choice{ledger::orderKey(order.identity(), order.info.orderPayForKey,
+                                                   order.info.serviceTimes,
+                                                   {order.info.mname, order.info.wname}),
+                                  {}};
     for (int mode = 0; mode < PhotoOrder::modes; ++mode) {
         for (const SourceFile &file : order.files(PhotoMode(mode))) {
             if (file.isComplete())

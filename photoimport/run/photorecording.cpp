@@ -3,6 +3,7 @@
 #include "app/context/accountcontext.h"
 #include "ledger/copydescription.h"
 #include "ledger/ledger.h"
+#include "ledger/orderkey.h"
 #include "photoimport/rules/photorequests.h"
 #include "photoimport/rules/photorules.h"
 
@@ -22,10 +23,8 @@ bool isRecorded(const PhotoInfo &photo)
 
 ledger::OrderKey keyOf(const OrderInfo &order)
 {
-    QStringList names{order.mname, order.wname};
-    names.removeAll(QString());
-    return {order.identity(), QStringLiteral("%1-%2").arg(order.orderPayForKey, order.serviceTimes),
-            names.join(QLatin1Char(' '))};
+    return ledger::orderKey(order.identity(), order.orderPayForKey, order.serviceTimes,
+                            {order.mname, order.wname});
 }
 
 } // namespace

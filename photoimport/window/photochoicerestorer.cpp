@@ -4,6 +4,7 @@
 #include "pending/pendinglookup.h"
 #include "photoimport/orders/photochoices.h"
 #include "photoimport/orders/tforderlistmodel.h"
+#include "photoimport/rules/photorules.h"
 #include "photoimport/run/photoimportrun.h"
 #include "photoimport/window/tfhomeorders.h"
 #include "photoimport/window/tfhomeorders_orderlistwidget.h"
@@ -35,6 +36,7 @@ PhotoChoiceRestorer::PhotoChoiceRestorer(const Place &place)
     , bar_(new PendingBar(place.window, place.notices))
     , lookup_(this, &photoorders::readOrders)
     , unregistered_([this](const OrderIdentity &order) { return isOffered(order); })
+    , deletions_(photorules::toolName())
 {
     unregistered_.setWork(ledger::Work::PhotoImport);
     connect(&choices_, &PendingChoices::changed, this,
@@ -44,7 +46,12 @@ PhotoChoiceRestorer::PhotoChoiceRestorer(const Place &place)
     connect(place.panel, &tfhomeorders::changeShop, this, [this] {
         bar_->setBranch(place_.panel->identity().shopId);
         unregistered_.refresh();
+        deletions_.refresh();
     });
+    connect(&deletions_, &UnfinishedDeletions::changed, this,
+            [this] { bar_->setCounts(Kind::LeftPhotos, deletions_.counts()); });
+    connect(&deletions_, &UnfinishedDeletions::finished, this,
+            [this](const QString &text) { MessageBox::information(place_.window, text); });
     connect(place.panel->finder(), &OrderFinder::busyChanged, this, [this](bool isBusy) {
         if (isBusy)
             lookup_.cancel();
@@ -124,9 +131,13 @@ void PhotoChoiceRestorer::take(Offer offer, const QString &branch)
         place_.panel->finder()->chooseBranch(branch);
         break;
     case Offer::DeleteFiles:
+        deletions_.remove(place_.panel->identity(), place_.panel->publicPath());
+        break;
     case Offer::KeepFiles:
+        deletions_.keep(branch);
+        break;
     case Offer::Report:
-        Q_UNREACHABLE(); // of other tools
+        Q_UNREACHABLE(); // of another tool
     }
 }
 

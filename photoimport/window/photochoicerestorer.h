@@ -3,6 +3,7 @@
 #include "net/orderlookup.h"
 #include "pending/pendingbar.h"
 #include "pending/pendingchoices.h"
+#include "pending/unfinisheddeletions.h"
 #include "pending/unregisteredorders.h"
 #include "photoimport/orders/photoorder.h"
 
@@ -15,8 +16,8 @@ class tfhomeorders;
 class tforderlistmodel;
 
 /// Remembers beyond another branch and beyond the window which photos were added and not imported,
-/// and offers them again, as well as orders whose photos are copied and not registered. Nothing
-/// starts by itself. Wires; interface thread.
+/// and offers them again, as well as orders whose photos are copied and not registered, and files
+/// of photos that were deleted at the service. Nothing starts by itself. Wires; interface thread.
 class PhotoChoiceRestorer : public QObject
 {
     Q_OBJECT
@@ -37,6 +38,8 @@ public:
 
     /// Asks what earlier windows left.
     void open();
+    /// Photos were deleted: offers those of which files are left.
+    void lookForLeftPhotos() { deletions_.refresh(); }
 
 private:
     void connectTable();
@@ -58,5 +61,6 @@ private:
     PendingBar *bar_;
     OrderLookup<PhotoOrder> lookup_;
     UnregisteredOrders unregistered_;
+    UnfinishedDeletions deletions_;
     bool wasBusy_ = false;
 };

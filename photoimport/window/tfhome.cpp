@@ -242,7 +242,10 @@ void tfhome::connectDeletion()
                 orderPanel_->refreshImportCounts();
                 endClosing();
             });
-    connect(deletion_, &ConfirmedPhotoDeletion::removed, this, &tfhome::endClosing);
+    connect(deletion_, &ConfirmedPhotoDeletion::removed, this, [this] {
+        restorer_->lookForLeftPhotos();
+        endClosing();
+    });
 }
 
 void tfhome::goTo(const OrderPlace &place)

@@ -1,6 +1,7 @@
 #include "fileimport/imported/leftphotos.h"
 #include "fileimport/imported/originaldeletion.h"
 #include "fileimport/imported/originalrequests.h"
+#include "ledger/ledger.h"
 #include "net/orderfiles.h"
 #include "tasks/background.h"
 #include "tests/fileimport/run/registering.h"
@@ -15,6 +16,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <algorithm>
 
 using namespace originalrequests;
 
@@ -308,6 +311,68 @@ private slots:
         QCOMPARE(unanswered.isEmpty(), outcome == int(ServiceReply::Outcome::Refused));
         QCOMPARE(finished.size(), 0);
         QVERIFY(QFile::exists(folder_->filePath("a.jpg"_s)));
+    }
+
+    void whatIsRecorded_data()
+    {
+        // of photos "gone", "protected" and "missing"
+        addColumns<QString, int, int>({"fault", "announced", "deleted"});
+        newRow("agreed", QString(), 3, 2);
+        newRow("refused", "refuse"_s, 0, 0);
+        newRow("no answer", "http-error"_s, 0, 0);
+    }
+
+    void whatIsRecorded()
+    {
+        QFETCH(QString, fault);
+        const QTemporaryDir elsewhere;
+        Ledger ledger(elsewhere.path());
+        ledger.makeCurrent();
+        QVector<PhotoEntry> entries;
+        for (const char *name : {"gone", "protected", "missing"})
+            entries.append(registered(QLatin1String(name)));
+        QVERIFY(QFile::setPermissions(folder_->filePath("protected"_s), QFile::ReadOwner));
+        QVERIFY(QFile::remove(folder_->filePath("missing"_s)));
+        ledger::NewCopy copy;
+        copy.target = entries.at(1).localPath;
+        ledger::CopyResult result;
+        result.targetHash = QByteArray(16, 'h');
+        result.targetBytes = 5;
+        result.targetModifiedMs = 7;
+        const ledger::RunId run = ledger.beginRun({});
+        ledger.finishCopy(ledger.beginCopies(run, {}, {copy}).value(0), result);
+
+        if (!fault.isEmpty())
+            demo_.misbehave("delete_pics"_s, fault);
+        OriginalDeletion deletion;
+        start(&deletion, entries);
+        QTRY_VERIFY(!deletion.isBusy());
+        const OrderIdentity order = identityOf(order_);
+        const auto recorded = [&] {
+            return ledger.answer(
+                [&](const LedgerReader &reader) { return reader.deletionsOfOrder(order); });
+        };
+        const auto count = [](const QVector<ledger::Deletion> &rows, auto when) {
+            return int(std::count_if(rows.cbegin(), rows.cend(), when));
+        };
+        const auto isAnnounced = [](const ledger::Deletion &row) { return row.announcedMs != 0; };
+        const auto isDeleted = [](const ledger::Deletion &row) { return row.deletedMs != 0; };
+        const auto rows = recorded();
+        QCOMPARE(rows.size(), 3);
+        QTEST(count(rows, isAnnounced), "announced");
+        QTEST(count(rows, isDeleted), "deleted");
+        const ledger::Deletion &left = rows.at(1);
+        QVERIFY(!left.failure.isEmpty() && left.deletedMs == 0);
+        QCOMPARE(left.file.photo, entries.at(1).id);
+        QCOMPARE(left.file.hash, result.targetHash);
+        QCOMPARE(left.file.bytes, 5);
+        QCOMPARE(left.file.modifiedMs, 7);
+        QVERIFY(rows.at(0).file.hash.isEmpty()); // the ledger does not know what it was
+
+        // A later list tells that the service has deleted one after all.
+        PhotoDeletionRecording::announceForgotten(order, {entries.at(1).id});
+        QTRY_VERIFY(recorded().at(1).announcedMs != 0);
+        QCOMPARE(count(recorded(), isAnnounced), fault.isEmpty() ? 3 : 1);
     }
 
     void stopLeavesWhatHasNotBegun()

@@ -1,10 +1,9 @@
-#include "fileimport/imported/originalrequests.h"
+#include "fileimport/imported/originaldeletion.h"
 #include "fileimport/window/importfiles.h"
 #include "fileimport/window/orderactionsdelegate.h"
-#include "files/contenthash.h"
 #include "ledger/ledger.h"
-#include "net/orderfiles.h"
 #include "pending/pendingdesk.h"
+#include "tests/fileimport/run/registering.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
 #include "widgets/boxes/filedialog.h"
@@ -13,6 +12,7 @@
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSemaphore>
 #include <QTemporaryDir>
 
 using Column = ImportOrderTableModel::Column;
@@ -115,7 +115,7 @@ private slots:
         choose("TS10001-1"_s, makePhotos(2));
         const QString folder = text("TS10001-1"_s, Column::PathColumn);
         closeWindow();
-        leaveUnregistered(branch, folder, allCopied);
+        leaveUnregistered(branch, folder, {0, 1}, allCopied ? 2 : 1);
         AccountContext::selectedShopId.clear();
         if (!sameFolder)
             demo_.changeOrder("50001"_s, {{"netpath"_s, folder + "新"_s}});
@@ -151,10 +151,10 @@ private slots:
         QCOMPARE(left, 0);
     }
 
-    void leftPhotosGoWhenTheServiceNamesThemNoMore()
+    void aDeletionThatWasKilledIsOffered()
     {
         open();
-        choose("TS10001-1"_s, makePhotos(3));
+        choose("TS10001-1"_s, makePhotos(4));
         QTest::mouseClick(child<QPushButton>("startButton"), Qt::LeftButton);
         EXPECT_BOXES("导入完成！"_s);
         const QString folder = text("TS10001-1"_s, Column::PathColumn);
@@ -162,26 +162,27 @@ private slots:
         const auto onDisk = [&](int index) {
             return platformPath(folder) + "/原片/IMG_%1.jpg"_s.arg(index);
         };
-        // The first is another file by now; the others are as they were, but the last is still
-        // listed.
-        leaveUndeleted(folder, {"IMG_0.jpg"_s, "IMG_1.jpg"_s, "IMG_2.jpg"_s});
+        killInMidDeletion(folder);
+        // One is another file by now, one is listed again, one was copied there once more.
         QFile::remove(onDisk(0));
         writeFile(onDisk(0), "another photo");
-        forgetAtService({"IMG_0.jpg"_s, "IMG_1.jpg"_s});
+        registerFile(onDisk(2), "c");
+        leaveUnregistered("101"_s, folder, {3}, 1);
         open();
-        QTRY_COMPARE(lines(), QStringList("3 个照片已从服务端删除、磁盘上仍在"_s));
+        const QString left = "4 个照片已从服务端删除、磁盘上仍在"_s;
+        QTRY_VERIFY(lines().contains(left));
         MessageBox::setNextAnswer(QMessageBox::Ok);
         press("删除文件"_s);
         QTRY_COMPARE(boxes().size(), 2); // the question, and what became of it
         boxes_.removeFirst();
         const QString told = boxes_.takeFirst();
-        QVERIFY2(told.contains("IMG_0.jpg: 文件已变化，保留"_s) &&
-                     told.contains("IMG_2.jpg: 服务端仍有这张照片，保留"_s),
-                 qUtf8Printable(told));
-        QVERIFY(QFileInfo::exists(onDisk(0)));
-        QVERIFY(!QFileInfo::exists(onDisk(1)));
-        QVERIFY(QFileInfo::exists(onDisk(2)));
-        QTRY_COMPARE(lines(), QStringList());
+        for (const char *line :
+             {"已删除 1 个文件", "IMG_0.jpg: 文件已变化，保留",
+              "IMG_2.jpg: 服务端仍有这张照片，保留", "IMG_3.jpg: 文件已变化，保留"})
+            QVERIFY2(told.contains(QString::fromUtf8(line)), qUtf8Printable(told));
+        for (int index = 0; index < 4; ++index)
+            QCOMPARE(QFileInfo::exists(onDisk(index)), index != 1);
+        QTRY_VERIFY(!lines().contains(left));
     }
 
 private:
@@ -256,65 +257,49 @@ private:
         return QString(wire).replace(QLatin1Char('\\'), QLatin1Char('/'));
     }
 
-    /// As a run leaves it that was killed before it could register.
-    void leaveUnregistered(const QString &branch, const QString &folder, bool allCopied)
+    /// As a run leaves it that was killed before it could register: of \a photos some \a copied.
+    void leaveUnregistered(const QString &branch, const QString &folder, const QVector<int> &photos,
+                           int copied)
     {
         const ledger::OrderKey order{{branch, "50001"_s, "800001"_s}, "TS10001-1"_s, {}};
         Ledger earlier(card_->filePath("ledger"_s));
         const ledger::RunId run =
             earlier.beginRun({pendingDesk(ledger::Work::ImportOriginals, branch), "店员"_s});
-        QVector<ledger::NewCopy> copies(2);
-        for (int index = 0; index < copies.size(); ++index) {
-            copies[index].source = card_->filePath("IMG_%1.jpg"_s.arg(index));
-            copies[index].target = folder + "\\原片\\IMG_%1.jpg"_s.arg(index);
-            copies[index].toRegister = true;
+        QVector<ledger::NewCopy> copies;
+        for (const int photo : photos) {
+            ledger::NewCopy copy;
+            copy.source = card_->filePath("IMG_%1.jpg"_s.arg(photo));
+            copy.target = folder + "\\原片\\IMG_%1.jpg"_s.arg(photo);
+            copy.toRegister = true;
+            copies.append(copy);
         }
         const auto ids = earlier.beginCopies(run, order, copies);
-        for (int index = 0; index < (allCopied ? 2 : 1); ++index) {
+        for (int index = 0; index < copied; ++index) {
             QFile::copy(copies.at(index).source, platformPath(copies.at(index).target));
             earlier.finishCopy(ids.at(index), {});
         }
         QVERIFY(earlier.waitUntilWritten());
     }
 
-    void leaveUndeleted(const QString &folder, const QStringList &names)
+    /// The service has deleted the order's photos, and the program is gone before the disk has.
+    void killInMidDeletion(const QString &folder)
     {
-        const ledger::RunId run =
-            ledger_->beginRun({pendingDesk(ledger::Work::PhotoDeletion, "101"_s), "店员"_s});
-        QVector<ledger::NewDeletion> files;
-        for (const QString &name : names) {
-            const QString path = folder + "\\原片\\"_s + name;
-            const QFileInfo info(platformPath(path));
-            files.append({path,
-                          info.size(),
-                          info.lastModified().toMSecsSinceEpoch(),
-                          readContent(info.filePath()).hash,
-                          {}});
-        }
-        ledger_->announceDeletions(ledger_->beginDeletions(
-            run, {{"101"_s, "50001"_s, "800001"_s}, "TS10001-1"_s, {}}, files));
-        ledger_->endRun(run);
+        QSemaphore begun;
+        QSemaphore mayEnd;
+        OriginalDeletion deletion([&](const QString &, QString *) {
+            begun.release();
+            mayEnd.acquire();
+            return false;
+        });
+        const auto entries = listedEntries();
+        QVERIFY(deletion.start(firstOrder(platformPath(folder)), entries));
+        QTRY_COMPARE(begun.available(), entries.size());
         QVERIFY(ledger_->waitUntilWritten());
-    }
-
-    void forgetAtService(const QStringList &names)
-    {
-        const originalrequests::OrderMap order{{"shopid"_s, "101"_s},
-                                               {"order_photo_id"_s, "800001"_s}};
-        bool isDone = false;
-        callService(this, orderfiles::listAction, originalrequests::listBody(order, "1"_s),
-                    [&](const ServiceReply &listed) {
-                        QStringList ids;
-                        const auto entries = originalrequests::readListing(listed.object);
-                        for (const PhotoEntry &entry : entries) {
-                            if (names.contains(entry.imgName))
-                                ids.append(entry.id);
-                        }
-                        callService(this, originalrequests::deleteAction,
-                                    originalrequests::deleteBody(order, ids, "2"_s),
-                                    [&](const ServiceReply &reply) { isDone = reply.isSuccess(); });
-                    });
-        QTRY_VERIFY(isDone);
+        ledger_.reset();
+        ledger_ = std::make_unique<Ledger>(card_->filePath("ledger"_s));
+        ledger_->makeCurrent();
+        mayEnd.release(entries.size());
+        QTRY_VERIFY(!deletion.isBusy());
     }
 
     std::unique_ptr<QTemporaryDir> card_;

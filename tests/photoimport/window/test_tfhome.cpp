@@ -1,6 +1,7 @@
 #include "app/context/k.h"
 #include "files/contenthash.h"
 #include "ledger/ledger.h"
+#include "net/servicecall.h"
 #include "photoimport/imported/tfphotoview.h"
 #include "photoimport/window/tffilechooser.h"
 #include "photoimport/window/tfhome.h"
@@ -368,6 +369,54 @@ private slots:
         }
     }
 
+    void photosThatAreLeftOnTheDiskAreOffered()
+    {
+        openWith(4);
+        importShown();
+        QTRY_COMPARE(text(first_, Column::ImportedColumn), "4"_s);
+        QStringList originals;
+        for (int index = 0; index < 4; ++index)
+            originals.append(imported(first_, "all/IMG_%1.jpg"_s.arg(index)));
+        for (int index = 0; index < 3; ++index)
+            QVERIFY(QFile::setPermissions(originals.at(index), QFileDevice::ReadOwner));
+        photos()->selectAll();
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        pressAmongPhotos(Qt::Key_Delete);
+        const QString left = "3 个照片已从服务端删除、磁盘上仍在"_s;
+        QTRY_COMPARE(notices(), QStringList(left));
+        forgetBoxes();
+        QVERIFY(!QFile::exists(originals.at(3)));
+        for (int index = 0; index < 3; ++index)
+            QFile::setPermissions(originals.at(index),
+                                  QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        writeFile(originals.at(1), "retouched by hand");
+        bool isListed = false;
+        callService(this, "&m=order&a=savepicpath"_s,
+                    "shopid=101&order_photo_id=800001&path=" +
+                        QUrl::toPercentEncoding(originals.at(2)),
+                    [&](const ServiceReply &reply) { isListed = reply.isSuccess(); });
+        QTRY_VERIFY(isListed);
+
+        delete window_;
+        open();
+        QTRY_COMPARE(notices(), QStringList(left)); // nothing by itself
+        QVERIFY(QFile::exists(originals.at(0)));
+        act("删除文件"_s); // and changes their mind
+        EXPECT_BOX_THAT(box.startsWith(left));
+        QCOMPARE(notices(), QStringList(left));
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        act("删除文件"_s);
+        QTRY_COMPARE(boxes().size(), 2);
+        const QString told = boxes_.takeLast();
+        forgetBoxes();
+        for (const char *line : {"已删除 1 个文件", "IMG_1.jpg: 文件已变化，保留",
+                                 "IMG_2.jpg: 服务端仍有这张照片，保留"})
+            QVERIFY2(told.contains(QString::fromUtf8(line)), qUtf8Printable(told));
+        for (int index = 0; index < 4; ++index)
+            QCOMPARE(QFile::exists(originals.at(index)), index == 1 || index == 2);
+        QTRY_COMPARE(notices(), QStringList());
+    }
+
     void deletionsWithoutAnAnswer()
     {
         openWith(2);
@@ -535,6 +584,29 @@ private:
                 return action.act();
         }
         QFAIL("no such action");
+    }
+
+    QStringList notices()
+    {
+        QStringList texts;
+        const auto shown = window_->findChild<NoticeBar *>()->notices();
+        for (const Notice &notice : shown) {
+            if (notice.id.startsWith("pending."_s))
+                texts.append(notice.text);
+        }
+        return texts;
+    }
+    /// Takes what the bar offers first in that word.
+    void act(const QString &offer)
+    {
+        QVector<Notice::Action> actions;
+        const auto shown = window_->findChild<NoticeBar *>()->notices();
+        for (const Notice &notice : shown)
+            actions += notice.actions;
+        const auto action = std::find_if(actions.cbegin(), actions.cend(),
+                                         [&offer](const auto &each) { return each.text == offer; });
+        QVERIFY(action != actions.cend());
+        action->act();
     }
 
     void open() { show(new tfhome); }
