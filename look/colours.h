@@ -37,8 +37,9 @@ inline constexpr QRgb chosen = 0xff007aff;
 inline constexpr QRgb inProgress = 0xffffc107;
 inline constexpr QRgb success = 0xff28a745;
 inline constexpr QRgb failure = 0xffdc3545;
-inline constexpr QRgb elsewhere = 0xff7b4fc4; ///< it belongs to another order, too
-inline constexpr QRgb unproved = 0xffb86e00;  ///< there, but not everything about it is certain
+inline constexpr QRgb failureHover = 0xffc42b3a; ///< of a button that deletes
+inline constexpr QRgb elsewhere = 0xff7b4fc4;    ///< it belongs to another order, too
+inline constexpr QRgb unproved = 0xffb86e00;     ///< there, but not everything about it is certain
 
 // States of files that are deleted.
 inline constexpr QRgb fileUntouched = 0xff8e8e93;

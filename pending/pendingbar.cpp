@@ -4,6 +4,8 @@
 #include "widgets/boxes/confirmdialog.h"
 #include "widgets/boxes/noticebar.h"
 
+#include <QMessageBox>
+
 #include <algorithm>
 
 using pendinglines::Line;
@@ -65,7 +67,11 @@ void PendingBar::take(const Line &line, Offer offer)
         emit taken(line.kind, offer, line.branch);
         return;
     }
-    ConfirmDialog::ask(window_, question, ConfirmDialog::Enter::Cancels,
+    const BoxText text =
+        offer == Offer::DeleteFiles
+            ? BoxText(question).endangering(QMessageBox::Ok, QStringLiteral("删除"))
+            : BoxText(question);
+    ConfirmDialog::ask(window_, text, ConfirmDialog::Enter::Cancels,
                        [this, line, offer](bool confirmed) {
                            // Another branch may have been chosen while the question stood.
                            if (confirmed && line.branch == branch_)

@@ -81,7 +81,7 @@ void tourBatchDelete(Guide &guide)
 
     guide.step("批量删除: 开始批量删除"_s);
     hand.tick(deleted);
-    guide.answerNextBox("确定"_s, "delete-confirm"_s);
+    guide.answerNextBox("删除"_s, "delete-confirm"_s);
     guide.click(hand.window(), "startButton");
     const QString question = guide.boxText();
     guide.check(question.contains(deletedFolder) && !question.contains(keptFolder),

@@ -98,7 +98,7 @@ void lookAndDelete(Guide &guide, const ImportHand &hand, const QString &order, i
     for (const int index : {1, 3})
         QTest::mouseClick(grid->cell(index), Qt::LeftButton);
     guide.picture(hand.window(), "photos-selected"_s);
-    guide.answerNextBox("确定"_s, "photos-delete-question"_s);
+    guide.answerNextBox("删除"_s, "photos-delete-question"_s);
     guide.click(hand.window(), "deletePhotosButton");
     guide.boxText();
     guide.waitFor([&] { return showsAll(count - 2); }, "two of them are deleted"_s);

@@ -135,7 +135,7 @@ void tourPhotoImport(Guide &guide)
 
     guide.step("导片工具: 删除照片"_s);
     hand.photos()->setCurrentIndex(hand.photos()->model()->index(2, 0));
-    guide.answerNextBox("确定"_s, "photoimport-delete-box"_s);
+    guide.answerNextBox("删除"_s, "photoimport-delete-box"_s);
     guide.click(hand.window(), "deleteButton");
     guide.boxText();
     guide.waitFor([&] { return hand.photos()->model()->rowCount() == orientations - 1; },

@@ -4,6 +4,8 @@
 
 #include <QStandardPaths>
 
+#include <algorithm>
+
 // NOLINTBEGIN(cert-err58-cpp): the process has no use without these values; a failure to build them
 // may end it.
 QString AccountContext::dataFolder =
@@ -30,3 +32,10 @@ const QString AccountContext::loginUrl =
 const QString AccountContext::barcodeUrl = AccountContext::indexUrl + AccountContext::groupParam +
                                            QStringLiteral("&m=order&a=getbarcodegen");
 // NOLINTEND(cert-err58-cpp)
+
+QString AccountContext::shopName(const QString &id)
+{
+    const auto shop = std::find_if(shopList.cbegin(), shopList.cend(),
+                                   [&id](const ShopRecord &each) { return each.id == id; });
+    return shop == shopList.cend() ? QString() : shop->name;
+}

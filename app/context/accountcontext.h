@@ -41,4 +41,7 @@ struct AccountContext
     static const QString groupParam;
     static const QString loginUrl;
     static const QString barcodeUrl;
+
+    /// The name of the branch with that id; empty when the account has no such branch.
+    static QString shopName(const QString &id);
 };

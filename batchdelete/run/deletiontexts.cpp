@@ -44,7 +44,7 @@ BoxText pauseQuestion()
 {
     return BoxText(QStringLiteral("连续两个文件的状态没有提交成功，删除已暂停。\n"
                                   "要继续处理本订单的其余文件吗？"))
-        .explained(QStringLiteral("确定：继续删除。提交失败的文件标为“提交状态失败”，不再逐个询问，"
+        .explained(QStringLiteral("继续删除：提交失败的文件标为“提交状态失败”，不再逐个询问，"
                                   "以后可以重新提交。\n"
                                   "取消：停止删除，其余文件保留。"));
 }

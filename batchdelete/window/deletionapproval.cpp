@@ -101,7 +101,10 @@ void DeletionApproval::confirmPlan(const deletionrules::DeletionPlan &plan,
         MessageBox::warning(window_, deletionrules::refusedNotice(plan));
         return;
     }
-    ConfirmDialog::ask(window_, deletionrules::confirmation(plan), ConfirmDialog::Enter::Cancels,
+    ConfirmDialog::ask(window_,
+                       BoxText(deletionrules::confirmation(plan))
+                           .endangering(QMessageBox::Ok, QStringLiteral("删除")),
+                       ConfirmDialog::Enter::Cancels,
                        [this, orders = plan.orders, asked](bool agreed) {
                            if (agreed && asked.isCurrent())
                                verifyAccount(orders, asked);

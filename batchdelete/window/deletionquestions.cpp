@@ -39,8 +39,10 @@ void DeletionQuestions::askForResubmit(const QString &question, const QString &c
 
 void DeletionQuestions::askToGoOn()
 {
-    ConfirmDialog::ask(window_, deletiontexts::pauseQuestion(), ConfirmDialog::Enter::Cancels,
-                       [this](bool goOn) { run_->answerPause(goOn); });
+    ConfirmDialog::ask(
+        window_,
+        deletiontexts::pauseQuestion().endangering(QMessageBox::Ok, QStringLiteral("继续删除")),
+        ConfirmDialog::Enter::Cancels, [this](bool goOn) { run_->answerPause(goOn); });
 }
 
 void DeletionQuestions::answerResubmit(QMessageBox::StandardButton answer)

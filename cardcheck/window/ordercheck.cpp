@@ -1,7 +1,9 @@
 #include "cardcheck/window/ordercheck.h"
 
+#include "app/context/accountcontext.h"
 #include "app/context/k.h"
 #include "widgets/frame/macwindowmanager.h"
+#include "widgets/frame/titlebar.h"
 #include "widgets/tables/sortedrows.h"
 #include "widgets/tables/tables.h"
 #include "widgets/theme/theme.h"
@@ -96,6 +98,7 @@ void OrderCheck::buildTable()
 void OrderCheck::check(const OrderToCheck &order)
 {
     order_ = order;
+    titleBar()->setBranch(AccountContext::shopName(order.identity.branch));
     heading_->setText(order.name);
     setPlainTip(heading_, order.folder);
     start();

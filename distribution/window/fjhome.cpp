@@ -13,6 +13,7 @@
 #include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
+#include "widgets/frame/titlebar.h"
 #include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/theme/theme.h"
@@ -71,6 +72,7 @@ FJHome::~FJHome()
 
 void FJHome::setCard(const QString &card)
 {
+    titleBar()->setCard(card);
     type_ = splitTypeOf(card);
     left_->setListMode(listMode(type_));
     right_->setSplitType(type_);

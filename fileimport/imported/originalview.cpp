@@ -282,8 +282,10 @@ void OriginalView::deleteSelected()
         order_; // another may be shown while the question stands
     ConfirmDialog::ask(
         this,
-        QStringLiteral("确认要删除选中的 %1 个文件吗？\n文件会从服务器和磁盘上删除，不能恢复。")
-            .arg(deletable.size()),
+        BoxText(
+            QStringLiteral("确认要删除选中的 %1 个文件吗？\n文件会从服务器和磁盘上删除，不能恢复。")
+                .arg(deletable.size()))
+            .endangering(QMessageBox::Ok, QStringLiteral("删除")),
         ConfirmDialog::Enter::Cancels, [this, order, deletable](bool agreed) {
             if (agreed && ready_ && !stopping_)
                 startDeletion(order, deletable);

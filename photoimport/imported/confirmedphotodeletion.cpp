@@ -49,9 +49,10 @@ void ConfirmedPhotoDeletion::deletePhotos(int row, const QVector<PanelPhoto> &ph
     const DeletionRequest request =
         deletionOf(orders_->order(row), ids, names, orders_->photoMode());
     ConfirmDialog::ask(window_,
-                       QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
-                                      "服务和磁盘上的文件都会删除，不能恢复。")
-                           .arg(ids.size()),
+                       BoxText(QStringLiteral("确认要删除选中的 %1 个文件吗？\n"
+                                              "服务和磁盘上的文件都会删除，不能恢复。")
+                                   .arg(ids.size()))
+                           .endangering(QMessageBox::Ok, QStringLiteral("删除")),
                        ConfirmDialog::Enter::Cancels, [this, request, identity](bool agreed) {
                            if (agreed)
                                start(request, identity);

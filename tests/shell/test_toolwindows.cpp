@@ -66,6 +66,10 @@ private slots:
         QTRY_COMPARE(current(), "TS10007-1"_s);
         const auto *branch = tool->findChild<QComboBox *>("branchBox"_s);
         QCOMPARE(branch->currentData().toString(), "102"_s);
+        const QString title = tool->windowTitle();
+        const QString place = title == card ? card : title + " · "_s + card;
+        const auto *shown = tool->findChild<QWidget *>("titleLabel"_s);
+        QCOMPARE(shown->accessibleName(), place + " · 二店"_s);
 
         // Another service of an order, in the window that is open already.
         for (const char *set : {"800002", "800001"}) {
@@ -74,6 +78,7 @@ private slots:
             QTRY_COMPARE(current(), set[5] == '2' ? "TS10001-2"_s : "TS10001-1"_s);
         }
         QCOMPARE(tool->findChild<QLineEdit *>("keywordEdit"_s)->text(), "TS10001"_s);
+        QCOMPARE(shown->accessibleName(), place + " · 一店"_s);
 
         // Of the same number, but gone.
         goTo(card, "101"_s, "899999"_s, "TS10001"_s);

@@ -1,3 +1,4 @@
+#include "look/colours.h"
 #include "tests/support/datarows.h"
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
@@ -11,6 +12,7 @@
 #include "widgets/windows/loadingoverlay.h"
 
 #include <QClipboard>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -101,6 +103,15 @@ private slots:
         showWithFields(&window);
         QCOMPARE(tabOrder(4), "first second minimizeButton closeButton"_s);
         TitleBar *bar = window.titleBar();
+        window.setWindowTitle("分件"_s);
+        bar->setCard("设计"_s);
+        bar->setBranch("一\n店"_s);
+        const auto *title = bar->findChild<QLabel *>("titleLabel"_s);
+        QCOMPARE(title->text(), "分件 · 设计 · 一 店"_s);
+        QCOMPARE(title->toolTip(), QString());
+        bar->setBranch("店"_s.repeated(200));
+        QVERIFY(title->text().startsWith("分件 · 设计 · 店"_s) && title->text().endsWith("…"_s));
+        QVERIFY(title->toolTip().contains("店"_s.repeated(200)));
 #ifndef Q_OS_WIN // where the system itself moves and resizes, with the real mouse
         drag(&window, bar->mapTo(&window, bar->rect().center()), QPoint(40, 30));
         QTRY_COMPARE(window.pos(), QPoint(90, 80));
@@ -197,6 +208,32 @@ private slots:
         QCOMPARE(below->toPlainText(), "是：一"_s);
         QCOMPARE(box->button(Box::Yes)->text() + box->button(Box::Cancel)->text(), "是取消"_s);
         QVERIFY(answers_.isEmpty());
+    }
+
+    void whatDeletesIsNoDefault()
+    {
+        QWidget window;
+        showActive(&window);
+        QList<bool> agreed;
+        const auto ask = [&](ConfirmDialog::Enter enter) {
+            ConfirmDialog::ask(&window,
+                               BoxText("三个文件"_s).endangering(QMessageBox::Ok, "删除"_s), enter,
+                               [&agreed](bool yes) { agreed.append(yes); });
+        };
+        ask(ConfirmDialog::Enter::Confirms);
+        BoxDialog *box = openBox(&window);
+        const auto colour = [box](QMessageBox::StandardButton which) {
+            QPushButton *button = box->button(which);
+            return button->grab().toImage().pixelColor(button->width() / 2, button->height() / 6);
+        };
+        QCOMPARE(box->button(QMessageBox::Ok)->text(), "删除"_s);
+        QCOMPARE(colour(QMessageBox::Ok), colours::toColor(colours::failure));
+        QCOMPARE(colour(QMessageBox::Cancel), colours::toColor(colours::surface));
+        QTest::keyClick(box, Qt::Key_Return);
+        QTRY_COMPARE(agreed, QList<bool>{false});
+        ask(ConfirmDialog::Enter::Cancels);
+        QTest::mouseClick(openBox(&window)->button(QMessageBox::Ok), Qt::LeftButton);
+        QTRY_COMPARE(agreed, (QList<bool>{false, true}));
     }
 
     void boxesOfTwoWindows()

@@ -165,6 +165,17 @@ BoxDialog::BoxDialog(const BoxRecord &box, const BoxText &text, QWidget *parent)
     for (const BoxAction &action : text.actions)
         addAction(row, action);
     setTabOrder(choices_.last().button, titleBar->closeButton());
+    if (text.danger != 0)
+        warnOf(QMessageBox::StandardButton(text.danger));
+}
+
+void BoxDialog::warnOf(QMessageBox::StandardButton danger)
+{
+    setDefaultButton(answer_);
+    isDangerous_ = true;
+    for (const Choice &choice : qAsConst(choices_))
+        choice.button->setObjectName(choice.which == danger ? QStringLiteral("dangerButton")
+                                                            : QStringLiteral("safeButton"));
 }
 
 QAbstractScrollArea *BoxDialog::textArea(const QString &text, Qt::TextFormat format)
@@ -256,6 +267,8 @@ QPushButton *BoxDialog::addBesides(QHBoxLayout *row, const QString &text)
 
 void BoxDialog::setDefaultButton(QMessageBox::StandardButton which)
 {
+    if (isDangerous_)
+        return;
     if (QPushButton *wanted = button(which)) {
         wanted->setDefault(true);
         wanted->setFocus();

@@ -22,7 +22,8 @@ public:
     /// The text of \a box is \a text as shown.
     BoxDialog(const BoxRecord &box, const BoxText &text, QWidget *parent);
 
-    /// The button that Enter presses at first; otherwise the one that agrees.
+    /// The button that Enter presses at first; otherwise the one that agrees. Where one is
+    /// dangerous, it is the safe one whatever is set here.
     void setDefaultButton(QMessageBox::StandardButton button);
     QPushButton *button(QMessageBox::StandardButton button) const;
 
@@ -44,7 +45,9 @@ private:
     void addCopyButton(QHBoxLayout *row, const std::function<QString()> &whole);
     void addAction(QHBoxLayout *row, const BoxAction &action);
     QPushButton *addBesides(QHBoxLayout *row, const QString &text);
+    void warnOf(QMessageBox::StandardButton danger);
 
     QList<Choice> choices_;
     QMessageBox::StandardButton answer_;
+    bool isDangerous_ = false;
 };

@@ -82,6 +82,13 @@ BoxText BoxText::answering(int button, const QString &words) const
     return text;
 }
 
+BoxText BoxText::endangering(int button, const QString &verb) const
+{
+    BoxText text = answering(button, verb);
+    text.danger = button;
+    return text;
+}
+
 QString BoxText::countLine(int count)
 {
     return QStringLiteral("… 共 %1 条").arg(count);

@@ -68,6 +68,10 @@ struct BoxText
     /// The same text whose \a button, a QMessageBox::StandardButton, is called \a words.
     BoxText answering(int button, const QString &words) const;
 
+    /// The same text whose \a button deletes, overwrites or goes on doing so, and is called \a
+    /// verb. It is red, and what Enter presses at first is the answer that changes nothing.
+    BoxText endangering(int button, const QString &verb) const;
+
     /// The last line of a list of \a count of which not all are shown.
     static QString countLine(int count);
 
@@ -77,6 +81,7 @@ struct BoxText
     std::function<QString()> whole; ///< empty when \a shown is all; runs on any thread
     QVector<BoxAction> actions;
     QHash<int, QString> answers; ///< names of buttons where the usual ones say too little
+    int danger = 0;              ///< the button that cannot be undone; 0 for none
 
 private:
     BoxText(QString shownText, std::nullptr_t);

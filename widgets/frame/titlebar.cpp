@@ -54,10 +54,36 @@ void TitleBar::setTitle(const QString &title)
     showTitle();
 }
 
+void TitleBar::setCard(const QString &card)
+{
+    card_ = card;
+    showTitle();
+}
+
+void TitleBar::setBranch(const QString &branch)
+{
+    branch_ = branch.simplified();
+    showTitle();
+}
+
+QString TitleBar::wholeTitle() const
+{
+    QStringList parts{title_};
+    if (card_ != title_)
+        parts.append(card_);
+    parts.append(branch_);
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" · "));
+}
+
 void TitleBar::showTitle()
 {
-    titleLabel_->setText(
-        titleLabel_->fontMetrics().elidedText(title_, Qt::ElideRight, titleLabel_->width()));
+    const QString whole = wholeTitle();
+    const QString shown =
+        titleLabel_->fontMetrics().elidedText(whole, Qt::ElideRight, titleLabel_->width());
+    titleLabel_->setText(shown);
+    titleLabel_->setAccessibleName(whole);
+    setPlainTip(titleLabel_, shown == whole ? QString() : whole);
 }
 
 void TitleBar::setMaximizable(bool maximizable)

@@ -6,7 +6,8 @@
 class QLabel;
 class QToolButton;
 
-/// Title, "−" and "×" of a frameless window. Dragging it moves the window it lies in, a double
+/// Title, "−" and "×" of a frameless window. The title is elided where it is too long, and whole in
+/// its tool tip. Dragging it moves the window it lies in, a double
 /// click maximises and restores that window. The buttons only announce: what minimising and closing
 /// mean is their owner's. Can be laid into any window; without its own background when asked for.
 class TitleBar : public QWidget
@@ -17,6 +18,10 @@ public:
     explicit TitleBar(QWidget *parent = nullptr);
 
     void setTitle(const QString &title);
+    /// What stands behind the title: the tool's card, where the title is another, and the branch in
+    /// which the window acts; each empty at first and when there is none.
+    void setCard(const QString &card);
+    void setBranch(const QString &branch);
     /// False: a double click does nothing. True at first.
     void setMaximizable(bool maximizable);
     /// False hides "−", as dialogs want it.
@@ -46,11 +51,14 @@ private:
     QToolButton *addButton(const QString &text, const QString &name, const QString &meaning);
     void startMoving(const QPoint &cursor);
     void showTitle();
+    QString wholeTitle() const;
 
     QLabel *titleLabel_;
     QToolButton *minimizeButton_;
     QToolButton *closeButton_;
     QString title_;
+    QString card_;
+    QString branch_;
     bool maximizable_ = true;
     Drag drag_ = Drag::None;
     QPoint pressedAt_;    ///< global

@@ -5,8 +5,10 @@
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/servicefailure.h"
 #include "widgets/boxes/toast.h"
+#include "widgets/frame/titlebar.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/tables.h"
+#include "widgets/windows/framelesswindow.h"
 #include "widgets/windows/loadingoverlay.h"
 
 OrderFinder::OrderFinder(QWidget *window, const Place &place)
@@ -31,6 +33,7 @@ OrderFinder::OrderFinder(QWidget *window, const Place &place)
 void OrderFinder::open()
 {
     place_.bar->setBranches(AccountContext::shopList, place_.branch->identity().shopId);
+    titleBranch();
     confirmBranch();
 }
 
@@ -146,6 +149,13 @@ void OrderFinder::onSwitchFailed(const ServiceReply &reply, const QString &refus
 void OrderFinder::showBranch()
 {
     place_.bar->selectBranch(place_.branch->identity().shopId);
+    titleBranch();
+}
+
+void OrderFinder::titleBranch()
+{
+    if (const auto *window = qobject_cast<FramelessWindow *>(window_->window()))
+        window->titleBar()->setBranch(AccountContext::shopName(place_.branch->identity().shopId));
 }
 
 void OrderFinder::keepBranch()

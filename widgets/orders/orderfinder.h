@@ -76,6 +76,7 @@ public:
     void confirmBranch();
     /// Back to the branch that the service confirmed last, in the search bar.
     void showBranch();
+    void titleBranch();
     /// For what the search bar says.
     void search();
     /// The answer to a search that Ways::search sent past the branch session: of a good one with

@@ -13,6 +13,24 @@ using colours::css;
 using sheets::padding;
 using sheets::scaled;
 
+namespace {
+
+QString dangerousBoxStyle()
+{
+    return scaled(QStringLiteral("QPushButton#dangerButton { background-color: %1; }"
+                                 "QPushButton#dangerButton:hover { background-color: %2; }"
+                                 "QPushButton#safeButton { background-color: %3; color: %4;"
+                                 " border: 1dp solid %5; %6 }"
+                                 "QPushButton#safeButton:hover { background-color: %7; }"
+                                 "QPushButton#safeButton:focus { border: 2dp solid %8; %9 }")
+                      .arg(css(colours::failure), css(colours::failureHover), css(colours::surface),
+                           css(colours::heading), css(colours::outline), padding(6, 12, hairline()),
+                           css(colours::surfaceHeader), css(colours::focusRing),
+                           padding(6, 12, focusWidth())));
+}
+
+} // namespace
+
 void applyApplicationFont()
 {
     QApplication::setFont(QGuiApplication::font());
@@ -57,7 +75,7 @@ QString messageBoxStyle()
                            css(colours::accentHover), css(colours::onFilled),
                            css(colours::focusRing), padding(6, 12, focusWidth()),
                            css(colours::heading))) +
-           scrollBarStyle();
+           dangerousBoxStyle() + scrollBarStyle();
 }
 
 QString sidePanelStyle(const QString &objectName)
