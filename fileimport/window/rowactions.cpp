@@ -10,6 +10,8 @@
 #include <QPainter>
 #include <QScrollBar>
 
+#include <utility>
+
 RowActions::RowActions(FrozenTable *table, int actionsColumn, Row row)
     : QWidget(table->viewport()), table_(table), column_(actionsColumn), kind_(row)
 {
@@ -98,26 +100,34 @@ void RowActions::paintEvent(QPaintEvent *event)
     OrderActionsDelegate::paintButtons(&painter, rect(), mapFromGlobal(QCursor::pos()));
 }
 
+std::optional<OrderActionsDelegate::Action> RowActions::actionAt(const QPoint &position) const
+{
+    for (int index = 0; index < OrderActionsDelegate::ActionCount; ++index) {
+        const auto action = OrderActionsDelegate::Action(index);
+        if (OrderActionsDelegate::buttonRect(rect(), action).contains(position))
+            return action;
+    }
+    return std::nullopt;
+}
+
 void RowActions::mousePressEvent(QMouseEvent *event)
 {
     event->accept();
+    pressedRow_ = event->button() == Qt::LeftButton ? row_ : QPersistentModelIndex();
+    pressed_ = actionAt(event->pos());
 }
 
 /// The row becomes the current one, as it does where its own cell is pressed.
 void RowActions::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton || !row_.isValid())
+    const QPersistentModelIndex pressedRow = std::exchange(pressedRow_, QPersistentModelIndex());
+    if (event->button() != Qt::LeftButton || !row_.isValid() || row_ != pressedRow)
         return;
-    for (int action = 0; action < OrderActionsDelegate::ActionCount; ++action) {
-        const auto pressed = OrderActionsDelegate::Action(action);
-        if (!OrderActionsDelegate::buttonRect(rect(), pressed).contains(event->pos()))
-            continue;
-        const int row = row_.row();
-        table_->selectRow(row); // which may move this to it
-        emit actionClicked(row, pressed);
-        return;
-    }
-    table_->selectRow(row_.row());
+    const auto action = actionAt(event->pos());
+    const int row = row_.row();
+    table_->selectRow(row); // which may move this to it
+    if (action && action == pressed_)
+        emit actionClicked(row, *action);
 }
 
 void RowActions::mouseMoveEvent(QMouseEvent *event)

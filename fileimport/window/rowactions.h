@@ -5,6 +5,8 @@
 #include <QPersistentModelIndex>
 #include <QWidget>
 
+#include <optional>
+
 class FrozenTable;
 
 /// The three buttons of an order's row where their column is not in sight: they stand at the
@@ -33,10 +35,14 @@ protected:
 private:
     void place();
     QModelIndex wantedRow() const;
+    std::optional<OrderActionsDelegate::Action> actionAt(const QPoint &position) const;
     bool isColumnInSight() const;
 
     FrozenTable *table_;
     int column_;
     Row kind_;
     QPersistentModelIndex row_;
+    /// Of the press that is going on: what is released over another order's buttons is no click.
+    QPersistentModelIndex pressedRow_;
+    std::optional<OrderActionsDelegate::Action> pressed_;
 };

@@ -125,6 +125,15 @@ private slots:
         };
         press(OrderActionsDelegate::SelectFiles);
         QTRY_COMPARE(text(order, Column::ChosenColumn), "2"_s);
+        // What was pressed over another order is no click on this one.
+        const QPoint clear =
+            OrderActionsDelegate::buttonRect(buttons->rect(), OrderActionsDelegate::ClearFiles)
+                .center();
+        orders()->selectRow(row.row() == 0 ? 1 : 0);
+        QTest::mousePress(buttons, Qt::LeftButton, {}, clear);
+        select(order);
+        QTest::mouseRelease(buttons, Qt::LeftButton, {}, clear);
+        QCOMPARE(text(order, Column::ChosenColumn), "2"_s);
         press(OrderActionsDelegate::ClearFiles);
         QCOMPARE(text(order, Column::ChosenColumn), "0"_s);
         orders()->scrollTo(cell(order, Column::ActionsColumn));
