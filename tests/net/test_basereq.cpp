@@ -1,12 +1,15 @@
 #include "app/context/accountcontext.h"
 #include "net/basereq.h"
 #include "net/servicecall.h"
+#include "net/singlepost.h"
 #include "tasks/background.h"
 #include "tests/support/datarows.h"
 #include "tests/support/democlient.h"
 #include "tests/support/loglines.h"
 #include "tests/support/text.h"
 
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
 #include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -92,6 +95,27 @@ private slots:
         QCOMPARE(int(replies.first().outcome), int(ServiceReply::Outcome::NoAnswer));
         QVERIFY(replies.first().object.isEmpty());
         QCOMPARE(demo_.requests().size(), 1); // it may have acted
+    }
+
+    /// Whoever answers in the service's place must not be able to send a password on.
+    void aRedirectTakesNoBodyAlong()
+    {
+        QTcpServer service;
+        QTcpServer elsewhere;
+        QVERIFY(service.listen(QHostAddress::LocalHost));
+        QVERIFY(elsewhere.listen(QHostAddress::LocalHost));
+        connect(&service, &QTcpServer::newConnection, this, [&] {
+            service.nextPendingConnection()->write(
+                "HTTP/1.1 307 Temporary Redirect\r\nContent-Length: 0\r\nLocation: http://127.0.0.1:" +
+                QByteArray::number(elsewhere.serverPort()) + "/\r\n\r\n");
+        });
+        QNetworkAccessManager manager;
+        QNetworkRequest request(QUrl("http://127.0.0.1:%1/"_s.arg(service.serverPort())));
+        QNetworkReply *reply = postOnce(&manager, request, rightLogin);
+        QTRY_VERIFY(reply->isFinished());
+        demo_.state(); // a round trip: a connection that was begun would be there
+        QVERIFY(!elsewhere.hasPendingConnections());
+        delete reply;
     }
 
     void arraysAreHandedOverAsFailure()
