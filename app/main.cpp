@@ -1,5 +1,6 @@
 #include "app/context/installation.h"
 #include "app/context/k.h"
+#include "app/diagnosis/logring.h"
 #include "app/shell/startwindow.h"
 #include "ledger/ledger.h"
 #include "platform/power.h"
@@ -14,6 +15,8 @@ int main(int argc, char *argv[])
     // No organisation: the settings folder is to be named after the program alone.
     QCoreApplication::setApplicationName(QStringLiteral("tessavo_tools"));
     QApplication application(argc, argv);
+    LogRing log(LogRing::standardFolder());
+    log.install();
     platform::keepAwake();
     QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application,
                      [] { platform::allowSleep(); });

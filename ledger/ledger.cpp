@@ -183,6 +183,20 @@ void Ledger::removePending(ledger::PendingKind kind, const ledger::Desk &desk,
     write([=](LedgerWriter &writer) { return writer.removePending(kind, desk, order); });
 }
 
+void Ledger::forgetBefore(qint64 beforeMs, QObject *context, std::function<void()> done)
+{
+    const auto *answer = new background::Answer(context, std::move(done));
+    const auto bell = answer->bell();
+    if (!keeper_) {
+        bell->ring();
+        return;
+    }
+    keeper_->put(LedgerKeeper::Question([keeper = keeper_, beforeMs, bell](const LedgerReader &) {
+        keeper->forgetBefore(beforeMs);
+        bell->ring();
+    }));
+}
+
 void Ledger::whenWritten(QObject *context, std::function<void(bool)> done)
 {
     const auto result = std::make_shared<bool>(false);

@@ -95,6 +95,11 @@ public:
     void removePending(ledger::PendingKind kind, const ledger::Desk &desk,
                        const OrderIdentity &order);
 
+    /// Forgets what is finished and was begun before \a beforeMs (since 1970), gives the room back
+    /// to the disk and calls \a done on the thread of \a context, which is this one; nothing else
+    /// is written or read meanwhile. What still has to be done is never forgotten.
+    void forgetBefore(qint64 beforeMs, QObject *context, std::function<void()> done);
+
     // Waiting.
 
     /// Calls \a done on the thread of \a context (call it there) when all that was asked for before

@@ -217,12 +217,27 @@ void LedgerKeeper::tidy()
         return;
     }
     bool isMore = false;
+    if (!removeOldest(tidiedBeforeMs_, &isMore) || !isMore)
+        tidiedBeforeMs_ = 0;
+}
+
+bool LedgerKeeper::removeOldest(qint64 beforeMs, bool *isMore)
+{
     const bool isDone =
-        database_.begin() && writer_.removeOldest(tidiedBeforeMs_, &isMore) && database_.commit();
+        database_.begin() && writer_.removeOldest(beforeMs, isMore) && database_.commit();
     if (!isDone)
         database_.rollback();
-    if (!isDone || !isMore)
-        tidiedBeforeMs_ = 0;
+    return isDone;
+}
+
+void LedgerKeeper::forgetBefore(qint64 beforeMs)
+{
+    bool isMore = database_.state() == LedgerDatabase::State::Open;
+    while (isMore && removeOldest(beforeMs, &isMore)) {
+    }
+    writer_.forgetRows();
+    if (database_.state() == LedgerDatabase::State::Open)
+        database_.run(QStringLiteral("VACUUM"));
 }
 
 void LedgerKeeper::tellOwner()

@@ -38,6 +38,9 @@ public:
     void put(Question question);
     void put(Waiter waiter);
 
+    /// See Ledger::forgetBefore(). For a question, on the ledger's thread.
+    void forgetBefore(qint64 beforeMs);
+
     /// Carries out what there is and ends the thread, in \a timeoutMs at most; false when it goes
     /// on. Nothing is sent to the owner any more.
     bool end(int timeoutMs);
@@ -61,6 +64,7 @@ private:
     bool mend();
     bool mayTidy() const;
     void tidy();
+    bool removeOldest(qint64 beforeMs, bool *isMore);
     void beginAnew();
     void tellOwner();
 

@@ -74,6 +74,11 @@ QString toolAt(const OrderIdentity &order)
     return works().value(order).tool;
 }
 
+bool isIdle()
+{
+    return works().isEmpty();
+}
+
 QString refusal(const QString &orderName, const QString &tool)
 {
     return QStringLiteral("订单 %1 正在“%2”中处理，请等它结束后再试").arg(orderName, tool);

@@ -46,6 +46,9 @@ std::optional<Conflict> claim(const QVector<OrderIdentity> &orders, const QStrin
 /// The tool that has \a order in hand; empty when none has.
 QString toolAt(const OrderIdentity &order);
 
+/// No order is at work.
+bool isIdle();
+
 /// What to tell the user of an order that \a tool has in hand.
 QString refusal(const QString &orderName, const QString &tool);
 

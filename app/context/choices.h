@@ -11,4 +11,8 @@ namespace choices {
 QString remembered(const QString &key);
 void remember(const QString &key, const QString &value);
 
+/// The same whoever logs in.
+QString rememberedOnMachine(const QString &key);
+void rememberOnMachine(const QString &key, const QString &value);
+
 } // namespace choices

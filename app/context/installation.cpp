@@ -7,6 +7,8 @@
 #include <QFileInfo>
 #include <QUrl>
 
+#include <optional>
+
 namespace {
 
 bool isServiceAddress(const QString &text)
@@ -40,9 +42,9 @@ QString besideFile(const QString &path, const QString &iniFile)
     return QFileInfo(iniFile).path() + QLatin1Char('/') + path;
 }
 
-/// The first of what the environment and the file say that means anything: whether it is \a yes,
-/// which holds when nothing is said.
-bool isSaid(const char *what, const QStringList &said, QLatin1String yes, QLatin1String no)
+/// The first of what the environment and the file say that means anything: whether it is \a yes.
+std::optional<bool> isSaid(const char *what, const QStringList &said, QLatin1String yes,
+                           QLatin1String no)
 {
     for (const QString &text : said) {
         if (text == yes || text == no)
@@ -50,7 +52,7 @@ bool isSaid(const char *what, const QStringList &said, QLatin1String yes, QLatin
         if (!text.isEmpty())
             qCWarning(lcTessavo) << what << "is neither" << yes << "nor" << no << ":" << text;
     }
-    return true;
+    return std::nullopt;
 }
 
 } // namespace
@@ -74,15 +76,20 @@ Installation Installation::read(const QString &iniFile)
     settings.verifiesCertificates = isSaid("TLS verification",
                                            {qEnvironmentVariable("TESSAVO_TLS_VERIFY").trimmed(),
                                             file.value(QStringLiteral("service/tls-verify"))},
-                                           QLatin1String("yes"), QLatin1String("none"));
-    settings.readsImportsBack = isSaid("the verification of imports",
-                                       {qEnvironmentVariable("TESSAVO_IMPORT_VERIFY").trimmed(),
-                                        file.value(QStringLiteral("import/verify"))},
-                                       QLatin1String("read-back"), QLatin1String("size"));
+                                           QLatin1String("yes"), QLatin1String("none"))
+                                        .value_or(true);
+    const std::optional<bool> readsBack =
+        isSaid("the verification of imports",
+               {qEnvironmentVariable("TESSAVO_IMPORT_VERIFY").trimmed(),
+                file.value(QStringLiteral("import/verify"))},
+               QLatin1String("read-back"), QLatin1String("size"));
+    settings.readsImportsBack = readsBack.value_or(true);
+    settings.decidesImports = readsBack.has_value();
     settings.keepsLedger = isSaid("the ledger",
                                   {qEnvironmentVariable("TESSAVO_LEDGER").trimmed(),
                                    file.value(QStringLiteral("ledger/enabled"))},
-                                  QLatin1String("yes"), QLatin1String("no"));
+                                  QLatin1String("yes"), QLatin1String("no"))
+                               .value_or(true);
     if (!settings.verifiesCertificates)
         qCWarning(lcTessavo) << "TLS verification is off: any server certificate is accepted";
     return settings;

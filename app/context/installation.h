@@ -39,6 +39,8 @@ struct Installation
     /// False when TESSAVO_IMPORT_VERIFY or `verify` is "size": imported files are compared by their
     /// size alone. "read-back" says expressly what holds anyway.
     bool readsImportsBack = true;
+    /// Whether either was said; otherwise it is the user's to choose.
+    bool decidesImports = false;
 
     static const Installation &current();
 

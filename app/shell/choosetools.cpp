@@ -33,7 +33,8 @@ QLabel *label(const QString &text, const QString &name, int size, QRgb colour)
 ChooseTools::ChooseTools(QWidget *parent, const QVector<Tool> &tools)
     : FramelessWindow(parent)
     , tools_(tools)
-    , windows_(ToolWindows::create(tools + QVector<Tool>{orderBrowser(), cardCheck(), history()}))
+    , windows_(ToolWindows::create(
+          tools + QVector<Tool>{orderBrowser(), cardCheck(), history(), settings()}))
 {
     setWindowTitle(QStringLiteral("Tessavo"));
     titleBar()->setPlain(true);
@@ -126,6 +127,8 @@ QWidget *ChooseTools::footer()
         footButton(cardCheck(), QStringLiteral("cardCheckButton"), QStringLiteral("Ctrl+K")));
     layout->addWidget(
         footButton(history(), QStringLiteral("historyButton"), QStringLiteral("Ctrl+H")));
+    layout->addWidget(
+        footButton(settings(), QStringLiteral("settingsButton"), QStringLiteral("Ctrl+,")));
     layout->addStretch();
     layout->addWidget(label(QStringLiteral("版本信息：") + AccountContext::appVersion,
                             QStringLiteral("versionLabel"), K::scaledPx(12), colours::muted));

@@ -1,5 +1,6 @@
 #include "app/shell/tools.h"
 
+#include "app/settings/settingswindow.h"
 #include "batchdelete/window/batchdelete.h"
 #include "cardcheck/window/cardcheck.h"
 #include "distribution/window/fjhome.h"
@@ -78,5 +79,12 @@ const Tool &cardCheck()
 {
     static const Tool tool{
         QStringLiteral("核对存储卡"), {}, []() -> FramelessWindow * { return new CardCheck; }};
+    return tool;
+}
+
+const Tool &settings()
+{
+    static const Tool tool{
+        QStringLiteral("设置"), {}, []() -> FramelessWindow * { return new SettingsWindow; }};
     return tool;
 }

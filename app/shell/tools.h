@@ -27,3 +27,5 @@ const Tool &orderBrowser();
 const Tool &history();
 /// The check of camera cards, which has such a button too.
 const Tool &cardCheck();
+/// What the user of this machine may choose, with such a button, too.
+const Tool &settings();

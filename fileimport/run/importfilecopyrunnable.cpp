@@ -1,6 +1,6 @@
 #include "fileimport/run/importfilecopyrunnable.h"
 
-#include "app/context/installation.h"
+#include "app/context/importverification.h"
 #include "files/filewriting.h"
 #include "files/paths.h"
 #include "ledger/copydescription.h"
@@ -15,7 +15,7 @@ namespace {
 VerifiedCopy copyAsInstalled(const QString &source, const QString &target,
                              const platform::TransferControl &control)
 {
-    const bool readsBack = Installation::current().readsImportsBack;
+    const bool readsBack = importverification::readsBack();
     return copyVerified(source, target, readsBack ? Verification::ReadBack : Verification::Size,
                         control);
 }

@@ -1,6 +1,6 @@
 #include "photoimport/run/imageoperations.h"
 
-#include "app/context/installation.h"
+#include "app/context/importverification.h"
 #include "app/context/logging.h"
 #include "files/contenthash.h"
 #include "files/filecopy.h"
@@ -34,7 +34,7 @@ QString seconds(qint64 ms)
 
 bool readsBack()
 {
-    return Installation::current().readsImportsBack;
+    return importverification::readsBack();
 }
 
 /// Turns by a multiple of 90 degrees; pixels move, none is mixed.

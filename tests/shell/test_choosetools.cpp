@@ -11,6 +11,7 @@
 #include <QSvgRenderer>
 #include <QTest>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -74,6 +75,7 @@ private slots:
         addColumns<QString, QString>({"button", "keys"});
         newRow("订单列表", "orderListButton", "Ctrl+L");
         newRow("核对存储卡", "cardCheckButton", "Ctrl+K");
+        newRow("设置", "settingsButton", "Ctrl+,");
     }
 
     void offersToolsWithoutCards()
@@ -82,8 +84,12 @@ private slots:
         const auto *found = launcher_->findChild<QAbstractButton *>(button);
         QCOMPARE(found->text(), QString::fromUtf8(QTest::currentDataTag()));
         QTEST(found->shortcut().toString(), "keys");
-        const Tool &tool = found->text() == orderBrowser().label ? orderBrowser() : cardCheck();
-        const std::unique_ptr<QWidget> window(tool.makeWindow());
+        const QVector<Tool> tools{orderBrowser(), cardCheck(), settings()};
+        const auto tool = std::find_if(tools.begin(), tools.end(), [found](const Tool &one) {
+            return one.label == found->text();
+        });
+        QVERIFY(tool != tools.end());
+        const std::unique_ptr<QWidget> window(tool->makeWindow());
         QCOMPARE(window->windowTitle(), found->text());
     }
 
