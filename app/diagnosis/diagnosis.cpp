@@ -68,7 +68,8 @@ QString settings()
 QVector<DiagnosisFile> maskedLogs(const QString &folder)
 {
     QVector<DiagnosisFile> logs;
-    for (const QString &path : LogRing::filesIn(folder)) {
+    const QStringList paths = LogRing::filesIn(folder);
+    for (const QString &path : paths) {
         QFile file(path);
         if (file.open(QIODevice::ReadOnly))
             logs.append({QFileInfo(path).fileName(), masked(QString::fromUtf8(file.readAll()))});

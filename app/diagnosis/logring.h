@@ -16,7 +16,7 @@ class LogRing
 {
 public:
     static constexpr int files = 5;
-    static constexpr qint64 mostFileBytes = 2 * 1024 * 1024;
+    static constexpr qint64 mostFileBytes = 2097152;
     /// Lines that wait while the disk does not answer; what comes on top is counted, not kept.
     static constexpr int mostWaiting = 20000;
 
