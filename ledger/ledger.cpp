@@ -49,6 +49,11 @@ Ledger::Ledger(const QString &folder, QObject *parent) : QObject(parent)
     keeper_->start();
 }
 
+bool Ledger::isKept() const
+{
+    return keeper_ && keeper_->canWrite();
+}
+
 Ledger::~Ledger()
 {
     Ledger *self = this;

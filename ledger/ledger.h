@@ -55,6 +55,10 @@ public:
     /// Where the program keeps it: the user's local application data.
     static QString standardFolder();
 
+    /// Whether what is said now can be asked for after the program has ended: not when it is
+    /// switched off, and not while its file cannot be written. Any thread.
+    bool isKept() const;
+
     // Writing. What is said of an id that is 0 or not known is ignored.
 
     /// Never 0, also when nothing is kept.

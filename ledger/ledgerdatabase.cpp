@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
+#include <QRegularExpression>
 #include <QThread>
 #include <QUuid>
 
@@ -240,10 +241,12 @@ void LedgerDatabase::endLostSessions()
     while (row.next())
         sessions.append({row.value(0).toLongLong(), row.value(1).toString()});
     row.finish();
+    // What is in a file that somebody else may have written leads nowhere but to our own locks.
+    static const QRegularExpression lockName(QStringLiteral("^session-[0-9a-f-]+\\.lock$"));
     for (const auto &[id, name] : qAsConst(sessions)) {
         QLockFile lock(folder_ + QLatin1Char('/') + name);
         lock.setStaleLockTime(0);
-        if (!lock.tryLock(0))
+        if (lockName.match(name).hasMatch() && !lock.tryLock(0))
             continue;
         wasBrokenOff_ = true;
         run(QStringLiteral("UPDATE run SET session = NULL WHERE session = ?"), {id});

@@ -78,6 +78,7 @@ void LedgerKeeper::run()
         tidiedBeforeMs_ = std::min(QDateTime::currentMSecsSinceEpoch(), newest.toLongLong()) -
                           qint64(Ledger::daysKept) * 86400000;
     }
+    canWrite_ = database_.state() == LedgerDatabase::State::Open;
     tellOwner();
     std::deque<Item> items;
     while (take(items)) {
@@ -150,9 +151,11 @@ bool LedgerKeeper::write()
     while (!unwritten_.empty() && !writeOnce()) {
         if (!mend()) {
             notBefore_.setRemainingTime(retryMs);
+            canWrite_ = false;
             return false;
         }
     }
+    canWrite_ = true;
     return true;
 }
 

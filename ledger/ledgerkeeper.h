@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <QThread>
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -46,6 +47,8 @@ public:
     bool end(int timeoutMs);
 
     QStringList takeNotices();
+    /// As far as the thread knows by now; before the file was opened it hopes. Any thread.
+    bool canWrite() const { return canWrite_; }
 
 private:
     struct Item
@@ -79,6 +82,8 @@ private:
     bool hasEnded_ = false; ///< the thread touches nothing of this any more
     QStringList notices_;
     QObject *owner_;
+
+    std::atomic<bool> canWrite_{true};
 
     // The thread's own.
     std::deque<Write> unwritten_;

@@ -282,6 +282,21 @@ QVector<ledger::Deletion> LedgerReader::openDeletions(const ledger::Desk &desk) 
     return rows(query, valuesOf(desk), ledgerrows::deletionIn);
 }
 
+QVector<ledger::Deletion> LedgerReader::unansweredDeletions(const ledger::Desk &desk) const
+{
+    if (!isOpen())
+        return {};
+    QSqlQuery query =
+        prepared(*database_, ledgerrows::deletionSelection() +
+                                 QStringLiteral("WHERE d.dismissed = 0 AND d.announced IS NULL"
+                                                " AND d.deleted IS NULL"
+                                                " AND (d.failure IS NULL OR d.failure = ?)"
+                                                " AND r.session IS NULL AND %1 ORDER BY d.id")
+                                     .arg(atDesk(desk, QLatin1Char('r'))));
+    return rows(query, QVariantList{ledger::unansweredText()} + valuesOf(desk),
+                ledgerrows::deletionIn);
+}
+
 QVector<ledger::Pending> LedgerReader::pending(const ledger::Desk &desk) const
 {
     if (!isOpen())

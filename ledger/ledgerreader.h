@@ -47,6 +47,9 @@ public:
     QVector<ledger::Entry> unregistered(const ledger::Desk &desk) const;
     /// Deletions that were announced and are not both carried out and reported, of the same.
     QVector<ledger::Deletion> openDeletions(const ledger::Desk &desk) const;
+    /// Deletions that the service was asked for, and of which the program does not know what
+    /// became: it ended first, or no answer came. Of the same.
+    QVector<ledger::Deletion> unansweredDeletions(const ledger::Desk &desk) const;
     /// What the tool keeps for the next time, the latest saved first.
     QVector<ledger::Pending> pending(const ledger::Desk &desk) const;
 

@@ -160,6 +160,12 @@ struct Copy
     bool isFinished() const { return finishedMs != 0; }
 };
 
+/// The failure of a deletion that was asked for and of which nobody knows what became.
+inline QString unansweredText()
+{
+    return QStringLiteral("服务端没有答复");
+}
+
 struct NewDeletion
 {
     QString path; ///< wire form

@@ -100,11 +100,18 @@ QStringList firstTriggers()
     };
 }
 
+/// Deletions without an answer are asked for whenever a tool is opened.
+QStringList unansweredIndex()
+{
+    return {QStringLiteral("CREATE INDEX deletion_unanswered ON deletion(entry) WHERE dismissed = 0"
+                           " AND announced IS NULL AND deleted IS NULL")};
+}
+
 } // namespace
 
 const QVector<QStringList> &steps()
 {
-    static const QVector<QStringList> all{firstTables() + firstTriggers()};
+    static const QVector<QStringList> all{firstTables() + firstTriggers(), unansweredIndex()};
     return all;
 }
 

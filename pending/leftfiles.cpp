@@ -7,9 +7,8 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QPair>
 #include <QSet>
-
-#include <algorithm>
 
 namespace leftfiles {
 
@@ -20,16 +19,28 @@ QString keyOf(const QString &path)
     return pathgate::levelsOf(path).join(QLatin1Char('\\'));
 }
 
+QSet<QString> keysOf(const QStringList &paths)
+{
+    QSet<QString> keys;
+    for (const QString &path : paths)
+        keys.insert(keyOf(path));
+    return keys;
+}
+
+bool isNamedBy(const ledger::NewDeletion &file, const QStringList &photos,
+               const QSet<QString> &paths)
+{
+    const QString name = file.path.section(QLatin1Char('\\'), -1);
+    return paths.contains(keyOf(file.path)) || photos.contains(name, Qt::CaseInsensitive) ||
+           (!file.photo.isEmpty() && photos.contains(file.photo, Qt::CaseInsensitive));
+}
+
 /// As far as the text and the listing tell; Removed when the disk is to be asked.
-Ending judged(const ledger::NewDeletion &file, const Listing &listing, const QSet<QString> &named)
+Ending judged(const ledger::NewDeletion &file, const Listing &listing, const QSet<QString> &paths)
 {
     if (!pathgate::isBelow(file.path, listing.orderFolder))
         return Ending::Outside;
-    const QString name = file.path.section(QLatin1Char('\\'), -1);
-    if (named.contains(keyOf(file.path)) || listing.photos.contains(name, Qt::CaseInsensitive) ||
-        (!file.photo.isEmpty() && listing.photos.contains(file.photo, Qt::CaseInsensitive)))
-        return Ending::Named;
-    return Ending::Removed;
+    return isNamedBy(file, listing.photos, paths) ? Ending::Named : Ending::Removed;
 }
 
 bool isUnchanged(const ledger::NewDeletion &file, const QFileInfo &info)
@@ -74,11 +85,33 @@ QString reasonOf(Ending ending)
 
 } // namespace
 
+bool isNamed(const ledger::NewDeletion &file, const Listing &listing)
+{
+    return isNamedBy(file, listing.photos, keysOf(listing.paths));
+}
+
+int photosAmong(const QVector<ledger::Deletion> &files)
+{
+    QSet<QPair<OrderIdentity, QString>> photos;
+    for (const ledger::Deletion &file : files)
+        photos.insert({file.order.identity,
+                       file.file.photo.isEmpty() ? keyOf(file.file.path) : file.file.photo});
+    return photos.size();
+}
+
+QString verifiedText(int named, int forgotten)
+{
+    QStringList lines;
+    if (named > 0)
+        lines += QStringLiteral("服务端仍有 %1 张照片，没有删除，磁盘上的文件保留").arg(named);
+    if (forgotten > 0)
+        lines += QStringLiteral("服务端已经没有 %1 张照片，磁盘上的文件可以删除").arg(forgotten);
+    return lines.join(QLatin1Char('\n'));
+}
+
 QVector<Result> remove(const QVector<ledger::Deletion> &files, const Listing &listing)
 {
-    QSet<QString> named;
-    for (const QString &path : listing.paths)
-        named.insert(keyOf(path));
+    const QSet<QString> named = keysOf(listing.paths);
     QVector<Result> results;
     for (const ledger::Deletion &each : files) {
         Ending ending = judged(each.file, listing, named);
@@ -91,12 +124,20 @@ QVector<Result> remove(const QVector<ledger::Deletion> &files, const Listing &li
 
 QString textOf(const QVector<Result> &results)
 {
-    const auto done = std::count_if(results.cbegin(), results.cend(),
-                                    [](const Result &result) { return result.isDone(); });
-    QString text = QStringLiteral("已删除 %1 个文件").arg(done);
+    // A file that was to be deleted twice is one.
+    QSet<QString> done;
+    QSet<QString> left;
     for (const Result &result : results) {
-        if (!result.isDone())
-            text += QStringLiteral("\n%1: %2").arg(result.path, reasonOf(result.ending));
+        if (result.isDone())
+            done.insert(keyOf(result.path));
+    }
+    QString text = QStringLiteral("已删除 %1 个文件").arg(done.size());
+    for (const Result &result : results) {
+        const QString key = keyOf(result.path);
+        if (result.isDone() || left.contains(key))
+            continue;
+        left.insert(key);
+        text += QStringLiteral("\n%1: %2").arg(result.path, reasonOf(result.ending));
     }
     return text;
 }

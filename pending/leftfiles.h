@@ -37,10 +37,18 @@ struct Listing
     QStringList paths;   ///< either form
 };
 
+/// A photo's variants go with it, and a deletion that was asked for again is the same.
+int photosAmong(const QVector<ledger::Deletion> &files);
+
+/// Whether the service still has the photo that \a file is of.
+bool isNamed(const ledger::NewDeletion &file, const Listing &listing);
+
 /// Removes those of \a files that may go. Blocks; for worker threads.
 QVector<Result> remove(const QVector<ledger::Deletion> &files, const Listing &listing);
 
 /// How it went, for the user: what became of each file that is still there.
 QString textOf(const QVector<Result> &results);
+/// What the service said of photos of which nobody knew.
+QString verifiedText(int named, int forgotten);
 
 } // namespace leftfiles

@@ -48,6 +48,14 @@ leftfiles::Listing listingOf(const FoundOrder &order,
     return listing;
 }
 
+QVector<ledger::DeletionId> idsOf(const QVector<ledger::Deletion> &files)
+{
+    QVector<ledger::DeletionId> ids;
+    for (const ledger::Deletion &file : files)
+        ids.append(file.id);
+    return ids;
+}
+
 /// Removes those of \a files that may go. What was copied there since the photo was deleted is
 /// another file, although it may look the same: it waits for being registered.
 QVector<leftfiles::Result> removeFiles(const QVector<ledger::Deletion> &files,
@@ -79,12 +87,15 @@ LeftPhotoCleanup::LeftPhotoCleanup(const QString &tool, QObject *parent)
 {
 }
 
-bool LeftPhotoCleanup::start(const QVector<ledger::Deletion> &files,
+bool LeftPhotoCleanup::start(Task task, const QVector<ledger::Deletion> &files,
                              const orderqueries::Identity &identity, const QString &publicPath)
 {
     if (busy_)
         return false;
     busy_ = true;
+    task_ = task;
+    named_ = 0;
+    forgotten_ = 0;
     files_ = files;
     identity_ = identity;
     publicPath_ = publicPath;
@@ -118,7 +129,8 @@ void LeftPhotoCleanup::nextOrder()
         return;
     }
     busy_ = false;
-    const QStringList lines{leftfiles::textOf(results_)};
+    const QStringList lines{task_ == Task::Remove ? leftfiles::textOf(results_)
+                                                  : leftfiles::verifiedText(named_, forgotten_)};
     emit finished((lines + problems_).join(QLatin1Char('\n')));
 }
 
@@ -154,12 +166,30 @@ void LeftPhotoCleanup::onListing(const FoundOrder &order, const ServiceReply &re
         nextOrder();
         return;
     }
+    if (task_ == Task::Verify) {
+        verify(files, listingOf(order, orderfiles::readList(reply.object)));
+        return;
+    }
     onDisk(
         this, order.folder,
         [order, object = reply.object, files] {
             return removeFiles(files, listingOf(order, orderfiles::readList(object)));
         },
         [this](const QVector<leftfiles::Result> &results) { onRemoved(results); });
+}
+
+void LeftPhotoCleanup::verify(const QVector<ledger::Deletion> &files,
+                              const leftfiles::Listing &listing)
+{
+    QVector<ledger::Deletion> named;
+    QVector<ledger::Deletion> forgotten;
+    for (const ledger::Deletion &file : files)
+        (leftfiles::isNamed(file.file, listing) ? named : forgotten).append(file);
+    Ledger::current().dismissDeletions(idsOf(named));
+    Ledger::current().announceDeletions(idsOf(forgotten));
+    named_ += leftfiles::photosAmong(named);
+    forgotten_ += leftfiles::photosAmong(forgotten);
+    nextOrder();
 }
 
 void LeftPhotoCleanup::onRemoved(const QVector<leftfiles::Result> &results)

@@ -27,6 +27,8 @@ QString textOf(const Count &count)
         return QStringLiteral("上次有 %1 个订单只复制了一部分，未登记").arg(orders);
     case Kind::LeftPhotos:
         return QStringLiteral("%1 个照片已从服务端删除、磁盘上仍在").arg(files);
+    case Kind::UnansweredPhotos:
+        return QStringLiteral("上次删除 %1 个照片时没有得到服务端的答复").arg(files);
     case Kind::UnreportedFiles:
         return QStringLiteral("上次有 %1 个文件已删除，但状态没有提交成功").arg(files);
     }
@@ -43,6 +45,8 @@ QVector<Offer> offersOf(Kind kind)
         return {Offer::RegisterAgain, Offer::Ignore};
     case Kind::LeftPhotos:
         return {Offer::DeleteFiles, Offer::KeepFiles};
+    case Kind::UnansweredPhotos:
+        return {Offer::Verify, Offer::KeepFiles};
     case Kind::UnreportedFiles:
         return {Offer::Report, Offer::Ignore};
     }
@@ -99,6 +103,8 @@ QString offerText(Offer offer)
         return QStringLiteral("删除文件");
     case Offer::KeepFiles:
         return QStringLiteral("保留");
+    case Offer::Verify:
+        return QStringLiteral("核实");
     case Offer::Report:
         return QStringLiteral("重新提交");
     case Offer::SwitchBranch:
@@ -124,6 +130,7 @@ QString questionBefore(Offer offer, const Line &line)
     case Offer::Show:
     case Offer::RegisterAgain:
     case Offer::KeepFiles:
+    case Offer::Verify:
     case Offer::Report:
     case Offer::SwitchBranch:
         return {};

@@ -7,11 +7,12 @@
 namespace pendinglines {
 
 enum class Kind {
-    Choices,         ///< chosen and not imported
-    Unregistered,    ///< copied, and the service was not told
-    PartlyCopied,    ///< the same where not all of the order's files were copied
-    LeftPhotos,      ///< deleted at the service, still on the disk
-    UnreportedFiles, ///< gone from the disk, and the service was not told
+    Choices,          ///< chosen and not imported
+    Unregistered,     ///< copied, and the service was not told
+    PartlyCopied,     ///< the same where not all of the order's files were copied
+    LeftPhotos,       ///< deleted at the service, still on the disk
+    UnansweredPhotos, ///< the service was asked to delete them, nobody knows whether it has
+    UnreportedFiles,  ///< gone from the disk, and the service was not told
 };
 
 enum class Offer {
@@ -21,6 +22,7 @@ enum class Offer {
     Ignore,
     DeleteFiles,
     KeepFiles,
+    Verify, ///< ask the service what became of them
     Report,
     SwitchBranch, ///< all that is offered for what belongs to another branch
 };

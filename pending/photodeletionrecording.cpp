@@ -21,7 +21,11 @@ ledger::NewDeletion deletionOf(const PhotoDeletionRecording::Photo &photo, const
     ledger::NewDeletion deletion;
     deletion.path = wireForm(photo.path);
     deletion.photo = photo.id;
-    if (copy.isFinished()) {
+    if (!photo.hash.isEmpty()) {
+        deletion.bytes = photo.bytes;
+        deletion.modifiedMs = photo.modifiedMs;
+        deletion.hash = photo.hash;
+    } else if (copy.isFinished()) {
         deletion.bytes = copy.targetBytes;
         deletion.modifiedMs = copy.targetModifiedMs;
         deletion.hash = copy.targetHash;

@@ -12,8 +12,7 @@
 
 /// What a deletion of single photos tells the ledger: before the service is asked each photo's
 /// file, by what the ledger knows of it; then that the service agreed, and which files are gone.
-/// One deletion at a time. The smaller variants, which can be made again, have no rows. Interface
-/// thread, never blocks.
+/// One deletion at a time. Interface thread, never blocks.
 class PhotoDeletionRecording : public QObject
 {
     Q_OBJECT
@@ -23,6 +22,10 @@ public:
     {
         QString id;   ///< the service's
         QString path; ///< in either form; empty when nobody knows where it lies
+        /// What the file is, where that was read from the disk; otherwise the ledger is asked.
+        qint64 bytes = -1;
+        qint64 modifiedMs = 0;
+        ledger::Hash hash = {};
     };
 
     explicit PhotoDeletionRecording(QObject *parent = nullptr);
@@ -34,8 +37,10 @@ public:
                std::function<void()> begun);
     /// The service has deleted the photos.
     void announced();
-    /// The service has not, or nobody knows, for \a reason.
+    /// The service has not, for \a reason.
     void refused(const QString &reason);
+    /// Nobody knows whether the service has: that is offered to be looked into from the end on.
+    void unanswered() { refused(ledger::unansweredText()); }
     /// The file at \a path, in either form, is not on the disk any more.
     void gone(const QString &path);
     void failed(const QString &path, const QString &reason);

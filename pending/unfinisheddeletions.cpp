@@ -4,20 +4,27 @@
 #include "ledger/ledger.h"
 #include "pending/pendingdesk.h"
 
+#include <QPair>
+
 #include <algorithm>
 #include <iterator>
+
+using pendinglines::Kind;
+using pendinglines::Offer;
 
 namespace {
 
 using Files = QVector<ledger::Deletion>;
 
-Files leftAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks)
+/// Left on the disk first, then those without an answer.
+QPair<Files, Files> unfinishedAt(const LedgerReader &reader, const QVector<ledger::Desk> &desks)
 {
-    Files files;
+    QPair<Files, Files> files;
     for (const ledger::Desk &desk : desks) {
-        const auto open = reader.openDeletions(desk);
-        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(files),
+        const Files open = reader.openDeletions(desk);
+        std::copy_if(open.cbegin(), open.cend(), std::back_inserter(files.first),
                      [](const ledger::Deletion &file) { return file.deletedMs == 0; });
+        files.second += reader.unansweredDeletions(desk);
     }
     return files;
 }
@@ -38,40 +45,58 @@ void UnfinishedDeletions::refresh()
     Ledger::current().ask(
         this,
         [desks = pendingDesks(ledger::Work::PhotoDeletion)](const LedgerReader &reader) {
-            return leftAt(reader, desks);
+            return unfinishedAt(reader, desks);
         },
-        asking_.only([this](const Files &files) {
-            files_ = files;
+        asking_.only([this](const QPair<Files, Files> &files) {
+            files_ = {{Kind::LeftPhotos, files.first}, {Kind::UnansweredPhotos, files.second}};
             emit changed();
         }));
 }
 
-QVector<pendinglines::Count> UnfinishedDeletions::counts() const
+const QVector<Kind> &UnfinishedDeletions::kinds()
+{
+    static const QVector<Kind> all{Kind::LeftPhotos, Kind::UnansweredPhotos};
+    return all;
+}
+
+QVector<pendinglines::Count> UnfinishedDeletions::counts(Kind kind) const
 {
     QVector<pendinglines::Count> counts;
     for (const ShopRecord &shop : qAsConst(AccountContext::shopList))
-        counts.append({pendinglines::Kind::LeftPhotos, shop.id, 0, of(shop.id).size()});
+        counts.append({kind, shop.id, 0, leftfiles::photosAmong(of(kind, shop.id))});
     return counts;
 }
 
-Files UnfinishedDeletions::of(const QString &branch) const
+Files UnfinishedDeletions::of(Kind kind, const QString &branch) const
 {
+    const Files all = files_.value(kind);
     Files files;
     std::copy_if(
-        files_.cbegin(), files_.cend(), std::back_inserter(files),
+        all.cbegin(), all.cend(), std::back_inserter(files),
         [&branch](const ledger::Deletion &file) { return file.order.identity.branch == branch; });
     return files;
 }
 
-void UnfinishedDeletions::remove(const orderqueries::Identity &identity, const QString &publicPath)
+bool UnfinishedDeletions::take(Kind kind, Offer offer, const orderqueries::Identity &identity,
+                               const QString &publicPath)
 {
-    cleanup_.start(of(identity.shopId), identity, publicPath);
+    if (!kinds().contains(kind))
+        return false;
+    const Files files = of(kind, identity.shopId);
+    if (offer == Offer::KeepFiles)
+        keep(files);
+    else if (offer == Offer::DeleteFiles)
+        cleanup_.start(LeftPhotoCleanup::Task::Remove, files, identity, publicPath);
+    else if (offer == Offer::Verify)
+        cleanup_.start(LeftPhotoCleanup::Task::Verify, files, identity, publicPath);
+    else
+        return false;
+    return true;
 }
 
-void UnfinishedDeletions::keep(const QString &branch)
+void UnfinishedDeletions::keep(const Files &files)
 {
     QVector<ledger::DeletionId> kept;
-    const Files files = of(branch);
     for (const ledger::Deletion &file : files)
         kept.append(file.id);
     Ledger::current().dismissDeletions(kept);

@@ -66,6 +66,17 @@ QString summaryText(const DeletionSummary &summary)
     return text;
 }
 
+QString unreportedQuestion(int files, Leaving leaving, bool isRemembered)
+{
+    const bool isWindow = leaving == Leaving::Window;
+    const QString left = isWindow ? QStringLiteral("关闭窗口后") : QStringLiteral("切换分店后");
+    const QString again = isWindow ? QStringLiteral("下次打开时可以重新提交")
+                                   : QStringLiteral("回到这个分店时可以重新提交");
+    return QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2，确认要%3吗？")
+        .arg(QString::number(files), isRemembered ? again : left + QStringLiteral("无法再次提交"),
+             isWindow ? QStringLiteral("关闭") : QStringLiteral("切换"));
+}
+
 bool hasOutcome(const BatchDeleteOrderInfo &order)
 {
     return order.processed || !order.note.isEmpty();

@@ -24,6 +24,13 @@ BoxText pauseQuestion();
 /// What the end of a run is told with.
 QString summaryText(const DeletionSummary &summary);
 
+/// What the user leaves.
+enum class Leaving { Window, Branch };
+
+/// What is asked before \a files that are gone and unreported are left: whether they can be
+/// reported later depends on whether that \a isRemembered.
+QString unreportedQuestion(int files, Leaving leaving, bool isRemembered);
+
 /// Whether there is anything to be said of what became of the order.
 bool hasOutcome(const BatchDeleteOrderInfo &order);
 /// Every file of the orders with an outcome: a table for spreadsheet programs, UTF-8 with a mark

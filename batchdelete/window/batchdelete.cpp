@@ -8,6 +8,7 @@
 #include "batchdelete/window/batchdelete_runbar.h"
 #include "batchdelete/window/deletionapproval.h"
 #include "batchdelete/window/deletionquestions.h"
+#include "ledger/ledger.h"
 #include "pending/pendingbar.h"
 #include "tasks/background.h"
 #include "widgets/boxes/messagebox.h"
@@ -111,8 +112,7 @@ void BatchDelete::connectLists()
                          [this] {
                              return orders_.unreported() == 0
                                         ? QString()
-                                        : unreportedQuestion(QStringLiteral(
-                                              "切换分店后无法再次提交，确认要切换吗？"));
+                                        : unreportedQuestion(deletiontexts::Leaving::Branch);
                          }});
     connect(finder_, &OrderFinder::branchLeft, this, &BatchDelete::onBranchLeft);
     connect(finder_, &OrderFinder::branchSwitched, this, &BatchDelete::onBranchSwitched);
@@ -179,8 +179,8 @@ void BatchDelete::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer BatchDelete::closeRequested()
 {
-    if (orders_.unreported() > 0 && !agreedToClose(unreportedQuestion(
-                                        QStringLiteral("关闭窗口后无法再次提交，确认要关闭吗？"))))
+    if (orders_.unreported() > 0 &&
+        !agreedToClose(unreportedQuestion(deletiontexts::Leaving::Window)))
         return CloseAnswer::Refuse;
     questions_->fallSilent();
     finder_->cancel();
@@ -275,11 +275,10 @@ void BatchDelete::reqOrderList()
     finder_->search();
 }
 
-QString BatchDelete::unreportedQuestion(const QString &question) const
+QString BatchDelete::unreportedQuestion(deletiontexts::Leaving leaving) const
 {
-    return QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2")
-        .arg(orders_.unreported())
-        .arg(question);
+    return deletiontexts::unreportedQuestion(orders_.unreported(), leaving,
+                                             Ledger::current().isKept());
 }
 
 // What the lists do.

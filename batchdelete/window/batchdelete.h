@@ -2,6 +2,7 @@
 
 #include "batchdelete/rules/deletionrequests.h"
 #include "batchdelete/run/batchdeleterun.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/window/batchdelete_delegates.h"
 #include "batchdelete/window/batchdeleteordermodel.h"
 #include "files/sharedfolderopener.h"
@@ -64,7 +65,7 @@ private:
     void reqOrderList();
     QStringList publicRoots() const;
     bool mayDelete();
-    QString unreportedQuestion(const QString &question) const;
+    QString unreportedQuestion(deletiontexts::Leaving leaving) const;
 
     void showOrder(const BatchDeleteOrderInfo &order);
     void scan(const BatchDeleteOrderInfo &order);

@@ -102,12 +102,16 @@ void OriginalDeletion::onReply(const ServiceReply &reply, const QVector<PhotoEnt
         onAgreed(entries, place);
         return;
     }
-    recording_.refused(reply.message.isEmpty() ? QStringLiteral("提交数据失败") : reply.message);
-    const QPointer<OriginalDeletion> alive(this);
-    emit submitFailed(reply);
     // An answer that cannot be read is none.
     const bool isKnown =
         reply.outcome == ServiceReply::Outcome::CertificateRefused || !reply.object.isEmpty();
+    if (isKnown)
+        recording_.refused(reply.message.isEmpty() ? QStringLiteral("提交数据失败")
+                                                   : reply.message);
+    else
+        recording_.unanswered();
+    const QPointer<OriginalDeletion> alive(this);
+    emit submitFailed(reply);
     if (alive && !isKnown)
         emit unanswered();
     if (alive)
@@ -184,7 +188,7 @@ void OriginalDeletion::giveUpAnswer()
 {
     answerTimer_.stop();
     call_.cancel();
-    recording_.refused(QStringLiteral("服务端没有答复"));
+    recording_.unanswered();
     const QPointer<OriginalDeletion> alive(this);
     emit unanswered();
     if (alive)

@@ -138,15 +138,16 @@ QString leavingQuestion(const QVector<ImportOrder> &orders)
         .arg(lost);
 }
 
-QString closingNotice(bool isRunning, int unregistered)
+QString closingNotice(bool isRunning, int unregistered, bool isRemembered)
 {
     if (isRunning)
         return QStringLiteral("正在导入，关闭窗口会停止导入，已拷贝的照片可能还没有登记到服务端。");
     if (unregistered == 0)
         return {};
-    return QStringLiteral("有 %1 个订单的文件已导入，但尚未登记到服务端；"
-                          "关闭窗口后要重新导入才能登记。")
-        .arg(unregistered);
+    const QString later = isRemembered ? QStringLiteral("下次打开时可以重新登记。")
+                                       : QStringLiteral("关闭窗口后要重新导入才能登记。");
+    return QStringLiteral("有 %1 个订单的文件已导入，但尚未登记到服务端；").arg(unregistered) +
+           later;
 }
 
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files)

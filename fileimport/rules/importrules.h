@@ -45,8 +45,9 @@ int unimportedWithout(const QVector<ImportFile> &files, const QStringList &paths
 QString leavingQuestion(const QVector<ImportOrder> &orders);
 
 /// What to tell before the window closes: that an import \a isRunning, otherwise how many orders
-/// are copied but \a unregistered. Empty when neither is.
-QString closingNotice(bool isRunning, int unregistered);
+/// are copied but \a unregistered, which is offered again later when it \a isRemembered. Empty when
+/// neither is.
+QString closingNotice(bool isRunning, int unregistered, bool isRemembered);
 
 /// Files of one choice that would land on the same target, grouped; names compared without case.
 QVector<QStringList> sameTargetGroups(const QVector<ImportFile> &files);

@@ -10,6 +10,7 @@
 #include "fileimport/window/importrestorer.h"
 #include "fileimport/window/orderfilechooser.h"
 #include "files/pathgate.h"
+#include "ledger/ledger.h"
 #include "runreport/closingquestion.h"
 #include "runreport/reportline.h"
 #include "widgets/boxes/messagebox.h"
@@ -238,7 +239,8 @@ void ImportFiles::showEvent(QShowEvent *event)
 
 FramelessWindow::CloseAnswer ImportFiles::closeRequested()
 {
-    QStringList notices{importrules::closingNotice(run_->isBusy(), run_->unregisteredOrders()),
+    QStringList notices{importrules::closingNotice(run_->isBusy(), run_->unregisteredOrders(),
+                                                   Ledger::current().isKept()),
                         photos_ ? photos_->closingNotice() : QString()};
     notices.removeAll(QString());
     if (!notices.isEmpty() &&

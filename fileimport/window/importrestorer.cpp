@@ -38,8 +38,10 @@ ImportRestorer::ImportRestorer(const Place &place)
             lookup_.cancel();
     });
     connect(&unregistered_, &UnregisteredOrders::changed, this, &ImportRestorer::countRest);
-    connect(&deletions_, &UnfinishedDeletions::changed, this,
-            [this] { bar_->setCounts(Kind::LeftPhotos, deletions_.counts()); });
+    connect(&deletions_, &UnfinishedDeletions::changed, this, [this] {
+        for (const Kind kind : UnfinishedDeletions::kinds())
+            bar_->setCounts(kind, deletions_.counts(kind));
+    });
     connect(&deletions_, &UnfinishedDeletions::finished, this,
             [this](const QString &text) { MessageBox::information(place_.window, text); });
     connectTable();
@@ -132,6 +134,8 @@ bool ImportRestorer::isOffered(const OrderIdentity &order) const
 
 void ImportRestorer::take(Kind kind, Offer offer, const QString &branch)
 {
+    if (deletions_.take(kind, offer, place_.branch->identity(), place_.branch->publicPath()))
+        return;
     switch (offer) {
     case Offer::Show:
         showChoices();
@@ -145,19 +149,15 @@ void ImportRestorer::take(Kind kind, Offer offer, const QString &branch)
     case Offer::Ignore:
         unregistered_.ignore(branch);
         break;
-    case Offer::DeleteFiles:
-        deletions_.remove(place_.branch->identity(), place_.branch->publicPath());
-        break;
-    case Offer::KeepFiles:
-        deletions_.keep(branch);
-        break;
     case Offer::SwitchBranch:
         place_.finder->chooseBranch(branch);
         break;
+    case Offer::DeleteFiles:
+    case Offer::KeepFiles:
+    case Offer::Verify:
     case Offer::Report:
-        Q_UNREACHABLE(); // of another tool
+        Q_UNREACHABLE(); // taken above, or another tool's
     }
-    Q_UNUSED(kind)
 }
 
 bool ImportRestorer::mayReplaceTable()

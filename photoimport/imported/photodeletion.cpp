@@ -1,11 +1,39 @@
 #include "photoimport/imported/photodeletion.h"
 
+#include "files/contenthash.h"
 #include "ledger/orderkey.h"
 #include "photoimport/imported/tfdellocalphotoimg.h"
 #include "photoimport/rules/photorequests.h"
 #include "photoimport/rules/photorules.h"
+#include "platform/pathform.h"
+#include "tasks/background.h"
 
 #include <utility>
+
+namespace {
+
+using Photos = QVector<PhotoDeletionRecording::Photo>;
+
+/// \a photos, each followed by those of its variants that stand on the disk, as they are. Blocks;
+/// for worker threads.
+Photos withVariants(const Photos &photos, const QString &orderFolder)
+{
+    Photos all;
+    for (const PhotoDeletionRecording::Photo &photo : photos) {
+        all.append(photo);
+        const QStringList variants = tfvariants::pathsOf(photo.path, orderFolder);
+        for (const QString &variant : variants) {
+            const ContentReading content =
+                readContent(platform::toLocalPath(variant), {}, platform::FileReader::Way::Cached);
+            if (content.isRead())
+                all.append({photo.id, variant, content.size, content.modified.toMSecsSinceEpoch(),
+                            content.hash});
+        }
+    }
+    return all;
+}
+
+} // namespace
 
 DeletionRequest deletionOf(const PhotoOrder &order, const QStringList &ids,
                            const QStringList &names, PhotoMode photoMode)
@@ -61,7 +89,14 @@ bool PhotoDeletion::start(const DeletionRequest &request, const orderqueries::Id
     QVector<PhotoDeletionRecording::Photo> photos;
     for (int index = 0; index < request.paths.size(); ++index)
         photos.append({request.ids.value(index), request.paths.at(index)});
-    recording_.begin(request.key, photos, [this, identity] { ask(identity); });
+    // Of the variants the ledger knows nothing, since they can be made again: what they are is
+    // read.
+    onDisk(
+        this, request.folder,
+        [photos, folder = request.folder] { return withVariants(photos, folder); },
+        reading_.only([this, identity](const QVector<PhotoDeletionRecording::Photo> &all) {
+            recording_.begin(request_.key, all, [this, identity] { ask(identity); });
+        }));
     return true;
 }
 
@@ -86,7 +121,11 @@ bool PhotoDeletion::cancel()
         return false;
     const bool wasAsked = call_.isActive();
     call_.cancel();
-    recording_.refused(QStringLiteral("服务端没有答复"));
+    reading_.abandon();
+    if (wasAsked)
+        recording_.unanswered();
+    else
+        recording_.refused(QStringLiteral("已取消"));
     recording_.end();
     claim_.release();
     if (wasAsked)
@@ -100,8 +139,11 @@ void PhotoDeletion::onReply(const DeletionRequest &request, const ServiceReply &
 {
     asking_ = false;
     if (!reply.isSuccess()) {
-        recording_.refused(reply.message.isEmpty() ? QStringLiteral("提交数据失败")
-                                                   : reply.message);
+        if (reply.outcome == ServiceReply::Outcome::NoAnswer)
+            recording_.unanswered();
+        else
+            recording_.refused(reply.message.isEmpty() ? QStringLiteral("提交数据失败")
+                                                       : reply.message);
         recording_.end();
         claim_.release();
         if (reply.outcome == ServiceReply::Outcome::NoAnswer)

@@ -3,6 +3,7 @@
 #include "net/servicecall.h"
 #include "pending/photodeletionrecording.h"
 #include "photoimport/orders/photoorder.h"
+#include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
 
 #include <QObject>
@@ -64,6 +65,7 @@ private:
     void ask(const orderqueries::Identity &identity);
     void onReply(const DeletionRequest &request, const ServiceReply &reply);
 
+    Latest reading_;
     LatestCall call_;
     TFDelLocalPhotoImg *thread_;
     PhotoDeletionRecording recording_;

@@ -24,6 +24,26 @@ bool isGone(const QString &path, const QString &orderFolder)
 
 } // namespace
 
+QStringList tfvariants::pathsOf(const QString &original, const QString &orderFolder)
+{
+    QString folder = inWindowsForm(orderFolder);
+    while (folder.endsWith(QLatin1Char('\\')))
+        folder.chop(1);
+    const QString photo = inWindowsForm(original);
+    if (!photo.startsWith(folder + QLatin1Char('\\')) || !pathgate::isBelow(photo, orderFolder))
+        return {};
+    const QString inOrder = photo.mid(folder.size());
+    // Each is made from the one before, on purpose; the folders above the order's may be
+    // called "all" or "90" too and stay what they are.
+    const auto inFolder = [](QString place, const char *from, const char *to) {
+        return place.replace(QLatin1String(from), QLatin1String(to));
+    };
+    const QString small = inFolder(inOrder, "\\all\\", "\\90\\");
+    const QString middle = inFolder(small, "\\90\\", "\\190\\");
+    const QString big = inFolder(middle, "\\190\\", "\\1920\\");
+    return {folder + small, folder + middle, folder + big};
+}
+
 TFDelLocalPhotoImg::~TFDelLocalPhotoImg()
 {
     wait();
@@ -33,24 +53,10 @@ void TFDelLocalPhotoImg::setDelPhotos(const QStringList &paths, const QString &o
 {
     paths_.clear();
     orderFolder_ = orderFolder;
-    QString folder = inWindowsForm(orderFolder);
-    while (folder.endsWith(QLatin1Char('\\')))
-        folder.chop(1);
     for (const QString &path : paths) {
-        const QString original = inWindowsForm(path);
-        if (!original.startsWith(folder + QLatin1Char('\\')) ||
-            !pathgate::isBelow(original, orderFolder))
-            continue;
-        const QString inOrder = original.mid(folder.size());
-        // Each is made from the one before, on purpose; the folders above the order's may be
-        // called "all" or "90" too and stay what they are.
-        const auto inFolder = [](QString place, const char *from, const char *to) {
-            return place.replace(QLatin1String(from), QLatin1String(to));
-        };
-        const QString small = inFolder(inOrder, "\\all\\", "\\90\\");
-        const QString middle = inFolder(small, "\\90\\", "\\190\\");
-        const QString big = inFolder(middle, "\\190\\", "\\1920\\");
-        paths_ << original << folder + small << folder + middle << folder + big;
+        const QStringList variants = tfvariants::pathsOf(path, orderFolder);
+        if (!variants.isEmpty())
+            paths_ += QStringList{inWindowsForm(path)} + variants;
     }
 }
 

@@ -3,6 +3,15 @@
 #include <QStringList>
 #include <QThread>
 
+namespace tfvariants {
+
+/// Where the variants 90, 190 and 1920 of \a original lie, which is in the "all" folder of the
+/// order whose import folder is \a orderFolder; nothing for one that lies elsewhere. All in Windows
+/// form or with slashes; the result in Windows form.
+QStringList pathsOf(const QString &original, const QString &orderFolder);
+
+} // namespace tfvariants
+
 /// Removes deleted originals and their size variants from the disk. The service was told before;
 /// what is missing or cannot be removed is passed over.
 class TFDelLocalPhotoImg : public QThread

@@ -48,8 +48,10 @@ PhotoChoiceRestorer::PhotoChoiceRestorer(const Place &place)
         unregistered_.refresh();
         deletions_.refresh();
     });
-    connect(&deletions_, &UnfinishedDeletions::changed, this,
-            [this] { bar_->setCounts(Kind::LeftPhotos, deletions_.counts()); });
+    connect(&deletions_, &UnfinishedDeletions::changed, this, [this] {
+        for (const Kind kind : UnfinishedDeletions::kinds())
+            bar_->setCounts(kind, deletions_.counts(kind));
+    });
     connect(&deletions_, &UnfinishedDeletions::finished, this,
             [this](const QString &text) { MessageBox::information(place_.window, text); });
     connect(place.panel->finder(), &OrderFinder::busyChanged, this, [this](bool isBusy) {
@@ -58,7 +60,7 @@ PhotoChoiceRestorer::PhotoChoiceRestorer(const Place &place)
     });
     connect(place.overlay, &LoadingOverlay::cancelled, this, [this] { lookup_.cancel(); });
     connect(bar_, &PendingBar::taken, this,
-            [this](Kind, Offer offer, const QString &branch) { take(offer, branch); });
+            [this](Kind kind, Offer offer, const QString &branch) { take(kind, offer, branch); });
     connectTable();
     connectRun();
 }
@@ -112,8 +114,10 @@ void PhotoChoiceRestorer::connectRun()
             });
 }
 
-void PhotoChoiceRestorer::take(Offer offer, const QString &branch)
+void PhotoChoiceRestorer::take(Kind kind, Offer offer, const QString &branch)
 {
+    if (deletions_.take(kind, offer, place_.panel->identity(), place_.panel->publicPath()))
+        return;
     switch (offer) {
     case Offer::Show:
         show();
@@ -131,13 +135,10 @@ void PhotoChoiceRestorer::take(Offer offer, const QString &branch)
         place_.panel->finder()->chooseBranch(branch);
         break;
     case Offer::DeleteFiles:
-        deletions_.remove(place_.panel->identity(), place_.panel->publicPath());
-        break;
     case Offer::KeepFiles:
-        deletions_.keep(branch);
-        break;
+    case Offer::Verify:
     case Offer::Report:
-        Q_UNREACHABLE(); // of another tool
+        Q_UNREACHABLE(); // taken above, or another tool's
     }
 }
 

@@ -44,7 +44,7 @@ public:
 private:
     void connectTable();
     void connectRun();
-    void take(pendinglines::Offer offer, const QString &branch);
+    void take(pendinglines::Kind kind, pendinglines::Offer offer, const QString &branch);
     void countUnregistered();
     bool isOffered(const OrderIdentity &order) const;
     bool mayLookUp();

@@ -300,6 +300,19 @@ private slots:
         QCOMPARE(open.at(1).file.path, files.at(2).path);
         QCOMPARE(open.at(1).file.hash, hashOf('d'));
         QCOMPARE(open.at(1).failure, "文件被占用"_s);
+        const auto unanswered = [this, bench] {
+            QStringList paths;
+            const auto found = ledger_->answer(
+                [bench](const LedgerReader &reader) { return reader.unansweredDeletions(bench); });
+            for (const ledger::Deletion &each : found)
+                paths += each.file.path;
+            return paths;
+        };
+        QCOMPARE(unanswered(), QStringList(files.at(4).path));
+        ledger_->failDeletion(ids.at(4), ledger::unansweredText());
+        QCOMPARE(unanswered(), QStringList(files.at(4).path));
+        ledger_->failDeletion(ids.at(4), "没有权限"_s);
+        QCOMPARE(unanswered(), QStringList());
         const auto page =
             ledger_->answer([](const LedgerReader &reader) { return reader.history({}); });
         QCOMPARE(page.entries.first().deletions, 5);

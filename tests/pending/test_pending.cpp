@@ -262,6 +262,8 @@ private slots:
             listing.orderFolder.clear();
         else if (what == "read-only"_s)
             QVERIFY(onDisk.setPermissions(QFileDevice::ReadOwner));
+        QCOMPARE(leftfiles::isNamed(deletion.file, listing),
+                 ending == int(leftfiles::Ending::Named));
         const auto results = leftfiles::remove({deletion}, listing);
         QCOMPARE(results.size(), 1);
         QCOMPARE(int(results.first().ending), ending);

@@ -377,8 +377,10 @@ private slots:
         QStringList originals;
         for (int index = 0; index < 4; ++index)
             originals.append(imported(first_, "all/IMG_%1.jpg"_s.arg(index)));
-        for (int index = 0; index < 3; ++index)
-            QVERIFY(QFile::setPermissions(originals.at(index), QFileDevice::ReadOwner));
+        const QString variant = imported(first_, "190/IMG_0.jpg"_s);
+        const QStringList kept = originals.mid(0, 3) << variant;
+        for (const QString &file : kept)
+            QVERIFY(QFile::setPermissions(file, QFileDevice::ReadOwner));
         photos()->selectAll();
         MessageBox::setNextAnswer(QMessageBox::Ok);
         pressAmongPhotos(Qt::Key_Delete);
@@ -386,9 +388,9 @@ private slots:
         QTRY_COMPARE(notices(), QStringList(left));
         forgetBoxes();
         QVERIFY(!QFile::exists(originals.at(3)));
-        for (int index = 0; index < 3; ++index)
-            QFile::setPermissions(originals.at(index),
-                                  QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+        QVERIFY(QFile::exists(variant));
+        for (const QString &file : kept)
+            QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
         writeFile(originals.at(1), "retouched by hand");
         bool isListed = false;
         callService(this, "&m=order&a=savepicpath"_s,
@@ -409,11 +411,12 @@ private slots:
         QTRY_COMPARE(boxes().size(), 2);
         const QString told = boxes_.takeLast();
         forgetBoxes();
-        for (const char *line : {"已删除 1 个文件", "IMG_1.jpg: 文件已变化，保留",
+        for (const char *line : {"已删除 2 个文件", "IMG_1.jpg: 文件已变化，保留",
                                  "IMG_2.jpg: 服务端仍有这张照片，保留"})
             QVERIFY2(told.contains(QString::fromUtf8(line)), qUtf8Printable(told));
         for (int index = 0; index < 4; ++index)
             QCOMPARE(QFile::exists(originals.at(index)), index == 1 || index == 2);
+        QVERIFY(!QFile::exists(variant));
         QTRY_COMPARE(notices(), QStringList());
     }
 
@@ -443,8 +446,25 @@ private slots:
         QVERIFY(window_->isVisible());
         QTest::keyClick(window_->findChild<LoadingOverlay *>(), Qt::Key_Escape);
         EXPECT_BOX_THAT(unknown(box));
-        QVERIFY(QFile::exists(imported(first_, "all/IMG_0.jpg"_s)));
+        const QString original = imported(first_, "all/IMG_0.jpg"_s);
+        QVERIFY(QFile::exists(original));
         demo_.release();
+
+        // Another window asks what became of it: the service has deleted it.
+        delete window_;
+        open();
+        QTRY_COMPARE(notices(), QStringList("上次删除 1 个照片时没有得到服务端的答复"_s));
+        act("核实"_s);
+        EXPECT_BOXES("服务端已经没有 1 张照片，磁盘上的文件可以删除"_s);
+        QTRY_COMPARE(notices(), QStringList("1 个照片已从服务端删除、磁盘上仍在"_s));
+        QVERIFY(QFile::exists(original));
+        MessageBox::setNextAnswer(QMessageBox::Ok);
+        act("删除文件"_s);
+        QTRY_COMPARE(boxes().size(), 2);
+        QCOMPARE(boxes_.takeLast(), "已删除 4 个文件"_s); // with its variants
+        forgetBoxes();
+        QVERIFY(!QFile::exists(original));
+        QTRY_COMPARE(notices(), QStringList());
     }
 
     void videosGoTheirOwnWay()
