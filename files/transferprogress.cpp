@@ -1,11 +1,14 @@
 #include "files/transferprogress.h"
 
+#include <QStringList>
+
 #include <algorithm>
 #include <array>
 
 namespace {
 
 constexpr qint64 rateWindowMs = 5000;
+constexpr qint64 longIdleSeconds = 15;
 
 QString clockText(qint64 seconds)
 {
@@ -35,24 +38,45 @@ QString dataSizeText(double bytes)
 
 static QString doneText(const TransferProgress &progress)
 {
-    return QStringLiteral("文件 %1/%2 · %3 / %4")
-        .arg(progress.filesDone)
-        .arg(progress.filesTotal)
-        .arg(dataSizeText(double(progress.bytesDone)), dataSizeText(double(progress.bytesTotal)));
+    const QString files =
+        QStringLiteral("文件 %1/%2").arg(progress.filesDone).arg(progress.filesTotal);
+    const QString done = dataSizeText(double(progress.bytesDone));
+    if (progress.bytesTotal > 0)
+        return QStringLiteral("%1 · %2 / %3")
+            .arg(files, done, dataSizeText(double(progress.bytesTotal)));
+    return progress.bytesDone > 0 ? QStringLiteral("%1 · %2").arg(files, done) : files;
 }
 
-void TransferRate::add(qint64 ms, qint64 bytesDone)
+double TransferProgress::share() const
 {
-    if (!samples_.empty() && bytesDone < samples_.back().bytes)
+    double done = 0;
+    if (bytesTotal > 0)
+        done = double(bytesDone) / double(bytesTotal);
+    else if (filesTotal > 0)
+        done = double(filesDone) / filesTotal;
+    return std::clamp(done, 0.0, 1.0);
+}
+
+void TransferRate::add(qint64 ms, const TransferProgress &progress)
+{
+    speeds_.add(ms, progress.filesDone, progress.bytesDone);
+    if (!samples_.empty() && progress.bytesDone < samples_.back().bytes)
         samples_.clear(); // a file that failed takes its bytes back
-    samples_.push_back({ms, bytesDone});
+    samples_.push_back({ms, progress.bytesDone});
     while (samples_.size() > 2 && samples_.at(1).ms <= ms - rateWindowMs)
         samples_.pop_front();
+}
+
+void TransferRate::hold()
+{
+    samples_.clear();
+    speeds_.hold();
 }
 
 void TransferRate::clear()
 {
     samples_.clear();
+    speeds_ = TwoSpeeds();
 }
 
 double TransferRate::bytesPerSecond() const
@@ -63,10 +87,11 @@ double TransferRate::bytesPerSecond() const
            double(samples_.back().ms - samples_.front().ms);
 }
 
-qint64 TransferRate::secondsLeft(qint64 bytesLeft) const
+qint64 TransferRate::secondsLeft(const TransferProgress &progress) const
 {
-    const double rate = bytesPerSecond();
-    return rate > 0 ? qRound64(double(std::max<qint64>(bytesLeft, 0)) / rate) : -1;
+    const qint64 left = speeds_.msLeft(progress.filesTotal - progress.filesDone,
+                                       progress.bytesTotal - progress.bytesDone);
+    return left < 0 ? -1 : qRound64(double(left) / 1000);
 }
 
 QString pausedText(const TransferProgress &progress)
@@ -76,10 +101,20 @@ QString pausedText(const TransferProgress &progress)
 
 QString progressText(const TransferProgress &progress, const TransferRate &rate)
 {
-    QString text =
-        QStringLiteral("%1 · %2/s").arg(doneText(progress), dataSizeText(rate.bytesPerSecond()));
-    const qint64 left = rate.secondsLeft(progress.bytesTotal - progress.bytesDone);
-    if (left >= 0)
+    QString text = doneText(progress);
+    if (progress.bytesTotal > 0 || progress.bytesDone > 0)
+        text += QStringLiteral(" · %1/s").arg(dataSizeText(rate.bytesPerSecond()));
+    const qint64 left = rate.secondsLeft(progress);
+    if (rate.secondsIdle() >= longIdleSeconds)
+        text += QStringLiteral(" · %1 没有进展").arg(clockText(rate.secondsIdle()));
+    else if (left >= 0)
         text += QStringLiteral(" · 剩余 ") + clockText(left);
     return text;
+}
+
+QString currentText(const TransferProgress &progress)
+{
+    QStringList parts{progress.order, progress.file};
+    parts.removeAll(QString());
+    return parts.join(QStringLiteral(" · "));
 }

@@ -97,7 +97,12 @@ void CardCheckRun::cancel()
 TransferProgress CardCheckRun::progress() const
 {
     const qint64 read = ways_.bytesRead ? ways_.bytesRead->load() : 0;
-    return {settled_, findings_.files.size(), std::min(read, bytesTotal_), bytesTotal_};
+    // Files are taken in their order: the first that is not done is in work.
+    const auto current =
+        std::find_if(findings_.files.cbegin(), findings_.files.cend(),
+                     [](const CheckedFile &file) { return file.state == State::Waiting; });
+    const QString file = current == findings_.files.cend() ? QString() : current->file.shown;
+    return {settled_, findings_.files.size(), std::min(read, bytesTotal_), bytesTotal_, {}, file};
 }
 
 // What is known before anything is read.

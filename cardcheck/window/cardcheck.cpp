@@ -323,6 +323,7 @@ void CardCheck::onFinished()
     checkedAt_ = QDateTime::currentDateTime();
     showChanges();
     progress_->hide();
+    setWork({});
     // What was checked last has moved among the rest.
     rows_->sortAgain();
     if (files_.rowCount() == 0)
@@ -339,8 +340,9 @@ void CardCheck::showChanges()
     }
     if (run_.isRunning()) {
         const TransferProgress progress = run_.progress();
-        rate_.add(clock_.elapsed(), progress.bytesDone);
+        rate_.add(clock_.elapsed(), progress);
         progress_->showProgress(progress, rate_);
+        setWork(progress.work(WorkProgress::State::Running));
     }
     showState();
 }

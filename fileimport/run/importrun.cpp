@@ -548,7 +548,19 @@ TransferProgress ImportRun::progress() const
                 progress.bytesDone += file.size;
         }
     }
-    for (const Task &task : tasks_)
-        progress.bytesDone += task.runnable->bytesCopied();
+    const Task *shown = nullptr;
+    for (const Task &task : tasks_) {
+        const qint64 copied = task.runnable->bytesCopied();
+        progress.bytesDone += copied;
+        // The first that is being copied, rather than one that waits for its turn.
+        if (!task.abandoned && (!shown || (copied > 0 && shown->runnable->bytesCopied() == 0)))
+            shown = &task;
+    }
+    if (shown) {
+        progress.order = orderOf(shown->orderId).displayName();
+        progress.file = orderOf(shown->orderId).files.at(shown->fileIndex).fileName();
+    } else if (orders_.contains(current_)) {
+        progress.order = orderOf(current_).displayName();
+    }
     return progress;
 }

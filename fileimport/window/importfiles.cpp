@@ -484,14 +484,16 @@ void ImportFiles::setImporting(bool importing)
     } else {
         progressTimer_.stop();
         panel_->hideProgress();
+        setWork({});
     }
 }
 
 void ImportFiles::refreshProgress()
 {
     const TransferProgress progress = run_->progress();
-    rate_.add(clock_.elapsed(), progress.bytesDone);
+    rate_.add(clock_.elapsed(), progress);
     panel_->showProgress(progress, rate_);
+    setWork(progress.work(WorkProgress::State::Running));
 }
 
 void ImportFiles::onFileChanged(const OrderIdentity &orderId, const ImportFile &file)

@@ -266,6 +266,18 @@ void tforderlistmodel::flush()
         change(row, [](PhotoOrder &) {});
 }
 
+/// Files are imported in their order: the first that is not done is in work.
+static void tellCurrent(const PhotoOrder &order, PhotoMode mode, TransferProgress *progress)
+{
+    const QVector<SourceFile> &files = order.files(mode);
+    const auto file = std::find_if(files.cbegin(), files.cend(), [](const SourceFile &each) {
+        return each.countOf(JobState::Waiting) > 0;
+    });
+    progress->order = order.displayName();
+    if (file != files.cend())
+        progress->file = file->name;
+}
+
 TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders) const
 {
     TransferProgress progress;
@@ -278,6 +290,8 @@ TransferProgress tforderlistmodel::progressOf(const QSet<OrderIdentity> &orders)
         progress.filesTotal += summary.files;
         progress.bytesDone += summary.bytesReported;
         progress.bytesTotal += summary.bytes;
+        if (records_.at(row).run == PhotoOrder::Run::Active && progress.order.isEmpty())
+            tellCurrent(records_.at(row), photoMode_, &progress);
     }
     return progress;
 }

@@ -197,7 +197,7 @@ void tfhome::connectBar()
             run_.pool()->resumeAllImport();
         else
             run_.pool()->pauseAllImport();
-        rate_.clear();
+        rate_.hold();
         refreshState();
     });
 }
@@ -363,13 +363,17 @@ void tfhome::refreshState()
     const TransferProgress progress = run_.progress();
     if (run_.isImporting() && run_.pool()->isPaused()) {
         bar_->showPaused(progress);
+        setWork(progress.work(WorkProgress::State::Paused));
     } else if (run_.isImporting()) {
-        rate_.add(clock_.elapsed(), progress.bytesDone);
+        rate_.add(clock_.elapsed(), progress);
         bar_->showProgress(progress, rate_);
+        setWork(progress.work(WorkProgress::State::Running));
     } else if (run_.isBusy()) {
         bar_->showRegistering(run_.pendingRegistrations());
+        setWork(progress.work(WorkProgress::State::Running));
     } else {
         bar_->hideProgress();
+        setWork({});
         progressTimer_.stop();
         endClosing();
         return;

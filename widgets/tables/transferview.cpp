@@ -15,17 +15,33 @@ constexpr int allSteps = 1000;
 
 int stepsOf(const TransferProgress &progress)
 {
-    return progress.bytesTotal > 0 ? int(allSteps * progress.bytesDone / progress.bytesTotal) : 0;
+    return int(allSteps * progress.share());
+}
+
+/// A line that is too long is cut, with the whole of it as tool tip; it asks for no room.
+QLabel *line(const char *name, QWidget *parent)
+{
+    auto *label = new PlainLabel(parent);
+    label->setObjectName(QLatin1String(name));
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+void write(QLabel *label, const QString &text)
+{
+    label->setText(text);
+    setPlainTip(label, text);
 }
 
 } // namespace
 
 TransferView::TransferView(QWidget *parent)
-    : QWidget(parent), label_(new PlainLabel(this)), bar_(new QProgressBar(this))
+    : QWidget(parent)
+    , label_(line("progressLabel", this))
+    , current_(line("progressCurrent", this))
+    , bar_(new QProgressBar(this))
 {
-    label_->setObjectName(QStringLiteral("progressLabel"));
-    // A line that is too long is cut, with the whole of it as tool tip; it asks for no room.
-    label_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    current_->setStyleSheet(theme::hintStyle());
     bar_->setObjectName(QStringLiteral("progressBar"));
     bar_->setTextVisible(false);
     bar_->setRange(0, allSteps);
@@ -36,28 +52,30 @@ TransferView::TransferView(QWidget *parent)
     layout->setSpacing(theme::spacing() / 2);
     layout->addWidget(label_);
     layout->addWidget(bar_);
+    layout->addWidget(current_);
     hide();
 }
 
 void TransferView::showProgress(const TransferProgress &progress, const TransferRate &rate)
 {
-    showLine(progressText(progress, rate), stepsOf(progress));
+    showLine(progressText(progress, rate), currentText(progress), stepsOf(progress));
 }
 
 void TransferView::showPaused(const TransferProgress &progress)
 {
-    showLine(pausedText(progress), stepsOf(progress));
+    showLine(pausedText(progress), currentText(progress), stepsOf(progress));
 }
 
 void TransferView::showRest(const QString &text)
 {
-    showLine(text, allSteps);
+    showLine(text, {}, allSteps);
 }
 
-void TransferView::showLine(const QString &text, int steps)
+void TransferView::showLine(const QString &text, const QString &current, int steps)
 {
-    label_->setText(text);
-    setPlainTip(label_, text);
+    write(label_, text);
+    write(current_, current);
+    current_->setVisible(!current.isEmpty());
     bar_->setValue(steps);
     show();
 }

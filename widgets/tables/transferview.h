@@ -8,7 +8,8 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-/// How far a run is: a line of text and a bar. Hidden until there is something to show.
+/// How far a run is: a line of text and a bar, and below them what is being worked on. Hidden until
+/// there is something to show. Every tool tells its runs by one.
 class TransferView : public QWidget
 {
     Q_OBJECT
@@ -22,9 +23,10 @@ public:
     void showRest(const QString &text);
 
 private:
-    void showLine(const QString &text, int steps);
+    void showLine(const QString &text, const QString &current, int steps);
 
     QLabel *label_;
+    QLabel *current_;
     QProgressBar *bar_;
 };
 

@@ -57,6 +57,14 @@ void FramelessWindow::setContent(QWidget *content)
     titleButtonsLast();
 }
 
+void FramelessWindow::setWork(const WorkProgress &work)
+{
+    if (work == work_)
+        return;
+    work_ = work;
+    emit workChanged(work_);
+}
+
 QRect FramelessWindow::contentArea() const
 {
     return contentsRect()

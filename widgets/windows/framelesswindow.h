@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tasks/workprogress.h"
 #include "widgets/boxes/boxtext.h"
 
 #include <QList>
@@ -35,7 +36,11 @@ public:
 
     TitleBar *titleBar() const { return titleBar_; }
 
+    /// How far the work is that the window does.
+    const WorkProgress &work() const { return work_; }
+
 signals:
+    void workChanged(const WorkProgress &work);
     /// "−" was pressed. The window does not minimise by itself.
     void minimizeRequested();
     /// The window has gone for its user; emitted once per showing. It may live on hidden.
@@ -62,6 +67,8 @@ protected:
     void finishClosing();
     bool isClosingLater() const { return closeLater_ != nullptr; }
 
+    void setWork(const WorkProgress &work);
+
     void closeEvent(QCloseEvent *event) final;
     void showEvent(QShowEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -76,6 +83,7 @@ private:
     TitleBar *titleBar_;
     QWidget *content_ = nullptr;
     QList<EdgeGrip *> grips_;
+    WorkProgress work_;
     bool closed_ = false;
     QString askedSubject_;        ///< of the question in a box at the moment
     QString agreedSubject_;       ///< while closing after it
