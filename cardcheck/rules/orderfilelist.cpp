@@ -23,6 +23,12 @@ Look lookOf(State state)
         return {u"✗ 文件缺失", colours::failure};
     case State::SizeDiffers:
         return {u"✗ 大小与导入时不同", colours::failure};
+    case State::ContentDiffers:
+        return {u"✗ 内容与导入时不同", colours::failure};
+    case State::Unreadable:
+        return {u"✗ 无法读取", colours::failure};
+    case State::NotCompared:
+        return {u"✓ 在位（没有校验值）", colours::muted};
     case State::Unregistered:
         return {u"! 未登记", colours::unproved};
     case State::ServiceUnknown:
@@ -42,11 +48,17 @@ State stateOf(const OrderFile &file, bool isServiceKnown)
     if (file.copy.isFinished() && file.copy.targetBytes >= 0 &&
         file.copy.targetBytes != file.folderBytes)
         return State::SizeDiffers;
+    if (file.content == Content::Differs)
+        return State::ContentDiffers;
+    if (file.content == Content::Unreadable)
+        return State::Unreadable;
     if (evidence::registeredAs(file.path) == evidence::Registered::Never)
         return State::NotToRegister;
     if (!isServiceKnown)
         return State::ServiceUnknown;
-    return file.isListed ? State::Matches : State::Unregistered;
+    if (!file.isListed)
+        return State::Unregistered;
+    return file.content == Content::Same ? State::Matches : State::NotCompared;
 }
 
 /// The files by where they lie, so that three lists become one.
@@ -88,6 +100,19 @@ QString stateText(State state)
 unsigned int stateColour(State state)
 {
     return lookOf(state).colour;
+}
+
+bool OrderFile::isToBeRead() const
+{
+    return folderBytes >= 0 && copy.isFinished() && !copy.targetHash.isEmpty() &&
+           (copy.targetBytes < 0 || copy.targetBytes == folderBytes);
+}
+
+void Comparison::settle(int index, Content content)
+{
+    OrderFile &file = files[index];
+    file.content = content;
+    file.state = stateOf(file, isServiceKnown);
 }
 
 int Comparison::count(State state) const
@@ -154,7 +179,10 @@ QString summary(const Comparison &comparison)
     };
     add(State::FileMissing, QStringLiteral("%1 个文件缺失"));
     add(State::SizeDiffers, QStringLiteral("%1 个大小与导入时不同"));
+    add(State::ContentDiffers, QStringLiteral("%1 个内容与导入时不同"));
+    add(State::Unreadable, QStringLiteral("%1 个无法读取"));
     add(State::Unregistered, QStringLiteral("%1 个未登记"));
+    add(State::NotCompared, QStringLiteral("%1 个没有校验值，只核对了是否在位"));
     add(State::NotToRegister, QStringLiteral("%1 个类型不登记"));
     const bool isWhole =
         comparison.isServiceKnown &&

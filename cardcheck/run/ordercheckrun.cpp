@@ -1,11 +1,51 @@
 #include "cardcheck/run/ordercheckrun.h"
 
 #include "cardcheck/run/cardlister.h"
+#include "files/contenthash.h"
 #include "files/pathgate.h"
 #include "ledger/ledger.h"
+#include "platform/pathform.h"
 #include "tasks/background.h"
 
-OrderCheckRun::OrderCheckRun(QObject *parent) : QObject(parent)
+namespace {
+
+using orderfilelist::Content;
+
+constexpr int readersAtOnce = 2;
+
+using Count = std::shared_ptr<std::atomic<qint64>>;
+
+Content contentOf(const orderfilelist::OrderFile &file, const StopFlag &stop,
+                  const Count &bytesRead)
+{
+    platform::TransferControl control;
+    control.cancelled = [&stop] { return stop.isRaised(); };
+    control.progress = [&bytesRead, before = qint64(0)](qint64 bytes) mutable {
+        bytesRead->fetch_add(bytes - before);
+        before = bytes;
+    };
+    const ContentReading reading = readContent(platform::toLocalPath(file.path), control);
+    switch (reading.ending) {
+    case ContentReading::Ending::Read:
+        return reading.hash == file.copy.targetHash ? Content::Same : Content::Differs;
+    case ContentReading::Ending::Failed:
+        return Content::Unreadable;
+    case ContentReading::Ending::Changed: // somebody is at it now
+    case ContentReading::Ending::Cancelled:
+        break;
+    }
+    return Content::NotRead;
+}
+
+std::unique_ptr<WorkerPool> makePool()
+{
+    return std::make_unique<WorkerPool>(QStringLiteral("order check"), readersAtOnce);
+}
+
+} // namespace
+
+OrderCheckRun::OrderCheckRun(QObject *parent)
+    : QObject(parent), bytesRead_(std::make_shared<std::atomic<qint64>>(0)), pool_(makePool())
 {
     connect(&branch_, &BranchSession::switched, this, [this] {
         lists_.reset(branch_.identity());
@@ -16,8 +56,16 @@ OrderCheckRun::OrderCheckRun(QObject *parent) : QObject(parent)
     connect(&lists_, &ServiceLists::answered, this, &OrderCheckRun::ended);
 }
 
+OrderCheckRun::~OrderCheckRun()
+{
+    stop_.raise();
+    WorkerPool::retire(std::move(pool_));
+}
+
 void OrderCheckRun::cancel()
 {
+    stop_.raise();
+    toRead_.clear();
     round_.abandon();
     branch_.cancel();
     lists_.reset({});
@@ -66,9 +114,68 @@ void OrderCheckRun::ended()
 {
     if (!current_.isCurrent() || --awaited_ > 0)
         return;
+    comparison_ = orderfilelist::compare(folder_, files_, lists_.of(order_.identity), copies_);
+    comparison_.problem = problem_;
+    read();
+}
+
+void OrderCheckRun::read()
+{
+    // A reading of an earlier check may still hang: neither it nor its bytes count for this one.
+    stop_ = StopFlag();
+    bytesRead_ = std::make_shared<std::atomic<qint64>>(0);
+    readings_ = 0;
+    toRead_.clear();
+    progress_ = {};
+    for (int index = 0; index < comparison_.files.size(); ++index) {
+        if (!comparison_.files.at(index).isToBeRead())
+            continue;
+        toRead_.append(index);
+        progress_.bytesTotal += comparison_.files.at(index).folderBytes;
+    }
+    progress_.filesTotal = toRead_.size();
+    emit readingBegun();
+    for (int reader = 0; reader < readersAtOnce && !toRead_.isEmpty(); ++reader)
+        readNext();
+    if (readings_ == 0)
+        finish();
+}
+
+void OrderCheckRun::readNext()
+{
+    const int index = toRead_.takeFirst();
+    ++readings_;
+    inPool(
+        pool_.get(), this,
+        [file = comparison_.files.at(index), stop = stop_, bytesRead = bytesRead_] {
+            return contentOf(file, stop, bytesRead);
+        },
+        [this, index, token = current_](orderfilelist::Content content) {
+            if (token.isCurrent())
+                onRead(index, content);
+        });
+}
+
+void OrderCheckRun::onRead(int index, orderfilelist::Content content)
+{
+    comparison_.settle(index, content);
+    ++progress_.filesDone;
+    --readings_;
+    if (!toRead_.isEmpty())
+        readNext();
+    else if (readings_ == 0)
+        finish();
+}
+
+void OrderCheckRun::finish()
+{
     round_.abandon();
-    orderfilelist::Comparison comparison =
-        orderfilelist::compare(folder_, files_, lists_.of(order_.identity), copies_);
-    comparison.problem = problem_;
-    emit finished(comparison);
+    emit finished(comparison_);
+}
+
+TransferProgress OrderCheckRun::progress() const
+{
+    TransferProgress progress = progress_;
+    progress.bytesDone = bytesRead_->load();
+    return progress;
 }

@@ -14,6 +14,12 @@
 
 #include <array>
 
+namespace {
+
+constexpr int tickMs = 300;
+
+} // namespace
+
 OrderCheck::OrderCheck(QWidget *parent)
     : FramelessWindow(parent)
     , heading_(new PlainLabel)
@@ -33,8 +39,15 @@ OrderCheck::OrderCheck(QWidget *parent)
     layout->addWidget(table_, 1);
     setContent(content);
     connect(&run_, &OrderCheckRun::finished, this, &OrderCheck::showComparison);
+    connect(&run_, &OrderCheckRun::readingBegun, this, [this] {
+        rate_.clear();
+        clock_.start();
+        ticking_.start(tickMs);
+    });
+    connect(&ticking_, &QTimer::timeout, this, &OrderCheck::showProgress);
     connect(overlay_, &LoadingOverlay::cancelled, this, [this] {
         run_.cancel();
+        ticking_.stop();
         overlay_->hideOverlay();
         summary_->setText(QStringLiteral("已取消"));
     });
@@ -113,8 +126,16 @@ void OrderCheck::start()
     run_.start({order_.identity, order_.number, order_.name}, order_.folder);
 }
 
+void OrderCheck::showProgress()
+{
+    const TransferProgress progress = run_.progress();
+    rate_.add(clock_.elapsed(), progress.bytesDone);
+    overlay_->showText(QStringLiteral("正在核对内容\n") + progressText(progress, rate_));
+}
+
 void OrderCheck::showComparison(const orderfilelist::Comparison &comparison)
 {
+    ticking_.stop();
     overlay_->hideOverlay();
     files_.setFiles(comparison.files);
     rows_->sortAgain();
@@ -127,5 +148,6 @@ void OrderCheck::showComparison(const orderfilelist::Comparison &comparison)
 FramelessWindow::CloseAnswer OrderCheck::closeRequested()
 {
     run_.cancel();
+    ticking_.stop();
     return CloseAnswer::Close;
 }

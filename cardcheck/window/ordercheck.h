@@ -5,6 +5,9 @@
 #include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
+#include <QElapsedTimer>
+#include <QTimer>
+
 class EmptyStateTable;
 class LoadingOverlay;
 class QLabel;
@@ -35,9 +38,13 @@ private:
     QWidget *head();
     void buildTable();
     void start();
+    void showProgress();
     void showComparison(const orderfilelist::Comparison &comparison);
 
     OrderCheckRun run_;
+    QTimer ticking_; ///< while files are read
+    QElapsedTimer clock_;
+    TransferRate rate_;
     OrderFileModel files_;
     OrderToCheck order_;
     QLabel *heading_;

@@ -1,6 +1,7 @@
 #include "cardcheck/window/cardcheck.h"
 #include "cardcheck/window/ordercheck.h"
 #include "cardcheck/window/soughtordermodel.h"
+#include "files/contenthash.h"
 #include "ledger/ledger.h"
 #include "tests/support/files.h"
 #include "tests/support/toolwindow.h"
@@ -107,8 +108,23 @@ private slots:
 
     void comparesAnOrder()
     {
-        // Registered and gone, there and not registered, and of a kind that is not registered.
+        // There and not registered, of a kind that is not registered, and other bytes than were
+        // imported, though as many.
         writeFile(share() + "/原片/C.JPG"_s, "c");
+        writeFile(share() + "/原片/D.JPG"_s, "damaged");
+        const OrderIdentity order{"101"_s, "50001"_s, "800001"_s};
+        const QTemporaryDir records;
+        Ledger ledger(records.path());
+        ledger.makeCurrent();
+        QVector<ledger::NewCopy> copies(2);
+        copies[0].target = wireForm(share() + "/原片/C.JPG"_s);
+        copies[1].target = wireForm(share() + "/原片/D.JPG"_s);
+        const ledger::RunId run = ledger.beginRun({});
+        const auto ids = ledger.beginCopies(run, {order, "TS10001-1"_s, {}}, copies);
+        const QByteArray hash = readContent(share() + "/原片/C.JPG"_s).hash;
+        ledger.finishCopy(ids.at(0), {Proof::Server, hash, hash, 1});
+        ledger.finishCopy(ids.at(1), {Proof::Server, hash, hash, 7});
+        ledger.endRun(run);
         auto *window = new OrderCheck;
         window->show();
         window->check({{"101"_s, "50001"_s, "800001"_s},
@@ -117,7 +133,9 @@ private slots:
                        "TS10001-1 王小姐"_s,
                        wireForm(share())});
         const auto *summary = window->findChild<QLabel *>("summaryLabel"_s);
-        QTRY_COMPARE(summary->text(), "服务端 0 张，文件夹 2 个，1 个未登记，1 个类型不登记"_s);
+        QTRY_COMPARE(
+            summary->text(),
+            "服务端 0 张，文件夹 3 个，1 个内容与导入时不同，1 个未登记，1 个类型不登记"_s);
         QSignalSpy requests(window, &OrderCheck::openToolRequested);
         QTest::mouseClick(window->findChild<QPushButton *>("registerButton"_s), Qt::LeftButton);
         QVERIFY(requests.takeFirst().at(1).value<OrderPlace>().registers);
