@@ -129,7 +129,7 @@ void OrderCheck::start()
 void OrderCheck::showProgress()
 {
     const TransferProgress progress = run_.progress();
-    rate_.add(clock_.elapsed(), progress.bytesDone);
+    rate_.add(clock_.elapsed(), progress);
     overlay_->showText(QStringLiteral("正在核对内容\n") + progressText(progress, rate_));
 }
 
