@@ -5,6 +5,7 @@
 #include "ledger/ledger.h"
 #include "platform/power.h"
 #include "tasks/background.h"
+#include "widgets/inputs/editmenus.h"
 #include "widgets/theme/theme.h"
 
 #include <QApplication>
@@ -22,6 +23,7 @@ int main(int argc, char *argv[])
                      [] { platform::allowSleep(); });
     K::instance()->initApplication(&application);
     theme::applyApplicationFont();
+    new EditMenus(&application);
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/base/image/base/window.png")));
     const bool keepsLedger = Installation::current().keepsLedger;
     Ledger ledger(keepsLedger ? Ledger::standardFolder() : QString());

@@ -3,6 +3,7 @@
 #include "tests/support/text.h"
 #include "tour/guide.h"
 #include "tour/steps.h"
+#include "widgets/inputs/editmenus.h"
 #include "widgets/theme/theme.h"
 
 #include <QApplication>
@@ -44,6 +45,7 @@ int main(int argc, char *argv[])
 
     K::instance()->initApplication(&application);
     theme::applyApplicationFont();
+    new EditMenus(&application);
     // A virtual screen reports a density of its own; the tour says what it shows.
     K::uiScale = parser.value(scale).toFloat();
 

@@ -3,12 +3,16 @@
 #include "tests/support/text.h"
 #include "tests/widgets/shownwindow.h"
 #include "widgets/boxes/messagebox.h"
+#include "widgets/inputs/contextmenu.h"
 #include "widgets/inputs/datepicker.h"
+#include "widgets/inputs/editmenus.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/tables.h"
 #include "widgets/theme/theme.h"
 
 #include <QCalendarWidget>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
 #include <QPlainTextEdit>
@@ -16,10 +20,12 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QSpinBox>
 #include <QStandardItemModel>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTextDocument>
+#include <QToolButton>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -161,6 +167,110 @@ private slots:
         picker.openCalendar();
         QApplication::activePopupWidget()->close();
         QVERIFY2(!picker.isChosen(), "closing the calendar chose a date");
+    }
+
+    void calendarIsHeadedByYearAndMonth()
+    {
+        DatePicker picker("点击选择拍照日期"_s);
+        picker.choose(QDate(2026, 11, 24));
+        showActive(&picker);
+        QTest::keyClick(&picker, Qt::Key_Down, Qt::AltModifier);
+        QWidget *popup = QApplication::activePopupWidget();
+        QVERIFY(popup);
+        auto *year = popup->findChild<QToolButton *>("qt_calendar_yearbutton"_s);
+        const auto *month = popup->findChild<QToolButton *>("qt_calendar_monthbutton"_s);
+        const auto head = [&] {
+            return year->x() < month->x() ? year->text() + QLatin1Char(' ') + month->text()
+                                          : QString();
+        };
+        QTRY_COMPARE(head(), "2026年 11月"_s);
+        auto *calendar = popup->findChild<QCalendarWidget *>();
+        QCOMPARE(calendar->firstDayOfWeek(), Qt::Monday);
+        calendar->showNextMonth();
+        calendar->showNextMonth();
+        QCOMPARE(head(), "2027年 1月"_s);
+        month->menu()->actions().at(4)->trigger();
+        QCOMPARE(head(), "2027年 5月"_s);
+        for (const char *typed : {"2025", "2025"}) {
+            QTest::mouseClick(year, Qt::LeftButton);
+            auto *edit = popup->findChild<QSpinBox *>("qt_calendar_yearedit"_s);
+            edit->selectAll();
+            QTest::keyClicks(edit, QLatin1String(typed));
+            QTest::keyClick(edit, Qt::Key_Return);
+            QCOMPARE(head(), "2025年 5月"_s);
+        }
+        popup->close();
+    }
+
+    void fieldsHaveTheSharedMenu_data()
+    {
+        addColumns<QString, QString>({"field", "menu"});
+        newRow("line edit", "line", "撤销 重做 剪切 复制 粘贴 删除 全选");
+        newRow("password", "password", "粘贴 删除 全选");
+        newRow("date edit", "date", "打开日历 剪切 复制 粘贴 删除 全选");
+        newRow("read-only text", "text", "复制 全选");
+        newRow("label", "label", "复制 全选");
+        newRow("label that cannot be selected", "plain label", "");
+    }
+
+    void fieldsHaveTheSharedMenu()
+    {
+        QFETCH(QString, field);
+        QFETCH(QString, menu);
+        const EditMenus menus(qApp);
+        QApplication::clipboard()->setText("粘贴的"_s);
+        QWidget window;
+        auto *line = new LineEdit(&window);
+        auto *password = new LineEdit(&window);
+        auto *date = new DatePicker("日期"_s, &window);
+        auto *text = new QPlainTextEdit("很多字"_s, &window);
+        auto *label = new QLabel("标签"_s, &window);
+        auto *plain = new QLabel("标签"_s, &window);
+        const QHash<QString, QWidget *> fields{{"line"_s, line},
+                                               {"password"_s, password},
+                                               {"date"_s, date->findChild<QLineEdit *>()},
+                                               {"text"_s, text->viewport()},
+                                               {"label"_s, label},
+                                               {"plain label"_s, plain}};
+        for (LineEdit *edit : {line, password}) {
+            edit->setText("内容"_s);
+            edit->selectAll();
+            edit->end(false);
+            edit->insert("改过"_s);
+            edit->backspace();
+            edit->undo();
+            edit->selectAll();
+        }
+        password->setPassword(true);
+        date->choose(QDate(2026, 11, 24));
+        date->selectAll();
+        text->setReadOnly(true);
+        text->selectAll();
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        label->setSelection(0, 2);
+        showActive(&window);
+
+        QWidget *asked = fields.value(field);
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(1, 1),
+                                asked->mapToGlobal(QPoint(1, 1)));
+        QApplication::sendEvent(asked, &event);
+        auto *shown = qobject_cast<ContextMenu *>(QApplication::activePopupWidget());
+        QStringList texts;
+        QAction *pasting = nullptr;
+        const auto actions = shown ? shown->actions() : QList<QAction *>();
+        for (QAction *action : actions) {
+            const QString name = action->text().section(QLatin1Char('\t'), 0, 0);
+            if (action->isEnabled() && !action->isSeparator())
+                texts.append(name);
+            if (name == "粘贴"_s)
+                pasting = action;
+        }
+        QCOMPARE(texts.join(QLatin1Char(' ')), menu);
+        if (field == "line"_s) {
+            pasting->trigger();
+            QCOMPARE(line->text(), "粘贴的"_s);
+        }
+        delete shown;
     }
 
     void typingADateBeginsWithToday()

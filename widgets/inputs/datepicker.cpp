@@ -1,10 +1,12 @@
 #include "widgets/inputs/datepicker.h"
 
+#include "widgets/inputs/calendarhead.h"
 #include "widgets/inputs/glyphbutton.h"
 #include "widgets/inputs/inputs.h"
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
+#include <QAction>
 #include <QCalendarWidget>
 #include <QDebug>
 #include <QKeyEvent>
@@ -14,7 +16,6 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QStyle>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -23,14 +24,6 @@ const QLocale chinese(QLocale::Chinese, QLocale::China);
 /// Stands for "no date"; no studio has orders this old.
 const QDate noDate(1970, 1, 1);
 constexpr auto promptingProperty = "prompting";
-
-void useText(QCalendarWidget *calendar, const QString &button, const QString &text)
-{
-    if (auto *found = calendar->findChild<QToolButton *>(button)) {
-        found->setIcon(QIcon());
-        found->setText(text);
-    }
-}
 
 } // namespace
 
@@ -47,6 +40,11 @@ DatePicker::DatePicker(const QString &prompt, QWidget *parent) : QDateEdit(paren
     setMinimumHeight(theme::controlHeight());
     setFocusPolicy(Qt::StrongFocus);
     lineEdit()->installEventFilter(this);
+    auto *open = new QAction(QStringLiteral("打开日历"), this);
+    open->setShortcut(Qt::ALT + Qt::Key_Down);
+    open->setShortcutContext(Qt::WidgetShortcut);
+    connect(open, &QAction::triggered, this, &DatePicker::openCalendar);
+    addAction(open);
     connect(this, &QDateEdit::dateChanged, this, &DatePicker::showWhetherChosen);
     reset();
     showWhetherChosen();
@@ -130,11 +128,9 @@ void DatePicker::prepare(QCalendarWidget *calendar)
     calendar->setFirstDayOfWeek(Qt::Monday);
     calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     calendar->setMinimumSize(theme::calendarSize());
-    // The style's pictures keep their size at every scale; characters grow with the text.
-    useText(calendar, QStringLiteral("qt_calendar_prevmonth"), QStringLiteral("‹"));
-    useText(calendar, QStringLiteral("qt_calendar_nextmonth"), QStringLiteral("›"));
     calendar->setSelectedDate(isChosen() ? date() : QDate::currentDate());
     calendar->showSelectedDate();
+    CalendarHead::of(calendar)->writeAgain();
 }
 
 bool DatePicker::openOwnCalendar(QCalendarWidget *calendar)
@@ -218,8 +214,7 @@ void DatePicker::mouseReleaseEvent(QMouseEvent *event)
 void DatePicker::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
-    if (key == Qt::Key_F4 || key == Qt::Key_Space ||
-        (key == Qt::Key_Down && event->modifiers().testFlag(Qt::AltModifier))) {
+    if (key == Qt::Key_F4 || key == Qt::Key_Space) {
         openCalendar();
         return;
     }
