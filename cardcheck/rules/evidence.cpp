@@ -30,6 +30,8 @@ Look lookOf(State state)
         return {u"登记未核实", u"!", colours::unproved};
     case State::Upright:
         return {u"转正副本", u"!", colours::unproved};
+    case State::LooksUpright:
+        return {u"看来是转正副本", u"!", colours::unproved};
     case State::Unproved:
         return {u"转正副本，未核实", u"!", colours::unproved};
     case State::Waiting:
@@ -112,7 +114,9 @@ State stateOf(const Reading &card, const Place &place, const Reading &target,
         return State::Unreadable;
     if (card.bytes == target.bytes && !card.hash.isEmpty() && card.hash == target.hash)
         return provedState(card, place, target, list);
-    return place.isUpright ? uprightState(card, place, target) : State::ContentDiffers;
+    if (place.isUpright)
+        return uprightState(card, place, target);
+    return target.looksUpright ? State::LooksUpright : State::ContentDiffers;
 }
 
 bool isOnStorage(State state)

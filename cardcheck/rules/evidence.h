@@ -30,6 +30,8 @@ struct Reading
     qint64 bytes = -1;
     QByteArray hash; ///< empty as well when the size said enough
     Proof proof = Proof::None;
+    /// Of a target with other bytes: a picture that looks like the card's, made upright.
+    bool looksUpright = false;
 };
 
 /// Where a file of the card may stand.
@@ -70,6 +72,7 @@ enum class State {
     CacheOnly,         ///< same bytes, perhaps read from memory alone
     ServiceUnknown,    ///< same bytes; the service has not answered
     Upright,           ///< turned when it was imported: the camera's bytes are gone with the card
+    LooksUpright,      ///< the same by its looks; another machine has turned it
     Unproved,          ///< turned, and nothing tells what was written
     Waiting,           ///< not looked at yet
     Unreadable,

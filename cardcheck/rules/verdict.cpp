@@ -28,6 +28,7 @@ constexpr Reason redReasons[] = {
 
 constexpr Reason amberReasons[] = {
     {State::Upright, u"%1 张为转正副本，相机原始字节不在存储上"},
+    {State::LooksUpright, u"%1 张看来是别处导入的转正副本，无法逐字节证明"},
     {State::Unproved, u"%1 张转正副本没有校验记录"},
     {State::Unregistered, u"%1 个已复制未登记"},
     {State::ServiceUnknown, u"%1 个未能向服务端核实登记"},

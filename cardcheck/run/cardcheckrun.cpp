@@ -292,7 +292,8 @@ void CardCheckRun::compare(int index)
         checked.isReduced = flight.target.isReduced && state == State::Upright;
         findings_.files[index] = checked;
     }
-    const bool isGood = evidence::isOnStorage(state) || state == State::Upright;
+    const bool isGood =
+        evidence::isOnStorage(state) || state == State::Upright || state == State::LooksUpright;
     if (!isGood && flight.card.outcome == Reading::Outcome::Read &&
         flight.place + 1 < places_.at(index).size()) {
         ++flight.place;

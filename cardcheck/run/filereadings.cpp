@@ -1,6 +1,7 @@
 #include "cardcheck/run/filereadings.h"
 
 #include "pictures/picturereader.h"
+#include "pictures/uprightcopy.h"
 #include "platform/fileaccess.h"
 #include "platform/pathform.h"
 
@@ -78,8 +79,11 @@ TargetReading readTarget(const Ways &ways, const cardfiles::CardFile &source,
     if (ways.card.holds(path) || platform::isSameFile(path, source.path))
         return {{Outcome::OnCard, -1, {}, Proof::None}, false};
     const QFileInfo target(path);
-    if (!place.isUpright && target.isFile() && target.size() != source.bytes)
-        return {{Outcome::Read, target.size(), {}, Proof::None}, false};
+    if (!place.isUpright && target.isFile() && target.size() != source.bytes) {
+        Reading other{Outcome::Read, target.size(), {}, Proof::None};
+        other.looksUpright = place.copy == 0 && looksUprightCopyOf(source.path, path);
+        return {other, false};
+    }
     const Reading reading = read(ways, path);
     return {reading,
             place.isUpright && reading.outcome == Outcome::Read && isReducedTo(source.path, path)};

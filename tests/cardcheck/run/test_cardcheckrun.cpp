@@ -8,12 +8,14 @@
 #include "tests/support/democlient.h"
 #include "tests/support/files.h"
 #include "tests/support/patience.h"
+#include "tests/support/pictures.h"
 #include "tests/support/text.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTransform>
 
 using evidence::State;
 using verdict::Light;
@@ -142,6 +144,33 @@ private slots:
         QCOMPARE(verdict::of(findings()).headline, "不建议格式化（1 个已复制未登记）"_s);
         QCOMPARE(stateOf("A.JPG"_s), State::Verified);
         QCOMPARE(findings().files.at(1).place.target.section(QLatin1Char('\\'), -1), "B_1.CR2"_s);
+    }
+
+    /// Another machine has turned it: told by what can be seen, and never enough for green.
+    void knowsAnUprightCopyByItsLooks_data()
+    {
+        addColumns<QString>({"headline"});
+        newRow("turned", "不建议格式化（1 张看来是别处导入的转正副本，无法逐字节证明）");
+        newRow("another picture", "不能格式化（1 个内容不同）");
+        newRow("cut short", "不能格式化（1 个内容不同）");
+        newRow("still lying", "不能格式化（1 个内容不同）");
+    }
+
+    void knowsAnUprightCopyByItsLooks()
+    {
+        const QByteArray what = QTest::currentDataTag();
+        const QImage shot = cornerPicture({120, 80});
+        writeFile(card_ + "/DCIM/100X/T.JPG"_s, jpegOf(shot, 6));
+        QImage upright = shot.transformed(QTransform().rotate(90));
+        if (what == "another picture")
+            upright.invertPixels();
+        QByteArray copy = jpegOf(upright, what == "still lying" ? 6 : 1, 80);
+        if (what == "cut short")
+            copy.chop(copy.size() / 2);
+        registerFile(writeFile(orderFolder() + "/all/T.JPG"_s, copy));
+        request_.orders = {{order, wireForm(orderFolder())}};
+        check();
+        QTEST(verdict::of(findings()).headline, "headline");
     }
 
     void noticesThatTheCardChanges()

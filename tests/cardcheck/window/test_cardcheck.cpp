@@ -60,7 +60,7 @@ private slots:
         check();
         QCOMPARE(headline(), "不能格式化（1 个未导入）"_s);
         QCOMPARE(files()->model()->rowCount(), 2);
-        click("filter_13"); // not imported
+        click(qPrintable("filter_%1"_s.arg(int(evidence::State::NotImported))));
         QCOMPARE(files()->model()->rowCount(), 1);
         QVERIFY(files()->model()->index(0, 1).data().toString().endsWith("B.JPG"_s));
 
