@@ -8,6 +8,7 @@
 #include <QImage>
 #include <QLabel>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -124,6 +125,28 @@ void tourDistribution(Guide &guide)
                 "the failures are counted"_s);
     guide.picture(hand.window(), "distribution-failures"_s);
     guide.check(QFile::rename(photo + ".away"_s, photo), "the photo is back"_s);
+
+    guide.step("设计分件: 旧文件"_s);
+    const auto raws = [&made](const QString &beginning) {
+        return filesBelow(made.path())
+            .filter(".CR2"_s)
+            .filter(QRegularExpression(QLatin1Char('^') + beginning));
+    };
+    const int before = raws({}).size();
+    guide.check(before > 0 && raws("旧文件/"_s).isEmpty(), "raw files lie in the order's folder"_s);
+    hand.window()->findChild<QAbstractButton *>("option原始档"_s)->click();
+    guide.answerNextBox("确定"_s, "distribution-again-box"_s);
+    guide.click(hand.window(), "startButton");
+    guide.check(guide.boxText().contains("个文件不是本次写入的"_s),
+                "it is made again, without raw files"_s);
+    const auto *putAway = hand.window()->findChild<QAbstractButton *>("putAwayButton"_s);
+    guide.waitFor([putAway] { return putAway->isVisible() && putAway->isEnabled(); },
+                  "those of the run before are offered to be put away"_s);
+    guide.picture(hand.window(), "distribution-old-files"_s);
+    guide.click(hand.window(), "putAwayButton");
+    guide.waitFor([&raws, before] { return raws("旧文件/"_s).size() == before; },
+                  "they lie among the old files"_s);
+    guide.check(raws({}).size() == before, "and nowhere else"_s);
     hand.window()->close();
 
     tourCard(guide, "下载选片结果"_s, "selection"_s,
