@@ -146,6 +146,45 @@ private slots:
         QCOMPARE(findings().files.at(1).place.target.section(QLatin1Char('\\'), -1), "B_1.CR2"_s);
     }
 
+    /// Cards keep local time: an hour more or less is the same file, two hours are another one,
+    /// which is sought by name and size then.
+    void findsFilesAfterTheClocksWereChanged_data()
+    {
+        addColumns<int, QString>({"hours", "headline"});
+        newRow("on", 1, "可以格式化");
+        newRow("back", -1, "可以格式化");
+        newRow("otherwise", 2, "不能格式化（1 个未导入）");
+    }
+
+    void findsFilesAfterTheClocksWereChanged()
+    {
+        QFETCH(int, hours);
+        const QString photo = card_ + "/DCIM/100X/A.JPG"_s;
+        keepTime(photo, QFileInfo(photo).lastModified().addSecs(hours * 3600));
+        check();
+        QTEST(verdict::of(findings()).headline, "headline");
+    }
+
+    void knowsCamerasCards_data()
+    {
+        addColumns<QString, bool>({"path", "known"});
+        newRow("photos", "DCIM/100X/A.JPG", true);
+        newRow("small letters", "dcim/A.JPG", true);
+        newRow("videos", "PRIVATE/M4ROOT/CLIP/A.MP4", true);
+        newRow("older videos", "MP_ROOT/100/A.MP4", true);
+        newRow("deeper", "backup/DCIM/A.JPG", false);
+        newRow("a file", "DCIM", false);
+        newRow("a stick", "photos/A.JPG", false);
+    }
+
+    void knowsCamerasCards()
+    {
+        QFETCH(QString, path);
+        const QTemporaryDir drive;
+        writeFile(drive.filePath(path), "x");
+        QTEST(cardlister::isCamerasCard(drive.path()), "known");
+    }
+
     /// Another machine has turned it: told by what can be seen, and never enough for green.
     void knowsAnUprightCopyByItsLooks_data()
     {
