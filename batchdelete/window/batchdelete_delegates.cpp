@@ -15,6 +15,7 @@ namespace {
 using cellpainting::isClickIn;
 using cellpainting::paintButton;
 using cellpainting::paintCell;
+using cellpainting::paintTextButton;
 
 constexpr int gapPx = 6;
 constexpr int abovePx = 5;
@@ -116,9 +117,8 @@ void BatchDeleteProgressDelegate::paint(QPainter *painter, const QStyleOptionVie
         painter->fillRect(bar, colours::toColor(colours::accent));
     }
     for (int button = 0; button < ButtonCount; ++button) {
-        const QRgb colour = button == ViewSucceeded ? colours::start : colours::clearAction;
-        paintButton(painter, buttonRect(option.rect, Button(button)), text(Button(button)),
-                    hasButton(index, Button(button)) ? colour : colours::outline);
+        paintTextButton(painter, buttonRect(option.rect, Button(button)), text(Button(button)),
+                        hasButton(index, Button(button)));
     }
     painter->restore();
 }

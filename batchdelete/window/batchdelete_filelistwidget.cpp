@@ -32,6 +32,14 @@ QString chooseText()
     return QStringLiteral("请选择订单查看文件列表");
 }
 
+/// A path has no blanks at which a line could end: it may end behind every separator.
+QString breakable(QString path)
+{
+    const QString mayEnd(QChar(0x200b));
+    return path.replace(QLatin1Char('\\'), QLatin1Char('\\') + mayEnd)
+        .replace(QLatin1Char('/'), QLatin1Char('/') + mayEnd);
+}
+
 QString countText(const QVector<BatchDeleteFileInfo> &files)
 {
     return QStringLiteral("共 %1 个文件").arg(files.size());
@@ -41,11 +49,18 @@ QString countText(const QVector<BatchDeleteFileInfo> &files)
 
 BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
     : QWidget(parent)
+    , pathLabel_(new PlainLabel(this))
+    , noteLabel_(new PlainLabel(this))
     , countLabel_(new PlainLabel(this))
     , refreshButton_(new QPushButton(QStringLiteral("刷新"), this))
     , table_(new EmptyStateTable(this))
     , overlay_(new LoadingOverlay(table_))
 {
+    pathLabel_->setObjectName(QStringLiteral("folderLabel"));
+    noteLabel_->setObjectName(QStringLiteral("noteLabel"));
+    noteLabel_->setStyleSheet(theme::warningStyle());
+    for (QLabel *label : {pathLabel_, noteLabel_})
+        label->setWordWrap(true);
     countLabel_->setObjectName(QStringLiteral("fileCountLabel"));
     refreshButton_->setObjectName(QStringLiteral("refreshButton"));
     refreshButton_->setStyleSheet(theme::secondaryButtonStyle());
@@ -57,6 +72,8 @@ BatchDelete_FileListWidget::BatchDelete_FileListWidget(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(theme::spacing(), 0, 0, 0);
     layout->setSpacing(theme::spacing());
+    layout->addWidget(pathLabel_);
+    layout->addWidget(noteLabel_);
     layout->addLayout(head);
     layout->addWidget(table_, 1);
     connect(refreshButton_, &QPushButton::clicked, this,
@@ -154,6 +171,12 @@ void BatchDelete_FileListWidget::fill(const BatchDeleteOrderInfo &order,
     order_.setFiles({});
     model_.setFiles(files);
     table_->setEmptyText(emptyText);
+    pathLabel_->setText(order.netPath.isEmpty()
+                            ? QString()
+                            : QStringLiteral("导片路径: ") + breakable(order.netPath));
+    pathLabel_->setVisible(!order.netPath.isEmpty());
+    noteLabel_->setText(order.note);
+    noteLabel_->setVisible(!order.note.isEmpty());
     refreshButton_->setEnabled(!order_.identity().isEmpty());
 }
 

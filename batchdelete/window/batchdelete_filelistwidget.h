@@ -70,6 +70,8 @@ private:
     BatchDeleteOrderInfo order_; ///< without its files
     BatchDeleteFileModel model_;
     std::unique_ptr<FileScanThread> scan_;
+    QLabel *pathLabel_; ///< of the order's folder, which a deletion empties
+    QLabel *noteLabel_; ///< why the order was refused or what failed, whole
     QLabel *countLabel_;
     QPushButton *refreshButton_;
     EmptyStateTable *table_;

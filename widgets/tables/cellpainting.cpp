@@ -27,6 +27,12 @@ void paintButton(QPainter *painter, const QRect &button, const QString &text, QR
     painter->drawText(button, Qt::AlignCenter, text);
 }
 
+void paintTextButton(QPainter *painter, const QRect &button, const QString &text, bool enabled)
+{
+    painter->setPen(colours::toColor(enabled ? colours::accent : colours::muted));
+    painter->drawText(button, Qt::AlignCenter, text);
+}
+
 bool isClickIn(const QEvent *event, const QRect &button)
 {
     if (event->type() != QEvent::MouseButtonRelease)
