@@ -4,6 +4,7 @@
 #include "fileimport/rules/importrequests.h"
 #include "fileimport/rules/importrules.h"
 #include "fileimport/run/importrecording.h"
+#include "fileimport/window/filehalf.h"
 #include "fileimport/window/importfilepanel.h"
 #include "fileimport/window/importmarks.h"
 #include "fileimport/window/importorderpanel.h"
@@ -20,13 +21,11 @@
 #include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/filedroptable.h"
-#include "widgets/theme/theme.h"
 #include "widgets/windows/sharedwidth.h"
 
 #include <QClipboard>
 #include <QDebug>
 #include <QGuiApplication>
-#include <QSplitter>
 
 namespace {
 
@@ -44,7 +43,7 @@ ImportFiles::ImportFiles(QWidget *parent)
     : FramelessWindow(parent)
     , panel_(new ImportOrderPanel(&orders_))
     , filePanel_(new ImportFilePanel(&files_))
-    , rightHalf_(new QSplitter(Qt::Vertical))
+    , rightHalf_(new FileHalf(filePanel_, &files_))
     // The orders show their buttons, as far as what is on the right can spare the room.
     , halves_(new SharedWidth(panel_, rightHalf_,
                               [this](int width) {
@@ -62,9 +61,6 @@ ImportFiles::ImportFiles(QWidget *parent)
 {
     qRegisterMetaType<ImportFile>();
     qRegisterMetaType<ImportOrder>();
-    rightHalf_->setStyleSheet(theme::splitterStyle());
-    rightHalf_->setChildrenCollapsible(false);
-    rightHalf_->addWidget(filePanel_);
     setContent(halves_);
 
     progressTimer_.setInterval(progressIntervalMs);

@@ -15,6 +15,7 @@
 
 #include <memory>
 
+class FileHalf;
 class ImportFilePanel;
 class ImportMarks;
 class ImportOrderPanel;
@@ -22,7 +23,6 @@ class ImportRestorer;
 class OrderFileChooser;
 class OrderFinder;
 class OriginalView;
-class QSplitter;
 class ReportLine;
 class SharedWidth;
 
@@ -118,7 +118,7 @@ private:
 
     ImportOrderPanel *panel_;
     ImportFilePanel *filePanel_;
-    QSplitter *rightHalf_;
+    FileHalf *rightHalf_;
     SharedWidth *halves_;
     OrderFinder *finder_;
     OriginalView *photos_ = nullptr; ///< with originals only
