@@ -27,6 +27,8 @@ void FileHalf::share()
     if (count() < 2 || height() == 0 || wasEmpty_ == isEmpty)
         return;
     wasEmpty_ = isEmpty;
-    const int files = isEmpty ? widget(0)->minimumSizeHint().height() : height() / 2;
+    setStretchFactor(0, isEmpty ? 0 : 1); // so that it stays while the window grows
+    const int files =
+        isEmpty ? widget(0)->minimumSizeHint().height() + theme::rowHeight() : height() / 2;
     setSizes({files, height() - files});
 }
