@@ -69,4 +69,11 @@ void addPictureSeeds(Seeds *seeds)
     QMap<QString, QByteArray> &heads = (*seeds)[QStringLiteral("pictureheads")];
     heads = files;
     heads[QStringLiteral("camera-block")] = cameraBlock(8);
+    // The first byte says how they are read.
+    QMap<QString, QByteArray> &pictures = (*seeds)[QStringLiteral("pictures")];
+    for (auto file = files.cbegin(); file != files.cend(); ++file) {
+        constexpr char ways = 16;
+        for (char way = 0; way < ways; way = char(way + 3))
+            pictures[file.key() + QString::number(way)] = way + *file;
+    }
 }
