@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMetaType>
+#include <QString>
 
 /// What is known of a copy beyond that writing it did not fail. The numbers are kept on disk: new
 /// ones are added, none is changed.
@@ -20,5 +21,9 @@ constexpr bool isReadPastCache(Proof proof)
 {
     return proof == Proof::Server || proof == Proof::Medium;
 }
+
+/// What is proved of the file's bytes, no more: a copy whose size alone was compared is not called
+/// verified. Empty when nothing is.
+QString proofText(Proof proof);
 
 Q_DECLARE_METATYPE(Proof)

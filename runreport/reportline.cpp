@@ -1,16 +1,7 @@
 #include "runreport/reportline.h"
 
-#include "files/filewriting.h"
 #include "ledger/ledger.h"
-#include "tasks/background.h"
-#include "widgets/boxes/filedialog.h"
-#include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/noticebar.h"
-#include "widgets/boxes/toast.h"
-
-#include <QClipboard>
-#include <QDateTime>
-#include <QGuiApplication>
 
 namespace {
 
@@ -18,9 +9,17 @@ const QString lineId = QStringLiteral("runReport");
 
 } // namespace
 
-ReportLine::ReportLine(QWidget *window, NoticeBar *bar)
-    : QObject(window), window_(window), bar_(bar)
+ReportLine::ReportLine(FramelessWindow *window, NoticeBar *bar)
+    : QObject(window), page_(std::make_unique<RunPage>(window)), bar_(bar)
 {
+}
+
+ReportLine::~ReportLine() = default;
+
+void ReportLine::begin()
+{
+    takeAway();
+    page_->failures()->clear();
 }
 
 void ReportLine::tellOf(const Run &run)
@@ -35,9 +34,8 @@ void ReportLine::tellOf(const Run &run)
                 return report;
             },
             reading_.only([this, run](const RunReport &report) {
-                if (report.isEmpty())
-                    return;
-                told_ = report.run;
+                if (!report.isEmpty())
+                    told_ = report.run;
                 show(report, run);
             }));
     }));
@@ -47,48 +45,29 @@ void ReportLine::takeAway()
 {
     reading_.abandon();
     bar_->remove(lineId);
+    page_->dropReport();
 }
 
 void ReportLine::show(const RunReport &report, const Run &run)
 {
+    const int failed = page_->failures()->rowCount();
+    if (report.isEmpty() && failed == 0)
+        return;
+    if (!report.isEmpty())
+        page_->showReport(report);
+    if (failed > 0)
+        page_->openBeside();
     Notice notice;
     notice.id = lineId;
-    notice.severity = report.isGood() ? Notice::Severity::Information : Notice::Severity::Warning;
-    notice.text = report.headline();
-    notice.actions = {{QStringLiteral("查看"), [this, report] { showAll(report); }},
-                      {QStringLiteral("复制"),
-                       [this, report] {
-                           QGuiApplication::clipboard()->setText(
-                               report.headline() + QLatin1Char('\n') +
-                               report.lines().join(QLatin1Char('\n')));
-                           Toast::show(window_, QStringLiteral("导入结果已复制"));
-                       }},
-                      {QStringLiteral("导出"), [this, report] { save(report); }}};
-    if (report.failed() > 0 || (run.registersAgain && report.unregistered() > 0))
+    notice.severity =
+        report.isGood() && failed == 0 ? Notice::Severity::Information : Notice::Severity::Warning;
+    notice.text =
+        report.isEmpty() ? QStringLiteral("%1 个文件失败").arg(failed) : report.headline();
+    notice.actions = {{QStringLiteral("查看"), [this] { page_->open(); }},
+                      {QStringLiteral("复制"), [this] { page_->copy(); }},
+                      {QStringLiteral("导出"), [this] { page_->save(); }}};
+    if (report.failed() > 0 || failed > 0 || (run.registersAgain && report.unregistered() > 0))
         notice.actions.append({QStringLiteral("全部重试"), run.retryAll});
     notice.dismissed = [this] { takeAway(); };
     bar_->setNotice(notice);
-}
-
-void ReportLine::showAll(const RunReport &report)
-{
-    MessageBox::information(window_, BoxText(report.headline(), report.lines()).copyable());
-}
-
-void ReportLine::save(const RunReport &report)
-{
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss"));
-    const QString path = FileDialog::saveFile(
-        window_, QStringLiteral("导出"), QStringLiteral("导入结果-%1.csv").arg(now),
-        QStringLiteral("CSV (*.csv)"), QStringLiteral("history"));
-    if (path.isEmpty())
-        return;
-    onDisk(
-        this, path, [path, report] { return writeBytes(path, report.csv()); },
-        [this, path](bool isWritten) {
-            if (isWritten)
-                Toast::show(window_, QStringLiteral("已导出: %1").arg(path));
-            else
-                MessageBox::warning(window_, QStringLiteral("文件保存失败: %1").arg(path));
-        });
 }

@@ -1,19 +1,21 @@
 #pragma once
 
-#include "runreport/runreport.h"
+#include "runreport/runpage.h"
 #include "tasks/latest.h"
 
 #include <QObject>
 #include <QString>
 
 #include <functional>
+#include <memory>
 
 class NoticeBar;
 class QWidget;
 
 /// Tells in a window's bar what its last run did, beside the box that tells of its end: the counts
-/// of all orders, each order on demand, for the clipboard and as a file. Without a ledger it tells
-/// nothing. Belongs to the window; interface thread, waits for nothing.
+/// of all orders; each order on the run's page, which opens by itself when files have failed, and
+/// which lists them while the run goes on. Without a ledger it tells of failures alone. Belongs to
+/// the window; interface thread, waits for nothing.
 class ReportLine : public QObject
 {
     Q_OBJECT
@@ -30,19 +32,22 @@ public:
     };
 
     /// \a bar is the window's.
-    ReportLine(QWidget *window, NoticeBar *bar);
+    ReportLine(FramelessWindow *window, NoticeBar *bar);
+    ~ReportLine() override;
 
+    RunPage *page() { return page_.get(); }
+    FailureModel *failures() { return page_->failures(); }
+
+    /// A run begins: nothing is known of it.
+    void begin();
     /// Of none twice.
     void tellOf(const Run &run);
-    /// Another run begins.
+    /// What it tells is not true any more.
     void takeAway();
 
 private:
     void show(const RunReport &report, const Run &run);
-    void showAll(const RunReport &report);
-    void save(const RunReport &report);
-
-    QWidget *window_;
+    std::unique_ptr<RunPage> page_;
     NoticeBar *bar_;
     Latest reading_;
     ledger::RunId told_ = 0; ///< the latest that was told of

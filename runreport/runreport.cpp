@@ -50,6 +50,8 @@ OrderReport OrderReport::of(const ledger::Entry &entry, const QVector<ledger::Co
             continue;
         }
         ++report.copied;
+        if (copy.proof != Proof::None)
+            ++report.proofs[copy.proof];
         report.verified += int(copy.proof) > int(Proof::Size) ? 1 : 0;
         switch (copy.registration) {
         case ledger::Registration::Done:
@@ -65,6 +67,17 @@ OrderReport OrderReport::of(const ledger::Entry &entry, const QVector<ledger::Co
         }
     }
     return report;
+}
+
+QString OrderReport::proofText() const
+{
+    QStringList texts;
+    // What proves more stands first.
+    for (auto proof = proofs.cend(); proof != proofs.cbegin();) {
+        --proof;
+        texts.append(QStringLiteral("%1 %2").arg(::proofText(proof.key())).arg(proof.value()));
+    }
+    return texts.join(QStringLiteral("，"));
 }
 
 RunReport RunReport::ofLatest(const LedgerReader &reader, ledger::Work work, ledger::RunId told)
@@ -145,17 +158,18 @@ QStringList RunReport::lines() const
 QByteArray RunReport::csv() const
 {
     QByteArray table = csv::mark();
-    table +=
-        csv::line({QStringLiteral("订单号"), QStringLiteral("客户"), QStringLiteral("选择"),
-                   QStringLiteral("已拷贝"), QStringLiteral("已核对"), QStringLiteral("已登记"),
-                   QStringLiteral("未登记"), QStringLiteral("不登记的类型"), QStringLiteral("失败"),
-                   QStringLiteral("文件"), QStringLiteral("原因")});
+    table += csv::line({QStringLiteral("订单号"), QStringLiteral("客户"), QStringLiteral("选择"),
+                        QStringLiteral("已拷贝"), QStringLiteral("已核对"),
+                        QStringLiteral("核对方式"), QStringLiteral("已登记"),
+                        QStringLiteral("未登记"), QStringLiteral("不登记的类型"),
+                        QStringLiteral("失败"), QStringLiteral("文件"), QStringLiteral("原因")});
     for (const OrderReport &order : orders) {
         table += csv::line({order.number,
                             order.name,
                             QString::number(order.chosen),
                             QString::number(order.copied),
                             QString::number(order.verified),
+                            order.proofText(),
                             QString::number(order.registered),
                             QString::number(order.unregistered),
                             QString::number(order.unannounced),
@@ -165,6 +179,7 @@ QByteArray RunReport::csv() const
         for (const OrderReport::Failure &failure : order.failures)
             table += csv::line({order.number,
                                 order.name,
+                                {},
                                 {},
                                 {},
                                 {},

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QMap>
 #include <QMetaType>
 #include <QString>
 #include <QStringList>
@@ -25,11 +26,15 @@ struct OrderReport
     QString name;
     int chosen = 0;
     int copied = 0;
-    int verified = 0; ///< copied, and proved by more than their size
+    int verified = 0;        ///< copied, and proved by more than their size
+    QMap<Proof, int> proofs; ///< how many of the copied ones are proved how
     int registered = 0;
     int unregistered = 0; ///< copied, and the service was not told
     int unannounced = 0;  ///< copied, of a kind that the service is not told of
     QVector<Failure> failures;
+
+    /// "已从服务器读回 38，大小一致 2"
+    QString proofText() const;
 
     static OrderReport of(const ledger::Entry &entry, const QVector<ledger::Copy> &copies);
 };

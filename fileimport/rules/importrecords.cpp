@@ -37,6 +37,15 @@ bool ImportOrder::applyResult(const ImportFile &file)
     return true;
 }
 
+int ImportOrder::failedFile(const QString &sourcePath) const
+{
+    const auto file =
+        std::find_if(files.cbegin(), files.cend(), [&sourcePath](const ImportFile &each) {
+            return each.state == ImportFile::Failed && each.sourcePath == sourcePath;
+        });
+    return file == files.cend() ? -1 : int(file - files.cbegin());
+}
+
 PhotoState ImportOrder::photoState() const
 {
     if (importing)

@@ -70,6 +70,8 @@ struct ImportOrder : orderqueries::OrderInfo
     int countOf(ImportFile::State state) const;
     bool hasUnfinishedFile() const; ///< any file that is not imported
     PhotoState photoState() const;
+    /// Position of the file that was chosen at \a sourcePath and has failed; -1 without one.
+    int failedFile(const QString &sourcePath) const;
     /// Writes a copy's result into the file at the same position. False, and nothing changes, when
     /// another file stands there.
     bool applyResult(const ImportFile &file);

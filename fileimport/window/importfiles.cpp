@@ -21,6 +21,7 @@
 #include "widgets/orders/orderfinder.h"
 #include "widgets/orders/ordersearchbar.h"
 #include "widgets/tables/filedroptable.h"
+#include "widgets/tables/transferview.h"
 #include "widgets/windows/sharedwidth.h"
 
 #include <QClipboard>
@@ -91,6 +92,7 @@ ImportFiles::ImportFiles(QWidget *parent)
                            panel_->keepPlaceWhile([&] { orders_.setOrders(orders); });
                        });
     connectPanel();
+    connectFailures();
     setMode(int(ImportMode::Originals));
 }
 
@@ -174,6 +176,24 @@ void ImportFiles::connectPanel()
     });
 }
 
+void ImportFiles::connectFailures()
+{
+    connect(report_->failures(), &FailureModel::countChanged, this, [this](int failures) {
+        panel_->progress()->setFailures(failures);
+        if (!importing_)
+            setWork(report_->failures()->workAtRest());
+    });
+    connect(panel_->progress(), &TransferView::failuresClicked, report_->page(), &RunPage::open);
+    report_->page()->setRetry({[this](const QVector<RunFailure> &failures) { retry(failures); },
+                               [this] {
+                                   if (importing_)
+                                       retry(QVector<RunFailure>(report_->failures()->failures()));
+                                   else
+                                       retryAll();
+                               },
+                               {}});
+}
+
 void ImportFiles::connectRun()
 {
     const ImportRun *run = run_.get();
@@ -182,6 +202,8 @@ void ImportFiles::connectRun()
             [this](const OrderIdentity &orderId, const QVector<ImportFile> &files) {
                 orders_.change(orders_.rowOf(orderId),
                                [&files](ImportOrder &order) { order.files = files; });
+                for (const ImportFile &file : files)
+                    noteFailure(orderId, file);
                 if (orderId == shownOrderId_)
                     files_.setFiles(files);
             });
@@ -391,6 +413,10 @@ void ImportFiles::onFilesDropped(int row, const QStringList &paths)
 
 void ImportFiles::onFilesChosen(int row)
 {
+    const ImportOrder &order = orders_.order(row);
+    report_->failures()->takeOrder(order.identity());
+    for (const ImportFile &file : order.files)
+        noteFailure(order.identity(), file);
     if (orders_.order(row).identity() == shownOrderId_)
         files_.setFiles(orders_.order(row).files);
 }
@@ -472,15 +498,15 @@ void ImportFiles::setImporting(bool importing)
     panel_->setRunning(importing);
     marks_->setImporting(importing);
     if (importing) {
-        report_->takeAway();
+        report_->begin();
         rate_.clear();
         clock_.start();
         progressTimer_.start();
         refreshProgress();
     } else {
         progressTimer_.stop();
-        panel_->hideProgress();
-        setWork({});
+        panel_->progress()->hide();
+        setWork(report_->failures()->workAtRest());
     }
 }
 
@@ -488,15 +514,50 @@ void ImportFiles::refreshProgress()
 {
     const TransferProgress progress = run_->progress();
     rate_.add(clock_.elapsed(), progress);
-    panel_->showProgress(progress, rate_);
+    panel_->progress()->showProgress(progress, rate_);
     setWork(progress.work(WorkProgress::State::Running));
 }
 
 void ImportFiles::onFileChanged(const OrderIdentity &orderId, const ImportFile &file)
 {
     const int position = orders_.applyFile(orders_.rowOf(orderId), file);
+    noteFailure(orderId, file);
     if (orderId == shownOrderId_)
         files_.updateRow(position, file.state, file.message);
+}
+
+void ImportFiles::noteFailure(const OrderIdentity &orderId, const ImportFile &file)
+{
+    const int row = orders_.rowOf(orderId);
+    if (file.state == ImportFile::Failed && row >= 0)
+        report_->failures()->put({orderId, orders_.order(row).displayName(), file.sourcePath,
+                                  file.fileName(), file.message});
+    else
+        report_->failures()->take(orderId, file.sourcePath);
+}
+
+/// What failed is tried again within a run, too.
+void ImportFiles::retry(const QVector<RunFailure> &failures)
+{
+    QVector<ImportOrder> orders;
+    for (const RunFailure &failure : failures) {
+        const int row = orders_.rowOf(failure.order);
+        if (row >= 0)
+            orders.append(orders_.order(row));
+    }
+    if (orders.isEmpty())
+        Toast::show(this, QStringLiteral("订单已不在列表中，请先查找"));
+    if (orders.isEmpty() || chooser_->isBusy() || refusesForOtherTool(orders))
+        return;
+    abandonSearch();
+    report_->takeAway();
+    for (const RunFailure &failure : failures) {
+        // As the retries before have left it.
+        const int row = orders_.rowOf(failure.order);
+        const int file = row < 0 ? -1 : orders_.order(row).failedFile(failure.key);
+        if (file >= 0)
+            run_->retry(orders_.order(row), file, branch_.identity());
+    }
 }
 
 void ImportFiles::onRetryImportClicked(int row)

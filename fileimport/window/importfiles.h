@@ -6,6 +6,7 @@
 #include "fileimport/window/importordertablemodel.h"
 #include "files/sharedfolderopener.h"
 #include "net/branchsession.h"
+#include "runreport/runfailure.h"
 #include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
@@ -77,6 +78,7 @@ protected:
 private:
     void connectPanel();
     void connectRun();
+    void connectFailures();
     void showPhotoView(bool shown);
     bool hasLiveWork() const;
     void finishClosingWhenIdle();
@@ -99,6 +101,8 @@ private:
     void onRegisterAgainClicked(int row);
     void setImporting(bool importing);
     void refreshProgress();
+    void noteFailure(const OrderIdentity &orderId, const ImportFile &file);
+    void retry(const QVector<RunFailure> &failures);
     const ImportOrder *shownOrder() const;
 
     ImportMode mode_ = ImportMode::Originals;

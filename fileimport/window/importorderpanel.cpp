@@ -216,13 +216,3 @@ void ImportOrderPanel::setRunning(bool running)
     else
         showRunButton(startButton_, QStringLiteral("开始全部导入"), theme::startButtonStyle());
 }
-
-void ImportOrderPanel::showProgress(const TransferProgress &progress, const TransferRate &rate)
-{
-    progress_->showProgress(progress, rate);
-}
-
-void ImportOrderPanel::hideProgress()
-{
-    progress_->hide();
-}

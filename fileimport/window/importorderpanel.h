@@ -52,8 +52,7 @@ public:
     void offerCardCheck(bool offered);
     /// Whether the start button stops instead.
     void setRunning(bool running);
-    void showProgress(const TransferProgress &progress, const TransferRate &rate);
-    void hideProgress();
+    TransferView *progress() const { return progress_; }
 
 signals:
     void selectionChanged();

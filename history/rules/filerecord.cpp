@@ -53,7 +53,7 @@ FileRecord FileRecord::of(const ledger::Copy &copy)
     if (!copy.failure.isEmpty())
         file.stateText =
             copy.isFinished() ? file.stateText + QStringLiteral("：") + copy.failure : copy.failure;
-    file.proof = recordtexts::proofText(copy.proof);
+    file.proof = proofText(copy.proof);
     file.bytes = copy.targetBytes < 0 ? copy.sourceBytes : copy.targetBytes;
     file.timeMs = copy.isFinished() ? copy.finishedMs : copy.begunMs;
     file.source = copy.source;

@@ -80,25 +80,6 @@ QString kindText(ledger::CopyKind kind)
     return {};
 }
 
-QString proofText(ledger::Proof proof)
-{
-    switch (proof) {
-    case ledger::Proof::None:
-        break;
-    case ledger::Proof::Size:
-        return QStringLiteral("大小一致");
-    case ledger::Proof::Cache:
-        return QStringLiteral("已读回（缓存）");
-    case ledger::Proof::Server:
-        return QStringLiteral("已从服务器读回");
-    case ledger::Proof::Medium:
-        return QStringLiteral("已从介质读回");
-    case ledger::Proof::Derived:
-        return QStringLiteral("由原片生成，可完整读取");
-    }
-    return {};
-}
-
 Ending endingOf(const ledger::Entry &entry)
 {
     const int open =

@@ -17,9 +17,6 @@ QString sizeText(qint64 bytes);
 /// A card's label and serial number.
 QString cardText(const ledger::Volume &volume);
 QString kindText(ledger::CopyKind kind);
-/// What is proved of the file's bytes, no more: a copy whose size alone was compared is not called
-/// verified.
-QString proofText(ledger::Proof proof);
 
 /// How one run ended for one order.
 enum class Ending { Good, GoesOn, BrokenOff, Unregistered, Failed };

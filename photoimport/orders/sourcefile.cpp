@@ -64,6 +64,14 @@ QStringList SourceFile::failureReasons() const
     return reasons;
 }
 
+QString SourceFile::wholeFailure() const
+{
+    QStringList lines{failureText()};
+    lines += failureReasons();
+    lines.removeAll(QString());
+    return lines.join(QLatin1Char('\n'));
+}
+
 FilesSummary summarise(const QVector<SourceFile> &files)
 {
     FilesSummary summary;

@@ -52,6 +52,8 @@ struct SourceFile
     QString failureText() const;
     /// Why jobs failed, each reason once; empty when that is not known.
     QStringList failureReasons() const;
+    /// failureText() and below it the reasons, a line each; empty when all is well.
+    QString wholeFailure() const;
 };
 
 /// How far an order's files are, counted from their states.

@@ -6,6 +6,7 @@
 #include "widgets/boxes/messagebox.h"
 #include "widgets/boxes/toast.h"
 
+#include <numeric>
 #include <utility>
 
 PhotoImportStarter::PhotoImportStarter(QWidget *window, tforderlistmodel *orders,
@@ -57,8 +58,15 @@ void PhotoImportStarter::retry(int row, const QSet<int> &indexes)
 
 void PhotoImportStarter::retryAll()
 {
+    QVector<int> rows(orders_->orders().size());
+    std::iota(rows.begin(), rows.end(), 0);
+    retryOrders(rows);
+}
+
+void PhotoImportStarter::retryOrders(const QVector<int> &rows)
+{
     QVector<int> failed;
-    for (int row = 0; row < orders_->orders().size(); ++row) {
+    for (const int row : rows) {
         const FilesToRetry files = filesToRetry(orders_->files(row), {});
         if (run_->isQueuedOrActive(row) ||
             !run_->registerAgain(row, files.unregistered, ways_.identity()))

@@ -37,6 +37,8 @@ public:
     void retry(int row, const QSet<int> &indexes);
     /// The same for all orders.
     void retryAll();
+    /// The same for these, with what has not been imported yet.
+    void retryOrders(const QVector<int> &rows);
 
 signals:
     /// Orders are about to start, and none was being imported.

@@ -17,6 +17,7 @@
 #include "widgets/boxes/noticebar.h"
 #include "widgets/boxes/toast.h"
 #include "widgets/frame/macwindowmanager.h"
+#include "widgets/tables/transferview.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
 #include "widgets/windows/sharedwidth.h"
@@ -101,6 +102,7 @@ tfhome::tfhome(QWidget *parent)
     connectBar();
     connectRun();
     connectDeletion();
+    connectFailures();
 }
 
 tfhome::~tfhome()
@@ -172,6 +174,7 @@ void tfhome::connectPhotos()
         [this, shown](const QStringList &paths) { chooser_->take(shown(), paths, true); },
         Qt::QueuedConnection);
     connect(chooser_, &tffilechooser::filesChanged, this, [this](const OrderIdentity &orderId) {
+        noteFailures(orderId);
         if (orderId == shownOrderId_)
             showSelectedOrder();
     });
@@ -208,7 +211,11 @@ void tfhome::connectRun()
         rate_.clear();
         clock_.start();
     });
-    connect(starter_, &PhotoImportStarter::started, this, &tfhome::showSelectedOrder);
+    connect(starter_, &PhotoImportStarter::started, this, [this] {
+        showSelectedOrder();
+        for (const PhotoOrder &order : orders_.orders())
+            noteFailures(order.identity());
+    });
     connect(&run_, &PhotoImportRun::fileChanged, this, &tfhome::showFile);
     connect(&run_, &PhotoImportRun::fileChanged, &lastAnswers_, [this] {
         if (lastAnswers_.isActive())
@@ -223,6 +230,20 @@ void tfhome::connectRun()
     connect(&run_, &PhotoImportRun::recorded, this, &tfhome::report);
     connect(&run_, &PhotoImportRun::countsStale, orderPanel_, &tfhomeorders::refreshImportCounts);
     connect(&run_, &PhotoImportRun::workersEnded, this, &tfhome::endClosing);
+}
+
+void tfhome::connectFailures()
+{
+    connect(report_->failures(), &FailureModel::countChanged, this, [this](int failures) {
+        bar_->progress()->setFailures(failures);
+        if (!run_.isBusy())
+            setWork(report_->failures()->workAtRest());
+    });
+    connect(bar_->progress(), &TransferView::failuresClicked, report_->page(), &RunPage::open);
+    report_->page()->setRetry(
+        {[this](const QVector<RunFailure> &failures) { retryFailed(failures); },
+         [this] { starter_->retryAll(); },
+         {}});
 }
 
 void tfhome::connectDeletion()
@@ -315,6 +336,7 @@ void tfhome::removeFiles(const QVector<int> &photoRows)
     if (indexes.isEmpty())
         return;
     orders_.removeFiles(row, indexes);
+    noteFailures(shownOrderId_);
     showSelectedOrder();
 }
 
@@ -362,18 +384,19 @@ void tfhome::refreshState()
     marks_->setImporting(run_.isBusy());
     const TransferProgress progress = run_.progress();
     if (run_.isImporting() && run_.pool()->isPaused()) {
-        bar_->showPaused(progress);
+        bar_->progress()->showPaused(progress);
         setWork(progress.work(WorkProgress::State::Paused));
     } else if (run_.isImporting()) {
         rate_.add(clock_.elapsed(), progress);
-        bar_->showProgress(progress, rate_);
+        bar_->progress()->showProgress(progress, rate_);
         setWork(progress.work(WorkProgress::State::Running));
     } else if (run_.isBusy()) {
-        bar_->showRegistering(run_.pendingRegistrations());
+        bar_->progress()->showRest(
+            QStringLiteral("正在登记，剩余 %1").arg(run_.pendingRegistrations()));
         setWork(progress.work(WorkProgress::State::Running));
     } else {
-        bar_->hideProgress();
-        setWork({});
+        bar_->progress()->hide();
+        setWork(report_->failures()->workAtRest());
         progressTimer_.stop();
         endClosing();
         return;
@@ -384,8 +407,57 @@ void tfhome::refreshState()
 
 void tfhome::showFile(const OrderIdentity &orderId, int index)
 {
+    const int row = orders_.rowOf(orderId);
+    const SourceFile &file = orders_.files(row).at(index);
     if (orderId == shownOrderId_)
-        photos_.updateFile(index, orders_.files(orders_.rowOf(orderId)).at(index));
+        photos_.updateFile(index, file);
+    noteFailure(orders_.order(row), file);
+}
+
+void tfhome::noteFailure(const PhotoOrder &order, const SourceFile &file)
+{
+    const QString failure = file.wholeFailure();
+    if (failure.isEmpty())
+        report_->failures()->take(order.identity(), file.path);
+    else
+        report_->failures()->put(
+            {order.identity(), order.displayName(), file.path, file.name, failure});
+}
+
+/// After files were added, taken away or reset.
+void tfhome::noteFailures(const OrderIdentity &orderId)
+{
+    report_->failures()->takeOrder(orderId);
+    const int row = orders_.rowOf(orderId);
+    if (row < 0)
+        return;
+    for (const SourceFile &file : orders_.files(row))
+        noteFailure(orders_.order(row), file);
+}
+
+void tfhome::retryFailed(const QVector<RunFailure> &failures)
+{
+    QVector<int> rows;
+    QSet<QString> paths;
+    for (const RunFailure &failure : failures) {
+        const int row = orders_.rowOf(failure.order);
+        if (row >= 0 && !rows.contains(row))
+            rows.append(row);
+        paths.insert(failure.key);
+    }
+    if (rows.isEmpty()) {
+        Toast::show(this, QStringLiteral("订单已不在列表中，请先查找"));
+    } else if (rows.size() > 1) {
+        starter_->retryOrders(rows);
+    } else {
+        QSet<int> indexes;
+        const QVector<SourceFile> &files = orders_.files(rows.first());
+        for (int index = 0; index < files.size(); ++index) {
+            if (paths.contains(files.at(index).path))
+                indexes.insert(index);
+        }
+        starter_->retry(rows.first(), indexes);
+    }
 }
 
 void tfhome::announceEnd(const RunOutcome &outcome)

@@ -4,6 +4,7 @@
 #include "photoimport/imported/tfphotolistmodel.h"
 #include "photoimport/orders/tforderlistmodel.h"
 #include "photoimport/run/photoimportrun.h"
+#include "runreport/runfailure.h"
 #include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
@@ -55,6 +56,7 @@ private:
     void connectPhotos();
     void connectBar();
     void connectRun();
+    void connectFailures();
     void connectDeletion();
 
     // Choosing.
@@ -69,6 +71,9 @@ private:
     void retry(const QVector<int> &photoRows);
     void refreshState();
     void showFile(const OrderIdentity &orderId, int index);
+    void noteFailure(const PhotoOrder &order, const SourceFile &file);
+    void noteFailures(const OrderIdentity &orderId);
+    void retryFailed(const QVector<RunFailure> &failures);
     void announceEnd(const RunOutcome &outcome);
     void report();
     void tell(const QString &problem);

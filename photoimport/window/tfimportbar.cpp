@@ -93,23 +93,3 @@ void tfimportbar::setPaused(bool paused)
     pauseButton_->setShortcut(Qt::CTRL + Qt::Key_P);
     setPlainTip(pauseButton_, pauseButton_->shortcut().toString(QKeySequence::NativeText));
 }
-
-void tfimportbar::showProgress(const TransferProgress &progress, const TransferRate &rate)
-{
-    progress_->showProgress(progress, rate);
-}
-
-void tfimportbar::showPaused(const TransferProgress &progress)
-{
-    progress_->showPaused(progress);
-}
-
-void tfimportbar::showRegistering(int pending)
-{
-    progress_->showRest(QStringLiteral("正在登记，剩余 %1").arg(pending));
-}
-
-void tfimportbar::hideProgress()
-{
-    progress_->hide();
-}

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "files/transferprogress.h"
 #include "photoimport/rules/photoimportrecords.h"
 
 #include <QWidget>
@@ -25,11 +24,7 @@ public:
     /// they are found again.
     void setRunning(bool running, bool registering);
     void setPaused(bool paused);
-    void showProgress(const TransferProgress &progress, const TransferRate &rate);
-    void showPaused(const TransferProgress &progress);
-    /// Registrations that are still to be sent; the progress stays without a rate.
-    void showRegistering(int pending);
-    void hideProgress();
+    TransferView *progress() const { return progress_; }
 
 signals:
     void photoModeChosen(PhotoMode mode);

@@ -194,7 +194,7 @@ private slots:
     {
         QStringList names;
         for (int proof = 0; proof <= int(ledger::Proof::Derived); ++proof)
-            names.append(recordtexts::proofText(ledger::Proof(proof)));
+            names.append(proofText(Proof(proof)));
         QCOMPARE(names,
                  QStringList({QString(), "大小一致"_s, "已读回（缓存）"_s, "已从服务器读回"_s,
                               "已从介质读回"_s, "由原片生成，可完整读取"_s}));

@@ -4,6 +4,7 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
+#include <QHBoxLayout>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -40,6 +41,7 @@ TransferView::TransferView(QWidget *parent)
     , label_(line("progressLabel", this))
     , current_(line("progressCurrent", this))
     , bar_(new QProgressBar(this))
+    , failures_(new QPushButton(this))
 {
     current_->setStyleSheet(theme::hintStyle());
     bar_->setObjectName(QStringLiteral("progressBar"));
@@ -50,7 +52,15 @@ TransferView::TransferView(QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(theme::spacing() / 2);
-    layout->addWidget(label_);
+    failures_->setObjectName(QStringLiteral("failuresButton"));
+    failures_->setStyleSheet(theme::textButtonStyle());
+    connect(failures_, &QPushButton::clicked, this, &TransferView::failuresClicked);
+    setFailures(0);
+    auto *top = new QHBoxLayout;
+    top->setSpacing(theme::spacing());
+    top->addWidget(label_, 1);
+    top->addWidget(failures_);
+    layout->addLayout(top);
     layout->addWidget(bar_);
     layout->addWidget(current_);
     hide();
@@ -69,6 +79,12 @@ void TransferView::showPaused(const TransferProgress &progress)
 void TransferView::showRest(const QString &text)
 {
     showLine(text, {}, allSteps);
+}
+
+void TransferView::setFailures(int count)
+{
+    failures_->setText(QStringLiteral("失败 %1，查看").arg(count));
+    failures_->setVisible(count > 0);
 }
 
 void TransferView::showLine(const QString &text, const QString &current, int steps)

@@ -21,6 +21,11 @@ public:
     void showPaused(const TransferProgress &progress);
     /// All is copied; \a text tells what is still going on.
     void showRest(const QString &text);
+    /// How many files have failed so far; those are offered to be looked at.
+    void setFailures(int count);
+
+signals:
+    void failuresClicked();
 
 private:
     void showLine(const QString &text, const QString &current, int steps);
@@ -28,6 +33,7 @@ private:
     QLabel *label_;
     QLabel *current_;
     QProgressBar *bar_;
+    QPushButton *failures_;
 };
 
 /// Gives the button that starts and stops a run its text and look of the moment. Ctrl+Enter presses
