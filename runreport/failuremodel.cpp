@@ -10,13 +10,13 @@ using Model = FailureModel;
 using Column = records::Column<RunFailure>;
 using records::from;
 
-/// Paths have no blanks to be wrapped at.
+/// Paths and names of files have no blanks to be wrapped at.
 QVariant wrappable(const RunFailure &failure)
 {
     QString reason;
     for (const QChar letter : failure.reason) {
         reason += letter;
-        if (letter == QLatin1Char('/') || letter == QLatin1Char('\\'))
+        if (QStringLiteral("/\\_-.").contains(letter))
             reason += QChar(0x200b);
     }
     return reason;

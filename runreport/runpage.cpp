@@ -59,6 +59,8 @@ RunPage::RunPage(FramelessWindow *tool)
     splitter->setChildrenCollapsible(false);
     splitter->addWidget(buildOrders());
     splitter->addWidget(view_);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 2);
     auto *content = new QWidget;
     auto *layout = new QVBoxLayout(content);
     layout->setContentsMargins(theme::margin(), theme::margin(), theme::margin(), theme::margin());
