@@ -59,7 +59,8 @@ double TransferProgress::share() const
 
 void TransferRate::add(qint64 ms, const TransferProgress &progress)
 {
-    speeds_.add(ms, progress.filesDone, progress.bytesDone);
+    // Bytes that nobody knows of before foretell nothing.
+    speeds_.add(ms, progress.filesDone, progress.bytesTotal > 0 ? progress.bytesDone : 0);
     if (!samples_.empty() && progress.bytesDone < samples_.back().bytes)
         samples_.clear(); // a file that failed takes its bytes back
     samples_.push_back({ms, progress.bytesDone});

@@ -111,6 +111,7 @@ void BatchDeleteOrderInfo::setFiles(const QVector<BatchDeleteFileInfo> &files)
 {
     files_ = files;
     succeeded_ = failed_ = unreported_ = 0;
+    bytes_ = bytesDone_ = 0;
     for (const BatchDeleteFileInfo &file : files)
         count(file, 1);
 }
@@ -130,6 +131,9 @@ void BatchDeleteOrderInfo::count(const BatchDeleteFileInfo &file, int by)
         succeeded_ += by;
     if (file.hasFailed())
         failed_ += by;
+    bytes_ += by * file.size;
+    if (file.state == BatchDeleteFileInfo::Deleted || file.hasFailed())
+        bytesDone_ += by * file.size;
     if (file.state == BatchDeleteFileInfo::NotReported)
         unreported_ += by;
 }

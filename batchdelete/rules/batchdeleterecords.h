@@ -97,6 +97,9 @@ struct BatchDeleteOrderInfo
     int failed() const { return failed_; }
     int total() const { return files_.isEmpty() ? listed : files_.size(); }
     int unreported() const { return unreported_; }
+    qint64 bytes() const { return bytes_; }
+    /// Of the files that have succeeded or failed.
+    qint64 bytesDone() const { return bytesDone_; }
     /// Whether one of the files at \a indexes has to be listed again before it can be retried.
     bool hasChanged(const QVector<int> &indexes) const;
     /// Whether a file is known that is there still and may be deleted.
@@ -115,5 +118,7 @@ private:
     int succeeded_ = 0;
     int failed_ = 0;
     int unreported_ = 0;
+    qint64 bytes_ = 0;
+    qint64 bytesDone_ = 0;
 };
 Q_DECLARE_METATYPE(BatchDeleteOrderInfo)

@@ -139,6 +139,19 @@ bool BatchDeleteRun::retry(const BatchDeleteOrderInfo &order, const QVector<int>
     return true;
 }
 
+TransferProgress BatchDeleteRun::progress() const
+{
+    if (current_ < 0 || current_ >= orders_.size())
+        return {};
+    const BatchDeleteOrderInfo &order = orders_.at(current_);
+    TransferProgress progress{order.succeeded() + order.failed(), order.files().size(),
+                              order.bytesDone(), order.bytes()};
+    progress.order = order.displayNumber() + QLatin1Char(' ') + order.customers();
+    if (file_ >= 0 && file_ < order.files().size())
+        progress.file = order.files().at(file_).shortPath();
+    return progress;
+}
+
 void BatchDeleteRun::stop()
 {
     if (stopping_ && phase_ == Phase::Reporting)

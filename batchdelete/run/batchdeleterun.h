@@ -3,6 +3,7 @@
 #include "batchdelete/rules/batchdeleterecords.h"
 #include "batchdelete/run/deletionrecording.h"
 #include "batchdelete/run/deletionreporter.h"
+#include "files/transferprogress.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
 #include "tasks/ordersatwork.h"
@@ -88,6 +89,8 @@ public:
     /// Which of its orders the run is at, from 1.
     int turn() const { return current_ + 1; }
     int turns() const { return orders_.size(); }
+    /// Of the order it is at.
+    TransferProgress progress() const;
 
 signals:
     void orderStarted(const OrderIdentity &orderId);

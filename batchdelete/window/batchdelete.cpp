@@ -143,6 +143,8 @@ void BatchDelete::connectLists()
             &BatchDelete::onRefreshOrderFiles);
     connect(fileList_, &BatchDelete_FileListWidget::scanned, this, &BatchDelete::onFilesScanned);
     connect(fileList_, &BatchDelete_FileListWidget::scanFailed, this, &BatchDelete::onScanFailed);
+    connect(runBar_, &BatchDelete_RunBar::workChanged, this,
+            [this](const WorkProgress &work) { setWork(work); });
     connect(runBar_, &BatchDelete_RunBar::startClicked, this, &BatchDelete::onStartBatchDelete);
 }
 

@@ -142,6 +142,19 @@ void DistributionRun::stop()
         finish();
 }
 
+TransferProgress DistributionRun::progress() const
+{
+    TransferProgress progress{copyPicFinishNum_, expected_, bytesWritten_, 0};
+    if (running_ && index_ >= 0 && index_ < orders_.size())
+        progress.order = orders_.at(index_).displayNumber();
+    return progress;
+}
+
+double DistributionRun::share() const
+{
+    return running_ ? (qMax(0, index_) + progress().share()) / qMax(1, orders_.size()) : 0;
+}
+
 void DistributionRun::startNextOrder()
 {
     if (++index_ >= orders_.size()) {
@@ -153,6 +166,7 @@ void DistributionRun::startNextOrder()
     expected_ = 0;
     photoResults_ = 0;
     copyPicFinishNum_ = 0;
+    bytesWritten_ = 0;
     proFinishNum_ = 0;
     downPhotoFinishNums_ = 0;
     isSaveHtml_ = false;
@@ -305,6 +319,8 @@ void DistributionRun::count(const TaskResult &result)
 {
     ++copyPicFinishNum_;
     files_ += result.files;
+    for (const FileOutcome &file : result.files)
+        bytesWritten_ += file.isWritten() ? file.size : 0;
     recording_.add(current(), result.files, result.files.size() == 1 ? result.errmsg : QString());
     if (isDownload(result.type))
         ++downPhotoFinishNums_;

@@ -6,6 +6,7 @@
 #include "distribution/run/distributionrecording.h"
 #include "distribution/run/downloadreports.h"
 #include "distribution/run/imagefetches.h"
+#include "files/transferprogress.h"
 #include "net/orderqueries.h"
 #include "net/servicecall.h"
 #include "tasks/latest.h"
@@ -70,6 +71,9 @@ public:
     /// Starts nothing any more; the run is over when the tasks in flight have ended.
     void stop();
     bool isRunning() const { return running_; }
+    /// Of the order it is at, whose bytes nobody knows before; and over all orders, 0 to 1.
+    TransferProgress progress() const;
+    double share() const;
     /// Whether tasks are in flight or the service has not taken every report yet.
     bool isBusy() const { return tasksInFlight_ > 0 || reports_.isBusy(); }
     /// Does not wait for the service's answers any more.
@@ -148,6 +152,7 @@ private:
     int expected_ = 0;           ///< results
     int photoResults_ = 0;       ///< of them those before the products are made
     int copyPicFinishNum_ = 0;
+    qint64 bytesWritten_ = 0;
     int proFinishNum_ = 0;
     int downPhotoFinishNums_ = 0;
     bool isSaveHtml_ = false;

@@ -119,6 +119,7 @@ void FJHome::connectRun()
             });
     connect(&run_, &DistributionRun::progressChanged, left_, &FJLeftPanel::showProgress);
     connect(&run_, &DistributionRun::stepChanged, left_, &FJLeftPanel::showStep);
+    connect(&run_, &DistributionRun::stepChanged, this, &FJHome::showSpeed);
     connect(&run_, &DistributionRun::errorAdded, left_, &FJLeftPanel::addError);
     connect(&run_, &DistributionRun::photoDownloaded, right_, &FJRightPanel::markDownloaded);
     connect(&run_, &DistributionRun::resultCounted, this, &FJHome::slt_copypicthread);
@@ -127,6 +128,22 @@ void FJHome::connectRun()
     connect(&run_, &DistributionRun::idle, this, &FJHome::closeWhenIdle);
     connect(left_->proofPanel(), &ProofPanel::putAwayRequested, this, &FJHome::putAway);
     connect(&oldFiles_, &OldFileRun::finished, this, &FJHome::onPutAway);
+}
+
+/// Also four times a second while the run goes on.
+void FJHome::showSpeed()
+{
+    if (!run_.isRunning()) {
+        left_->showSpeed({});
+        setWork({});
+        return;
+    }
+    const TransferProgress progress = run_.progress();
+    rate_.add(clock_.elapsed(), progress);
+    left_->showSpeed(progress.filesTotal > 0 ? progressText(progress, rate_) : QString());
+    WorkProgress work = progress.work(WorkProgress::State::Running);
+    work.share = run_.share();
+    setWork(work);
 }
 
 void FJHome::closeWhenIdle()
@@ -246,6 +263,8 @@ void FJHome::onStartProcessRequested()
     left_->proofPanel()->clear();
     left_->setLocked(true);
     right_->setRunning(true);
+    rate_.clear();
+    clock_.start();
     run_.start(orders, settings);
 }
 

@@ -7,6 +7,7 @@
 #include "widgets/orders/orderdestination.h"
 #include "widgets/windows/framelesswindow.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 class FJLeftPanel;
@@ -51,6 +52,7 @@ private:
     void putAway(const QVector<ProvedOrder> &orders);
     void onPutAway(const QVector<PutAway> &results);
     void closeWhenIdle();
+    void showSpeed();
     bool refusesWhileRunning();
     void abandonPhotos();
 
@@ -62,6 +64,8 @@ private:
     LatestCall photosCall_;
     Latest photosReading_; ///< of its reply
     QTimer closeTimer_;
+    QElapsedTimer clock_; ///< of the run
+    TransferRate rate_;
     FJRightPanel *right_; ///< its search bar says what the other half searches
     FJLeftPanel *left_;
     SharedWidth *halves_;

@@ -50,6 +50,7 @@ FJLeftPanel::FJLeftPanel(OrderSearchBar *bar, QWidget *parent)
     , ticked_(new PlainLabel(this))
     , progressLabel_(new PlainLabel(this))
     , stepLabel_(new PlainLabel(this))
+    , speedLabel_(new PlainLabel(this))
     , progressBar_(new QProgressBar(this))
     , proofPanel_(new ProofPanel(this))
 {
@@ -128,6 +129,9 @@ void FJLeftPanel::buildLayout()
     unselectAll_->setStyleSheet(theme::secondaryButtonStyle());
     progressLabel_->setObjectName(QStringLiteral("progressLabel"));
     stepLabel_->setObjectName(QStringLiteral("stepLabel"));
+    speedLabel_->setObjectName(QStringLiteral("speedLabel"));
+    speedLabel_->setStyleSheet(theme::hintStyle());
+    speedLabel_->hide();
     progressBar_->setObjectName(QStringLiteral("progressBar"));
     progressBar_->setTextVisible(false);
     progressBar_->setRange(0, 1);
@@ -154,6 +158,7 @@ void FJLeftPanel::buildLayout()
     layout->addLayout(buttons);
     layout->addLayout(progressTexts);
     layout->addWidget(progressBar_);
+    layout->addWidget(speedLabel_);
     layout->addWidget(buildErrorList());
     layout->addWidget(proofPanel_);
 }
@@ -325,6 +330,12 @@ void FJLeftPanel::showRunProgress(const QString &text)
 void FJLeftPanel::showStep(const QString &text)
 {
     stepLabel_->setText(text);
+}
+
+void FJLeftPanel::showSpeed(const QString &text)
+{
+    speedLabel_->setText(text);
+    speedLabel_->setVisible(!text.isEmpty());
 }
 
 void FJLeftPanel::showProgress(int value, int expected)

@@ -58,6 +58,8 @@ public:
 
     void showRunProgress(const QString &text);
     void showStep(const QString &text);
+    /// Speed and time left; empty after the run.
+    void showSpeed(const QString &text);
     void showProgress(int value, int expected);
     void clearErrors();
     void addError(const QString &line);
@@ -104,6 +106,7 @@ private:
     QLabel *ticked_;
     QLabel *progressLabel_;
     QLabel *stepLabel_;
+    QLabel *speedLabel_;
     QProgressBar *progressBar_;
     QWidget *errorList_ = nullptr;
     QLabel *errorHeading_ = nullptr;

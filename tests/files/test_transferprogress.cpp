@@ -55,6 +55,14 @@ private slots:
         QCOMPARE(progress.share(), 0.25);
         QCOMPARE(progressText(progress, {}), "文件 3/12"_s);
         QCOMPARE(currentText(progress), "TS1-1 周子墨 · a.jpg"_s);
+        // Written bytes of which nobody knows the whole foretell nothing: the files do.
+        TransferRate rate;
+        for (int second = 0; second <= 6; ++second) {
+            progress.filesDone = second;
+            progress.bytesDone = qint64(second) * 1024 * 1024;
+            rate.add(second * 1000, progress);
+        }
+        QCOMPARE(progressText(progress, rate), "文件 6/12 · 6.0 MB · 1.0 MB/s · 剩余 00:06"_s);
         progress.file.clear();
         QCOMPARE(currentText(progress), "TS1-1 周子墨"_s);
         QCOMPARE((TransferProgress{1, 1, 300, 200}.share()), 1.0);

@@ -287,6 +287,16 @@ private slots:
         QCOMPARE(order.unreported(), 1);
         order.setFile(2, makeFile(QString(), 0));
         QCOMPARE(order.succeeded(), 0);
+        BatchDeleteFileInfo large = makeFile(QString(), BatchDeleteFileInfo::NotDeleted);
+        large.size = 800;
+        order.setFile(7, large);
+        QCOMPARE(order.bytes(), 800);
+        QCOMPARE(order.bytesDone(), 0);
+        large.state = BatchDeleteFileInfo::Failed;
+        order.setFile(7, large);
+        QCOMPARE(order.bytesDone(), 800);
+        order.setFiles({});
+        QCOMPARE(order.bytes() + order.bytesDone(), 0);
     }
 };
 

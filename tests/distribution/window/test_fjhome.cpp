@@ -266,8 +266,12 @@ private slots:
         start();
         waitUntilHeld();
         QCOMPARE(texts("progressLabel"), "总进度 1/2  当前订单:TS10001-服务2"_s);
+        QSignalSpy worked(window_, &FramelessWindow::workChanged);
         demo_.release();
         EXPECT_BOXES("2个订单分件完成!"_s);
+        QVERIFY(worked.count() > 0);
+        QCOMPARE(window_->work(), WorkProgress());
+        QVERIFY(!window_->findChild<QWidget *>("speedLabel"_s)->isVisible());
         QCOMPARE(texts("progressLabel"), "总进度 2/2  当前订单:TS10001-服务1"_s);
         QCOMPARE(body("orderphotodetail"_s), "order_photo_id=800001"_s + identity);
         QVERIFY(QDir(folder_->filePath(orderFolder))
