@@ -188,6 +188,24 @@ void Ledger::removePending(ledger::PendingKind kind, const ledger::Desk &desk,
     write([=](LedgerWriter &writer) { return writer.removePending(kind, desk, order); });
 }
 
+void Ledger::askWhoElseWorksOn(const OrderIdentity &order, QObject *context,
+                               std::function<void(const QVector<ledger::Entry> &others)> done)
+{
+    const auto others = std::make_shared<QVector<ledger::Entry>>();
+    const auto *answer =
+        new background::Answer(context, [others, done = std::move(done)] { done(*others); });
+    const auto bell = answer->bell();
+    if (!keeper_) {
+        bell->ring();
+        return;
+    }
+    keeper_->put(
+        LedgerKeeper::Question([keeper = keeper_, order, others, bell](const LedgerReader &reader) {
+            *others = keeper->underWayElsewhere(reader, order);
+            bell->ring();
+        }));
+}
+
 void Ledger::forgetBefore(qint64 beforeMs, QObject *context, std::function<void()> done)
 {
     const auto *answer = new background::Answer(context, std::move(done));

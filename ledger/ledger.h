@@ -142,6 +142,11 @@ public:
         return std::move(*value);
     }
 
+    /// What other programs of this user are doing with \a order at this moment, for \a done on the
+    /// thread of \a context, which is this one: nothing of those that have ended in whatever way.
+    void askWhoElseWorksOn(const OrderIdentity &order, QObject *context,
+                           std::function<void(const QVector<ledger::Entry> &others)> done);
+
     /// What the user is to be told that was not told yet, each once; empties the list.
     QStringList takeNotices();
 

@@ -53,6 +53,9 @@ public:
     /// Row of this program's session; 0 when nothing can be written.
     qint64 session() const { return session_; }
 
+    /// Ends the sessions of programs that are gone without having said so. Within a transaction.
+    void endLostSessions();
+
     bool begin();
     bool commit();
     void rollback();
@@ -80,7 +83,6 @@ private:
     bool beginIds();
     bool joinSession();
     void leaveSession();
-    void endLostSessions();
     bool moveAside();
     State refused();
     QSqlQuery *execute(const QString &statement, std::initializer_list<QVariant> values);

@@ -233,6 +233,16 @@ bool LedgerKeeper::removeOldest(qint64 beforeMs, bool *isMore)
     return isDone;
 }
 
+QVector<ledger::Entry> LedgerKeeper::underWayElsewhere(const LedgerReader &reader,
+                                                       const OrderIdentity &order)
+{
+    if (database_.state() == LedgerDatabase::State::Open && database_.begin()) {
+        database_.endLostSessions();
+        database_.commit();
+    }
+    return reader.underWayElsewhere(order, database_.session());
+}
+
 void LedgerKeeper::forgetBefore(qint64 beforeMs)
 {
     bool isMore = database_.state() == LedgerDatabase::State::Open;

@@ -39,6 +39,9 @@ public:
     void put(Question question);
     void put(Waiter waiter);
 
+    /// See Ledger::askWhoElseWorksOn(). For a question, on the ledger's thread.
+    QVector<ledger::Entry> underWayElsewhere(const LedgerReader &reader,
+                                             const OrderIdentity &order);
     /// See Ledger::forgetBefore(). For a question, on the ledger's thread.
     void forgetBefore(qint64 beforeMs);
 

@@ -257,6 +257,20 @@ QVector<ledger::Deletion> LedgerReader::deletionsOfOrder(const OrderIdentity &or
                 ledgerrows::deletionIn);
 }
 
+QVector<ledger::Entry> LedgerReader::underWayElsewhere(const OrderIdentity &order,
+                                                       qint64 session) const
+{
+    if (!isOpen())
+        return {};
+    QSqlQuery query = prepared(
+        *database_, ledgerrows::entrySelection() +
+                        QStringLiteral("WHERE o.branch = ? AND o.order_id = ? AND o.photo_id = ?"
+                                       " AND r.session IS NOT NULL AND r.session <> ?"
+                                       " AND r.ended IS NULL ORDER BY e.id DESC"));
+    return rows(query, {text(order.branch), text(order.id), text(order.orderPhotoId), session},
+                ledgerrows::entryIn);
+}
+
 QVector<ledger::Entry> LedgerReader::unregistered(const ledger::Desk &desk) const
 {
     if (!isOpen())

@@ -42,6 +42,8 @@ public:
                                         const QVector<ledger::Work> &works = {}) const;
     QVector<ledger::Deletion> deletionsOfOrder(const OrderIdentity &order) const;
 
+    /// What runs of sessions other than \a session do with an order and have not ended.
+    QVector<ledger::Entry> underWayElsewhere(const OrderIdentity &order, qint64 session) const;
     /// What was copied from \a desk for an order and is still to be registered, the newest first,
     /// runs that still go on in this or another program left out.
     QVector<ledger::Entry> unregistered(const ledger::Desk &desk) const;

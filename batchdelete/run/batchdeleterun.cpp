@@ -3,8 +3,10 @@
 #include "batchdelete/rules/deletionrequests.h"
 #include "batchdelete/rules/deletionrules.h"
 #include "batchdelete/run/batchdeletethread.h"
+#include "batchdelete/run/deletiontexts.h"
 #include "batchdelete/run/emptiedfolder.h"
 #include "batchdelete/run/filescanthread.h"
+#include "ledger/ledger.h"
 #include "tasks/background.h"
 
 #include <QDebug>
@@ -222,13 +224,20 @@ void BatchDeleteRun::startNextOrder()
         skipOrder(refusals_.at(current_));
         return;
     }
-    // Time has passed since the plan was made.
-    lookAtFolder([this](const QString &refusal) {
-        if (refusal.isEmpty())
-            scanOrder();
-        else
-            skipOrder(refusal);
-    });
+    Ledger::current().askWhoElseWorksOn(
+        order().identity(), this, step_.only([this](const QVector<ledger::Entry> &others) {
+            if (!others.isEmpty()) {
+                skipOrder(deletiontexts::elsewhereText(others.constFirst().run));
+                return;
+            }
+            // Time has passed since the plan was made.
+            lookAtFolder([this](const QString &refusal) {
+                if (refusal.isEmpty())
+                    scanOrder();
+                else
+                    skipOrder(refusal);
+            });
+        }));
 }
 
 /// Hands \a next why the order's folder must not be entered, empty when it may be.

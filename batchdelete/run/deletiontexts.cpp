@@ -2,6 +2,7 @@
 
 #include "files/csv.h"
 
+#include <QDateTime>
 #include <QStringList>
 
 namespace deletiontexts {
@@ -75,6 +76,13 @@ QString unreportedQuestion(int files, Leaving leaving, bool isRemembered)
     return QStringLiteral("有 %1 个文件已删除，但状态没有提交成功。\n%2，确认要%3吗？")
         .arg(QString::number(files), isRemembered ? again : left + QStringLiteral("无法再次提交"),
              isWindow ? QStringLiteral("关闭") : QStringLiteral("切换"));
+}
+
+QString elsewhereText(const ledger::Run &run)
+{
+    return QStringLiteral("这台电脑上的另一个程序正在处理这个订单（%1 开始，进程 %2），没有删除")
+        .arg(QDateTime::fromMSecsSinceEpoch(run.begunMs).toString(QStringLiteral("MM-dd HH:mm")))
+        .arg(run.processId);
 }
 
 bool hasOutcome(const BatchDeleteOrderInfo &order)

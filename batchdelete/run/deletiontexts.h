@@ -2,6 +2,7 @@
 
 #include "batchdelete/rules/batchdeleterecords.h"
 #include "batchdelete/run/batchdeleterun.h"
+#include "ledger/ledgerrecords.h"
 #include "widgets/boxes/boxtext.h"
 
 #include <QByteArray>
@@ -30,6 +31,9 @@ enum class Leaving { Window, Branch };
 /// What is asked before \a files that are gone and unreported are left: whether they can be
 /// reported later depends on whether that \a isRemembered.
 QString unreportedQuestion(int files, Leaving leaving, bool isRemembered);
+
+/// Why an order is skipped that another program of this machine has in hand.
+QString elsewhereText(const ledger::Run &run);
 
 /// Whether there is anything to be said of what became of the order.
 bool hasOutcome(const BatchDeleteOrderInfo &order);

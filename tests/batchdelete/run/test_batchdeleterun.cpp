@@ -129,6 +129,31 @@ private slots:
         QCOMPARE(retried.size(), 3);
     }
 
+    /// An import that goes on in another program of this machine; one that is over is none.
+    void leavesWhatAnotherProgramWorksOn()
+    {
+        const QTemporaryDir kept;
+        Ledger ledger(kept.path());
+        ledger.makeCurrent();
+        const auto order = makeOrder(0, 2);
+        {
+            Ledger other(kept.path());
+            const ledger::RunId import = other.beginRun({{"9002"_s, "101"_s, {}}, {}});
+            ledger::NewCopy copy;
+            copy.target = R"(\\nas\a.jpg)"_s;
+            other.beginCopies(import, {order.identity(), {}, {}}, {copy});
+            QVERIFY(other.waitUntilWritten());
+            runOut({order});
+            QCOMPARE(namesOnDisk(order).size(), 2);
+            QVERIFY(demo_.requests(before).isEmpty());
+            other.endRun(import);
+            QVERIFY(other.waitUntilWritten());
+        }
+        ends_.clear();
+        runOut({order});
+        QVERIFY(namesOnDisk(order).isEmpty());
+    }
+
     void filesThatCannotBeDeletedAreTold()
     {
         if (shortcutsForLinks)
