@@ -4,6 +4,7 @@
 #include "tour/toolhand.h"
 #include "widgets/boxes/filedialog.h"
 #include "widgets/boxes/noticebar.h"
+#include "widgets/boxes/toast.h"
 
 #include <QPointer>
 #include <QPushButton>
@@ -77,6 +78,9 @@ void tourRestoring(Guide &guide)
     pressOffer(guide, hand, "重新登记"_s);
     guide.waitFor([&] { return guide.studio().requests("savepicpath_batch"_s).size() == 1; },
                   "the service is told"_s);
+    // Before that it is at work, and would ask when it is closed.
+    guide.waitFor([&] { return Toast::currentText(hand.window()) == "已重新登记"_s; },
+                  "and has agreed"_s);
     guide.waitFor([&] { return !isOffered(hand, offer); }, "and the offer gone"_s);
     guide.picture(hand.window(), "restore-registered"_s);
     hand.window()->close();
