@@ -13,6 +13,7 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/loadingoverlay.h"
+#include "widgets/windows/windowkeys.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -49,6 +50,7 @@ BatchLoginDialog::BatchLoginDialog(QWidget *parent, Callback callback)
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_DeleteOnClose);
     setStyleSheet(theme::windowStyle());
+    addKeyList(this);
 
     auto *heading = new PlainLabel(title, this);
     heading->setAlignment(Qt::AlignCenter);

@@ -18,6 +18,7 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 #include "widgets/windows/spinner.h"
+#include "widgets/windows/windowkeys.h"
 
 #include <QDebug>
 #include <QDir>
@@ -103,6 +104,7 @@ LoginNew::LoginNew(QWidget *parent)
 
     titleBar_->setPlain(true);
     titleBar_->setMaximizable(false);
+    addKeyList(this);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(K::scaledPx(30), K::scaledPx(40), K::scaledPx(30), K::scaledPx(40));
     layout->setSpacing(0);

@@ -91,6 +91,7 @@ BatchDelete_FileListWidget::~BatchDelete_FileListWidget() = default;
 void BatchDelete_FileListWidget::buildTable()
 {
     table_->setObjectName(QStringLiteral("fileTable"));
+    table_->setAccessibleName(QStringLiteral("订单的文件"));
     prepareTable(table_);
     table_->setModel(&model_);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);

@@ -66,6 +66,7 @@ BatchDelete_OrderListWidget::BatchDelete_OrderListWidget(BatchDeleteOrderModel *
 void BatchDelete_OrderListWidget::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
+    table_->setAccessibleName(QStringLiteral("订单"));
     prepareTable(table_);
     rows_ = new SortedRows(table_, model_, Model::SortRole);
 

@@ -156,6 +156,7 @@ QWidget *CardCheck::foot()
 void CardCheck::buildTable()
 {
     table_->setObjectName(QStringLiteral("fileTable"));
+    table_->setAccessibleName(QStringLiteral("存储卡的文件"));
     prepareTable(table_);
     table_->setEmptyText(QStringLiteral("选择存储卡或文件夹，再按“开始核对”"));
     rows_ = new SortedRows(table_, &filter_, CardFileModel::SortRole);

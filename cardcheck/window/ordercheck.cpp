@@ -97,6 +97,7 @@ QWidget *OrderCheck::head()
 void OrderCheck::buildTable()
 {
     table_->setObjectName(QStringLiteral("fileTable"));
+    table_->setAccessibleName(QStringLiteral("订单的文件"));
     prepareTable(table_);
     rows_ = new SortedRows(table_, &files_, OrderFileModel::SortRole);
     table_->sortByColumn(OrderFileModel::StateColumn, Qt::AscendingOrder);

@@ -59,6 +59,7 @@ SoughtOrderPanel::~SoughtOrderPanel()
 void SoughtOrderPanel::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
+    table_->setAccessibleName(QStringLiteral("订单"));
     prepareTable(table_);
     table_->setSelectionMode(QAbstractItemView::ExtendedSelection);
     table_->setEmptyText(QStringLiteral("选择存储卡后，自动列出拍摄日期的订单；也可以搜索"));

@@ -77,6 +77,7 @@ FJLeftPanel::~FJLeftPanel()
 void FJLeftPanel::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
+    table_->setAccessibleName(QStringLiteral("订单"));
     prepareTable(table_);
     table_->setStyleSheet(theme::plainTableStyle());
     table_->shadeHoveredRow(colours::rowHover);
@@ -174,6 +175,7 @@ QWidget *FJLeftPanel::buildErrorList()
     copy->setStyleSheet(theme::secondaryButtonStyle());
     errors_ = new QPlainTextEdit(errorList_);
     errors_->setObjectName(QStringLiteral("errorList"));
+    errors_->setAccessibleName(QStringLiteral("失败的文件"));
     errors_->setStyleSheet(theme::listStyle());
     errors_->setReadOnly(true);
     errors_->setTabChangesFocus(true);

@@ -100,6 +100,7 @@ FJRightPanel::FJRightPanel(QWidget *parent)
     connect(directoryButton_, &QPushButton::clicked, this, &FJRightPanel::onChooseDirectoryClicked);
     connect(startButton_, &QPushButton::clicked, this, &FJRightPanel::onStartProcessClicked);
     auto *calendar = new QShortcut(Qt::CTRL + Qt::Key_D, this);
+    calendar->setWhatsThis(QStringLiteral("打开日历"));
     connect(calendar, &QShortcut::activated, this, &FJRightPanel::onDateEditClicked);
     for (PhotoList *list : {&undownloaded_, &downloaded_}) {
         connect(&list->model, &PhotoListModel::selectionChanged, this,
@@ -189,6 +190,7 @@ QWidget *FJRightPanel::buildPhotoList(PhotoList *list, const QString &caption, c
     list->label->setObjectName(prefix + QStringLiteral("Label"));
     list->view = new PlainTips<QListView>(part);
     list->view->setObjectName(prefix + QStringLiteral("List"));
+    list->view->setAccessibleName(caption);
     list->view->setStyleSheet(theme::listStyle());
     list->view->setModel(&list->model);
     list->view->setItemDelegate(new TickDelegate(list->view));

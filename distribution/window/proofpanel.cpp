@@ -32,6 +32,7 @@ ProofPanel::ProofPanel(QWidget *parent)
     headline_->setObjectName(QStringLiteral("proofHeadline"));
     headline_->setWordWrap(true);
     putAway_->setObjectName(QStringLiteral("putAwayButton"));
+    putAway_->setAccessibleName(QStringLiteral("移到旧文件"));
     putAway_->setStyleSheet(theme::secondaryButtonStyle());
     setPlainTip(
         putAway_,
@@ -40,6 +41,7 @@ ProofPanel::ProofPanel(QWidget *parent)
     copy->setObjectName(QStringLiteral("copyProofButton"));
     copy->setStyleSheet(theme::secondaryButtonStyle());
     lines_->setObjectName(QStringLiteral("proofList"));
+    lines_->setAccessibleName(QStringLiteral("缺少和多余的文件"));
     lines_->setStyleSheet(theme::listStyle());
     lines_->setReadOnly(true);
     lines_->setTabChangesFocus(true);

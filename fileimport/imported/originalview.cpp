@@ -128,15 +128,15 @@ void OriginalView::build()
     layout->addLayout(buttons);
     layout->addWidget(grid_, 1);
 
-    const auto addKey = [this](const QKeySequence &key, auto slot) {
-        auto *action = new QAction(this);
+    const auto addKey = [this](const QString &text, const QKeySequence &key, auto slot) {
+        auto *action = new QAction(text, this);
         action->setShortcut(key);
         action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
         connect(action, &QAction::triggered, this, slot);
         addAction(action);
     };
-    addKey(Qt::Key_F5, &OriginalView::refresh);
-    addKey(Qt::Key_Delete, &OriginalView::deleteSelected);
+    addKey(QStringLiteral("刷新照片"), Qt::Key_F5, &OriginalView::refresh);
+    addKey(QStringLiteral("删除选中的照片"), Qt::Key_Delete, &OriginalView::deleteSelected);
 }
 
 QPushButton *OriginalView::addButton(const QString &text, const char *name, const QString &style)

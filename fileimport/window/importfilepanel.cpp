@@ -44,6 +44,7 @@ ImportFilePanel::ImportFilePanel(ImportFileTableModel *model, QWidget *parent)
 void ImportFilePanel::buildTable(ImportFileTableModel *model)
 {
     table_->setObjectName(QStringLiteral("fileTable"));
+    table_->setAccessibleName(QStringLiteral("待导入文件"));
     prepareTable(table_);
     table_->horizontalHeader()->setDefaultAlignment(Qt::AlignCenter);
     shown_->setSourceModel(model);

@@ -51,6 +51,7 @@ ImportOrderPanel::ImportOrderPanel(ImportOrderTableModel *model, QWidget *parent
 void ImportOrderPanel::buildTable()
 {
     table_->setObjectName(QStringLiteral("orderTable"));
+    table_->setAccessibleName(QStringLiteral("订单"));
     prepareTable(table_);
     wrapHeaders(table_);
     rows_ = new SortedRows(table_, model_, ImportOrderTableModel::SortRole);

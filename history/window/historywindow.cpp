@@ -70,7 +70,7 @@ HistoryWindow::HistoryWindow(QWidget *parent)
     connectLook();
     connect(this, &FramelessWindow::minimizeRequested, this,
             [this] { MacWindowManager::instance()->minimizeOrFallBack(this); });
-    auto *again = new QAction(this);
+    auto *again = new QAction(QStringLiteral("重新查询"), this);
     again->setShortcut(Qt::Key_F5);
     connect(again, &QAction::triggered, this, &HistoryWindow::search);
     addAction(again);
@@ -115,6 +115,7 @@ QWidget *HistoryWindow::entryHalf()
 {
     count_->setObjectName(QStringLiteral("countLabel"));
     entryTable_->setObjectName(QStringLiteral("entryTable"));
+    entryTable_->setAccessibleName(QStringLiteral("记录"));
     prepareTable(entryTable_);
     entryRows_ = new SortedRows(entryTable_, &entries_, EntryTable::SortRole);
     widen(entryTable_, entryColumnsPx);
@@ -141,6 +142,7 @@ QWidget *HistoryWindow::fileHalf()
     heading_->setStyleSheet(theme::headingStyle());
     heading_->setMinimumWidth(1);
     fileTable_->setObjectName(QStringLiteral("historyFiles"));
+    fileTable_->setAccessibleName(QStringLiteral("记录的文件"));
     prepareTable(fileTable_);
     fileRows_ = new SortedRows(fileTable_, &files_, FileTable::SortRole);
     widen(fileTable_, fileColumnsPx);

@@ -32,6 +32,7 @@ BrowserTable::BrowserTable(QWidget *parent)
     , paths_(new ElidedTextDelegate(Qt::ElideMiddle, this))
 {
     setObjectName(QStringLiteral("orderTable"));
+    setAccessibleName(QStringLiteral("订单"));
     setHorizontalHeader(header_);
     prepareTable(this);
     header_->setFixedHeight(theme::rowHeight() * 2);

@@ -159,15 +159,18 @@ QHBoxLayout *ColumnDialog::lists()
     connect(searchEdit_, &QLineEdit::textChanged, this, &ColumnDialog::showLists);
     connect(available_, &QListWidget::itemDoubleClicked, this, &ColumnDialog::add);
     connect(shown_, &QListWidget::itemDoubleClicked, this, &ColumnDialog::remove);
-    const auto key = [this](QListWidget *list, const QKeySequence &keys,
+    const auto key = [this](QListWidget *list, const QKeySequence &keys, const QString &meaning,
                             const std::function<void()> &act) {
         auto *shortcut = new QShortcut(keys, list, nullptr, nullptr, Qt::WidgetShortcut);
+        shortcut->setWhatsThis(meaning);
         connect(shortcut, &QShortcut::activated, this, act);
     };
-    key(available_, Qt::Key_Return, [this] { add(); });
-    key(shown_, Qt::Key_Delete, [this] { remove(); });
-    key(shown_, QKeySequence(QStringLiteral("Alt+Up")), [this] { move(false); });
-    key(shown_, QKeySequence(QStringLiteral("Alt+Down")), [this] { move(true); });
+    key(available_, Qt::Key_Return, QStringLiteral("显示选中的字段"), [this] { add(); });
+    key(shown_, Qt::Key_Delete, QStringLiteral("不显示选中的列"), [this] { remove(); });
+    key(shown_, QKeySequence(QStringLiteral("Alt+Up")), QStringLiteral("上移"),
+        [this] { move(false); });
+    key(shown_, QKeySequence(QStringLiteral("Alt+Down")), QStringLiteral("下移"),
+        [this] { move(true); });
 
     auto *left = new QVBoxLayout;
     left->addWidget(new PlainLabel(QStringLiteral("可选字段"), this));

@@ -58,6 +58,7 @@ DetailsPane::DetailsPane(QWidget *parent)
     heading_->setObjectName(QStringLiteral("detailsHeading"));
     heading_->setStyleSheet(theme::headingStyle());
     fields_->setObjectName(QStringLiteral("detailsTree"));
+    fields_->setAccessibleName(QStringLiteral("订单详情"));
     fields_->setColumnCount(2);
     fields_->setHeaderLabels({QStringLiteral("字段"), QStringLiteral("内容")});
     fields_->setRootIsDecorated(true);

@@ -46,6 +46,7 @@ tfhomephotos::tfhomephotos(tfphotolistmodel *model, QWidget *parent)
 void tfhomephotos::buildView()
 {
     view_->setObjectName(QStringLiteral("photoView"));
+    view_->setAccessibleName(QStringLiteral("已导入照片"));
     view_->setModel(model_);
     connect(view_, &tfphotoview::filesDropped, this, &tfhomephotos::filesDropped);
     addTableAction(view_, QStringLiteral("重新导入"), Qt::CTRL + Qt::Key_R,

@@ -10,6 +10,7 @@ tfhomeorders_OrderListWidget::tfhomeorders_OrderListWidget(tforderlistmodel *mod
     : FileDropTable(parent), model_(model)
 {
     setObjectName(QStringLiteral("orderTable"));
+    setAccessibleName(QStringLiteral("订单"));
     prepareTable(this);
     wrapHeaders(this);
     rows_ = new SortedRows(this, model_, tforderlistmodel::SortRole);

@@ -4,6 +4,7 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -103,6 +104,18 @@ void TitleBar::setPlain(bool plain)
     setPalette(colours);
     setAutoFillBackground(!plain);
     titleLabel_->setVisible(!plain);
+}
+
+void TitleBar::showAction(QAction *action)
+{
+    auto *button = new QToolButton(this);
+    button->setObjectName(QStringLiteral("titleAction"));
+    button->setText(action->text());
+    setPlainTip(button, action->shortcut().toString(QKeySequence::NativeText));
+    button->setFocusPolicy(Qt::NoFocus);
+    connect(button, &QToolButton::clicked, action, &QAction::trigger);
+    auto *row = static_cast<QHBoxLayout *>(layout());
+    row->insertWidget(row->indexOf(minimizeButton_), button);
 }
 
 QWidget *TitleBar::minimizeButton() const

@@ -3,6 +3,7 @@
 #include <QPoint>
 #include <QWidget>
 
+class QAction;
 class QLabel;
 class QToolButton;
 
@@ -28,6 +29,9 @@ public:
     void setMinimizable(bool minimizable);
     /// True: for windows that paint their own background and show no title.
     void setPlain(bool plain);
+
+    /// Puts \a action before "−", by its text. The keyboard has the action's own key.
+    void showAction(QAction *action);
 
     /// The focusable buttons, for the tab order of the window.
     QWidget *minimizeButton() const;

@@ -7,6 +7,7 @@
 #include "widgets/theme/plaintext.h"
 #include "widgets/theme/theme.h"
 
+#include <QAction>
 #include <QBoxLayout>
 #include <QPushButton>
 #include <QSignalBlocker>
@@ -49,6 +50,7 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     addType(QStringLiteral("拍照日期"), OrderSearch::ShootingDate);
     addType(QStringLiteral("选片日期"), OrderSearch::SelectionDate);
     keywordEdit_->setObjectName(QStringLiteral("keywordEdit"));
+    keywordEdit_->setAccessibleName(QStringLiteral("搜索内容"));
     keywordEdit_->setPlaceholderText(QStringLiteral("搜索订单号、姓名、电话..."));
     keywordEdit_->setClearable(true);
     shootingDate_->setObjectName(QStringLiteral("shootingDate"));
@@ -87,6 +89,30 @@ OrderSearchBar::OrderSearchBar(QWidget *parent)
     setStyleSheet(theme::windowStyle());
     showInputFor(OrderSearch::BasicInformation);
     connectParts();
+    addKeys();
+}
+
+void OrderSearchBar::addKeys()
+{
+    const auto addKey = [this](const QString &text, Qt::Key key, auto act) {
+        auto *action = new QAction(text, this);
+        action->setShortcut(Qt::CTRL + key);
+        connect(action, &QAction::triggered, this, act);
+        addAction(action);
+    };
+    addKey(QStringLiteral("输入要搜索的内容"), Qt::Key_F, [this] {
+        const auto inputs = searchInputs();
+        for (QWidget *input : inputs) {
+            if (input->isVisible())
+                input->setFocus(Qt::ShortcutFocusReason);
+        }
+    });
+    addKey(QStringLiteral("选择分店"), Qt::Key_B, [this] {
+        if (!branchBox_->isVisible() || !branchBox_->isEnabled())
+            return;
+        branchBox_->setFocus(Qt::ShortcutFocusReason);
+        branchBox_->showPopup();
+    });
 }
 
 void OrderSearchBar::addType(const QString &name, OrderSearch::Type type)

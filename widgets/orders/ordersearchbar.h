@@ -82,6 +82,7 @@ private:
     void showInputFor(int type);
     void arrange();
     void connectParts();
+    void addKeys();
     void addType(const QString &name, orderqueries::OrderSearch::Type type);
     int currentType() const;
     QList<QWidget *> searchInputs() const;

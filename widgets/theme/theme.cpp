@@ -55,9 +55,10 @@ QString titleBarStyle()
             " font-size: 18dp; }"
             "QToolButton:hover { background-color: %2; }"
             "QToolButton:focus { border-color: %3; }"
+            "QToolButton#titleAction { font-size: @text; color: %6; padding: 0 6dp; }"
             "#closeButton:hover { background-color: %4; color: %5; }")
             .arg(css(colours::heading), css(colours::divider), css(colours::accent),
-                 css(colours::closeHover), css(colours::onFilled)));
+                 css(colours::closeHover), css(colours::onFilled), css(colours::muted)));
 }
 
 QString messageBoxStyle()

@@ -3,6 +3,7 @@
 #include "look/colours.h"
 #include "widgets/frame/titlebar.h"
 #include "widgets/theme/theme.h"
+#include "widgets/windows/windowkeys.h"
 
 #include <QPainter>
 #include <QVBoxLayout>
@@ -19,6 +20,7 @@ FramelessDialog::FramelessDialog(QWidget *parent, const QString &title)
     bar->setMaximizable(false);
     bar->setTitle(title);
     connect(bar, &TitleBar::closeRequested, this, &QDialog::reject);
+    addKeyList(this);
 
     const int margin = theme::margin();
     content_->setContentsMargins(margin, margin, margin, margin);

@@ -5,6 +5,7 @@
 #include "widgets/frame/edgegrip.h"
 #include "widgets/frame/titlebar.h"
 #include "widgets/theme/theme.h"
+#include "widgets/windows/windowkeys.h"
 
 #include <QCloseEvent>
 #include <QEventLoopLocker>
@@ -41,7 +42,9 @@ FramelessWindow::FramelessWindow(QWidget *parent)
     connect(titleBar_, &TitleBar::closeRequested, this, &QWidget::close);
     connect(this, &QWidget::windowTitleChanged, titleBar_, &TitleBar::setTitle);
     auto *closeKeys = new QShortcut(QKeySequence(Qt::ALT + Qt::Key_F4), this);
+    closeKeys->setWhatsThis(QStringLiteral("关闭窗口"));
     connect(closeKeys, &QShortcut::activated, this, &QWidget::close);
+    titleBar_->showAction(addKeyList(this));
 }
 
 FramelessWindow::~FramelessWindow() = default;

@@ -30,6 +30,7 @@ LoadingOverlay::LoadingOverlay(QWidget *parent)
     , cancelButton_(new QPushButton(QStringLiteral("取消"), panel_))
 {
     setObjectName(QStringLiteral("loadingOverlay"));
+    setAccessibleName(QStringLiteral("请稍候"));
     setFocusPolicy(Qt::StrongFocus);
     setStyleSheet(theme::windowStyle() + theme::progressBarStyle());
     label_->setObjectName(QStringLiteral("loadingText"));
