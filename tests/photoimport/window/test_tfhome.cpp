@@ -532,7 +532,9 @@ private slots:
         waitUntilHeld();
         window_->setAttribute(Qt::WA_DeleteOnClose);
         window_->close(); // the safe answer keeps it open
-        EXPECT_BOX_THAT(box.startsWith("正在导片，关闭窗口会停止导片。\n还有 "_s));
+        // Photos as small as these may all be copied by now.
+        const QString running = "正在导片，关闭窗口会停止导片。\n"_s;
+        EXPECT_BOX_THAT(QString(box).remove(running).startsWith("还有 "_s));
         QVERIFY(window_->isVisible());
         QTRY_COMPARE(child<QLabel>("progressLabel")->text(), "正在登记，剩余 1"_s);
         MessageBox::setNextAnswer(QMessageBox::Ok);
