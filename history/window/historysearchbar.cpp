@@ -25,9 +25,11 @@ HistorySearchBar::HistorySearchBar(QWidget *parent)
     from_->setObjectName(QStringLiteral("fromDate"));
     to_->setObjectName(QStringLiteral("toDate"));
     kind_->setObjectName(QStringLiteral("kindBox"));
+    kind_->setAccessibleName(QStringLiteral("做了什么"));
     kind_->addItems({QStringLiteral("全部工作"), QStringLiteral("导入"),
                      QStringLiteral("分件与下载"), QStringLiteral("删除")});
     state_->setObjectName(QStringLiteral("stateBox"));
+    state_->setAccessibleName(QStringLiteral("结果怎样"));
     state_->addItems(
         {QStringLiteral("全部结果"), QStringLiteral("有失败"), QStringLiteral("未登记")});
     clear_->setObjectName(QStringLiteral("clearButton"));
