@@ -238,7 +238,8 @@ QVector<ledger::Entry> LedgerKeeper::underWayElsewhere(const LedgerReader &reade
 {
     if (database_.state() == LedgerDatabase::State::Open && database_.begin()) {
         database_.endLostSessions();
-        database_.commit();
+        if (!database_.commit())
+            database_.rollback();
     }
     return reader.underWayElsewhere(order, database_.session());
 }

@@ -342,8 +342,13 @@ bool LedgerWriter::removeOldest(qint64 beforeMs, bool *isMore)
                        " AND e.awaited = 0 AND r.session IS NULL AND NOT EXISTS"
                        " (SELECT 1 FROM deletion d WHERE d.entry = e.id AND d.dismissed = 0 AND"
                        " d.announced IS NOT NULL AND (d.deleted IS NULL OR d.reported IS NULL))"
+                       // Nobody knows yet what became of these.
+                       " AND NOT (r.work = ? AND EXISTS"
+                       " (SELECT 1 FROM deletion d WHERE d.entry = e.id AND d.dismissed = 0 AND"
+                       " d.announced IS NULL AND d.deleted IS NULL AND"
+                       " (d.failure IS NULL OR d.failure = ?)))"
                        " ORDER BY e.begun LIMIT 1"),
-        {beforeMs});
+        {beforeMs, int(ledger::Work::PhotoDeletion), ledger::unansweredText()});
     *isMore = entry.isValid();
     if (!entry.isValid())
         return true;

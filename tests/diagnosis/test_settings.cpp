@@ -68,6 +68,11 @@ private slots:
                 ledger.registerCopies(ids);
             ledger.endRun(run);
         }
+        const ledger::Desk doubt{"u"_s, "b"_s, ledger::Work::PhotoDeletion};
+        const ledger::RunId asked = ledger.beginRun({doubt, {}});
+        ledger.beginDeletions(asked, {{"b"_s, "asked"_s, "p"_s}, "TS2"_s, {}},
+                              {{R"(\\nas\photos\A.JPG)"_s, 1, 1, {}, "7"_s}});
+        ledger.endRun(asked);
         const auto left = [&ledger](const char *order) {
             return ledger.answer([order](const LedgerReader &reader) {
                 return reader.copiesOfOrder({"b"_s, QString::fromLatin1(order), "p"_s}).size();
@@ -80,6 +85,9 @@ private slots:
         QTRY_VERIFY(isDone);
         QCOMPARE(left("done"), 0);
         QCOMPARE(left("awaited"), 3000);
+        const auto unanswered = ledger.answer(
+            [doubt](const LedgerReader &reader) { return reader.unansweredDeletions(doubt); });
+        QCOMPARE(unanswered.size(), 1);
     }
 
     void clearingWaitsForRuns()
