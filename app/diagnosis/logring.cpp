@@ -100,6 +100,8 @@ struct LogRing::Shared
     Shared(const QString &folderPath, qint64 bytes) : folder(folderPath), fileBytes(bytes) {}
 
     void joinRing();
+    bool open();
+    bool isFullFor(const QByteArray &lines) const;
     void append(const QByteArray &lines);
     void turn();
 };
@@ -125,21 +127,33 @@ void LogRing::Shared::turn()
         QFile::rename(fileOf(ring, age - 1), fileOf(ring, age));
 }
 
+bool LogRing::Shared::open()
+{
+    if (file.isOpen())
+        return true;
+    file.setFileName(fileOf(ring, 0));
+    if (!file.open(QIODevice::Append))
+        return false;
+    platform::closeToOthers(file.fileName());
+    return true;
+}
+
+bool LogRing::Shared::isFullFor(const QByteArray &lines) const
+{
+    return file.size() > 0 && file.size() + lines.size() > fileBytes;
+}
+
 void LogRing::Shared::append(const QByteArray &lines)
 {
-    if (ring.isEmpty())
+    if (ring.isEmpty() || !open())
         return;
-    if (file.isOpen() && file.size() + lines.size() > fileBytes)
+    if (isFullFor(lines)) {
         turn();
-    if (!file.isOpen()) {
-        file.setFileName(fileOf(ring, 0));
-        if (!file.open(QIODevice::Append))
+        if (!open())
             return;
-        platform::closeToOthers(file.fileName());
-        if (file.size() + lines.size() > fileBytes && file.size() > 0) {
-            turn();
-            return append(lines);
-        }
+        // Somebody holds an older file, and this one has stayed where it was.
+        if (isFullFor(lines))
+            file.resize(0);
     }
     file.write(lines);
     file.flush();

@@ -82,6 +82,23 @@ private slots:
         QVERIFY(LogRing::filesIn(folder.path()).isEmpty());
     }
 
+    /// Somebody holds the older files: the newest begins anew, and is no larger for it.
+    void olderFilesThatCannotBeMoved()
+    {
+        const QTemporaryDir folder;
+        for (int age = 1; age < LogRing::files; ++age)
+            writeFile(folder.filePath("tessavo-tools.%1.log/held"_s.arg(age)));
+        constexpr int fileBytes = 1000;
+        {
+            LogRing ring(folder.path(), fileBytes);
+            for (int line = 0; line < 400; ++line)
+                ring.write("line %1"_s.arg(1000 + line));
+        }
+        const QByteArray newest = readFile(folder.filePath("tessavo-tools.log"_s));
+        QVERIFY2(newest.endsWith("line 1399\n"), newest.right(60).constData());
+        QVERIFY(newest.size() <= fileBytes);
+    }
+
     void aSecondProgramWritesElsewhere()
     {
         const QTemporaryDir folder;
